@@ -1,0 +1,15 @@
+#include "base/error.h"
+
+#include <system_error>
+#include <utility>
+
+namespace korvel {
+
+Error::Error(std::int32_t number, std::string description, std::optional<int> line)
+    : number_(number), description_(std::move(description)), line_(line) {}
+
+Error systemError(int systemNumber, const std::string& what) {
+  return {systemNumber, what + ": " + std::generic_category().message(systemNumber)};
+}
+
+}  // namespace korvel

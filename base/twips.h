@@ -1,0 +1,18 @@
+#pragma once
+
+#include <compare>
+
+namespace korvel {
+
+/// A length on the control's surface: 1440 to the inch, whatever the screen's resolution.
+struct Twips {
+  int value = 0;
+
+  friend constexpr auto operator<=>(Twips, Twips) = default;
+  friend constexpr Twips operator+(Twips a, Twips b) noexcept { return {a.value + b.value}; }
+  friend constexpr Twips operator-(Twips a, Twips b) noexcept { return {a.value - b.value}; }
+};
+
+inline constexpr int twipsPerInch = 1440;
+
+}  // namespace korvel

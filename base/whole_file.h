@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace korvel {
+
+/// A file that is written whole or not at all: bytes go to a temporary file beside the target, `commit` syncs it and
+/// renames it over the target. Without `commit` the target is left as it was and the temporary file is removed.
+/// A target that is a symbolic link is written through: the link stays, the file it names is replaced.
+/// All members throw Error with the system's error number.
+class WholeFile {
+ public:
+  explicit WholeFile(std::filesystem::path target);
+  ~WholeFile();
+  WholeFile(const WholeFile&) = delete;
+  WholeFile& operator=(const WholeFile&) = delete;
+
+  void write(std::string_view bytes);
+  void commit();
+
+ private:
+  void flush();
+
+  std::filesystem::path target_;
+  std::filesystem::path temporary_;
+  std::string buffer_;
+  int descriptor_ = -1;
+};
+
+/// Replaces `target` by `bytes`, whole or not at all.
+void writeWholeFile(const std::filesystem::path& target, std::string_view bytes);
+
+/// All bytes of a file; throws Error with the system's error number.
+std::string readWholeFile(const std::filesystem::path& file);
+
+}  // namespace korvel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korvel::db {
+
+/// What a column holds, as far as writers of typed files need to know it. All values travel as text.
+enum class ColumnKind { text, number, boolean, dateTime, binary };
+
+struct Field {
+  std::string name;
+  ColumnKind kind = ColumnKind::text;
+};
+
+/// One value of a row: UTF-8 text in the form the server gives it, valid only during the call that hands it over.
+struct Cell {
+  std::string_view text;
+  bool isNull = false;
+};
+
+/// Receives an answer as it arrives: for each result set beginResult, its rows, endResult. Results without columns (row
+/// counts) never reach it.
+class ResultSink {
+ public:
+  virtual ~ResultSink() = default;
+  virtual void beginResult(std::span<const Field> fields) = 0;
+  /// `cells` has one entry a field. Returns false to stop the whole answer; the connection then ends it in good order
+  /// and calls nothing more, not even endResult.
+  virtual bool row(std::span<const Cell> cells) = 0;
+  virtual void endResult() = 0;
+};
+
+/// An open connection to one audit database; closed by destruction. Used by one thread at a time.
+class Connection {
+ public:
+  virtual ~Connection() = default;
+  /// Runs `commandText` and pushes its whole answer. Throws Error where the engine reports a failure, also when part of
+  /// the answer has already been pushed: the sink's owner must then drop what it got.
+  virtual void execute(std::string_view commandText, ResultSink& sink) = 0;
+};
+
+}  // namespace korvel::db

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "results/result_list.h"
+
+namespace korvel::query {
+
+inline constexpr std::string_view auditTable = "Korvel_Audit_Trails";
+
+struct AuditColumn {
+  std::string_view name;
+  std::string_view caption;  // fixed English, not translated
+};
+
+inline constexpr std::size_t auditColumnCount = 18;
+/// The columns of the audit trail in table order, which is the order of the list columns.
+[[nodiscard]] const std::array<AuditColumn, auditColumnCount>& auditColumns() noexcept;
+
+inline constexpr std::size_t standardListCount = 5;
+inline constexpr std::size_t listCount = 6;
+inline constexpr std::size_t customList = 5;
+
+/// Fixed English captions of the six result pages.
+inline constexpr std::array<std::string_view, listCount> pageCaptions = {
+    "ALL Audits", "Configuration", "Runtime", "Document Control", "KorvelAudit", "Custom"};
+
+/// The list 1..4 that receives rows of an audit type besides list 0; nothing for an empty or unknown code.
+[[nodiscard]] std::optional<std::size_t> listOfAuditType(std::string_view code) noexcept;
+
+/// Clears the headers of the list and adds the eighteen columns, each 1440 twips wide; rows are not touched.
+void setUpAuditColumns(results::ResultList& list);
+
+}  // namespace korvel::query

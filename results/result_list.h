@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/twips.h"
+#include "results/ids.h"
+#include "results/row_store.h"
+
+namespace korvel::results {
+
+enum class SortOrder { ascending = 0, descending = 1 };
+/// Images of the header image list.
+enum class HeaderIcon { none = 0, ascending = 1, descending = 2 };
+
+struct ColumnHeader {
+  std::string caption;
+  Twips width;
+  /// Sort direction: 0 ascending, -1 descending.
+  int tag = 0;
+};
+
+inline constexpr Twips standardColumnWidth{1440};
+
+/// How many of a record's columns a list shows.
+enum class RowFilling {
+  standard,  ///< all but the last two: deliberate, so "Comments" and "Summer Time" stay empty in the standard lists
+  whole      ///< every column (custom queries)
+};
+
+/// One report-style list: headers, the rows it shows (by number, from a shared RowStore), sort key and order.
+/// It knows no widget; the control's model reads it.
+class ResultList {
+ public:
+  explicit ResultList(RowFilling filling) : filling_(filling) {}
+
+  /// Replaces the headers; rows are not touched.
+  void setColumns(std::vector<ColumnHeader> columns);
+  [[nodiscard]] const std::vector<ColumnHeader>& columns() const noexcept { return columns_; }
+
+  /// Drops the rows (and the reference to their store); headers, sort key and order stay.
+  void clear() noexcept;
+  /// Replaces the rows. A list whose sorting is on sorts them at once.
+  void setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows);
+
+  [[nodiscard]] std::size_t rowCount() const noexcept { return rows_.size(); }
+  /// Text of a cell as it is shown: blanks trimmed, null empty, columns that are not filled empty.
+  [[nodiscard]] std::string_view text(RowPosition row, ColumnIndex column) const noexcept;
+  /// The record behind a row.
+  [[nodiscard]] RowId rowId(RowPosition row) const noexcept { return rows_[row.value]; }
+  [[nodiscard]] const RowStore* store() const noexcept { return store_.get(); }
+
+  /// A click on a header: again on the sort key inverts its direction, then the list is sorted by it.
+  void clickColumn(ColumnIndex column);
+  /// Switches sorting on with the current key and order. Sort key 0 orders entry numbers numerically (nine digits).
+  void sort();
+  /// Sets key and order, then sorts (tool and tests).
+  void sortBy(ColumnIndex key, SortOrder order);
+
+  [[nodiscard]] ColumnIndex sortKey() const noexcept { return sortKey_; }
+  [[nodiscard]] SortOrder sortOrder() const noexcept { return sortOrder_; }
+  [[nodiscard]] bool isSorted() const noexcept { return sorted_; }
+  /// The picture beside a caption: on the sort key of a list whose sorting is on, else none.
+  [[nodiscard]] HeaderIcon headerIcon(ColumnIndex column) const noexcept;
+
+ private:
+  RowFilling filling_;
+  std::vector<ColumnHeader> columns_;
+  std::shared_ptr<const RowStore> store_;
+  std::vector<RowId> rows_;
+  ColumnIndex sortKey_;
+  SortOrder sortOrder_ = SortOrder::ascending;
+  bool sorted_ = false;
+};
+
+/// `count`, a blank, and the text after it in the language: "125 Records on current tab".
+[[nodiscard]] std::string recordCountText(std::size_t count, std::string_view label);
+
+}  // namespace korvel::results

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "db/connection.h"
+#include "results/ids.h"
+
+namespace korvel::results {
+
+/// The rows of one answer, each stored once, column by column: a column keeps every distinct value once and a code of 1, 2
+/// or 4 bytes a row; a column whose values hardly repeat stops looking for repeats. Values are kept exactly as the server
+/// gave them, null apart from empty. Append-only; shared read-only by the lists once filled.
+class RowStore final {
+ public:
+  RowStore();
+  ~RowStore();
+  RowStore(RowStore&&) noexcept;
+  RowStore& operator=(RowStore&&) noexcept;
+
+  /// Starts a result set of these fields; rows appended from here on have that many cells.
+  void beginResult(std::span<const db::Field> fields);
+  /// Throws Error when more than 2^32 - 1 rows, or more memory than there is, would be needed.
+  RowId append(std::span<const db::Cell> cells);
+
+  [[nodiscard]] std::size_t rowCount() const noexcept;
+  /// The widest result set's number of columns.
+  [[nodiscard]] std::size_t columnCount() const noexcept;
+  /// Number of fields of the result set that the row came with.
+  [[nodiscard]] std::size_t widthOf(RowId row) const noexcept;
+  /// The fields of the result set that the row came with.
+  [[nodiscard]] std::span<const db::Field> fieldsOf(RowId row) const noexcept;
+  /// The value; an empty null cell beyond the row's width. The text lives as long as the store.
+  [[nodiscard]] db::Cell cell(RowId row, ColumnIndex column) const noexcept;
+  /// Bytes held on the heap.
+  [[nodiscard]] std::size_t memoryBytes() const noexcept;
+
+  /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have equal
+  /// ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to nine digits.
+  [[nodiscard]] std::vector<std::uint32_t> ranks(ColumnIndex column, bool numericKeys) const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace korvel::results

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "settings/settings_backend.h"
+
+namespace korvel::settings {
+
+/// Base of the numbers of errors that objects define; every settings error is this plus a small number.
+inline constexpr std::int32_t objectErrorBase = static_cast<std::int32_t>(0x80040000U);
+
+inline constexpr std::string_view applicationName = "Molvane";
+inline constexpr std::string_view viewerSection = "AuditViewer";
+
+/// The control's only persistent store of user settings. Holds no state between calls: each call opens its section,
+/// does its work and closes it. Failures are raised as Error; nothing is ever shown.
+class Registry {
+ public:
+  /// Uses `backend`, which must outlive the object.
+  explicit Registry(SettingsBackend& backend) : backend_(backend) {}
+
+  /// The stored string, or `fallback` where the section or the value is missing.
+  [[nodiscard]] std::string GetSetting(const std::string& appName, const std::string& section, const std::string& key,
+                                       const std::string& fallback) const;
+  /// Creates the section if need be and stores the string.
+  void SaveSetting(const std::string& appName, const std::string& section, const std::string& key,
+                   const std::string& value) const;
+
+ private:
+  SettingsBackend& backend_;
+};
+
+/// The value of a process environment variable, or "" when it is not set.
+[[nodiscard]] std::string GetEnvironment(const std::string& name);
+
+/// The platform's own store: the machine-wide registry on Windows, otherwise the per-user settings file.
+[[nodiscard]] std::unique_ptr<SettingsBackend> platformBackend();
+
+}  // namespace korvel::settings

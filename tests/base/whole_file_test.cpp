@@ -1,0 +1,93 @@
+#include "base/whole_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include "base/error.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::size_t filesIn(const fs::path& folder) {
+  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+TEST(WholeFile, ReplacesTheTarget) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.txt", "one");
+  writeWholeFile(folder / "a.txt", "two");
+  EXPECT_EQ(readWholeFile(folder / "a.txt"), "two");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+TEST(WholeFile, WithoutCommitLeavesTheTargetAndNothingElse) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.txt", "one");
+  {
+    WholeFile file(folder / "a.txt");
+    file.write("two");
+  }
+  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+TEST(WholeFile, KeepsTheTargetsRights) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.txt", "one");
+  fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
+  writeWholeFile(folder / "a.txt", "two");
+  EXPECT_EQ(fs::status(folder / "a.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(WholeFile, WritesThroughALink) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "real.txt", "one");
+  fs::create_symlink("real.txt", folder / "link.txt");
+  writeWholeFile(folder / "link.txt", "two");
+  EXPECT_TRUE(fs::is_symlink(folder / "link.txt"));
+  EXPECT_EQ(readWholeFile(folder / "real.txt"), "two");
+}
+
+TEST(WholeFile, MissingFolderIsASystemError) {
+  const test::TemporaryFolder folder;
+  try {
+    writeWholeFile(folder / "none" / "a.txt", "x");
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), ENOENT);
+  }
+}
+
+TEST(WholeFile, FullDiskLeavesTheEarlierFile) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.txt", "one");
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  rlimit small = before;
+  small.rlim_cur = 4096;
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  int number = 0;
+  try {
+    writeWholeFile(folder / "a.txt", std::string(10000, 'x'));
+  } catch (const Error& error) {
+    number = error.number();
+  }
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(number, EFBIG);
+  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+}  // namespace
+}  // namespace korvel
