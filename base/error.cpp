@@ -8,6 +8,11 @@ namespace korvel {
 Error::Error(std::int32_t number, std::string description, std::optional<int> line)
     : number_(number), description_(std::move(description)), line_(line) {}
 
+void Error::setText(std::string key, std::vector<std::string> arguments) {
+  textKey_ = std::move(key);
+  textArguments_ = std::move(arguments);
+}
+
 Error systemError(int systemNumber, const std::string& what) {
   return {systemNumber, what + ": " + std::generic_category().message(systemNumber)};
 }

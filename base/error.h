@@ -4,10 +4,13 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace korvel {
 
 /// A failure as the system names it: a number and a description. The one exception type that crosses rooms.
+/// Failures that we explain in the user's language carry the key of their sentence and what fills it; the description
+/// is then the English sentence.
 class Error : public std::exception {
  public:
   Error(std::int32_t number, std::string description, std::optional<int> line = std::nullopt);
@@ -17,12 +20,18 @@ class Error : public std::exception {
   [[nodiscard]] const std::string& description() const noexcept { return description_; }
   /// The line of the user's statement text, counted from 1, where the engine names one.
   [[nodiscard]] std::optional<int> line() const noexcept { return line_; }
+  /// Key of the sentence in the table of our own texts; empty where the description is the engine's own text.
+  [[nodiscard]] const std::string& textKey() const noexcept { return textKey_; }
+  [[nodiscard]] const std::vector<std::string>& textArguments() const noexcept { return textArguments_; }
+  void setText(std::string key, std::vector<std::string> arguments);
   [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
  private:
   std::int32_t number_;
   std::string description_;
   std::optional<int> line_;
+  std::string textKey_;
+  std::vector<std::string> textArguments_;
 };
 
 /// The error for a failed system call: the system's number and its text after `what`, a colon and a blank.

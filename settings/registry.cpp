@@ -1,0 +1,91 @@
+#include "settings/registry.h"
+
+#include <cstddef>
+#include <exception>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "base/text.h"
+
+namespace korvel::settings {
+
+namespace {
+
+constexpr std::uint32_t appNameEmpty = 1000;
+constexpr std::uint32_t sectionEmpty = 1001;
+constexpr std::uint32_t keyEmpty = 1002;
+/// A failed call's system error number, or a value's type, is added to this.
+constexpr std::uint32_t platformBase = 2000;
+/// What an object answers for a failure that has no number of its own.
+constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
+
+[[noreturn]] void raise(std::uint32_t code, const char* description) {
+  throw Error(static_cast<std::int32_t>(static_cast<std::uint32_t>(objectErrorBase) + code), description);
+}
+
+void checkArguments(const std::string& appName, const std::string& section, const std::string& key) {
+  if (trimBlanks(appName).empty()) raise(appNameEmpty, "AppName may not be empty");
+  if (trimBlanks(section).empty()) raise(sectionEmpty, "Section may not be empty");
+  if (trimBlanks(key).empty()) raise(keyEmpty, "Key may not be empty");
+}
+
+std::string keyPath(const std::string& appName, const std::string& section) {
+  std::string path = "SOFTWARE\\";
+  path += trimBlanks(appName);
+  path += '\\';
+  path += trimBlanks(section);
+  return path;
+}
+
+/// The error trap of both operations: whatever `operation` raises leaves with the same number and description, after
+/// the section has been closed.
+template <typename Operation>
+auto trapped(const Operation& operation) {
+  std::unique_ptr<SettingsKey> key;
+  try {
+    return operation(key);
+  } catch (const Error& error) {
+    key.reset();
+    throw Error(error.number(), error.description());
+  } catch (const std::exception& error) {
+    key.reset();
+    throw Error(unspecifiedFailure, error.what());
+  }
+}
+
+}  // namespace
+
+std::string Registry::GetSetting(const std::string& appName, const std::string& section, const std::string& key,
+                                 const std::string& fallback) const {
+  return trapped([&](std::unique_ptr<SettingsKey>& opened) -> std::string {
+    checkArguments(appName, section, key);
+    const std::uint32_t failure = backend_.openForReading(keyPath(appName, section), opened);
+    if (failure == errorFileNotFound) return fallback;
+    if (failure != errorSuccess) raise(platformBase + failure, "Could not open registry section");
+
+    std::uint32_t type = 0;
+    std::uint32_t size = 0;
+    if (opened->querySize(key, type, size) != errorSuccess) return fallback;
+    // The code carries the type here and a system error above; deliberate.
+    if (type != static_cast<std::uint32_t>(ValueType::string)) raise(platformBase + type, "Registry data not a string");
+    if (size == 0) return {};
+
+    std::vector<char> buffer(size, '\0');
+    if (opened->queryData(key, buffer) != errorSuccess) return fallback;
+    return {buffer.data(), static_cast<std::size_t>(size) - 1};
+  });
+}
+
+void Registry::SaveSetting(const std::string& appName, const std::string& section, const std::string& key,
+                           const std::string& value) const {
+  trapped([&](std::unique_ptr<SettingsKey>& opened) {
+    checkArguments(appName, section, key);
+    std::uint32_t failure = backend_.createOrOpen(keyPath(appName, section), opened);
+    if (failure != errorSuccess) raise(platformBase + failure, "Could not open/create registry section");
+    failure = opened->setString(key, value);
+    if (failure != errorSuccess) raise(platformBase + failure, "Could not set key value");
+  });
+}
+
+}  // namespace korvel::settings

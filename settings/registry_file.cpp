@@ -1,0 +1,134 @@
+#include "settings/registry_file.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/text.h"
+#include "settings/registry.h"
+#include "settings/registry_document.h"
+#include "settings/system_error_number.h"
+
+namespace korvel::settings {
+
+namespace {
+
+constexpr std::string_view hive = "HKEY_LOCAL_MACHINE";
+
+/// Whether a path or name can stand on one line of the file.
+bool fitsOneLine(std::string_view name) {
+  return isValidUtf8(name) && name.find_first_of(std::string_view("\0\r\n", 3)) == std::string_view::npos;
+}
+
+/// The path below the hive, without the empty parts that doubled backslashes make: a registry ignores them too.
+std::string fullPath(std::string_view keyPath) {
+  std::string path(hive);
+  while (!keyPath.empty()) {
+    const std::string_view part = keyPath.substr(0, keyPath.find('\\'));
+    if (!part.empty()) {
+      path += '\\';
+      path += part;
+    }
+    keyPath.remove_prefix(std::min(part.size() + 1, keyPath.size()));
+  }
+  return path;
+}
+
+std::uint32_t load(const SharedFile& file, RegistryDocument& document) {
+  std::string bytes;
+  const std::uint32_t failure = file.read(bytes);
+  if (failure != errorSuccess) return failure;
+  auto parsed = RegistryDocument::parse(std::move(bytes));
+  if (!parsed) return errorBadDatabase;
+  document = *std::move(parsed);
+  return errorSuccess;
+}
+
+/// Takes the lock, reads the file (a missing one is an empty document), lets `change` work on the document, and writes
+/// it where its text has changed.
+template <typename Change>
+std::uint32_t update(const SharedFile& file, RegistryDocument& document, const Change& change) {
+  SharedFile::Lock lock;
+  std::uint32_t failure = lock.take(file);
+  if (failure != errorSuccess) return failure;
+  RegistryDocument current;
+  failure = load(file, current);
+  if (failure != errorSuccess && failure != errorFileNotFound) return failure;
+  const std::string before = current.text();
+  change(current);
+  if (current.text() != before)
+    failure = lock.write(current.text());
+  else
+    failure = errorSuccess;
+  if (failure == errorSuccess) document = std::move(current);
+  return failure;
+}
+
+class FileKey : public SettingsKey {
+ public:
+  /// `writable` is null for a section opened for reading.
+  FileKey(RegistryDocument document, std::string path, const SharedFile* writable)
+      : document_(std::move(document)), path_(std::move(path)) {
+    if (writable != nullptr) file_ = std::make_unique<SharedFile>(*writable);
+  }
+
+  std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
+    const RegistryValue* value = document_.find(path_, valueName);
+    if (value == nullptr) return errorFileNotFound;
+    type = value->type;
+    size = static_cast<std::uint32_t>(value->bytes.size());
+    return errorSuccess;
+  }
+
+  std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) override {
+    const RegistryValue* value = document_.find(path_, valueName);
+    if (value == nullptr) return errorFileNotFound;
+    if (buffer.size() < value->bytes.size()) return errorMoreData;
+    std::copy(value->bytes.begin(), value->bytes.end(), buffer.begin());
+    return errorSuccess;
+  }
+
+  std::uint32_t setString(const std::string& valueName, const std::string& value) override {
+    if (!file_) return errorAccessDenied;
+    if (!fitsOneLine(valueName)) return errorInvalidParameter;
+    if (!isValidUtf8(value)) return errorNoUnicodeTranslation;
+    return update(*file_, document_, [&](RegistryDocument& document) { document.setString(path_, valueName, value); });
+  }
+
+ private:
+  RegistryDocument document_;
+  std::string path_;
+  std::unique_ptr<SharedFile> file_;
+};
+
+}  // namespace
+
+std::uint32_t RegistryFile::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+  if (!fitsOneLine(keyPath)) return errorInvalidParameter;
+  RegistryDocument document;
+  const std::uint32_t failure = load(file_, document);
+  if (failure != errorSuccess) return failure;
+  std::string path = fullPath(keyPath);
+  if (!document.hasKey(path)) return errorFileNotFound;
+  key = std::make_unique<FileKey>(std::move(document), std::move(path), nullptr);
+  return errorSuccess;
+}
+
+std::uint32_t RegistryFile::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+  if (!fitsOneLine(keyPath)) return errorInvalidParameter;
+  std::string path = fullPath(keyPath);
+  RegistryDocument document;
+  const std::uint32_t failure = update(file_, document, [&](RegistryDocument& current) { current.addKey(path); });
+  if (failure != errorSuccess) return failure;
+  key = std::make_unique<FileKey>(std::move(document), std::move(path), &file_);
+  return errorSuccess;
+}
+
+std::filesystem::path registryFilePath() {
+  if (const std::string named = GetEnvironment("KORVEL_REGISTRY"); !named.empty()) return named;
+  const std::filesystem::path folder = configurationFolder();
+  return folder.empty() ? folder : folder / "korvel" / "registry.reg";
+}
+
+}  // namespace korvel::settings

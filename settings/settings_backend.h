@@ -19,7 +19,8 @@ inline constexpr std::uint32_t errorAccessDenied = 5;
 class SettingsKey {
  public:
   virtual ~SettingsKey() = default;
-  /// Type and size in bytes of a value; the size of a string counts one terminating NUL, also when the writer counted none.
+  /// Type and size in bytes of a value; the size of a string counts one terminating NUL, also when the writer counted
+  /// none.
   virtual std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) = 0;
   /// The bytes of a value into `buffer`, which the caller has sized with querySize.
   virtual std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) = 0;
@@ -27,7 +28,8 @@ class SettingsKey {
   virtual std::uint32_t setString(const std::string& valueName, const std::string& value) = 0;
 };
 
-/// Where settings live: the machine-wide hive on Windows, a file elsewhere. `keyPath` is "SOFTWARE\<application>\<section>".
+/// Where settings live: the machine-wide hive on Windows, a file elsewhere. `keyPath` is
+/// "SOFTWARE\<application>\<section>".
 class SettingsBackend {
  public:
   virtual ~SettingsBackend() = default;

@@ -1,0 +1,85 @@
+#include "settings/string_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <stdexcept>
+
+#include "settings/text_table.h"
+
+namespace korvel::embedded {
+extern const std::string_view fixedTexts;
+extern const std::string_view ownTexts;
+}  // namespace korvel::embedded
+
+namespace korvel::settings {
+
+namespace {
+
+constexpr std::array<std::string_view, languageCount> offsets = {"0", "10000", "20000", "30000", "40000"};
+constexpr int blockSize = 10000;
+
+const TextTable& fixedTable() {
+  static const TextTable table = parseTextTable(embedded::fixedTexts, "k");
+  return table;
+}
+
+const TextTable& ownTable() {
+  static const TextTable table = [] {
+    TextTable sorted = parseTextTable(embedded::ownTexts, "key");
+    std::stable_sort(sorted.rows.begin(), sorted.rows.end(),
+                     [](const TextRow& left, const TextRow& right) { return left.key < right.key; });
+    return sorted;
+  }();
+  return table;
+}
+
+/// Entry 1..71 of a block, or nothing outside it.
+std::string_view entry(int number, Language language) {
+  const auto& rows = fixedTable().rows;
+  if (number < 1 || number > fixedTextCount || static_cast<std::size_t>(number) > rows.size()) return {};
+  return rows[static_cast<std::size_t>(number) - 1].texts[static_cast<std::size_t>(language.index)];
+}
+
+}  // namespace
+
+Language LanguageOffset::language() const noexcept {
+  const auto found = std::find(offsets.begin(), offsets.end(), text_);
+  return found == offsets.end() ? Language{} : Language{static_cast<int>(found - offsets.begin())};
+}
+
+std::string_view loadText(TextId id, const LanguageOffset& offset) {
+  return entry(id.value - blockSize, offset.language());
+}
+
+std::string_view loadTextByIdentifier(int identifier) noexcept {
+  const int block = identifier / blockSize - 1;
+  if (block < 0 || block >= languageCount) return {};
+  return entry(identifier % blockSize, Language{block});
+}
+
+std::string_view ownText(std::string_view key, const LanguageOffset& offset) {
+  const auto& rows = ownTable().rows;
+  const auto found = std::lower_bound(rows.begin(), rows.end(), key,
+                                      [](const TextRow& row, std::string_view wanted) { return row.key < wanted; });
+  if (found == rows.end() || found->key != key) throw std::out_of_range("no text has the key " + std::string(key));
+  return found->texts[static_cast<std::size_t>(offset.language().index)];
+}
+
+std::string filled(std::string_view text, std::string_view first, std::string_view second) {
+  std::string result;
+  result.reserve(text.size() + first.size() + second.size());
+  // One pass: a value that itself holds "%2" must come out as it is.
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string_view place = text.substr(i, 2);
+    if (place == "%1" || place == "%2") {
+      result += place == "%1" ? first : second;
+      ++i;
+    } else {
+      result.push_back(text[i]);
+    }
+  }
+  return result;
+}
+
+}  // namespace korvel::settings

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace korvel::settings {
 
@@ -39,8 +40,8 @@ class LanguageOffset {
 /// A text of the fixed table by its identifier in any of the five blocks (10001 to 50071); empty outside the table.
 [[nodiscard]] std::string_view loadTextByIdentifier(int identifier) noexcept;
 
-/// A text of our own (host, tool windows, reasons of failures), by its key in own_texts.tsv. Throws std::out_of_range for
-/// a key that the table does not have. Places "%1", "%2" are filled by the caller (see filled()).
+/// A text of our own (host, tool windows, reasons of failures), by its key in own_texts.tsv. Throws std::out_of_range
+/// for a key that the table does not have. Places "%1", "%2" are filled by the caller (see filled()).
 [[nodiscard]] std::string_view ownText(std::string_view key, const LanguageOffset& offset);
 
 /// `text` with "%1" replaced by `first` and "%2" by `second`.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+
+#include "settings/settings_backend.h"
+#include "settings/shared_file.h"
+
+namespace korvel::settings {
+
+/// Settings in a text file in the manner of a registry export (see RegistryDocument), with the key paths of the
+/// machine-wide hive. Programs that write at once lose nothing of each other's: every change reads the file anew and
+/// replaces it whole, under a lock. A section opened for reading shows the file as it was when it was opened.
+///
+/// A file that is missing is a missing section (2). One that cannot be read, or not be understood (1009), is a failure
+/// to open, never an empty store.
+class RegistryFile : public SettingsBackend {
+ public:
+  /// `file` and its folders need not be there until something is written. An empty path has no settings and takes none.
+  explicit RegistryFile(const std::filesystem::path& file) : file_(file) {}
+
+  std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+
+ private:
+  SharedFile file_;
+};
+
+/// The settings file of this process: the one that KORVEL_REGISTRY names, otherwise the user's own,
+/// korvel/registry.reg in the configuration folder.
+[[nodiscard]] std::filesystem::path registryFilePath();
+
+}  // namespace korvel::settings

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace korvel::settings {
+
+/// A text file that several processes and threads read and rewrite. All functions answer with a system error number.
+class SharedFile {
+ public:
+  /// A relative `path` means the folder that is current now.
+  explicit SharedFile(const std::filesystem::path& path);
+
+  /// The whole file as some writer left it, never half of two. Only a regular file is read: a pipe would block.
+  [[nodiscard]] std::uint32_t read(std::string& bytes) const;
+
+  /// The right to rewrite the file, held by one holder at a time. The lock is a file of its own beside the settings
+  /// (their own file is replaced by every write, so a lock on it would lock nothing); it stays there when the lock is
+  /// released.
+  class Lock {
+   public:
+    /// Waits for the lock; creates the file's folders and the lock file if need be. Fails where the file could not be
+    /// rewritten: no right to write to it or to its folder.
+    [[nodiscard]] std::uint32_t take(const SharedFile& file);
+
+    Lock() = default;
+    ~Lock();
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+    /// Replaces the file whole. Only while the lock is held.
+    [[nodiscard]] std::uint32_t write(std::string_view bytes) const;
+
+   private:
+    std::filesystem::path target_;
+    int descriptor_ = -1;
+  };
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// The folder in which programs keep the user's configuration; empty where none is known.
+[[nodiscard]] std::filesystem::path configurationFolder();
+
+}  // namespace korvel::settings
