@@ -1,0 +1,46 @@
+#include "db/connection_state.h"
+
+namespace korvel::db {
+
+std::string_view databaseName(int databaseType) noexcept {
+  return databaseType == static_cast<int>(DatabaseTypeEnum::Korvel_Audit) ? "Korvel_Audit" : "Korvel_Audit_MU";
+}
+
+std::string buildConnectionString(std::string_view server, std::string_view database) {
+  std::string text = "Provider=SQLOLEDB; Server=";
+  text += server;
+  text += "; Database=";
+  text += database;
+  text += "; Integrated Security=SSPI;";
+  return text;
+}
+
+std::string selectionText(const ConnectionState& state) {
+  return state.CurrentServer + " - [" + state.CurrentDatabase + "]";
+}
+
+void openDefaultServer(ConnectionState& state, std::string_view defaultServer, int databaseType) {
+  const std::string_view database = databaseName(databaseType);
+  state.ConnectionString = buildConnectionString(defaultServer, database);
+  state.AdvancedConnectionString = buildConnectionString(defaultServer, database);
+  state.CurrentServer = defaultServer;
+  state.CurrentDatabase = database;
+}
+
+bool namesAServer(std::string_view defaultServer) noexcept {
+  return !defaultServer.empty() && defaultServer != "(None)";
+}
+
+std::string databaseInformation(const ConnectionState& state, const settings::LanguageOffset& offset) {
+  constexpr settings::TextId databaseNameLabel{10070};
+  constexpr settings::TextId databaseLocationLabel{10071};
+  // The first label is not translated: deliberate, as is the box's title.
+  std::string text = "SQL Server = " + state.CurrentServer + "\r\n";
+  text += settings::loadText(databaseNameLabel, offset);
+  text += " = " + state.CurrentDatabase + "\r\n";
+  text += settings::loadText(databaseLocationLabel, offset);
+  text += " = " + state.CurrentDatabaseLocation;
+  return text;
+}
+
+}  // namespace korvel::db

@@ -10,7 +10,8 @@ namespace korvel::db {
 /// Which audit database a host wants. The member and the database it selects are spelled differently on purpose.
 enum class DatabaseTypeEnum : int { Korvel_Audit = 0, Korvel_AuditMU = 1 };
 
-/// The database selection that all instances of the control share. An empty ConnectionString means that none is selected.
+/// The database selection that all instances of the control share. An empty ConnectionString means that none is
+/// selected.
 struct ConnectionState {
   std::string ConnectionString;
   std::string AdvancedConnectionString;

@@ -1,0 +1,38 @@
+#include "db/open_connection.h"
+
+#include <array>
+
+#include "db/embedded/embedded_connection.h"
+#include "db/odbc/server_approach.h"
+
+namespace korvel::db {
+namespace {
+
+std::unique_ptr<Connection> openEmbeddedTarget(const ConnectionTarget& target) {
+  return openEmbedded(embeddedFolderOf(target.server), target.database);
+}
+
+std::unique_ptr<Connection> openServerTarget(const ConnectionTarget& target) {
+  return odbc::openServer(target.server, target.database, odbc::userAccess());
+}
+
+/// The engines, asked in this order whether a server name is theirs; the last one takes every name.
+struct Engine {
+  bool (*serves)(std::string_view server);
+  std::unique_ptr<Connection> (*open)(const ConnectionTarget& target);
+};
+constexpr std::array engines = {
+    Engine{isEmbeddedServer, openEmbeddedTarget},
+    Engine{[](std::string_view) { return true; }, openServerTarget},
+};
+
+}  // namespace
+
+std::unique_ptr<Connection> openConnection(std::string_view connectionString) {
+  const ConnectionTarget target = parseConnectionString(connectionString);
+  for (const Engine& engine : engines)
+    if (engine.serves(target.server)) return engine.open(target);
+  return openServerTarget(target);
+}
+
+}  // namespace korvel::db

@@ -9,8 +9,8 @@
 
 namespace korvel::db {
 
-/// The parts of a connection string that the viewer uses. Keys are read case-insensitively, blanks around keys and values
-/// are dropped, unknown keys are ignored, a repeated key keeps its last value.
+/// The parts of a connection string that the viewer uses. Keys are read case-insensitively, blanks around keys and
+/// values are dropped, unknown keys are ignored, a repeated key keeps its last value.
 struct ConnectionTarget {
   std::string provider;
   std::string server;

@@ -1,0 +1,57 @@
+#include "db/embedded/embedded_connection.h"
+
+#include <sqlite3.h>
+
+#include "base/error.h"
+#include "db/embedded/audit_statements.h"
+#include "db/embedded/row_pusher.h"
+#include "db/embedded/sqlite_database.h"
+#include "db/procedure/query_audits_call.h"
+
+namespace korvel::db {
+namespace {
+
+class EmbeddedConnection final : public Connection {
+ public:
+  EmbeddedConnection(const std::filesystem::path& file, const EmbeddedOptions& options)
+      : database_(file, options.busyTimeout) {}
+
+  void execute(std::string_view commandText, ResultSink& sink) override {
+    if (commandText.find('\0') != std::string_view::npos)
+      throw Error(SQLITE_ERROR, "the command text holds a character of code 0 and would be cut short there");
+    if (const auto call = parseQueryAuditsCall(commandText))
+      answer(*call, sink);
+    else
+      runText(std::string(commandText), sink);
+    database_.checkUnchanged();
+  }
+
+ private:
+  void answer(const QueryAuditsCall& call, ResultSink& sink) {
+    for (const std::string& statement : auditStatements(call, database_.tableOrder("Korvel_Audit_Trails")))
+      if (!runText(statement, sink)) return;
+  }
+
+  /// Runs the statements of a text one after the other; false once the sink has had enough.
+  bool runText(const std::string& text, ResultSink& sink) {
+    for (std::size_t start = 0; start < text.size();) {
+      const SqliteStatement statement = database_.prepare(text, start);
+      if (!statement) continue;
+      const int code = RowPusher(statement.get(), sink).push();
+      if (code == SQLITE_ROW) return false;
+      if (code != SQLITE_DONE) throw database_.error(code);
+    }
+    return true;
+  }
+
+  SqliteDatabase database_;
+};
+
+}  // namespace
+
+std::unique_ptr<Connection> openEmbedded(const std::filesystem::path& folder, std::string_view database,
+                                         EmbeddedOptions options) {
+  return std::make_unique<EmbeddedConnection>(embeddedDatabaseFile(folder, database), options);
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,124 @@
+#include "db/procedure/audit_conditions.h"
+
+namespace korvel::db {
+namespace {
+
+constexpr std::string_view dateCondition = "DateTime >=@FromDate and DateTime <= @ToDate";
+
+std::string termText(const Term& term) {
+  std::string text(term.column);
+  text += term.match == Match::equals ? " = '" : " like '";
+  text += term.value;
+  text += term.match == Match::equals ? "'" : "%'";
+  return text;
+}
+
+/// The condition of a category, its date condition joined to the last alternative without brackets.
+std::string conditionText(const CategoryCondition& category, bool withDates) {
+  std::string text;
+  for (const Conjunction conjunction : category.alternatives) {
+    if (!text.empty()) text += " or ";
+    std::string_view joint;
+    for (const Term& term : conjunction) {
+      text += joint;
+      text += termText(term);
+      joint = " and ";
+    }
+  }
+  if (withDates) {
+    text += " and ";
+    text += dateCondition;
+  }
+  return text;
+}
+
+std::string selection(std::string_view indent, std::string_view condition) {
+  std::string text(indent);
+  text += "SELECT TOP " + std::to_string(rowLimitPerResult) + " * FROM Korvel_Audit_Trails";
+  if (!condition.empty()) {
+    text += " WHERE ";
+    text += condition;
+  }
+  return text + "\n";
+}
+
+std::string flagTest(std::string_view parameter) {
+  return "@" + std::string(parameter) + " = 'True'";
+}
+
+std::string parameterList() {
+  std::string text;
+  for (const CategoryCondition& category : categoryConditions())
+    text += "    @" + std::string(category.parameter) + " varchar(10),\n";
+  return text +
+         "    @bDate varchar(10),\n"
+         "    @FromDate varchar(50),\n"
+         "    @ToDate varchar(50)\n";
+}
+
+std::string allCategories() {
+  std::string text = "    -- Every category: the whole trail, entries of the audit system itself included.\n";
+  std::string_view joint = "    IF ";
+  for (const CategoryCondition& category : categoryConditions()) {
+    text += joint;
+    text += flagTest(category.parameter);
+    joint = "\n        AND ";
+  }
+  return text +
+         "\n    BEGIN\n"
+         "        IF @bDate = 'True'\n" +
+         selection("            ", dateCondition) + "        ELSE\n" + selection("            ", {}) +
+         "        RETURN\n"
+         "    END\n\n";
+}
+
+std::string eachCategory(bool withDates) {
+  std::string text;
+  for (const CategoryCondition& category : categoryConditions()) {
+    if (withDates && category.alternatives.size() > 1)
+      text += "        -- No brackets: the dates limit the last alternative only. This is the required result.\n";
+    text += "        IF " + flagTest(category.parameter) + "\n" +
+            selection("            ", conditionText(category, withDates));
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string queryAuditsScript() {
+  return "-- Installs the standard query of the Korvel audit viewer. Run it in the audit database.\n"
+         "-- This file is generated from the viewer's own table of conditions; changes made here are lost.\n"
+         "\n"
+         "IF EXISTS (\n"
+         "    SELECT * FROM dbo.sysobjects\n"
+         "    WHERE id = OBJECT_ID(N'dbo.QueryAudits') AND OBJECTPROPERTY(id, N'IsProcedure') = 1\n"
+         ")\n"
+         "    DROP PROCEDURE dbo.QueryAudits\n"
+         "GO\n"
+         "\n"
+         "SET ANSI_NULLS ON\n"
+         "GO\n"
+         "SET QUOTED_IDENTIFIER ON\n"
+         "GO\n"
+         "\n"
+         "CREATE PROCEDURE dbo.QueryAudits\n" +
+         parameterList() +
+         "AS\n"
+         "BEGIN\n"
+         "    SET NOCOUNT ON\n"
+         "\n" +
+         allCategories() +
+         "    -- Otherwise one result set for each category asked for; a row may be in several of them.\n"
+         "    IF @bDate = 'True'\n"
+         "    BEGIN\n" +
+         eachCategory(true) +
+         "    END\n"
+         "    ELSE\n"
+         "    BEGIN\n" +
+         eachCategory(false) +
+         "    END\n"
+         "END\n"
+         "GO\n";
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,112 @@
+#include "db/discovery/configured_servers.h"
+
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <map>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "base/whole_file.h"
+#include "settings/registry.h"
+
+namespace korvel::db {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Section = std::map<std::string, std::string>;  // keys case-folded
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view white = " \t\r";
+  const auto first = text.find_first_not_of(white);
+  return first == std::string_view::npos ? std::string_view{}
+                                         : text.substr(first, text.find_last_not_of(white) - first + 1);
+}
+
+/// Calls `visit` with each section's name and entries, in the order of the file.
+void readSections(std::string_view text, const std::function<void(const std::string&, const Section&)>& visit) {
+  std::string name;
+  Section section;
+  const auto finish = [&] {
+    if (!name.empty()) visit(name, section);
+    section.clear();
+  };
+  while (!text.empty()) {
+    const auto end = text.find('\n');
+    const std::string_view line = trimmed(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (line.empty() || line.front() == '#' || line.front() == ';') continue;
+    if (line.front() == '[') {
+      finish();
+      // A heading that is not closed heads nothing.
+      name = line.back() == ']' ? trimmed(line.substr(1, line.size() - 2)) : std::string_view{};
+      continue;
+    }
+    const auto equals = line.find('=');
+    if (equals != std::string_view::npos)
+      section[caseFolded(trimmed(line.substr(0, equals)))] = trimmed(line.substr(equals + 1));
+  }
+  finish();
+}
+
+std::string valueOf(const Section& section, const char* key) {
+  const auto found = section.find(key);
+  return found == section.end() ? std::string{} : found->second;
+}
+
+std::string typedName(const std::string& host, const std::string& instance, const std::string& port) {
+  if (!port.empty() && port != "1433") return host + "," + port;
+  return instance.empty() ? host : host + "\\" + instance;
+}
+
+void addServersOf(const fs::path& file, std::vector<std::string> (*read)(std::string_view),
+                  std::vector<std::string>& servers) {
+  try {
+    for (auto& server : read(readWholeFile(file))) servers.push_back(std::move(server));
+  } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a file that is not there names no servers
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> serversOfFreeTdsConfiguration(std::string_view text) {
+  std::vector<std::string> servers;
+  readSections(text, [&](const std::string& name, const Section& section) {
+    const std::string host = valueOf(section, "host");
+    if (equalsIgnoringAsciiCase(name, "global") || host.empty()) return;
+    servers.push_back(typedName(host, valueOf(section, "instance"), valueOf(section, "port")));
+  });
+  return servers;
+}
+
+std::vector<std::string> serversOfOdbcConfiguration(std::string_view text) {
+  std::vector<std::string> servers;
+  readSections(text, [&](const std::string& name, const Section& section) {
+    const std::string server = valueOf(section, "server");
+    if (equalsIgnoringAsciiCase(name, "ODBC Data Sources") || equalsIgnoringAsciiCase(name, "ODBC") || server.empty())
+      return;
+    // A data source of another product also has a server; only those of this protocol's drivers are ours.
+    const std::string driver = caseFolded(valueOf(section, "driver"));
+    const bool ours = driver.find("freetds") != std::string::npos || driver.find("tdsodbc") != std::string::npos ||
+                      driver.find("sql server") != std::string::npos || driver.find("msodbcsql") != std::string::npos;
+    if (ours) servers.push_back(typedName(server, {}, valueOf(section, "port")));
+  });
+  return servers;
+}
+
+std::vector<std::string> configuredServers() {
+  const std::string home = settings::GetEnvironment("HOME");
+  const std::string odbcIni = settings::GetEnvironment("ODBCINI");
+  const std::string freeTdsConf = settings::GetEnvironment("FREETDSCONF");
+  std::vector<std::string> servers;
+  addServersOf(odbcIni.empty() ? fs::path(home) / ".odbc.ini" : fs::path(odbcIni), serversOfOdbcConfiguration, servers);
+  addServersOf("/etc/odbc.ini", serversOfOdbcConfiguration, servers);
+  addServersOf(freeTdsConf.empty() ? fs::path(home) / ".freetds.conf" : fs::path(freeTdsConf),
+               serversOfFreeTdsConfiguration, servers);
+  addServersOf("/etc/freetds/freetds.conf", serversOfFreeTdsConfiguration, servers);
+  return servers;
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "db/connection.h"
+#include "db/discovery/resolution_client.h"
+#include "db/server_directory.h"
+
+namespace korvel::db {
+
+/// The real directory: the resolution protocol, the user's configuration, this computer, the embedded folder.
+class NetworkDirectory final : public ServerDirectory {
+ public:
+  /// Opens a connection to a server's default database.
+  using Connect = std::function<std::unique_ptr<Connection>(const std::string& server)>;
+  NetworkDirectory(ResolutionClient resolver, Connect connect);
+
+  std::vector<std::string> networkServers() override;
+  std::vector<std::string> localServers() override;
+  std::vector<DatabaseInfo> databases(const std::string& server) override;
+
+ private:
+  ResolutionClient resolver_;
+  Connect connect_;
+};
+
+/// The directory with the platform's own resolver port and the user's own login.
+[[nodiscard]] std::unique_ptr<ServerDirectory> makeServerDirectory();
+
+}  // namespace korvel::db

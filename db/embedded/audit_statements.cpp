@@ -1,0 +1,123 @@
+#include "db/embedded/audit_statements.h"
+
+#include <algorithm>
+#include <bitset>
+
+#include "base/text.h"
+#include "db/embedded/server_date.h"
+
+namespace korvel::db {
+namespace {
+
+constexpr std::string_view table = "Korvel_Audit_Trails";
+constexpr std::size_t flagLength = 10;  // varchar(10): the server drops what is longer
+constexpr std::size_t dateLength = 50;
+
+enum ParameterIndex : std::size_t { dateFlag = categoryCount, fromDate, toDate };
+
+/// Set only when it equals "True" as the server compares: whatever the case, trailing blanks ignored.
+bool isSet(std::string_view flag) {
+  flag = flag.substr(0, flagLength);
+  const auto last = flag.find_last_not_of(' ');
+  return equalsIgnoringAsciiCase(flag.substr(0, last == std::string_view::npos ? 0 : last + 1), "True");
+}
+
+/// `column` at character `position` (from 1) reads as `text`, whatever its case. Written as an equality rather than
+/// LIKE, because only an equality lets an index give its rows in table order.
+std::string readsAs(std::string_view column, std::size_t position, std::string_view text) {
+  return "substr(" + std::string(column) + ", " + std::to_string(position) + ", " + std::to_string(text.size()) +
+         ") = '" + std::string(text) + "' COLLATE NOCASE";
+}
+
+/// The beginning, piece by piece between the wildcards.
+std::string beginsWithText(const Term& term) {
+  std::string text;
+  for (std::size_t start = 0; start < term.value.size();) {
+    const std::size_t end = std::min(term.value.find('_', start), term.value.size());
+    if (end > start) {
+      if (!text.empty()) text += " AND ";
+      text += readsAs(term.column, start + 1, term.value.substr(start, end - start));
+    }
+    start = end + 1;
+  }
+  return text;
+}
+
+std::string termText(const Term& term) {
+  if (term.match == Match::beginsWith) return beginsWithText(term);
+  return "rtrim(" + std::string(term.column) + ") = '" + std::string(term.value) + "' COLLATE NOCASE";
+}
+
+std::string conjunctionText(Conjunction conjunction) {
+  std::string text;
+  for (const Term& term : conjunction) {
+    if (!text.empty()) text += " AND ";
+    text += termText(term);
+  }
+  return text;
+}
+
+/// The date condition. Stored times may lack milliseconds, seconds or the whole time, or have a "T" in the middle;
+/// those that the first and last day do not settle are brought to the canonical form. The outer bounds are what an
+/// index on DateTime serves: "~" sorts behind everything that can follow a day.
+std::string dateText(const std::string& from, const std::string& to) {
+  constexpr std::size_t dayLength = 10;
+  const std::string firstDay = from.substr(0, dayLength);
+  const std::string lastDay = to.substr(0, dayLength);
+  const std::string canonical =
+      "substr(rtrim(replace(DateTime, 'T', ' '), ' Z') || "
+      "substr(' 00:00:00.000', length(rtrim(DateTime, ' Z')) - 9), 1, 23)";
+  return "DateTime >= '" + firstDay + "' AND DateTime < '" + lastDay + "~' AND (DateTime > '" + firstDay +
+         "~' AND DateTime < '" + lastDay + "' OR " + canonical + " BETWEEN '" + from + "' AND '" + to + "')";
+}
+
+std::string selection(std::string_view columns, const std::string& condition, std::string_view tableOrder) {
+  std::string text = "SELECT " + std::string(columns) + " FROM " + std::string(table);
+  if (!condition.empty()) text += " WHERE " + condition;
+  if (!tableOrder.empty()) text.append(" ORDER BY ").append(tableOrder);
+  return text + " LIMIT " + std::to_string(rowLimitPerResult);
+}
+
+/// The rows of several alternatives. Where there are row numbers, each alternative gives its own first rows through its
+/// own index: the first rows of all are among them.
+std::string selectionOfAny(const std::vector<std::string>& alternatives, std::string_view tableOrder) {
+  if (alternatives.size() == 1) return selection("*", alternatives.front(), tableOrder);
+  const bool byRowId = tableOrder == rowNumberOrder;
+  std::string condition;
+  for (const std::string& alternative : alternatives) {
+    if (!condition.empty()) condition += byRowId ? " UNION ALL " : " OR ";
+    condition += byRowId ? "SELECT * FROM (" + selection("_rowid_", alternative, tableOrder) + ")" : alternative;
+  }
+  if (byRowId) condition = "_rowid_ IN (" + condition + ")";
+  return selection("*", condition, tableOrder);
+}
+
+std::string categoryStatement(const CategoryCondition& category, const std::string& dates,
+                              std::string_view tableOrder) {
+  std::vector<std::string> alternatives;
+  for (const Conjunction conjunction : category.alternatives) alternatives.push_back(conjunctionText(conjunction));
+  // Deliberately the last one alone: "and" binds before "or".
+  if (!dates.empty()) alternatives.back() += " AND " + dates;
+  return selectionOfAny(alternatives, tableOrder);
+}
+
+}  // namespace
+
+std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::string_view tableOrder) {
+  std::bitset<categoryCount> flags;
+  for (std::size_t index = 0; index < categoryCount; ++index) flags[index] = isSet(call.values[index]);
+  if (flags.none()) return {};
+
+  std::string dates;
+  if (isSet(call.values[dateFlag]))
+    dates = dateText(canonicalServerDate(std::string_view(call.values[fromDate]).substr(0, dateLength), "FromDate"),
+                     canonicalServerDate(std::string_view(call.values[toDate]).substr(0, dateLength), "ToDate"));
+
+  if (flags.all()) return {selection("*", dates, tableOrder)};
+  std::vector<std::string> statements;
+  for (std::size_t index = 0; index < categoryCount; ++index)
+    if (flags[index]) statements.push_back(categoryStatement(categoryConditions()[index], dates, tableOrder));
+  return statements;
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include "db/connection.h"
+
+namespace korvel::db {
+
+struct EmbeddedOptions {
+  /// How long a database that another program has locked is waited for.
+  std::chrono::milliseconds busyTimeout{5000};
+};
+
+/// The file of an embedded database. Throws Error for a name that is more than a plain file name.
+[[nodiscard]] std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder,
+                                                         std::string_view database);
+
+/// Opens database `database` of `folder` for reading only: no text that is run over the connection changes a file or
+/// makes one. The call text of QueryAudits is answered by the engine itself, any other text runs as SQL, statement by
+/// statement.
+///
+/// Values read as they do on the server: texts as they stand, integers in full, floating-point numbers in the shortest
+/// form that reads back as the same number ("5", "0.1", "1.5e-07"), binary values as lower-case hexadecimal digits.
+///
+/// Throws Error with SQLite's extended result code and its text, the file named.
+[[nodiscard]] std::unique_ptr<Connection> openEmbedded(const std::filesystem::path& folder, std::string_view database,
+                                                       EmbeddedOptions options = {});
+
+}  // namespace korvel::db

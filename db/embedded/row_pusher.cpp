@@ -1,0 +1,142 @@
+#include "db/embedded/row_pusher.h"
+
+#include <sqlite3.h>
+
+#include <array>
+#include <charconv>
+#include <string_view>
+
+namespace korvel::db {
+namespace {
+
+struct TypeName {
+  std::string_view part;
+  ColumnKind kind;
+};
+/// What a declared type means, the first part that it holds deciding. Types are declared freely, in any spelling.
+constexpr std::array typeNames = {
+    TypeName{"DATE", ColumnKind::dateTime}, TypeName{"TIME", ColumnKind::dateTime},
+    TypeName{"BOOL", ColumnKind::boolean},  TypeName{"BIT", ColumnKind::boolean},
+    TypeName{"CHAR", ColumnKind::text},     TypeName{"TEXT", ColumnKind::text},
+    TypeName{"CLOB", ColumnKind::text},     TypeName{"BLOB", ColumnKind::binary},
+    TypeName{"BINARY", ColumnKind::binary}, TypeName{"IMAGE", ColumnKind::binary},
+    TypeName{"INT", ColumnKind::number},    TypeName{"REAL", ColumnKind::number},
+    TypeName{"FLOA", ColumnKind::number},   TypeName{"DOUB", ColumnKind::number},
+    TypeName{"NUM", ColumnKind::number},    TypeName{"DEC", ColumnKind::number},
+    TypeName{"MONEY", ColumnKind::number},
+};
+
+std::string upperCase(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return upper;
+}
+
+void writeHex(std::string_view bytes, std::string& text) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  text.clear();
+  text.reserve(bytes.size() * 2);
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    text += digits[byte >> 4U];
+    text += digits[byte & 15U];
+  }
+}
+
+}  // namespace
+
+RowPusher::RowPusher(sqlite3_stmt* statement, ResultSink& sink)
+    : statement_(statement),
+      sink_(sink),
+      values_(statement, static_cast<std::size_t>(sqlite3_column_count(statement))) {
+  const auto columns = static_cast<std::size_t>(sqlite3_column_count(statement));
+  cells_.resize(columns);
+  numbers_.resize(columns);
+  hexTexts_.resize(columns);
+}
+
+int RowPusher::push() {
+  int code = sqlite3_step(statement_);
+  if (code != SQLITE_ROW && code != SQLITE_DONE) return code;
+  if (cells_.empty()) {
+    while (code == SQLITE_ROW) code = sqlite3_step(statement_);
+    return code;
+  }
+  begin();
+  for (; code == SQLITE_ROW; code = sqlite3_step(statement_))
+    if (!pushRow()) return outOfMemory_ ? SQLITE_NOMEM : SQLITE_ROW;
+  if (code == SQLITE_DONE) sink_.endResult();
+  return code;
+}
+
+void RowPusher::begin() {
+  std::vector<Field> fields(cells_.size());
+  for (std::size_t column = 0; column < fields.size(); ++column) {
+    const char* const name = sqlite3_column_name(statement_, static_cast<int>(column));
+    fields[column] = {name == nullptr ? "" : name, kindOf(static_cast<int>(column))};
+  }
+  sink_.beginResult(fields);
+}
+
+ColumnKind RowPusher::kindOf(int column) const {
+  if (const char* const declared = sqlite3_column_decltype(statement_, column)) {
+    const std::string type = upperCase(declared);
+    for (const TypeName& name : typeNames)
+      if (type.find(name.part) != std::string::npos) return name.kind;
+  }
+  // A computed column: its first value tells.
+  if (sqlite3_data_count(statement_) == 0) return ColumnKind::text;
+  switch (sqlite3_column_type(statement_, column)) {
+    case SQLITE_INTEGER:
+    case SQLITE_FLOAT:
+      return ColumnKind::number;
+    case SQLITE_BLOB:
+      return ColumnKind::binary;
+    default:
+      return ColumnKind::text;
+  }
+}
+
+bool RowPusher::pushRow() {
+  values_.read();
+  for (std::size_t column = 0; column < cells_.size(); ++column)
+    if (!fill(column)) return false;
+  return sink_.row(cells_);
+}
+
+bool RowPusher::fill(std::size_t column) {
+  // Calls on the value itself are the cheapest that SQLite offers.
+  sqlite3_value* const value = values_.value(column);
+  Cell& cell = cells_[column];
+  cell.isNull = false;
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_TEXT: {
+      const unsigned char* const text = sqlite3_value_text(value);
+      outOfMemory_ = text == nullptr;
+      if (outOfMemory_) return false;
+      cell.text = {reinterpret_cast<const char*>(text), static_cast<std::size_t>(sqlite3_value_bytes(value))};
+      return true;
+    }
+    case SQLITE_INTEGER: {
+      NumberText& text = numbers_[column];
+      const auto* const end = std::to_chars(text.data(), text.data() + text.size(), sqlite3_value_int64(value)).ptr;
+      cell.text = {text.data(), static_cast<std::size_t>(end - text.data())};
+      return true;
+    }
+    case SQLITE_FLOAT:
+      cell.text = {numbers_[column].data(), writeNumber(sqlite3_value_double(value), numbers_[column])};
+      return true;
+    case SQLITE_BLOB: {
+      const auto* const bytes = static_cast<const char*>(sqlite3_value_blob(value));
+      writeHex({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))}, hexTexts_[column]);
+      cell.text = hexTexts_[column];
+      return true;
+    }
+    default:
+      cell = {{}, true};
+      return true;
+  }
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,227 @@
+#include "db/forms/server_browser.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <utility>
+
+#include "control/look/result_table.h"
+#include "db/forms/event_echo.h"
+#include "db/open_connection.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db {
+namespace {
+
+using control::BusyPointer;
+using control::MessageIcon;
+
+constexpr std::size_t localServers = 0;
+const QString auditName = QStringLiteral("Korvel_Audit");
+const QString noDatabaseSelected = QStringLiteral("No Database Selected");
+
+QString fromUtf8(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// The item of the bar that names this server, -1 for none. Names of servers have no case; the paths of folders have.
+int itemOf(const SmartViewBar& bar, const QString& server) {
+  const auto sensitivity = isEmbeddedServer(server.toStdString()) ? Qt::CaseSensitive : Qt::CaseInsensitive;
+  for (int i = 0; i < bar.count(); ++i)
+    if (bar.caption(i).compare(server, sensitivity) == 0) return i;
+  return -1;
+}
+
+}  // namespace
+
+frmSQLServerBrowser::~frmSQLServerBrowser() = default;
+
+void frmSQLServerBrowser::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  Form_Resize();
+  if (!std::exchange(loaded_, true)) Form_Load();
+}
+
+void frmSQLServerBrowser::done(int result) {
+  QDialog::done(result);
+  Form_Unload();
+}
+
+void frmSQLServerBrowser::Form_Unload() {
+  oSQLServer_.reset();
+  loaded_ = false;
+}
+
+void frmSQLServerBrowser::Form_Load() {
+  DisplayServers();
+}
+
+void frmSQLServerBrowser::DisplayServers() {
+  std::optional<Error> failure;
+  {
+    const BusyPointer busy(*services_);
+    SmartViewBar_->clear();
+    SmartViewBar_->setEmptyText({});
+    say(ownText("browser.findingServers"));
+    switches.eventEcho = false;
+    try {
+      oSQLServer_ = openDirectory_();
+      oSQLServer_->onEvent = [this](const ServerEvent& happened) { oSQLServer_Event(happened); };
+      const bool local = ServerLocation_[localServers]->isChecked();
+      for (const std::string& server : local ? oSQLServer_->localServers() : oSQLServer_->networkServers())
+        SmartViewBar_->addItem(fromUtf8(server));
+    } catch (const Error& error) {
+      failure = error;
+    }
+    SmartViewBar_->highlightItems();
+    SmartViewBar_->setEmptyText(ownText("browser.noServers"));
+    say(ownText("browser.servers", QString::number(SmartViewBar_->count())));
+  }
+  if (failure) reportFailure(ownText("browser.serversFailed"), *failure);
+}
+
+void frmSQLServerBrowser::ServerLocation_Click() {
+  clearDatabases();
+  DisplayServers();
+}
+
+void frmSQLServerBrowser::SmartViewBar_SelectionMove() {
+  // The databases of one server never stand beside the name of another.
+  clearDatabases();
+}
+
+void frmSQLServerBrowser::SmartViewBar_ItemClick() {
+  const QString server = SmartViewBar_->selectedCaption();
+  if (server.isEmpty() || !oSQLServer_) return;
+  std::optional<Error> failure;
+  {
+    const BusyPointer busy(*services_);
+    clearDatabases();
+    say(ownText("browser.asking", server));
+    try {
+      for (const DatabaseInfo& database : oSQLServer_->databases(server.toStdString())) {
+        const QString name = fromUtf8(database.name);
+        if (database.isSystem || !name.contains(auditName, Qt::CaseInsensitive)) continue;
+        databases_.appendRow({new QStandardItem(name), new QStandardItem(fromUtf8(database.path))});
+      }
+      const QString count = QString::number(databases_.rowCount());
+      lvListView_->setEmptyText(ownText("browser.noDatabases", server));
+      say(ownText("browser.databases", server, count));
+    } catch (const Error& error) {
+      failure = error;
+      say({});
+    }
+  }
+  if (failure) reportFailure(ownText("browser.databasesFailed", server), *failure);
+}
+
+void frmSQLServerBrowser::txtServer_Enter() {
+  const QString server = txtServer_->text().trimmed();
+  if (server.isEmpty()) return;
+  // A semicolon would end the name in the middle of the connection string.
+  if (server.contains(QLatin1Char(';'))) {
+    services_->messageBox(this, MessageIcon::critical, windowTitle(), ownText("failure.notInConnection", server));
+    return;
+  }
+  int item = itemOf(*SmartViewBar_, server);
+  if (item < 0) {
+    item = SmartViewBar_->count();
+    SmartViewBar_->addItem(server);
+    SmartViewBar_->highlightItems();
+  }
+  SmartViewBar_->select(item);
+  SmartViewBar_ItemClick();
+}
+
+void frmSQLServerBrowser::cmdOK_Click() {
+  const QModelIndexList rows = lvListView_->selectionModel()->selectedRows();
+  const QString database = rows.isEmpty() ? QString() : rows.first().data().toString();
+  if (database.isEmpty()) {
+    // The connection state outlives the dialog; the dialog may not outlive the message.
+    ConnectionState& connection = connection_;
+    const std::shared_ptr<control::ControlServices> services = services_;
+    services->messageBox(this, MessageIcon::none, QGuiApplication::applicationDisplayName(), noDatabaseSelected);
+    connection.ConnectionString.clear();
+    connection.AdvancedConnectionString.clear();
+    return;
+  }
+  const std::string server = SmartViewBar_->selectedCaption().toStdString();
+  connection_.ConnectionString = buildConnectionString(server, database.toStdString());
+  connection_.AdvancedConnectionString = connection_.ConnectionString;
+  connection_.CurrentServer = server;
+  connection_.CurrentDatabase = database.toStdString();
+  connection_.CurrentDatabaseLocation = rows.first().siblingAtColumn(1).data().toString().toStdString();
+  accept();
+}
+
+void frmSQLServerBrowser::oSQLServer_Event(const ServerEvent& event) {
+  if (!switches.eventEcho) return;
+  services_->messageBox(this, MessageIcon::none, fromUtf8(eventEchoTitle), fromUtf8(eventEchoText(event)));
+}
+
+void frmSQLServerBrowser::clearDatabases() {
+  databases_.removeRows(0, databases_.rowCount());
+  lvListView_->setEmptyText(ownText("browser.pickServer"));
+}
+
+void frmSQLServerBrowser::reportFailure(const QString& sentence, const Error& error) {
+  const std::shared_ptr<control::ControlServices> services = services_;
+  services->messageBox(this, MessageIcon::critical, windowTitle(),
+                       sentence + QStringLiteral("\r\n") + QString::number(error.number()) + QLatin1Char(':') +
+                           fromUtf8(settings::describe(error, language_)));
+}
+
+void frmSQLServerBrowser::say(const QString& text) {
+  StatusBar1_->showMessage(text);
+  // Listing blocks: what is not painted now is not seen before it has ended.
+  if (isVisible()) repaint();
+}
+
+QString frmSQLServerBrowser::ownText(std::string_view key, const QString& first, const QString& second) const {
+  return fromUtf8(settings::filled(settings::ownText(key, language_), first.toStdString(), second.toStdString()));
+}
+
+bool frmSQLServerBrowser::eventFilter(QObject* watched, QEvent* event) {
+  if ((watched == txtServer_ || watched == btServer_) && enterTyped(*event)) return true;
+  if (watched == lvListView_ && startInList(*event)) return true;
+  if (watched == imgSplitterV_) {
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+        if (mouse->button() == Qt::LeftButton) imgSplitterV_MouseDown();
+        return true;
+      case QEvent::MouseMove:
+        imgSplitterV_MouseMove(mouse->position().toPoint().x());
+        return true;
+      case QEvent::MouseButtonRelease:
+        if (mouse->button() == Qt::LeftButton) imgSplitterV_MouseUp();
+        return true;
+      default:
+        break;
+    }
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+bool frmSQLServerBrowser::enterTyped(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress) return false;
+  const int key = static_cast<const QKeyEvent&>(event).key();
+  if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+  txtServer_Enter();
+  return true;
+}
+
+bool frmSQLServerBrowser::startInList(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress || lvListView_->selectionModel()->hasSelection()) return false;
+  const int key = static_cast<const QKeyEvent&>(event).key();
+  if (key != Qt::Key_Down && key != Qt::Key_Up) return false;
+  lvListView_->selectRow(0);
+  return true;
+}
+
+}  // namespace korvel::db

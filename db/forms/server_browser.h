@@ -1,0 +1,135 @@
+#pragma once
+
+#include <QDialog>
+#include <QStandardItemModel>
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "base/error.h"
+#include "base/twips.h"
+#include "control/control_services.h"
+#include "db/connection_state.h"
+#include "db/forms/smart_view_bar.h"
+#include "db/server_directory.h"
+#include "settings/string_table.h"
+
+class QLabel;
+class QLineEdit;
+class QRadioButton;
+class QStatusBar;
+class QToolButton;
+
+namespace korvel::look {
+class ResultTable;
+}
+
+namespace korvel::db {
+
+/// What the browser needs; all of it outlives the dialog.
+struct BrowserSurroundings {
+  /// What OK writes the choice into.
+  ConnectionState& connection;
+  const settings::LanguageOffset& language;
+  std::shared_ptr<control::ControlServices> services;
+  std::function<std::unique_ptr<ServerDirectory>()> openDirectory;
+};
+
+/// Two switches, both off; nothing in the product turns them on.
+struct BrowserSwitches {
+  /// Each event of the server is shown in a message box.
+  bool eventEcho = false;
+  /// Chooses the options of the connection, see browserOptions().
+  bool connectionOption = false;
+};
+
+/// Options of a server object before it connects.
+struct BrowserOptions {
+  bool secureLogin;
+  bool reconnects;
+  bool prefixesMessages;
+  friend bool operator==(const BrowserOptions&, const BrowserOptions&) = default;
+};
+[[nodiscard]] constexpr BrowserOptions browserOptions(bool connectionOption) noexcept {
+  return connectionOption ? BrowserOptions{true, false, false} : BrowserOptions{true, true, false};
+}
+
+/// The dialog through which a server and one of its audit databases are chosen. Lists servers when it is shown.
+class frmSQLServerBrowser final : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmSQLServerBrowser(const BrowserSurroundings& surroundings, QWidget* owner);
+  ~frmSQLServerBrowser() override;
+
+  /// Places everything for a splitter at `x`, kept between its limits.
+  void SizeControls(Twips x);
+
+  void done(int result) override;
+
+  BrowserSwitches switches;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void buildViewBar();
+  void buildRightPane();
+  void buildSplitter();
+  void buildFoot();
+
+  void Form_Load();
+  void Form_Unload();
+  void Form_Resize();
+  void DisplayServers();
+  void ServerLocation_Click();
+  void SmartViewBar_ItemClick();
+  void SmartViewBar_SelectionMove();
+  void txtServer_Enter();
+  void cmdOK_Click();
+  void oSQLServer_Event(const ServerEvent& event);
+
+  void imgSplitterV_MouseDown();
+  void imgSplitterV_MouseMove(int x);
+  void imgSplitterV_MouseUp();
+  [[nodiscard]] int withinLimits(int x) const;
+
+  void clearDatabases();
+  void reportFailure(const QString& sentence, const Error& error);
+  void say(const QString& text);
+  [[nodiscard]] QString ownText(std::string_view key, const QString& first = {}, const QString& second = {}) const;
+  /// Enter in the line or on its button belongs to what was typed, not to the dialog's default button.
+  bool enterTyped(const QEvent& event);
+  /// The first arrow key in a list without a selected row selects its first row, not the one after it.
+  bool startInList(const QEvent& event);
+
+  ConnectionState& connection_;
+  const settings::LanguageOffset& language_;
+  std::shared_ptr<control::ControlServices> services_;
+  std::function<std::unique_ptr<ServerDirectory>()> openDirectory_;
+  std::unique_ptr<ServerDirectory> oSQLServer_;
+  QStandardItemModel databases_;
+
+  db::SmartViewBar* SmartViewBar_;
+  QWidget* rightPane_;
+  QLabel* lblInfo_;
+  std::array<QRadioButton*, 2> ServerLocation_;
+  QLineEdit* txtServer_;
+  QToolButton* btServer_;
+  look::ResultTable* lvListView_;
+  QWidget* imgSplitterV_;
+  QWidget* picSplitterV_;
+  QWidget* Controlspic_;
+  QPushButton* cmdOK_;
+  QPushButton* cmdCancel_;
+  QStatusBar* StatusBar1_;
+
+  Twips splitter_;
+  bool loaded_ = false;
+  bool dragging_ = false;
+};
+
+}  // namespace korvel::db

@@ -1,0 +1,223 @@
+// What is to be seen of the browser, and where.
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "control/look/buttons.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/result_table.h"
+#include "control/look/theme.h"
+#include "control/screen_measure.h"
+#include "db/forms/server_browser.h"
+
+namespace korvel::db {
+namespace {
+
+using control::ScreenMeasure;
+
+constexpr Twips smallestWidth{5000};
+constexpr Twips smallestHeight{3000};
+/// From either edge.
+constexpr Twips splitterLimit{500};
+constexpr Twips feedbackWidth{40};
+constexpr Twips feedbackShorter{20};
+constexpr Twips firstSplitter{3600};
+constexpr Twips nameColumn{2900};
+constexpr int firstWidth = 760;
+constexpr int firstHeight = 460;
+
+template <typename Element>
+Element* named(Element* element, const char* name) {
+  element->setObjectName(QLatin1String(name));
+  return element;
+}
+
+}  // namespace
+
+frmSQLServerBrowser::frmSQLServerBrowser(const BrowserSurroundings& surroundings, QWidget* owner)
+    : QDialog(owner),
+      connection_(surroundings.connection),
+      language_(surroundings.language),
+      services_(surroundings.services),
+      openDirectory_(surroundings.openDirectory),
+      splitter_(firstSplitter) {
+  setObjectName(QStringLiteral("frmSQLServerBrowser"));
+  setWindowTitle(QStringLiteral("SQL Server / Audit Trail Browser"));
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+  setModal(true);
+  look::applyLook(*this);
+  buildViewBar();
+  buildRightPane();
+  buildSplitter();
+  buildFoot();
+
+  clearDatabases();
+  QWidget* const order[] = {&SmartViewBar_->items(),
+                            ServerLocation_[0],
+                            ServerLocation_[1],
+                            txtServer_,
+                            btServer_,
+                            lvListView_,
+                            cmdOK_,
+                            cmdCancel_};
+  for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
+  SmartViewBar_->items().setFocus();
+  resize(look::px(this, firstWidth), look::px(this, firstHeight));
+}
+
+void frmSQLServerBrowser::buildViewBar() {
+  SmartViewBar_ = named(new db::SmartViewBar(QStringLiteral("SQL Servers"), this), "SmartViewBar");
+  connect(SmartViewBar_, &SmartViewBar::itemClicked, this, [this] { SmartViewBar_ItemClick(); });
+  connect(SmartViewBar_, &SmartViewBar::selectionMoved, this, [this] { SmartViewBar_SelectionMove(); });
+}
+
+void frmSQLServerBrowser::buildRightPane() {
+  rightPane_ = new QWidget(this);
+  lblInfo_ = named(new QLabel(QStringLiteral("Select desired SQL Server for audit trail viewing")), "lblInfo");
+  lblInfo_->setWordWrap(true);
+
+  auto* locations = new QHBoxLayout;
+  locations->setSpacing(2 * look::px(this, look::space::between));
+  const char* const captions[] = {"Local Servers", "ALL Servers"};
+  for (std::size_t i = 0; i < ServerLocation_.size(); ++i) {
+    ServerLocation_.at(i) = new QRadioButton(QLatin1String(captions[i]));
+    ServerLocation_.at(i)->setObjectName(QStringLiteral("ServerLocation%1").arg(i));
+    locations->addWidget(ServerLocation_.at(i));
+  }
+  // What answers at once comes first.
+  ServerLocation_[0]->setChecked(true);
+  for (QRadioButton* location : ServerLocation_)
+    connect(location, &QRadioButton::clicked, this, [this] { ServerLocation_Click(); });
+  locations->addStretch(1);
+
+  txtServer_ = named(new QLineEdit, "txtServer");
+  txtServer_->setPlaceholderText(ownText("browser.otherServer"));
+  txtServer_->setAccessibleName(ownText("browser.otherServer"));
+  txtServer_->installEventFilter(this);
+  btServer_ = named(new look::IconButton(look::IconName::NextPage), "btServer");
+  btServer_->setToolTip(ownText("browser.listDatabases"));
+  btServer_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  btServer_->installEventFilter(this);
+  connect(btServer_, &QToolButton::clicked, this, [this] { txtServer_Enter(); });
+  auto* typed = new QHBoxLayout;
+  typed->setSpacing(look::px(this, look::space::inGroup));
+  typed->addWidget(txtServer_, 1);
+  typed->addWidget(btServer_);
+
+  databases_.setHorizontalHeaderLabels({QStringLiteral("Current Databases"), QStringLiteral("Database Path")});
+  lvListView_ = named(new look::ResultTable, "lvListView");
+  lvListView_->setModel(&databases_);
+  lvListView_->setAccessibleName(QStringLiteral("Current Databases"));
+  lvListView_->setSelectionMode(QAbstractItemView::SingleSelection);
+  lvListView_->header()->setSectionsMovable(false);
+  lvListView_->header()->setSectionsClickable(false);
+  lvListView_->header()->setStretchLastSection(true);
+  lvListView_->setColumnWidth(0, ScreenMeasure(*this).horizontal(nameColumn));
+  lvListView_->installEventFilter(this);
+  connect(lvListView_, &QTableView::doubleClicked, this, [this] { cmdOK_Click(); });
+
+  auto* column = new QVBoxLayout(rightPane_);
+  column->setContentsMargins({});
+  column->setSpacing(look::px(this, look::space::between));
+  column->addWidget(lblInfo_);
+  column->addLayout(locations);
+  column->addLayout(typed);
+  column->addWidget(lvListView_, 1);
+}
+
+void frmSQLServerBrowser::buildSplitter() {
+  imgSplitterV_ = named(new QWidget(this), "imgSplitterV");
+  imgSplitterV_->setCursor(Qt::SplitHCursor);
+  imgSplitterV_->installEventFilter(this);
+  picSplitterV_ = named(new QWidget(this), "picSplitterV");
+  picSplitterV_->setAutoFillBackground(true);
+  picSplitterV_->setBackgroundRole(QPalette::Highlight);
+  picSplitterV_->setAttribute(Qt::WA_TransparentForMouseEvents);
+  picSplitterV_->hide();
+}
+
+void frmSQLServerBrowser::buildFoot() {
+  Controlspic_ = named(new QWidget(this), "Controlspic");
+  cmdOK_ = named(new look::PrimaryButton, "cmdOK");
+  cmdOK_->setText(QStringLiteral("OK"));
+  cmdOK_->setDefault(true);
+  cmdCancel_ = named(new look::SecondaryButton(QStringLiteral("Cancel")), "cmdCancel");
+  cmdCancel_->setAutoDefault(false);
+  connect(cmdOK_, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+  connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+  auto* row = new QHBoxLayout(Controlspic_);
+  row->setContentsMargins({});
+  row->setSpacing(look::px(this, look::space::between));
+  row->addStretch(1);
+  row->addWidget(cmdOK_);
+  row->addWidget(cmdCancel_);
+
+  StatusBar1_ = named(new QStatusBar(this), "StatusBar1");
+  StatusBar1_->setSizeGripEnabled(false);
+}
+
+void frmSQLServerBrowser::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  Form_Resize();
+}
+
+void frmSQLServerBrowser::Form_Resize() {
+  if (isMinimized()) return;
+  const ScreenMeasure measure(*this);
+  // Raises a smaller size at once, and keeps the window system from offering one.
+  setMinimumSize(measure.horizontal(smallestWidth), measure.vertical(smallestHeight));
+  SizeControls(splitter_);
+}
+
+int frmSQLServerBrowser::withinLimits(int x) const {
+  const int limit = ScreenMeasure(*this).horizontal(splitterLimit);
+  return std::clamp(x, limit, std::max(limit, width() - limit));
+}
+
+void frmSQLServerBrowser::SizeControls(Twips x) {
+  const ScreenMeasure measure(*this);
+  const int around = look::px(this, look::space::dialog);
+  const int between = look::px(this, look::space::between);
+  const int statusHeight = StatusBar1_->sizeHint().height();
+  const int footHeight = Controlspic_->sizeHint().height();
+  const int split = withinLimits(measure.horizontal(x));
+  splitter_ = x;
+
+  const int footTop = height() - statusHeight - between - footHeight;
+  const int paneHeight = std::max(0, footTop - look::px(this, look::space::dialog) - around);
+  // The pane on the right begins where the grip ends.
+  const int right = split + between;
+  SmartViewBar_->setGeometry(around, around, std::max(0, split - around), paneHeight);
+  imgSplitterV_->setGeometry(split, around, between, paneHeight);
+  rightPane_->setGeometry(right, around, std::max(0, width() - around - right), paneHeight);
+  Controlspic_->setGeometry(around, footTop, std::max(0, width() - 2 * around), footHeight);
+  StatusBar1_->setGeometry(0, height() - statusHeight, width(), statusHeight);
+}
+
+void frmSQLServerBrowser::imgSplitterV_MouseDown() {
+  const ScreenMeasure measure(*this);
+  const QRect grip = imgSplitterV_->geometry();
+  picSplitterV_->setGeometry(grip.left(), grip.top(), measure.horizontal(feedbackWidth),
+                             std::max(0, grip.height() - measure.vertical(feedbackShorter)));
+  picSplitterV_->raise();
+  picSplitterV_->show();
+  dragging_ = true;
+}
+
+void frmSQLServerBrowser::imgSplitterV_MouseMove(int x) {
+  if (dragging_) picSplitterV_->move(withinLimits(imgSplitterV_->geometry().left() + x), picSplitterV_->y());
+}
+
+void frmSQLServerBrowser::imgSplitterV_MouseUp() {
+  if (!dragging_) return;
+  SizeControls(ScreenMeasure(*this).horizontalTwips(picSplitterV_->x()));
+  picSplitterV_->hide();
+  dragging_ = false;
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "db/net/socket.h"
+
+namespace korvel::db::net {
+
+// The packets of the server's protocol, as far as they are needed before anybody logs in.
+
+inline constexpr unsigned char packetTypePreLogin = 0x12;
+inline constexpr unsigned char packetTypeReply = 0x04;
+inline constexpr std::size_t packetHeaderBytes = 8;
+inline constexpr std::size_t largestPacketBody = 4096 - packetHeaderBytes;
+
+struct Packet {
+  unsigned char type = 0;
+  std::string body;
+};
+
+[[nodiscard]] std::string preLoginPacket(std::string_view body, bool last = true);
+/// The next packet. Throws Error, also for a header that promises less than itself.
+[[nodiscard]] Packet receivePacket(const Socket& socket, const Deadline& deadline);
+
+[[nodiscard]] inline unsigned byteAt(std::string_view bytes, std::size_t at) {
+  return static_cast<unsigned char>(bytes[at]);
+}
+[[nodiscard]] inline std::size_t wordAt(std::string_view bytes, std::size_t at) {
+  return (byteAt(bytes, at) << 8U) | byteAt(bytes, at + 1);
+}
+void appendWord(std::string& bytes, std::size_t value);
+
+/// Throws the error for an answer that is none of this protocol.
+[[noreturn]] void refuseAnswer();
+
+}  // namespace korvel::db::net

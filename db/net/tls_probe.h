@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "db/net/socket.h"
+
+namespace korvel::db::net {
+
+/// What a server's certificate is worth.
+struct TlsAnswer {
+  std::string protocol;  ///< "TLSv1.3"
+  std::string problem;   ///< why the certificate cannot be trusted, in the words of the security library; empty: it can
+};
+
+/// Shakes hands with a server that has just answered the pre-login, and looks at the certificate it shows: who issued
+/// it, until when, for which host. Drivers check it too, but keep the reason to themselves. `authorities` is a file of
+/// certificates to trust, empty for the system's own. Nothing is sent over the connection afterwards. Throws Error
+/// where no encryption comes about: a timeout, a closed connection, two sides that have no method in common.
+[[nodiscard]] TlsAnswer shakeHands(const Socket& socket, const std::string& host, const std::string& authorities,
+                                   const Deadline& deadline);
+
+}  // namespace korvel::db::net

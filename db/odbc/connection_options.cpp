@@ -1,0 +1,39 @@
+#include "db/odbc/connection_options.h"
+
+#include <charconv>
+#include <string_view>
+
+namespace korvel::db {
+
+namespace {
+
+/// More seconds than anybody waits; also keeps a deadline inside the clock's range.
+constexpr long longestTimeout = 24L * 60 * 60;
+
+std::string setting(const settings::Registry& registry, const std::string& name) {
+  return registry.GetSetting(std::string(settings::applicationName), std::string(settings::viewerSection), name, "");
+}
+
+void readSeconds(const settings::Registry& registry, const std::string& name, long least,
+                 std::chrono::seconds& seconds) {
+  const std::string text = setting(registry, name);
+  long value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc{} && end == text.data() + text.size() && value >= least && value <= longestTimeout)
+    seconds = std::chrono::seconds(value);
+}
+
+}  // namespace
+
+ConnectionOptions loadConnectionOptions(const settings::Registry& registry) {
+  ConnectionOptions options;
+  readSeconds(registry, "ConnectionTimeout", 1, options.connectionTimeout);
+  readSeconds(registry, "CommandTimeout", 0, options.commandTimeout);
+  options.encrypt = setting(registry, "Encrypt") != "0";
+  options.certificateAuthorities = setting(registry, "CertificateAuthorities");
+  options.trustServerCertificate = setting(registry, "TrustServerCertificate") == "1";
+  options.driver = settings::GetEnvironment("KORVEL_ODBC_DRIVER");
+  return options;
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,50 @@
+#include <stdlib.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include "base/error.h"
+#include "base/whole_file.h"
+#include "db/odbc/driver_configuration.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+constexpr const char* configurationVariable = "FREETDSCONF";
+}
+
+DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
+  if (!needsConfiguration(request)) return;
+  const std::string text = freeTdsConfiguration(request);
+  std::error_code noFolder;
+  std::string name = (std::filesystem::temp_directory_path(noFolder) / "korvel-login-XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr) throw systemError(errno, "cannot create a folder for the login's settings");
+  folder_ = name;
+  const auto file = folder_ / "server.conf";
+  try {
+    writeWholeFile(file, text);
+  } catch (...) {
+    removeFolder();
+    throw;
+  }
+  // The driver reads the variable while it connects and offers no other way.
+  if (const char* value = std::getenv(configurationVariable)) before_ = value;
+  ::setenv(configurationVariable, file.c_str(), 1);
+}
+
+DriverConfiguration::~DriverConfiguration() {
+  if (folder_.empty()) return;
+  if (before_)
+    ::setenv(configurationVariable, before_->c_str(), 1);
+  else
+    ::unsetenv(configurationVariable);
+  removeFolder();
+}
+
+void DriverConfiguration::removeFolder() noexcept {
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+}  // namespace korvel::db::odbc

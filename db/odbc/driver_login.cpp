@@ -1,0 +1,91 @@
+#include "db/odbc/driver_login.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "db/odbc/odbc_text.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+constexpr std::int32_t invalidParameter = 87;
+
+using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+/// The longest name that the server gives anything; drivers cut longer ones and would open something else.
+constexpr std::size_t longestName = 128;
+
+/// Whether braces around a value make every driver read it as it is. A closing brace ends the value for one driver and
+/// belongs to it for another, doubled or not.
+bool canBeQuoted(std::string_view value) {
+  return value.find_first_of(std::string_view("}\0", 2)) == std::string_view::npos;
+}
+
+std::string joined(const Attributes& attributes) {
+  std::string text;
+  for (const auto& [key, value] : attributes) {
+    if (!canBeQuoted(value)) throw settings::explainedError(invalidParameter, "failure.notInConnection", {value});
+    text += key;
+    text += "={";
+    text += value;
+    text += "};";
+  }
+  return text;
+}
+
+Attributes freeTdsAttributes(const LoginRequest& request) {
+  Attributes attributes;
+  if (needsConfiguration(request)) {
+    attributes.emplace_back("Servername", request.address.host);
+  } else {
+    // Host and port apart: together they would leave a NUL in the server name of the login.
+    attributes.emplace_back("Server", request.address.host);
+    attributes.emplace_back("Port", std::to_string(request.address.port));
+    attributes.emplace_back("Encryption", request.options.encrypt ? "require" : "request");
+    attributes.emplace_back("TDS_Version", "7.4");
+  }
+  if (!request.servicePrincipal.empty()) attributes.emplace_back("ServerSPN", request.servicePrincipal);
+  return attributes;
+}
+
+Attributes vendorAttributes(const LoginRequest& request) {
+  return {{"Server", request.address.host + "," + std::to_string(request.address.port)},
+          {"Encrypt", request.options.encrypt ? "yes" : "no"},
+          {"TrustServerCertificate", request.options.trustServerCertificate ? "yes" : "no"}};
+}
+
+}  // namespace
+
+std::string driverText(const LoginRequest& request) {
+  if (toUtf16(request.database).size() > longestName)
+    throw settings::explainedError(invalidParameter, "failure.notInConnection", {request.database});
+  Attributes attributes =
+      request.driver.family == DriverFamily::freeTds ? freeTdsAttributes(request) : vendorAttributes(request);
+  attributes.insert(attributes.begin(), {"Driver", request.driver.name});
+  if (!request.database.empty()) attributes.emplace_back("Database", request.database);
+  attributes.emplace_back("Trusted_Connection", "yes");
+  attributes.emplace_back("APP", "Korvel Audit Viewer");
+  return joined(attributes);
+}
+
+bool needsConfiguration(const LoginRequest& request) {
+  return request.driver.family == DriverFamily::freeTds && request.options.encrypt &&
+         !request.options.trustServerCertificate;
+}
+
+std::string freeTdsConfiguration(const LoginRequest& request) {
+  const std::string& file = request.options.certificateAuthorities;
+  if (std::any_of(file.begin(), file.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20U; }))
+    throw settings::explainedError(invalidParameter, "failure.notInConnection", {file});
+  return "[" + request.address.host + "]\n\thost = " + request.address.host +
+         "\n\tport = " + std::to_string(request.address.port) +
+         "\n\ttds version = 7.4\n\tencryption = require\n\tca file = " + (file.empty() ? "system" : file) +
+         "\n\tcheck certificate hostname = yes\n";
+}
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "db/odbc/connection_options.h"
+#include "db/odbc/odbc_drivers.h"
+#include "db/odbc/server_address.h"
+
+namespace korvel::db::odbc {
+
+/// All that a driver is told about one login.
+struct LoginRequest {
+  Driver driver;
+  ServerAddress address;
+  std::string database;          ///< empty for the login's default database
+  std::string servicePrincipal;  ///< "MSSQLSvc/host:port"
+  ConnectionOptions options;
+};
+
+/// The text that the driver manager connects with: the running user's own login, never a name or a password. The one
+/// place that knows the words of each driver. Values stand in braces, so that none can add words of its own; throws
+/// Error for one that braces cannot hold.
+[[nodiscard]] std::string driverText(const LoginRequest& request);
+
+/// Whether this driver checks certificates only when a configuration file tells it to.
+[[nodiscard]] bool needsConfiguration(const LoginRequest& request);
+/// The text of that file for FreeTDS: address, encryption, and the certificates to trust, in a section named after the
+/// host. Throws Error for a file name that could add lines of its own.
+[[nodiscard]] std::string freeTdsConfiguration(const LoginRequest& request);
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,61 @@
+#include "db/odbc/install_procedure.h"
+
+#include <cerrno>
+
+#include "base/text.h"
+#include "db/open_connection.h"
+#include "db/procedure/audit_conditions.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db {
+
+namespace {
+
+class IgnoringSink final : public ResultSink {
+ public:
+  void beginResult(std::span<const Field>) override {}
+  bool row(std::span<const Cell>) override { return true; }
+  void endResult() override {}
+};
+
+bool separatesBatches(std::string_view line) {
+  constexpr std::string_view white = " \t\r";
+  const auto first = line.find_first_not_of(white);
+  if (first == std::string_view::npos) return false;
+  return equalsIgnoringAsciiCase(line.substr(first, line.find_last_not_of(white) - first + 1), "GO");
+}
+
+void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
+  if (batch.find_first_not_of(" \t\r\n") != std::string::npos) batches.push_back(std::move(batch));
+  batch.clear();
+}
+
+}  // namespace
+
+std::vector<std::string> scriptBatches(std::string_view script) {
+  std::vector<std::string> batches;
+  std::string batch;
+  while (!script.empty()) {
+    const auto end = script.find('\n');
+    const std::string_view line = script.substr(0, end == std::string_view::npos ? end : end + 1);
+    script.remove_prefix(line.size());
+    if (separatesBatches(line.substr(0, line.find('\n'))))
+      addUnlessEmpty(batches, batch);
+    else
+      batch += line;
+  }
+  addUnlessEmpty(batches, batch);
+  return batches;
+}
+
+void installQueryAudits(Connection& connection) {
+  IgnoringSink sink;
+  for (const std::string& batch : scriptBatches(queryAuditsScript())) connection.execute(batch, sink);
+}
+
+void installQueryAudits(const std::string& server, const std::string& database, const odbc::ServerAccess& access) {
+  if (isEmbeddedServer(server)) throw settings::explainedError(ENOTSUP, "failure.procedureBuiltIn");
+  installQueryAudits(*odbc::openServer(server, database, access));
+}
+
+}  // namespace korvel::db

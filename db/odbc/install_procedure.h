@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "db/connection.h"
+#include "db/odbc/server_approach.h"
+
+namespace korvel::db {
+
+/// The batches of a script: what stands between lines that say GO and nothing else. Empty batches are left out.
+[[nodiscard]] std::vector<std::string> scriptBatches(std::string_view script);
+
+/// Runs queryAuditsScript() batch by batch: the old procedure is dropped, the new one created. Throws Error.
+void installQueryAudits(Connection& connection);
+
+/// The same on a server of that name, under the running user's own login, who must be allowed to create procedures
+/// there. Throws Error, also for the embedded engine: it answers QueryAudits itself.
+void installQueryAudits(const std::string& server, const std::string& database, const odbc::ServerAccess& access);
+
+}  // namespace korvel::db

@@ -1,0 +1,114 @@
+#include "db/odbc/odbc_connection.h"
+
+#include <sqlucode.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+
+#include "db/odbc/driver_configuration.h"
+#include "db/odbc/odbc_diagnostics.h"
+#include "db/odbc/odbc_failures.h"
+#include "db/odbc/odbc_row_reader.h"
+#include "db/odbc/odbc_text.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+/// How much longer than the driver's own timeout we wait before its connection is shut down: the driver ends a command
+/// in better order, but a server that sends half a packet makes it wait twice as long.
+constexpr std::chrono::milliseconds driversGrace{500};
+
+SQLPOINTER asAttribute(std::chrono::seconds value) {
+  return reinterpret_cast<SQLPOINTER>(
+      static_cast<std::uintptr_t>(value.count()));  // NOLINT(performance-no-int-to-ptr): how ODBC takes numbers
+}
+
+SQLWCHAR* asWide(std::u16string& text) {
+  static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
+  return reinterpret_cast<SQLWCHAR*>(text.data());
+}
+
+/// Logins read and change what the whole process shares: the environment, and the connections that are open to a port.
+std::mutex& loginMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+/// Pushes the statement's current result; false when the sink has had enough.
+bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
+  RowReader reader(statement, watch);
+  if (reader.fields().empty()) return true;  // only a row count
+  sink.beginResult(reader.fields());
+  while (reader.next())
+    if (!sink.row(reader.cells())) return false;
+  sink.endResult();
+  return true;
+}
+
+}  // namespace
+
+OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline)
+    : address_(request.address),
+      commandTimeout_(request.options.commandTimeout),
+      environment_(makeEnvironment()),
+      connection_(environment_.get()) {
+  const std::lock_guard oneLoginAtATime(loginMutex());
+  sockets_.expect(address_.port);
+  {
+    const DriverWatch watch(sockets_, deadline.left());
+    try {
+      logIn(request, text);
+    } catch (const DriverFailure& failure) {
+      throw loginFailure(failure.diagnostics, request, watch.expired());
+    }
+  }
+  sockets_.keep();
+}
+
+void OdbcConnection::logIn(const LoginRequest& request, const std::string& text) {
+  SQLHDBC handle = connection_.get();
+  SQLSetConnectAttrW(handle, SQL_ATTR_LOGIN_TIMEOUT, asAttribute(request.options.connectionTimeout), SQL_IS_UINTEGER);
+  const DriverConfiguration configuration(request);
+  std::u16string wide = toUtf16(text);
+  const SQLRETURN result = SQLDriverConnectW(handle, nullptr, asWide(wide), static_cast<SQLSMALLINT>(wide.size()),
+                                             nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+  if (!SQL_SUCCEEDED(result)) throw DriverFailure(diagnosticsOf(SQL_HANDLE_DBC, handle));
+}
+
+OdbcConnection::~OdbcConnection() {
+  SQLDisconnect(connection_.get());
+}
+
+void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
+  const bool limited = commandTimeout_.count() > 0;
+  DriverWatch watch(sockets_, limited ? std::optional(commandTimeout_ + driversGrace) : std::nullopt);
+  try {
+    run(commandText, sink, watch);
+    // A driver whose connection was shut down may take that for the end of the answer.
+    if (watch.expired()) throw DriverFailure({});
+  } catch (const DriverFailure& failure) {
+    throw commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired());
+  }
+}
+
+void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
+  const Statement statement(connection_.get());
+  SQLHSTMT handle = statement.get();
+  SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
+  std::u16string text = toUtf16(commandText);
+  SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
+  while (result != SQL_NO_DATA) {
+    check(result, SQL_HANDLE_STMT, handle);
+    watch.heard();
+    if (!pushResult(handle, sink, watch)) {
+      SQLCancel(handle);
+      return;
+    }
+    result = SQLMoreResults(handle);
+  }
+}
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,95 @@
+#include "db/odbc/odbc_diagnostics.h"
+
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "db/odbc/odbc_text.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+/// Line of the statement, an extension that drivers for this server share.
+constexpr SQLSMALLINT diagnosticServerLine = -1154;
+
+/// What FreeTDS says of a connection that broke: reading or writing failed, the end came too early, the answer makes no
+/// sense, the connection is dead.
+constexpr std::array<std::int32_t, 6> lostConnectionNumbers = {20003, 20004, 20006, 20017, 20020, 20047};
+
+/// "[vendor][component]text" without the names in brackets; what the server says may begin with brackets of its own.
+std::string_view withoutComponents(std::string_view message) {
+  constexpr std::string_view server = "[SQL Server]";
+  while (message.starts_with('[')) {
+    const auto end = message.find(']');
+    if (end == std::string_view::npos) break;
+    const bool last = message.substr(0, end + 1) == server;
+    message.remove_prefix(end + 1);
+    if (last) break;
+  }
+  return message;
+}
+
+std::u16string_view units(const std::vector<SQLWCHAR>& buffer, SQLSMALLINT length) {
+  static_assert(sizeof(SQLWCHAR) == sizeof(char16_t));
+  const auto most = buffer.empty() ? std::size_t{0} : buffer.size() - 1;
+  const auto size = std::min(most, static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0)));
+  return {reinterpret_cast<const char16_t*>(buffer.data()), size};
+}
+
+/// The line of the statement that the server's message names.
+std::optional<int> lineOf(SQLHSTMT statement, SQLSMALLINT record) {
+  SQLINTEGER line = 0;
+  SQLSMALLINT ignored = 0;
+  // The length of the number, not the marker for numbers, is what FreeTDS takes behind this driver manager.
+  const auto result = SQLGetDiagFieldW(SQL_HANDLE_STMT, statement, record, diagnosticServerLine, &line,
+                                       static_cast<SQLSMALLINT>(sizeof line), &ignored);
+  return SQL_SUCCEEDED(result) && line > 0 ? std::optional<int>(line) : std::nullopt;
+}
+
+}  // namespace
+
+bool Diagnostic::tellsOfLostConnection() const {
+  if (state.starts_with("08")) return true;
+  if (state == "HY000" && number == 0) return message == "Unknown error";
+  return state == "01000" &&
+         std::find(lostConnectionNumbers.begin(), lostConnectionNumbers.end(), number) != lostConnectionNumbers.end();
+}
+
+std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle) {
+  std::vector<Diagnostic> diagnostics;
+  std::vector<SQLWCHAR> message(1024);
+  for (SQLSMALLINT record = 1;; ++record) {
+    std::array<SQLWCHAR, 6> state{};
+    SQLINTEGER number = 0;
+    SQLSMALLINT length = 0;
+    auto result = SQLGetDiagRecW(handleType, handle, record, state.data(), &number, message.data(),
+                                 static_cast<SQLSMALLINT>(message.size()), &length);
+    if (result == SQL_SUCCESS_WITH_INFO && static_cast<std::size_t>(length) >= message.size()) {
+      message.resize(static_cast<std::size_t>(length) + 1);
+      result = SQLGetDiagRecW(handleType, handle, record, state.data(), &number, message.data(),
+                              static_cast<SQLSMALLINT>(message.size()), &length);
+    }
+    if (!SQL_SUCCEEDED(result)) return diagnostics;
+    Diagnostic diagnostic;
+    diagnostic.state = toUtf8({reinterpret_cast<const char16_t*>(state.data()), 5});
+    diagnostic.number = number;
+    diagnostic.message = withoutComponents(toUtf8(units(message, length)));
+    if (handleType == SQL_HANDLE_STMT && number != 0) diagnostic.line = lineOf(handle, record);
+    diagnostics.push_back(std::move(diagnostic));
+  }
+}
+
+void check(SQLRETURN result, SQLSMALLINT handleType, SQLHANDLE handle) {
+  if (result == SQL_INVALID_HANDLE) throw DriverFailure({});
+  if (result == SQL_ERROR) throw DriverFailure(diagnosticsOf(handleType, handle));
+  if (result != SQL_SUCCESS_WITH_INFO) return;
+  auto diagnostics = diagnosticsOf(handleType, handle);
+  if (std::any_of(diagnostics.begin(), diagnostics.end(), [](const auto& d) { return d.tellsOfLostConnection(); }))
+    throw DriverFailure(std::move(diagnostics));
+}
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,64 @@
+#include "db/odbc/odbc_drivers.h"
+
+#include <sqlucode.h>
+
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "db/odbc/odbc_text.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+constexpr std::int32_t driverNotFound = 126;
+
+struct KnownDriver {
+  std::string_view name;
+  DriverFamily family;
+};
+
+/// Best first.
+constexpr std::array<KnownDriver, 4> knownDrivers = {{{"ODBC Driver 18 for SQL Server", DriverFamily::vendor},
+                                                      {"ODBC Driver 17 for SQL Server", DriverFamily::vendor},
+                                                      {"FreeTDS", DriverFamily::freeTds},
+                                                      {"SQL Server", DriverFamily::vendor}}};
+
+bool contains(std::string_view text, std::string_view part) {
+  return caseFolded(text).find(part) != std::string::npos;
+}
+
+}  // namespace
+
+std::vector<std::string> installedDrivers(const Environment& environment) {
+  std::vector<std::string> names;
+  std::array<SQLWCHAR, 512> name{};
+  std::array<SQLWCHAR, 2> attributes{};
+  SQLSMALLINT nameLength = 0;
+  SQLSMALLINT attributesLength = 0;
+  for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
+    const auto result =
+        SQLDriversW(environment.get(), direction, name.data(), static_cast<SQLSMALLINT>(name.size()), &nameLength,
+                    attributes.data(), static_cast<SQLSMALLINT>(attributes.size()), &attributesLength);
+    if (!SQL_SUCCEEDED(result)) return names;
+    const auto units = std::min<std::size_t>(static_cast<std::size_t>(nameLength), name.size() - 1);
+    names.push_back(toUtf8({reinterpret_cast<const char16_t*>(name.data()), units}));
+  }
+}
+
+Driver chooseDriver(const std::vector<std::string>& installed, std::string_view wanted) {
+  if (!wanted.empty()) {
+    const bool freeTds = contains(wanted, "freetds") || contains(wanted, "tdsodbc");
+    return {std::string(wanted), freeTds ? DriverFamily::freeTds : DriverFamily::vendor};
+  }
+  for (const auto& known : knownDrivers) {
+    const auto found = std::find_if(installed.begin(), installed.end(),
+                                    [&](const std::string& name) { return equalsIgnoringAsciiCase(name, known.name); });
+    if (found != installed.end()) return {*found, known.family};
+  }
+  throw settings::explainedError(driverNotFound, "failure.noDriver");
+}
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,85 @@
+#include "db/odbc/odbc_failures.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "settings/explained_error.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+// Numbers that data access users know for failures that the server never numbered.
+constexpr std::int32_t unspecified = -2147467259;     // 0x80004005
+constexpr std::int32_t timeoutExpired = -2147217871;  // 0x80040E31
+constexpr std::int32_t connectionLost = 10054;
+constexpr std::int32_t driverNotFound = 126;
+
+constexpr std::int32_t databaseCannotBeOpened = 4060;
+/// Logins that the server refuses: unknown or untrusted user, single-user mode, disabled or locked account, password
+/// that must be changed.
+constexpr std::array<std::int32_t, 8> refusedLogins = {18456, 18452, 18450, 18461, 18470, 18486, 18487, 18488};
+
+bool isServersWord(const Diagnostic& diagnostic) {
+  return diagnostic.number > 0 && !diagnostic.isInformation() && !diagnostic.tellsOfLostConnection();
+}
+
+/// The driver manager found no driver of that name, or could not load it.
+bool tellsOfUnusableDriver(const Diagnostic& diagnostic) {
+  return diagnostic.state.starts_with("IM") || diagnostic.message.starts_with("Can't open lib");
+}
+
+template <typename Condition>
+const Diagnostic* firstOf(const std::vector<Diagnostic>& diagnostics, Condition holds) {
+  const auto found = std::find_if(diagnostics.begin(), diagnostics.end(), holds);
+  return found == diagnostics.end() ? nullptr : &*found;
+}
+
+/// The most telling of the messages about a lost connection: the last, for the first ones only say that it is so.
+std::string lossOf(const std::vector<Diagnostic>& diagnostics) {
+  for (auto entry = diagnostics.rbegin(); entry != diagnostics.rend(); ++entry)
+    if (entry->tellsOfLostConnection() && entry->number != 0) return entry->message;
+  return diagnostics.empty() ? "the driver says no more" : diagnostics.front().message;
+}
+
+}  // namespace
+
+std::string shownAddress(const ServerAddress& address) {
+  return address.host + ":" + std::to_string(address.port);
+}
+
+Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request, bool timedOut) {
+  using settings::explainedError;
+  const std::string server = shownAddress(request.address);
+  if (firstOf(diagnostics, [](const Diagnostic& d) { return d.number == databaseCannotBeOpened; }) != nullptr)
+    return explainedError(databaseCannotBeOpened, "failure.databaseRefused", {server, request.database});
+  if (const Diagnostic* const unusable = firstOf(diagnostics, tellsOfUnusableDriver))
+    return explainedError(driverNotFound, "failure.driverUnusable", {request.driver.name, unusable->message});
+  const Diagnostic* const refused = firstOf(diagnostics, [](const Diagnostic& d) {
+    return std::find(refusedLogins.begin(), refusedLogins.end(), d.number) != refusedLogins.end();
+  });
+  if (refused != nullptr) return explainedError(refused->number, "failure.loginRefused", {server, refused->message});
+  if (const Diagnostic* const said = firstOf(diagnostics, isServersWord)) return {said->number, said->message};
+  if (timedOut || firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfTimeout(); }) != nullptr)
+    return explainedError(timeoutExpired, "failure.loginSilent", {server});
+  return explainedError(connectionLost, "failure.loginBroken", {server, lossOf(diagnostics)});
+}
+
+Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAddress& address,
+                     std::chrono::seconds timeout, bool timedOut) {
+  using settings::explainedError;
+  if (const Diagnostic* const said = firstOf(diagnostics, isServersWord))
+    return {said->number, said->message, said->line};
+  if (timedOut || firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfTimeout(); }) != nullptr)
+    return explainedError(timeoutExpired, "failure.commandTimeout",
+                          {shownAddress(address), std::to_string(timeout.count())});
+  if (firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfLostConnection(); }) != nullptr)
+    return explainedError(connectionLost, "failure.connectionLost", {shownAddress(address), lossOf(diagnostics)});
+  if (const Diagnostic* const error = firstOf(diagnostics, [](const Diagnostic& d) { return !d.isInformation(); }))
+    return {unspecified, error->message};
+  return {unspecified, lossOf(diagnostics)};
+}
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <chrono>
+#include <vector>
+
+#include "base/error.h"
+#include "db/odbc/driver_login.h"
+#include "db/odbc/odbc_diagnostics.h"
+
+namespace korvel::db::odbc {
+
+/// "host:port", as sentences name a server.
+[[nodiscard]] std::string shownAddress(const ServerAddress& address);
+
+/// What a failed login means to the user: the server's number and our sentence for what he can act on, the server's own
+/// words for everything else that it said, a sentence for a login that timed out or broke off.
+[[nodiscard]] Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request,
+                                 bool timedOut);
+
+/// What a failed command means: the server's first error, else a timeout or a lost connection.
+[[nodiscard]] Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAddress& address,
+                                   std::chrono::seconds timeout, bool timedOut);
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,66 @@
+#include "db/odbc/server_address.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "base/text.h"
+#include "db/discovery/resolution_protocol.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db {
+
+namespace {
+
+constexpr std::int32_t invalidParameter = 87;
+
+constexpr std::size_t longestHostName = 255;
+/// What names hold beside letters and digits; ":" and "%" stand in addresses.
+constexpr std::string_view hostMarks = ".-_:%";
+
+std::uint16_t parsePort(std::string_view text, std::string_view name) {
+  std::uint16_t port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc{} || end != text.data() + text.size() || port == 0)
+    throw settings::explainedError(invalidParameter, "failure.noPort", {std::string(name)});
+  return port;
+}
+
+bool isThisComputer(std::string_view host) {
+  return host == "." || equalsIgnoringAsciiCase(host, "(local)");
+}
+
+}  // namespace
+
+bool isHostName(std::string_view text) noexcept {
+  return !text.empty() && text.size() <= longestHostName && std::all_of(text.begin(), text.end(), [](char c) {
+    const bool letterOrDigit = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    return letterOrDigit || static_cast<unsigned char>(c) >= 0x80U || hostMarks.find(c) != std::string_view::npos;
+  });
+}
+
+ServerName parseServerName(std::string_view name) {
+  constexpr std::string_view protocol = "tcp:";
+  std::string_view rest = trimBlanks(name);
+  if (equalsIgnoringAsciiCase(rest.substr(0, protocol.size()), protocol)) rest.remove_prefix(protocol.size());
+
+  ServerName server;
+  if (const auto comma = rest.find(','); comma != std::string_view::npos) {
+    server.port = parsePort(trimBlanks(rest.substr(comma + 1)), name);
+    rest = rest.substr(0, comma);
+  }
+  if (const auto backslash = rest.find('\\'); backslash != std::string_view::npos) {
+    server.instance = trimBlanks(rest.substr(backslash + 1));
+    rest = rest.substr(0, backslash);
+    (void)instanceRequest(server.instance);  // throws for a name that no instance can have
+  }
+  const std::string_view host = trimBlanks(rest);
+  if (isThisComputer(host)) {
+    server.host = "localhost";
+    return server;
+  }
+  if (!isHostName(host)) throw settings::explainedError(invalidParameter, "failure.noHostName", {std::string(name)});
+  server.host = host;
+  return server;
+}
+
+}  // namespace korvel::db

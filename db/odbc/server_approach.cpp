@@ -1,0 +1,110 @@
+#include "db/odbc/server_approach.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "db/odbc/odbc_connection.h"
+#include "db/odbc/odbc_drivers.h"
+#include "db/odbc/odbc_failures.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db::odbc {
+
+namespace {
+
+constexpr std::int32_t encryptionNotSupported = 20;  // the number that data access layers have always used for it
+constexpr std::int32_t untrustedRoot = -2146893019;  // 0x80090325, as users know it
+
+/// Runs a step; its failure becomes one of two sentences, for a server that does not answer and for one that refuses.
+template <typename Step>
+auto explained(const char* silentKey, const char* failedKey, const std::string& what, const Step& step) {
+  try {
+    return step();
+  } catch (const Error& error) {
+    if (!error.textKey().empty()) throw;
+    throw settings::explainedError(error.number(), net::isTimeout(error.number()) ? silentKey : failedKey,
+                                   {what, error.description()});
+  }
+}
+
+ServerAddress locate(const ServerName& name, const ResolutionClient& resolver, const net::Deadline& deadline) {
+  // A port that is given wins over an instance name, as users of other programs expect.
+  if (name.port) return {name.host, *name.port};
+  if (name.instance.empty()) return {name.host, defaultServerPort};
+  const std::uint16_t port = resolver.portOfInstance(name.host, name.instance, deadline);
+  return {name.host, port};
+}
+
+}  // namespace
+
+ServerAccess userAccess() {
+  const auto backend = settings::platformBackend();
+  ServerAccess access;
+  access.options = loadConnectionOptions(settings::Registry(*backend));
+  return access;
+}
+
+ServerApproach::ServerApproach(std::string server, ServerAccess access)
+    : access_(std::move(access)), deadline_(access_.options.connectionTimeout), server_(std::move(server)) {}
+
+void ServerApproach::findServer() {
+  const ServerName name = parseServerName(server_);
+  host_ = explained("failure.hostUnknown", "failure.hostUnknown", name.host,
+                    [&] { return net::resolveHost(name.host, 0, deadline_); });
+  address_ = explained("failure.instanceUnknown", "failure.instanceUnknown", name.host + "\\" + name.instance,
+                       [&] { return locate(name, access_.resolver, deadline_); });
+  // What the name service calls the host becomes part of the driver's text.
+  servicePrincipal_ = servicePrincipalOf(isHostName(host_.fullName) ? host_.fullName : address_.host, address_.port);
+}
+
+void ServerApproach::reachPort() {
+  socket_ = explained("failure.portSilent", "failure.portClosed", shownAddress(address_),
+                      [&] { return net::connectTcp(net::atPort(host_.endpoints, address_.port), deadline_); });
+}
+
+void ServerApproach::greet() {
+  greeting_ = explained("failure.serverSilent", "failure.noServer", shownAddress(address_),
+                        [&] { return net::askPreLogin(*socket_, deadline_); });
+}
+
+void ServerApproach::encrypt() {
+  const ConnectionOptions& options = access_.options;
+  const std::string shown = shownAddress(address_);
+  if (options.encrypt && greeting_.encryption == net::ServerEncryption::notSupported)
+    throw settings::explainedError(encryptionNotSupported, "failure.noEncryption", {shown});
+  if (options.encrypt && !options.trustServerCertificate) {
+    handshake_ = explained("failure.serverSilent", "failure.handshake", shown, [&] {
+      return net::shakeHands(*socket_, address_.host, options.certificateAuthorities, deadline_);
+    });
+    if (!handshake_->problem.empty())
+      throw settings::explainedError(untrustedRoot, "failure.certificate", {shown, handshake_->problem});
+  }
+  socket_.reset();
+}
+
+void ServerApproach::proveUser() {
+  access_.requireTicket(servicePrincipal_, deadline_);
+}
+
+std::unique_ptr<Connection> ServerApproach::logIn(const std::string& database) {
+  LoginRequest request;
+  request.driver = chooseDriver(installedDrivers(makeEnvironment()), access_.options.driver);
+  request.address = address_;
+  request.database = database;
+  request.servicePrincipal = servicePrincipal_;
+  request.options = access_.options;
+  return std::make_unique<OdbcConnection>(request, access_.driverText(request), deadline_);
+}
+
+std::unique_ptr<Connection> openServer(const std::string& server, const std::string& database,
+                                       const ServerAccess& access) {
+  ServerApproach approach(server, access);
+  approach.findServer();
+  approach.reachPort();
+  approach.greet();
+  approach.encrypt();
+  approach.proveUser();
+  return approach.logIn(database);
+}
+
+}  // namespace korvel::db::odbc

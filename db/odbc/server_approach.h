@@ -1,0 +1,77 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "db/connection.h"
+#include "db/discovery/resolution_client.h"
+#include "db/net/deadline.h"
+#include "db/net/pre_login.h"
+#include "db/net/socket.h"
+#include "db/net/tls_probe.h"
+#include "db/odbc/connection_options.h"
+#include "db/odbc/driver_login.h"
+#include "db/odbc/login_ticket.h"
+#include "db/odbc/server_address.h"
+
+namespace korvel::db::odbc {
+
+/// What the way to a server depends on.
+struct ServerAccess {
+  ConnectionOptions options;
+  ResolutionClient resolver;
+  // Tests without a login service put something else in the place of these two.
+  std::function<void(const std::string& servicePrincipal, const net::Deadline&)> requireTicket = odbc::requireTicket;
+  std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
+};
+
+/// The running user's own access, with what the settings store adjusts. Throws Error for a store that cannot be read.
+[[nodiscard]] ServerAccess userAccess();
+
+/// The way to a server, step by step, each with its own sentence when it fails (all throw Error). Connecting takes the
+/// steps in this order; checking a server names them one by one. One timeout for all of them together, from the
+/// construction on.
+class ServerApproach {
+ public:
+  ServerApproach(std::string server, ServerAccess access);
+
+  /// Reads the server's name, asks the host for the port of a named instance, and looks up the host's addresses.
+  void findServer();
+  /// Connects to the port.
+  void reachPort();
+  /// Hears the server's first words; drivers would wait for them for ever.
+  void greet();
+  /// Shakes hands and looks at the certificate, where the options ask for it.
+  void encrypt();
+  /// Makes sure that the running user can prove who he is.
+  void proveUser();
+  /// Logs in. `database` may be empty.
+  [[nodiscard]] std::unique_ptr<Connection> logIn(const std::string& database);
+
+  [[nodiscard]] const ServerAddress& address() const { return address_; }
+  [[nodiscard]] const net::PreLoginAnswer& greeting() const { return greeting_; }
+  /// Nothing where the connection is not encrypted or the certificate is not looked at.
+  [[nodiscard]] const std::optional<net::TlsAnswer>& handshake() const { return handshake_; }
+  [[nodiscard]] const std::string& servicePrincipal() const { return servicePrincipal_; }
+  /// Gives the steps that follow the whole timeout again.
+  void restartClock() { deadline_ = net::Deadline(access_.options.connectionTimeout); }
+
+ private:
+  ServerAccess access_;
+  net::Deadline deadline_;
+  std::string server_;
+  ServerAddress address_;
+  net::HostEntry host_;
+  std::optional<net::Socket> socket_;
+  net::PreLoginAnswer greeting_;
+  std::optional<net::TlsAnswer> handshake_;
+  std::string servicePrincipal_;
+};
+
+/// Everything between a server's name and an open connection. `database` may be empty. Throws Error.
+[[nodiscard]] std::unique_ptr<Connection> openServer(const std::string& server, const std::string& database,
+                                                     const ServerAccess& access);
+
+}  // namespace korvel::db::odbc

@@ -1,0 +1,188 @@
+#include "db/odbc/server_check.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "db/embedded/embedded_connection.h"
+#include "db/odbc/odbc_failures.h"
+#include "db/open_connection.h"
+#include "db/procedure/audit_conditions.h"
+#include "settings/explained_error.h"
+
+namespace korvel::db {
+
+namespace {
+
+constexpr std::int32_t procedureMissing = 2812;  // the server's number for a procedure that it does not know
+
+/// What a step found, to be said where it went well.
+struct Found {
+  std::string key;
+  std::vector<std::string> arguments;
+};
+
+struct Step {
+  const char* key;
+  std::function<Found()> run;
+};
+
+std::vector<CheckStep> runAll(const std::vector<Step>& steps) {
+  std::vector<CheckStep> checked;
+  bool reached = true;
+  for (const Step& step : steps) {
+    CheckStep& result = checked.emplace_back();
+    result.key = step.key;
+    if (!reached) continue;
+    try {
+      Found found = step.run();
+      result.outcome = CheckOutcome::ok;
+      result.detailKey = std::move(found.key);
+      result.detailArguments = std::move(found.arguments);
+    } catch (const Error& error) {
+      result.outcome = CheckOutcome::failed;
+      result.failure = error;
+      reached = false;
+    }
+  }
+  return checked;
+}
+
+/// Keeps the number of columns and the first value of an answer.
+class FirstValueSink final : public ResultSink {
+ public:
+  void beginResult(std::span<const Field> fields) override { columns = fields.size(); }
+  bool row(std::span<const Cell> cells) override {
+    if (value.empty() && !cells.empty()) value = cells.front().text;
+    return true;
+  }
+  void endResult() override {}
+
+  std::size_t columns = 0;
+  std::string value;
+};
+
+FirstValueSink answerOf(Connection& connection, std::string_view command) {
+  FirstValueSink sink;
+  connection.execute(command, sink);
+  return sink;
+}
+
+/// A call of the procedure that asks for no category: it answers with no result set and reads no row.
+std::string emptyCall() {
+  std::string text = "QueryAudits ";
+  for (std::size_t i = 0; i < procedureParameterCount; ++i) text += i == 0 ? "'False'" : ",'False'";
+  return text;
+}
+
+Found tryProcedure(Connection& connection) {
+  try {
+    answerOf(connection, emptyCall());
+    return {"check.procedure.found", {}};
+  } catch (const Error& error) {
+    if (error.number() != procedureMissing) throw;
+    throw settings::explainedError(procedureMissing, "failure.procedureMissing");
+  }
+}
+
+/// The steps inside a database, the same for every engine.
+void addDatabaseSteps(std::vector<Step>& steps, std::unique_ptr<Connection>& connection) {
+  steps.push_back({"table", [&] {
+                     const auto answer = answerOf(*connection, "SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0");
+                     return Found{"check.table.found", {std::to_string(answer.columns)}};
+                   }});
+  steps.push_back({"procedure", [&] { return tryProcedure(*connection); }});
+  steps.push_back({"rows", [&] {
+                     const auto answer = answerOf(*connection, "SELECT COUNT(*) AS n FROM Korvel_Audit_Trails");
+                     return Found{"check.rows.found", {answer.value}};
+                   }});
+}
+
+std::vector<CheckStep> checkEmbedded(const std::string& server, const std::string& database) {
+  const std::filesystem::path folder = embeddedFolderOf(server);
+  std::unique_ptr<Connection> connection;
+  std::vector<Step> steps;
+  steps.push_back({"name", [&] {
+                     std::error_code error;
+                     if (!std::filesystem::is_directory(folder, error))
+                       throw settings::explainedError(error ? error.value() : ENOTDIR, "failure.noFolder",
+                                                      {folder.string()});
+                     return Found{"check.name.embedded", {folder.string()}};
+                   }});
+  if (!database.empty()) {
+    steps.push_back({"database", [&] {
+                       connection = openEmbedded(folder, database);
+                       return Found{"check.database.found", {database}};
+                     }});
+    addDatabaseSteps(steps, connection);
+  }
+  return runAll(steps);
+}
+
+Found encryptionFound(const odbc::ServerApproach& approach, const ConnectionOptions& options) {
+  if (approach.handshake()) return {"check.encryption.found", {approach.handshake()->protocol}};
+  return {options.encrypt ? "check.encryption.unchecked" : "check.encryption.optional", {}};
+}
+
+std::vector<CheckStep> checkNetworkServer(const std::string& server, const std::string& database,
+                                          const odbc::ServerAccess& access) {
+  odbc::ServerApproach approach(server, access);
+  std::unique_ptr<Connection> connection;
+  std::vector<Step> steps;
+  steps.push_back({"name", [&] {
+                     approach.findServer();
+                     return Found{"check.name.found", {odbc::shownAddress(approach.address())}};
+                   }});
+  steps.push_back({"port", [&] {
+                     approach.reachPort();
+                     return Found{"check.port.found", {std::to_string(approach.address().port)}};
+                   }});
+  steps.push_back({"protocol", [&] {
+                     approach.greet();
+                     return Found{"check.protocol.found", {approach.greeting().version}};
+                   }});
+  steps.push_back({"encryption", [&] {
+                     approach.encrypt();
+                     return encryptionFound(approach, access.options);
+                   }});
+  steps.push_back({"ticket", [&] {
+                     approach.proveUser();
+                     return Found{"check.ticket.found", {approach.servicePrincipal()}};
+                   }});
+  steps.push_back({"login", [&] {
+                     connection = approach.logIn({});
+                     return Found{"check.login.found", {}};
+                   }});
+  if (!database.empty()) {
+    steps.push_back({"database", [&] {
+                       approach.restartClock();
+                       connection = approach.logIn(database);
+                       return Found{"check.database.found", {database}};
+                     }});
+    addDatabaseSteps(steps, connection);
+  }
+  return runAll(steps);
+}
+
+}  // namespace
+
+std::string checkTitle(const CheckStep& step, const settings::LanguageOffset& offset) {
+  return std::string(settings::ownText("check." + step.key, offset));
+}
+
+std::string checkDetail(const CheckStep& step, const settings::LanguageOffset& offset) {
+  if (step.failure) return settings::describe(*step.failure, offset);
+  if (step.outcome == CheckOutcome::notReached) return std::string(settings::ownText("check.notReached", offset));
+  return settings::describe(settings::explainedError(0, step.detailKey, step.detailArguments), offset);
+}
+
+std::vector<CheckStep> checkServer(const std::string& server, const std::string& database,
+                                   const odbc::ServerAccess& access) {
+  return isEmbeddedServer(server) ? checkEmbedded(server, database) : checkNetworkServer(server, database, access);
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+#include "db/odbc/server_approach.h"
+#include "settings/string_table.h"
+
+namespace korvel::db {
+
+enum class CheckOutcome { ok, failed, notReached };
+
+/// One step on the way from a server's name to the rows of its audit trail.
+struct CheckStep {
+  /// What was checked: "name", "port", "protocol", "encryption", "ticket", "login", "database", "table", "procedure",
+  /// "rows". Sentences about it stand in the table of our own texts under "check." and this.
+  std::string key;
+  CheckOutcome outcome = CheckOutcome::notReached;
+  std::string detailKey;                     ///< what was found, where the step went well
+  std::vector<std::string> detailArguments;  ///< what fills its places
+  std::optional<Error> failure;              ///< the reason and the remedy, where it did not
+};
+
+/// "Port open".
+[[nodiscard]] std::string checkTitle(const CheckStep& step, const settings::LanguageOffset& offset);
+/// What was found, or why it failed and what to do, or that the step was not reached.
+[[nodiscard]] std::string checkDetail(const CheckStep& step, const settings::LanguageOffset& offset);
+
+/// Goes the whole way and says how far it came: all steps in order, those behind the first failure not reached. Without
+/// a database the way ends with the login. The embedded engine has fewer steps. Nothing is written anywhere.
+[[nodiscard]] std::vector<CheckStep> checkServer(const std::string& server, const std::string& database,
+                                                 const odbc::ServerAccess& access);
+
+}  // namespace korvel::db

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korvel::db {
+
+/// A database as the browser lists it.
+struct DatabaseInfo {
+  std::string name;
+  bool isSystem = false;
+  std::string path;  ///< empty where the server does not tell it
+};
+
+enum class ServerEventKind { commandSent, connectionBroken, queryTimeout, remoteLoginFailed, serverMessage };
+
+/// Something that happens on a connection while databases are listed. The numbers are the server's, for a failed login
+/// and a message only.
+struct ServerEvent {
+  ServerEventKind kind = ServerEventKind::serverMessage;
+  std::string text;
+  int severity = 0;
+  int messageNumber = 0;
+  int messageState = 0;
+};
+
+/// Finds servers and lists their databases.
+class ServerDirectory {
+ public:
+  virtual ~ServerDirectory() = default;
+  /// Told of events where somebody listens; called on the caller's thread, within the call that lists.
+  std::function<void(const ServerEvent&)> onEvent;
+  /// The servers of the network, those that the user's configuration names and those of this computer; by name, each
+  /// once.
+  virtual std::vector<std::string> networkServers() = 0;
+  /// The instances of this computer, the embedded engine among them.
+  virtual std::vector<std::string> localServers() = 0;
+  /// The databases of a server in the server's order, under the user's own login. Throws Error.
+  virtual std::vector<DatabaseInfo> databases(const std::string& server) = 0;
+};
+
+}  // namespace korvel::db
