@@ -1,0 +1,125 @@
+#include "results/result_list.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+#include <utility>
+
+#include "base/text.h"
+#include "results/number_text.h"
+#include "results/out_of_memory.h"
+
+namespace korvel::results {
+
+namespace {
+
+constexpr ColumnIndex entryNumberColumn{0};
+
+/// Whether a list fills this column of a record that has `width` columns.
+constexpr bool isFilled(RowFilling filling, ColumnIndex column, std::size_t width) noexcept {
+  if (filling == RowFilling::whole || column == entryNumberColumn) return column.value < width;
+  return column.value + 3 <= width;  // deliberate: the last two columns of a record are not copied
+}
+
+/// The rows ordered by `keys` (one a row of the list), rows of equal keys staying in order.
+std::vector<RowId> orderedBy(const std::vector<std::uint32_t>& keys, const std::vector<RowId>& rows, SortOrder order) {
+  const std::uint32_t highest = *std::max_element(keys.begin(), keys.end());
+  // Keys are ranks, hence dense: count them, unless the list shows but a few rows of a large store.
+  constexpr std::size_t tooManyKeysPerRow = 16;
+  std::vector<RowId> ordered(rows.size());
+  if (highest / tooManyKeysPerRow > rows.size()) {
+    std::vector<std::uint32_t> places(rows.size());
+    for (std::size_t i = 0; i < places.size(); ++i) places[i] = static_cast<std::uint32_t>(i);
+    std::stable_sort(places.begin(), places.end(), [&](std::uint32_t a, std::uint32_t b) {
+      return order == SortOrder::ascending ? keys[a] < keys[b] : keys[b] < keys[a];
+    });
+    std::transform(places.begin(), places.end(), ordered.begin(), [&](std::uint32_t place) { return rows[place]; });
+    return ordered;
+  }
+  const auto slotOf = [&](std::uint32_t key) { return order == SortOrder::ascending ? key : highest - key; };
+  std::vector<std::uint32_t> next(std::size_t{highest} + 1, 0);
+  for (const std::uint32_t key : keys) ++next[slotOf(key)];
+  std::uint32_t begin = 0;
+  for (std::uint32_t& place : next) begin += std::exchange(place, begin);
+  for (std::size_t i = 0; i < rows.size(); ++i) ordered[next[slotOf(keys[i])]++] = rows[i];
+  return ordered;
+}
+
+}  // namespace
+
+void ResultList::setColumns(std::vector<ColumnHeader> columns) {
+  columns_ = std::move(columns);
+}
+
+void ResultList::clear() noexcept {
+  rows_ = {};
+  store_.reset();
+  entryNumbersRewritten_ = false;
+}
+
+void ResultList::setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows) {
+  clear();
+  store_ = std::move(store);
+  if (store_ == nullptr) return;
+  rows_ = std::move(rows);
+  if (sorted_) sort();
+}
+
+bool ResultList::isFilledIn(RowId row, ColumnIndex column) const noexcept {
+  return isFilled(filling_, column, store_->widthOf(row));
+}
+
+std::string_view ResultList::text(RowPosition row, ColumnIndex column) const noexcept {
+  if (row.value >= rows_.size()) return {};
+  const RowId id = rows_[row.value];
+  if (!isFilledIn(id, column)) return {};
+  const std::string_view shown = trimBlanks(store_->cell(id, column).text);
+  return entryNumbersRewritten_ && column == entryNumberColumn ? withoutLeadingZeros(shown) : shown;
+}
+
+void ResultList::clickColumn(ColumnIndex column) {
+  if (column.value >= columns_.size()) return;
+  int& tag = columns_[column.value].tag;
+  if (column == sortKey_) tag = tag == 0 ? -1 : 0;
+  sortKey_ = column;
+  sortOrder_ = tag == 0 ? SortOrder::ascending : SortOrder::descending;
+  sort();
+}
+
+void ResultList::sortBy(ColumnIndex key, SortOrder order) {
+  sortKey_ = key;
+  sortOrder_ = order;
+  if (key.value < columns_.size()) columns_[key.value].tag = order == SortOrder::ascending ? 0 : -1;
+  sort();
+}
+
+void ResultList::sort() {
+  sorted_ = true;
+  const bool byEntryNumber = sortKey_ == entryNumberColumn;
+  if (!rows_.empty()) {
+    try {
+      const std::vector<std::uint32_t> ranks = store_->ranks(sortKey_, byEntryNumber);
+      std::vector<std::uint32_t> keys(rows_.size());
+      // Rows that do not fill the column rank with the empty text, which is 0.
+      for (std::size_t i = 0; i < keys.size(); ++i)
+        keys[i] = isFilledIn(rows_[i], sortKey_) ? ranks[rows_[i].value] : 0;
+      if (!std::is_sorted(keys.begin(), keys.end()) || sortOrder_ == SortOrder::descending)
+        rows_ = orderedBy(keys, rows_, sortOrder_);
+    } catch (const std::bad_alloc&) {
+      throw outOfMemory();
+    }
+  }
+  // Ordering by entry number rewrites the numbers of a standard list; a custom list shows what the server sent.
+  if (byEntryNumber && filling_ == RowFilling::standard) entryNumbersRewritten_ = true;
+}
+
+HeaderIcon ResultList::headerIcon(ColumnIndex column) const noexcept {
+  if (!sorted_ || column != sortKey_) return HeaderIcon::none;
+  return sortOrder_ == SortOrder::ascending ? HeaderIcon::ascending : HeaderIcon::descending;
+}
+
+std::string recordCountText(std::size_t count, std::string_view label) {
+  return std::to_string(count).append(" ").append(label);
+}
+
+}  // namespace korvel::results

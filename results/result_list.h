@@ -55,7 +55,9 @@ class ResultList {
 
   /// A click on a header: again on the sort key inverts its direction, then the list is sorted by it.
   void clickColumn(ColumnIndex column);
-  /// Switches sorting on with the current key and order. Sort key 0 orders entry numbers numerically (nine digits).
+  /// Switches sorting on with the current key and order. Sort key 0 orders entry numbers numerically (nine digits) and
+  /// leaves those of a standard list without leading zeros. Throws Error when memory runs out; the rows then stay as
+  /// they were.
   void sort();
   /// Sets key and order, then sorts (tool and tests).
   void sortBy(ColumnIndex key, SortOrder order);
@@ -74,6 +76,9 @@ class ResultList {
   ColumnIndex sortKey_;
   SortOrder sortOrder_ = SortOrder::ascending;
   bool sorted_ = false;
+  bool entryNumbersRewritten_ = false;  ///< column 0 shows numbers without leading zeros
+
+  [[nodiscard]] bool isFilledIn(RowId row, ColumnIndex column) const noexcept;
 };
 
 /// `count`, a blank, and the text after it in the language: "125 Records on current tab".

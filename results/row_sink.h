@@ -1,21 +1,30 @@
 #pragma once
 
-#include <functional>
+#include <cstddef>
 #include <memory>
+#include <span>
+#include <vector>
 
 #include "db/connection.h"
 #include "results/row_store.h"
 
 namespace korvel::results {
 
+class BackgroundAppender;
+
 /// Collects a whole answer into a RowStore. The first result set of `firstOnly` sinks is the only one that is kept.
+/// A long answer is appended by a second thread while the next rows are read; whoever owns the sink sees nothing of it:
+/// when a result set has ended all of its rows are in the store, or the call throws Error.
 class RowSink final : public db::ResultSink {
  public:
-  explicit RowSink(bool firstOnly = false) : firstOnly_(firstOnly) {}
+  explicit RowSink(bool firstOnly = false);
+  ~RowSink() override;
+  RowSink(const RowSink&) = delete;
+  RowSink& operator=(const RowSink&) = delete;
 
   void beginResult(std::span<const db::Field> fields) override;
   bool row(std::span<const db::Cell> cells) override;
-  void endResult() override {}
+  void endResult() override;
 
   /// Number of result sets begun.
   [[nodiscard]] std::size_t resultCount() const noexcept { return firstRows_.size(); }
@@ -23,15 +32,19 @@ class RowSink final : public db::ResultSink {
   [[nodiscard]] std::size_t firstRowOf(std::size_t index) const { return firstRows_.at(index); }
   /// The fields of the first result set.
   [[nodiscard]] const std::vector<db::Field>& firstFields() const noexcept { return firstFields_; }
+  /// Only between result sets.
   [[nodiscard]] RowStore& store() noexcept { return *store_; }
   /// Hands the store over; the sink is empty afterwards.
-  [[nodiscard]] std::shared_ptr<const RowStore> takeStore() { return std::move(store_); }
+  [[nodiscard]] std::shared_ptr<const RowStore> takeStore();
 
  private:
+  void startAppender();
+
   bool firstOnly_;
   std::shared_ptr<RowStore> store_ = std::make_shared<RowStore>();
   std::vector<std::size_t> firstRows_;
   std::vector<db::Field> firstFields_;
+  std::unique_ptr<BackgroundAppender> appender_;  // ends before the store does
 };
 
 }  // namespace korvel::results

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -12,9 +13,9 @@
 
 namespace korvel::results {
 
-/// The rows of one answer, each stored once, column by column: a column keeps every distinct value once and a code of 1, 2
-/// or 4 bytes a row; a column whose values hardly repeat stops looking for repeats. Values are kept exactly as the server
-/// gave them, null apart from empty. Append-only; shared read-only by the lists once filled.
+/// The rows of one answer, each stored once, column by column: a column keeps every distinct value once and a code of
+/// 1, 2 or 4 bytes a row; a column whose values hardly repeat stops looking for repeats. Values are kept exactly as the
+/// server gave them, null apart from empty. Append-only; shared read-only by the lists once filled.
 class RowStore final {
  public:
   RowStore();
@@ -24,7 +25,8 @@ class RowStore final {
 
   /// Starts a result set of these fields; rows appended from here on have that many cells.
   void beginResult(std::span<const db::Field> fields);
-  /// Throws Error when more than 2^32 - 1 rows, or more memory than there is, would be needed.
+  /// Cells beyond the result set's fields are dropped, missing ones are null. Throws Error when more than 2^32 - 1
+  /// rows, or more memory than there is, would be needed; the store then holds what it held before.
   RowId append(std::span<const db::Cell> cells);
 
   [[nodiscard]] std::size_t rowCount() const noexcept;
@@ -39,9 +41,14 @@ class RowStore final {
   /// Bytes held on the heap.
   [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
-  /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have equal
-  /// ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to nine digits.
+  /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have
+  /// equal ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to
+  /// nine digits. Rank 0 is the empty text's, whether or not it occurs; the others follow without gaps.
   [[nodiscard]] std::vector<std::uint32_t> ranks(ColumnIndex column, bool numericKeys) const;
+
+  /// Calls `visit` with the texts of a column, exactly as the server gave them: each at least once, and hardly more
+  /// often where they repeat. Nulls are passed over. For measuring columns without walking through every row.
+  void visitDistinct(ColumnIndex column, const std::function<void(std::string_view)>& visit) const;
 
  private:
   struct Impl;

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace korvel::results {
+
+// Texts of an audit trail are short and there are millions of them: the byte loops below read eight bytes at a time,
+// the last eight overlapping the ones before, and never read outside the text.
+
+[[nodiscard]] inline std::uint64_t loadWord(const char* at) noexcept {
+  std::uint64_t word = 0;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+[[nodiscard]] inline std::uint32_t loadHalfWord(const char* at) noexcept {
+  std::uint32_t word = 0;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+[[nodiscard]] inline bool sameText(std::string_view left, std::string_view right) noexcept {
+  const std::size_t size = left.size();
+  if (size != right.size()) return false;
+  const char* const a = left.data();
+  const char* const b = right.data();
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8)
+      if (loadWord(a + i) != loadWord(b + i)) return false;
+    return loadWord(a + size - 8) == loadWord(b + size - 8);
+  }
+  if (size >= 4) return loadHalfWord(a) == loadHalfWord(b) && loadHalfWord(a + size - 4) == loadHalfWord(b + size - 4);
+  for (std::size_t i = 0; i < size; ++i)
+    if (a[i] != b[i]) return false;
+  return true;
+}
+
+/// Copies the bytes of `text` to `to`.
+inline void copyText(std::string_view text, char* to) noexcept {
+  const std::size_t size = text.size();
+  const char* const from = text.data();
+  if (size > 32) {
+    std::memcpy(to, from, size);
+  } else if (size >= 8) {
+    for (std::size_t i = 0; i + 8 < size; i += 8) std::memcpy(to + i, from + i, 8);
+    std::memcpy(to + size - 8, from + size - 8, 8);
+  } else if (size >= 4) {
+    const std::uint32_t tail = loadHalfWord(from + size - 4);
+    std::memcpy(to, from, 4);
+    std::memcpy(to + size - 4, &tail, 4);
+  } else {
+    for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+  }
+}
+
+/// Multiplies to 128 bits and folds the halves together, so that every bit of both factors reaches the low ones.
+[[nodiscard]] inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+/// A hash for tables in memory; it differs between machines of different byte order and must never be stored.
+[[nodiscard]] inline std::uint32_t hashOf(std::string_view text) noexcept {
+  constexpr std::uint64_t first = 0x9E3779B97F4A7C15U;
+  constexpr std::uint64_t second = 0xC2B2AE3D27D4EB4FU;
+  const std::size_t size = text.size();
+  const char* const at = text.data();
+  std::uint64_t state = first ^ size;
+  std::uint64_t head = 0;
+  std::uint64_t tail = 0;
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 16 < size; i += 8) state = foldedProduct(loadWord(at + i) ^ second, state);
+    head = loadWord(at + (size > 16 ? size - 16 : 0));
+    tail = loadWord(at + size - 8);
+  } else if (size >= 4) {
+    head = loadHalfWord(at);
+    tail = loadHalfWord(at + size - 4);
+  } else {
+    for (std::size_t i = 0; i < size; ++i) head = head << 8U | static_cast<unsigned char>(at[i]);
+  }
+  const std::uint64_t mixed = foldedProduct(head ^ state, tail ^ second);
+  return static_cast<std::uint32_t>(mixed ^ mixed >> 32U);
+}
+
+/// Longest text that fits, with its length, into a word.
+inline constexpr std::size_t shortBytes = 7;
+[[nodiscard]] constexpr bool isShort(std::string_view text) noexcept {
+  return text.size() <= shortBytes;
+}
+
+/// The bytes of a short text and its length in one number, different for different texts and never 0.
+[[nodiscard]] inline std::uint64_t shortTextBits(std::string_view text) noexcept {
+  const std::size_t size = text.size();
+  const auto byteAt = [&](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(text[i])} << (i * 8U); };
+  const std::uint64_t bits = std::uint64_t{size + 1} << 56U;
+  // Both reads overlap; on a little-endian machine (there is no other that this is built for) they agree where they do.
+  static_assert(std::endian::native == std::endian::little);
+  if (size >= 4) {
+    const std::uint64_t head = loadHalfWord(text.data());
+    const std::uint64_t tail = loadHalfWord(text.data() + size - 4);
+    return bits | head | tail << ((size - 4) * 8U);
+  }
+  return size == 0 ? bits : bits | byteAt(0) | byteAt(size / 2) | byteAt(size - 1);
+}
+
+[[nodiscard]] inline std::uint32_t hashOfWord(std::uint64_t word) noexcept {
+  const std::uint64_t mixed = foldedProduct(word ^ 0xA0761D6478BD642FU, 0xE7037ED1A0B428DBU);
+  return static_cast<std::uint32_t>(mixed ^ mixed >> 32U);
+}
+
+[[nodiscard]] inline bool isAscii(std::string_view text) noexcept {
+  constexpr std::uint64_t highBits = 0x8080808080808080U;
+  const std::size_t size = text.size();
+  if (size < 8) {
+    for (const char c : text)
+      if ((static_cast<unsigned char>(c) & 0x80U) != 0) return false;
+    return true;
+  }
+  std::uint64_t seen = loadWord(text.data() + size - 8);
+  for (std::size_t i = 0; i + 8 < size; i += 8) seen |= loadWord(text.data() + i);
+  return (seen & highBits) == 0;
+}
+
+/// The eight bytes of `text` from `offset` as a number that orders as the bytes do, ASCII capitals as small letters;
+/// bytes beyond the end read as 0.
+[[nodiscard]] inline std::uint64_t orderingWord(std::string_view text, std::size_t offset) noexcept {
+  if (offset >= text.size()) return 0;
+  const std::size_t left = text.size() - offset;
+  std::uint64_t word = 0;
+  if (left >= 8)
+    word = loadWord(text.data() + offset);
+  else
+    std::memcpy(&word, text.data() + offset, left);
+  word = __builtin_bswap64(word);
+  constexpr std::uint64_t each = 0x0101010101010101U;
+  constexpr std::uint64_t highBits = each << 7U;
+  const std::uint64_t low = word & ~highBits;
+  const std::uint64_t fromA = low + each * (0x80U - 'A');
+  const std::uint64_t beyondZ = low + each * (0x7FU - 'Z');
+  const std::uint64_t capitals = fromA & ~beyondZ & ~word & highBits;
+  return word | capitals >> 2U;
+}
+
+}  // namespace korvel::results

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace korvel::results {
+
+/// The rank of every text among all of them, without regard to case and by code point, so the same on every machine.
+/// The empty text ranks 0 whether or not it occurs; the others follow without gaps; texts that differ only in case rank
+/// equal.
+[[nodiscard]] std::vector<std::uint32_t> rankTexts(std::vector<std::string_view> texts);
+
+/// The same with every whole number written with at least nine digits first, so that numbers of up to nine digits order
+/// by their value. All other texts, longer numbers among them, order as texts.
+[[nodiscard]] std::vector<std::uint32_t> rankNumberTexts(std::vector<std::string_view> texts);
+
+}  // namespace korvel::results

@@ -1,0 +1,59 @@
+#include "tests/results/failing_allocations.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<bool> limited{false};
+std::atomic<std::size_t> left{0};
+
+bool mayAllocate() noexcept {
+  if (!limited) return true;
+  std::size_t now = left;
+  while (now != 0 && !left.compare_exchange_weak(now, now - 1)) continue;
+  return now != 0;
+}
+
+}  // namespace
+
+// The program's own operator new: nothing else lets a test run out of memory at a place of its choice.
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+  return mayAllocate() ? std::malloc(bytes == 0 ? 1 : bytes) : nullptr;
+}
+void* operator new(std::size_t bytes) {
+  void* const memory = operator new(bytes, std::nothrow);
+  if (memory == nullptr) throw std::bad_alloc{};
+  return memory;
+}
+void* operator new[](std::size_t bytes) {
+  return operator new(bytes);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t& tag) noexcept {
+  return operator new(bytes, tag);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace korvel::test {
+
+FailingAllocations::FailingAllocations(std::size_t successes) noexcept {
+  left = successes;
+  limited = true;
+}
+FailingAllocations::~FailingAllocations() {
+  limited = false;
+}
+
+}  // namespace korvel::test
