@@ -1,0 +1,58 @@
+#include "query/audit_record.h"
+
+#include <string>
+#include <vector>
+
+namespace korvel::query {
+
+namespace {
+
+constexpr std::array<AuditColumn, auditColumnCount> columns{{
+    {"Nr", "Entry ID"},
+    {"DateTime", "Date Time"},
+    {"ProjectGUID", "Project GUID"},
+    {"DatabaseName", "Database Name"},
+    {"ApplicationName", "Application Name"},
+    {"TableName", "Area"},
+    {"FieldName", "Item"},
+    {"EventType", "Event"},
+    {"EventItem", "Item ID"},
+    {"OldValue", "Old Value"},
+    {"NewValue", "New Value"},
+    {"PCName", "PC Name"},
+    {"OSUser", "OS User"},
+    {"AppUser", "Application User"},
+    {"UserName", "User Name"},
+    {"AuditType", "Audit Type"},
+    {"Comments", "Comments"},
+    {"T1", "Summer Time"},
+}};
+
+struct Route {
+  std::string_view code;
+  std::size_t list;
+};
+
+constexpr std::array<Route, 5> routes{{{"CS", 1}, {"RT", 2}, {"OA", 2}, {"DC", 3}, {"AU", 4}}};
+
+}  // namespace
+
+const std::array<AuditColumn, auditColumnCount>& auditColumns() noexcept {
+  return columns;
+}
+
+std::optional<std::size_t> listOfAuditType(std::string_view code) noexcept {
+  for (const Route& route : routes)
+    if (route.code == code) return route.list;
+  return std::nullopt;
+}
+
+void setUpAuditColumns(results::ResultList& list) {
+  std::vector<results::ColumnHeader> headers;
+  headers.reserve(columns.size());
+  for (const AuditColumn& column : columns)
+    headers.push_back({std::string(column.caption), results::standardColumnWidth, 0});
+  list.setColumns(std::move(headers));
+}
+
+}  // namespace korvel::query

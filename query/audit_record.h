@@ -25,8 +25,8 @@ inline constexpr std::size_t listCount = 6;
 inline constexpr std::size_t customList = 5;
 
 /// Fixed English captions of the six result pages.
-inline constexpr std::array<std::string_view, listCount> pageCaptions = {
-    "ALL Audits", "Configuration", "Runtime", "Document Control", "KorvelAudit", "Custom"};
+inline constexpr std::array<std::string_view, listCount> pageCaptions = {"ALL Audits",       "Configuration", "Runtime",
+                                                                         "Document Control", "KorvelAudit",   "Custom"};
 
 /// The list 1..4 that receives rows of an audit type besides list 0; nothing for an empty or unknown code.
 [[nodiscard]] std::optional<std::size_t> listOfAuditType(std::string_view code) noexcept;

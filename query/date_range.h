@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace korvel::query {
 
@@ -16,5 +18,12 @@ struct DateRange {
 /// 7 March 2004 gives "2004-03-07 00:00:00.000" and "2004-03-07 23:59:59.999".
 [[nodiscard]] std::string fromDateText(const DateRange& range);
 [[nodiscard]] std::string toDateText(const DateRange& range);
+
+/// Whether the last day does not lie before the first: the same day on both sides is in order.
+[[nodiscard]] bool isInOrder(const DateRange& range) noexcept;
+
+/// A day of the calendar written as YYYY-MM-DD, four digits of the year (from 0100, the first that a date can hold) and
+/// two of month and day; nothing for any other text.
+[[nodiscard]] std::optional<std::chrono::year_month_day> parseDay(std::string_view text) noexcept;
 
 }  // namespace korvel::query

@@ -38,8 +38,8 @@ class FilterTree {
 
   void selectAll() noexcept { checked_.fill(true); }
   void unselectAll() noexcept { checked_.fill(false); }
-  /// A box was ticked or cleared: a root passes its state to its children; a child makes all three roots say whether any of
-  /// their children is ticked.
+  /// A box was ticked or cleared: a root passes its state to its children; a child makes all three roots say whether
+  /// any of their children is ticked.
   void setChecked(NodeIndex node, bool checked);
 
   /// Whether any of the three roots is ticked.

@@ -1,0 +1,164 @@
+#include "query/standard_query.h"
+
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "results/row_store.h"
+
+namespace korvel::query {
+
+namespace {
+
+constexpr std::string_view routingColumn = "AuditType";
+
+// Numbers of failures that no engine numbers, as the control's users know them from its other messages.
+constexpr std::int32_t outOfMemory = 7;
+constexpr std::int32_t internalError = 51;
+
+constexpr std::string_view truthText(bool value) noexcept {
+  return value ? "True" : "False";
+}
+
+/// A fixed-width column pads its codes with trailing blanks, and the server's comparisons do not see them; everything
+/// else about a code counts, its case too.
+constexpr std::string_view withoutPadding(std::string_view code) noexcept {
+  return code.substr(0, code.find_last_not_of(' ') + 1);
+}
+
+/// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
+class SpreadingSink final : public db::ResultSink {
+ public:
+  void beginResult(std::span<const db::Field> fields) override {
+    noteEmptyFirst();
+    if (firstResultEmpty_) return;
+    ++resultCount_;
+    rowsOfResult_ = 0;
+    auditType_.reset();
+    for (std::size_t i = 0; i < fields.size() && !auditType_; ++i)
+      if (equalsIgnoringAsciiCase(fields[i].name, routingColumn)) auditType_ = i;
+    store_->beginResult(fields);
+  }
+
+  bool row(std::span<const db::Cell> cells) override {
+    if (firstResultEmpty_) return false;
+    const results::RowId id = store_->append(cells);
+    rows_[0].push_back(id);
+    if (auditType_ && *auditType_ < cells.size())
+      if (const auto list = listOfAuditType(withoutPadding(cells[*auditType_].text))) rows_[*list].push_back(id);
+    if (++rowsOfResult_ == db::rowLimitPerResult) ++fullResults_;
+    return true;
+  }
+
+  void endResult() override { noteEmptyFirst(); }
+
+  /// The answer is decided: whatever follows is not looked at.
+  [[nodiscard]] bool firstResultEmpty() const noexcept { return firstResultEmpty_; }
+  [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
+  [[nodiscard]] std::size_t fullResults() const noexcept { return fullResults_; }
+
+  void fill(ResultLists& lists) {
+    const std::shared_ptr<const results::RowStore> store = std::move(store_);
+    for (std::size_t i = 0; i < rows_.size(); ++i) lists[i].setRows(store, std::move(rows_[i]));
+  }
+
+ private:
+  void noteEmptyFirst() noexcept {
+    if (resultCount_ == 1 && rowsOfResult_ == 0) firstResultEmpty_ = true;
+  }
+
+  std::shared_ptr<results::RowStore> store_ = std::make_shared<results::RowStore>();
+  std::array<std::vector<results::RowId>, standardListCount> rows_;
+  std::optional<std::size_t> auditType_;
+  std::size_t resultCount_ = 0;
+  std::size_t rowsOfResult_ = 0;
+  std::size_t fullResults_ = 0;
+  bool firstResultEmpty_ = false;
+};
+
+void clearStandardLists(ResultLists& lists) noexcept {
+  for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
+}
+
+Error explained(std::int32_t number, const char* english, const char* key) {
+  Error error(number, english);
+  error.setText(key, {});
+  return error;
+}
+
+/// Runs `step`; what it throws, of whatever type, as an Error.
+template <typename Step>
+std::optional<Error> failureOf(const Step& step) {
+  try {
+    step();
+    return std::nullopt;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return explained(outOfMemory, "Out of memory", "query.outOfMemory");
+  } catch (const std::exception& exception) {
+    return Error(internalError, exception.what());
+  } catch (...) {
+    return explained(internalError, "Internal error", "query.internalError");
+  }
+}
+
+}  // namespace
+
+std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
+  std::string text = "QueryAudits '";
+  for (std::size_t i = 0; i < flags.size(); ++i) {
+    text += truthText(flags[i]);
+    text += "','";
+  }
+  text += truthText(range.DateRangeActive);
+  text += "','";
+  text += fromDateText(range);
+  text += "','";
+  text += toDateText(range);
+  text += '\'';
+  return text;
+}
+
+ResultLists makeResultLists() {
+  using results::ResultList;
+  using results::RowFilling;
+  ResultLists lists{ResultList(RowFilling::standard), ResultList(RowFilling::standard),
+                    ResultList(RowFilling::standard), ResultList(RowFilling::standard),
+                    ResultList(RowFilling::standard), ResultList(RowFilling::whole)};
+  for (std::size_t i = 0; i < standardListCount; ++i) setUpAuditColumns(lists[i]);
+  return lists;
+}
+
+QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
+                             const Connector& connect, ResultLists& lists, std::size_t currentList) {
+  clearStandardLists(lists);
+  if (!tree.anyRootChecked()) return {QueryOutcome::noCriteria, std::nullopt, 0};
+
+  std::optional<SpreadingSink> sink;
+  // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
+  const auto broken = failureOf([&] {
+    sink.emplace();
+    const std::string call = queryAuditsText(tree.flags(), range);
+    const auto connection = connect(connectionString);
+    if (!connection) throw explained(internalError, "Internal error", "query.internalError");
+    connection->execute(call, *sink);
+  });
+  if (sink && sink->firstResultEmpty()) return {QueryOutcome::noRecords, std::nullopt, 0};
+  if (broken) return {QueryOutcome::failed, broken, 0};
+  if (!sink->hasRows()) return {QueryOutcome::noRecords, std::nullopt, 0};
+
+  const std::size_t fullResults = sink->fullResults();
+  const auto unfilled = failureOf([&] {
+    sink->fill(lists);
+    if (currentList < lists.size()) lists[currentList].sort();
+  });
+  if (unfilled) {
+    clearStandardLists(lists);
+    return {QueryOutcome::failed, unfilled, 0};
+  }
+  return {QueryOutcome::filled, std::nullopt, fullResults};
+}
+
+}  // namespace korvel::query

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,6 +33,9 @@ struct QueryReport {
   QueryOutcome outcome = QueryOutcome::failed;
   /// Why it failed, for callers that may say so (the control itself stays silent).
   std::optional<Error> failure;
+  /// How many result sets came with as many rows as the procedure returns at most (db::rowLimitPerResult): the server
+  /// may hold more rows of those categories.
+  std::size_t fullResults = 0;
 };
 
 /// Lists 0..5 of one control.
@@ -39,8 +43,9 @@ using ResultLists = std::array<results::ResultList, listCount>;
 /// Six lists, the first five with the audit columns.
 [[nodiscard]] ResultLists makeResultLists();
 
-/// The standard query: clears lists 0..4, runs the call over a connection of its own, and spreads the rows by audit type.
-/// Lists are filled only when the whole answer has arrived. Sorts list `currentList` (0..4).
+/// The standard query: clears lists 0..4, runs the call over a connection of its own, and spreads the rows by audit
+/// type. Lists are filled only when the whole answer has arrived and the connection is closed; list 5 keeps its rows.
+/// Sorts list `currentList` with its key and order. Nothing that is thrown below leaves it.
 QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
                              const Connector& connect, ResultLists& lists, std::size_t currentList);
 

@@ -1,0 +1,75 @@
+#include "cli/demo_command.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <optional>
+#include <ostream>
+
+#include "base/error.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
+#include "cli/read_option.h"
+#include "db/open_connection.h"
+
+namespace korvel::cli {
+
+namespace {
+
+constexpr const char* footer =
+    "The data is invented, and the same on every machine for the same rows and seed.\n"
+    "\n"
+    "Examples:\n"
+    "  korvel-audit demo\n"
+    "  korvel-audit demo --folder /tmp/audit --rows 1000000\n"
+    "  korvel-audit query --server /tmp/audit\n";
+
+/// The parser alone would take -1 for a very large number, and a number that is too large for the largest.
+std::optional<std::uint64_t> wholeNumber(const std::string& text) {
+  std::uint64_t number = 0;
+  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (failure != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+/// Entry numbers sort as numbers up to nine digits; a trail with more rows would show itself out of order.
+constexpr std::uint64_t mostRows = 999'999'999;
+
+std::optional<std::uint64_t> rowsNamed(const std::string& text) {
+  const auto rows = wholeNumber(text);
+  return rows && *rows <= mostRows ? rows : std::nullopt;
+}
+
+}  // namespace
+
+CLI::App* addDemoCommand(CLI::App& app, DemoOptions& options) {
+  CLI::App* demo = app.add_subcommand("demo", "Write Korvel_Audit.db and Korvel_Audit_MU.db with demonstration data");
+  demo->add_option("--folder", options.folder,
+                   "Folder to write to, made if it is not there\n(default: the folder of the server \"(embedded)\")")
+      ->option_text("DIR");
+  addReadOption(*demo, {"--rows", "N", "Rows of each database (default: " + std::to_string(demo::defaultRows) + ")"},
+                rowsNamed, "no number of rows from 0 to " + std::to_string(mostRows),
+                [&options](std::uint64_t rows) { options.rows = rows; });
+  addReadOption(*demo, {"--seed", "S", "Another number, other data (default: 1)"}, wholeNumber,
+                "no whole number from 0 on", [&options](std::uint64_t seed) { options.seed = seed; });
+  demo->add_flag("--force", options.force, "Replace databases that are there already");
+  demo->footer(footer);
+  return demo;
+}
+
+int runDemo(const DemoOptions& options, std::ostream& out, std::ostream& err) {
+  try {
+    const std::filesystem::path folder =
+        options.folder.empty() ? db::embeddedFolder() : std::filesystem::path(options.folder);
+    demo::writeDemoDatabases({folder, options.rows, options.seed, options.force});
+    for (const char* name : {"Korvel_Audit.db", "Korvel_Audit_MU.db"})
+      out << output::terminalText((folder / name).string()) << '\n';
+    return out.flush() ? exitDone : exitOutput;
+  } catch (const Error& error) {
+    say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+  } catch (const std::exception& exception) {
+    say(err, exception.what());
+  }
+  return exitOutput;
+}
+
+}  // namespace korvel::cli

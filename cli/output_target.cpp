@@ -1,0 +1,62 @@
+#include "cli/output_target.h"
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <ostream>
+
+#include "base/error.h"
+#include "base/whole_file.h"
+
+namespace korvel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Writer = std::function<void(const output::ByteSink&)>;
+
+Error cannotWrite(const std::string& what) {
+  return systemError(errno != 0 ? errno : EIO, "cannot write " + what);
+}
+
+void writeToStream(std::ostream& out, const std::string& what, const Writer& write) {
+  errno = 0;
+  write([&out, &what](std::string_view bytes) {
+    if (!out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()))) throw cannotWrite(what);
+  });
+  if (!out.flush()) throw cannotWrite(what);
+}
+
+void writeThrough(const std::string& target, const Writer& write) {
+  errno = 0;
+  std::ofstream out(target, std::ios::binary);
+  if (!out) throw cannotWrite(target);
+  writeToStream(out, target, write);
+}
+
+}  // namespace
+
+bool isDatabaseFile(const fs::path& file) {
+  constexpr std::string_view signature{"SQLite format 3\0", 16};
+  std::error_code ignored;
+  if (!fs::is_regular_file(file, ignored)) return false;
+  std::array<char, signature.size()> start{};
+  std::ifstream in(file, std::ios::binary);
+  in.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return in && std::string_view(start.data(), start.size()) == signature;
+}
+
+void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
+  if (target == "-") return writeToStream(out, "standard output", write);
+  std::error_code ignored;
+  const fs::file_status status = fs::status(target, ignored);
+  if (fs::is_directory(status)) throw systemError(EISDIR, "cannot write " + target);
+  // Renaming a file over a device would take the device away.
+  if (fs::exists(status) && !fs::is_regular_file(status)) return writeThrough(target, write);
+  WholeFile file(target);
+  write([&file](std::string_view bytes) { file.write(bytes); });
+  file.commit();
+}
+
+}  // namespace korvel::cli

@@ -1,0 +1,226 @@
+#include "cli/query_command.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "base/text.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
+#include "cli/output_target.h"
+#include "cli/read_option.h"
+#include "db/connection_state.h"
+#include "db/open_connection.h"
+#include "settings/string_table.h"
+
+namespace korvel::cli {
+
+namespace {
+
+constexpr settings::TextId noCriteriaText{10060};
+constexpr settings::TextId noRecordsText{10061};
+
+constexpr const char* footer =
+    "Categories (--category takes the key or the name; a group's key stands for all of the group):\n"
+    "  A  Configuration       C1 KorvelExplorer  C2 Alarms    C3 TagLogging  C4 UAcs\n"
+    "  B  Runtime             R1 CustomActions   R2 UArt\n"
+    "  C  Document Control    D1 CheckIN         D2 CheckOUT  D3 Rollback    D4 Restore\n"
+    "A record that belongs to two of the categories comes twice. With all ten (the default) the\n"
+    "answer also holds the audit system's own entries. An answer holds 5000 records at most, of\n"
+    "each category or, with all ten, altogether.\n"
+    "\n"
+    "Lists (--list):\n"
+    "  0 ALL Audits   1 Configuration   2 Runtime   3 Document Control   4 KorvelAudit\n"
+    "\n"
+    "Formats (--format), all in UTF-8:\n"
+    "  table      the list as the viewer displays it, aligned for a terminal; control characters\n"
+    "             in values show as \\n, \\x1B and so on\n"
+    "  text       the list as displayed, in the layout of the viewer's text export: commas,\n"
+    "             nothing quoted\n"
+    "  exchange   the list as displayed, in the layout of the spreadsheet's exchange file: |\n"
+    "  csv        full copy: every column, values as stored, after RFC 4180; null is an empty\n"
+    "             field, an empty text is \"\"\n"
+    "  json       full copy: an array of objects keyed by column name; all values are strings,\n"
+    "             null is null\n"
+    "As displayed means: outer blanks removed, Comments and Summer Time left empty. Only csv and\n"
+    "json carry these two.\n"
+    "\n"
+    "Row counts of all lists go to standard error. Where the list that was asked for is empty,\n"
+    "nothing is written and the exit status is 1.\n"
+    "\n"
+    "Examples:\n"
+    "  korvel-audit query --category Alarms --list 1\n"
+    "  korvel-audit query --from 2024-03-01 --to 2024-03-07 --sort \"Date Time\" --descending\n"
+    "  korvel-audit query --category D1 --category D2 --format csv --output checks.csv\n"
+    "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
+
+/// A semicolon would end the value in the connection string, and the rest be taken for something else.
+std::optional<std::string> connectionName(const std::string& name) {
+  if (trimBlanks(name).empty() || name.find(';') != std::string::npos) return std::nullopt;
+  return name;
+}
+
+std::optional<std::size_t> standardListNumbered(const std::string& text) {
+  if (text.size() != 1 || text[0] < '0' || text[0] >= '0' + static_cast<char>(query::standardListCount))
+    return std::nullopt;
+  return static_cast<std::size_t>(text[0] - '0');
+}
+
+std::optional<output::ListFormat> formatNamed(const std::string& text) {
+  for (const auto& [name, format] : output::listFormatNames)
+    if (equalsIgnoringAsciiCase(text, name)) return format;
+  return std::nullopt;
+}
+
+void addConnection(CLI::App& command, QueryOptions& options) {
+  options.server = db::embeddedServerName;
+  options.database = db::databaseName(static_cast<int>(db::DatabaseTypeEnum::Korvel_Audit));
+  const std::string complaint = "no name: it is empty or holds a semicolon";
+  addReadOption(command,
+                {"--server", "NAME",
+                 "Server; the absolute path of a folder means the\ndatabases in it (default: " + options.server + ")"},
+                connectionName, complaint, [&options](const std::string& name) { options.server = name; });
+  addReadOption(command, {"--database", "NAME", "Database (default: " + options.database + ")"}, connectionName,
+                complaint, [&options](const std::string& name) { options.database = name; });
+}
+
+void addFilters(CLI::App& command, QueryOptions& options) {
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--category",
+          [&options](const std::vector<std::string>& keys) {
+            for (const std::string& key : keys) options.categories.push_back(categoryNamed(key).value());
+          },
+          "Category of audits, may be repeated (default: all)")
+      ->option_text("KEY")
+      ->delimiter(',')
+      ->check(readableBy(categoryNamed, "no category"));
+  const std::string complaint = "no day of the calendar in the form YYYY-MM-DD";
+  CLI::Option* from =
+      addReadOption(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, query::parseDay,
+                    complaint, [&options](auto day) { options.range.RangeFromDate = day; });
+  CLI::Option* to =
+      addReadOption(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, query::parseDay,
+                    complaint, [&options](auto day) { options.range.RangeToDate = day; });
+  from->needs(to);
+  to->needs(from);
+}
+
+void addOutput(CLI::App& command, QueryOptions& options) {
+  addReadOption(command, {"--list", "0..4", "Result list to write (default: 0, all audits)"}, standardListNumbered,
+                "no list from 0 to 4", [&options](std::size_t list) { options.list = list; });
+  addReadOption(
+      command,
+      {"--sort", "COLUMN", "Column to sort by: caption, column name, or number\ncounted from 1 (default: Entry ID)"},
+      columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
+  command.add_flag("--descending", options.descending, "Sort from the last to the first");
+  addReadOption(command, {"--format", "FORMAT", "table, text, exchange, csv or json (default: table)"}, formatNamed,
+                "no format", [&options](output::ListFormat format) { options.format = format; });
+  command.add_option("--output", options.output, "File to write, whole or not at all (default: -,\nstandard output)")
+      ->option_text("FILE");
+}
+
+int refused(std::ostream& err, std::string_view why) {
+  say(err, why);
+  err << "Run with --help for more information.\n";
+  return exitWrongUsage;
+}
+
+std::string recordsText(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " record" : " records");
+}
+
+std::string listText(std::size_t list) {
+  return "list " + std::to_string(list) + " (" + std::string(query::pageCaptions[list]) + ")";
+}
+
+void sayCounts(const query::ResultLists& lists, const query::QueryReport& report, std::ostream& err) {
+  for (std::size_t i = 0; i < query::standardListCount; ++i)
+    err << listText(i) << ": " << recordsText(lists[i].rowCount()) << '\n';
+  if (report.fullResults > 0)
+    err << "note: " << report.fullResults << (report.fullResults == 1 ? " answer holds " : " answers hold ")
+        << db::rowLimitPerResult << " records, the most that the procedure returns; there may be more.\n";
+}
+
+query::FilterTree treeOf(const QueryOptions& options) {
+  query::FilterTree tree;
+  if (options.categories.empty()) tree.selectAll();
+  for (const query::NodeIndex node : options.categories) tree.setChecked(node, true);
+  return tree;
+}
+
+}  // namespace
+
+std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
+  const auto& nodes = query::filterNodes();
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const query::FilterNode& node = nodes[i];
+    const bool named =
+        node.argument != 0 && equalsIgnoringAsciiCase(key, db::categoryConditions()[node.argument - 1].parameter);
+    if (named || equalsIgnoringAsciiCase(key, node.key)) return query::NodeIndex{i + 1};
+  }
+  return std::nullopt;
+}
+
+std::optional<results::ColumnIndex> columnNamed(std::string_view column) {
+  const auto& columns = query::auditColumns();
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (equalsIgnoringAsciiCase(column, columns[i].caption) || equalsIgnoringAsciiCase(column, columns[i].name) ||
+        column == std::to_string(i + 1))
+      return results::ColumnIndex{i};
+  return std::nullopt;
+}
+
+CLI::App* addQueryCommand(CLI::App& app, QueryOptions& options) {
+  CLI::App* command = app.add_subcommand("query", "Run the standard query and write one of its result lists");
+  addConnection(*command, options);
+  addFilters(*command, options);
+  addOutput(*command, options);
+  command->callback([command, &options] { options.range.DateRangeActive = command->count("--from") > 0; });
+  command->footer(footer);
+  return command;
+}
+
+int runQuery(const QueryOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
+  using query::QueryOutcome;
+  if (options.range.DateRangeActive && !query::isInOrder(options.range))
+    return refused(err, "the day of --to lies before the day of --from");
+  if (options.output != "-" && isDatabaseFile(options.output))
+    return refused(err, options.output + " is a database; the tool does not replace it");
+
+  query::ResultLists lists = query::makeResultLists();
+  const query::QueryReport report = query::runStandardQuery(treeOf(options), options.range,
+                                                            db::buildConnectionString(options.server, options.database),
+                                                            connect, lists, options.list);
+  if (report.failure) {
+    say(err, "database error " + std::to_string(report.failure->number()) + ": " + report.failure->description());
+    return exitDatabase;
+  }
+  if (report.outcome == QueryOutcome::noCriteria)
+    return refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{}));
+  if (report.outcome == QueryOutcome::noRecords) {
+    say(err, settings::loadText(noRecordsText, settings::LanguageOffset{}));
+    return exitNoRecords;
+  }
+
+  sayCounts(lists, report, err);
+  results::ResultList& list = lists[options.list];
+  if (list.rowCount() == 0) {
+    say(err, listText(options.list) + " is empty; nothing was written");
+    return exitNoRecords;
+  }
+  try {
+    if (options.sort || options.descending)
+      list.sortBy(options.sort.value_or(list.sortKey()),
+                  options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
+    writeTo(options.output, out, [&](const output::ByteSink& sink) { output::writeList(options.format, list, sink); });
+  } catch (const Error& error) {
+    say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+    return exitOutput;
+  } catch (const std::exception& exception) {
+    say(err, exception.what());
+    return exitOutput;
+  }
+  return exitDone;
+}
+
+}  // namespace korvel::cli

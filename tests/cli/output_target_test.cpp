@@ -1,0 +1,92 @@
+#include "cli/output_target.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <sstream>
+#include <stdexcept>
+
+#include "base/error.h"
+#include "base/whole_file.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct OutputTarget : testing::Test {
+  void write(const std::string& target) {
+    writeTo(target, out, [](const output::ByteSink& sink) {
+      sink("one ");
+      sink("two");
+    });
+  }
+
+  /// The number of the failure to write there, 0 for none.
+  int failureOf(const std::string& target) {
+    try {
+      write(target);
+      return 0;
+    } catch (const Error& error) {
+      return error.number();
+    }
+  }
+
+  std::ostringstream out;
+  test::TemporaryFolder folder;
+};
+
+TEST_F(OutputTarget, DashIsStandardOutput) {
+  write("-");
+  EXPECT_EQ(out.str(), "one two");
+}
+
+TEST_F(OutputTarget, FileIsReplacedWhole) {
+  const fs::path file = folder / "file";
+  write(file.string());
+  EXPECT_EQ(readWholeFile(file), "one two");
+  writeWholeFile(file, "a longer text than the new one");
+  write(file.string());
+  EXPECT_EQ(readWholeFile(file), "one two");
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(OutputTarget, FailureOnTheWayLeavesTheFileAsItWas) {
+  const fs::path file = folder / "file";
+  writeWholeFile(file, "earlier");
+  EXPECT_THROW(writeTo(file.string(), out,
+                       [](const output::ByteSink& sink) {
+                         sink(std::string(1U << 20U, 'x'));
+                         throw std::runtime_error("gone");
+                       }),
+               std::runtime_error);
+  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 1)
+      << "a temporary file is left";
+}
+
+TEST_F(OutputTarget, DeviceIsWrittenThroughAndStays) {
+  ASSERT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_EQ(failureOf("/dev/null"), 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_EQ(failureOf("/dev/full"), ENOSPC);
+}
+
+TEST_F(OutputTarget, FailuresCarryTheNumberOfTheSystem) {
+  EXPECT_EQ(failureOf(folder.path().string()), EISDIR);
+  EXPECT_EQ(failureOf((folder / "absent/file").string()), ENOENT);
+  writeWholeFile(folder / "file", "x");
+  EXPECT_EQ(failureOf((folder / "file/below").string()), ENOTDIR);
+}
+
+TEST_F(OutputTarget, KnowsADatabaseByItsFirstBytes) {
+  writeWholeFile(folder / "database", std::string("SQLite format 3\0", 16));
+  writeWholeFile(folder / "text", "SQLite format 3 is described here");
+  writeWholeFile(folder / "empty", "");
+  EXPECT_TRUE(isDatabaseFile(folder / "database"));
+  for (const char* name : {"text", "empty", "absent", "."}) EXPECT_FALSE(isDatabaseFile(folder / name)) << name;
+}
+
+}  // namespace
+}  // namespace korvel::cli

@@ -1,0 +1,185 @@
+#include "cli/query_command.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "base/whole_file.h"
+#include "cli/exit_status.h"
+#include "tests/support/audit_rows.h"
+#include "tests/support/scripted_connection.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/tool_run.h"
+
+namespace korvel::cli {
+namespace {
+
+using nlohmann::json;
+using test::auditRow;
+using test::ToolRun;
+
+/// Runs `query` against a scripted server with four records.
+struct QueryCommand : testing::Test {
+  QueryCommand() {
+    server.answer = {{test::auditFields(),
+                      {auditRow("10", "CS"), auditRow("9", "RT"), auditRow("100", "CS"), auditRow("11", "ZZ")},
+                      {}}};
+  }
+
+  ToolRun run(std::vector<std::string> options) {
+    options.insert(options.begin(), "query");
+    return test::runTool(options, server.connector());
+  }
+
+  /// The entry numbers that are written with these options, in order.
+  std::string numbers(std::vector<std::string> options) {
+    options.insert(options.end(), {"--format", "json"});
+    std::string text;
+    for (const json& record : json::parse(run(options).out)) text += record["Nr"].get<std::string>() + ' ';
+    return text;
+  }
+
+  test::ScriptedServer server;
+  test::TemporaryFolder folder;
+};
+
+TEST_F(QueryCommand, WritesATableAndCountsOnStandardError) {
+  const ToolRun tool = run({});
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_EQ(tool.out.rfind("Entry ID  Date Time  ", 0), 0U) << tool.out;
+  EXPECT_NE(tool.out.find("\n9         DateTime   "), std::string::npos) << tool.out;
+  EXPECT_EQ(tool.err,
+            "list 0 (ALL Audits): 4 records\nlist 1 (Configuration): 2 records\nlist 2 (Runtime): 1 record\n"
+            "list 3 (Document Control): 0 records\nlist 4 (KorvelAudit): 0 records\n");
+}
+
+TEST_F(QueryCommand, WritesTheListThatIsAskedFor) {
+  EXPECT_EQ(numbers({}), "9 10 11 100 ");
+  EXPECT_EQ(numbers({"--list", "0"}), "9 10 11 100 ");
+  EXPECT_EQ(numbers({"--list", "1"}), "10 100 ");
+  EXPECT_EQ(numbers({"--list", "2"}), "9 ");
+}
+
+TEST_F(QueryCommand, Sorts) {
+  server.answer[0].rows = {auditRow("1", "CS"), auditRow("2", "CS"), auditRow("3", "CS")};
+  for (std::size_t row = 0; row < 3; ++row) server.answer[0].rows[row][5] = std::vector{"b", "C", "a"}[row];
+  EXPECT_EQ(numbers({"--sort", "Area"}), "3 1 2 ");
+  EXPECT_EQ(numbers({"--sort", "tablename", "--descending"}), "2 1 3 ");
+  EXPECT_EQ(numbers({"--sort", "6"}), "3 1 2 ");
+  EXPECT_EQ(numbers({"--descending"}), "3 2 1 ");
+  EXPECT_EQ(numbers({"--list", "1", "--sort", "Area"}), "3 1 2 ");
+}
+
+TEST_F(QueryCommand, WritesEveryFormat) {
+  server.answer[0].rows = {auditRow("7", "CS")};
+  EXPECT_EQ(run({"--format", "text"}).out.substr(0, 19), "Entry ID,Date Time,");
+  EXPECT_EQ(run({"--format", "EXCHANGE"}).out.substr(0, 19), "Entry ID|Date Time|");
+  EXPECT_EQ(run({"--format", "csv"}).out.substr(0, 12), "Nr,DateTime,");
+  EXPECT_EQ(run({"--format", "table"}).out, run({}).out);
+  const json records = json::parse(run({"--format", "json"}).out);
+  ASSERT_EQ(records.size(), 1U);
+  EXPECT_EQ(records[0].size(), 18U);
+  EXPECT_EQ(records[0]["Comments"], "Comments");
+}
+
+TEST_F(QueryCommand, HostileValuesStayValues) {
+  auto row = auditRow("1", "CS");
+  row[9] = "a\"b,c|d\r\ne\x1B[2Jf\u009Bg\u202E";
+  server.answer[0].rows = {row};
+  const ToolRun table = run({});
+  EXPECT_EQ(std::count(table.out.begin(), table.out.end(), '\n'), 3);
+  EXPECT_EQ(table.out.find('\x1B'), std::string::npos);
+  EXPECT_NE(table.out.find("a\"b,c|d\\r\\ne\\x1B[2Jf\\u009Bg\\u202E"), std::string::npos);
+  EXPECT_NE(run({"--format", "csv"}).out.find("\"a\"\"b,c|d\r\ne\x1B[2Jf\u009Bg\u202E\""), std::string::npos);
+  EXPECT_EQ(json::parse(run({"--format", "json"}).out)[0]["OldValue"], *row[9]);
+  EXPECT_NE(run({"--format", "text"}).out.find(',' + *row[9] + ','), std::string::npos);
+  EXPECT_NE(run({"--format", "exchange"}).out.find('|' + *row[9] + '|'), std::string::npos);
+}
+
+TEST_F(QueryCommand, NoRecordsIsSaid) {
+  server.answer[0].rows.clear();
+  const ToolRun tool = run({"--output", (folder / "out").string()});
+  EXPECT_EQ(tool.status, exitNoRecords);
+  EXPECT_EQ(tool.out, "");
+  EXPECT_EQ(tool.err, "korvel-audit: No records found for filter criteria\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "out"));
+}
+
+TEST_F(QueryCommand, EmptyListOfAFullAnswerIsNoRecordsToo) {
+  writeWholeFile(folder / "out", "earlier");
+  const ToolRun tool = run({"--list", "3", "--format", "json", "--output", (folder / "out").string()});
+  EXPECT_EQ(tool.status, exitNoRecords);
+  EXPECT_EQ(tool.out, "");
+  EXPECT_NE(tool.err.find("list 0 (ALL Audits): 4 records\n"), std::string::npos);
+  EXPECT_NE(tool.err.find("korvel-audit: list 3 (Document Control) is empty; nothing was written\n"),
+            std::string::npos);
+  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+}
+
+TEST_F(QueryCommand, FailureOfTheDatabaseIsSaidWithNumberAndText) {
+  server.refusesConnection = [] { throw Error(17, "server\ndoes not \x1B[31mexist"); };
+  const ToolRun tool = run({});
+  EXPECT_EQ(tool.status, exitDatabase);
+  EXPECT_EQ(tool.out, "");
+  EXPECT_EQ(tool.err, "korvel-audit: database error 17: server\\ndoes not \\x1B[31mexist\n");
+}
+
+TEST_F(QueryCommand, FailureHalfWayWritesNothing) {
+  writeWholeFile(folder / "out", "earlier");
+  server.answer[0].breaksOff = [] { throw Error(10054, "connection reset"); };
+  const ToolRun tool = run({"--output", (folder / "out").string()});
+  EXPECT_EQ(tool.status, exitDatabase);
+  EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
+  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(run({}).out, "");
+}
+
+TEST_F(QueryCommand, SaysWhenTheServerMayHoldMore) {
+  server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
+  EXPECT_NE(run({"--format", "csv"}).err.find("note: 1 answer holds 5000 records, the most that the procedure returns"),
+            std::string::npos);
+  server.answer[0].rows.pop_back();
+  EXPECT_EQ(run({"--format", "csv"}).err.find("note:"), std::string::npos);
+}
+
+TEST_F(QueryCommand, WritesAFileWhole) {
+  const std::string file = (folder / "out.csv").string();
+  writeWholeFile(file, "earlier");
+  const ToolRun tool = run({"--format", "csv", "--output", file});
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_EQ(tool.out, "");
+  EXPECT_EQ(readWholeFile(file), run({"--format", "csv"}).out);
+  EXPECT_EQ(run({"--format", "csv", "--output", "-"}).out, readWholeFile(file));
+}
+
+TEST_F(QueryCommand, FileThatCannotBeWrittenIsAnOutputFailure) {
+  for (const std::string& target : {(folder / "absent/out").string(), folder.path().string(), std::string()}) {
+    const ToolRun tool = run({"--output", target});
+    EXPECT_EQ(tool.status, exitOutput) << target;
+    EXPECT_EQ(tool.out, "");
+    EXPECT_NE(tool.err.find("korvel-audit: error "), std::string::npos) << tool.err;
+  }
+}
+
+TEST_F(QueryCommand, NeverReplacesADatabase) {
+  const std::string bytes("SQLite format 3\0and pages", 25);
+  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  std::filesystem::create_symlink(folder / "Korvel_Audit.db", folder / "link");
+  for (const char* name : {"Korvel_Audit.db", "link"}) {
+    const ToolRun tool = run({"--output", (folder / name).string()});
+    EXPECT_EQ(tool.status, exitWrongUsage) << name;
+    EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+  }
+  EXPECT_TRUE(server.opened.empty());
+}
+
+TEST_F(QueryCommand, StandardOutputThatFailsIsAnOutputFailure) {
+  std::ostringstream out;
+  std::ostringstream err;
+  out.setstate(std::ios::badbit);
+  EXPECT_EQ(runTool({"query"}, out, err, server.connector()), exitOutput);
+  EXPECT_NE(err.str().find("cannot write standard output"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace korvel::cli
