@@ -1,0 +1,168 @@
+#include "korvel/AuditViewer.h"
+
+#include <QEvent>
+#include <QResizeEvent>
+#include <QShowEvent>
+
+#include "base/error.h"
+#include "control/audit_viewer_members.h"
+#include "control/look/look.h"
+
+namespace korvel {
+
+AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
+  look::applyLook(*this);
+  members_ = std::make_unique<Members>(*this);
+  members_->trapped("Initialize", [this] { members_->Initialize(); });
+}
+
+// Children are destroyed before the members that they look at: what is left to ~QWidget would find them gone.
+AuditViewer::~AuditViewer() {
+  const auto elements = findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+  for (QWidget* element : elements) {
+    element->disconnect(this);
+    delete element;
+  }
+}
+
+int AuditViewer::DatabaseType() const {
+  return members_->properties.DatabaseType;
+}
+
+void AuditViewer::setDatabaseType(int value) {
+  members_->properties.DatabaseType = value;
+  Q_EMIT PropertyChanged(QStringLiteral("DatabaseType"));
+}
+
+bool AuditViewer::ViewSideTools() const {
+  return members_->properties.ViewSideTools;
+}
+
+void AuditViewer::setViewSideTools(bool value) {
+  members_->properties.ViewSideTools = value;
+  Q_EMIT PropertyChanged(QStringLiteral("ViewSideTools"));
+  ViewTools(value);
+}
+
+bool AuditViewer::ViewToolBar() const {
+  return members_->properties.ViewToolBar;
+}
+
+void AuditViewer::setViewToolBar(bool value) {
+  members_->properties.ViewToolBar = value;
+  Q_EMIT PropertyChanged(QStringLiteral("ViewToolBar"));
+}
+
+QString AuditViewer::DefaultSQLServer() const {
+  return members_->properties.DefaultSQLServer;
+}
+
+void AuditViewer::setDefaultSQLServer(const QString& value) {
+  members_->properties.DefaultSQLServer = value;
+  Q_EMIT PropertyChanged(QStringLiteral("DefaultSQLServer"));
+}
+
+void AuditViewer::InitProperties() {
+  members_->properties = control::StoredProperties();
+}
+
+QString AuditViewer::ReadProperties(const QVariant& bag) {
+  try {
+    control::readProperties(control::PropertyBag(bag.toMap()), members_->properties);
+    return {};
+  } catch (const Error& error) {
+    return QString::number(error.number()) + QLatin1Char(':') + QString::fromStdString(error.description());
+  }
+}
+
+QVariant AuditViewer::WriteProperties() const {
+  control::PropertyBag bag;
+  control::writeProperties(members_->properties, bag);
+  return bag.values();
+}
+
+int AuditViewer::LastFailureNumber() const {
+  return members_->lastFailure.number;
+}
+QString AuditViewer::LastFailureText() const {
+  return members_->lastFailure.text;
+}
+QDateTime AuditViewer::LastFailureTime() const {
+  return members_->lastFailure.time;
+}
+
+QSize AuditViewer::sizeHint() const {
+  return members_->surface.preferredSize();
+}
+QSize AuditViewer::minimumSizeHint() const {
+  return members_->surface.smallestSize();
+}
+
+void AuditViewer::SelectALL() {
+  members_->surface.tvTreeView->checkAll();
+}
+void AuditViewer::UnselectALL() {
+  members_->surface.tvTreeView->uncheckAll();
+}
+
+void AuditViewer::ChangeFont() {
+  members_->trapped("ChangeFont", [this] { members_->ChangeFont(); });
+}
+
+void AuditViewer::DisplayNoOfRecords() {
+  members_->trapped("DisplayNoOfRecords", [this] { members_->DisplayNoOfRecords(); });
+}
+
+void AuditViewer::TriggerQuery() {
+  members_->trapped("TriggerQuery", [this] { members_->TriggerQuery(); });
+}
+
+void AuditViewer::ExpandAll() {
+  members_->surface.tvTreeView->expandNodes();
+}
+void AuditViewer::SelectDatabase() {
+  members_->trapped("SelectDatabase", [this] { members_->SelectDatabase(); });
+}
+void AuditViewer::UnlockControls() {
+  members_->setLocked(false);
+}
+void AuditViewer::LockControls() {
+  members_->setLocked(true);
+}
+void AuditViewer::ViewTools(bool visable) {
+  members_->ViewTools(visable);
+}
+void AuditViewer::ShowKeyField(bool vis) {
+  members_->ShowKeyField(vis);
+}
+
+void AuditViewer::ListViewColSetup() {
+  members_->trapped("ListViewColSetup", [this] { members_->ListViewColSetup(); });
+}
+
+void AuditViewer::BuildMisc() {
+  members_->BuildMisc();
+}
+
+void AuditViewer::OpenDefaultSQLServer() {
+  members_->trapped("OpenDefaultSQLServer", [this] { members_->OpenDefaultSQLServer(); });
+}
+
+void AuditViewer::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  // A spontaneous event is the window system's (a window that comes back from the task bar): the control was not
+  // hidden.
+  if (!event->spontaneous()) members_->trapped("Show", [this] { members_->Show(); });
+}
+
+void AuditViewer::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  members_->surface.arrange(members_->properties.ViewSideTools);
+}
+
+void AuditViewer::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange && members_) members_->surface.arrange(members_->properties.ViewSideTools);
+}
+
+}  // namespace korvel

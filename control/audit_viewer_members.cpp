@@ -1,0 +1,387 @@
+#include "control/audit_viewer_members.h"
+
+#include <QDate>
+#include <QLabel>
+#include <QLocale>
+#include <utility>
+
+#include "base/error.h"
+#include "control/texts.h"
+#include "db/connection_state.h"
+#include "settings/explained_error.h"
+#include "settings/registry.h"
+
+namespace korvel {
+
+using control::fromUtf8;
+using control::libraryState;
+using control::loadText;
+using control::MessageIcon;
+using control::surroundings;
+
+namespace {
+
+// Number of failures that carry none of their own.
+constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
+
+const QString browserForm = QStringLiteral("frmSQLServerBrowser");
+const QString dateRangeForm = QStringLiteral("frmAdvancedFilters");
+const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
+// Deliberately not the title of the other messages.
+const QString noRecordsTitle = QStringLiteral("velAudit Viewer Message");
+const QString queryingText = QStringLiteral("Querying Database Please Wait....");
+
+/// ListViewColSetup gives the lists their columns, not before: an Initialize that fails earlier leaves them bare.
+query::ResultLists listsWithoutColumns() {
+  query::ResultLists lists = query::makeResultLists();
+  for (results::ResultList& list : lists) list.setColumns({});
+  return lists;
+}
+
+/// Text of the status panel while the object lives.
+class StatusText {
+ public:
+  StatusText(control::StatusPanels& panels, const QString& text) : panels_(&panels) {
+    panels_->setStatus(text);
+    // The query blocks: what is not painted now is not seen before it has ended.
+    panels_->repaint();
+  }
+  ~StatusText() {
+    if (panels_) panels_->setStatus({});
+  }
+  StatusText(const StatusText&) = delete;
+  StatusText& operator=(const StatusText&) = delete;
+
+ private:
+  QPointer<control::StatusPanels> panels_;
+};
+
+/// A step of a builder: a failure leaves this step undone and the next one runs.
+void skipFailing(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+QDate toQDate(const std::chrono::year_month_day& day) {
+  return QDate(int(day.year()), static_cast<int>(unsigned(day.month())), static_cast<int>(unsigned(day.day())));
+}
+
+QString shortDate(const std::chrono::year_month_day& day) {
+  return QLocale::system().toString(toQDate(day), QLocale::ShortFormat);
+}
+
+}  // namespace
+
+AuditViewer::Members::Members(AuditViewer& viewer)
+    : lists(listsWithoutColumns()), surface(viewer, lists, filterTree), viewer_(viewer) {
+  fillLockTable();
+  connectHandlers();
+}
+
+void AuditViewer::Members::trapped(std::string_view operationName, const std::function<void()>& operation) {
+  std::int32_t number = 0;
+  QString description;
+  try {
+    operation();
+    return;
+  } catch (const Error& error) {
+    number = error.number();
+    description = fromUtf8(settings::describe(error, libraryState().language));
+  } catch (const std::exception& failure) {
+    number = unspecifiedFailure;
+    description = QString::fromLocal8Bit(failure.what());
+  }
+  message(MessageIcon::critical, QString(),
+          QString::number(number) + QStringLiteral(":Error in ") + fromUtf8(operationName) +
+              QStringLiteral(".  Error Message: ") + description);
+}
+
+void AuditViewer::Members::message(MessageIcon icon, const QString& title, const QString& text) {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  services->messageBox(&viewer_, icon, title, text);
+}
+
+void AuditViewer::Members::Initialize() {
+  const auto backend = surroundings().openSettings();
+  const settings::Registry registry(*backend);
+  libraryState().language = settings::LanguageOffset(registry.GetSetting(
+      std::string(settings::applicationName), std::string(settings::viewerSection), "Language", "0"));
+
+  ListViewColSetup();
+  BuildMisc();
+  // Nothing can be queried until a database is selected, also where another instance has selected one.
+  setLocked(true);
+  surface.tvTreeView->fill();
+  surface.tvTreeView->expandNodes();
+  surface.tvTreeView->checkAll();
+  surface.SSTab1->setCurrentIndex(0);
+  libraryState().printFont.name = "Courier";
+  libraryState().printFont.size = 9;
+}
+
+void AuditViewer::Members::Show() {
+  showDateRange();
+  ViewTools(properties.ViewSideTools);
+  if (db::namesAServer(properties.DefaultSQLServer.toStdString())) OpenDefaultSQLServer();
+}
+
+void AuditViewer::Members::connectHandlers() {
+  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
+    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
+                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
+  };
+  onClick(surface.btQuery, &Members::btQuery_Click, "btQuery_Click");
+  onClick(surface.btClear, &Members::btClear_Click, "btClear_Click");
+  onClick(surface.btSelectDB, &Members::btSelectDB_Click, "btSelectDB_Click");
+  onClick(surface.btDBInfo, &Members::btDBInfo_Click, "btDBInfo_Click");
+  onClick(surface.btDateRangeFilter, &Members::btDateRangeFilter_Click, "btDateRangeFilter_Click");
+  onClick(surface.btClearDateRange, &Members::btClearDateRange_Click, "btClearDateRange_Click");
+  QObject::connect(surface.btSelectALL, &QAbstractButton::clicked, &viewer_, &AuditViewer::SelectALL);
+  QObject::connect(surface.btUnselectALL, &QAbstractButton::clicked, &viewer_, &AuditViewer::UnselectALL);
+  for (control::ResultListView* list : surface.lvListView) {
+    QObject::connect(list->header(), &QHeaderView::sectionClicked, &viewer_, [this, list](int column) {
+      trapped("lvListView_ColumnClick", [&] { list->clickHeader(column); });
+    });
+  }
+  QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_, [this] { SSTab1_Click(); });
+}
+
+void AuditViewer::Members::fillLockTable() {
+  const auto always = [] { return true; };
+  const auto dateRangeFormExists = [] { return surroundings().services->hasForm(dateRangeForm); };
+  // Custom queries have no text box yet, so there is nothing that the button could run on their page.
+  const auto standardPage = [this] { return surface.currentTab() < query::standardListCount; };
+  lockTable_ = {
+      {surface.frameFilter, always},
+      {surface.btQuery, standardPage},
+      {surface.btClear, always},
+      {surface.btSelectALL, always},
+      {surface.btUnselectALL, always},
+      {surface.tvTreeView, always},
+      {surface.btDateRangeFilter, dateRangeFormExists},
+      {surface.btClearDateRange, always},
+  };
+  for (control::ResultListView* list : surface.lvListView) lockTable_.push_back({list, always});
+}
+
+void AuditViewer::Members::setLocked(bool locked) {
+  locked_ = locked;
+  enableElements();
+}
+
+void AuditViewer::Members::enableElements() {
+  for (const LockedElement& row : lockTable_) row.element->setEnabled(!locked_ && row.available());
+}
+
+void AuditViewer::Members::ChangeFont() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  const auto font = services->chooseFont(&viewer_, surface.lvListView[0]->font());
+  if (!alive || !font) return;
+  for (control::ResultListView* list : surface.lvListView) list->setListFont(*font);
+}
+
+control::ResultListView& AuditViewer::Members::currentList() {
+  return *surface.lvListView.at(surface.currentTab());
+}
+
+void AuditViewer::Members::DisplayNoOfRecords() {
+  constexpr int recordsOnCurrentTab = 10054;
+  const std::size_t count = currentList().listModel().list().rowCount();
+  surface.StatusBar1->setRecords(
+      fromUtf8(results::recordCountText(count, loadText(recordsOnCurrentTab).toStdString())));
+}
+
+void AuditViewer::Members::TriggerQuery() {
+  constexpr int noCriteria = 10060;
+  constexpr int noRecords = 10061;
+  using Change = control::ResultListModel::RowsChange;
+
+  const QPointer<AuditViewer> alive(&viewer_);
+  setLastFailure({});
+  if (!alive) return;
+  query::QueryReport report;
+  {
+    std::array<std::optional<Change>, query::standardListCount> changes;
+    for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface.models.at(i));
+    // On the custom page no standard list is the current one; the first is sorted then.
+    const std::size_t current = surface.currentTab() < query::standardListCount ? surface.currentTab() : 0;
+    report = query::runStandardQuery(filterTree, libraryState().dateRange, libraryState().connection.ConnectionString,
+                                     surroundings().connect, lists, current);
+  }
+  for (std::size_t i = 0; i < query::standardListCount; ++i) surface.lvListView.at(i)->showSortIcon();
+
+  const bool limitWasShown = std::exchange(rowLimitReached_, report.fullResults > 0);
+
+  switch (report.outcome) {
+    case query::QueryOutcome::noCriteria:
+      message(MessageIcon::information, messageTitle, loadText(noCriteria));
+      break;
+    case query::QueryOutcome::noRecords:
+      message(MessageIcon::information, noRecordsTitle, loadText(noRecords));
+      break;
+    case query::QueryOutcome::failed: {
+      const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
+      setLastFailure({failure.number(), fromUtf8(settings::describe(failure, libraryState().language)),
+                      QDateTime::currentDateTime()});
+      break;
+    }
+    case query::QueryOutcome::filled:
+      break;
+  }
+  if (alive && (rowLimitReached_ || limitWasShown)) showRowLimit();
+}
+
+void AuditViewer::Members::setLastFailure(LastFailure failure) {
+  const bool changed = failure.time != lastFailure.time;
+  lastFailure = std::move(failure);
+  if (changed) Q_EMIT viewer_.LastFailureChanged();
+}
+
+/// An answer that the server cut off looks like a whole one: the status panel says so until the next query.
+void AuditViewer::Members::showRowLimit() {
+  surface.StatusBar1->setStatus(rowLimitReached_ ? control::ownText("status.rowLimit") : QString());
+}
+
+void AuditViewer::Members::ViewTools(bool visable) {
+  QWidget* const sideTools[] = {surface.tvTreeView, surface.frameFilter, surface.btDateRangeFilter,
+                                surface.btClearDateRange, surface.frameTools};
+  for (QWidget* element : sideTools) element->setVisible(visable);
+  // The resize routine asks the property, not this call's argument.
+  surface.arrange(properties.ViewSideTools);
+}
+
+void AuditViewer::Members::ShowKeyField(bool vis) {
+  constexpr Twips shownWidth{1000};
+  for (std::size_t i = 0; i < query::standardListCount; ++i)
+    surface.lvListView.at(i)->setColumnTwips(0, vis ? shownWidth : Twips{0});
+}
+
+void AuditViewer::Members::ListViewColSetup() {
+  for (std::size_t i = 0; i < query::standardListCount; ++i) {
+    surface.models.at(i)->setColumns(&query::setUpAuditColumns);
+    surface.lvListView.at(i)->applyColumnWidths();
+    surface.lvListView.at(i)->showSortIcon();
+  }
+}
+
+void AuditViewer::Members::BuildMisc() {
+  skipFailing([&] { surface.frameFilter->setTitle(loadText(10039)); });
+  skipFailing([&] { surface.btDateRangeFilter->setText(loadText(10040)); });
+  skipFailing([&] { surface.btClearDateRange->setText(loadText(10041)); });
+  skipFailing([&] { showDateRange(); });
+  skipFailing([&] { surface.frameTools->setTitle(loadText(10043)); });
+
+  const std::pair<QWidget*, int> tooltips[] = {
+      {surface.btSelectDB, 10044}, {surface.btDBInfo, 10045},    {surface.btQuery, 10046},
+      {surface.btClear, 10047},    {surface.btSelectALL, 10048}, {surface.btUnselectALL, 10049},
+  };
+  for (const auto& row : tooltips) {
+    skipFailing([&] {
+      row.first->setToolTip(loadText(row.second));
+      row.first->setAccessibleName(loadText(row.second));
+    });
+  }
+  skipFailing([&] { nameForAssistance(); });
+  skipFailing([&] {
+    const QString noRecordsYet = control::ownText("list.empty");
+    for (control::ResultListView* list : surface.lvListView) list->setEmptyText(noRecordsYet);
+  });
+}
+
+void AuditViewer::Members::nameForAssistance() {
+  surface.tvTreeView->setAccessibleName(surface.frameFilter->title());
+  surface.btDateRangeFilter->setAccessibleName(surface.btDateRangeFilter->text());
+  surface.btClearDateRange->setAccessibleName(surface.btClearDateRange->text());
+}
+
+void AuditViewer::Members::showDateRange() {
+  constexpr int noDateRange = 10042;
+  const query::DateRange& range = libraryState().dateRange;
+  surface.lblDateRange->setText(range.DateRangeActive ? shortDate(range.RangeFromDate) + QStringLiteral(" - ") +
+                                                            shortDate(range.RangeToDate)
+                                                      : loadText(noDateRange));
+}
+
+void AuditViewer::Members::clearAllLists() {
+  for (const auto& model : surface.models) model->clear();
+  if (std::exchange(rowLimitReached_, false)) showRowLimit();
+}
+
+void AuditViewer::Members::OpenDefaultSQLServer() {
+  db::ConnectionState& connection = libraryState().connection;
+  db::openDefaultServer(connection, properties.DefaultSQLServer.toStdString(), properties.DatabaseType);
+  announceSelection();
+}
+
+void AuditViewer::Members::SelectDatabase() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  services->showForm(&viewer_, browserForm);
+  if (!alive) return;
+  // Deliberately also after Cancel, where an earlier selection is announced once more and its lists are cleared.
+  if (!libraryState().connection.ConnectionString.empty())
+    announceSelection();
+  else
+    viewer_.LockControls();
+}
+
+void AuditViewer::Members::announceSelection() {
+  const QPointer<AuditViewer> alive(&viewer_);
+  Q_EMIT viewer_.DatabaseSelected(fromUtf8(db::selectionText(libraryState().connection)));
+  if (!alive) return;
+  viewer_.UnlockControls();
+  clearAllLists();
+  DisplayNoOfRecords();
+}
+
+void AuditViewer::Members::btQuery_Click() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  {
+    const StatusText status(*surface.StatusBar1, queryingText);
+    const control::BusyPointer busy(*services);
+    viewer_.TriggerQuery();
+    if (alive) DisplayNoOfRecords();
+  }
+  if (alive) showRowLimit();
+}
+
+void AuditViewer::Members::btSelectDB_Click() {
+  viewer_.SelectDatabase();
+}
+
+void AuditViewer::Members::btClear_Click() {
+  clearAllLists();
+  DisplayNoOfRecords();
+}
+
+void AuditViewer::Members::btDBInfo_Click() {
+  message(MessageIcon::information, fromUtf8(db::databaseInformationTitle),
+          fromUtf8(db::databaseInformation(libraryState().connection, libraryState().language)));
+}
+
+void AuditViewer::Members::btDateRangeFilter_Click() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  services->showForm(&viewer_, dateRangeForm);
+  // However the dialog was closed: the range is in force from now on.
+  libraryState().dateRange.DateRangeActive = true;
+  if (alive) showDateRange();
+}
+
+void AuditViewer::Members::btClearDateRange_Click() {
+  libraryState().dateRange.DateRangeActive = false;
+  showDateRange();
+}
+
+void AuditViewer::Members::SSTab1_Click() {
+  enableElements();
+  // The panel speaks of the current tab: it follows when that changes.
+  DisplayNoOfRecords();
+}
+
+}  // namespace korvel

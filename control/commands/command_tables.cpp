@@ -1,0 +1,176 @@
+#include "control/commands/command_tables.h"
+
+#include <array>
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace korvel::control {
+
+namespace {
+
+using Kind = ItemKind;
+
+constexpr CommandText text(int id) {
+  return {id, {}};
+}
+constexpr CommandText fixedText(std::string_view english) {
+  return {0, english};
+}
+
+// The language menu is deliberately not translated, and no language carries a mark. The two items keyed "TOOLS" are
+// deliberate too: the menu comes first, so a look-up by key reaches the menu.
+constexpr std::array menuRows = {
+    MenuRow{0, "FILE", Kind::topLevelMenu, text(10001)},
+    MenuRow{1, "SELECT", Kind::command, text(10002), text(10003)},
+    MenuRow{1, "", Kind::menuSeparator},
+    MenuRow{1, "PAGESETUP", Kind::command, text(10006), text(10007)},
+    MenuRow{1, "PRINT", Kind::command, text(10008), text(10009)},
+    MenuRow{1, "", Kind::menuSeparator},
+    MenuRow{1, "EXIT", Kind::command, text(10010), text(10011), "Alt+x"},
+    MenuRow{0, "TOOLS", Kind::topLevelMenu, text(10012)},
+    MenuRow{1, "QUERY", Kind::command, text(10013), text(10014)},
+    MenuRow{1, "CLEAR", Kind::command, text(10015), text(10016)},
+    MenuRow{1, "SELECTALLFILTERS", Kind::command, text(10017), text(10018)},
+    MenuRow{1, "CLEARALLFILTERS", Kind::command, text(10019), text(10020)},
+    MenuRow{1, "", Kind::menuSeparator},
+    MenuRow{1, "EXPORTEXCEL", Kind::command, text(10021), text(10022)},
+    MenuRow{1, "", Kind::menuSeparator},
+    MenuRow{1, "FONT", Kind::command, text(10025), text(10026)},
+    MenuRow{0, "Language", Kind::topLevelMenu, fixedText("Language")},
+    MenuRow{1, "LANGUAGE", Kind::submenu, fixedText("Language")},
+    MenuRow{2, "ENGLISH", Kind::option, fixedText("English")},
+    MenuRow{2, "GERMAN", Kind::option, fixedText("German")},
+    MenuRow{2, "FRENCH", Kind::option, fixedText("French")},
+    MenuRow{2, "SPANISH", Kind::option, fixedText("Spanish")},
+    MenuRow{2, "ITALIAN", Kind::option, fixedText("Italian")},
+    MenuRow{0, "VIEW", Kind::topLevelMenu, text(10027)},
+    MenuRow{1, "TOOLS", Kind::check, text(10028), text(10029), {}, true},
+    MenuRow{1, "KEY", Kind::check, text(10030), text(10031), {}, true},
+    MenuRow{0, "HELP", Kind::topLevelMenu, text(10032)},
+    MenuRow{1, "ABOUT", Kind::command, text(10037), text(10038)},
+};
+
+// Positions count: locking addresses the buttons from the third onwards.
+constexpr std::array toolbarRows = {
+    ToolbarRow{"", Kind::toolbarSeparator},
+    ToolbarRow{"SELECT", Kind::button, text(10044)},
+    ToolbarRow{"INFO", Kind::button, text(10045)},
+    ToolbarRow{"", Kind::toolbarSeparator},
+    ToolbarRow{"QUERY", Kind::button, text(10046)},
+    ToolbarRow{"CLEAR", Kind::button, text(10047)},
+    ToolbarRow{"", Kind::toolbarSeparator},
+    ToolbarRow{"SELECTALLFILTERS", Kind::button, text(10048)},
+    ToolbarRow{"CLEARALLFILTERS", Kind::button, text(10049)},
+    ToolbarRow{"DUMMY", Kind::button, {}, true},
+    ToolbarRow{"EXPORTEXCEL", Kind::button, text(10050)},
+    ToolbarRow{"DUMMY1", Kind::button, {}, true},
+    ToolbarRow{"", Kind::toolbarSeparator},
+    ToolbarRow{"ADJUSTCOL", Kind::button},
+    ToolbarRow{"TOOLS", Kind::button},
+    ToolbarRow{"", Kind::toolbarSeparator},
+    ToolbarRow{"DUMMY2", Kind::button, {}, true},
+    ToolbarRow{"PRINT", Kind::button, text(10053)},
+};
+
+// "Summer Time" is deliberately not among them.
+constexpr std::array<std::string_view, 17> columnPopupEntries = {
+    "Entry ID",  "Date Time",  "Project GUID", "Database Name", "Application Name", "Area",    "Item",
+    "Event",     "Item ID",    "Old Value",    "New Value",     "PC Name",          "OS User", "Application User",
+    "User Name", "Audit Type", "Comments"};
+
+struct LanguageKey {
+  std::string_view key;
+  std::string_view offset;
+};
+constexpr std::array<LanguageKey, 5> languageKeys = {
+    {{"ENGLISH", "0"}, {"GERMAN", "10000"}, {"FRENCH", "20000"}, {"SPANISH", "30000"}, {"ITALIAN", "40000"}}};
+
+constexpr std::size_t firstLockedButton = 3;
+constexpr std::array<std::string_view, 3> lockedMenuKeys = {"TOOLS", "PageSetup", "Print"};
+
+/// Runs one step of a build; a failing step is skipped.
+template <typename Step>
+void attempt(const Step& step) {
+  try {
+    step();
+  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): builders go on with the next step
+  }
+}
+
+}  // namespace
+
+std::span<const MenuRow> menuTable() noexcept {
+  return menuRows;
+}
+std::span<const ToolbarRow> toolbarTable() noexcept {
+  return toolbarRows;
+}
+
+std::string commandText(const CommandText& text, const settings::LanguageOffset& offset) {
+  if (text.id == 0) return std::string(text.fixed);
+  return std::string(settings::loadText({text.id}, offset));
+}
+
+void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {
+  items.clear();
+  std::vector<CommandItem*> parents;  // the last item added at each depth
+  for (const MenuRow& row : menuRows) {
+    attempt([&] {
+      const auto depth = static_cast<std::size_t>(row.depth);
+      const std::string key(row.key);
+      CommandItem& item = depth == 0 ? items.add(row.kind, key) : parents.at(depth - 1)->add(row.kind, key);
+      parents.resize(depth);
+      parents.push_back(&item);
+      attempt([&] { item.caption = commandText(row.caption, offset); });
+      attempt([&] { item.description = commandText(row.description, offset); });
+      item.shortcutText = row.shortcut;
+      item.checked = row.checked;
+    });
+  }
+  items.announceChange();
+}
+
+void buildToolbar(CommandItems& items, const settings::LanguageOffset& offset) {
+  items.clear();
+  for (const ToolbarRow& row : toolbarRows) {
+    attempt([&] {
+      CommandItem& item = items.add(row.kind, std::string(row.key));
+      item.active = !row.placeholder;
+      attempt([&] { item.toolTip = commandText(row.toolTip, offset); });
+    });
+  }
+  items.announceChange();
+}
+
+void buildPopup(CommandItems& items, std::string_view popupItem) {
+  const bool font = popupItem == "Font";
+  if (!font && popupItem != "Column") return;
+  items.clear();
+  CommandItem& root = items.add(Kind::topLevelMenu, "POPUP");
+  if (font) {
+    root.add(Kind::command, "FONT", "Change Font");
+  } else {
+    for (const auto entry : columnPopupEntries) root.add(Kind::check, std::string(entry), std::string(entry));
+  }
+  items.announceChange();
+}
+
+void enableToolbarCommands(CommandItems& toolbar, bool enabled) {
+  for (std::size_t position = firstLockedButton; position <= toolbar.size(); ++position)
+    toolbar.at(position).enabled = enabled;
+  toolbar.announceChange();
+}
+
+void enableMenuCommands(CommandItems& menu, bool enabled) {
+  for (const auto key : lockedMenuKeys) menu.item(key).enabled = enabled;
+  menu.announceChange();
+}
+
+std::string_view languageOffsetOfKey(std::string_view key) noexcept {
+  for (const auto& language : languageKeys)
+    if (language.key == key) return language.offset;
+  return {};
+}
+
+}  // namespace korvel::control

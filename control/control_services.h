@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+#include <optional>
+
+class QWidget;
+
+namespace korvel::control {
+
+enum class MessageIcon { none, critical, information };
+/// Mouse pointers by the numbers the system gives them.
+enum class Pointer { standard = 0, hourglass = 11 };
+
+/// The control's only way to the person in front of the screen, apart from its own surface. Every call that shows
+/// something returns when it has been answered.
+class ControlServices {
+ public:
+  virtual ~ControlServices() = default;
+
+  /// A box with an OK button. Texts are shown as they are, never as markup.
+  virtual void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) = 0;
+  /// The font that was chosen, nothing for a cancelled dialog.
+  virtual std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) = 0;
+  /// Whether a form of that name exists.
+  [[nodiscard]] virtual bool hasForm(const QString& name) const = 0;
+  /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.
+  virtual void showForm(QWidget* owner, const QString& name) = 0;
+  virtual void setPointer(Pointer pointer) = 0;
+};
+
+/// The hourglass for as long as it lives, also when the work ends in a failure.
+class BusyPointer {
+ public:
+  explicit BusyPointer(ControlServices& services) : services_(services) { services_.setPointer(Pointer::hourglass); }
+  ~BusyPointer() { services_.setPointer(Pointer::standard); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+
+ private:
+  ControlServices& services_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,21 @@
+#include "control/library_state.h"
+
+#include "control/qt_control_services.h"
+#include "db/discovery/network_directory.h"
+#include "db/open_connection.h"
+#include "settings/registry.h"
+
+namespace korvel::control {
+
+LibraryState& libraryState() {
+  static LibraryState state;
+  return state;
+}
+
+Surroundings& surroundings() {
+  static Surroundings real{std::make_shared<QtControlServices>(), &settings::platformBackend, &db::openConnection,
+                           &db::makeServerDirectory};
+  return real;
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "control/control_services.h"
+#include "db/connection_state.h"
+#include "db/server_directory.h"
+#include "output/print_font.h"
+#include "query/date_range.h"
+#include "query/standard_query.h"
+#include "settings/settings_backend.h"
+#include "settings/string_table.h"
+
+namespace korvel::control {
+
+/// The values that all instances of the control share; they live as long as the library is loaded.
+struct LibraryState {
+  db::ConnectionState connection;
+  query::DateRange dateRange;
+  settings::LanguageOffset language;
+  output::PrintFont printFont;
+};
+
+/// The one instance. Only the control binds it; engine functions get what they need by reference.
+[[nodiscard]] LibraryState& libraryState();
+
+/// The outside world as the control sees it; replaced as a whole by tests.
+struct Surroundings {
+  std::shared_ptr<ControlServices> services;
+  std::function<std::unique_ptr<settings::SettingsBackend>()> openSettings;
+  query::Connector connect;
+  std::function<std::unique_ptr<db::ServerDirectory>()> openDirectory;
+};
+
+/// Dialogs of Qt, the platform's settings store, the database engines, the servers of the network.
+[[nodiscard]] Surroundings& surroundings();
+
+}  // namespace korvel::control

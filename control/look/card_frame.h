@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QGroupBox>
+
+namespace korvel::look {
+
+/// A frame of the side strip: rounded border on the surface colour, small semi-bold caption in grey, 8 px all around.
+/// A group box to assistive technology. The 8 px and the caption's room are the frame's own: layouts on it start with
+/// zero margins; whoever places children by hand uses contentsRect().
+class CardFrame : public QGroupBox {
+  Q_OBJECT
+
+ public:
+  explicit CardFrame(QWidget* parent = nullptr);
+  explicit CardFrame(const QString& title, QWidget* parent = nullptr);
+};
+
+}  // namespace korvel::look

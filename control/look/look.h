@@ -1,0 +1,12 @@
+#pragma once
+
+class QWidget;
+
+namespace korvel::look {
+
+/// Gives `root` and everything below it, now and later (dialogs and menus that are its children included), the
+/// viewer's style. Nothing outside of the subtree changes. Call it once, first thing in the constructor of the root;
+/// also for a dialog without a parent. It follows changes of palette, font and screen by itself.
+void applyLook(QWidget& root);
+
+}  // namespace korvel::look

@@ -1,0 +1,164 @@
+#include "control/look/result_table.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QToolTip>
+#include <algorithm>
+
+#include "control/look/dialogs.h"
+#include "control/look/theme.h"
+
+namespace korvel::look {
+namespace {
+
+constexpr int cellInset = 8;
+
+int listRowHeight(const QWidget& widget) {
+  return std::max(px(&widget, space::listRow), widget.fontMetrics().height() + px(&widget, 6));
+}
+
+/// One line of a value: what breaks or hides lines becomes a blank, so that the row tells there is more to it.
+/// Returns the text itself, unshared, in the usual case that there is nothing to replace.
+QString oneLine(QString text) {
+  const auto breaks = [](QChar c) {
+    return c < QLatin1Char(' ') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+  };
+  if (std::any_of(text.cbegin(), text.cend(), breaks)) {
+    for (QChar& c : text) {
+      if (breaks(c)) c = QLatin1Char(' ');
+    }
+  }
+  return text;
+}
+
+/// More than a cell can show on any screen; measuring megabytes of text to cut it off is what makes scrolling stall.
+constexpr qsizetype shownCharacters = 1000;
+
+}  // namespace
+
+ResultHeader::ResultHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+  setSectionsMovable(true);
+  setSectionsClickable(true);
+  setHighlightSections(false);
+  setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  setTextElideMode(Qt::ElideRight);
+  setSortIndicatorShown(false);
+  setStretchLastSection(false);
+  setMinimumSectionSize(px(this, 24));
+}
+
+void ResultHeader::showSort(int column, Qt::SortOrder order) {
+  setSortIndicatorShown(column >= 0);
+  setSortIndicator(column, order);
+}
+
+RowDelegate::RowDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
+
+void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  const Theme& theme = Theme::of(option.palette);
+  const QRect cell = option.rect;
+  const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
+  if (option.state.testFlag(QStyle::State_Selected)) {
+    painter->fillRect(cell, theme.selection);
+  } else if (option.features.testFlag(QStyleOptionViewItem::Alternate)) {
+    painter->fillRect(cell, theme.alternateRow);
+  }
+  const int inset = px(option.widget, cellInset);
+  const QRect line = cell.adjusted(inset, 0, -inset, 0);
+  if (line.width() > 0) {
+    const QString text = oneLine(index.data(Qt::DisplayRole).toString().left(shownCharacters));
+    if (!text.isEmpty()) {
+      painter->setFont(option.font);
+      painter->setPen(option.state.testFlag(QStyle::State_Enabled) ? theme.text : theme.disabled);
+      painter->drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                        option.fontMetrics.elidedText(text, Qt::ElideRight, line.width()));
+    }
+  }
+  if (view != nullptr && view->hasFocus() && view->currentIndex().row() == index.row()) {
+    const int width = px(option.widget, 1);
+    painter->fillRect(cell.left(), cell.top(), cell.width(), width, theme.accent);
+    painter->fillRect(cell.left(), cell.bottom() + 1 - width, cell.width(), width, theme.accent);
+  }
+}
+
+QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
+  const QString text = oneLine(index.data(Qt::DisplayRole).toString().left(shownCharacters));
+  const int height = option.widget != nullptr ? listRowHeight(*option.widget) : option.fontMetrics.height();
+  return {option.fontMetrics.horizontalAdvance(text) + 2 * px(option.widget, cellInset) + 1, height};
+}
+
+bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) {
+  if (event == nullptr || view == nullptr || event->type() != QEvent::ToolTip || !index.isValid() ||
+      index.data(Qt::ToolTipRole).isValid()) {
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
+  }
+  const QString whole = index.data(Qt::DisplayRole).toString();
+  const QFontMetrics metrics(view->font());
+  const int room = view->visualRect(index).width() - 2 * px(view, cellInset);
+  const bool cut = whole.size() > shownCharacters || oneLine(whole) != whole || metrics.horizontalAdvance(whole) > room;
+  if (!cut) {
+    QToolTip::hideText();
+    return true;
+  }
+  constexpr qsizetype tipCharacters = 2000;
+  const QString shown = whole.size() > tipCharacters ? whole.left(tipCharacters) + QChar(0x2026) : whole;
+  // Escaped, and marked up only so that long lines wrap: a value that looks like markup is shown as it was audited.
+  QToolTip::showText(event->globalPos(),
+                     QStringLiteral("<div style='white-space:pre-wrap'>%1</div>").arg(shown.toHtmlEscaped()), view);
+  return true;
+}
+
+ResultTable::ResultTable(QWidget* parent) : QTableView(parent) {
+  setHorizontalHeader(new ResultHeader(this));
+  setItemDelegate(new RowDelegate(this));
+  setShowGrid(false);
+  setAlternatingRowColors(true);
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setSelectionMode(QAbstractItemView::ExtendedSelection);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setWordWrap(false);
+  setTextElideMode(Qt::ElideRight);
+  setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  setTabKeyNavigation(false);  // Tab leaves the list
+  setCornerButtonEnabled(false);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  measure();
+}
+
+ResultHeader* ResultTable::header() const {
+  return qobject_cast<ResultHeader*>(horizontalHeader());
+}
+
+void ResultTable::setEmptyText(const QString& text) {
+  emptyText_ = text;
+  viewport()->update();
+}
+
+void ResultTable::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (model() == nullptr || model()->rowCount(rootIndex()) == 0) paintEmptyMessage(*this, emptyText_);
+}
+
+void ResultTable::changeEvent(QEvent* event) {
+  QTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) measure();
+}
+
+void ResultTable::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QTableView::currentChanged(current, previous);
+  // The frame of the current row runs through all of its cells.
+  for (const QModelIndex& index : {current, previous}) {
+    if (index.isValid()) viewport()->update(0, visualRect(index).top(), viewport()->width(), rowHeight(index.row()));
+  }
+}
+
+void ResultTable::measure() {
+  const int height = look::listRowHeight(*this);
+  verticalHeader()->setMinimumSectionSize(1);
+  verticalHeader()->setDefaultSectionSize(height);
+}
+
+}  // namespace korvel::look

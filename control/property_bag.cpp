@@ -1,0 +1,91 @@
+#include "control/property_bag.h"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "base/error.h"
+
+namespace korvel::control {
+namespace {
+
+constexpr std::int32_t typeMismatch = 13;
+
+Error mismatch() {
+  return Error(typeMismatch, "Type mismatch");
+}
+
+bool isText(const QVariant& value) {
+  return value.typeId() == QMetaType::QString;
+}
+
+/// The value as a number: True is -1, all bits set. Nothing for texts and whatever else has none.
+std::optional<double> numberOf(const QVariant& value) {
+  switch (value.typeId()) {
+    case QMetaType::Bool:
+      return value.toBool() ? -1.0 : 0.0;
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Double:
+    case QMetaType::Float:
+      return value.toDouble();
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<double> numberIn(const QVariant& value) {
+  if (!isText(value)) return numberOf(value);
+  bool ok = false;
+  const double number = value.toString().trimmed().toDouble(&ok);
+  return ok ? std::optional(number) : std::nullopt;
+}
+
+bool sameValue(const QVariant& left, const QVariant& right) {
+  if (isText(left) && isText(right)) return left.toString() == right.toString();
+  const auto leftNumber = numberOf(left);
+  const auto rightNumber = numberOf(right);
+  return leftNumber && rightNumber && *leftNumber == *rightNumber;
+}
+
+}  // namespace
+
+QVariant PropertyBag::ReadProperty(const QString& name, const QVariant& defaultValue) const {
+  return values_.value(name, defaultValue);
+}
+
+void PropertyBag::WriteProperty(const QString& name, const QVariant& value, const QVariant& defaultValue) {
+  if (!sameValue(value, defaultValue)) values_.insert(name, value);
+}
+
+bool toBoolean(const QVariant& value) {
+  if (isText(value)) {
+    const QString word = value.toString().trimmed();
+    if (word.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0) return true;
+    if (word.compare(QLatin1String("False"), Qt::CaseInsensitive) == 0) return false;
+  }
+  const auto number = numberIn(value);
+  if (!number || !std::isfinite(*number)) throw mismatch();
+  return *number != 0.0;
+}
+
+int toLong(const QVariant& value) {
+  const auto number = numberIn(value);
+  if (!number || !std::isfinite(*number)) throw mismatch();
+  const double whole = std::nearbyint(*number);
+  if (whole < double(std::numeric_limits<int>::min()) || whole > double(std::numeric_limits<int>::max()))
+    throw mismatch();
+  return static_cast<int>(whole);
+}
+
+QString toText(const QVariant& value) {
+  if (isText(value)) return value.toString();
+  if (numberOf(value)) return value.toString();
+  throw mismatch();
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+namespace korvel::control {
+
+/// Where a container keeps the properties of a control that it saves with its form.
+class PropertyBag {
+ public:
+  explicit PropertyBag(QVariantMap values = {}) : values_(std::move(values)) {}
+
+  /// The stored value, or `defaultValue` where there is none.
+  [[nodiscard]] QVariant ReadProperty(const QString& name, const QVariant& defaultValue) const;
+  /// Stores the value unless it equals the default. A True has all bits set, that is -1 as a number: it does not equal
+  /// a default of 1, although 1 reads back as True.
+  void WriteProperty(const QString& name, const QVariant& value, const QVariant& defaultValue);
+
+  [[nodiscard]] const QVariantMap& values() const noexcept { return values_; }
+
+ private:
+  QVariantMap values_;
+};
+
+/// What a property of the type makes of a stored value. Throw Error "Type mismatch" for a value that is none.
+[[nodiscard]] bool toBoolean(const QVariant& value);
+[[nodiscard]] int toLong(const QVariant& value);
+[[nodiscard]] QString toText(const QVariant& value);
+
+}  // namespace korvel::control

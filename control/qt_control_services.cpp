@@ -1,0 +1,93 @@
+#include "control/qt_control_services.h"
+
+#include <QDialog>
+#include <QFontDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QPointer>
+#include <memory>
+
+#include "control/library_state.h"
+#include "db/forms/server_browser.h"
+
+namespace korvel::control {
+namespace {
+
+QMessageBox::Icon boxIcon(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::critical:
+      return QMessageBox::Critical;
+    case MessageIcon::information:
+      return QMessageBox::Information;
+    case MessageIcon::none:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+/// The ordinary arrow while a dialog waits for its answer: an hourglass over an OK button says that it cannot be
+/// pressed.
+class PointerForDialog {
+ public:
+  PointerForDialog() : covered_(QGuiApplication::overrideCursor() != nullptr) {
+    if (covered_) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+  }
+  ~PointerForDialog() {
+    if (covered_) QGuiApplication::restoreOverrideCursor();
+  }
+  PointerForDialog(const PointerForDialog&) = delete;
+  PointerForDialog& operator=(const PointerForDialog&) = delete;
+
+ private:
+  bool covered_;
+};
+
+QDialog* makeServerBrowser(QWidget* owner) {
+  LibraryState& state = libraryState();
+  const Surroundings& world = surroundings();
+  return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
+}
+
+}  // namespace
+
+QtControlServices::QtControlServices() : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser}} {}
+
+void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
+  const PointerForDialog pointer;
+  // On the heap: whoever destroys the owner while the box waits takes the box along.
+  const QPointer<QMessageBox> box = new QMessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
+  // A server's error text may hold anything; it is shown to the letter.
+  box->setTextFormat(Qt::PlainText);
+  box->exec();
+  delete box;
+}
+
+std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& current) {
+  const PointerForDialog pointer;
+  bool chosen = false;
+  const QFont font = QFontDialog::getFont(&chosen, current, owner);
+  return chosen ? std::optional(font) : std::nullopt;
+}
+
+void QtControlServices::showForm(QWidget* owner, const QString& name) {
+  const auto maker = forms_.value(name);
+  if (!maker) return;
+  const PointerForDialog pointer;
+  const QPointer<QDialog> form = maker(owner);
+  if (!form) return;
+  form->setModal(true);
+  form->exec();
+  delete form;
+}
+
+void QtControlServices::setPointer(Pointer pointer) {
+  const bool wanted = pointer == Pointer::hourglass;
+  if (wanted == hourglass_) return;
+  hourglass_ = wanted;
+  if (wanted)
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QGuiApplication::restoreOverrideCursor();
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QHash>
+#include <functional>
+
+#include "control/control_services.h"
+
+class QDialog;
+
+namespace korvel::control {
+
+/// The services as Qt dialogs.
+class QtControlServices final : public ControlServices {
+ public:
+  using FormMaker = std::function<QDialog*(QWidget* owner)>;
+
+  QtControlServices();
+
+  void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) override;
+  std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) override;
+  [[nodiscard]] bool hasForm(const QString& name) const override { return forms_.contains(name); }
+  void showForm(QWidget* owner, const QString& name) override;
+  void setPointer(Pointer pointer) override;
+
+ private:
+  QHash<QString, FormMaker> forms_;
+  bool hourglass_ = false;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,43 @@
+#include "control/status_panels.h"
+
+#include <QLabel>
+
+#include "control/look/dialogs.h"
+
+namespace korvel::control {
+namespace {
+
+QLabel* makePanel(const char* name, QWidget* parent) {
+  auto* panel = new QLabel(parent);
+  panel->setObjectName(QLatin1String(name));
+  panel->setAccessibleName(QLatin1String(name));
+  panel->setTextFormat(Qt::PlainText);
+  look::setMuted(*panel);
+  return panel;
+}
+
+}  // namespace
+
+StatusPanels::StatusPanels(QWidget* parent)
+    : QStatusBar(parent), status_(makePanel("Status", this)), records_(makePanel("Records", this)) {
+  setSizeGripEnabled(false);
+  // A long activity text gives way to the count, never the other way round.
+  status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  addWidget(status_, 1);
+  addPermanentWidget(records_);
+}
+
+void StatusPanels::setStatus(const QString& text) {
+  status_->setText(text);
+}
+QString StatusPanels::status() const {
+  return status_->text();
+}
+void StatusPanels::setRecords(const QString& text) {
+  records_->setText(text);
+}
+QString StatusPanels::records() const {
+  return records_->text();
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,163 @@
+#include "control/surface.h"
+
+#include <QLabel>
+#include <QTabBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "control/look/dialogs.h"
+#include "control/look/theme.h"
+#include "control/screen_measure.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+// The card of a strip frame is drawn this far inside of the strip's left and right edge.
+constexpr Twips cardInset{120};
+
+QString name(const char* text) {
+  return QString::fromLatin1(text);
+}
+
+template <typename Element>
+Element* named(Element* element, const char* objectName) {
+  element->setObjectName(name(objectName));
+  return element;
+}
+
+}  // namespace
+
+Surface::Surface(QWidget& owner, query::ResultLists& lists, query::FilterTree& tree) : owner_(owner) {
+  buildFilterFrame(tree);
+  buildToolsFrame();
+  buildPages(lists);
+  StatusBar1 = named(new StatusPanels(&owner_), "StatusBar1");
+  // Where the control is too small for everything, the status bar stays readable.
+  StatusBar1->setAutoFillBackground(true);
+  StatusBar1->raise();
+  orderFocus();
+}
+
+void Surface::buildFilterFrame(query::FilterTree& tree) {
+  frameFilter = named(new look::CardFrame(&owner_), "frameFilter");
+  tvTreeView = named(new FilterTreeView(tree), "tvTreeView");
+  btDateRangeFilter = named(new look::SecondaryButton(look::IconName::DateRange, QString()), "btDateRangeFilter");
+  btClearDateRange = named(new look::SecondaryButton(look::IconName::ClearDate, QString()), "btClearDateRange");
+  lblDateRange = named(new QLabel, "lblDateRange");
+  lblDateRange->setTextFormat(Qt::PlainText);
+  lblDateRange->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  lblDateRange->setWordWrap(true);
+  look::setMuted(*lblDateRange);
+
+  auto* dates = new look::TextRow;
+  dates->add(btDateRangeFilter);
+  dates->add(btClearDateRange);
+
+  auto* column = new QVBoxLayout(frameFilter);
+  column->setContentsMargins({});
+  column->setSpacing(look::px(&owner_, look::space::inside));
+  column->addWidget(tvTreeView, 1);
+  column->addWidget(dates);
+  column->addWidget(lblDateRange);
+}
+
+void Surface::buildToolsFrame() {
+  frameTools = named(new look::CardFrame(&owner_), "frameTools");
+  btQuery = named(new look::PrimaryButton(look::IconName::Query, QString()), "btQuery");
+  auto* row = new look::IconRow;
+  const auto iconButton = [row](look::IconName icon, const char* objectName) {
+    auto* button = named(new look::IconButton(icon), objectName);
+    row->add(button);
+    return button;
+  };
+  btSelectDB = iconButton(look::IconName::Select, "btSelectDB");
+  btDBInfo = iconButton(look::IconName::Info, "btDBInfo");
+  btClear = iconButton(look::IconName::Clear, "btClear");
+  btSelectALL = iconButton(look::IconName::SelectAll, "btSelectALL");
+  btUnselectALL = iconButton(look::IconName::UnselectAll, "btUnselectALL");
+
+  auto* column = new QVBoxLayout(frameTools);
+  column->setContentsMargins({});
+  column->setSpacing(look::px(&owner_, look::space::inside));
+  column->addWidget(btQuery);
+  column->addWidget(row);
+}
+
+void Surface::buildPages(query::ResultLists& lists) {
+  SSTab1 = named(new look::PageStrip(&owner_), "SSTab1");
+  for (std::size_t i = 0; i < query::listCount; ++i) {
+    models.at(i) = std::make_unique<ResultListModel>(lists.at(i));
+    auto* page = new QWidget;
+    auto* list = new ResultListView(*models.at(i), page);
+    list->setObjectName(name("lvListView%1").arg(i));
+    const QString caption = fromUtf8(query::pageCaptions.at(i));
+    list->setAccessibleName(caption);
+    lvListView.at(i) = list;
+    // The captions are fixed texts, no mnemonics.
+    SSTab1->addTab(page, caption);
+  }
+}
+
+void Surface::orderFocus() const {
+  QWidget* const order[] = {tvTreeView,    btDateRangeFilter, btClearDateRange, btQuery,
+                            btSelectDB,    btDBInfo,          btClear,          btSelectALL,
+                            btUnselectALL, SSTab1->tabBar(),  lvListView[0],    lvListView[1],
+                            lvListView[2], lvListView[3],     lvListView[4],    lvListView[5]};
+  for (std::size_t i = 1; i < std::size(order); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
+}
+
+void Surface::arrange(bool viewSideTools) {
+  const ScreenMeasure measure(owner_);
+  const int statusHeight = StatusBar1->sizeHint().height();
+
+  LayoutInput input;
+  input.innerWidth = measure.horizontalTwips(owner_.width());
+  input.innerHeight = measure.verticalTwips(owner_.height());
+  input.viewSideTools = viewSideTools;
+  input.statusBarHeight = measure.verticalTwips(statusHeight);
+  const Twips bars = input.toolbarHeight + input.menuHeight;
+  boxes_.SSTab1.top = bars + barGap;
+  boxes_ = layoutControl(input, boxes_);
+
+  const Twips bottom = input.innerHeight - input.statusBarHeight - barGap;
+  const StripBoxes strip =
+      layoutStrip(boxes_.SSTab1.top, bottom, measure.verticalTwips(frameTools->sizeHint().height()),
+                  measure.verticalTwips(frameFilter->minimumSizeHint().height()));
+  const int inset = measure.horizontal(cardInset);
+  frameFilter->setGeometry(measure.rectangle(strip.frameFilter).adjusted(inset, 0, -inset, 0));
+  frameTools->setGeometry(measure.rectangle(strip.frameTools).adjusted(inset, 0, -inset, 0));
+
+  SSTab1->setGeometry(measure.rectangle(boxes_.SSTab1));
+  placeLists();
+  StatusBar1->setGeometry(0, owner_.height() - statusHeight, owner_.width(), statusHeight);
+}
+
+void Surface::placeLists() {
+  const ScreenMeasure measure(owner_);
+  // Boxes are counted from the corner of SSTab1, the lists lie in its pages.
+  const QPoint pageCorner = SSTab1->currentWidget()->mapTo(SSTab1, QPoint(0, 0));
+  for (std::size_t i = 0; i < lvListView.size(); ++i) {
+    Box box = boxes_.lvListView.at(i);
+    // As long as the custom page has no query frame, its list takes the frame's place too.
+    if (i == query::customList) box = boxes_.lvListView[0];
+    lvListView.at(i)->setGeometry(measure.rectangle(box).translated(-pageCorner));
+  }
+}
+
+std::size_t Surface::currentTab() const {
+  return static_cast<std::size_t>(std::max(0, SSTab1->currentIndex()));
+}
+
+QSize Surface::preferredSize() const {
+  return {look::px(&owner_, 1280), look::px(&owner_, 760)};
+}
+
+QSize Surface::smallestSize() const {
+  const ScreenMeasure measure(owner_);
+  const int strip = frameFilter->minimumSizeHint().height() + frameTools->sizeHint().height();
+  return {measure.horizontal(stripWidth) + look::px(&owner_, 320),
+          strip + StatusBar1->sizeHint().height() + look::px(&owner_, 24)};
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QPointer>
+#include <array>
+#include <memory>
+
+#include "control/filter_tree_view.h"
+#include "control/layout.h"
+#include "control/look/buttons.h"
+#include "control/look/card_frame.h"
+#include "control/look/page_strip.h"
+#include "control/result_list_model.h"
+#include "control/result_list_view.h"
+#include "control/status_panels.h"
+#include "query/filter_tree.h"
+#include "query/standard_query.h"
+
+class QLabel;
+
+namespace korvel::control {
+
+/// Everything that is to be seen of one control: makes the elements, names them and puts them in their places. What
+/// they do is not its business. Elements are children of the owner and die with it.
+class Surface {
+ public:
+  /// All three must outlive the surface.
+  Surface(QWidget& owner, query::ResultLists& lists, query::FilterTree& tree);
+  Surface(const Surface&) = delete;
+  Surface& operator=(const Surface&) = delete;
+
+  /// The resize routine: places the elements for the owner's present size.
+  void arrange(bool viewSideTools);
+
+  /// Index 0..5 of the selected page.
+  [[nodiscard]] std::size_t currentTab() const;
+  [[nodiscard]] QSize preferredSize() const;
+  [[nodiscard]] QSize smallestSize() const;
+
+  // Side strip.
+  look::CardFrame* frameFilter;
+  FilterTreeView* tvTreeView;
+  QPushButton* btDateRangeFilter;
+  QPushButton* btClearDateRange;
+  QLabel* lblDateRange;
+  look::CardFrame* frameTools;
+  QPushButton* btQuery;
+  QToolButton* btSelectDB;
+  QToolButton* btDBInfo;
+  QToolButton* btClear;
+  QToolButton* btSelectALL;
+  QToolButton* btUnselectALL;
+  // Pages.
+  look::PageStrip* SSTab1;
+  std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
+  std::array<ResultListView*, query::listCount> lvListView;
+  StatusPanels* StatusBar1;
+
+ private:
+  void buildFilterFrame(query::FilterTree& tree);
+  void buildToolsFrame();
+  void buildPages(query::ResultLists& lists);
+  void orderFocus() const;
+  void placeLists();
+
+  QWidget& owner_;
+  SurfaceBoxes boxes_ = designTimeBoxes();
+};
+
+}  // namespace korvel::control

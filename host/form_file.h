@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QVariantMap>
+
+#include "settings/string_table.h"
+
+namespace korvel::host {
+
+/// The form that the control stands on, as a file: a JSON object with the control's stored properties.
+class FormFile {
+ public:
+  explicit FormFile(QString path) : path_(std::move(path)) {}
+
+  /// korvel/viewer-form.json in the user's configuration folder.
+  [[nodiscard]] static QString standardPath();
+
+  [[nodiscard]] const QString& path() const noexcept { return path_; }
+
+  /// Reads the file. A file that does not exist is a new form, not a failure. Returns why it cannot be read, else an
+  /// empty text.
+  [[nodiscard]] QString load(const settings::LanguageOffset& language);
+  /// Whether there was no file to load.
+  [[nodiscard]] bool isNew() const noexcept { return isNew_; }
+  [[nodiscard]] const QVariantMap& properties() const noexcept { return properties_; }
+
+  /// From now on the file is left as it is: what stands in it could not be used.
+  void leaveAsItIs() noexcept { untouchable_ = true; }
+  /// Writes the file, whole or not at all, unless it says the same already or is to be left as it is. Returns why it
+  /// cannot be written, else an empty text.
+  [[nodiscard]] QString save(const QVariantMap& properties);
+
+ private:
+  QString path_;
+  QVariantMap properties_;
+  bool isNew_ = true;
+  bool untouchable_ = false;
+};
+
+}  // namespace korvel::host

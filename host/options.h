@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QSize>
+#include <QStringList>
+#include <optional>
+
+#include "settings/string_table.h"
+
+namespace korvel::host {
+
+/// What the command line asks for.
+struct Options {
+  std::optional<QString> server;
+  std::optional<int> databaseType;
+  std::optional<QString> formFile;
+  std::optional<QString> shotFile;
+  std::optional<QSize> size;
+};
+
+struct ParsedOptions {
+  Options options;
+  /// What is not understood, a sentence in the language; empty where all of it is.
+  QString failure;
+};
+
+/// Reads the arguments after the program's name. "--name value" and "--name=value" are the same.
+[[nodiscard]] ParsedOptions parseOptions(const QStringList& arguments, const settings::LanguageOffset& language);
+
+/// The answer to --help.
+[[nodiscard]] QString helpText(const settings::LanguageOffset& language);
+
+/// Whether an option stands among the raw arguments, wherever and in whichever form. For what must be known before the
+/// others can be read.
+[[nodiscard]] bool mentions(const QStringList& arguments, const QString& option);
+
+}  // namespace korvel::host

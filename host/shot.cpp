@@ -1,0 +1,64 @@
+#include "host/shot.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QSaveFile>
+#include <iostream>
+
+#include "host/host_texts.h"
+
+namespace korvel::host {
+namespace {
+
+void complain(const QString& text) {
+  std::cerr << text.toStdString() << std::endl;
+}
+
+QString writePicture(const QPixmap& picture, const QString& path) {
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) return file.errorString();
+  if (!picture.save(&file, "PNG") || !file.commit()) return file.errorString();
+  return {};
+}
+
+}  // namespace
+
+UnattendedMessages::UnattendedMessages(QObject* application) {
+  application->installEventFilter(this);
+}
+
+bool UnattendedMessages::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Show) {
+    if (auto* box = qobject_cast<QMessageBox*>(watched)) {
+      texts_.append(box->text());
+      QMetaObject::invokeMethod(box, &QDialog::reject, Qt::QueuedConnection);
+    }
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
+                    const settings::LanguageOffset& language) {
+  window.show();
+  AuditViewer& viewer = window.viewer();
+  const qsizetype beforeQuery = messages.texts().size();
+  viewer.TriggerQuery();
+  viewer.DisplayNoOfRecords();
+  for (const QString& text : messages.texts()) complain(text);
+  if (viewer.LastFailureTime().isValid()) {
+    complain(hostText("host.queryFailed", language,
+                      QString::number(viewer.LastFailureNumber()) + QLatin1Char(':') + viewer.LastFailureText()));
+    return ExitStatus::databaseFailed;
+  }
+  QCoreApplication::processEvents();
+  const QString failure = writePicture(window.grab(), file);
+  if (!failure.isEmpty()) {
+    complain(hostText("host.shotUnwritable", language, file, failure));
+    return ExitStatus::pictureFailed;
+  }
+  return messages.texts().size() == beforeQuery ? ExitStatus::done : ExitStatus::noRecords;
+}
+
+}  // namespace korvel::host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include "host/main_window.h"
+
+namespace korvel::host {
+
+/// Answers message boxes where nobody sits in front of the screen: notes what they say and closes them.
+class UnattendedMessages final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Watches the whole application as long as it lives.
+  explicit UnattendedMessages(QObject* application);
+
+  [[nodiscard]] const QStringList& texts() const noexcept { return texts_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QStringList texts_;
+};
+
+/// The program's exit statuses.
+enum class ExitStatus { done = 0, noRecords = 1, wrongUsage = 2, databaseFailed = 3, pictureFailed = 4 };
+
+/// Shows the window, runs the standard query and renders the window into a PNG file (not where the query failed). What
+/// went wrong is written to standard error.
+[[nodiscard]] ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
+                                  const settings::LanguageOffset& language);
+
+}  // namespace korvel::host

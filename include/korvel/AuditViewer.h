@@ -1,0 +1,126 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QVariant>
+#include <QWidget>
+#include <memory>
+
+#if defined(KORVEL_AUDIT_VIEWER_BUILD)
+#define KORVEL_AUDIT_VIEWER_EXPORT Q_DECL_EXPORT
+#else
+#define KORVEL_AUDIT_VIEWER_EXPORT Q_DECL_IMPORT
+#endif
+
+namespace korvel {
+
+/// The audit trail viewer: one control that carries filter tree, result lists and status bar. Place it on a form, give
+/// it its stored properties (or InitProperties for a new one) and show it. Used from the user-interface thread only.
+///
+/// No member throws. Failures that a person must know of are shown in message boxes owned by the control.
+/// All instances of one process share the selected database, the date range, the language and the print font.
+class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
+  Q_OBJECT
+  /// Which audit database the host wants: one of DatabaseTypeEnum; every value but 0 selects the MU database.
+  Q_PROPERTY(int DatabaseType READ DatabaseType WRITE setDatabaseType)
+  /// Returns/sets a value that determines whether the side tools are visible
+  Q_PROPERTY(bool ViewSideTools READ ViewSideTools WRITE setViewSideTools)
+  /// Returns/sets a value that determines whether the toolbar is visible
+  Q_PROPERTY(bool ViewToolBar READ ViewToolBar WRITE setViewToolBar)
+  /// The server to connect to when the control is shown; "(None)" or "" for none. Setting it connects to nothing.
+  Q_PROPERTY(QString DefaultSQLServer READ DefaultSQLServer WRITE setDefaultSQLServer)
+
+  // Not among the stored properties: why the last query failed. The control itself is silent about it.
+  /// The number of the failure, 0 while there is none.
+  Q_PROPERTY(int LastFailureNumber READ LastFailureNumber NOTIFY LastFailureChanged STORED false)
+  /// What went wrong, in the user's language or the server's words; empty while there is none.
+  Q_PROPERTY(QString LastFailureText READ LastFailureText NOTIFY LastFailureChanged STORED false)
+  /// When, in local time; not valid while there is none.
+  Q_PROPERTY(QDateTime LastFailureTime READ LastFailureTime NOTIFY LastFailureChanged STORED false)
+
+ public:
+  enum DatabaseTypeEnum { Korvel_Audit = 0, Korvel_AuditMU = 1 };
+  Q_ENUM(DatabaseTypeEnum)
+
+  /// Builds the control. Reads one setting (the language) and opens no database.
+  explicit AuditViewer(QWidget* parent = nullptr);
+  ~AuditViewer() override;
+
+  [[nodiscard]] int DatabaseType() const;
+  void setDatabaseType(int value);
+  [[nodiscard]] bool ViewSideTools() const;
+  void setViewSideTools(bool value);
+  [[nodiscard]] bool ViewToolBar() const;
+  void setViewToolBar(bool value);
+  [[nodiscard]] QString DefaultSQLServer() const;
+  void setDefaultSQLServer(const QString& value);
+
+  /// Gives the four stored properties the values of a new instance. Nothing is shown, hidden or announced.
+  void InitProperties();
+  /// Takes the stored properties from `bag`, a map of names to values as WriteProperties returns it; an absent name has
+  /// its default. Takes effect at the next show. Returns what is wrong with the first value that cannot be read (its
+  /// predecessors have been taken then), or an empty text.
+  [[nodiscard]] QString ReadProperties(const QVariant& bag);
+  /// The stored properties as a map of names to values, without those that equal their default.
+  [[nodiscard]] QVariant WriteProperties() const;
+
+  [[nodiscard]] int LastFailureNumber() const;
+  [[nodiscard]] QString LastFailureText() const;
+  [[nodiscard]] QDateTime LastFailureTime() const;
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+  // The members below are in the order of the control's type library; whoever calls by name or number relies on it.
+ public Q_SLOTS:
+  /// Checks every node of the filter tree.
+  void SelectALL();
+  /// Unchecks every node of the filter tree.
+  void UnselectALL();
+  /// Lets the user pick the font of the result lists.
+  void ChangeFont();
+  /// Shows the row count of the current list in the status bar.
+  void DisplayNoOfRecords();
+  /// Runs the standard query of the filter tree.
+  void TriggerQuery();
+  /// Expands every node of the filter tree.
+  void ExpandAll();
+  /// Lets the user choose a server and an audit database. DatabaseSelected follows whenever a database is selected
+  /// afterwards, also an earlier one.
+  void SelectDatabase();
+  /// Enables what needs a database.
+  void UnlockControls();
+  /// Disables what needs a database.
+  void LockControls();
+  /// Shows or hides the side tools, whatever the property says.
+  void ViewTools(bool visable);
+  /// Shows the key column of the standard lists (1000 twips wide) or hides it.
+  void ShowKeyField(bool vis);
+  /// Builds the columns of the five standard result lists.
+  void ListViewColSetup();
+  /// Sets the captions and tooltips of the side controls in the current language.
+  void BuildMisc();
+  /// Selects the database that the properties name, without trying the connection.
+  void OpenDefaultSQLServer();
+
+ Q_SIGNALS:
+  /// A database has been selected: server, " - [", database, "]".
+  void DatabaseSelected(const QString& Database);
+  /// The user chose to leave; the host decides what that means.
+  void ExitApp();
+  /// A property has been set: its name. A form that stores the control's properties has something to store.
+  void PropertyChanged(const QString& PropertyName);
+  /// A query has failed, or the next one has begun and there is no failure any more.
+  void LastFailureChanged();
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  class Q_DECL_HIDDEN Members;
+  std::unique_ptr<Members> members_;
+};
+
+}  // namespace korvel

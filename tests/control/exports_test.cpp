@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace korvel {
+namespace {
+
+std::string outputOf(const std::string& command) {
+  struct Close {
+    void operator()(std::FILE* pipe) const { ::pclose(pipe); }
+  };
+  const std::unique_ptr<std::FILE, Close> pipe(::popen(command.c_str(), "r"));
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get()))
+    output.append(buffer.data(), count);
+  return output;
+}
+
+TEST(ComponentLibrary, ExportsTheControlAndNothingElse) {
+  const std::string symbols =
+      outputOf("nm --dynamic --defined-only --demangle --format=just-symbols '" KORVEL_LIBRARY "'");
+  ASSERT_NE(symbols.find("korvel::AuditViewer::AuditViewer(QWidget*)"), std::string::npos) << symbols;
+  std::size_t begin = 0;
+  while (begin < symbols.size()) {
+    const std::size_t end = symbols.find('\n', begin);
+    const std::string symbol = symbols.substr(begin, end - begin);
+    EXPECT_NE(symbol.find("korvel::AuditViewer"), std::string::npos) << symbol;
+    EXPECT_EQ(symbol.find("AuditViewer::Members"), std::string::npos) << symbol;
+    begin = end + 1;
+  }
+}
+
+}  // namespace
+}  // namespace korvel

@@ -1,0 +1,292 @@
+#include <QMessageBox>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "control/qt_control_services.h"
+#include "tests/control/viewer_fixture.h"
+
+namespace korvel::test {
+namespace {
+
+using control::libraryState;
+using control::MessageIcon;
+using Lifecycle = ViewerTest;
+using Properties = ViewerTest;
+using PublicFace = ViewerTest;
+
+QStringList namesOf(QMetaMethod::MethodType type) {
+  const QMetaObject& face = AuditViewer::staticMetaObject;
+  QStringList names;
+  for (int i = face.methodOffset(); i < face.methodCount(); ++i)
+    if (face.method(i).methodType() == type) names.append(QString::fromLatin1(face.method(i).methodSignature()));
+  return names;
+}
+
+TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
+  EXPECT_EQ(namesOf(QMetaMethod::Slot),
+            (QStringList{"SelectALL()", "UnselectALL()", "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()",
+                         "ExpandAll()", "SelectDatabase()", "UnlockControls()", "LockControls()", "ViewTools(bool)",
+                         "ShowKeyField(bool)", "ListViewColSetup()", "BuildMisc()", "OpenDefaultSQLServer()"}));
+}
+
+TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {
+  EXPECT_EQ(namesOf(QMetaMethod::Signal), (QStringList{"DatabaseSelected(QString)", "ExitApp()",
+                                                       "PropertyChanged(QString)", "LastFailureChanged()"}));
+}
+
+TEST_F(PublicFace, PropertiesStandInTypeLibraryOrder) {
+  const QMetaObject& face = AuditViewer::staticMetaObject;
+  QStringList names;
+  for (int i = face.propertyOffset(); i < face.propertyCount(); ++i)
+    names.append(QLatin1String(face.property(i).name()));
+  EXPECT_EQ(names, (QStringList{"DatabaseType", "ViewSideTools", "ViewToolBar", "DefaultSQLServer", "LastFailureNumber",
+                                "LastFailureText", "LastFailureTime"}));
+}
+
+TEST_F(PublicFace, DatabaseTypesHaveTheirValues) {
+  const QMetaEnum types = QMetaEnum::fromType<AuditViewer::DatabaseTypeEnum>();
+  EXPECT_EQ(types.keyToValue("Korvel_Audit"), 0);
+  EXPECT_EQ(types.keyToValue("Korvel_AuditMU"), 1);
+  EXPECT_EQ(types.keyCount(), 2);
+}
+
+TEST_F(PublicFace, MembersAreCallableByName) {
+  const auto viewer = shownViewer();
+  ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "UnselectALL"));
+  EXPECT_FALSE(treeText(*viewer).contains("[x]"));
+  ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "ViewTools", Q_ARG(bool, false)));
+  EXPECT_TRUE(element(*viewer, "frameFilter")->isHidden());
+  ASSERT_TRUE(viewer->setProperty("DatabaseType", 1));
+  EXPECT_EQ(viewer->DatabaseType(), 1);
+}
+
+TEST_F(Lifecycle, ANewViewerStartsWithEverythingCheckedAndOpen) {
+  const auto viewer = newViewer();
+  EXPECT_EQ(treeText(*viewer),
+            "[x] Configuration\n"
+            "  [x] Korvel Explorer\n"
+            "  [x] Alarms\n"
+            "  [x] Tag Logging\n"
+            "  [x] User Archives\n"
+            "[x] Runtime\n"
+            "  [x] Custom Operator Actions\n"
+            "  [x] User Archives\n"
+            "[x] Document Control\n"
+            "  [x] Check IN\n"
+            "  [x] Check OUT\n"
+            "  [x] Rollback\n"
+            "  [x] Restore\n");
+  for (const char* root : {"Configuration", "Runtime", "Document Control"})
+    EXPECT_TRUE(node(*viewer, root)->isExpanded());
+  EXPECT_EQ(element<QTabWidget>(*viewer, "SSTab1")->currentIndex(), 0);
+  EXPECT_EQ(libraryState().printFont.name, "Courier");
+  EXPECT_EQ(libraryState().printFont.size, 9);
+  EXPECT_THAT(recorder->messages, ::testing::IsEmpty());
+  EXPECT_TRUE(server.connectionStrings.empty());
+}
+
+TEST_F(Lifecycle, StandardListsHaveTheirColumnsAndTheCustomListHasNone) {
+  const auto viewer = newViewer();
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(list(*viewer, i)->model()->columnCount(), 18) << i;
+    EXPECT_EQ(list(*viewer, i)->model()->headerData(0, Qt::Horizontal).toString(), "Entry ID") << i;
+    EXPECT_EQ(list(*viewer, i)->model()->headerData(17, Qt::Horizontal).toString(), "Summer Time") << i;
+  }
+  EXPECT_EQ(list(*viewer, 5)->model()->columnCount(), 0);
+}
+
+TEST_F(Lifecycle, PagesHaveTheirFixedCaptions) {
+  settings.values["Language"] = "10000";
+  const auto viewer = newViewer();
+  const auto* tabs = element<QTabWidget>(*viewer, "SSTab1");
+  QStringList captions;
+  for (int i = 0; i < tabs->count(); ++i) captions.append(tabs->tabText(i));
+  EXPECT_EQ(captions,
+            (QStringList{"ALL Audits", "Configuration", "Runtime", "Document Control", "KorvelAudit", "Custom"}));
+}
+
+TEST_F(Lifecycle, AnAbsentLanguageIsEnglish) {
+  const auto viewer = newViewer();
+  EXPECT_EQ(libraryState().language.text(), "0");
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), "Date Range");
+  EXPECT_EQ(element<QLabel>(*viewer, "lblDateRange")->text(), "No Date Range Selected");
+}
+
+TEST_F(Lifecycle, TheStoredLanguageCaptionsTheSideControls) {
+  settings.values["Language"] = "20000";
+  const auto viewer = newViewer();
+  EXPECT_EQ(libraryState().language.text(), "20000");
+  const auto text = [](int english) {
+    const std::string_view french = settings::loadTextByIdentifier(english + 20000);
+    return QString::fromUtf8(french.data(), static_cast<qsizetype>(french.size()));
+  };
+  EXPECT_EQ(element(*viewer, "frameFilter")->property("title").toString(), text(10039));
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), text(10040));
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btClearDateRange")->text(), text(10041));
+  EXPECT_EQ(element<QLabel>(*viewer, "lblDateRange")->text(), text(10042));
+  EXPECT_EQ(element(*viewer, "frameTools")->property("title").toString(), text(10043));
+  EXPECT_EQ(element(*viewer, "btSelectDB")->toolTip(), text(10044));
+  EXPECT_EQ(element(*viewer, "btDBInfo")->toolTip(), text(10045));
+  EXPECT_EQ(element(*viewer, "btQuery")->toolTip(), text(10046));
+  EXPECT_EQ(element(*viewer, "btClear")->toolTip(), text(10047));
+  EXPECT_EQ(element(*viewer, "btSelectALL")->toolTip(), text(10048));
+  EXPECT_EQ(element(*viewer, "btUnselectALL")->toolTip(), text(10049));
+}
+
+TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {
+  settings.openFailure = settings::errorAccessDenied;
+  const auto viewer = newViewer();
+  ASSERT_EQ(recorder->messages.size(), 1U);
+  const int number = static_cast<int>(0x80040000U + 2005U);
+  EXPECT_EQ(recorder->messages[0],
+            (ShownMessage{
+                MessageIcon::critical, "",
+                QString::number(number) + ":Error in Initialize.  Error Message: Could not open registry section"}));
+  // Built as far as it came: neither columns nor tree, and still a control that can be shown.
+  EXPECT_EQ(list(*viewer, 0)->model()->columnCount(), 0);
+  EXPECT_EQ(treeText(*viewer), "");
+  viewer->show();
+  viewer->TriggerQuery();
+  EXPECT_TRUE(viewer->isVisible());
+}
+
+TEST_F(Lifecycle, ShowConnectsToNothingWithoutAServer) {
+  for (const char* none : {"", "(None)"}) {
+    const auto viewer = newViewer();
+    const QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);
+    viewer->setDefaultSQLServer(none);
+    viewer->show();
+    EXPECT_EQ(selected.count(), 0) << none;
+    EXPECT_EQ(libraryState().connection.ConnectionString, "") << none;
+    EXPECT_FALSE(element(*viewer, "btQuery")->isEnabled()) << none;
+  }
+}
+
+TEST_F(Lifecycle, EveryShowConnectsToAnyOtherServer) {
+  for (const char* name : {"S", " ", "(none)", "None"}) {
+    const auto viewer = newViewer();
+    const QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);
+    viewer->setDefaultSQLServer(name);
+    EXPECT_EQ(selected.count(), 0) << name;
+    viewer->show();
+    viewer->hide();
+    viewer->show();
+    EXPECT_EQ(selected.count(), 2) << name;
+  }
+}
+
+TEST_F(Lifecycle, AWindowThatComesBackFromTheTaskBarIsNoNewShow) {
+  const auto viewer = shownViewer();
+  const QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);
+  viewer->setWindowState(Qt::WindowMinimized);
+  QCoreApplication::processEvents();
+  viewer->setWindowState(Qt::WindowNoState);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(selected.count(), 0);
+}
+
+TEST_F(Lifecycle, AControlInsideAHostIsShownWithIt) {
+  QWidget host;
+  auto* layout = new QVBoxLayout(&host);
+  auto* viewer = new AuditViewer(&host);
+  layout->addWidget(viewer);
+  viewer->setDefaultSQLServer("S");
+  const QSignalSpy selected(viewer, &AuditViewer::DatabaseSelected);
+  host.show();
+  EXPECT_EQ(selected.count(), 1);
+}
+
+TEST_F(Lifecycle, AViewerMayDieWhileItsMessageIsShown) {
+  auto viewer = shownViewer();
+  server.resultSets = {{}};
+  recorder->onMessage = [&] { viewer.reset(); };
+  viewer->findChild<QAbstractButton*>("btQuery")->click();
+  EXPECT_EQ(viewer, nullptr);
+  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+}
+
+TEST_F(Properties, EachSettingAnnouncesItself) {
+  const auto viewer = newViewer();
+  QSignalSpy changed(viewer.get(), &AuditViewer::PropertyChanged);
+  viewer->setViewSideTools(false);
+  viewer->setViewToolBar(false);
+  viewer->setDefaultSQLServer("S");
+  viewer->setDatabaseType(1);
+  viewer->setDatabaseType(1);
+  QStringList names;
+  for (const QList<QVariant>& call : changed) names.append(call[0].toString());
+  EXPECT_EQ(names, (QStringList{"ViewSideTools", "ViewToolBar", "DefaultSQLServer", "DatabaseType", "DatabaseType"}));
+}
+
+TEST_F(Properties, SideToolsFollowTheirPropertyAtOnce) {
+  const auto viewer = shownViewer();
+  ASSERT_TRUE(element(*viewer, "frameFilter")->isVisible());
+  viewer->setViewSideTools(false);
+  for (const char* name : {"tvTreeView", "frameFilter", "btDateRangeFilter", "btClearDateRange", "frameTools"})
+    EXPECT_FALSE(element(*viewer, name)->isVisible()) << name;
+  viewer->setViewSideTools(true);
+  for (const char* name : {"tvTreeView", "frameFilter", "btDateRangeFilter", "btClearDateRange", "frameTools"})
+    EXPECT_TRUE(element(*viewer, name)->isVisible()) << name;
+}
+
+TEST_F(Properties, AReadValueTakesEffectAtTheNextShow) {
+  const auto viewer = shownViewer();
+  const QSignalSpy changed(viewer.get(), &AuditViewer::PropertyChanged);
+  EXPECT_EQ(viewer->ReadProperties(QVariantMap{{"ViewSideTools", false}}), "");
+  EXPECT_FALSE(viewer->ViewSideTools());
+  EXPECT_TRUE(element(*viewer, "frameFilter")->isVisible());
+  EXPECT_EQ(changed.count(), 0);
+  viewer->hide();
+  viewer->show();
+  EXPECT_FALSE(element(*viewer, "frameFilter")->isVisible());
+}
+
+TEST_F(Properties, ABagRoundTripKeepsAllFour) {
+  const auto viewer = newViewer();
+  viewer->setViewSideTools(false);
+  viewer->setDefaultSQLServer("AUDITSRV");
+  viewer->setDatabaseType(1);
+  const auto other = newViewer();
+  EXPECT_EQ(other->ReadProperties(viewer->WriteProperties()), "");
+  EXPECT_FALSE(other->ViewSideTools());
+  EXPECT_TRUE(other->ViewToolBar());
+  EXPECT_EQ(other->DefaultSQLServer(), "AUDITSRV");
+  EXPECT_EQ(other->DatabaseType(), 1);
+  other->InitProperties();
+  EXPECT_EQ(other->WriteProperties(), QVariant(QVariantMap{{"ViewSideTools", true}, {"ViewToolBar", true}}));
+}
+
+TEST_F(Properties, ABadBagIsPassedToTheContainer) {
+  const auto viewer = newViewer();
+  EXPECT_EQ(viewer->ReadProperties(QVariantMap{{"DatabaseType", "many"}}), "13:Type mismatch");
+  EXPECT_THAT(recorder->messages, ::testing::IsEmpty());
+}
+
+TEST_F(Properties, TwoInstancesKeepTheirOwnPropertiesAndShareTheSelection) {
+  const auto first = shownViewer();
+  const auto second = newViewer();
+  second->setDefaultSQLServer("T");
+  second->setDatabaseType(1);
+  EXPECT_EQ(first->DefaultSQLServer(), "S");
+  second->resize(1000, 700);
+  second->show();
+  EXPECT_EQ(libraryState().connection.CurrentServer, "T");
+  // The first one's next query goes to what the second has selected.
+  server.resultSets = {{record("1", "CS")}};
+  first->TriggerQuery();
+  EXPECT_THAT(
+      server.connectionStrings,
+      ::testing::ElementsAre("Provider=SQLOLEDB; Server=T; Database=Korvel_Audit_MU; Integrated Security=SSPI;"));
+}
+
+TEST_F(Properties, ANewInstanceIsLockedThoughAnotherHasSelectedADatabase) {
+  const auto first = shownViewer();
+  const auto second = newViewer();
+  EXPECT_TRUE(element(*first, "btQuery")->isEnabled());
+  EXPECT_FALSE(element(*second, "btQuery")->isEnabled());
+}
+
+}  // namespace
+}  // namespace korvel::test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QLoggingCategory>
+#include <cstring>
+
+namespace korvel::test {
+
+/// Watches a model and turns every complaint of Qt's model tester into a test failure: left alone, it only prints them.
+class ModelWatch {
+ public:
+  explicit ModelWatch(QAbstractItemModel* model) {
+    previous_ = qInstallMessageHandler(&ModelWatch::take);
+    tester_ =
+        std::make_unique<QAbstractItemModelTester>(model, QAbstractItemModelTester::FailureReportingMode::Warning);
+  }
+  ~ModelWatch() {
+    tester_.reset();
+    qInstallMessageHandler(previous_);
+  }
+  ModelWatch(const ModelWatch&) = delete;
+  ModelWatch& operator=(const ModelWatch&) = delete;
+
+ private:
+  static void take(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (context.category != nullptr && std::strcmp(context.category, "qt.modeltest") == 0 && type != QtDebugMsg)
+      ADD_FAILURE() << "model tester: " << text.toStdString();
+  }
+
+  QtMessageHandler previous_ = nullptr;
+  std::unique_ptr<QAbstractItemModelTester> tester_;
+};
+
+}  // namespace korvel::test

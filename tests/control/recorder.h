@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QSet>
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "control/control_services.h"
+
+namespace korvel::test {
+
+struct ShownMessage {
+  control::MessageIcon icon;
+  QString title;
+  QString text;
+  friend bool operator==(const ShownMessage&, const ShownMessage&) = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const ShownMessage& message) {
+  const char* const icons[] = {"none", "critical", "information"};
+  return out << '[' << icons[static_cast<int>(message.icon)] << "] \"" << message.title.toStdString() << "\" \""
+             << message.text.toStdString() << '"';
+}
+
+/// Answers the control from a script and writes down what it was asked.
+class Recorder final : public control::ControlServices {
+ public:
+  void messageBox(QWidget* owner, control::MessageIcon icon, const QString& title, const QString& text) override {
+    owners.append(owner);
+    messages.push_back({icon, title, text});
+    if (onMessage) onMessage();
+  }
+  std::optional<QFont> chooseFont(QWidget*, const QFont& current) override {
+    offeredFont = current;
+    return chosenFont;
+  }
+  [[nodiscard]] bool hasForm(const QString& name) const override { return forms.contains(name); }
+  void showForm(QWidget*, const QString& name) override {
+    shownForms.append(name);
+    if (onForm) onForm();
+  }
+  void setPointer(control::Pointer pointer) override { pointers.push_back(pointer); }
+
+  std::vector<ShownMessage> messages;
+  QList<QWidget*> owners;
+  std::function<void()> onMessage;
+  std::optional<QFont> chosenFont;
+  QFont offeredFont;
+  QSet<QString> forms;
+  QStringList shownForms;
+  std::function<void()> onForm;
+  std::vector<control::Pointer> pointers;
+};
+
+}  // namespace korvel::test

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <map>
+#include <optional>
+
+#include "base/error.h"
+#include "db/server_directory.h"
+
+namespace korvel::test {
+
+/// What a network holds, and what happens when it is asked.
+struct CannedNetwork {
+  std::vector<std::string> local;
+  std::vector<std::string> all;
+  std::map<std::string, std::vector<db::DatabaseInfo>> databases;
+  std::map<std::string, Error> failures;
+  std::optional<Error> listingFailure;
+  std::vector<db::ServerEvent> events;
+  std::vector<std::string> asked;  ///< "local", "all" and names of servers
+  int open = 0;                    ///< directories that live
+  std::function<void()> whileListing;
+};
+
+class CannedDirectory final : public db::ServerDirectory {
+ public:
+  explicit CannedDirectory(CannedNetwork& network) : network_(network) { ++network_.open; }
+  ~CannedDirectory() override { --network_.open; }
+  CannedDirectory(const CannedDirectory&) = delete;
+  CannedDirectory& operator=(const CannedDirectory&) = delete;
+
+  std::vector<std::string> networkServers() override { return list("all", network_.all); }
+  std::vector<std::string> localServers() override { return list("local", network_.local); }
+  std::vector<db::DatabaseInfo> databases(const std::string& server) override {
+    ask(server);
+    if (onEvent)
+      for (const db::ServerEvent& event : network_.events) onEvent(event);
+    const auto failure = network_.failures.find(server);
+    if (failure != network_.failures.end()) throw failure->second;
+    return network_.databases[server];
+  }
+
+ private:
+  void ask(const std::string& what) {
+    network_.asked.push_back(what);
+    if (network_.whileListing) network_.whileListing();
+  }
+  std::vector<std::string> list(const std::string& what, const std::vector<std::string>& names) {
+    ask(what);
+    if (network_.listingFailure) throw *network_.listingFailure;
+    return names;
+  }
+
+  CannedNetwork& network_;
+};
+
+}  // namespace korvel::test

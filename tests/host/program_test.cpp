@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include "query/audit_record.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::host {
+namespace {
+
+/// The program as a person starts it, without a display.
+class Program : public ::testing::Test {
+ protected:
+  struct Result {
+    int status;
+    QString output;
+    QString errors;
+  };
+
+  Result run(const QStringList& arguments) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR"})
+      environment.remove(name);
+    environment.insert("KORVEL_REGISTRY", path("settings.reg"));
+    environment.insert("XDG_CONFIG_HOME", path("config"));
+    process.setProcessEnvironment(environment);
+    process.start(KORVEL_HOST, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+  }
+  QString path(const char* name) const { return QString::fromStdString((folder / name).string()); }
+
+  void writeDatabase(int rows) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open((folder / "Korvel_Audit.db").c_str(), &database), SQLITE_OK);
+    std::string text =
+        "create table Korvel_Audit_Trails (Nr integer, DateTime, ProjectGUID, DatabaseName, ApplicationName, "
+        "TableName, "
+        "FieldName, EventType, EventItem, OldValue, NewValue, PCName, OSUser, AppUser, UserName, AuditType, Comments, "
+        "T1);";
+    for (int i = 1; i <= rows; ++i)
+      text += "insert into Korvel_Audit_Trails (Nr, AuditType) values (" + std::to_string(i) + ", 'CS');";
+    EXPECT_EQ(sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    sqlite3_close(database);
+  }
+  QStringList shot(const QStringList& more = {}) const {
+    return QStringList{"--shot", path("shot.png"), "--server", QString::fromStdString(folder.path().string())} + more;
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(Program, HelpAndVersionNeedNoDisplay) {
+  const Result help = run({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_TRUE(help.output.startsWith("Usage: KorvelAuditViewer [options]"));
+  const Result version = run({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_TRUE(version.output.startsWith("Korvel Audit Viewer 1."));
+}
+
+TEST_F(Program, WithoutADisplayItSaysSo) {
+  const Result result = run({});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_TRUE(result.errors.contains("There is no display")) << result.errors.toStdString();
+}
+
+TEST_F(Program, WrongUsageIsSaidWithTheHelp) {
+  const Result result = run(shot({"--colour", "red"}));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_TRUE(result.errors.contains("The command line is not understood: --colour"));
+  EXPECT_TRUE(result.errors.contains("--server NAME"));
+}
+
+TEST_F(Program, AShotIsThePictureOfTheAnswer) {
+  writeDatabase(40);
+  const Result result = run(shot({"--size", "900x500"}));
+  EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+  const QImage picture(path("shot.png"), "PNG");
+  EXPECT_EQ(picture.size(), QSize(900, 500));
+  EXPECT_FALSE(std::filesystem::exists(folder / "config" / "korvel" / "viewer-form.json"));
+}
+
+TEST_F(Program, AShotWithoutRecordsIsTakenAndSaysSo) {
+  writeDatabase(0);
+  const Result result = run(shot());
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(result.errors.contains("No records found for filter criteria"));
+  EXPECT_FALSE(QImage(path("shot.png")).isNull());
+}
+
+TEST_F(Program, AFailedQueryHasAReasonAndNoPicture) {
+  const Result result = run(shot());
+  EXPECT_EQ(result.status, 3);
+  EXPECT_TRUE(result.errors.contains("The query failed. ")) << result.errors.toStdString();
+  EXPECT_FALSE(std::filesystem::exists(folder / "shot.png"));
+}
+
+TEST_F(Program, APictureThatCannotBeWrittenHasAReason) {
+  writeDatabase(1);
+  const Result result =
+      run({"--shot", path("no/such/folder/shot.png"), "--server", QString::fromStdString(folder.path().string())});
+  EXPECT_EQ(result.status, 4);
+  EXPECT_TRUE(result.errors.contains("cannot be written")) << result.errors.toStdString();
+}
+
+}  // namespace
+}  // namespace korvel::host
