@@ -1,0 +1,25 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+
+namespace korvel::bench {
+
+/// The least time of several runs: on a machine that is not alone the only figure that says something about the
+/// program.
+struct Least {
+  double seconds = std::numeric_limits<double>::infinity();
+
+  /// Runs `work`; returns what this run took, in seconds.
+  template <typename Work>
+  double measure(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    const double taken = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    seconds = std::min(seconds, taken);
+    return taken;
+  }
+};
+
+}  // namespace korvel::bench

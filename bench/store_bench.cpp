@@ -1,0 +1,53 @@
+// Reading a million records into the row store against merely stepping through the same answer.
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+
+#include "bench/audit_file.h"
+#include "bench/bare_sqlite.h"
+#include "bench/least.h"
+#include "db/open_connection.h"
+#include "results/row_sink.h"
+
+namespace korvel::bench {
+namespace {
+
+const std::string wholeTrail = "Select * from Korvel_Audit_Trails";
+
+/// All sides in turn, on connections that are open already, so that a busy machine slows each of them; the least of
+/// each counts.
+void loadMillionRecords(benchmark::State& state) {
+  const AuditFolder& folder = millionRecords();
+  BareSqlite bare{folder.file()};
+  const auto connection = db::openConnection(folder.connectionString());
+  const std::size_t textBytes = bare.textBytes(wholeTrail);
+  Least bareTime;
+  Least readTime;
+  Least storeTime;
+  std::size_t memoryBytes = 0;
+  for (auto _ : state) {
+    bareTime.measure([&] { benchmark::DoNotOptimize(bare.stepThrough(wholeTrail)); });
+    readTime.measure([&] { benchmark::DoNotOptimize(bare.textBytes(wholeTrail)); });
+    std::shared_ptr<const results::RowStore> store;
+    state.SetIterationTime(storeTime.measure([&] {
+      results::RowSink sink;
+      connection->execute(wholeTrail, sink);
+      store = sink.takeStore();
+    }));
+    memoryBytes = store->memoryBytes();
+    if (store->rowCount() != manyRows) return state.SkipWithError("rows are missing");
+  }
+  state.counters["bare_ms"] = bareTime.seconds * 1000;
+  state.counters["read_ms"] = readTime.seconds * 1000;
+  state.counters["store_ms"] = storeTime.seconds * 1000;
+  state.counters["store_to_bare"] = storeTime.seconds / bareTime.seconds;
+  state.counters["store_to_read"] = storeTime.seconds / readTime.seconds;
+  state.counters["memory_MB"] = static_cast<double>(memoryBytes) / 1e6;
+  state.counters["memory_to_text"] = static_cast<double>(memoryBytes) / static_cast<double>(textBytes);
+}
+BENCHMARK(loadMillionRecords)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
+
+}  // namespace
+}  // namespace korvel::bench

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "base/text.h"
+#include "db/odbc/server_approach.h"
+#include "tests/support/tds/bare_odbc.h"
+
+namespace korvel::test {
+
+/// The product's own way to a server, but for the last inch: no login service is asked, and FreeTDS logs in with a name
+/// and a password.
+inline db::odbc::ServerAccess accessWithoutDomain() {
+  db::odbc::ServerAccess access;
+  access.requireTicket = [](const std::string&, const db::net::Deadline&) {};
+  access.driverText = [](const db::odbc::LoginRequest& request) {
+    return replaceAll(db::odbc::driverText(request), "Trusted_Connection={yes};", "UID={reader};PWD={secret};");
+  };
+  access.options.driver = installedFreeTds().value_or("");
+  return access;
+}
+
+}  // namespace korvel::test

@@ -1,0 +1,189 @@
+#include "db/odbc/server_check.h"
+
+#include "db/odbc/install_procedure.h"
+#include "db/procedure/audit_conditions.h"
+#include "settings/explained_error.h"
+#include "tests/db/audit_database.h"
+#include "tests/odbc/wire.h"
+
+namespace korvel::test {
+namespace {
+
+using db::CheckOutcome;
+using tds::Answer;
+using tds::Moment;
+using tds::Steps;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+const settings::LanguageOffset english;
+
+/// A line a step: "ok Port: 1433 is open", "failed Login: ...", "not reached Rows".
+std::string printed(const std::vector<db::CheckStep>& steps, bool details = false) {
+  std::string text;
+  for (const db::CheckStep& step : steps) {
+    text += step.outcome == CheckOutcome::ok ? "ok " : step.outcome == CheckOutcome::failed ? "failed " : "- ";
+    text += step.key + (details ? ": " + db::checkDetail(step, english) : "") + "\n";
+  }
+  return text;
+}
+
+const db::CheckStep* failedStep(const std::vector<db::CheckStep>& steps) {
+  for (const db::CheckStep& step : steps)
+    if (step.outcome == CheckOutcome::failed) return &step;
+  return nullptr;
+}
+
+class ServerCheck : public WireTest {
+ protected:
+  void SetUp() override {
+    WireTest::SetUp();
+    peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().result({{"Nr", "int"}, {"DateTime", "datetime"}}));
+    peer_.answer(emptyCall, Answer().procedure());
+    peer_.answer("SELECT COUNT(*) AS n FROM Korvel_Audit_Trails", Answer().result({{"n", "int"}}).row({4711}));
+  }
+
+  const std::string emptyCall =
+      "QueryAudits 'False','False','False','False','False','False','False','False','False','False','False','False',"
+      "'False'";
+
+  std::vector<db::CheckStep> check(const std::string& database = "Korvel_Audit") {
+    return db::checkServer(serverName(), database, access_);
+  }
+  /// The step that failed, and the sentence about it.
+  std::string failure() {
+    const auto steps = check();
+    const db::CheckStep* const step = failedStep(steps);
+    return step == nullptr ? "none" : step->key + " " + step->failure->textKey();
+  }
+};
+
+TEST_F(ServerCheck, goesTheWholeWay) {
+  EXPECT_EQ(printed(check(), true), "ok name: resolved to localhost:" + std::to_string(peer_.port()) +
+                                        "\nok port: " + std::to_string(peer_.port()) +
+                                        " is open\n"
+                                        "ok protocol: the server answers, version 15.0.4096\n"
+                                        "ok encryption: TLSv1.2, the certificate is trusted\n"
+                                        "ok ticket: valid for MSSQLSvc/localhost:" +
+                                        std::to_string(peer_.port()) +
+                                        "\n"
+                                        "ok login: accepted\n"
+                                        "ok database: Korvel_Audit can be opened\n"
+                                        "ok table: readable, 2 columns\n"
+                                        "ok procedure: present and callable\n"
+                                        "ok rows: 4711 in the audit trail\n");
+  EXPECT_THAT(peer_.record().complaints, IsEmpty());
+}
+
+TEST_F(ServerCheck, endsWithTheLoginWhereNoDatabaseIsNamed) {
+  EXPECT_EQ(printed(check("")), "ok name\nok port\nok protocol\nok encryption\nok ticket\nok login\n");
+}
+
+TEST_F(ServerCheck, everyTitleAndSentenceHasItsText) {
+  for (const db::CheckStep& step : check()) {
+    EXPECT_FALSE(db::checkTitle(step, english).empty()) << step.key;
+    EXPECT_FALSE(db::checkDetail(step, english).empty()) << step.key;
+    EXPECT_THAT(db::checkDetail(step, english), ::testing::Not(HasSubstr("%")));
+  }
+}
+
+TEST_F(ServerCheck, namesTheFirstStepThatFailsAndWhatWasNotReached) {
+  peer_.at(Moment::preloginReceived, Steps().close());
+  const auto steps = check();
+  EXPECT_EQ(printed(steps),
+            "ok name\nok port\nfailed protocol\n- encryption\n- ticket\n- login\n- database\n- table\n- "
+            "procedure\n- rows\n");
+  EXPECT_THAT(db::checkDetail(steps[2], english), HasSubstr("Check the server name and the port"));
+  EXPECT_EQ(db::checkDetail(steps[3], english), "not reached");
+}
+
+TEST_F(ServerCheck, eachStepHasItsOwnReason) {
+  peer_.setEncryption(tds::Encryption::unsupported);
+  EXPECT_EQ(failure(), "encryption failure.noEncryption");
+  peer_.setEncryption(tds::Encryption::available);
+
+  const auto authorities = std::exchange(access_.options.certificateAuthorities, "");
+  EXPECT_EQ(failure(), "encryption failure.certificate");
+  access_.options.certificateAuthorities = authorities;
+
+  access_.requireTicket = [](const std::string& principal, const db::net::Deadline&) {
+    throw settings::explainedError(18452, "failure.noTicket", {principal});
+  };
+  EXPECT_EQ(failure(), "ticket failure.noTicket");
+  access_.requireTicket = [](const std::string&, const db::net::Deadline&) {};
+
+  peer_.refuseLogin({{18456, "Login failed.", 14}});
+  EXPECT_EQ(failure(), "login failure.loginRefused");
+  peer_.refuseLogin({});
+
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  EXPECT_EQ(failure(), "table ");
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().result({{"Nr", "int"}}));
+
+  peer_.answer(emptyCall, Answer().error({2812, "Could not find stored procedure 'QueryAudits'.", 16}));
+  EXPECT_EQ(failure(), "procedure failure.procedureMissing");
+  peer_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
+  EXPECT_EQ(failure(), "procedure ");
+  peer_.answer(emptyCall, Answer().procedure());
+
+  peer_.stop();
+  EXPECT_EQ(failure(), "port failure.portClosed");
+}
+
+TEST(EmbeddedCheck, hasTheStepsThatApply) {
+  const TemporaryFolder folder;
+  writeAuditDatabase(folder / "Korvel_Audit.db", {{1, std::nullopt, std::nullopt, std::nullopt, "CS"}});
+  const db::odbc::ServerAccess access;
+  EXPECT_EQ(printed(db::checkServer(folder.path().string(), "Korvel_Audit", access), true),
+            "ok name: embedded engine, folder " + folder.path().string() +
+                "\nok database: Korvel_Audit can be opened\nok table: readable, 18 columns\nok procedure: present and "
+                "callable\nok rows: 1 in the audit trail\n");
+  EXPECT_EQ(printed(db::checkServer(folder.path().string(), "", access)), "ok name\n");
+  EXPECT_EQ(printed(db::checkServer(folder.path().string(), "Nowhere", access)),
+            "ok name\nfailed database\n- table\n- procedure\n- rows\n");
+  EXPECT_EQ(printed(db::checkServer((folder / "nowhere").string(), "Korvel_Audit", access)),
+            "failed name\n- database\n- table\n- procedure\n- rows\n");
+}
+
+class InstallProcedure : public WireTest {};
+
+TEST_F(InstallProcedure, runsTheScriptBatchByBatch) {
+  peer_.answerOthers([](const tds::Command&) { return Answer(); });
+  db::installQueryAudits(serverName(), "Korvel_Audit", access_);
+  const auto texts = peer_.texts();
+  EXPECT_EQ(texts, db::scriptBatches(db::queryAuditsScript()));
+  ASSERT_EQ(texts.size(), 4U);
+  EXPECT_THAT(texts[0], HasSubstr("DROP PROCEDURE dbo.QueryAudits"));
+  EXPECT_TRUE(texts[3].starts_with("\nCREATE PROCEDURE dbo.QueryAudits")) << texts[3].substr(0, 40);
+  EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
+}
+
+TEST_F(InstallProcedure, stopsAtTheFirstFailure) {
+  peer_.answerOthers([](const tds::Command& command) {
+    return command.text.find("ANSI_NULLS") == std::string::npos
+               ? Answer()
+               : Answer().error({262, "CREATE PROCEDURE permission denied.", 14});
+  });
+  const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
+  EXPECT_EQ(error->number(), 262);
+  EXPECT_EQ(peer_.texts().size(), 2U);
+}
+
+TEST_F(InstallProcedure, theEmbeddedEngineNeedsNone) {
+  EXPECT_EQ(errorOf([&] { db::installQueryAudits("(embedded)", "Korvel_Audit", access_); })->textKey(),
+            "failure.procedureBuiltIn");
+}
+
+TEST(ScriptBatches, endAtLinesThatSayGo) {
+  EXPECT_THAT(db::scriptBatches("a\nGO\nb\n"), ElementsAre("a\n", "b\n"));
+  EXPECT_THAT(db::scriptBatches("a\r\n  go \t\r\nb"), ElementsAre("a\r\n", "b"));
+  EXPECT_THAT(db::scriptBatches("GO\n\nGO\n \t\nGo"), IsEmpty());
+  EXPECT_THAT(db::scriptBatches("GOTO x\n-- GO\nSELECT 'GO'\n"), ElementsAre("GOTO x\n-- GO\nSELECT 'GO'\n"));
+  EXPECT_THAT(db::scriptBatches(""), IsEmpty());
+}
+
+}  // namespace
+}  // namespace korvel::test

@@ -1,0 +1,163 @@
+#include "db/odbc/connection_options.h"
+#include "db/odbc/driver_login.h"
+#include "db/odbc/server_address.h"
+#include "settings/registry_file.h"
+#include "tests/odbc/wire.h"
+
+namespace korvel::db {
+namespace {
+
+using namespace std::chrono_literals;
+using odbc::DriverFamily;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+std::string takenApart(std::string_view name) {
+  const ServerName server = parseServerName(name);
+  return server.host + " " + server.instance + " " + (server.port ? std::to_string(*server.port) : "");
+}
+
+TEST(ServerNames, areTakenApart) {
+  EXPECT_EQ(takenApart("AUDITSRV"), "AUDITSRV  ");
+  EXPECT_EQ(takenApart("  AUDITSRV  "), "AUDITSRV  ");
+  EXPECT_EQ(takenApart("audit-srv.plant.example"), "audit-srv.plant.example  ");
+  EXPECT_EQ(takenApart("AUDITSRV\\WINCC"), "AUDITSRV WINCC ");
+  EXPECT_EQ(takenApart("AUDITSRV,1444"), "AUDITSRV  1444");
+  EXPECT_EQ(takenApart("AUDITSRV , 65535 "), "AUDITSRV  65535");
+  EXPECT_EQ(takenApart("AUDITSRV\\WINCC,1444"), "AUDITSRV WINCC 1444");
+  EXPECT_EQ(takenApart("tcp:AUDITSRV,1444"), "AUDITSRV  1444");
+  EXPECT_EQ(takenApart("TCP:AUDITSRV"), "AUDITSRV  ");
+  EXPECT_EQ(takenApart("."), "localhost  ");
+  EXPECT_EQ(takenApart("(local)\\WINCC"), "localhost WINCC ");
+  EXPECT_EQ(takenApart("10.0.0.7,1433"), "10.0.0.7  1433");
+  EXPECT_EQ(takenApart("fe80::1"), "fe80::1  ");
+  EXPECT_EQ(takenApart("prüfstand"), "prüfstand  ");
+}
+
+TEST(ServerNames, thatCannotBeOneAreRefused) {
+  for (const char* name :
+       {"",        "  ",     ",1433", "\\WINCC", "a b", "a;b",     "a\tb",  "a{",   "(None)", "a\\",
+        "a\\b\\c", "a\\b c", "a,",    "a,0",     "a,x", "a,65536", "a,1 2", "a,+5", "tcp:",   "a\nb"})
+    EXPECT_THROW((void)parseServerName(name), Error) << name;
+  EXPECT_THROW((void)parseServerName(std::string(256, 'a')), Error);
+  EXPECT_THROW((void)parseServerName("a\\" + std::string(33, 'b')), Error);
+}
+
+odbc::LoginRequest request(DriverFamily family) {
+  odbc::LoginRequest request;
+  request.driver = {family == DriverFamily::freeTds ? "FreeTDS" : "ODBC Driver 18 for SQL Server", family};
+  request.address = {"auditsrv.plant", 1444};
+  request.database = "Korvel_Audit";
+  request.servicePrincipal = "MSSQLSvc/auditsrv.plant:1444";
+  return request;
+}
+
+TEST(DriverText, ofTheVendorsDriver) {
+  odbc::LoginRequest vendor = request(DriverFamily::vendor);
+  EXPECT_EQ(driverText(vendor),
+            "Driver={ODBC Driver 18 for SQL Server};Server={auditsrv.plant,1444};Encrypt={yes};"
+            "TrustServerCertificate={no};Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
+  vendor.options.trustServerCertificate = true;
+  EXPECT_THAT(driverText(vendor), HasSubstr("Encrypt={yes};TrustServerCertificate={yes};"));
+  vendor.options.encrypt = false;
+  EXPECT_THAT(driverText(vendor), HasSubstr("Encrypt={no};"));
+  EXPECT_FALSE(needsConfiguration(vendor));
+}
+
+TEST(DriverText, ofFreeTds) {
+  odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
+  EXPECT_TRUE(needsConfiguration(freeTds));
+  EXPECT_EQ(driverText(freeTds),
+            "Driver={FreeTDS};Servername={auditsrv.plant};ServerSPN={MSSQLSvc/auditsrv.plant:1444};"
+            "Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
+  EXPECT_EQ(freeTdsConfiguration(freeTds),
+            "[auditsrv.plant]\n\thost = auditsrv.plant\n\tport = 1444\n\ttds version = 7.4\n\tencryption = require\n"
+            "\tca file = system\n\tcheck certificate hostname = yes\n");
+  freeTds.options.trustServerCertificate = true;
+  EXPECT_FALSE(needsConfiguration(freeTds));
+  EXPECT_EQ(driverText(freeTds),
+            "Driver={FreeTDS};Server={auditsrv.plant};Port={1444};Encryption={require};TDS_Version={7.4};"
+            "ServerSPN={MSSQLSvc/auditsrv.plant:1444};Database={Korvel_Audit};Trusted_Connection={yes};"
+            "APP={Korvel Audit Viewer};");
+  freeTds.options.encrypt = false;
+  EXPECT_THAT(driverText(freeTds), HasSubstr("Encryption={request};"));
+}
+
+TEST(DriverText, neverHoldsAUserOrAPassword) {
+  for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::freeTds}) {
+    EXPECT_THAT(driverText(request(family)), Not(HasSubstr("UID")));
+    EXPECT_THAT(driverText(request(family)), Not(HasSubstr("PWD")));
+  }
+}
+
+TEST(Drivers, theBestOneIsChosen) {
+  using odbc::chooseDriver;
+  const std::vector<std::string> all = {"SQLite3", "FreeTDS", "ODBC Driver 17 for SQL Server",
+                                        "ODBC Driver 18 for SQL Server"};
+  EXPECT_EQ(chooseDriver(all, "").name, "ODBC Driver 18 for SQL Server");
+  EXPECT_EQ(chooseDriver({"freetds", "ODBC Driver 17 for SQL Server"}, "").name, "ODBC Driver 17 for SQL Server");
+  EXPECT_EQ(chooseDriver({"SQLite3", "freetds"}, "").name, "freetds");
+  EXPECT_EQ(chooseDriver({"SQLite3", "freetds"}, "").family, DriverFamily::freeTds);
+  EXPECT_EQ(chooseDriver(all, "FreeTDS").family, DriverFamily::freeTds);
+  EXPECT_EQ(chooseDriver(all, "/usr/lib/odbc/libtdsodbc.so").family, DriverFamily::freeTds);
+  EXPECT_EQ(chooseDriver({}, "Mine").family, DriverFamily::vendor);
+  EXPECT_EQ(test::errorOf([] { (void)chooseDriver({"SQLite3"}, ""); })->textKey(), "failure.noDriver");
+}
+
+class Options : public ::testing::Test {
+ protected:
+  void set(const std::string& name, const std::string& value) {
+    settings::Registry(backend_).SaveSetting("Molvane", "AuditViewer", name, value);
+  }
+  ConnectionOptions load() { return loadConnectionOptions(settings::Registry(backend_)); }
+
+  test::TemporaryFolder folder_;
+  settings::RegistryFile backend_{folder_ / "settings.reg"};
+};
+
+TEST_F(Options, haveTheDefaultsThatUsersKnow) {
+  const test::EnvironmentVariable driver("KORVEL_ODBC_DRIVER");
+  const ConnectionOptions options = load();
+  EXPECT_EQ(options.connectionTimeout, 15s);
+  EXPECT_EQ(options.commandTimeout, 30s);
+  EXPECT_TRUE(options.encrypt);
+  EXPECT_FALSE(options.trustServerCertificate);
+  EXPECT_EQ(options.certificateAuthorities, "");
+  EXPECT_EQ(options.driver, "");
+}
+
+TEST_F(Options, areReadFromTheSettingsStoreAndTheEnvironment) {
+  set("ConnectionTimeout", "5");
+  set("CommandTimeout", "0");
+  set("Encrypt", "0");
+  set("TrustServerCertificate", "1");
+  set("CertificateAuthorities", "/etc/plant/ca.pem");
+  const test::EnvironmentVariable driver("KORVEL_ODBC_DRIVER", "Mine");
+  const ConnectionOptions options = load();
+  EXPECT_EQ(options.connectionTimeout, 5s);
+  EXPECT_EQ(options.commandTimeout, 0s);
+  EXPECT_FALSE(options.encrypt);
+  EXPECT_TRUE(options.trustServerCertificate);
+  EXPECT_EQ(options.certificateAuthorities, "/etc/plant/ca.pem");
+  EXPECT_EQ(options.driver, "Mine");
+}
+
+TEST_F(Options, nonsenseKeepsTheDefaults) {
+  for (const char* nonsense : {"", "0", "-1", "soon", "5 ", "1e3", "999999999999999999999", "86401"}) {
+    set("ConnectionTimeout", nonsense);
+    EXPECT_EQ(load().connectionTimeout, 15s) << nonsense;
+  }
+  for (const char* nonsense : {"", "-1", "never", "99999999"}) {
+    set("CommandTimeout", nonsense);
+    EXPECT_EQ(load().commandTimeout, 30s) << nonsense;
+  }
+  for (const char* text : {"", "1", "yes", "false"}) {
+    set("Encrypt", text);
+    set("TrustServerCertificate", text == std::string("1") ? "" : text);
+    EXPECT_TRUE(load().encrypt) << text;
+    EXPECT_FALSE(load().trustServerCertificate) << text;
+  }
+}
+
+}  // namespace
+}  // namespace korvel::db

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/whole_file.h"
+#include "tests/db/collected_answer.h"
+#include "tests/odbc/access_without_domain.h"
+#include "tests/support/tds/bare_odbc.h"
+#include "tests/support/tds/peer.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::test {
+
+/// A peer, and the product's connections to it: encrypted, its certificate checked.
+class WireTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!installedFreeTds()) GTEST_SKIP() << "the FreeTDS ODBC driver is not installed";
+    writeWholeFile(folder_ / "authorities.pem", peer_.certificatePem());
+    access_.options.certificateAuthorities = (folder_ / "authorities.pem").string();
+  }
+
+  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(peer_.port()); }
+  std::unique_ptr<db::Connection> connect(const std::string& database = "Korvel_Audit") {
+    return db::odbc::openServer(serverName(), database, access_);
+  }
+  /// Why no connection comes about; nothing where one does.
+  std::optional<Error> connectError(const std::string& database = "Korvel_Audit") {
+    return errorOf([&] { (void)connect(database); });
+  }
+
+  db::Connection& connection() {
+    if (!connection_) connection_ = connect();
+    return *connection_;
+  }
+  /// What the connection makes of an answer.
+  std::vector<CollectedResult> results(const tds::Answer& answer) {
+    peer_.answer("go", answer);
+    return resultsOf(connection(), "go");
+  }
+  std::string text(const tds::Answer& answer) {
+    peer_.answer("go", answer);
+    return answerText(connection(), "go");
+  }
+  std::optional<Error> error(const tds::Answer& answer) {
+    peer_.answer("go", answer);
+    return errorOfText(connection(), "go");
+  }
+  /// The one value of an answer; nothing for null.
+  std::optional<std::string> value(const char* declaration, const tds::Value& value) {
+    return results(tds::Answer().result({{"a", declaration}}).row({value})).at(0).rows.at(0).at(0);
+  }
+
+  TemporaryFolder folder_;
+  tds::TdsPeer peer_;
+  db::odbc::ServerAccess access_ = accessWithoutDomain();
+  std::unique_ptr<db::Connection> connection_;
+};
+
+}  // namespace korvel::test
