@@ -2,6 +2,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <ctime>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -59,6 +62,20 @@ test::tds::Answer demoAnswer() {
   return sink.answer;
 }
 
+/// The least processor time of several runs, all threads of the process together: what a busy machine blurs least.
+struct LeastWork {
+  Least clock;
+  double processorSeconds = std::numeric_limits<double>::infinity();
+
+  template <typename Work>
+  double measure(Work work) {
+    const std::clock_t before = std::clock();
+    const double taken = clock.measure(work);
+    processorSeconds = std::min(processorSeconds, static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC);
+    return taken;
+  }
+};
+
 void standardQueryOverTheWire(benchmark::State& state) {
   const auto driver = test::installedFreeTds();
   if (!driver) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
@@ -74,8 +91,8 @@ void standardQueryOverTheWire(benchmark::State& state) {
   const std::string server = "localhost," + std::to_string(peer.port());
   const std::string bareText = test::freeTdsString(*driver, peer.port(), "Encryption=require;UID=reader;PWD=secret;");
 
-  Least bareTime;
-  Least queryTime;
+  LeastWork bareTime;
+  LeastWork queryTime;
   for (auto _ : state) {
     // Both sides log in themselves, as each query does, and both are encrypted.
     std::size_t bareCells = 0;
@@ -94,11 +111,12 @@ void standardQueryOverTheWire(benchmark::State& state) {
         bareCells != lists[0].rowCount() * query::auditColumns().size())
       return state.SkipWithError("not the 45,000 rows that were to be measured");
   }
-  state.counters["bare_ms"] = bareTime.seconds * 1000;
-  state.counters["query_ms"] = queryTime.seconds * 1000;
-  state.counters["query_to_bare"] = queryTime.seconds / bareTime.seconds;
+  state.counters["bare_ms"] = bareTime.clock.seconds * 1000;
+  state.counters["query_ms"] = queryTime.clock.seconds * 1000;
+  state.counters["query_to_bare"] = queryTime.clock.seconds / bareTime.clock.seconds;
+  state.counters["work_to_bare"] = queryTime.processorSeconds / bareTime.processorSeconds;
 }
-BENCHMARK(standardQueryOverTheWire)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(standardQueryOverTheWire)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(60);
 
 }  // namespace
 }  // namespace korvel::bench

@@ -6,6 +6,7 @@
 #include "base/text.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
+#include "cli/names.h"
 #include "cli/output_target.h"
 #include "cli/read_option.h"
 #include "db/connection_state.h"
@@ -52,12 +53,6 @@ constexpr const char* footer =
     "  korvel-audit query --from 2024-03-01 --to 2024-03-07 --sort \"Date Time\" --descending\n"
     "  korvel-audit query --category D1 --category D2 --format csv --output checks.csv\n"
     "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
-
-/// A semicolon would end the value in the connection string, and the rest be taken for something else.
-std::optional<std::string> connectionName(const std::string& name) {
-  if (trimBlanks(name).empty() || name.find(';') != std::string::npos) return std::nullopt;
-  return name;
-}
 
 std::optional<std::size_t> standardListNumbered(const std::string& text) {
   if (text.size() != 1 || text[0] < '0' || text[0] >= '0' + static_cast<char>(query::standardListCount))

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <ostream>
 
@@ -9,6 +10,7 @@
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/query_command.h"
+#include "cli/server_commands.h"
 
 namespace korvel::cli {
 
@@ -23,6 +25,8 @@ constexpr const char* footer =
     "  korvel-audit demo                         write two databases to try things with\n"
     "  korvel-audit query                        show all audits as a table\n"
     "  korvel-audit query --help                 categories, dates, lists, formats\n"
+    "  korvel-audit servers --all                find servers\n"
+    "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
     "\n"
     "Exit status:\n"
     "  0  done, rows were written\n"
@@ -34,6 +38,8 @@ constexpr const char* footer =
     "Environment:\n"
     "  KORVEL_AUDIT_DATA   folder of the embedded databases (otherwise korvel/audit in the\n"
     "                      user's data folder, ~/.local/share)\n";
+
+constexpr std::array serverCommands = {&serversCommand, &databasesCommand, &installCommand, &checkCommand};
 
 int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
                 const query::Connector& connect) {
@@ -47,6 +53,9 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   QueryOptions queryOptions;
   const CLI::App* demo = addDemoCommand(app, demoOptions);
   addQueryCommand(app, queryOptions);
+  ServerOptions serverOptions;
+  std::array<const CLI::App*, serverCommands.size()> added{};
+  for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
 
   std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them off
   try {
@@ -55,6 +64,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     const bool asked = app.exit(stop, out, err) == static_cast<int>(CLI::ExitCodes::Success);
     return asked ? exitDone : exitWrongUsage;
   }
+  for (std::size_t i = 0; i < added.size(); ++i)
+    if (added.at(i)->parsed()) return serverCommands.at(i)->run(serverOptions, out, err);
   return demo->parsed() ? runDemo(demoOptions, out, err) : runQuery(queryOptions, connect, out, err);
 }
 

@@ -39,6 +39,7 @@ WrappedText::WrappedText(QWidget* parent) : QTextEdit(parent) {
   setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   viewport()->setAutoFillBackground(false);
   document()->setDocumentMargin(0);
+  setMaximumHeight(mostLines * fontMetrics().lineSpacing());
 }
 
 void WrappedText::setContent(const QString& text) {
@@ -108,6 +109,9 @@ void FailureBar::showFailure(int number, const QString& text, const QDateTime& t
   reason_->setAccessibleName(heading_->text());
   close_->setToolTip(hostText("host.closeMessage", language));
   setAccessibleName(heading_->text() + QLatin1Char(' ') + text);
+  // Another text may need another height, also where the bar is shown already.
+  layout()->invalidate();
+  updateGeometry();
   show();
   QAccessibleEvent alert(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&alert);

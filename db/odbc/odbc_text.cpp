@@ -31,6 +31,17 @@ char* writeCodePoint(char32_t codePoint, char* out) {
   return out;
 }
 
+/// Four units at once, where each of them is one byte.
+bool writeFourPlain(const char16_t* in, char* out) {
+  std::uint64_t units = 0;
+  std::memcpy(&units, in, sizeof units);
+  if ((units & 0xFF80FF80FF80FF80U) != 0) return false;
+  units = (units | units >> 8U) & 0x0000FFFF0000FFFFU;
+  const auto bytes = static_cast<std::uint32_t>(units | units >> 16U);
+  std::memcpy(out, &bytes, sizeof bytes);
+  return true;
+}
+
 }  // namespace
 
 std::u16string toUtf16(std::string_view text) {
@@ -55,18 +66,16 @@ std::u16string toUtf16(std::string_view text) {
 }
 
 char* writeUtf8(std::u16string_view utf16, char* out) {
+  constexpr std::ptrdiff_t block = 4;
   const char16_t* in = utf16.data();
+  const char16_t* const begin = in;
   const char16_t* const end = in + utf16.size();
   for (;;) {
-    // Most texts are plain: four units at a time, for as long as each of them is one byte.
-    for (std::uint64_t units = 0; end - in >= 4; in += 4, out += 4) {
-      std::memcpy(&units, in, sizeof units);
-      if ((units & 0xFF80FF80FF80FF80U) != 0) break;
-      units = (units | units >> 8U) & 0x0000FFFF0000FFFFU;
-      const auto bytes = static_cast<std::uint32_t>(units | units >> 16U);
-      std::memcpy(out, &bytes, sizeof bytes);
-    }
+    // Most texts are plain. Their last units are written together with some before them, once more.
+    for (; end - in >= block && writeFourPlain(in, out); in += block) out += block;
     if (in == end) return out;
+    const std::ptrdiff_t rest = end - in;
+    if (rest < block && in - begin >= block && writeFourPlain(end - block, out - (block - rest))) return out + rest;
     const char16_t unit = *in++;
     if (unit < 0x80) {
       *out++ = static_cast<char>(unit);

@@ -209,7 +209,7 @@ TEST_F(Surface, TabKeyWalksThroughTheElementsInOrder) {
   viewer->activateWindow();
   element(*viewer, "tvTreeView")->setFocus();
   QStringList visited;
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 0; i < 10; ++i) {
     QWidget* focused = viewer->focusWidget();
     visited.append(focused->objectName());
     QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);

@@ -4,7 +4,6 @@
 
 #include <QAccessible>
 #include <QLabel>
-#include <QLineEdit>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -26,6 +25,7 @@ class FailureBarTest : public ::testing::Test {
     window.resize(500, 400);
     window.show();
     window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     field.setFocus();
   }
   QString heading() { return bar.findChild<QLabel*>("failureHeading")->text(); }
@@ -33,7 +33,7 @@ class FailureBarTest : public ::testing::Test {
 
   QWidget window;
   FailureBar bar;
-  QLineEdit field;
+  QTextEdit field;
 };
 
 TEST_F(FailureBarTest, IsHiddenUntilThereIsAFailure) {

@@ -132,6 +132,7 @@ class ResolutionClientTest : public ::testing::Test {
 TEST_F(ResolutionClientTest, findsThePortOfAnInstance) {
   peer_.announce({instanceOn("AUDITSRV", "WINCC", 51234), instanceOn("AUDITSRV", "OTHER", 51235)});
   EXPECT_EQ(client_.portOfInstance("localhost", "wincc", net::Deadline(10s)), 51234);
+  EXPECT_TRUE(peer_.waitForRequests(1));
   EXPECT_THAT(peer_.requests(), ElementsAre("\x04wincc\0"s));
 }
 
@@ -156,6 +157,7 @@ TEST_F(ResolutionClientTest, waitsForAReplyThatMakesSense) {
 TEST_F(ResolutionClientTest, listsTheInstancesOfAHost) {
   peer_.announce({instanceOn("S", "A", 1), instanceOn("S", "B", 2)});
   EXPECT_THAT(client_.instancesOf("localhost"), SizeIs(2));
+  EXPECT_TRUE(peer_.waitForRequests(1));
   EXPECT_THAT(peer_.requests(), ElementsAre("\x03"));
   EXPECT_THAT(client_.instancesOf("no-such-computer.invalid"), IsEmpty());
 }

@@ -1,0 +1,160 @@
+#include "cli/server_commands.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <ostream>
+
+#include "base/error.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
+#include "cli/names.h"
+#include "db/discovery/network_directory.h"
+#include "db/odbc/install_procedure.h"
+#include "db/odbc/server_check.h"
+#include "db/procedure/audit_conditions.h"
+
+namespace korvel::cli {
+
+namespace {
+
+const settings::LanguageOffset english;
+
+void addServer(CLI::App& command, std::string& server) {
+  command
+      .add_option("--server", server, "A host, host\\instance or host,port; \"(embedded)\"; or the path of a folder")
+      ->option_text("S")
+      ->required()
+      ->check(readableBy(connectionName, "no name of a server"));
+}
+
+CLI::Option* addDatabase(CLI::App& command, std::string& database) {
+  return command.add_option("--database", database, "The audit database")
+      ->option_text("D")
+      ->check(readableBy(connectionName, "no name of a database"));
+}
+
+/// Runs `work`; what the database reports goes to the person.
+template <typename Work>
+int reporting(std::ostream& out, std::ostream& err, const Work& work) {
+  try {
+    const int status = work();
+    return out.flush() ? status : exitOutput;
+  } catch (const Error& error) {
+    say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+    return exitDatabase;
+  }
+}
+
+CLI::App* addServers(CLI::App& app, ServerOptions& options) {
+  CLI::App* command = app.add_subcommand("servers", "List the servers of this computer");
+  command->add_flag("--all", options.all,
+                    "Those of the network and of the ODBC and FreeTDS configuration too (a few seconds)");
+  return command;
+}
+
+int runServers(const ServerOptions& options, std::ostream& out, std::ostream& err) {
+  return reporting(out, err, [&] {
+    const auto directory = db::makeServerDirectory();
+    const auto names = options.all ? directory->networkServers() : directory->localServers();
+    for (const auto& name : names) out << output::terminalText(name) << '\n';
+    return names.empty() ? exitNoRecords : exitDone;
+  });
+}
+
+CLI::App* addDatabases(CLI::App& app, ServerOptions& options) {
+  CLI::App* command =
+      app.add_subcommand("databases", "List the databases of a server: name, a tab, path where it is told");
+  addServer(*command, options.server);
+  return command;
+}
+
+int runDatabases(const ServerOptions& options, std::ostream& out, std::ostream& err) {
+  return reporting(out, err, [&] {
+    int status = exitNoRecords;
+    for (const auto& database : db::makeServerDirectory()->databases(options.server)) {
+      if (database.isSystem) continue;
+      out << output::terminalText(database.name) << '\t' << output::terminalText(database.path) << '\n';
+      status = exitDone;
+    }
+    return status;
+  });
+}
+
+CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
+  CLI::App* command = app.add_subcommand(
+      "install-procedure", "Install dbo.QueryAudits, which the standard query calls, in an audit database");
+  command->add_flag("--print", options.print, "Show the script instead of running it");
+  command->add_option("--server", options.server, "A host, host\\instance or host,port")
+      ->option_text("S")
+      ->check(readableBy(connectionName, "no name of a server"));
+  addDatabase(*command, options.database);
+  command->footer(
+      "Your own login must be allowed to create procedures there. The audit trail itself is not touched.\n"
+      "\n"
+      "Examples:\n"
+      "  korvel-audit install-procedure --print > QueryAudits.sql\n"
+      "  korvel-audit install-procedure --server AUDITSRV --database Korvel_Audit\n");
+  return command;
+}
+
+int runInstall(const ServerOptions& options, std::ostream& out, std::ostream& err) {
+  if (!options.print && (options.server.empty() || options.database.empty())) {
+    say(err, "install-procedure needs --server and --database, or --print");
+    return exitWrongUsage;
+  }
+  return reporting(out, err, [&] {
+    if (options.print) {
+      out << db::queryAuditsScript();
+    } else {
+      db::installQueryAudits(options.server, options.database, db::odbc::userAccess());
+      out << "dbo.QueryAudits is installed in " << output::terminalText(options.database) << '\n';
+    }
+    return exitDone;
+  });
+}
+
+CLI::App* addCheck(CLI::App& app, ServerOptions& options) {
+  CLI::App* command = app.add_subcommand("check", "Say step by step how far the way to an audit database leads");
+  addServer(*command, options.server);
+  addDatabase(*command, options.database);
+  return command;
+}
+
+std::string_view outcomeText(db::CheckOutcome outcome) {
+  switch (outcome) {
+    case db::CheckOutcome::ok:
+      return "ok";
+    case db::CheckOutcome::failed:
+      return "failed";
+    case db::CheckOutcome::notReached:
+      break;
+  }
+  return "-";
+}
+
+int runCheck(const ServerOptions& options, std::ostream& out, std::ostream& err) {
+  return reporting(out, err, [&] {
+    const auto steps = db::checkServer(options.server, options.database, db::odbc::userAccess());
+    std::size_t width = 0;
+    for (const auto& step : steps) width = std::max(width, db::checkTitle(step, english).size());
+    for (const auto& step : steps) {
+      std::string title = db::checkTitle(step, english);
+      title.resize(width, ' ');
+      std::string outcome(outcomeText(step.outcome));
+      outcome.resize(6, ' ');
+      out << title << "  " << outcome << "  " << output::terminalText(db::checkDetail(step, english)) << '\n';
+    }
+    const bool reached =
+        std::all_of(steps.begin(), steps.end(), [](const auto& step) { return step.outcome == db::CheckOutcome::ok; });
+    return reached ? exitDone : exitDatabase;
+  });
+}
+
+}  // namespace
+
+const ServerCommand serversCommand{addServers, runServers};
+const ServerCommand databasesCommand{addDatabases, runDatabases};
+const ServerCommand installCommand{addInstall, runInstall};
+const ServerCommand checkCommand{addCheck, runCheck};
+
+}  // namespace korvel::cli

@@ -1,0 +1,59 @@
+#include "db/odbc/odbc_text.h"
+
+#include <gtest/gtest.h>
+
+namespace korvel::db::odbc {
+namespace {
+
+TEST(OdbcText, plainAndOtherCharactersAtEveryPlace) {
+  struct Character {
+    std::u16string wide;
+    std::string narrow;
+  };
+  const Character others[] = {{u"ä", "ä"},
+                              {u"\u0080", "\u0080"},
+                              {u"\u07FF", "\u07FF"},
+                              {u"\u0800", "\u0800"},
+                              {u"漢", "漢"},
+                              {u"\uFFFF", "\uFFFF"},
+                              {u"🛢", "🛢"},
+                              {u"\U0010FFFF", "\U0010FFFF"},
+                              {std::u16string(1, u'\0'), std::string(1, '\0')},
+                              {u"\x7F", "\x7F"}};
+  for (const Character& other : others) {
+    for (std::size_t before = 0; before < 14; ++before) {
+      for (std::size_t after = 0; after < 14; ++after) {
+        const std::u16string wide = std::u16string(before, u'a') + other.wide + std::u16string(after, u'z');
+        const std::string narrow = std::string(before, 'a') + other.narrow + std::string(after, 'z');
+        EXPECT_EQ(toUtf8(wide), narrow);
+        EXPECT_EQ(toUtf16(narrow), wide);
+        EXPECT_EQ(toUtf8(wide + other.wide + wide), narrow + other.narrow + narrow);
+      }
+    }
+  }
+}
+
+TEST(OdbcText, writesNothingBehindItsEnd) {
+  for (std::size_t size = 0; size < 12; ++size) {
+    std::string out(3 * size + 8, '#');
+    const std::u16string wide(size, u'a');
+    const char* const end = writeUtf8(wide, out.data());
+    EXPECT_EQ(static_cast<std::size_t>(end - out.data()), size);
+    EXPECT_EQ(out.substr(size), std::string(out.size() - size, '#'));
+  }
+}
+
+TEST(OdbcText, surrogatesWithoutPartnersAreReplaced) {
+  EXPECT_EQ(toUtf8(std::u16string{0xD83D}), "\uFFFD");
+  EXPECT_EQ(toUtf8(std::u16string{u'a', 0xD83D, u'b', u'c', u'd', u'e'}), "a\uFFFDbcde");
+  EXPECT_EQ(toUtf8(std::u16string{0xDEE2, 0xD83D}), "\uFFFD\uFFFD");
+  EXPECT_EQ(toUtf8(std::u16string{0xD83D, 0xD83D, 0xDEE2}), "\uFFFD🛢");
+}
+
+TEST(OdbcText, malformedUtf8IsReplaced) {
+  EXPECT_EQ(toUtf16("a\xFF"), u"a\uFFFD");
+  EXPECT_EQ(toUtf16(""), u"");
+}
+
+}  // namespace
+}  // namespace korvel::db::odbc
