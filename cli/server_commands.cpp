@@ -47,8 +47,7 @@ int reporting(std::ostream& out, std::ostream& err, const Work& work) {
 
 CLI::App* addServers(CLI::App& app, ServerOptions& options) {
   CLI::App* command = app.add_subcommand("servers", "List the servers of this computer");
-  command->add_flag("--all", options.all,
-                    "Those of the network and of the ODBC and FreeTDS configuration too (a few seconds)");
+  command->add_flag("--all", options.all, "Those of the network and the configuration too\n(a few seconds)");
   return command;
 }
 
@@ -62,8 +61,7 @@ int runServers(const ServerOptions& options, std::ostream& out, std::ostream& er
 }
 
 CLI::App* addDatabases(CLI::App& app, ServerOptions& options) {
-  CLI::App* command =
-      app.add_subcommand("databases", "List the databases of a server: name, a tab, path where it is told");
+  CLI::App* command = app.add_subcommand("databases", "List the databases of a server with their paths");
   addServer(*command, options.server);
   return command;
 }
@@ -81,8 +79,7 @@ int runDatabases(const ServerOptions& options, std::ostream& out, std::ostream& 
 }
 
 CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
-  CLI::App* command = app.add_subcommand(
-      "install-procedure", "Install dbo.QueryAudits, which the standard query calls, in an audit database");
+  CLI::App* command = app.add_subcommand("install-procedure", "Install what the standard query calls on a server");
   command->add_flag("--print", options.print, "Show the script instead of running it");
   command->add_option("--server", options.server, "A host, host\\instance or host,port")
       ->option_text("S")

@@ -37,23 +37,23 @@ class Surface {
   [[nodiscard]] QSize smallestSize() const;
 
   // Side strip.
-  look::CardFrame* frameFilter;
-  FilterTreeView* tvTreeView;
-  QPushButton* btDateRangeFilter;
-  QPushButton* btClearDateRange;
-  QLabel* lblDateRange;
-  look::CardFrame* frameTools;
-  QPushButton* btQuery;
-  QToolButton* btSelectDB;
-  QToolButton* btDBInfo;
-  QToolButton* btClear;
-  QToolButton* btSelectALL;
-  QToolButton* btUnselectALL;
+  look::CardFrame* frameFilter = nullptr;
+  FilterTreeView* tvTreeView = nullptr;
+  QPushButton* btDateRangeFilter = nullptr;
+  QPushButton* btClearDateRange = nullptr;
+  QLabel* lblDateRange = nullptr;
+  look::CardFrame* frameTools = nullptr;
+  QPushButton* btQuery = nullptr;
+  QToolButton* btSelectDB = nullptr;
+  QToolButton* btDBInfo = nullptr;
+  QToolButton* btClear = nullptr;
+  QToolButton* btSelectALL = nullptr;
+  QToolButton* btUnselectALL = nullptr;
   // Pages.
-  look::PageStrip* SSTab1;
+  look::PageStrip* SSTab1 = nullptr;
   std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
-  std::array<ResultListView*, query::listCount> lvListView;
-  StatusPanels* StatusBar1;
+  std::array<ResultListView*, query::listCount> lvListView{};
+  StatusPanels* StatusBar1 = nullptr;
 
  private:
   void buildFilterFrame(query::FilterTree& tree);

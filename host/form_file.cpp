@@ -47,7 +47,7 @@ QString FormFile::save(const QVariantMap& properties) {
   const QJsonObject wanted = QJsonObject::fromVariantMap(properties);
   if (!isNew_ && wanted == QJsonObject::fromVariantMap(properties_)) return {};
 
-  const QString folder = QFileInfo(path_).absolutePath();
+  QString folder = QFileInfo(path_).absolutePath();
   if (!QDir().mkpath(folder)) return folder;
   QSaveFile file(path_);
   if (!file.open(QIODevice::WriteOnly)) return file.errorString();

@@ -78,6 +78,7 @@ std::vector<std::string> tidied(const std::vector<std::string>& names) {
   std::map<std::string, std::string> byName;
   for (const auto& name : names) byName.emplace(caseFolded(name), name);
   std::vector<std::string> sorted;
+  sorted.reserve(byName.size());
   for (auto& [folded, name] : byName) sorted.push_back(std::move(name));
   return sorted;
 }

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QRadioButton>
 #include <QStatusBar>
+#include <QToolButton>
 #include <utility>
 
 #include "control/look/result_table.h"

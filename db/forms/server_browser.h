@@ -113,19 +113,19 @@ class frmSQLServerBrowser final : public QDialog {
   std::unique_ptr<ServerDirectory> oSQLServer_;
   QStandardItemModel databases_;
 
-  db::SmartViewBar* SmartViewBar_;
-  QWidget* rightPane_;
-  QLabel* lblInfo_;
-  std::array<QRadioButton*, 2> ServerLocation_;
-  QLineEdit* txtServer_;
-  QToolButton* btServer_;
-  look::ResultTable* lvListView_;
-  QWidget* imgSplitterV_;
-  QWidget* picSplitterV_;
-  QWidget* Controlspic_;
-  QPushButton* cmdOK_;
-  QPushButton* cmdCancel_;
-  QStatusBar* StatusBar1_;
+  db::SmartViewBar* SmartViewBar_ = nullptr;
+  QWidget* rightPane_ = nullptr;
+  QLabel* lblInfo_ = nullptr;
+  std::array<QRadioButton*, 2> ServerLocation_{};
+  QLineEdit* txtServer_ = nullptr;
+  QToolButton* btServer_ = nullptr;
+  look::ResultTable* lvListView_ = nullptr;
+  QWidget* imgSplitterV_ = nullptr;
+  QWidget* picSplitterV_ = nullptr;
+  QWidget* Controlspic_ = nullptr;
+  QPushButton* cmdOK_ = nullptr;
+  QPushButton* cmdCancel_ = nullptr;
+  QStatusBar* StatusBar1_ = nullptr;
 
   Twips splitter_;
   bool loaded_ = false;

@@ -8,7 +8,7 @@ namespace korvel::db::net {
 /// The moment by which an exchange must be over, however many steps it takes.
 class Deadline {
  public:
-  explicit Deadline(std::chrono::milliseconds from_now) : end_(Clock::now() + from_now) {}
+  explicit Deadline(std::chrono::milliseconds fromNow) : end_(Clock::now() + fromNow) {}
 
   [[nodiscard]] bool passed() const { return Clock::now() >= end_; }
   /// What is left, never negative, rounded up so that a wait does not end just before the moment.

@@ -11,8 +11,18 @@
 namespace korvel::db::odbc {
 
 namespace {
+
 constexpr const char* configurationVariable = "FREETDSCONF";
+
+/// Null removes it. The environment belongs to the whole process; logins wait for each other.
+void setVariable(const char* value) noexcept {
+  if (value != nullptr)
+    ::setenv(configurationVariable, value, 1);  // NOLINT(concurrency-mt-unsafe): see above
+  else
+    ::unsetenv(configurationVariable);  // NOLINT(concurrency-mt-unsafe): see above
 }
+
+}  // namespace
 
 DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
   if (!needsConfiguration(request)) return;
@@ -30,15 +40,12 @@ DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
   }
   // The driver reads the variable while it connects and offers no other way.
   if (const char* value = std::getenv(configurationVariable)) before_ = value;
-  ::setenv(configurationVariable, file.c_str(), 1);
+  setVariable(file.c_str());
 }
 
 DriverConfiguration::~DriverConfiguration() {
   if (folder_.empty()) return;
-  if (before_)
-    ::setenv(configurationVariable, before_->c_str(), 1);
-  else
-    ::unsetenv(configurationVariable);
+  setVariable(before_ ? before_->c_str() : nullptr);
   removeFolder();
 }
 

@@ -48,7 +48,7 @@ std::string messageOf(OM_uint32 code, int type) {
 
 [[noreturn]] void refuse(OM_uint32 major, OM_uint32 minor, const std::string& servicePrincipal) {
   const auto number = static_cast<std::int32_t>(minor);
-  const auto reason =
+  const auto* const reason =
       std::find_if(reasons.begin(), reasons.end(), [&](const Reason& entry) { return entry.minor == number; });
   if (GSS_ROUTINE_ERROR(major) == GSS_S_CREDENTIALS_EXPIRED)
     throw settings::explainedError(loginFailed, "failure.ticketExpired", {servicePrincipal});

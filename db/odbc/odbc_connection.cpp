@@ -22,8 +22,8 @@ namespace {
 constexpr std::chrono::milliseconds driversGrace{500};
 
 SQLPOINTER asAttribute(std::chrono::seconds value) {
-  return reinterpret_cast<SQLPOINTER>(
-      static_cast<std::uintptr_t>(value.count()));  // NOLINT(performance-no-int-to-ptr): how ODBC takes numbers
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): how ODBC takes numbers
+  return reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(value.count()));
 }
 
 SQLWCHAR* asWide(std::u16string& text) {

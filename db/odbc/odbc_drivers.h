@@ -14,7 +14,7 @@ enum class DriverFamily { vendor, freeTds };
 
 struct Driver {
   std::string name;
-  DriverFamily family;
+  DriverFamily family = DriverFamily::vendor;
 };
 
 /// The names of the drivers that the driver manager knows.

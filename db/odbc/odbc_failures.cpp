@@ -39,8 +39,10 @@ const Diagnostic* firstOf(const std::vector<Diagnostic>& diagnostics, Condition 
 
 /// The most telling of the messages about a lost connection: the last, for the first ones only say that it is so.
 std::string lossOf(const std::vector<Diagnostic>& diagnostics) {
-  for (auto entry = diagnostics.rbegin(); entry != diagnostics.rend(); ++entry)
-    if (entry->tellsOfLostConnection() && entry->number != 0) return entry->message;
+  const auto last = std::find_if(diagnostics.rbegin(), diagnostics.rend(), [](const Diagnostic& diagnostic) {
+    return diagnostic.tellsOfLostConnection() && diagnostic.number != 0;
+  });
+  if (last != diagnostics.rend()) return last->message;
   return diagnostics.empty() ? "the driver says no more" : diagnostics.front().message;
 }
 

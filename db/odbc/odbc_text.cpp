@@ -44,8 +44,8 @@ bool writeFourPlain(const char16_t* in, char* out) {
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view text) {
-  const std::string valid = replaceInvalidUtf8(text);
+std::u16string toUtf16(std::string_view utf8) {
+  const std::string valid = replaceInvalidUtf8(utf8);
   std::u16string utf16;
   utf16.reserve(valid.size());
   for (std::size_t i = 0; i < valid.size();) {

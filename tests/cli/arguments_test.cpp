@@ -55,7 +55,13 @@ TEST_F(Arguments, HelpTeaches) {
 }
 
 TEST_F(Arguments, HelpFitsATerminal) {
-  for (const auto& arguments : {std::vector<std::string>{"--help"}, {"query", "--help"}, {"demo", "--help"}}) {
+  for (const auto& arguments : {std::vector<std::string>{"--help"},
+                                {"query", "--help"},
+                                {"demo", "--help"},
+                                {"servers", "--help"},
+                                {"databases", "--help"},
+                                {"check", "--help"},
+                                {"install-procedure", "--help"}}) {
     std::istringstream lines(run(arguments).out);
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 96U) << line;
   }
