@@ -8,7 +8,9 @@ namespace korvel {
 
 namespace {
 
-constexpr char asciiLower(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+constexpr char asciiLower(char c) noexcept {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 bool isAscii(std::string_view text) noexcept {
   for (const char c : text)

@@ -21,7 +21,7 @@ const settings::LanguageOffset english;
 
 void addServer(CLI::App& command, std::string& server) {
   command
-      .add_option("--server", server, "A host, host\\instance or host,port; \"(embedded)\"; or the path of a folder")
+      .add_option("--server", server, "A host, host\\instance or host,port,\n\"(embedded)\", or the path of a folder")
       ->option_text("S")
       ->required()
       ->check(readableBy(connectionName, "no name of a server"));
@@ -86,7 +86,7 @@ CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
       ->check(readableBy(connectionName, "no name of a server"));
   addDatabase(*command, options.database);
   command->footer(
-      "Your own login must be allowed to create procedures there. The audit trail itself is not touched.\n"
+      "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched.\n"
       "\n"
       "Examples:\n"
       "  korvel-audit install-procedure --print > QueryAudits.sql\n"
@@ -111,7 +111,7 @@ int runInstall(const ServerOptions& options, std::ostream& out, std::ostream& er
 }
 
 CLI::App* addCheck(CLI::App& app, ServerOptions& options) {
-  CLI::App* command = app.add_subcommand("check", "Say step by step how far the way to an audit database leads");
+  CLI::App* command = app.add_subcommand("check", "Say step by step how far the way to a server leads");
   addServer(*command, options.server);
   addDatabase(*command, options.database);
   return command;

@@ -32,9 +32,9 @@ inline constexpr std::size_t categoryCount = 10;
 inline constexpr std::size_t rowLimitPerResult = 5000;
 inline constexpr std::size_t procedureParameterCount = 13;
 
-/// The ten categories in parameter order: the single source of the embedded engine's answer and of the server procedure's
-/// text. With a date range the date condition is joined by "and" to the last alternative only, because "and" binds before
-/// "or": the alarm category's first alternative is deliberately not limited by the dates.
+/// The ten categories in parameter order: the single source of the embedded engine's answer and of the server
+/// procedure's text. With a date range the date condition is joined by "and" to the last alternative only, because
+/// "and" binds before "or": the alarm category's first alternative is deliberately not limited by the dates.
 [[nodiscard]] const std::array<CategoryCondition, categoryCount>& categoryConditions() noexcept;
 
 /// The installation script of dbo.QueryAudits: drops the old procedure, creates it anew. Lines end with LF.
