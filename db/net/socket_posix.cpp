@@ -8,15 +8,18 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <future>
 #include <map>
 #include <memory>
+#include <utility>
 
 #include "base/error.h"
+#include "db/net/run_beside.h"
 #include "db/net/socket.h"
 
 namespace korvel::db::net {
@@ -69,74 +72,38 @@ int tryConnect(const Socket& socket, const Endpoint& endpoint, const Deadline& d
   return error;
 }
 
-/// Requests for names that run beside us, so that a resolver that hangs cannot hang the viewer.
-class NameRequests {
- public:
-  NameRequests(std::span<const std::string> hosts, std::uint16_t port)
-      : hosts_(hosts.begin(), hosts.end()), service_(std::to_string(port)), requests_(hosts.size()) {
-    hints_.ai_socktype = SOCK_STREAM;
-    hints_.ai_flags = AI_CANONNAME | AI_NUMERICSERV;
-    for (std::size_t i = 0; i < hosts_.size(); ++i) {
-      requests_[i].ar_name = hosts_[i].c_str();
-      requests_[i].ar_service = service_.c_str();
-      requests_[i].ar_request = &hints_;
-      list_.push_back(&requests_[i]);
-    }
-  }
-  ~NameRequests() {
-    for (const gaicb& request : requests_)
-      if (request.ar_result != nullptr) ::freeaddrinfo(request.ar_result);
-  }
-  NameRequests(const NameRequests&) = delete;
-  NameRequests& operator=(const NameRequests&) = delete;
-
-  /// Starts all requests and waits for them; an error number where they cannot even be started.
-  int run(const Deadline& deadline) {
-    if (list_.empty()) return 0;
-    if (const int error = ::getaddrinfo_a(GAI_NOWAIT, list_.data(), static_cast<int>(list_.size()), nullptr);
-        error != 0)
-      return error;
-    for (gaicb& request : requests_) {
-      const std::array<const gaicb*, 1> waiting = {&request};
-      while (::gai_error(&request) == EAI_INPROGRESS && !deadline.passed()) {
-        const auto left = deadline.left().count();
-        const timespec timeout{static_cast<time_t>(left / 1000), static_cast<long>(left % 1000) * 1'000'000L};
-        ::gai_suspend(waiting.data(), 1, &timeout);
-      }
-    }
-    return 0;
-  }
-  /// Takes back what has not been answered; false where some of it can no longer be taken back.
-  [[nodiscard]] bool cancel() {
-    bool all = true;
-    for (gaicb& request : requests_)
-      if (::gai_error(&request) == EAI_INPROGRESS && ::gai_cancel(&request) == EAI_NOTCANCELED) all = false;
-    return all;
-  }
-
-  [[nodiscard]] int errorOf(std::size_t i) { return ::gai_error(&requests_[i]); }
-  /// What came of a request; empty where it failed.
-  [[nodiscard]] HostEntry entryOf(std::size_t i) {
-    HostEntry entry{hosts_[i], {}};
-    if (errorOf(i) != 0) return entry;
-    for (const addrinfo* address = requests_[i].ar_result; address != nullptr; address = address->ai_next) {
-      if (address->ai_canonname != nullptr) entry.fullName = address->ai_canonname;
-      entry.endpoints.push_back(endpointOf(*address->ai_addr, address->ai_addrlen, address->ai_family));
-    }
-    return entry;
-  }
-
- private:
-  std::vector<std::string> hosts_;
-  std::string service_;
-  addrinfo hints_{};
-  std::vector<gaicb> requests_;
-  std::vector<gaicb*> list_;
+/// What came of looking up a name.
+struct Lookup {
+  int error = 0;        ///< the resolver's
+  int systemError = 0;  ///< the system's, where the resolver names it
+  HostEntry entry;
 };
 
-/// Requests that can no longer be taken back still write into their own memory: it must outlive us.
-void abandon(std::unique_ptr<NameRequests> requests) {
-  if (!requests->cancel()) static_cast<void>(requests.release());
+Lookup lookUp(const std::string& host, std::uint16_t port) {
+  addrinfo hints{};
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_CANONNAME | AI_NUMERICSERV;
+  Lookup lookup;
+  lookup.entry.fullName = host;
+  addrinfo* found = nullptr;
+  lookup.error = ::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &found);
+  lookup.systemError = errno;
+  if (lookup.error != 0) return lookup;
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);
+  for (const addrinfo* address = found; address != nullptr; address = address->ai_next) {
+    if (address->ai_canonname != nullptr) lookup.entry.fullName = address->ai_canonname;
+    lookup.entry.endpoints.push_back(endpointOf(*address->ai_addr, address->ai_addrlen, address->ai_family));
+  }
+  return lookup;
+}
+
+/// A resolver that hangs must not hang the viewer.
+std::future<Lookup> startLookup(const std::string& host, std::uint16_t port) {
+  return runBeside([host, port] { return lookUp(host, port); });
+}
+
+bool isDone(const std::future<Lookup>& lookup, const Deadline& deadline) {
+  return lookup.wait_for(deadline.left()) == std::future_status::ready;
 }
 
 }  // namespace
@@ -151,25 +118,25 @@ bool isTimeout(int systemNumber) noexcept {
 
 HostEntry resolveHost(const std::string& host, std::uint16_t port, const Deadline& deadline) {
   const std::string what = "cannot find the computer " + host;
-  auto requests = std::make_unique<NameRequests>(std::span(&host, 1), port);
-  int error = requests->run(deadline);
-  if (error == 0) error = requests->errorOf(0);
-  if (error == EAI_INPROGRESS) {
-    abandon(std::move(requests));
-    throw systemError(ETIMEDOUT, what);
-  }
-  if (error == EAI_SYSTEM) throw failed(what);
-  if (error != 0) throw Error(error, what + ": " + ::gai_strerror(error));
-  return requests->entryOf(0);
+  std::future<Lookup> pending = startLookup(host, port);
+  if (!isDone(pending, deadline)) throw systemError(ETIMEDOUT, what);
+  Lookup lookup = pending.get();
+  if (lookup.error == EAI_SYSTEM) throw systemError(lookup.systemError, what);
+  if (lookup.error != 0) throw Error(lookup.error, what + ": " + ::gai_strerror(lookup.error));
+  return std::move(lookup.entry);
 }
 
 std::vector<Endpoint> resolveHosts(std::span<const std::string> hosts, std::uint16_t port, const Deadline& deadline) {
+  constexpr std::size_t mostAtOnce = 32;
   std::vector<Endpoint> endpoints;
-  auto requests = std::make_unique<NameRequests>(hosts, port);
-  if (requests->run(deadline) == 0)
-    for (std::size_t i = 0; i < hosts.size(); ++i)
-      for (Endpoint& endpoint : requests->entryOf(i).endpoints) endpoints.push_back(std::move(endpoint));
-  abandon(std::move(requests));
+  for (; !hosts.empty() && !deadline.passed(); hosts = hosts.subspan(std::min(mostAtOnce, hosts.size()))) {
+    std::vector<std::future<Lookup>> pending;
+    for (const std::string& host : hosts.first(std::min(mostAtOnce, hosts.size())))
+      pending.push_back(startLookup(host, port));
+    for (std::future<Lookup>& lookup : pending)
+      if (isDone(lookup, deadline))
+        for (Endpoint& endpoint : lookup.get().entry.endpoints) endpoints.push_back(std::move(endpoint));
+  }
   return endpoints;
 }
 

@@ -7,9 +7,8 @@
 #include <cstdint>
 #include <future>
 #include <string_view>
-#include <thread>
-#include <utility>
 
+#include "db/net/run_beside.h"
 #include "db/odbc/login_ticket.h"
 #include "settings/explained_error.h"
 
@@ -122,11 +121,8 @@ std::string servicePrincipalOf(const std::string& fullHostName, std::uint16_t po
 }
 
 void requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
-  // The login library waits for silent login services as long as it likes, so it asks them from a thread that can be
-  // left behind. What that thread uses is its own.
-  std::packaged_task<void()> task([servicePrincipal] { getTicket(servicePrincipal); });
-  std::future<void> answer = task.get_future();
-  std::thread(std::move(task)).detach();
+  // The login library waits for silent login services as long as it likes.
+  std::future<void> answer = net::runBeside([servicePrincipal] { getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
     throw settings::explainedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
   answer.get();

@@ -79,10 +79,8 @@ TEST(ResolutionReply, whatIsNoReplyIsNone) {
 }
 
 TEST(ResolutionReply, namesThatCouldDoHarmAreLeftOut) {
-  for (const char* name : {"a b", "a{b", "a}b", "a=b", "a'b", "a\"b", "a\\b", "a/b", "a,b", "a\nb",
-                           "a\x7f"
-                           "b",
-                           "\xff\xfe"}) {
+  for (const char* name :
+       {"a b", "a{b", "a}b", "a=b", "a'b", "a\"b", "a\\b", "a/b", "a,b", "a\nb", "a\x7F-", "\xff\xfe"}) {
     EXPECT_THAT(namesIn("ServerName;"s + name + ";InstanceName;I;tcp;1;;"), IsEmpty()) << name;
     EXPECT_THAT(namesIn("ServerName;S;InstanceName;"s + name + ";tcp;1;;"), IsEmpty()) << name;
   }
@@ -191,6 +189,7 @@ TEST_F(ResolutionClientTest, everybodysRepliesAreGathered) {
 
 TEST_F(ResolutionClientTest, aFloodIsCutOff) {
   std::vector<Instance> many;
+  many.reserve(300);
   for (int i = 0; i < 300; ++i) many.push_back(instanceOn("S", "I" + std::to_string(i), 1));
   peer_.replyWith(std::vector<std::string>(40, resolutionReply(many)));
   const std::vector<std::string> hosts{"127.0.0.1"};

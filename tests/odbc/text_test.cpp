@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace korvel::db::odbc {
 namespace {
 
@@ -10,24 +12,26 @@ TEST(OdbcText, plainAndOtherCharactersAtEveryPlace) {
     std::u16string wide;
     std::string narrow;
   };
-  const Character others[] = {{u"ä", "ä"},
-                              {u"\u0080", "\u0080"},
-                              {u"\u07FF", "\u07FF"},
-                              {u"\u0800", "\u0800"},
-                              {u"漢", "漢"},
-                              {u"\uFFFF", "\uFFFF"},
-                              {u"🛢", "🛢"},
-                              {u"\U0010FFFF", "\U0010FFFF"},
-                              {std::u16string(1, u'\0'), std::string(1, '\0')},
-                              {u"\x7F", "\x7F"}};
+  const auto others = std::to_array<Character>({{u"ä", "ä"},
+                                                {u"\u0080", "\u0080"},
+                                                {u"\u07FF", "\u07FF"},
+                                                {u"\u0800", "\u0800"},
+                                                {u"漢", "漢"},
+                                                {u"\uFFFF", "\uFFFF"},
+                                                {u"🛢", "🛢"},
+                                                {u"\U0010FFFF", "\U0010FFFF"},
+                                                {std::u16string(1, u'\0'), std::string(1, '\0')},
+                                                {u"\x7F", "\x7F"}});
   for (const Character& other : others) {
     for (std::size_t before = 0; before < 14; ++before) {
       for (std::size_t after = 0; after < 14; ++after) {
-        const std::u16string wide = std::u16string(before, u'a') + other.wide + std::u16string(after, u'z');
-        const std::string narrow = std::string(before, 'a') + other.narrow + std::string(after, 'z');
+        std::u16string wide(before, u'a');
+        wide.append(other.wide).append(after, u'z');
+        std::string narrow(before, 'a');
+        narrow.append(other.narrow).append(after, 'z');
         EXPECT_EQ(toUtf8(wide), narrow);
         EXPECT_EQ(toUtf16(narrow), wide);
-        EXPECT_EQ(toUtf8(wide + other.wide + wide), narrow + other.narrow + narrow);
+        EXPECT_EQ(toUtf8(wide + wide), narrow + narrow);
       }
     }
   }

@@ -18,7 +18,7 @@ struct Sample {
   ColumnKind kind;
 };
 
-const Sample samples[] = {
+const auto samples = std::to_array<Sample>({
     {"tinyint", 255, "255", ColumnKind::number},
     {"smallint", -32768, "-32768", ColumnKind::number},
     {"smallint not null", 32767, "32767", ColumnKind::number},
@@ -84,7 +84,7 @@ const Sample samples[] = {
     {"xml", "<a b=\"ü\">🛢</a>", "<a b=\"ü\">🛢</a>", ColumnKind::text},
     {"sql_variant", 17, "17", ColumnKind::text},
     {"sql_variant", "Öl", "Öl", ColumnKind::text},
-};
+});
 
 class OdbcValues : public WireTest {};
 
@@ -144,7 +144,7 @@ TEST_F(OdbcValues, everyCharacterArrives) {
 
 TEST_F(OdbcValues, aMegabyteArrivesWhole) {
   std::string megabyte;
-  while (megabyte.size() < 1024 * 1024) megabyte += "Ölstand ≤ 5 🛢; ";
+  while (megabyte.size() < std::size_t{1024} * 1024) megabyte += "Ölstand ≤ 5 🛢; ";
   EXPECT_TRUE(value("nvarchar(max)", megabyte) == megabyte);
   EXPECT_TRUE(value("xml", "<a>" + megabyte + "</a>") == "<a>" + megabyte + "</a>");
 }
