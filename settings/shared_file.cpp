@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
@@ -123,8 +124,13 @@ fs::path configurationFolder() {
   fs::path folder = absoluteFrom(std::getenv("XDG_CONFIG_HOME"));
   if (!folder.empty()) return folder;
   folder = absoluteFrom(std::getenv("HOME"));
-  if (folder.empty())
-    if (const passwd* user = ::getpwuid(::getuid()); user != nullptr) folder = absoluteFrom(user->pw_dir);
+  if (folder.empty()) {
+    passwd user{};
+    passwd* found = nullptr;
+    std::array<char, 16384> texts{};
+    if (::getpwuid_r(::getuid(), &user, texts.data(), texts.size(), &found) == 0 && found != nullptr)
+      folder = absoluteFrom(found->pw_dir);
+  }
   return folder.empty() ? folder : folder / ".config";
 }
 
