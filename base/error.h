@@ -8,6 +8,9 @@
 
 namespace korvel {
 
+/// The number of failures that have none of their own (0x80004005).
+inline constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
+
 /// A failure as the system names it: a number and a description. The one exception type that crosses rooms.
 /// Failures that we explain in the user's language carry the key of their sentence and what fills it; the description
 /// is then the English sentence.

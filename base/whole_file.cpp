@@ -1,10 +1,12 @@
 #include "base/whole_file.h"
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -36,6 +38,31 @@ fs::path followedLinks(fs::path target) {
   return target;
 }
 
+/// Six characters that no other writer is likely to choose. Whether a file of that name is new, the open call decides.
+std::string randomSuffix() {
+  constexpr std::string_view characters = "abcdefghijklmnopqrstuvwxyz0123456789";
+  std::uint64_t number = 0;
+  if (::getentropy(&number, sizeof number) != 0) return {};
+  std::string suffix = ".";
+  for (int i = 0; i < 6; ++i, number /= characters.size()) suffix += characters[number % characters.size()];
+  return suffix;
+}
+
+/// Creates a new file beside `target` and puts its name into `created`; -1 with `errno` where it cannot.
+int createBeside(const fs::path& target, mode_t mode, fs::path& created) {
+  // One collision would be a wonder; so many are a folder that somebody fills on purpose.
+  for (int attempts = 0; attempts < 100; ++attempts) {
+    const std::string suffix = randomSuffix();
+    if (suffix.empty()) return -1;
+    fs::path name = target;
+    name += suffix;
+    const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (descriptor >= 0) created = std::move(name);
+    if (descriptor >= 0 || errno != EEXIST) return descriptor;
+  }
+  return -1;
+}
+
 void syncFolderOf(const fs::path& file) {
   const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path{"."};
   const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -47,21 +74,15 @@ void syncFolderOf(const fs::path& file) {
 }  // namespace
 
 WholeFile::WholeFile(fs::path target) : target_(followedLinks(std::move(target))) {
-  std::string name = target_.string() + ".XXXXXX";
-  descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
-  if (descriptor_ < 0) throw failed("cannot create a file beside", target_);
-  temporary_ = name;
-  // The replacement keeps the rights of the file that it replaces; a new file gets what the user's mask allows.
   struct stat status {};
-  mode_t mode = 0;
-  if (::stat(target_.c_str(), &status) == 0) {
-    mode = status.st_mode & 07777U;
-  } else {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    mode = 0666U & ~mask;
-  }
-  ::fchmod(descriptor_, mode);
+  const bool replaces = ::stat(target_.c_str(), &status) == 0;
+  // A new file gets what the user's mask allows: the system applies it, for to ask for the mask is to change it, in all
+  // threads. A replacement is the user's alone until it has the rights of the file that it replaces.
+  constexpr mode_t newFileMode = 0666;
+  constexpr mode_t ownFileMode = 0600;
+  descriptor_ = createBeside(target_, replaces ? ownFileMode : newFileMode, temporary_);
+  if (descriptor_ < 0) throw failed("cannot create a file beside", target_);
+  if (replaces) ::fchmod(descriptor_, status.st_mode & 07777U);
 }
 
 WholeFile::~WholeFile() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace korvel::results {
@@ -20,6 +21,21 @@ inline constexpr std::size_t entryNumberDigits = 9;
   if (text.size() < 2 || text.front() != '0' || !isAllDigits(text)) return text;
   const auto first = text.find_first_not_of('0');
   return first == std::string_view::npos ? text.substr(text.size() - 1) : text.substr(first);
+}
+
+/// A whole number as its text has it. Zero has no sign.
+struct WholeNumber {
+  bool negative = false;
+  std::string_view digits;  ///< without leading zeros
+};
+
+/// The number that `text` is: digits, possibly behind a minus sign.
+[[nodiscard]] constexpr std::optional<WholeNumber> wholeNumber(std::string_view text) noexcept {
+  const bool signedText = text.starts_with('-');
+  if (signedText) text.remove_prefix(1);
+  if (!isAllDigits(text)) return std::nullopt;
+  const std::string_view digits = withoutLeadingZeros(text);
+  return WholeNumber{signedText && digits != "0", digits};
 }
 
 }  // namespace korvel::results

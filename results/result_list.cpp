@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "base/error.h"
 #include "base/text.h"
 #include "results/number_text.h"
 #include "results/out_of_memory.h"
@@ -14,6 +15,7 @@ namespace korvel::results {
 namespace {
 
 constexpr ColumnIndex entryNumberColumn{0};
+constexpr std::string_view zeroBehindSign = "-0";
 
 /// Whether a list fills this column of a record that has `width` columns.
 constexpr bool isFilled(RowFilling filling, ColumnIndex column, std::size_t width) noexcept {
@@ -55,6 +57,7 @@ void ResultList::clear() noexcept {
   rows_ = {};
   store_.reset();
   entryNumbersRewritten_ = false;
+  rewrittenNegatives_ = {};
 }
 
 void ResultList::setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows) {
@@ -62,7 +65,13 @@ void ResultList::setRows(std::shared_ptr<const RowStore> store, std::vector<RowI
   store_ = std::move(store);
   if (store_ == nullptr) return;
   rows_ = std::move(rows);
-  if (sorted_) sort();
+  if (!sorted_) return;
+  try {
+    sort();
+  } catch (const Error&) {
+    clear();
+    throw;
+  }
 }
 
 bool ResultList::isFilledIn(RowId row, ColumnIndex column) const noexcept {
@@ -74,43 +83,78 @@ std::string_view ResultList::text(RowPosition row, ColumnIndex column) const noe
   const RowId id = rows_[row.value];
   if (!isFilledIn(id, column)) return {};
   const std::string_view shown = trimBlanks(store_->cell(id, column).text);
-  return entryNumbersRewritten_ && column == entryNumberColumn ? withoutLeadingZeros(shown) : shown;
+  return entryNumbersRewritten_ && column == entryNumberColumn ? rewrittenNumber(id, shown) : shown;
+}
+
+std::string_view ResultList::rewrittenNumber(RowId row, std::string_view shown) const noexcept {
+  if (shown.starts_with(zeroBehindSign)) {
+    const auto found = std::lower_bound(rewrittenNegatives_.begin(), rewrittenNegatives_.end(), row,
+                                        [](const auto& each, RowId wanted) { return each.first < wanted; });
+    if (found != rewrittenNegatives_.end() && found->first == row) return found->second;
+  }
+  return withoutLeadingZeros(shown);
+}
+
+std::vector<std::pair<RowId, std::string>> ResultList::rewriteNegatives(const std::vector<std::uint32_t>& keys) const {
+  const auto textOf = [&](RowId row) { return trimBlanks(store_->cell(row, entryNumberColumn).text); };
+  // Texts below zero stand before all other numbers: mostly a look at the least text tells that there are none.
+  std::size_t least = 0;
+  for (std::size_t i = 0; i < keys.size(); ++i)
+    if (keys[i] != 0 && (keys[least] == 0 || keys[i] < keys[least])) least = i;
+  const std::string_view leastText = textOf(rows_[least]);
+  if (leastText.empty() || leastText.front() > '-') return {};
+
+  std::vector<std::pair<RowId, std::string>> rewritten;
+  for (const RowId row : rows_) {
+    const std::string_view shown = textOf(row);
+    if (!shown.starts_with(zeroBehindSign)) continue;
+    const auto number = wholeNumber(shown);
+    if (number) rewritten.emplace_back(row, std::string(number->negative ? "-" : "").append(number->digits));
+  }
+  std::sort(rewritten.begin(), rewritten.end());
+  return rewritten;
 }
 
 void ResultList::clickColumn(ColumnIndex column) {
   if (column.value >= columns_.size()) return;
-  int& tag = columns_[column.value].tag;
+  int tag = columns_[column.value].tag;
   if (column == sortKey_) tag = tag == 0 ? -1 : 0;
-  sortKey_ = column;
-  sortOrder_ = tag == 0 ? SortOrder::ascending : SortOrder::descending;
-  sort();
+  sortAs(column, tag == 0 ? SortOrder::ascending : SortOrder::descending);
+  columns_[column.value].tag = tag;
 }
 
 void ResultList::sortBy(ColumnIndex key, SortOrder order) {
-  sortKey_ = key;
-  sortOrder_ = order;
+  sortAs(key, order);
   if (key.value < columns_.size()) columns_[key.value].tag = order == SortOrder::ascending ? 0 : -1;
-  sort();
 }
 
 void ResultList::sort() {
-  sorted_ = true;
-  const bool byEntryNumber = sortKey_ == entryNumberColumn;
+  sortAs(sortKey_, sortOrder_);
+}
+
+void ResultList::sortAs(ColumnIndex key, SortOrder order) {
+  const bool byEntryNumber = key == entryNumberColumn;
+  // Ordering by entry number rewrites the numbers of a standard list; a custom list shows what the server sent.
+  const bool rewrites = byEntryNumber && filling_ == RowFilling::standard && !entryNumbersRewritten_;
   if (!rows_.empty()) {
     try {
-      const std::vector<std::uint32_t> ranks = store_->ranks(sortKey_, byEntryNumber);
+      const std::vector<std::uint32_t> ranks = store_->ranks(key, byEntryNumber);
       std::vector<std::uint32_t> keys(rows_.size());
       // Rows that do not fill the column rank with the empty text, which is 0.
-      for (std::size_t i = 0; i < keys.size(); ++i)
-        keys[i] = isFilledIn(rows_[i], sortKey_) ? ranks[rows_[i].value] : 0;
-      if (!std::is_sorted(keys.begin(), keys.end()) || sortOrder_ == SortOrder::descending)
-        rows_ = orderedBy(keys, rows_, sortOrder_);
+      for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = isFilledIn(rows_[i], key) ? ranks[rows_[i].value] : 0;
+      auto rewritten = rewrites ? rewriteNegatives(keys) : std::vector<std::pair<RowId, std::string>>{};
+      if (!std::is_sorted(keys.begin(), keys.end()) || order == SortOrder::descending)
+        rows_ = orderedBy(keys, rows_, order);
+      if (rewrites) rewrittenNegatives_ = std::move(rewritten);
     } catch (const std::bad_alloc&) {
       throw outOfMemory();
     }
   }
-  // Ordering by entry number rewrites the numbers of a standard list; a custom list shows what the server sent.
-  if (byEntryNumber && filling_ == RowFilling::standard) entryNumbersRewritten_ = true;
+  // Nothing fails from here on.
+  sortKey_ = key;
+  sortOrder_ = order;
+  sorted_ = true;
+  if (rewrites) entryNumbersRewritten_ = true;
 }
 
 HeaderIcon ResultList::headerIcon(ColumnIndex column) const noexcept {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/twips.h"
@@ -43,7 +45,8 @@ class ResultList {
 
   /// Drops the rows (and the reference to their store); headers, sort key and order stay.
   void clear() noexcept;
-  /// Replaces the rows. A list whose sorting is on sorts them at once.
+  /// Replaces the rows. A list whose sorting is on sorts them at once; where memory runs out for that, it throws Error
+  /// and the list has no rows, rather than rows in an order that its header denies.
   void setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows);
 
   [[nodiscard]] std::size_t rowCount() const noexcept { return rows_.size(); }
@@ -53,11 +56,12 @@ class ResultList {
   [[nodiscard]] RowId rowId(RowPosition row) const noexcept { return rows_[row.value]; }
   [[nodiscard]] const RowStore* store() const noexcept { return store_.get(); }
 
+  // Sorting throws Error when memory runs out; rows, key, order and tags then stay as they were.
+
   /// A click on a header: again on the sort key inverts its direction, then the list is sorted by it.
   void clickColumn(ColumnIndex column);
   /// Switches sorting on with the current key and order. Sort key 0 orders entry numbers numerically (nine digits) and
-  /// leaves those of a standard list without leading zeros. Throws Error when memory runs out; the rows then stay as
-  /// they were.
+  /// leaves those of a standard list without leading zeros.
   void sort();
   /// Sets key and order, then sorts (tool and tests).
   void sortBy(ColumnIndex key, SortOrder order);
@@ -77,8 +81,14 @@ class ResultList {
   SortOrder sortOrder_ = SortOrder::ascending;
   bool sorted_ = false;
   bool entryNumbersRewritten_ = false;  ///< column 0 shows numbers without leading zeros
+  /// The numbers of which no part of the stored text is the rewritten one, by their rows: "-007" is "-7".
+  std::vector<std::pair<RowId, std::string>> rewrittenNegatives_;
 
   [[nodiscard]] bool isFilledIn(RowId row, ColumnIndex column) const noexcept;
+  [[nodiscard]] std::string_view rewrittenNumber(RowId row, std::string_view shown) const noexcept;
+  [[nodiscard]] std::vector<std::pair<RowId, std::string>> rewriteNegatives(
+      const std::vector<std::uint32_t>& keys) const;
+  void sortAs(ColumnIndex key, SortOrder order);
 };
 
 /// `count`, a blank, and the text after it in the language: "125 Records on current tab".

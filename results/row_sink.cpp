@@ -55,6 +55,8 @@ void RowSink::endResult() {
 
 std::shared_ptr<const RowStore> RowSink::takeStore() {
   appender_.reset();
+  firstRows_.clear();
+  firstFields_.clear();
   return std::move(store_);
 }
 

@@ -32,9 +32,9 @@ class RowSink final : public db::ResultSink {
   [[nodiscard]] std::size_t firstRowOf(std::size_t index) const { return firstRows_.at(index); }
   /// The fields of the first result set.
   [[nodiscard]] const std::vector<db::Field>& firstFields() const noexcept { return firstFields_; }
-  /// Only between result sets.
+  /// Only between result sets, and not after takeStore() until the next one has begun.
   [[nodiscard]] RowStore& store() noexcept { return *store_; }
-  /// Hands the store over; the sink is empty afterwards.
+  /// Hands the store over; the sink is empty afterwards and takes another answer.
   [[nodiscard]] std::shared_ptr<const RowStore> takeStore();
 
  private:

@@ -149,14 +149,12 @@ bool readEntryNumber(std::string_view text, std::uint64_t& value) {
 
 /// A whole number, signed or not, with at least nine digits; any other text as it stands.
 std::string paddedNumber(std::string_view text) {
+  const auto number = wholeNumber(text);
+  if (!number) return std::string{text};
   std::string padded;
-  std::string_view digits = text;
-  if (!text.empty() && text.front() == '-') digits.remove_prefix(1);
-  if (!isAllDigits(digits)) return std::string{text};
-  if (digits.size() != text.size()) padded = "-";
-  digits = withoutLeadingZeros(digits);
-  if (digits.size() < entryNumberDigits) padded.append(entryNumberDigits - digits.size(), '0');
-  return padded.append(digits);
+  if (number->negative) padded = "-";
+  if (number->digits.size() < entryNumberDigits) padded.append(entryNumberDigits - number->digits.size(), '0');
+  return padded.append(number->digits);
 }
 
 /// Ranks texts that are all empty or entry numbers by value; nothing when one of them is neither.

@@ -17,8 +17,6 @@ constexpr std::uint32_t sectionEmpty = 1001;
 constexpr std::uint32_t keyEmpty = 1002;
 /// A failed call's system error number, or a value's type, is added to this.
 constexpr std::uint32_t platformBase = 2000;
-/// What an object answers for a failure that has no number of its own.
-constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
 
 [[noreturn]] void raise(std::uint32_t code, const char* description) {
   throw Error(static_cast<std::int32_t>(static_cast<std::uint32_t>(objectErrorBase) + code), description);

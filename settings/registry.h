@@ -16,16 +16,20 @@ inline constexpr std::string_view applicationName = "Molvane";
 inline constexpr std::string_view viewerSection = "AuditViewer";
 
 /// The control's only persistent store of user settings. Holds no state between calls: each call opens its section,
-/// does its work and closes it. Failures are raised as Error; nothing is ever shown.
+/// does its work and closes it. Failures are raised as Error; nothing is ever shown. Both operations raise
+/// objectErrorBase + 1000, 1001 or 1002 where the application's name, the section or the key is empty or only blanks.
 class Registry {
  public:
   /// Uses `backend`, which must outlive the object.
   explicit Registry(SettingsBackend& backend) : backend_(backend) {}
 
-  /// The stored string, or `fallback` where the section or the value is missing.
+  /// The stored string, or `fallback` where the section or the value is missing or the value cannot be read. Raises
+  /// objectErrorBase + 2000 + the system error number where the section cannot be opened for another reason, and
+  /// objectErrorBase + 2000 + the type where the value is no string.
   [[nodiscard]] std::string GetSetting(const std::string& appName, const std::string& section, const std::string& key,
                                        const std::string& fallback) const;
-  /// Creates the section if need be and stores the string.
+  /// Creates the section if need be and stores the string. Raises objectErrorBase + 2000 + the system error number
+  /// where either fails: 5 without the right to write, 33 while another program holds the store locked.
   void SaveSetting(const std::string& appName, const std::string& section, const std::string& key,
                    const std::string& value) const;
 

@@ -15,6 +15,15 @@ namespace korvel::settings {
 
 namespace {
 
+/// A path or name as the calls take it, up to its terminator: a NUL inside would cut it and address another.
+std::uint32_t wideName(const std::string& name, std::wstring& wide) {
+  if (name.find('\0') != std::string::npos) return ERROR_INVALID_PARAMETER;
+  auto converted = wideFromUtf8(name);
+  if (!converted) return ERROR_NO_UNICODE_TRANSLATION;
+  wide = *std::move(converted);
+  return errorSuccess;
+}
+
 class Advapi32Key : public SettingsKey {
  public:
   explicit Advapi32Key(HKEY handle) : handle_(handle) {}
@@ -40,29 +49,32 @@ class Advapi32Key : public SettingsKey {
   }
 
   std::uint32_t setString(const std::string& valueName, const std::string& value) override {
-    const auto name = wideFromUtf8(valueName);
+    std::wstring name;
+    const std::uint32_t failure = wideName(valueName, name);
+    if (failure != errorSuccess) return failure;
     const auto data = wideFromUtf8(value);
-    if (!name || !data) return ERROR_NO_UNICODE_TRANSLATION;
+    if (!data) return ERROR_NO_UNICODE_TRANSLATION;
     // The length counts no terminator; deliberate. A query counts one all the same.
     const auto length = static_cast<DWORD>(data->size() * sizeof(wchar_t));
     return static_cast<std::uint32_t>(
-        RegSetValueExW(handle_, name->c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(data->c_str()), length));
+        RegSetValueExW(handle_, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(data->c_str()), length));
   }
 
  private:
   /// Type and bytes of a value, a string as UTF-8. The size of a converted string is known only with its data, so both
   /// queries read it whole.
   std::uint32_t query(const std::string& valueName, RegistryValue& value) const {
-    const auto name = wideFromUtf8(valueName);
-    if (!name) return ERROR_NO_UNICODE_TRANSLATION;
+    std::wstring name;
+    const std::uint32_t failure = wideName(valueName, name);
+    if (failure != errorSuccess) return failure;
     DWORD type = REG_NONE;
     DWORD size = 0;
-    LSTATUS status = RegQueryValueExW(handle_, name->c_str(), nullptr, &type, nullptr, &size);
+    LSTATUS status = RegQueryValueExW(handle_, name.c_str(), nullptr, &type, nullptr, &size);
     // The value may grow between two calls.
     while (status == ERROR_SUCCESS || status == ERROR_MORE_DATA) {
       value.bytes.resize(size);
       status =
-          RegQueryValueExW(handle_, name->c_str(), nullptr, &type, reinterpret_cast<BYTE*>(value.bytes.data()), &size);
+          RegQueryValueExW(handle_, name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(value.bytes.data()), &size);
       if (status == ERROR_SUCCESS) {
         value.bytes.resize(size);
         break;
@@ -79,19 +91,21 @@ class Advapi32Key : public SettingsKey {
 }  // namespace
 
 std::uint32_t RegistryAdvapi32::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
-  const auto path = wideFromUtf8(keyPath);
-  if (!path) return ERROR_NO_UNICODE_TRANSLATION;
+  std::wstring path;
+  const std::uint32_t failure = wideName(keyPath, path);
+  if (failure != errorSuccess) return failure;
   HKEY handle = nullptr;
-  const LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, path->c_str(), 0, KEY_READ, &handle);
+  const LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &handle);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
   return static_cast<std::uint32_t>(status);
 }
 
 std::uint32_t RegistryAdvapi32::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
-  const auto path = wideFromUtf8(keyPath);
-  if (!path) return ERROR_NO_UNICODE_TRANSLATION;
+  std::wstring path;
+  const std::uint32_t failure = wideName(keyPath, path);
+  if (failure != errorSuccess) return failure;
   HKEY handle = nullptr;
-  const LSTATUS status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, path->c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+  const LSTATUS status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                          KEY_ALL_ACCESS, nullptr, &handle, nullptr);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
   return static_cast<std::uint32_t>(status);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 
 #include "settings/settings_backend.h"
@@ -16,7 +17,10 @@ namespace korvel::settings {
 class RegistryFile : public SettingsBackend {
  public:
   /// `file` and its folders need not be there until something is written. An empty path has no settings and takes none.
-  explicit RegistryFile(const std::filesystem::path& file) : file_(file) {}
+  /// Writing gives up (33) when another program holds the file locked for longer than `patience`.
+  explicit RegistryFile(const std::filesystem::path& file,
+                        std::chrono::milliseconds patience = SharedFile::usualPatience)
+      : file_(file, patience) {}
 
   std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
   std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;

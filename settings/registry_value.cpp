@@ -57,11 +57,13 @@ bool takeContinuation(std::string_view& text) {
   return true;
 }
 
-/// Bytes parted by commas, possibly none.
+/// Bytes parted by commas, possibly none. The list may open with a continuation: a long name leaves it no room.
 std::optional<std::string> takeByteList(std::string_view& text) {
   std::string bytes;
   skipBlanks(text);
-  if (text.empty() || digitValue(text.front()) < 0) return bytes;
+  const bool continued = !text.empty() && text.front() == '\\';
+  if (continued && !takeContinuation(text)) return std::nullopt;
+  if (!continued && (text.empty() || digitValue(text.front()) < 0)) return bytes;
   for (;;) {
     const auto byte = takeHexadecimal(text, 2);
     if (!byte) return std::nullopt;

@@ -24,7 +24,7 @@ class SettingsKey {
   virtual std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) = 0;
   /// The bytes of a value into `buffer`, which the caller has sized with querySize.
   virtual std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) = 0;
-  /// Stores `length` characters of `value` as a string; `length` counts no terminator.
+  /// Stores `value` as a string; the length that is stored counts no terminator.
   virtual std::uint32_t setString(const std::string& valueName, const std::string& value) = 0;
 };
 

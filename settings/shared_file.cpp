@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
+#include <thread>
 
 #include "base/error.h"
 #include "base/whole_file.h"
@@ -69,9 +70,23 @@ std::uint32_t mayReplace(const fs::path& target) {
   return errorSuccess;
 }
 
+/// The system offers a lock that waits for ever or not at all, so waiting for a while is asking again and again.
+std::uint32_t lockWithin(std::chrono::milliseconds patience, int descriptor) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds pause{5};
+  const auto deadline = Clock::now() + patience;
+  while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) continue;
+    if (errno != EWOULDBLOCK) return lastError();
+    if (Clock::now() >= deadline) return errorLockViolation;
+    std::this_thread::sleep_for(pause);
+  }
+  return errorSuccess;
+}
+
 }  // namespace
 
-SharedFile::SharedFile(const fs::path& path) {
+SharedFile::SharedFile(const fs::path& path, std::chrono::milliseconds patience) : patience_(patience) {
   std::error_code ignored;
   path_ = path.empty() ? path : fs::absolute(path, ignored);
 }
@@ -97,9 +112,7 @@ std::uint32_t SharedFile::Lock::take(const SharedFile& file) {
   const std::string lockFile = target_.string() + ".lock";
   descriptor_ = ::open(lockFile.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, lockMode);
   if (descriptor_ < 0) return lastError();
-  while (::flock(descriptor_, LOCK_EX) != 0)
-    if (errno != EINTR) return lastError();
-  return errorSuccess;
+  return lockWithin(file.patience_, descriptor_);
 }
 
 SharedFile::Lock::~Lock() {

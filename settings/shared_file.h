@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -10,8 +11,12 @@ namespace korvel::settings {
 /// A text file that several processes and threads read and rewrite. All functions answer with a system error number.
 class SharedFile {
  public:
+  /// How long a writer waits for the lock of another: far longer than a change takes, and not so long that whoever
+  /// waits takes the program for dead.
+  static constexpr std::chrono::milliseconds usualPatience{5000};
+
   /// A relative `path` means the folder that is current now.
-  explicit SharedFile(const std::filesystem::path& path);
+  explicit SharedFile(const std::filesystem::path& path, std::chrono::milliseconds patience = usualPatience);
 
   /// The whole file as some writer left it, never half of two. Only a regular file is read: a pipe would block.
   [[nodiscard]] std::uint32_t read(std::string& bytes) const;
@@ -22,7 +27,8 @@ class SharedFile {
   class Lock {
    public:
     /// Waits for the lock; creates the file's folders and the lock file if need be. Fails where the file could not be
-    /// rewritten: no right to write to it or to its folder.
+    /// rewritten: no right to write to it or to its folder, or a holder (33) that outlasts the file's patience, as a
+    /// stopped process would.
     [[nodiscard]] std::uint32_t take(const SharedFile& file);
 
     Lock() = default;
@@ -40,6 +46,7 @@ class SharedFile {
 
  private:
   std::filesystem::path path_;
+  std::chrono::milliseconds patience_;
 };
 
 /// The folder in which programs keep the user's configuration; empty where none is known.

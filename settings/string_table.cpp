@@ -66,20 +66,23 @@ std::string_view ownText(std::string_view key, const LanguageOffset& offset) {
   return found->texts[static_cast<std::size_t>(offset.language().index)];
 }
 
-std::string filled(std::string_view text, std::string_view first, std::string_view second) {
+std::string filled(std::string_view text, std::span<const std::string> values) {
   std::string result;
-  result.reserve(text.size() + first.size() + second.size());
-  // One pass: a value that itself holds "%2" must come out as it is.
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::string_view place = text.substr(i, 2);
-    if (place == "%1" || place == "%2") {
-      result += place == "%1" ? first : second;
+    const bool place = text[i] == '%' && i + 1 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9';
+    const auto value = place ? static_cast<std::size_t>(text[i + 1] - '1') : values.size();
+    if (value < values.size()) {
+      result += values[value];
       ++i;
     } else {
       result.push_back(text[i]);
     }
   }
   return result;
+}
+
+std::string filled(std::string_view text, std::string_view first, std::string_view second) {
+  return filled(text, std::array{std::string(first), std::string(second)});
 }
 
 }  // namespace korvel::settings

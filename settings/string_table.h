@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,6 +45,9 @@ class LanguageOffset {
 /// for a key that the table does not have. Places "%1", "%2" are filled by the caller (see filled()).
 [[nodiscard]] std::string_view ownText(std::string_view key, const LanguageOffset& offset);
 
+/// `text` with "%1" .. "%9" replaced by the first .. ninth of `values`, in one pass: a value that looks like a place
+/// stays as it is, and so does a place that has no value.
+[[nodiscard]] std::string filled(std::string_view text, std::span<const std::string> values);
 /// `text` with "%1" replaced by `first` and "%2" by `second`.
 [[nodiscard]] std::string filled(std::string_view text, std::string_view first, std::string_view second = {});
 

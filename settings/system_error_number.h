@@ -8,6 +8,8 @@ namespace korvel::settings {
 
 // The numbers under which users and manuals know the failures of a registry; the settings file answers with the same.
 inline constexpr std::uint32_t errorPathNotFound = 3;
+/// Another program keeps the store locked.
+inline constexpr std::uint32_t errorLockViolation = 33;
 inline constexpr std::uint32_t errorInvalidParameter = 87;
 inline constexpr std::uint32_t errorMoreData = 234;
 /// The store holds something that is no registry.

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -11,6 +14,18 @@
 
 #include "base/error.h"
 #include "tests/support/temporary_folder.h"
+
+namespace {
+
+int maskChanges = 0;
+
+}  // namespace
+
+// The program's own umask, which counts its calls: the mask belongs to the whole process, so a library keeps off it.
+extern "C" mode_t umask(mode_t mask) noexcept {
+  ++maskChanges;
+  return static_cast<mode_t>(::syscall(SYS_umask, mask));
+}
 
 namespace korvel {
 namespace {
@@ -46,6 +61,39 @@ TEST(WholeFile, KeepsTheTargetsRights) {
   fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
   writeWholeFile(folder / "a.txt", "two");
   EXPECT_EQ(fs::status(folder / "a.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(WholeFile, ANewFileGetsTheRightsThatTheUsersMaskAllows) {
+  const test::TemporaryFolder folder;
+  const mode_t before = ::umask(027);
+  maskChanges = 0;
+  writeWholeFile(folder / "a.txt", "one");
+  EXPECT_EQ(maskChanges, 0);
+  ::umask(before);
+  EXPECT_EQ(fs::status(folder / "a.txt").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+TEST(WholeFile, WhatIsNotYetWholeIsNobodyElsesToRead) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.txt", "one");
+  fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
+  const WholeFile file(folder / "a.txt");
+  for (const auto& entry : fs::directory_iterator(folder.path()))
+    EXPECT_EQ(entry.status().permissions(), fs::perms::owner_read | fs::perms::owner_write) << entry.path();
+  EXPECT_EQ(filesIn(folder.path()), 2U);
+}
+
+TEST(WholeFile, WritersOfOneTargetDoNotMeet) {
+  const test::TemporaryFolder folder;
+  WholeFile first(folder / "a.txt");
+  WholeFile second(folder / "a.txt");
+  first.write("one");
+  second.write("two");
+  second.commit();
+  first.commit();
+  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
 TEST(WholeFile, WritesThroughALink) {

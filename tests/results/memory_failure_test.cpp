@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <numeric>
+#include <functional>
+#include <new>
+#include <utility>
 
 #include "base/error.h"
+#include "results/out_of_memory.h"
 #include "results/result_list.h"
 #include "results/row_sink.h"
 #include "tests/results/failing_allocations.h"
@@ -118,22 +121,67 @@ TEST(OutOfMemory, ALongAnswerFailsAsAnError) {
   EXPECT_GT(failures, 5);
 }
 
+/// Rows and all that a sort changes, as they stand in the list.
+struct Sorting {
+  std::vector<std::string> texts;
+  std::vector<int> tags;
+  std::size_t key = 0;
+  SortOrder order = SortOrder::ascending;
+  bool sorted = false;
+
+  bool operator==(const Sorting&) const = default;
+};
+
+Sorting sortingOf(const ResultList& list) {
+  Sorting sorting{{}, {}, list.sortKey().value, list.sortOrder(), list.isSorted()};
+  for (std::size_t row = 0; row < list.rowCount(); ++row) sorting.texts.emplace_back(list.text({row}, {0}));
+  for (const ColumnHeader& column : list.columns()) sorting.tags.push_back(column.tag);
+  return sorting;
+}
+
 TEST(OutOfMemory, AFailedSortLeavesTheRowsAsTheyWere) {
-  const auto store = storeOf({{"3", "ä"}, {"1", "b"}, {"2", "C"}});
-  for (const std::size_t key : {0U, 1U}) {
-    ResultList list{RowFilling::whole};
-    list.setColumns({{"A", standardColumnWidth, 0}, {"B", standardColumnWidth, 0}});
-    std::vector<RowId> rows = {{0}, {1}, {2}};
-    list.setRows(store, rows);
-    EXPECT_GT(failuresUntilSuccess([&] { list.sortBy({key}, SortOrder::ascending); },
-                                   [&] {
-                                     EXPECT_EQ(list.text({0}, {0}), "3");
-                                     EXPECT_EQ(list.text({1}, {0}), "1");
-                                     EXPECT_EQ(list.text({2}, {0}), "2");
-                                   }),
-              0);
-    EXPECT_EQ(list.text({0}, {0}), "1");
+  const std::vector<Row> rows = {{"003", "C", "", ""}, {"001", "b", "", ""}, {"002", "ä", "", ""}};
+  const std::vector<std::function<void(ResultList&)>> sorts = {
+      [](ResultList& list) { list.sort(); },
+      [](ResultList& list) { list.sortBy({0}, SortOrder::descending); },
+      [](ResultList& list) { list.sortBy({1}, SortOrder::descending); },
+      [](ResultList& list) { list.clickColumn({0}); },
+      [](ResultList& list) { list.clickColumn({1}); },
+  };
+  for (std::size_t i = 0; i < sorts.size(); ++i) {
+    ResultList list{RowFilling::standard};
+    list.setColumns(std::vector<ColumnHeader>(4));
+    list.setRows(storeOf(rows), {{0}, {1}, {2}});
+    const Sorting before = sortingOf(list);
+    EXPECT_GT(
+        failuresUntilSuccess([&] { sorts[i](list); }, [&] { EXPECT_EQ(sortingOf(list), before) << "sort " << i; }), 0);
+    EXPECT_TRUE(list.isSorted());
+    EXPECT_NE(list.text({0}, {0}), "003");
   }
+}
+
+TEST(OutOfMemory, NewRowsThatCannotBeSortedAreNotShown) {
+  const auto store = storeOf({{"3"}, {"1"}, {"2"}});
+  const std::vector<RowId> rows = {{0}, {1}, {2}};
+  ResultList list{RowFilling::whole};
+  list.setColumns({{"A", standardColumnWidth, 0}});
+  list.sort();
+  EXPECT_GT(failuresUntilSuccess(
+                [&] {
+                  std::vector<RowId> handedOver;
+                  try {
+                    handedOver = rows;
+                  } catch (const std::bad_alloc&) {
+                    throw outOfMemory();
+                  }
+                  list.setRows(store, std::move(handedOver));
+                },
+                [&] {
+                  EXPECT_EQ(list.rowCount(), 0U);
+                  EXPECT_EQ(list.store(), nullptr);
+                }),
+            1);
+  EXPECT_EQ(sortingOf(list).texts, (std::vector<std::string>{"1", "2", "3"}));
 }
 
 }  // namespace

@@ -114,6 +114,7 @@ TEST(NumericRanks, OtherTextsOrderAsTexts) {
 
 TEST(NumericRanks, NegativeNumbersArePaddedToo) {
   EXPECT_THAT(ranksOf({"-7", "-007", "7"}, true), ElementsAre(1, 1, 2));
+  EXPECT_THAT(ranksOf({"-0", "0", "-000", "-1"}, true), ElementsAre(2, 2, 2, 1));
 }
 
 TEST(Ranks, OfManyUniqueTextsInAnyOrder) {

@@ -117,10 +117,28 @@ TEST(ResultList, EntryNumbersOrderByValueAndLoseTheirZeros) {
   EXPECT_THAT(column(list, 1), ElementsAre("d", "c", "b", "e", "a"));
 }
 
-TEST(ResultList, OtherItemTextsStayAsTheyAre) {
-  ResultList list = standardList({{"0x1F", "a"}, {"-7", "b"}, {"00A", "c"}, {"0.5", "d"}});
+TEST(ResultList, EntryNumbersBelowZeroLoseTheirZerosToo) {
+  ResultList list = standardList({{"2", "a"}, {"-010", "b"}, {" -007 ", "c"}, {"-000", "d"}, {"", "e"}, {"-3", "f"}});
   list.sort();
-  EXPECT_THAT(column(list, 0), testing::UnorderedElementsAre("0x1F", "-7", "00A", "0.5"));
+  EXPECT_THAT(column(list, 0), ElementsAre("", "-3", "-7", "-10", "0", "2"));
+  EXPECT_THAT(column(list, 1), ElementsAre("e", "f", "c", "b", "d", "a"));
+  list.sortBy({1}, SortOrder::descending);
+  EXPECT_THAT(column(list, 0), ElementsAre("-3", "", "0", "-7", "-10", "2"));
+  // The rows of the next answer are shown as they came, whatever stood in their places.
+  list.setRows(storeOf({{"1", "x", "c", "0"}, {"-010", "y", "c", "0"}}), {{0}, {1}});
+  EXPECT_THAT(column(list, 0), ElementsAre("-010", "1"));
+}
+
+TEST(ResultList, EntryNumbersBelowZeroAreFoundBehindOtherTexts) {
+  ResultList list = standardList({{"-01", "a"}, {"+1", "b"}, {"*", "c"}});
+  list.sort();
+  EXPECT_THAT(column(list, 0), ElementsAre("*", "+1", "-1"));
+}
+
+TEST(ResultList, OtherItemTextsStayAsTheyAre) {
+  ResultList list = standardList({{"0x1F", "a"}, {"-7", "b"}, {"00A", "c"}, {"0.5", "d"}, {"-0.5", "e"}, {"-0A", "f"}});
+  list.sort();
+  EXPECT_THAT(column(list, 0), testing::UnorderedElementsAre("0x1F", "-7", "00A", "0.5", "-0.5", "-0A"));
 }
 
 TEST(ResultList, RewrittenEntryNumbersStayRewritten) {

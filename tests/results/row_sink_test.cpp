@@ -70,6 +70,19 @@ TEST(RowSink, MayBeUsedAgainAfterItsStoreWasTaken) {
   push(sink, {"A"}, {{"2"}});
   EXPECT_EQ(rowOf(*first, 0), Row{"1"});
   EXPECT_EQ(rowOf(*sink.takeStore(), 0), Row{"2"});
+
+  RowSink firstOnly{true};
+  push(firstOnly, {"A"}, {{"1"}});
+  EXPECT_EQ(firstOnly.takeStore()->rowCount(), 1U);
+  EXPECT_EQ(firstOnly.resultCount(), 0U);
+  EXPECT_TRUE(firstOnly.firstFields().empty());
+  EXPECT_TRUE(push(firstOnly, {"B", "C"}, {{"2", "3"}}));
+  EXPECT_EQ(firstOnly.resultCount(), 1U);
+  ASSERT_EQ(firstOnly.firstFields().size(), 2U);
+  EXPECT_EQ(firstOnly.firstFields()[0].name, "B");
+  const auto second = firstOnly.takeStore();
+  ASSERT_EQ(second->rowCount(), 1U);
+  EXPECT_EQ(rowOf(*second, 0), (Row{"2", "3"}));
 }
 
 /// A row of three columns: unique, repeating and now and then null, and of very different lengths.

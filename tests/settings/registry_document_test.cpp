@@ -62,6 +62,8 @@ TEST(RegistryDocument, ReadsEveryTypeOfValue) {
                                            "\"B\"=hex:01,02,ff\n"
                                            "\"Nothing\"=hex:\n"
                                            "\"Long\"=hex:01,02,\\\n  03,04,\\\n  05\n"
+                                           "\"Opens\"=hex:\\\n  01,02\n"
+                                           "\"OpensTyped\"=hex(2):\\ \n25,00,\\\n  00,00\n"
                                            "\"X\"=hex(2):25,00,00,00\n"
                                            "\"Q\"=hex(b):01,00,00,00,00,00,00,80\n");
   EXPECT_EQ(bytesOf(document, ""), terminated("unnamed"));
@@ -74,6 +76,9 @@ TEST(RegistryDocument, ReadsEveryTypeOfValue) {
   EXPECT_EQ(bytesOf(document, "B"), "\x01\x02\xFF");
   EXPECT_EQ(bytesOf(document, "Nothing"), "");
   EXPECT_EQ(bytesOf(document, "Long"), "\x01\x02\x03\x04\x05");
+  EXPECT_EQ(bytesOf(document, "Opens"), "\x01\x02");
+  EXPECT_EQ(typeOf(document, "OpensTyped"), 2U);
+  EXPECT_EQ(bytesOf(document, "OpensTyped"), std::string("%\0\0\0", 4));
   EXPECT_EQ(typeOf(document, "X"), 2U);
   EXPECT_EQ(bytesOf(document, "X"), std::string("%\0\0\0", 4));
   EXPECT_EQ(typeOf(document, "Q"), 11U);
@@ -155,7 +160,7 @@ TEST(RegistryDocument, AChangeTouchesNothingElse) {
 }
 
 TEST(RegistryDocument, AStringReplacesAValueOfAnyType) {
-  for (const std::string data : {"dword:00000001", "hex:01,\\\n  02", "hex(7):", "\"two\nlines\""}) {
+  for (const std::string data : {"dword:00000001", "hex:01,\\\n  02", "hex:\\\n  01", "hex(7):", "\"two\nlines\""}) {
     RegistryDocument document = withLine("\"V\"=" + data + "\n\"W\"=\"w\"\n");
     document.setString(section, "V", "s");
     EXPECT_EQ(document.text(), header + sectionLine + "\"V\"=\"s\"\n\"W\"=\"w\"\n");
@@ -163,14 +168,19 @@ TEST(RegistryDocument, AStringReplacesAValueOfAnyType) {
 }
 
 TEST(RegistryDocument, KeepsTheLineEndsOfTheFile) {
-  RegistryDocument document =
-      parsed("Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\A]\r\n\"V\"=hex:01,\\\r\n  02\r\n");
-  EXPECT_EQ(document.find("HKEY_LOCAL_MACHINE\\A", "V")->bytes, "\x01\x02");
+  const std::string before =
+      "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\A]\r\n\"V\"=hex:01,\\\r\n  02\r\n"
+      "\"Opens\"=hex(2):\\\r\n  25,00\r\n";
+  RegistryDocument document = parsed(before);
+  const RegistryValue* const value = document.find("HKEY_LOCAL_MACHINE\\A", "V");
+  const RegistryValue* const opens = document.find("HKEY_LOCAL_MACHINE\\A", "Opens");
+  ASSERT_NE(value, nullptr);
+  ASSERT_NE(opens, nullptr);
+  EXPECT_EQ(value->bytes, "\x01\x02");
+  EXPECT_EQ(opens->bytes, std::string("%\0", 2));
   document.setString("HKEY_LOCAL_MACHINE\\A", "W", "1");
   document.addKey("HKEY_LOCAL_MACHINE\\B");
-  EXPECT_EQ(document.text(),
-            "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_LOCAL_MACHINE\\A]\r\n\"V\"=hex:01,\\\r\n  02\r\n"
-            "\"W\"=\"1\"\r\n\r\n[HKEY_LOCAL_MACHINE\\B]\r\n");
+  EXPECT_EQ(document.text(), before + "\"W\"=\"1\"\r\n\r\n[HKEY_LOCAL_MACHINE\\B]\r\n");
 }
 
 TEST(RegistryDocument, ComparesNamesAsARegistryDoes) {
@@ -246,6 +256,10 @@ TEST(RegistryDocument, RefusesWhatItDoesNotUnderstand) {
                                     "\"V\"=hex:01,",
                                     "\"V\"=hex:01,\\",
                                     "\"V\"=hex:01,\\x\n  02",
+                                    "\"V\"=hex:\\",
+                                    "\"V\"=hex:\\\n",
+                                    "\"V\"=hex:\\\n  ,01",
+                                    "\"V\"=hex:\\01",
                                     "\"V\"=hex(:01",
                                     "\"V\"=hex(1:01",
                                     "\"V\"=hex(1)01",

@@ -5,6 +5,8 @@
 
 #include <array>
 #include <barrier>
+#include <chrono>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -14,6 +16,8 @@
 #include "settings/registry.h"
 #include "settings/registry_document.h"
 #include "settings/registry_file.h"
+#include "settings/shared_file.h"
+#include "settings/system_error_number.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::settings {
@@ -21,6 +25,8 @@ namespace {
 
 constexpr int writers = 4;
 constexpr int values = 15;
+/// Longer than all writers together take on the slowest disk.
+constexpr std::chrono::minutes longPatience{10};
 
 std::string name(int writer, int value) {
   std::string text = "W";
@@ -33,7 +39,7 @@ std::string name(int writer, int value) {
 /// Writes the values of one writer; 0, or 1 after a failure.
 int writeAll(const std::filesystem::path& file, int writer) {
   try {
-    RegistryFile backend(file);
+    RegistryFile backend(file, longPatience);
     const Registry registry(backend);
     for (int value = 0; value < values; ++value)
       registry.SaveSetting("Molvane", "AuditViewer", name(writer, value), std::to_string(value));
@@ -97,6 +103,42 @@ TEST(RegistrySharing, ThreadsThatWriteAtOnceLoseNothing) {
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(failures, std::vector<int>(writers, 0));
   expectEverything(folder / "a.reg");
+}
+
+/// Description and system error number of what storing a value raises, "(nothing)" where it raises nothing.
+std::string savingRaises(SettingsBackend& backend) {
+  try {
+    Registry(backend).SaveSetting("Molvane", "AuditViewer", "Language", "10000");
+  } catch (const Error& error) {
+    return error.description() + " " + std::to_string(error.number() - objectErrorBase - 2000);
+  }
+  return "(nothing)";
+}
+
+TEST(RegistrySharing, AHolderThatNeverLetsGoIsNotWaitedForWithoutEnd) {
+  const test::TemporaryFolder folder;
+  RegistryFile backend(folder / "a.reg", std::chrono::milliseconds{0});
+  ASSERT_EQ(savingRaises(backend), "(nothing)");
+  const std::string before = readWholeFile(folder / "a.reg");
+  {
+    SharedFile::Lock holder;
+    ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), errorSuccess);
+    EXPECT_EQ(savingRaises(backend), "Could not open/create registry section 33");
+    // Reading needs no lock.
+    EXPECT_EQ(Registry(backend).GetSetting("Molvane", "AuditViewer", "Language", "lost"), "10000");
+    EXPECT_EQ(readWholeFile(folder / "a.reg"), before);
+  }
+  EXPECT_EQ(savingRaises(backend), "(nothing)");
+}
+
+TEST(RegistrySharing, ASectionOpenedEarlierDoesNotWaitWithoutEndEither) {
+  const test::TemporaryFolder folder;
+  RegistryFile backend(folder / "a.reg", std::chrono::milliseconds{0});
+  std::unique_ptr<SettingsKey> key;
+  ASSERT_EQ(backend.createOrOpen("SOFTWARE\\Molvane\\AuditViewer", key), errorSuccess);
+  SharedFile::Lock holder;
+  ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), errorSuccess);
+  EXPECT_EQ(key->setString("Language", "10000"), errorLockViolation);
 }
 
 TEST(RegistrySharing, AnotherProgramsValueSurvivesBetweenOpeningAndSetting) {

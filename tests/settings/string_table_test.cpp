@@ -184,6 +184,14 @@ TEST(Filled, PutsValuesIntoTheirPlaces) {
   EXPECT_EQ(filled("100 % %3 %", "a", "b"), "100 % %3 %");
   EXPECT_EQ(filled("%1 and %2", "%2", "%1"), "%2 and %1");
   EXPECT_EQ(filled("", "a"), "");
+  EXPECT_EQ(filled("%1%2", "a"), "a");
+}
+
+TEST(Filled, TakesAsManyValuesAsThereAre) {
+  const std::vector<std::string> values = {"a", "%1", "c", "d", "e", "f", "g", "h", "i"};
+  EXPECT_EQ(filled("%9%3%2 %0 %", values), "ic%1 %0 %");
+  EXPECT_EQ(filled("%1 %2 %10", std::vector<std::string>{"a"}), "a %2 a0");
+  EXPECT_EQ(filled("%1", std::vector<std::string>{}), "%1");
 }
 
 }  // namespace

@@ -3,7 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "base/whole_file.h"
 
@@ -55,18 +59,81 @@ TEST(TextTable, ADamagedRowFallsBackToEnglish) {
   EXPECT_EQ(table.rows[0].texts[3], "Only English");
 }
 
+TextTable ourTable(const std::string& name, const std::string& keyCaption) {
+  return parseTextTable(readWholeFile(std::string(KORVEL_SOURCE_DIR) + "/settings/texts/" + name), keyCaption);
+}
+TextTable fixedTable() {
+  return ourTable("fixed_texts.tsv", "k");
+}
+TextTable ownTable() {
+  return ourTable("own_texts.tsv", "key");
+}
+
+const std::array<std::string, languageCount> languages = {"en", "de", "fr", "es", "it"};
+
+/// The cells of both tables that `isWrong` complains of, as "key language".
+std::vector<std::string> cellsWhere(const std::function<bool(const TextRow&, std::size_t)>& isWrong) {
+  std::vector<std::string> cells;
+  for (const TextTable& table : {fixedTable(), ownTable()})
+    for (const TextRow& row : table.rows)
+      for (std::size_t language = 0; language < languageCount; ++language)
+        if (isWrong(row, language)) cells.push_back(row.key + " " + languages[language]);
+  return cells;
+}
+
 TEST(TextTable, OurTablesAreSound) {
-  const std::string folder = std::string(KORVEL_SOURCE_DIR) + "/settings/texts/";
-  const TextTable fixed = parseTextTable(readWholeFile(folder + "fixed_texts.tsv"), "k");
+  const TextTable fixed = fixedTable();
   EXPECT_THAT(fixed.problems, IsEmpty());
   ASSERT_EQ(fixed.rows.size(), static_cast<std::size_t>(fixedTextCount));
   for (std::size_t k = 0; k < fixed.rows.size(); ++k) EXPECT_EQ(fixed.rows[k].key, std::to_string(k + 1));
 
-  const TextTable own = parseTextTable(readWholeFile(folder + "own_texts.tsv"), "key");
+  const TextTable own = ownTable();
   EXPECT_THAT(own.problems, IsEmpty());
   EXPECT_FALSE(own.rows.empty());
   for (const TextRow& row : own.rows)
     EXPECT_THAT(row.key, testing::MatchesRegex("[a-z][A-Za-z0-9]*(\\.[A-Za-z0-9]+)+"));
+}
+
+// A translation that is spelled as English is one that was thought about, and stands here.
+TEST(TextTable, OurTranslationsAreTranslated) {
+  EXPECT_THAT(cellsWhere([](const TextRow& row, std::size_t language) {
+                return language != 0 && row.texts[language] == row.texts.front();
+              }),
+              ElementsAre("1 it", "58 de", "58 fr", "58 it", "63 de", "check.port de", "check.port fr",
+                          "check.database it", "check.table fr"));
+}
+
+/// Whether a sign of punctuation that French sets apart does not stand behind a blank that no line is broken at. Signs
+/// inside a word ("host:port") are no punctuation.
+bool hasLooseFrenchSign(std::string_view text) {
+  constexpr std::string_view unbrokenBlank = "\u00A0";
+  for (auto at = text.find_first_of(":;!?"); at != std::string_view::npos; at = text.find_first_of(":;!?", at + 1)) {
+    const std::string_view before = text.substr(0, at);
+    const bool endsWord = at + 1 == text.size() || text[at + 1] == ' ' || text[at + 1] == '\n';
+    if (before.ends_with(' ') || (endsWord && !before.ends_with(unbrokenBlank))) return true;
+  }
+  return false;
+}
+
+TEST(TextTable, OurFrenchSetsItsSignsApartWithoutBreakingLines) {
+  EXPECT_FALSE(hasLooseFrenchSign("Erreur\u00A0: nom:port\u00A0?"));
+  EXPECT_TRUE(hasLooseFrenchSign("Erreur : %1"));
+  EXPECT_TRUE(hasLooseFrenchSign("Erreur: %1"));
+  EXPECT_TRUE(hasLooseFrenchSign("Pourquoi?"));
+  EXPECT_THAT(cellsWhere([](const TextRow& row, std::size_t language) {
+                return languages[language] == "fr" && hasLooseFrenchSign(row.texts[language]);
+              }),
+              IsEmpty());
+}
+
+// Names of settings and commands are quoted to be copied: with the marks that every keyboard and terminal has.
+TEST(TextTable, OurTextsQuoteWithStraightMarks) {
+  EXPECT_THAT(cellsWhere([](const TextRow& row, std::size_t language) {
+                for (const std::string_view mark : {"„", "“", "”", "«", "»", "‹", "›", "‚", "‘", "’"})
+                  if (row.texts[language].find(mark) != std::string::npos) return true;
+                return false;
+              }),
+              IsEmpty());
 }
 
 }  // namespace
