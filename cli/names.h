@@ -3,15 +3,15 @@
 #include <optional>
 #include <string>
 
-#include "base/text.h"
 #include "cli/read_option.h"
+#include "db/open_connection.h"
 
 namespace korvel::cli {
 
-/// The name of a server or database. A semicolon would end the value in the connection string, and the rest be taken
-/// for something else.
+/// The name of a server or database, as long as a connection string gives it back as it is: a semicolon in it would end
+/// the value there, and the rest be taken for something else.
 inline std::optional<std::string> connectionName(const std::string& name) {
-  if (trimBlanks(name).empty() || name.find(';') != std::string::npos) return std::nullopt;
+  if (!db::leadsTo(name, name)) return std::nullopt;
   return name;
 }
 

@@ -19,6 +19,9 @@ namespace {
 
 const settings::LanguageOffset english;
 
+/// What lets others call the procedure.
+constexpr std::string_view grant = "GRANT EXECUTE ON dbo.QueryAudits TO [DOMAIN\\group]";
+
 void addServer(CLI::App& command, std::string& server) {
   command
       .add_option("--server", server, "A host, host\\instance or host,port,\n\"(embedded)\", or the path of a folder")
@@ -41,6 +44,9 @@ int reporting(std::ostream& out, std::ostream& err, const Work& work) {
     return out.flush() ? status : exitOutput;
   } catch (const Error& error) {
     say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+    return exitDatabase;
+  } catch (const std::exception& exception) {
+    say(err, exception.what());
     return exitDatabase;
   }
 }
@@ -69,7 +75,8 @@ CLI::App* addDatabases(CLI::App& app, ServerOptions& options) {
 int runDatabases(const ServerOptions& options, std::ostream& out, std::ostream& err) {
   return reporting(out, err, [&] {
     int status = exitNoRecords;
-    for (const auto& database : db::makeServerDirectory()->databases(options.server)) {
+    const auto directory = db::makeServerDirectory();
+    for (const auto& database : directory->databases(options.server, db::browserOptions(false))) {
       if (database.isSystem) continue;
       out << output::terminalText(database.name) << '\t' << output::terminalText(database.path) << '\n';
       status = exitDone;
@@ -88,6 +95,11 @@ CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
   command->footer(
       "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched.\n"
       "\n"
+      "Other people may run queries once an administrator allows it (again after each\ninstallation):\n"
+      "  " +
+      std::string(grant) +
+      "\n"
+      "\n"
       "Examples:\n"
       "  korvel-audit install-procedure --print > QueryAudits.sql\n"
       "  korvel-audit install-procedure --server AUDITSRV --database Korvel_Audit\n");
@@ -104,7 +116,8 @@ int runInstall(const ServerOptions& options, std::ostream& out, std::ostream& er
       out << db::queryAuditsScript();
     } else {
       db::installQueryAudits(options.server, options.database, db::odbc::userAccess());
-      out << "dbo.QueryAudits is installed in " << output::terminalText(options.database) << '\n';
+      out << "dbo.QueryAudits is installed in " << output::terminalText(options.database)
+          << ". Permissions on an earlier one are gone; give those who run queries theirs:\n  " << grant << '\n';
     }
     return exitDone;
   });

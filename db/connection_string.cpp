@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "db/connection_state.h"
 #include "db/open_connection.h"
 #include "settings/explained_error.h"
 
@@ -102,6 +103,15 @@ ConnectionTarget parseConnectionString(std::string_view connectionString) {
   if (target.server.empty()) refuse("db.noServerNamed");
   if (target.database.empty()) refuse("db.noDatabaseNamed");
   return target;
+}
+
+bool leadsTo(std::string_view server, std::string_view database) {
+  try {
+    const ConnectionTarget target = parseConnectionString(buildConnectionString(server, database));
+    return target.server == server && target.database == database;
+  } catch (const Error&) {
+    return false;
+  }
 }
 
 }  // namespace korvel::db

@@ -19,12 +19,16 @@ struct ConnectionTarget {
 };
 /// Throws Error for a text that is no connection string: empty, or without a server or database.
 [[nodiscard]] ConnectionTarget parseConnectionString(std::string_view connectionString);
+/// Whether a connection string built of these names leads to exactly them. A name that holds a semicolon or begins with
+/// a quote would lead somewhere else.
+[[nodiscard]] bool leadsTo(std::string_view server, std::string_view database);
 
 /// The server name that stands for the embedded engine's own folder.
 inline constexpr std::string_view embeddedServerName = "(embedded)";
 /// Whether a server name means the embedded engine: "(embedded)" or the absolute path of a folder.
 [[nodiscard]] bool isEmbeddedServer(std::string_view server);
-/// The folder of the embedded databases: KORVEL_AUDIT_DATA, else korvel/audit in the user's XDG data folder.
+/// The folder of the embedded databases: KORVEL_AUDIT_DATA, else korvel/audit in the user's XDG data folder. Throws
+/// Error for a relative KORVEL_AUDIT_DATA where the working folder is gone.
 [[nodiscard]] std::filesystem::path embeddedFolder();
 /// The folder that an embedded server name stands for.
 [[nodiscard]] std::filesystem::path embeddedFolderOf(std::string_view server);

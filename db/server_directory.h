@@ -25,19 +25,32 @@ struct ServerEvent {
   int messageState = 0;
 };
 
+using ServerListener = std::function<void(const ServerEvent&)>;
+
+/// Options of a server object before it connects.
+struct BrowserOptions {
+  bool secureLogin;       ///< the running user's own login; the only one there is
+  bool reconnects;        ///< a connection that breaks is opened once more
+  bool prefixesMessages;  ///< names of the components before the server's words; they are never shown
+  friend bool operator==(const BrowserOptions&, const BrowserOptions&) = default;
+};
+[[nodiscard]] constexpr BrowserOptions browserOptions(bool connectionOption) noexcept {
+  return connectionOption ? BrowserOptions{true, false, false} : BrowserOptions{true, true, false};
+}
+
 /// Finds servers and lists their databases.
 class ServerDirectory {
  public:
   virtual ~ServerDirectory() = default;
   /// Told of events where somebody listens; called on the caller's thread, within the call that lists.
-  std::function<void(const ServerEvent&)> onEvent;
+  ServerListener onEvent;
   /// The servers of the network, those that the user's configuration names and those of this computer; by name, each
   /// once.
   virtual std::vector<std::string> networkServers() = 0;
   /// The instances of this computer, the embedded engine among them.
   virtual std::vector<std::string> localServers() = 0;
   /// The databases of a server in the server's order, under the user's own login. Throws Error.
-  virtual std::vector<DatabaseInfo> databases(const std::string& server) = 0;
+  virtual std::vector<DatabaseInfo> databases(const std::string& server, const BrowserOptions& options) = 0;
 };
 
 }  // namespace korvel::db

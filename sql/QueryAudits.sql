@@ -30,6 +30,8 @@ CREATE PROCEDURE dbo.QueryAudits
 AS
 BEGIN
     SET NOCOUNT ON
+    -- The two dates are written year-month-day, whatever the language of the login.
+    SET DATEFORMAT ymd
 
     -- Every category: the whole trail, entries of the audit system itself included.
     IF @KorvelExplorer = 'True'

@@ -1,6 +1,8 @@
 #include "db/discovery/configured_servers.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -8,6 +10,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "base/whole_file.h"
+#include "db/trimmed_line.h"
 #include "settings/registry.h"
 
 namespace korvel::db {
@@ -17,13 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using Section = std::map<std::string, std::string>;  // keys case-folded
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view white = " \t\r";
-  const auto first = text.find_first_not_of(white);
-  return first == std::string_view::npos ? std::string_view{}
-                                         : text.substr(first, text.find_last_not_of(white) - first + 1);
-}
 
 /// Calls `visit` with each section's name and entries, in the order of the file.
 void readSections(std::string_view text, const std::function<void(const std::string&, const Section&)>& visit) {
@@ -35,18 +31,18 @@ void readSections(std::string_view text, const std::function<void(const std::str
   };
   while (!text.empty()) {
     const auto end = text.find('\n');
-    const std::string_view line = trimmed(text.substr(0, end));
+    const std::string_view line = trimmedLine(text.substr(0, end));
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     if (line.empty() || line.front() == '#' || line.front() == ';') continue;
     if (line.front() == '[') {
       finish();
       // A heading that is not closed heads nothing.
-      name = line.back() == ']' ? trimmed(line.substr(1, line.size() - 2)) : std::string_view{};
+      name = line.back() == ']' ? trimmedLine(line.substr(1, line.size() - 2)) : std::string_view{};
       continue;
     }
     const auto equals = line.find('=');
     if (equals != std::string_view::npos)
-      section[caseFolded(trimmed(line.substr(0, equals)))] = trimmed(line.substr(equals + 1));
+      section[caseFolded(trimmedLine(line.substr(0, equals)))] = trimmedLine(line.substr(equals + 1));
   }
   finish();
 }
@@ -56,13 +52,38 @@ std::string valueOf(const Section& section, const char* key) {
   return found == section.end() ? std::string{} : found->second;
 }
 
+/// Whether a section is about a server of this protocol: older versions belong to another product.
+bool speaksOurVersion(const Section& section) {
+  constexpr int firstVersion = 7;
+  const std::string version = valueOf(section, "tds version");
+  int major = 0;
+  const auto [end, error] = std::from_chars(version.data(), version.data() + version.size(), major);
+  return error != std::errc{} || major >= firstVersion;
+}
+
+/// Hosts that nobody has: the examples in the file that the driver's package installs.
+constexpr std::array<std::string_view, 2> sampleHosts = {"ntmachine.domain.com", "symachine.domain.com"};
+
+bool isSample(std::string_view host) {
+  return std::any_of(sampleHosts.begin(), sampleHosts.end(),
+                     [&](std::string_view sample) { return equalsIgnoringAsciiCase(host, sample); });
+}
+
 std::string typedName(const std::string& host, const std::string& instance, const std::string& port) {
   if (!port.empty() && port != "1433") return host + "," + port;
   return instance.empty() ? host : host + "\\" + instance;
 }
 
+/// A file of the user's own; nothing where his folder is not known, never one of the current folder.
+fs::path ofTheUser(const char* name) {
+  const fs::path home = settings::GetEnvironment("HOME");
+  return home.is_absolute() ? home / name : fs::path();
+}
+
+/// An empty path names no file.
 void addServersOf(const fs::path& file, std::vector<std::string> (*read)(std::string_view),
                   std::vector<std::string>& servers) {
+  if (file.empty()) return;
   try {
     for (auto& server : read(readWholeFile(file))) servers.push_back(std::move(server));
   } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a file that is not there names no servers
@@ -76,6 +97,7 @@ std::vector<std::string> serversOfFreeTdsConfiguration(std::string_view text) {
   readSections(text, [&](const std::string& name, const Section& section) {
     const std::string host = valueOf(section, "host");
     if (equalsIgnoringAsciiCase(name, "global") || host.empty()) return;
+    if (isSample(host) || !speaksOurVersion(section)) return;
     servers.push_back(typedName(host, valueOf(section, "instance"), valueOf(section, "port")));
   });
   return servers;
@@ -97,14 +119,13 @@ std::vector<std::string> serversOfOdbcConfiguration(std::string_view text) {
 }
 
 std::vector<std::string> configuredServers() {
-  const std::string home = settings::GetEnvironment("HOME");
   const std::string odbcIni = settings::GetEnvironment("ODBCINI");
   const std::string freeTdsConf = settings::GetEnvironment("FREETDSCONF");
   std::vector<std::string> servers;
-  addServersOf(odbcIni.empty() ? fs::path(home) / ".odbc.ini" : fs::path(odbcIni), serversOfOdbcConfiguration, servers);
+  addServersOf(odbcIni.empty() ? ofTheUser(".odbc.ini") : fs::path(odbcIni), serversOfOdbcConfiguration, servers);
   addServersOf("/etc/odbc.ini", serversOfOdbcConfiguration, servers);
-  addServersOf(freeTdsConf.empty() ? fs::path(home) / ".freetds.conf" : fs::path(freeTdsConf),
-               serversOfFreeTdsConfiguration, servers);
+  addServersOf(freeTdsConf.empty() ? ofTheUser(".freetds.conf") : fs::path(freeTdsConf), serversOfFreeTdsConfiguration,
+               servers);
   addServersOf("/etc/freetds/freetds.conf", serversOfFreeTdsConfiguration, servers);
   return servers;
 }

@@ -10,10 +10,10 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "db/discovery/configured_servers.h"
+#include "db/embedded/embedded_connection.h"
 #include "db/odbc/server_address.h"
 #include "db/odbc/server_approach.h"
 #include "db/open_connection.h"
-#include "settings/explained_error.h"
 
 namespace korvel::db {
 
@@ -52,10 +52,12 @@ std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
   std::error_code error;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
     std::error_code ignored;
-    if (entry->path().extension() == ".db" && entry->is_regular_file(ignored))
-      databases.push_back({entry->path().stem().string(), false, entry->path().string()});
+    const std::string name = entry->path().stem().string();
+    // What cannot be opened by its name is not offered.
+    if (entry->path().extension() == ".db" && isEmbeddedDatabaseName(name) && entry->is_regular_file(ignored))
+      databases.push_back({name, false, entry->path().string()});
   }
-  if (error) throw settings::explainedError(error.value(), "failure.noFolder", {folder.string()});
+  if (error) throw folderFailure(folder, error.value());
   std::sort(databases.begin(), databases.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
   return databases;
 }
@@ -119,14 +121,28 @@ std::vector<std::string> NetworkDirectory::networkServers() {
   return tidied(names);
 }
 
-std::vector<DatabaseInfo> NetworkDirectory::databases(const std::string& server) {
+std::vector<DatabaseInfo> NetworkDirectory::databases(const std::string& server, const BrowserOptions& options) {
   if (isEmbeddedServer(server)) return embeddedDatabases(embeddedFolderOf(server));
-  return serverDatabases(*connect_(server));
+  const auto list = [&] {
+    return serverDatabases(*connect_(server, [this](const ServerEvent& event) {
+      if (onEvent) onEvent(event);
+    }));
+  };
+  try {
+    return list();
+  } catch (const Error& error) {
+    if (!options.reconnects || error.textKey() != "failure.connectionLost") throw;
+  }
+  return list();
 }
 
 std::unique_ptr<ServerDirectory> makeServerDirectory() {
-  return std::make_unique<NetworkDirectory>(
-      ResolutionClient(), [](const std::string& server) { return odbc::openServer(server, {}, odbc::userAccess()); });
+  return std::make_unique<NetworkDirectory>(ResolutionClient(),
+                                            [](const std::string& server, const ServerListener& listener) {
+                                              odbc::ServerAccess access = odbc::userAccess();
+                                              access.onEvent = listener;
+                                              return odbc::openServer(server, {}, access);
+                                            });
 }
 
 }  // namespace korvel::db

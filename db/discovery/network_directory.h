@@ -12,13 +12,13 @@ namespace korvel::db {
 /// The real directory: the resolution protocol, the user's configuration, this computer, the embedded folder.
 class NetworkDirectory final : public ServerDirectory {
  public:
-  /// Opens a connection to a server's default database.
-  using Connect = std::function<std::unique_ptr<Connection>(const std::string& server)>;
+  /// Opens a connection to a server's default database, which tells the listener what happens on it.
+  using Connect = std::function<std::unique_ptr<Connection>(const std::string& server, const ServerListener& listener)>;
   NetworkDirectory(ResolutionClient resolver, Connect connect);
 
   std::vector<std::string> networkServers() override;
   std::vector<std::string> localServers() override;
-  std::vector<DatabaseInfo> databases(const std::string& server) override;
+  std::vector<DatabaseInfo> databases(const std::string& server, const BrowserOptions& options) override;
 
  private:
   ResolutionClient resolver_;

@@ -6,7 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "db/net/socket.h"
+#include "settings/explained_error.h"
 
 namespace korvel::db {
 
@@ -17,38 +17,72 @@ constexpr std::int32_t instanceNotFound = 1225;
 /// More instances than any network has; who answers with more wants to fill our memory.
 constexpr std::size_t mostInstances = 4096;
 
-/// Sends `request` to every address of the host; the first reply that parses wins, since they share one responder.
-std::vector<InstanceInfo> askHost(const std::string& host, std::uint16_t port, const std::string& request,
-                                  std::size_t limit, const net::Deadline& deadline) {
-  net::Datagrams datagrams;
-  datagrams.ask(net::resolveHost(host, port, deadline).endpoints, request);
-  std::vector<std::byte> reply;
-  while (datagrams.receive(reply, limit, deadline)) {
-    auto instances = parseResolutionReply(reply, limit);
-    if (!instances.empty()) return instances;
+/// A conversation with one host, at all its addresses: what it says counts whichever of them it comes from, since they
+/// share one responder.
+class HostInquiry {
+ public:
+  /// `first` is asked now, and again while nobody answers, from then on together with `later` where there is such.
+  HostInquiry(std::span<const net::Endpoint> host, std::string first, std::string later, const net::Deadline& deadline)
+      : first_(std::move(first)), later_(std::move(later)), deadline_(deadline), round_(deadline.within(askAgainTime)) {
+    datagrams_.ask(host, first_);
   }
-  return {};
-}
+
+  /// The instances of the next reply that names some; none when the time is over or nobody is left to answer.
+  std::vector<InstanceInfo> next() {
+    std::vector<std::byte> reply;
+    while (datagrams_.mayAnswer() && !deadline_.passed()) {
+      if (!datagrams_.receive(reply, listReplyLimit, round_)) {
+        askAgain();
+        continue;
+      }
+      auto instances = parseResolutionReply(reply, listReplyLimit);
+      if (!instances.empty()) return instances;
+    }
+    return {};
+  }
+
+ private:
+  void askAgain() {
+    round_ = deadline_.within(askAgainTime);
+    datagrams_.askAgain(first_);
+    if (!later_.empty()) datagrams_.askAgain(later_);
+  }
+
+  std::string first_;
+  std::string later_;
+  net::Deadline deadline_;
+  net::Deadline round_;
+  net::Datagrams datagrams_;
+};
 
 }  // namespace
 
-std::uint16_t ResolutionClient::portOfInstance(const std::string& host, const std::string& instance,
-                                               const net::Deadline& deadline) const {
-  const auto found =
-      askHost(host, port_, instanceRequest(instance), instanceReplyLimit, deadline.within(hostReplyTime));
-  const auto match = std::find_if(found.begin(), found.end(), [&](const InstanceInfo& info) {
-    return equalsIgnoringAsciiCase(info.instanceName, instance);
-  });
-  if (match == found.end())
-    throw Error(instanceNotFound, "the computer " + host + " does not tell the port of an instance named " + instance);
-  if (!match->tcpPort)
-    throw Error(instanceNotFound, "the instance " + instance + " on " + host + " does not listen on TCP");
-  return *match->tcpPort;
+std::uint16_t ResolutionClient::portOfInstance(const std::string& hostName, std::span<const net::Endpoint> host,
+                                               const std::string& instance, const net::Deadline& deadline) const {
+  const auto fail = [&](const char* key) {
+    return settings::explainedError(instanceNotFound, key, {hostName, instance});
+  };
+  const std::vector<net::Endpoint> responders = net::atPort({host.begin(), host.end()}, port_);
+  // Responders say nothing of an instance that they do not know; but they name those that they do.
+  HostInquiry inquiry(responders, instanceRequest(instance), hostRequest(), deadline.within(hostReplyTime));
+  bool answered = false;
+  for (auto found = inquiry.next(); !found.empty(); found = inquiry.next()) {
+    answered = true;
+    const auto match = std::find_if(found.begin(), found.end(), [&](const InstanceInfo& info) {
+      return equalsIgnoringAsciiCase(info.instanceName, instance);
+    });
+    if (match == found.end()) continue;
+    if (!match->tcpPort) throw fail("failure.instanceWithoutTcp");
+    return *match->tcpPort;
+  }
+  throw fail(answered ? "failure.instanceUnknown" : "failure.instanceSilent");
 }
 
 std::vector<InstanceInfo> ResolutionClient::instancesOf(const std::string& host) const {
   try {
-    return askHost(host, port_, hostRequest(), listReplyLimit, net::Deadline(hostReplyTime));
+    const net::Deadline deadline(hostReplyTime);
+    const auto found = net::resolveHost(host, port_, deadline);
+    return HostInquiry(found.endpoints, hostRequest(), {}, deadline).next();
   } catch (const Error&) {
     return {};  // a host that cannot be found has no instances to show
   }

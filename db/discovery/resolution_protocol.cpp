@@ -35,13 +35,6 @@ bool isPlainName(std::string_view name, std::size_t limit) {
   });
 }
 
-std::optional<std::uint16_t> parsePort(std::string_view text) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  if (error != std::errc{} || end != text.data() + text.size() || port == 0) return std::nullopt;
-  return port;
-}
-
 /// Takes the text up to the next semicolon off the front of `rest`. A last piece without one is cut short and not
 /// given.
 std::optional<std::string_view> takePiece(std::string_view& rest) {
@@ -67,6 +60,13 @@ bool isUsable(const InstanceInfo& instance) {
 }
 
 }  // namespace
+
+std::optional<std::uint16_t> parsePort(std::string_view text) {
+  std::uint16_t port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc{} || end != text.data() + text.size() || port == 0) return std::nullopt;
+  return port;
+}
 
 std::string InstanceInfo::displayName() const {
   if (!equalsIgnoringAsciiCase(instanceName, defaultInstance)) return serverName + "\\" + instanceName;

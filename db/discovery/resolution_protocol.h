@@ -12,9 +12,11 @@ namespace korvel::db {
 
 inline constexpr std::uint16_t resolutionPort = 1434;
 
-/// Longest replies that a well-behaved responder sends.
-inline constexpr std::size_t instanceReplyLimit = 1024;
+/// Longest reply that a well-behaved responder sends.
 inline constexpr std::size_t listReplyLimit = 65535;
+
+/// A TCP port as digits write it, 1 to 65535; nothing for any other text.
+[[nodiscard]] std::optional<std::uint16_t> parsePort(std::string_view text);
 
 /// One instance as a resolution reply describes it.
 struct InstanceInfo {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "base/error.h"
 #include "db/connection.h"
 
 namespace korvel::db {
@@ -13,6 +14,12 @@ struct EmbeddedOptions {
   /// How long a database that another program has locked is waited for.
   std::chrono::milliseconds busyTimeout{5000};
 };
+
+/// Whether an embedded database can have this name: that of a plain file.
+[[nodiscard]] bool isEmbeddedDatabaseName(std::string_view database);
+
+/// What to say of a folder of embedded databases that cannot be listed, by the system's number for it.
+[[nodiscard]] Error folderFailure(const std::filesystem::path& folder, int systemNumber);
 
 /// The file of an embedded database. Throws Error for a name that is more than a plain file name.
 [[nodiscard]] std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder,

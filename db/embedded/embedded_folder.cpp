@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <system_error>
 
 #include "base/text.h"
 #include "db/embedded/embedded_connection.h"
@@ -36,22 +37,46 @@ std::filesystem::path userDataFolder() {
 /// The longest name that the server gives a database.
 constexpr std::size_t longestDatabaseName = 128;
 
-bool isPlainName(std::string_view name) {
-  if (name.empty() || name.size() > longestDatabaseName) return false;
-  if (name.front() == '.' || name.find("..") != std::string_view::npos) return false;
-  return std::none_of(name.begin(), name.end(), [](char c) {
+struct FolderSentence {
+  int systemNumber;
+  const char* key;
+};
+constexpr std::array folderSentences = {
+    FolderSentence{ENOENT, "failure.noFolder"},
+    FolderSentence{ENOTDIR, "failure.notAFolder"},
+    FolderSentence{EACCES, "failure.folderDenied"},
+    FolderSentence{EPERM, "failure.folderDenied"},
+};
+
+}  // namespace
+
+bool isEmbeddedDatabaseName(std::string_view database) {
+  if (database.empty() || database.size() > longestDatabaseName) return false;
+  if (database.front() == '.' || database.find("..") != std::string_view::npos) return false;
+  return std::none_of(database.begin(), database.end(), [](char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == '\x7f' || c == '/' || c == '\\' || c == ':';
   });
 }
 
-}  // namespace
+Error folderFailure(const std::filesystem::path& folder, int systemNumber) {
+  for (const FolderSentence& sentence : folderSentences)
+    if (sentence.systemNumber == systemNumber)
+      return settings::explainedError(systemNumber, sentence.key, {folder.string()});
+  return settings::explainedError(systemNumber, "failure.folderUnreadable",
+                                  {folder.string(), std::generic_category().message(systemNumber)});
+}
 
 bool isEmbeddedServer(std::string_view server) {
   return equalsIgnoringAsciiCase(server, embeddedServerName) || std::filesystem::path(server).is_absolute();
 }
 
 std::filesystem::path embeddedFolder() {
-  if (auto folder = environmentPath("KORVEL_AUDIT_DATA"); !folder.empty()) return std::filesystem::absolute(folder);
+  if (const auto named = environmentPath("KORVEL_AUDIT_DATA"); !named.empty()) {
+    std::error_code noWorkingFolder;
+    auto folder = std::filesystem::absolute(named, noWorkingFolder);
+    if (noWorkingFolder) throw folderFailure(named, noWorkingFolder.value());
+    return folder;
+  }
   return userDataFolder() / "korvel" / "audit";
 }
 
@@ -60,7 +85,7 @@ std::filesystem::path embeddedFolderOf(std::string_view server) {
 }
 
 std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder, std::string_view database) {
-  if (!isPlainName(database))
+  if (!isEmbeddedDatabaseName(database))
     throw settings::explainedError(EINVAL, "db.notAName",
                                    {replaceAll(std::string(database), std::string(1, '\0'), "\\0")});
   return folder / (std::string(database) + ".db");

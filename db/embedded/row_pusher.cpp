@@ -6,6 +6,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "db/hex_text.h"
+
 namespace korvel::db {
 namespace {
 
@@ -33,15 +35,9 @@ std::string upperCase(std::string_view text) {
   return upper;
 }
 
-void writeHex(std::string_view bytes, std::string& text) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  text.clear();
-  text.reserve(bytes.size() * 2);
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    text += digits[byte >> 4U];
-    text += digits[byte & 15U];
-  }
+void fillWithHex(std::string_view bytes, std::string& text) {
+  text.resize(bytes.size() * 2);
+  writeHex(bytes, text.data());
 }
 
 }  // namespace
@@ -129,7 +125,7 @@ bool RowPusher::fill(std::size_t column) {
       return true;
     case SQLITE_BLOB: {
       const auto* const bytes = static_cast<const char*>(sqlite3_value_blob(value));
-      writeHex({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))}, hexTexts_[column]);
+      fillWithHex({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))}, hexTexts_[column]);
       cell.text = hexTexts_[column];
       return true;
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <utility>
 
 #include "settings/explained_error.h"
 
@@ -69,9 +70,10 @@ void SqliteFinalizer::operator()(sqlite3_stmt* statement) const noexcept {
   sqlite3_finalize(statement);
 }
 
-SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout)
-    : file_(std::filesystem::absolute(file)) {
+SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout) : file_(file) {
   std::error_code failure;
+  // Without a working folder a relative path leads nowhere; it is said below.
+  if (auto whole = std::filesystem::absolute(file, failure); !failure) file_ = std::move(whole);
   const auto status = std::filesystem::status(file_, failure);
   if (status.type() == std::filesystem::file_type::not_found)
     throw settings::explainedError(SQLITE_CANTOPEN, "db.fileMissing", {file_.string()});

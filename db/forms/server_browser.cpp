@@ -9,6 +9,8 @@
 #include <QRadioButton>
 #include <QStatusBar>
 #include <QToolButton>
+#include <cstdint>
+#include <exception>
 #include <utility>
 
 #include "control/look/result_table.h"
@@ -38,6 +40,20 @@ int itemOf(const SmartViewBar& bar, const QString& server) {
   return -1;
 }
 
+/// Runs what asks the network; gives its failure, whatever was thrown.
+template <typename Work>
+std::optional<Error> failureOf(const Work& work) {
+  try {
+    work();
+    return std::nullopt;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::exception& exception) {
+    constexpr std::int32_t internalError = 51;
+    return Error(internalError, exception.what());
+  }
+}
+
 }  // namespace
 
 frmSQLServerBrowser::~frmSQLServerBrowser() = default;
@@ -62,6 +78,11 @@ void frmSQLServerBrowser::Form_Load() {
   DisplayServers();
 }
 
+void frmSQLServerBrowser::openServerObject() {
+  oSQLServer_ = openDirectory_();
+  oSQLServer_->onEvent = [this](const ServerEvent& happened) { oSQLServer_Event(happened); };
+}
+
 void frmSQLServerBrowser::DisplayServers() {
   std::optional<Error> failure;
   {
@@ -70,15 +91,12 @@ void frmSQLServerBrowser::DisplayServers() {
     SmartViewBar_->setEmptyText({});
     say(ownText("browser.findingServers"));
     switches.eventEcho = false;
-    try {
-      oSQLServer_ = openDirectory_();
-      oSQLServer_->onEvent = [this](const ServerEvent& happened) { oSQLServer_Event(happened); };
+    failure = failureOf([&] {
+      openServerObject();
       const bool local = ServerLocation_[localServers]->isChecked();
       for (const std::string& server : local ? oSQLServer_->localServers() : oSQLServer_->networkServers())
         SmartViewBar_->addItem(fromUtf8(server));
-    } catch (const Error& error) {
-      failure = error;
-    }
+    });
     SmartViewBar_->highlightItems();
     SmartViewBar_->setEmptyText(ownText("browser.noServers"));
     say(ownText("browser.servers", QString::number(SmartViewBar_->count())));
@@ -98,14 +116,16 @@ void frmSQLServerBrowser::SmartViewBar_SelectionMove() {
 
 void frmSQLServerBrowser::SmartViewBar_ItemClick() {
   const QString server = SmartViewBar_->selectedCaption();
-  if (server.isEmpty() || !oSQLServer_) return;
+  if (server.isEmpty()) return;
   std::optional<Error> failure;
   {
     const BusyPointer busy(*services_);
     clearDatabases();
     say(ownText("browser.asking", server));
-    try {
-      for (const DatabaseInfo& database : oSQLServer_->databases(server.toStdString())) {
+    failure = failureOf([&] {
+      openServerObject();
+      const BrowserOptions options = browserOptions(switches.connectionOption);
+      for (const DatabaseInfo& database : oSQLServer_->databases(server.toStdString(), options)) {
         const QString name = fromUtf8(database.name);
         if (database.isSystem || !name.contains(auditName, Qt::CaseInsensitive)) continue;
         databases_.appendRow({new QStandardItem(name), new QStandardItem(fromUtf8(database.path))});
@@ -113,8 +133,10 @@ void frmSQLServerBrowser::SmartViewBar_ItemClick() {
       const QString count = QString::number(databases_.rowCount());
       lvListView_->setEmptyText(ownText("browser.noDatabases", server));
       say(ownText("browser.databases", server, count));
-    } catch (const Error& error) {
-      failure = error;
+    });
+    if (failure) {
+      // Half a list would look like a whole one.
+      clearDatabases();
       say({});
     }
   }
@@ -125,7 +147,7 @@ void frmSQLServerBrowser::txtServer_Enter() {
   const QString server = txtServer_->text().trimmed();
   if (server.isEmpty()) return;
   // A semicolon would end the name in the middle of the connection string.
-  if (server.contains(QLatin1Char(';'))) {
+  if (!leadsTo(server.toStdString(), auditName.toStdString())) {
     services_->messageBox(this, MessageIcon::critical, windowTitle(), ownText("failure.notInConnection", server));
     return;
   }
@@ -152,6 +174,13 @@ void frmSQLServerBrowser::cmdOK_Click() {
     return;
   }
   const std::string server = SmartViewBar_->selectedCaption().toStdString();
+  if (!leadsTo(server, database.toStdString())) {
+    // A name that would end early in the connection string may lead to another server.
+    const bool serverFits = leadsTo(server, auditName.toStdString());
+    services_->messageBox(this, MessageIcon::critical, windowTitle(),
+                          ownText("failure.notInConnection", serverFits ? database : fromUtf8(server)));
+    return;
+  }
   connection_.ConnectionString = buildConnectionString(server, database.toStdString());
   connection_.AdvancedConnectionString = connection_.ConnectionString;
   connection_.CurrentServer = server;

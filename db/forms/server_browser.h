@@ -44,17 +44,6 @@ struct BrowserSwitches {
   bool connectionOption = false;
 };
 
-/// Options of a server object before it connects.
-struct BrowserOptions {
-  bool secureLogin;
-  bool reconnects;
-  bool prefixesMessages;
-  friend bool operator==(const BrowserOptions&, const BrowserOptions&) = default;
-};
-[[nodiscard]] constexpr BrowserOptions browserOptions(bool connectionOption) noexcept {
-  return connectionOption ? BrowserOptions{true, false, false} : BrowserOptions{true, true, false};
-}
-
 /// The dialog through which a server and one of its audit databases are chosen. Lists servers when it is shown.
 class frmSQLServerBrowser final : public QDialog {
   Q_OBJECT
@@ -97,6 +86,8 @@ class frmSQLServerBrowser final : public QDialog {
   void imgSplitterV_MouseUp();
   [[nodiscard]] int withinLimits(int x) const;
 
+  /// A new server object in the place of the one before.
+  void openServerObject();
   void clearDatabases();
   void reportFailure(const QString& sentence, const Error& error);
   void say(const QString& text);

@@ -92,7 +92,9 @@ void frmSQLServerBrowser::buildRightPane() {
   // What answers at once comes first.
   ServerLocation_[0]->setChecked(true);
   for (QRadioButton* location : ServerLocation_)
-    connect(location, &QRadioButton::clicked, this, [this] { ServerLocation_Click(); });
+    connect(location, &QRadioButton::toggled, this, [this](bool chosen) {
+      if (chosen) ServerLocation_Click();
+    });
   locations->addStretch(1);
 
   txtServer_ = named(new QLineEdit, "txtServer");

@@ -69,6 +69,10 @@ class Datagrams {
  public:
   /// Asks each endpoint from a socket of its own, which hears nobody else: a stranger cannot answer in its place.
   void ask(std::span<const Endpoint> endpoints, std::string_view request);
+  /// Puts a question once more to those whom ask() asked and who may still answer: datagrams get lost.
+  void askAgain(std::string_view request);
+  /// Whether somebody may still answer.
+  [[nodiscard]] bool mayAnswer() const noexcept { return !sockets_.empty(); }
   /// Asks all endpoints of a family, broadcast addresses among them, from one socket that hears everybody.
   void askOpenly(std::span<const Endpoint> endpoints, std::string_view request);
   /// The next datagram, at most `limit` bytes of it; false when the deadline passes first or nobody is left to answer.

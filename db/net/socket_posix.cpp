@@ -204,6 +204,13 @@ void Datagrams::ask(std::span<const Endpoint> endpoints, std::string_view reques
   }
 }
 
+void Datagrams::askAgain(std::string_view request) {
+  std::erase_if(sockets_, [&](const Socket& socket) {
+    // The refusal of the question before is reported here, too.
+    return ::send(socket.descriptor(), request.data(), request.size(), MSG_NOSIGNAL) < 0 && errno == ECONNREFUSED;
+  });
+}
+
 void Datagrams::askOpenly(std::span<const Endpoint> endpoints, std::string_view request) {
   std::map<int, Socket> byFamily;
   for (const Endpoint& endpoint : endpoints) {

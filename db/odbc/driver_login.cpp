@@ -54,9 +54,13 @@ Attributes freeTdsAttributes(const LoginRequest& request) {
 }
 
 Attributes vendorAttributes(const LoginRequest& request) {
+  const ConnectionOptions& options = request.options;
+  // This driver knows the system's authorities only, and would refuse the server without a word about the setting.
+  if (options.encrypt && !options.trustServerCertificate && !options.certificateAuthorities.empty())
+    throw settings::explainedError(invalidParameter, "failure.authoritiesNotForDriver", {request.driver.name});
   return {{"Server", request.address.host + "," + std::to_string(request.address.port)},
-          {"Encrypt", request.options.encrypt ? "yes" : "no"},
-          {"TrustServerCertificate", request.options.trustServerCertificate ? "yes" : "no"}};
+          {"Encrypt", options.encrypt ? "yes" : "no"},
+          {"TrustServerCertificate", options.trustServerCertificate ? "yes" : "no"}};
 }
 
 }  // namespace

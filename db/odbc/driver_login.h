@@ -19,7 +19,7 @@ struct LoginRequest {
 
 /// The text that the driver manager connects with: the running user's own login, never a name or a password. The one
 /// place that knows the words of each driver. Values stand in braces, so that none can add words of its own; throws
-/// Error for one that braces cannot hold.
+/// Error for one that braces cannot hold, and for authorities that the driver would not heed.
 [[nodiscard]] std::string driverText(const LoginRequest& request);
 
 /// Whether this driver checks certificates only when a configuration file tells it to.

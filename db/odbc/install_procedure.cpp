@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/trimmed_line.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -19,10 +20,16 @@ class IgnoringSink final : public ResultSink {
 };
 
 bool separatesBatches(std::string_view line) {
-  constexpr std::string_view white = " \t\r";
-  const auto first = line.find_first_not_of(white);
-  if (first == std::string_view::npos) return false;
-  return equalsIgnoringAsciiCase(line.substr(first, line.find_last_not_of(white) - first + 1), "GO");
+  return equalsIgnoringAsciiCase(trimmedLine(line), "GO");
+}
+
+/// Takes the transaction back, where the server has not done so itself.
+template <typename Run>
+void undo(const Run& run) {
+  try {
+    run("IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION");
+  } catch (const Error&) {  // NOLINT(bugprone-empty-catch): with the connection goes what was not committed
+  }
 }
 
 void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
@@ -50,7 +57,16 @@ std::vector<std::string> scriptBatches(std::string_view script) {
 
 void installQueryAudits(Connection& connection) {
   IgnoringSink sink;
-  for (const std::string& batch : scriptBatches(queryAuditsScript())) connection.execute(batch, sink);
+  const auto run = [&](std::string_view batch) { connection.execute(batch, sink); };
+  // The old procedure stays where the new one cannot be created.
+  run("BEGIN TRANSACTION");
+  try {
+    for (const std::string& batch : scriptBatches(queryAuditsScript())) run(batch);
+    run("COMMIT TRANSACTION");
+  } catch (...) {
+    undo(run);
+    throw;
+  }
 }
 
 void installQueryAudits(const std::string& server, const std::string& database, const odbc::ServerAccess& access) {

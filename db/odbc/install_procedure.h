@@ -12,7 +12,8 @@ namespace korvel::db {
 /// The batches of a script: what stands between lines that say GO and nothing else. Empty batches are left out.
 [[nodiscard]] std::vector<std::string> scriptBatches(std::string_view script);
 
-/// Runs queryAuditsScript() batch by batch: the old procedure is dropped, the new one created. Throws Error.
+/// Runs queryAuditsScript() batch by batch in one transaction: the old procedure is dropped, the new one created, or
+/// all stays as it was. Permissions on the old one go with it. Throws Error.
 void installQueryAudits(Connection& connection);
 
 /// The same on a server of that name, under the running user's own login, who must be allowed to create procedures

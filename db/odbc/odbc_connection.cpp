@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "db/odbc/driver_configuration.h"
 #include "db/odbc/odbc_diagnostics.h"
@@ -50,22 +51,38 @@ bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
 
 }  // namespace
 
-OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline)
-    : address_(request.address),
+OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
+                               ServerListener onEvent)
+    : onEvent_(std::move(onEvent)),
+      address_(request.address),
       commandTimeout_(request.options.commandTimeout),
       environment_(makeEnvironment()),
       connection_(environment_.get()) {
+  std::vector<Diagnostic> diagnostics;
+  const std::optional<Error> failure = tryLogin(request, text, deadline, diagnostics);
+  // A listener may take its time, and others may log in meanwhile.
+  tellMessages(diagnostics);
+  if (!failure) return;
+  tell(eventOfFailure(diagnostics, *failure));
+  throw Error(*failure);
+}
+
+std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const std::string& text,
+                                              const net::Deadline& deadline, std::vector<Diagnostic>& diagnostics) {
   const std::lock_guard oneLoginAtATime(loginMutex());
   sockets_.expect(address_.port);
   {
     const DriverWatch watch(sockets_, deadline.left());
     try {
       logIn(request, text);
+      if (onEvent_) diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection_.get());
     } catch (const DriverFailure& failure) {
-      throw loginFailure(failure.diagnostics, request, watch.expired());
+      diagnostics = failure.diagnostics;
+      return loginFailure(diagnostics, request, watch.expired());
     }
   }
   sockets_.keep();
+  return std::nullopt;
 }
 
 void OdbcConnection::logIn(const LoginRequest& request, const std::string& text) {
@@ -85,13 +102,27 @@ OdbcConnection::~OdbcConnection() {
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
   const bool limited = commandTimeout_.count() > 0;
   DriverWatch watch(sockets_, limited ? std::optional(commandTimeout_ + driversGrace) : std::nullopt);
+  if (onEvent_) tell(ServerEvent{ServerEventKind::commandSent, std::string(commandText)});
   try {
     run(commandText, sink, watch);
     // A driver whose connection was shut down may take that for the end of the answer.
     if (watch.expired()) throw DriverFailure({});
   } catch (const DriverFailure& failure) {
-    throw commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired());
+    const Error error = commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired());
+    tellMessages(failure.diagnostics);
+    tell(eventOfFailure(failure.diagnostics, error));
+    throw Error(error);
   }
+}
+
+void OdbcConnection::tell(const std::optional<ServerEvent>& event) const {
+  if (onEvent_ && event) onEvent_(*event);
+}
+
+void OdbcConnection::tellMessages(const std::vector<Diagnostic>& diagnostics) const {
+  for (const Diagnostic& said : diagnostics)
+    if (said.isInformation())
+      tell(ServerEvent{ServerEventKind::serverMessage, said.message, said.severity, said.number, said.messageState});
 }
 
 void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
@@ -102,6 +133,7 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
   while (result != SQL_NO_DATA) {
     check(result, SQL_HANDLE_STMT, handle);
+    if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
     watch.heard();
     if (!pushResult(handle, sink, watch)) {
       SQLCancel(handle);

@@ -1,14 +1,18 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "db/connection.h"
 #include "db/net/deadline.h"
 #include "db/odbc/driver_login.h"
 #include "db/odbc/driver_sockets.h"
 #include "db/odbc/driver_watch.h"
+#include "db/odbc/odbc_diagnostics.h"
 #include "db/odbc/odbc_handle.h"
+#include "db/server_directory.h"
 
 namespace korvel::db::odbc {
 
@@ -16,8 +20,10 @@ namespace korvel::db::odbc {
 class OdbcConnection final : public Connection {
  public:
   /// Logs in by `deadline`, with `text` as the driver manager takes it (driverText() of the request); throws Error.
-  /// Logins wait for each other.
-  OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline);
+  /// Logins wait for each other. `onEvent`, where there is one, is told of commands, messages and failures within the
+  /// calls in which they happen.
+  OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
+                 ServerListener onEvent = {});
   ~OdbcConnection() override;
   OdbcConnection(const OdbcConnection&) = delete;
   OdbcConnection& operator=(const OdbcConnection&) = delete;
@@ -25,9 +31,17 @@ class OdbcConnection final : public Connection {
   void execute(std::string_view commandText, ResultSink& sink) override;
 
  private:
+  /// Logs in, alone in the process. Gives what failed, where something did; `diagnostics` get what was said.
+  std::optional<Error> tryLogin(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
+                                std::vector<Diagnostic>& diagnostics);
   void logIn(const LoginRequest& request, const std::string& text);
   void run(std::string_view commandText, ResultSink& sink, DriverWatch& watch);
 
+  void tell(const std::optional<ServerEvent>& event) const;
+  /// Tells of what the server said beside its answer.
+  void tellMessages(const std::vector<Diagnostic>& diagnostics) const;
+
+  ServerListener onEvent_;
   ServerAddress address_;
   std::chrono::seconds commandTimeout_;
   DriverSockets sockets_;

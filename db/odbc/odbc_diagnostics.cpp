@@ -13,8 +13,10 @@ namespace korvel::db::odbc {
 
 namespace {
 
-/// Line of the statement, an extension that drivers for this server share.
-constexpr SQLSMALLINT diagnosticServerLine = -1154;
+// Extensions that drivers for this server share.
+constexpr SQLSMALLINT diagnosticMessageState = -1150;
+constexpr SQLSMALLINT diagnosticSeverity = -1151;
+constexpr SQLSMALLINT diagnosticServerLine = -1154;  // of the statement
 
 /// What FreeTDS says of a connection that broke: reading or writing failed, the end came too early, the answer makes no
 /// sense, the connection is dead.
@@ -40,14 +42,14 @@ std::u16string_view units(const std::vector<SQLWCHAR>& buffer, SQLSMALLINT lengt
   return {reinterpret_cast<const char16_t*>(buffer.data()), size};
 }
 
-/// The line of the statement that the server's message names.
-std::optional<int> lineOf(SQLHSTMT statement, SQLSMALLINT record) {
-  SQLINTEGER line = 0;
+/// A number of the server's message; nothing where the driver does not tell it.
+std::optional<int> serversNumber(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT record, SQLSMALLINT field) {
+  SQLINTEGER number = 0;
   SQLSMALLINT ignored = 0;
   // The length of the number, not the marker for numbers, is what FreeTDS takes behind this driver manager.
-  const auto result = SQLGetDiagFieldW(SQL_HANDLE_STMT, statement, record, diagnosticServerLine, &line,
-                                       static_cast<SQLSMALLINT>(sizeof line), &ignored);
-  return SQL_SUCCEEDED(result) && line > 0 ? std::optional<int>(line) : std::nullopt;
+  const auto result =
+      SQLGetDiagFieldW(handleType, handle, record, field, &number, static_cast<SQLSMALLINT>(sizeof number), &ignored);
+  return SQL_SUCCEEDED(result) ? std::optional<int>(number) : std::nullopt;
 }
 
 }  // namespace
@@ -78,7 +80,16 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle) 
     diagnostic.state = toUtf8({reinterpret_cast<const char16_t*>(state.data()), 5});
     diagnostic.number = number;
     diagnostic.message = withoutComponents(toUtf8(units(message, length)));
-    if (handleType == SQL_HANDLE_STMT && number != 0) diagnostic.line = lineOf(handle, record);
+    if (number != 0) {
+      const auto severity = serversNumber(handleType, handle, record, diagnosticSeverity);
+      const auto serversState = serversNumber(handleType, handle, record, diagnosticMessageState);
+      // FreeTDS does not know the field of the severity, and tells it in that of the state.
+      diagnostic.severity = severity.value_or(serversState.value_or(0));
+      diagnostic.messageState = severity ? serversState.value_or(0) : 0;
+      if (handleType == SQL_HANDLE_STMT)
+        diagnostic.line = serversNumber(handleType, handle, record, diagnosticServerLine);
+      if (diagnostic.line.value_or(0) <= 0) diagnostic.line.reset();
+    }
     diagnostics.push_back(std::move(diagnostic));
   }
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "settings/explained_error.h"
 
@@ -12,7 +13,6 @@ namespace korvel::db::odbc {
 namespace {
 
 // Numbers that data access users know for failures that the server never numbered.
-constexpr std::int32_t unspecified = -2147467259;     // 0x80004005
 constexpr std::int32_t timeoutExpired = -2147217871;  // 0x80040E31
 constexpr std::int32_t connectionLost = 10054;
 constexpr std::int32_t driverNotFound = 126;
@@ -21,6 +21,20 @@ constexpr std::int32_t databaseCannotBeOpened = 4060;
 /// Logins that the server refuses: unknown or untrusted user, single-user mode, disabled or locked account, password
 /// that must be changed.
 constexpr std::array<std::int32_t, 8> refusedLogins = {18456, 18452, 18450, 18461, 18470, 18486, 18487, 18488};
+
+/// Sentences about failures that listeners are told of, too.
+struct EventOfSentence {
+  std::string_view key;
+  ServerEventKind kind;
+};
+constexpr std::array<EventOfSentence, 6> eventsOfSentences = {{
+    {"failure.loginRefused", ServerEventKind::remoteLoginFailed},
+    {"failure.databaseRefused", ServerEventKind::remoteLoginFailed},
+    {"failure.loginSilent", ServerEventKind::queryTimeout},
+    {"failure.commandTimeout", ServerEventKind::queryTimeout},
+    {"failure.loginBroken", ServerEventKind::connectionBroken},
+    {"failure.connectionLost", ServerEventKind::connectionBroken},
+}};
 
 bool isServersWord(const Diagnostic& diagnostic) {
   return diagnostic.number > 0 && !diagnostic.isInformation() && !diagnostic.tellsOfLostConnection();
@@ -69,6 +83,17 @@ Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginReques
   return explainedError(connectionLost, "failure.loginBroken", {server, lossOf(diagnostics)});
 }
 
+std::optional<ServerEvent> eventOfFailure(const std::vector<Diagnostic>& diagnostics, const Error& failure) {
+  const auto* const found = std::find_if(eventsOfSentences.begin(), eventsOfSentences.end(),
+                                         [&](const EventOfSentence& entry) { return entry.key == failure.textKey(); });
+  if (found == eventsOfSentences.end()) return std::nullopt;
+  if (found->kind != ServerEventKind::remoteLoginFailed) return ServerEvent{found->kind, failure.description()};
+  const Diagnostic* const said =
+      firstOf(diagnostics, [&](const Diagnostic& d) { return d.number == failure.number(); });
+  if (said == nullptr) return ServerEvent{found->kind, failure.description(), 0, failure.number()};
+  return ServerEvent{found->kind, said->message, said->severity, said->number, said->messageState};
+}
+
 Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAddress& address,
                      std::chrono::seconds timeout, bool timedOut) {
   using settings::explainedError;
@@ -80,8 +105,8 @@ Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAdd
   if (firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfLostConnection(); }) != nullptr)
     return explainedError(connectionLost, "failure.connectionLost", {shownAddress(address), lossOf(diagnostics)});
   if (const Diagnostic* const error = firstOf(diagnostics, [](const Diagnostic& d) { return !d.isInformation(); }))
-    return {unspecified, error->message};
-  return {unspecified, lossOf(diagnostics)};
+    return {unspecifiedFailure, error->message};
+  return {unspecifiedFailure, lossOf(diagnostics)};
 }
 
 }  // namespace korvel::db::odbc

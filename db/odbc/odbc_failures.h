@@ -1,11 +1,14 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "base/error.h"
 #include "db/odbc/driver_login.h"
 #include "db/odbc/odbc_diagnostics.h"
+#include "db/server_directory.h"
 
 namespace korvel::db::odbc {
 
@@ -16,6 +19,11 @@ namespace korvel::db::odbc {
 /// words for everything else that it said, a sentence for a login that timed out or broke off.
 [[nodiscard]] Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request,
                                  bool timedOut);
+
+/// What a listener is told of a failed login or command: a login that the server refused, a timeout, a connection that
+/// broke; nothing for other failures. `failure` is what the two functions around made of the same diagnostics.
+[[nodiscard]] std::optional<ServerEvent> eventOfFailure(const std::vector<Diagnostic>& diagnostics,
+                                                        const Error& failure);
 
 /// What a failed command means: the server's first error, else a timeout or a lost connection.
 [[nodiscard]] Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAddress& address,

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "db/hex_text.h"
 #include "db/number_text.h"
 #include "db/odbc/odbc_diagnostics.h"
 #include "db/odbc/odbc_text.h"
@@ -248,7 +249,6 @@ bool RowReader::readNumber(SQLUSMALLINT column, SQLSMALLINT type) {
 }
 
 bool RowReader::readBinary(SQLUSMALLINT column) {
-  constexpr std::string_view hex = "0123456789abcdef";
   for (bool first = true;; first = false) {
     SQLLEN indicator = 0;
     const std::size_t free = buffer_.size() * sizeof(char16_t);
@@ -259,12 +259,7 @@ bool RowReader::readBinary(SQLUSMALLINT column) {
     if (indicator == SQL_NULL_DATA) return !first;
     const bool more = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > free;
     const std::size_t size = more ? free : static_cast<std::size_t>(indicator);
-    const auto* const bytes = reinterpret_cast<const unsigned char*>(buffer_.data());
-    char* out = room(2 * size);
-    for (std::size_t i = 0; i < size; ++i) {
-      *out++ = hex[bytes[i] >> 4U];
-      *out++ = hex[bytes[i] & 0xFU];
-    }
+    writeHex({reinterpret_cast<const char*>(buffer_.data()), size}, room(2 * size));
     textSize_ += 2 * size;
     if (!more) return true;
     watch_.heard();

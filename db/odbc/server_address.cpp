@@ -1,7 +1,6 @@
 #include "db/odbc/server_address.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "base/text.h"
 #include "db/discovery/resolution_protocol.h"
@@ -16,14 +15,6 @@ constexpr std::int32_t invalidParameter = 87;
 constexpr std::size_t longestHostName = 255;
 /// What names hold beside letters and digits; ":" and "%" stand in addresses.
 constexpr std::string_view hostMarks = ".-_:%";
-
-std::uint16_t parsePort(std::string_view text, std::string_view name) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  if (error != std::errc{} || end != text.data() + text.size() || port == 0)
-    throw settings::explainedError(invalidParameter, "failure.noPort", {std::string(name)});
-  return port;
-}
 
 bool isThisComputer(std::string_view host) {
   return host == "." || equalsIgnoringAsciiCase(host, "(local)");
@@ -45,7 +36,8 @@ ServerName parseServerName(std::string_view name) {
 
   ServerName server;
   if (const auto comma = rest.find(','); comma != std::string_view::npos) {
-    server.port = parsePort(trimBlanks(rest.substr(comma + 1)), name);
+    server.port = parsePort(trimBlanks(rest.substr(comma + 1)));
+    if (!server.port) throw settings::explainedError(invalidParameter, "failure.noPort", {std::string(name)});
     rest = rest.substr(0, comma);
   }
   if (const auto backslash = rest.find('\\'); backslash != std::string_view::npos) {

@@ -27,12 +27,12 @@ auto explained(const char* silentKey, const char* failedKey, const std::string& 
   }
 }
 
-ServerAddress locate(const ServerName& name, const ResolutionClient& resolver, const net::Deadline& deadline) {
+ServerAddress locate(const ServerName& name, const net::HostEntry& host, const ResolutionClient& resolver,
+                     const net::Deadline& deadline) {
   // A port that is given wins over an instance name, as users of other programs expect.
   if (name.port) return {name.host, *name.port};
   if (name.instance.empty()) return {name.host, defaultServerPort};
-  const std::uint16_t port = resolver.portOfInstance(name.host, name.instance, deadline);
-  return {name.host, port};
+  return {name.host, resolver.portOfInstance(name.host, host.endpoints, name.instance, deadline)};
 }
 
 }  // namespace
@@ -51,8 +51,7 @@ void ServerApproach::findServer() {
   const ServerName name = parseServerName(server_);
   host_ = explained("failure.hostUnknown", "failure.hostUnknown", name.host,
                     [&] { return net::resolveHost(name.host, 0, deadline_); });
-  address_ = explained("failure.instanceUnknown", "failure.instanceUnknown", name.host + "\\" + name.instance,
-                       [&] { return locate(name, access_.resolver, deadline_); });
+  address_ = locate(name, host_, access_.resolver, deadline_);
   // What the name service calls the host becomes part of the driver's text.
   servicePrincipal_ = servicePrincipalOf(isHostName(host_.fullName) ? host_.fullName : address_.host, address_.port);
 }
@@ -93,7 +92,7 @@ std::unique_ptr<Connection> ServerApproach::logIn(const std::string& database) {
   request.database = database;
   request.servicePrincipal = servicePrincipal_;
   request.options = access_.options;
-  return std::make_unique<OdbcConnection>(request, access_.driverText(request), deadline_);
+  return std::make_unique<OdbcConnection>(request, access_.driverText(request), deadline_, access_.onEvent);
 }
 
 std::unique_ptr<Connection> openServer(const std::string& server, const std::string& database,

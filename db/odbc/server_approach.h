@@ -15,6 +15,7 @@
 #include "db/odbc/driver_login.h"
 #include "db/odbc/login_ticket.h"
 #include "db/odbc/server_address.h"
+#include "db/server_directory.h"
 
 namespace korvel::db::odbc {
 
@@ -25,6 +26,8 @@ struct ServerAccess {
   // Tests without a login service put something else in the place of these two.
   std::function<void(const std::string& servicePrincipal, const net::Deadline&)> requireTicket = odbc::requireTicket;
   std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
+  /// Told what happens on the connections that are opened; on the thread that uses them.
+  ServerListener onEvent;
 };
 
 /// The running user's own access, with what the settings store adjusts. Throws Error for a store that cannot be read.

@@ -1,9 +1,11 @@
 #include "db/odbc/server_check.h"
 
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -18,7 +20,15 @@ namespace korvel::db {
 
 namespace {
 
-constexpr std::int32_t procedureMissing = 2812;  // the server's number for a procedure that it does not know
+/// Failures inside a database that the server names by its number alone, and our sentences with their remedies.
+struct Remedy {
+  std::int32_t number;
+  const char* sentence;
+};
+constexpr Remedy tableMissing{208, "failure.tableMissing"};
+constexpr Remedy tableDenied{229, "failure.tableDenied"};
+constexpr Remedy procedureMissing{2812, "failure.procedureMissing"};
+constexpr Remedy procedureDenied{229, "failure.procedureDenied"};
 
 /// What a step found, to be said where it went well.
 struct Found {
@@ -79,25 +89,40 @@ std::string emptyCall() {
   return text;
 }
 
-Found tryProcedure(Connection& connection) {
+/// What the embedded engine says of a table that is not there, behind the number that it has for most failures.
+bool tellsOfMissingTable(const Error& error) {
+  return error.textKey().empty() && error.description().starts_with("no such table");
+}
+
+/// The answer to a command; a failure that has a remedy becomes its sentence.
+FirstValueSink explainedAnswer(Connection& connection, std::string_view command, std::span<const Remedy> remedies) {
   try {
-    answerOf(connection, emptyCall());
-    return {"check.procedure.found", {}};
+    return answerOf(connection, command);
   } catch (const Error& error) {
-    if (error.number() != procedureMissing) throw;
-    throw settings::explainedError(procedureMissing, "failure.procedureMissing");
+    if (tellsOfMissingTable(error)) throw settings::explainedError(error.number(), tableMissing.sentence);
+    for (const Remedy& remedy : remedies)
+      if (error.number() == remedy.number) throw settings::explainedError(remedy.number, remedy.sentence);
+    throw;
   }
+}
+
+FirstValueSink askTable(Connection& connection, std::string_view command) {
+  return explainedAnswer(connection, command, std::array{tableMissing, tableDenied});
 }
 
 /// The steps inside a database, the same for every engine.
 void addDatabaseSteps(std::vector<Step>& steps, std::unique_ptr<Connection>& connection) {
   steps.push_back({"table", [&] {
-                     const auto answer = answerOf(*connection, "SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0");
+                     const auto answer = askTable(*connection, "SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0");
                      return Found{"check.table.found", {std::to_string(answer.columns)}};
                    }});
-  steps.push_back({"procedure", [&] { return tryProcedure(*connection); }});
+  steps.push_back(
+      {"procedure", [&] {
+         explainedAnswer(*connection, emptyCall(), std::array{tableMissing, procedureMissing, procedureDenied});
+         return Found{"check.procedure.found", {}};
+       }});
   steps.push_back({"rows", [&] {
-                     const auto answer = answerOf(*connection, "SELECT COUNT(*) AS n FROM Korvel_Audit_Trails");
+                     const auto answer = askTable(*connection, "SELECT COUNT(*) AS n FROM Korvel_Audit_Trails");
                      return Found{"check.rows.found", {answer.value}};
                    }});
 }
@@ -108,9 +133,10 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, const std::strin
   std::vector<Step> steps;
   steps.push_back({"name", [&] {
                      std::error_code error;
-                     if (!std::filesystem::is_directory(folder, error))
-                       throw settings::explainedError(error ? error.value() : ENOTDIR, "failure.noFolder",
-                                                      {folder.string()});
+                     const auto status = std::filesystem::status(folder, error);
+                     if (std::filesystem::exists(status) && !std::filesystem::is_directory(status))
+                       throw folderFailure(folder, ENOTDIR);
+                     if (error) throw folderFailure(folder, error.value());
                      return Found{"check.name.embedded", {folder.string()}};
                    }});
   if (!database.empty()) {
@@ -175,7 +201,7 @@ std::string checkTitle(const CheckStep& step, const settings::LanguageOffset& of
 }
 
 std::string checkDetail(const CheckStep& step, const settings::LanguageOffset& offset) {
-  if (step.failure) return settings::describe(*step.failure, offset);
+  if (step.failure) return std::to_string(step.failure->number()) + ": " + settings::describe(*step.failure, offset);
   if (step.outcome == CheckOutcome::notReached) return std::string(settings::ownText("check.notReached", offset));
   return settings::describe(settings::explainedError(0, step.detailKey, step.detailArguments), offset);
 }

@@ -25,7 +25,7 @@ struct CheckStep {
 
 /// "Port open".
 [[nodiscard]] std::string checkTitle(const CheckStep& step, const settings::LanguageOffset& offset);
-/// What was found, or why it failed and what to do, or that the step was not reached.
+/// What was found, or why it failed and what to do (number, colon, blank, sentence), or that the step was not reached.
 [[nodiscard]] std::string checkDetail(const CheckStep& step, const settings::LanguageOffset& offset);
 
 /// Goes the whole way and says how far it came: all steps in order, those behind the first failure not reached. Without

@@ -106,6 +106,8 @@ std::string queryAuditsScript() {
          "AS\n"
          "BEGIN\n"
          "    SET NOCOUNT ON\n"
+         "    -- The two dates are written year-month-day, whatever the language of the login.\n"
+         "    SET DATEFORMAT ymd\n"
          "\n" +
          allCategories() +
          "    -- Otherwise one result set for each category asked for; a row may be in several of them.\n"

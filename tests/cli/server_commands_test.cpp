@@ -43,6 +43,34 @@ TEST_F(ServerCommands, AServerThatIsNotThereIsADatabaseFailure) {
   EXPECT_NE(run.err.find("127.0.0.1"), std::string::npos) << run.err;
 }
 
+TEST_F(ServerCommands, AFolderThatIsNoneIsSaidToBeNone) {
+  const std::string file = (folder / "Korvel_Audit.db").string();
+  const ToolRun noFolder = runTool({"databases", "--server", file});
+  EXPECT_EQ(noFolder.status, 3);
+  EXPECT_NE(noFolder.err.find(file + " is not a folder"), std::string::npos) << noFolder.err;
+  const ToolRun missing = runTool({"databases", "--server", (folder / "nowhere").string()});
+  EXPECT_NE(missing.err.find("does not exist"), std::string::npos) << missing.err;
+}
+
+TEST_F(ServerCommands, AWorkingFolderThatIsGoneIsADatabaseFailure) {
+  const auto before = std::filesystem::current_path();
+  const EnvironmentVariable relative("KORVEL_AUDIT_DATA", "audit");
+  const TemporaryFolder gone;
+  std::filesystem::current_path(gone.path());
+  std::filesystem::remove(gone.path());
+  const ToolRun run = runTool({"databases", "--server", "(embedded)"});
+  std::filesystem::current_path(before);
+  EXPECT_EQ(run.status, 3) << run.err;
+}
+
+TEST_F(ServerCommands, TheHelpNamesEveryVariableAndTheGrant) {
+  const std::string help = runTool({"--help"}).out;
+  for (const char* variable : {"KORVEL_AUDIT_DATA", "KORVEL_REGISTRY", "KORVEL_ODBC_DRIVER"})
+    EXPECT_NE(help.find(variable), std::string::npos) << variable;
+  EXPECT_NE(runTool({"install-procedure", "--help"}).out.find("GRANT EXECUTE ON dbo.QueryAudits TO"),
+            std::string::npos);
+}
+
 TEST_F(ServerCommands, CheckGoesTheWholeWayOfTheEmbeddedEngine) {
   const ToolRun run = runTool({"check", "--server", "(embedded)", "--database", "Korvel_Audit"});
   EXPECT_EQ(run.status, 0) << run.out << run.err;
@@ -76,6 +104,8 @@ TEST_F(ServerCommands, TheEmbeddedEngineTakesNoProcedure) {
 
 TEST_F(ServerCommands, NamesThatWouldBreakTheConnectionStringAreRefused) {
   EXPECT_EQ(runTool({"check", "--server", "S;Database=x"}).status, 2);
+  EXPECT_EQ(runTool({"check", "--server", "'S'"}).status, 2);
+  EXPECT_EQ(runTool({"query", "--server", "S", "--database", "Korvel_Audit; Server=T"}).status, 2);
   EXPECT_EQ(runTool({"databases", "--server", "  "}).status, 2);
   EXPECT_EQ(runTool({"databases"}).status, 2);
 }

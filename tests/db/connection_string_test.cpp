@@ -53,5 +53,16 @@ TEST(ConnectionString, theEmptyOneSaysThatNoDatabaseIsSelected) {
   EXPECT_EQ(test::errorOf([] { (void)openConnection(""); })->description(), "No database is selected");
 }
 
+TEST(ConnectionString, leadsToTheNamesItWasBuiltOf) {
+  for (const char* name :
+       {"Korvel_Audit", "AUDITSRV\\WINCC", "AUDITSRV,1444", "(embedded)", "/srv/50% #1", "it's", "a=b"})
+    EXPECT_TRUE(leadsTo(name, name)) << name;
+  for (const char* name :
+       {"", " ", " x", "x ", ";", "x;", "Korvel_Audit; Server=127.0.0.1,2", "'x'", "\"x\"", "{x}", "'x"}) {
+    EXPECT_FALSE(leadsTo(name, "D")) << name;
+    EXPECT_FALSE(leadsTo("S", name)) << name;
+  }
+}
+
 }  // namespace
 }  // namespace korvel::db

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+
 #include "db/connection_state.h"
 #include "db/embedded/embedded_connection.h"
 #include "db/open_connection.h"
@@ -46,6 +50,31 @@ TEST(EmbeddedFolder, emptyVariableCountsAsNone) {
   const EnvironmentVariable empty("KORVEL_AUDIT_DATA", "");
   const EnvironmentVariable data("XDG_DATA_HOME", "/data/ann");
   EXPECT_EQ(embeddedFolder(), "/data/ann/korvel/audit");
+}
+
+TEST(EmbeddedFolder, withoutAWorkingFolderIsAFailureInWords) {
+  const auto before = std::filesystem::current_path();
+  const EnvironmentVariable relative("KORVEL_AUDIT_DATA", "audit");
+  std::optional<Error> error;
+  {
+    const test::TemporaryFolder gone;
+    std::filesystem::current_path(gone.path());
+    std::filesystem::remove(gone.path());
+    error = test::errorOf([] { (void)embeddedFolder(); });
+    EXPECT_TRUE(test::errorOf([] { (void)openEmbedded("audit", "Korvel_Audit"); }));
+  }
+  std::filesystem::current_path(before);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->textKey(), "failure.noFolder");
+  EXPECT_EQ(embeddedFolder(), before / "audit");
+}
+
+TEST(EmbeddedFolder, thatCannotBeListedHasItsOwnReason) {
+  EXPECT_EQ(folderFailure("/x", ENOENT).textKey(), "failure.noFolder");
+  EXPECT_EQ(folderFailure("/x", ENOTDIR).textKey(), "failure.notAFolder");
+  EXPECT_EQ(folderFailure("/x", EACCES).textKey(), "failure.folderDenied");
+  EXPECT_EQ(folderFailure("/x", EIO).textKey(), "failure.folderUnreadable");
+  EXPECT_EQ(folderFailure("/x", EIO).number(), EIO);
 }
 
 TEST(EmbeddedDatabaseFile, isTheNameWithItsEnding) {

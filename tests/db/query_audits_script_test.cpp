@@ -73,6 +73,14 @@ TEST(QueryAuditsScript, selectsUnderEachCondition) {
   EXPECT_EQ(countOf(script, "ORDER BY"), 0U);
 }
 
+TEST(QueryAuditsScript, readsDatesTheSameWayForEveryLogin) {
+  const std::string script = queryAuditsScript();
+  const auto order = script.find("    SET DATEFORMAT ymd\n");
+  ASSERT_NE(order, std::string::npos);
+  EXPECT_GT(order, script.find("AS\nBEGIN\n"));
+  EXPECT_LT(order, script.find("@FromDate and"));
+}
+
 TEST(QueryAuditsScript, isPlainText) {
   const std::string script = queryAuditsScript();
   EXPECT_TRUE(std::all_of(script.begin(), script.end(), [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));

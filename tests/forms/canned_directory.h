@@ -16,21 +16,27 @@ struct CannedNetwork {
   std::map<std::string, Error> failures;
   std::optional<Error> listingFailure;
   std::vector<db::ServerEvent> events;
-  std::vector<std::string> asked;  ///< "local", "all" and names of servers
-  int open = 0;                    ///< directories that live
+  std::vector<std::string> asked;           ///< "local", "all" and names of servers
+  std::vector<db::BrowserOptions> options;  ///< those of the databases asked for
+  int open = 0;                             ///< directories that live
+  int opened = 0;                           ///< directories that ever lived
   std::function<void()> whileListing;
 };
 
 class CannedDirectory final : public db::ServerDirectory {
  public:
-  explicit CannedDirectory(CannedNetwork& network) : network_(network) { ++network_.open; }
+  explicit CannedDirectory(CannedNetwork& network) : network_(network) {
+    ++network_.open;
+    ++network_.opened;
+  }
   ~CannedDirectory() override { --network_.open; }
   CannedDirectory(const CannedDirectory&) = delete;
   CannedDirectory& operator=(const CannedDirectory&) = delete;
 
   std::vector<std::string> networkServers() override { return list("all", network_.all); }
   std::vector<std::string> localServers() override { return list("local", network_.local); }
-  std::vector<db::DatabaseInfo> databases(const std::string& server) override {
+  std::vector<db::DatabaseInfo> databases(const std::string& server, const db::BrowserOptions& options) override {
+    network_.options.push_back(options);
     ask(server);
     if (onEvent)
       for (const db::ServerEvent& event : network_.events) onEvent(event);

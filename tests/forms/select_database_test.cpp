@@ -96,6 +96,44 @@ TEST_F(SelectDatabase, AControlThatDiesWithItsDialogOpenStaysQuiet) {
   EXPECT_EQ(viewer, nullptr);
 }
 
+/// With the real services: OK without a choice, its message, and then Cancel.
+TEST_F(SelectDatabase, CancelAfterAnOkWithoutAChoiceLocks) {
+  CannedNetwork network;
+  network.local = {"PLANT1"};
+  const auto viewer = shownViewer();
+  ASSERT_TRUE(unlocked(*viewer));
+  ASSERT_FALSE(control::libraryState().connection.AdvancedConnectionString.empty());
+  control::surroundings().services = std::make_shared<control::QtControlServices>();
+  control::surroundings().openDirectory = [&] { return std::make_unique<CannedDirectory>(network); };
+  QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);
+  bool messageSeen = false;
+  QTimer whenMessage;
+  QObject::connect(&whenMessage, &QTimer::timeout, [&] {
+    QWidget* const message = QApplication::activeModalWidget();
+    if (message == nullptr || message->objectName() == "frmSQLServerBrowser") return;
+    messageSeen = true;
+    QTest::keyClick(message, Qt::Key_Escape);
+  });
+  QTimer whenModal;
+  QObject::connect(&whenModal, &QTimer::timeout, [&] {
+    QWidget* const browser = QApplication::activeModalWidget();
+    if (browser == nullptr) return;
+    whenModal.stop();
+    ASSERT_EQ(browser->objectName(), "frmSQLServerBrowser");
+    whenMessage.start(0);
+    QTest::mouseClick(browser->findChild<QWidget*>("cmdOK"), Qt::LeftButton);
+    EXPECT_TRUE(browser->isVisible());
+    QTest::mouseClick(browser->findChild<QWidget*>("cmdCancel"), Qt::LeftButton);
+  });
+  whenModal.start(0);
+  viewer->SelectDatabase();
+  EXPECT_TRUE(messageSeen);
+  EXPECT_EQ(selected.count(), 0);
+  EXPECT_FALSE(unlocked(*viewer));
+  EXPECT_EQ(control::libraryState().connection.ConnectionString, "");
+  EXPECT_EQ(control::libraryState().connection.AdvancedConnectionString, "");
+}
+
 /// With the real services: the dialog itself, driven while it is modal.
 TEST_F(SelectDatabase, TheDialogIsTheBrowserOwnedByTheControl) {
   CannedNetwork network;

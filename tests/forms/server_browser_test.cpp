@@ -13,6 +13,7 @@
 #include <QStatusBar>
 #include <QTableView>
 #include <QTest>
+#include <stdexcept>
 
 #include "control/screen_measure.h"
 #include "settings/explained_error.h"
@@ -143,6 +144,32 @@ TEST_F(Browser, TheOtherLocationClearsTheDatabasesAndListsAnew) {
   EXPECT_THAT(network.asked, ElementsAre("local", "PLANT1", "all", "local"));
 }
 
+TEST_F(Browser, TheSameLocationOnceMoreListsNothing) {
+  clickServer(1);
+  const QString before = listed();
+  press("ServerLocation0");
+  EXPECT_EQ(listed(), before);
+  EXPECT_THAT(network.asked, ElementsAre("local", "PLANT1"));
+}
+
+TEST_F(Browser, EachClickOnAServerHasAServerObjectOfItsOwn) {
+  form();
+  EXPECT_EQ(network.opened, 1);
+  clickServer(1);
+  EXPECT_EQ(network.opened, 2);
+  clickServer(1);
+  EXPECT_EQ(network.opened, 3);
+  EXPECT_EQ(network.open, 1);
+}
+
+TEST_F(Browser, AServerObjectHasTheOptionsOfItsSwitch) {
+  clickServer(1);
+  form().switches.connectionOption = true;
+  clickServer(1);
+  EXPECT_THAT(network.options,
+              ElementsAre(db::BrowserOptions{true, true, false}, db::BrowserOptions{true, false, false}));
+}
+
 TEST_F(Browser, NoServerLeavesTheGroupEmpty) {
   network.local.clear();
   EXPECT_EQ(serverNames(), QStringList());
@@ -178,6 +205,22 @@ TEST_F(Browser, AFailedConnectionIsSaidAndLeavesNothingBehind) {
   EXPECT_NE(listed(), "");
 }
 
+TEST_F(Browser, WhateverIsThrownIsSaid) {
+  bool broken = true;
+  network.whileListing = [&] {
+    if (broken) throw std::runtime_error("something odd");
+  };
+  form();
+  EXPECT_EQ(recorder->messages.back().text, "The servers cannot be listed.\r\n51:something odd");
+  broken = false;
+  press("ServerLocation1");
+  broken = true;
+  clickServer(1);
+  ASSERT_EQ(recorder->messages.size(), 2U);
+  EXPECT_EQ(recorder->messages.back().text, "The databases of PLANT1 cannot be listed.\r\n51:something odd");
+  EXPECT_EQ(recorder->pointers.back(), Pointer::standard);
+}
+
 TEST_F(Browser, AFailureIsExplainedInTheUsersLanguage) {
   language = settings::LanguageOffset("10000");
   network.failures.emplace("PLANT1", settings::explainedError(11001, "failure.hostUnknown", {"PLANT1"}));
@@ -198,6 +241,23 @@ TEST_F(Browser, OkHandsTheChoiceBack) {
   EXPECT_EQ(connection.CurrentServer, "PLANT1");
   EXPECT_EQ(connection.CurrentDatabase, "Korvel_Audit");
   EXPECT_EQ(connection.CurrentDatabaseLocation, "C:\\Data\\a.mdf");
+}
+
+TEST_F(Browser, ADatabasesNameCannotLeadToAnotherServer) {
+  connection = {"old", "old too", "S", "D", "L"};
+  network.databases["PLANT1"] = {{"Korvel_Audit; Server=127.0.0.1,2", false, ""}, {" Korvel_Audit", false, ""}};
+  clickServer(1);
+  for (const int row : {0, 1}) {
+    clickDatabase(row);
+    press("cmdOK");
+    EXPECT_TRUE(form().isVisible());
+    EXPECT_EQ(connection.ConnectionString, "old");
+    EXPECT_EQ(connection.CurrentServer, "S");
+  }
+  ASSERT_EQ(recorder->messages.size(), 2U);
+  EXPECT_EQ(recorder->messages[0],
+            (ShownMessage{MessageIcon::critical, "SQL Server / Audit Trail Browser",
+                          "\"Korvel_Audit; Server=127.0.0.1,2\" cannot be used in a connection to a server."}));
 }
 
 TEST_F(Browser, OkWithoutAChoiceClearsBothStringsAndStays) {

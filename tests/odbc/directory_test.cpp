@@ -1,3 +1,8 @@
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+
 #include "db/discovery/configured_servers.h"
 #include "db/discovery/network_directory.h"
 #include "tests/odbc/wire.h"
@@ -11,6 +16,7 @@ using tds::Answer;
 using tds::instanceOn;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -21,6 +27,36 @@ TEST(ConfiguredServers, ofAFreeTdsFile) {
                   "instance = WINCC\n[empty]\nport = 1\n[broken\nhost = x\n"),
               ElementsAre("auditsrv", "10.0.0.7,1500", "srv\\WINCC"));
   EXPECT_THAT(db::serversOfFreeTdsConfiguration(""), IsEmpty());
+}
+
+TEST(ConfiguredServers, samplesAndOtherProductsAreNone) {
+  EXPECT_THAT(
+      db::serversOfFreeTdsConfiguration("[global]\n\t;tds version = auto\n"
+                                        "# an old server of another make\n"
+                                        "[sample5]\n\thost = symachine.domain.com\n\tport = 5000\n\ttds version = 5.0\n"
+                                        "# one of this make\n"
+                                        "[sample7]\n\thost = NTmachine.domain.com\n\tport = 1433\n\ttds version = 7.3\n"
+                                        "[old]\n\thost = oldsrv\n\ttds version = 4.2\n"
+                                        "[plant]\n\thost = auditsrv\n\ttds version = 7.4\n"
+                                        "[office]\n\thost = office\n\ttds version = auto\n"),
+      ElementsAre("auditsrv", "office"));
+}
+
+TEST(ConfiguredServers, withoutAUsersFolderTheCurrentOneHasNoSay) {
+  const TemporaryFolder folder;
+  writeWholeFile(folder / ".odbc.ini", "[Planted]\nDriver = FreeTDS\nServer = planted-odbc\n");
+  writeWholeFile(folder / ".freetds.conf", "[planted]\n\thost = planted-freetds\n");
+  const EnvironmentVariable odbcIni("ODBCINI");
+  const EnvironmentVariable freeTdsConf("FREETDSCONF");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  for (const char* home : {"", "."}) {
+    const EnvironmentVariable noHome("HOME", home);
+    EXPECT_THAT(db::configuredServers(), Not(Contains(::testing::StartsWith("planted")))) << home;
+  }
+  const EnvironmentVariable home("HOME", folder.path().string());
+  EXPECT_THAT(db::configuredServers(), ::testing::IsSupersetOf({"planted-odbc", "planted-freetds"}));
+  std::filesystem::current_path(before);
 }
 
 TEST(ConfiguredServers, ofAnOdbcFile) {
@@ -40,15 +76,32 @@ class Directory : public WireTest {
     writeWholeFile(folder_ / "freetds.conf", "[Other]\n\thost = other.invalid\n");
   }
   NetworkDirectory directory() {
-    return {db::ResolutionClient(resolution_.port()), [this](const std::string& server) {
+    return {db::ResolutionClient(resolution_.port()),
+            [this](const std::string& server, const db::ServerListener& told) {
               asked_ = server;
+              access_.onEvent = told;
               return connect("");
             }};
+  }
+  /// What a listener is told while databases are listed, a line each: kind, severity, number, state and text.
+  std::string toldOf(const db::BrowserOptions& options = db::browserOptions(true)) {
+    std::string told;
+    auto listing = directory();
+    listing.onEvent = [&](const db::ServerEvent& event) {
+      constexpr std::array kinds = {"command", "broken", "timeout", "login", "message"};
+      told += kinds.at(static_cast<std::size_t>(event.kind));
+      if (event.messageNumber != 0)
+        told += " " + std::to_string(event.severity) + " " + std::to_string(event.messageNumber) + " " +
+                std::to_string(event.messageState);
+      told += ": " + event.text + "\n";
+    };
+    (void)errorOf([&] { (void)listing.databases("AUDITSRV", options); });
+    return told;
   }
   /// "name s path" of each database.
   std::vector<std::string> databases() {
     std::vector<std::string> lines;
-    for (const auto& database : directory().databases("AUDITSRV"))
+    for (const auto& database : directory().databases("AUDITSRV", db::browserOptions(false)))
       lines.push_back(database.name + (database.isSystem ? " s " : " - ") + database.path);
     return lines;
   }
@@ -125,14 +178,70 @@ TEST_F(Directory, databasesOfTheEmbeddedEngineAreItsFiles) {
   for (const char* name : {"Korvel_Audit.db", "Alpha.db", "Korvel_Audit.db-wal", "notes.txt"})
     writeWholeFile(folder_ / name, "");
   std::filesystem::create_directory(folder_ / "folder.db");
-  const auto found = directory().databases("(embedded)");
+  // Names that no connection takes are not offered.
+  writeWholeFile(folder_ / "a..b.db", "");
+  writeWholeFile(folder_ / ".db.db", "");
+  writeWholeFile(folder_ / "c:x.db", "");
+  const auto found = directory().databases("(embedded)", db::browserOptions(false));
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found[0].name, "Alpha");
   EXPECT_EQ(found[1].name, "Korvel_Audit");
   EXPECT_FALSE(found[1].isSystem);
   EXPECT_EQ(found[1].path, (folder_ / "Korvel_Audit.db").string());
-  EXPECT_EQ(errorOf([&] { (void)directory().databases((folder_ / "nowhere").string()); })->textKey(),
-            "failure.noFolder");
+  const auto refusal = [&](const char* name) {
+    return errorOf([&] { (void)directory().databases((folder_ / name).string(), db::browserOptions(false)); })
+        ->textKey();
+  };
+  EXPECT_EQ(refusal("nowhere"), "failure.noFolder");
+  EXPECT_EQ(refusal("notes.txt"), "failure.notAFolder");
+}
+
+TEST_F(Directory, listenersHearOfCommandsAndMessages) {
+  // This driver does not tell the state.
+  peer_.answerOthers([](const tds::Command&) {
+    return Answer()
+        .warning({4711, "The statistics are old.", 9, 2})
+        .result({{"name", "nvarchar(128)"}, {"is_system", "bit"}, {"physical_name", "nvarchar(260)"}})
+        .row({"Korvel_Audit", 0, tds::null});
+  });
+  const std::string told = toldOf();
+  ASSERT_EQ(peer_.texts().size(), 1U);
+  EXPECT_THAT(told, HasSubstr("command: " + peer_.texts()[0] + "\n"));
+  EXPECT_THAT(told, HasSubstr("message 9 4711 0: The statistics are old.\n"));
+}
+
+TEST_F(Directory, listenersHearOfEveryCommandThatIsTried) {
+  peer_.answerOthers([](const tds::Command&) { return Answer().error({208, "Invalid object name."}); });
+  const std::string told = toldOf();
+  EXPECT_THAT(peer_.texts(), ::testing::SizeIs(3));
+  for (const std::string& text : peer_.texts()) EXPECT_THAT(told, HasSubstr("command: " + text + "\n"));
+}
+
+TEST_F(Directory, listenersHearWhatFails) {
+  peer_.answerOthers([](const tds::Command&) { return Answer().close(); });
+  EXPECT_THAT(toldOf(), HasSubstr("\nbroken: The connection to localhost:"));
+  peer_.answerOthers([](const tds::Command&) { return Answer().silence(); });
+  access_.options.commandTimeout = std::chrono::seconds(1);
+  EXPECT_THAT(toldOf(), HasSubstr("\ntimeout: localhost:"));
+  peer_.refuseLogin({{18456, "Login failed for user 'PLANT\\auditor'.", 14, 8}});
+  EXPECT_THAT(toldOf(),
+              ::testing::ContainsRegex("login [0-9]+ 18456 [0-9]+: Login failed for user 'PLANT\\\\auditor'[.]\n"));
+}
+
+TEST_F(Directory, aConnectionThatBreaksIsOpenedOnceMoreWhereTheOptionsSaySo) {
+  for (const bool reconnects : {true, false}) {
+    const std::size_t before = peer_.record().logins.size();
+    std::atomic<int> asked = 0;
+    peer_.answerOthers([&](const tds::Command&) {
+      if (asked++ == 0) return Answer().close();
+      return Answer().result({{"name", "nvarchar(128)"}, {"is_system", "bit"}}).row({"Korvel_Audit", 0});
+    });
+    const auto error = errorOf([&] {
+      EXPECT_EQ(directory().databases("AUDITSRV", {true, reconnects, false}).at(0).name, "Korvel_Audit");
+    });
+    EXPECT_EQ(!error, reconnects);
+    EXPECT_EQ(peer_.record().logins.size(), before + (reconnects ? 2 : 1));
+  }
 }
 
 class NamedInstance : public WireTest {};
@@ -143,8 +252,14 @@ TEST_F(NamedInstance, isReachedOnItsPort) {
   access_.resolver = db::ResolutionClient(resolution.port());
   const auto opened = db::odbc::openServer("localhost\\WINCC", "Korvel_Audit", access_);
   EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
-  EXPECT_EQ(errorOf([&] { (void)db::odbc::openServer("localhost\\NOWHERE", "D", access_); })->textKey(),
-            "failure.instanceUnknown");
+  const auto reason = [&](const char* server) {
+    return errorOf([&] { (void)db::odbc::openServer(server, "D", access_); })->textKey();
+  };
+  EXPECT_EQ(reason("localhost\\NOWHERE"), "failure.instanceUnknown");
+  resolution.announce({{{"ServerName", "localhost"}, {"InstanceName", "WINCC"}, {"np", "x"}}});
+  EXPECT_EQ(reason("localhost\\WINCC"), "failure.instanceWithoutTcp");
+  resolution.keepQuiet();
+  EXPECT_EQ(reason("localhost\\WINCC"), "failure.instanceSilent");
 }
 
 TEST_F(NamedInstance, aPortThatIsGivenWins) {

@@ -1,7 +1,14 @@
+#include <arpa/inet.h>
 #include <gmock/gmock.h>
+#include <ifaddrs.h>
+#include <net/if.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstring>
+#include <memory>
 #include <random>
+#include <set>
 
 #include "base/error.h"
 #include "db/discovery/resolution_client.h"
@@ -18,8 +25,10 @@ using test::tds::Instance;
 using test::tds::instanceOn;
 using test::tds::ResolutionPeer;
 using test::tds::resolutionReply;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 
 std::vector<InstanceInfo> parsed(const std::string& reply, std::size_t limit = listReplyLimit) {
@@ -119,8 +128,16 @@ TEST(ResolutionRequest, isOfItsKind) {
 
 class ResolutionClientTest : public ::testing::Test {
  protected:
-  std::optional<Error> portError(const std::string& instance) {
-    return test::errorOf([&] { (void)client_.portOfInstance("localhost", instance, net::Deadline(10s)); });
+  std::uint16_t portOf(const std::string& instance) {
+    const net::Deadline deadline(10s);
+    return client_.portOfInstance("AUDITSRV", net::resolveHost("localhost", 0, deadline).endpoints, instance, deadline);
+  }
+  /// The sentence about an instance whose port is not found.
+  std::string reason(const std::string& instance) {
+    const auto error = test::errorOf([&] { (void)portOf(instance); });
+    if (!error) return "found";
+    EXPECT_EQ(error->textArguments(), (std::vector<std::string>{"AUDITSRV", instance}));
+    return error->textKey();
   }
 
   ResolutionPeer peer_;
@@ -129,27 +146,49 @@ class ResolutionClientTest : public ::testing::Test {
 
 TEST_F(ResolutionClientTest, findsThePortOfAnInstance) {
   peer_.announce({instanceOn("AUDITSRV", "WINCC", 51234), instanceOn("AUDITSRV", "OTHER", 51235)});
-  EXPECT_EQ(client_.portOfInstance("localhost", "wincc", net::Deadline(10s)), 51234);
+  EXPECT_EQ(portOf("wincc"), 51234);
   EXPECT_TRUE(peer_.waitForRequests(1));
   EXPECT_THAT(peer_.requests(), ElementsAre("\x04wincc\0"s));
 }
 
 TEST_F(ResolutionClientTest, saysWhereThereIsNone) {
   peer_.announce({{{"ServerName", "S"}, {"InstanceName", "PIPES"}, {"np", "x"}}});
-  EXPECT_TRUE(portError("PIPES"));
+  EXPECT_EQ(reason("PIPES"), "failure.instanceWithoutTcp");
   peer_.replyWith({resolutionReply({instanceOn("S", "ANOTHER", 1)})});
-  EXPECT_TRUE(portError("WINCC"));
+  EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
+}
+
+TEST_F(ResolutionClientTest, asksASilentHostWhatItHasAtAll) {
+  // As responders do: not a word about an instance that they do not have.
+  peer_.announce({instanceOn("S", "ANOTHER", 1)});
+  EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
+}
+
+TEST_F(ResolutionClientTest, asksAgainWhereADatagramGotLost) {
+  std::atomic<int> asked = 0;
+  peer_.replyBy([&](std::string_view request) -> std::vector<std::string> {
+    if (asked++ == 0) return {};
+    return request.front() == '\x04' ? std::vector{resolutionReply({instanceOn("S", "WINCC", 51234)})}
+                                     : std::vector<std::string>{};
+  });
+  EXPECT_EQ(portOf("WINCC"), 51234);
+  asked = 0;
+  peer_.replyBy([&](std::string_view) -> std::vector<std::string> {
+    return asked++ == 0 ? std::vector<std::string>{} : std::vector{resolutionReply({instanceOn("S", "A", 1)})};
+  });
+  EXPECT_THAT(client_.instancesOf("localhost"), SizeIs(1));
 }
 
 TEST_F(ResolutionClientTest, doesNotWaitForASilentHost) {
   const auto before = std::chrono::steady_clock::now();
-  EXPECT_TRUE(portError("WINCC"));
+  EXPECT_EQ(reason("WINCC"), "failure.instanceSilent");
   EXPECT_LT(std::chrono::steady_clock::now() - before, 8s);
+  EXPECT_GE(peer_.requests().size(), 2U);
 }
 
 TEST_F(ResolutionClientTest, waitsForAReplyThatMakesSense) {
   peer_.replyWith({"", "\x05", "nonsense", resolutionReply({instanceOn("S", "WINCC", 51234)})});
-  EXPECT_EQ(client_.portOfInstance("localhost", "WINCC", net::Deadline(10s)), 51234);
+  EXPECT_EQ(portOf("WINCC"), 51234);
 }
 
 TEST_F(ResolutionClientTest, listsTheInstancesOfAHost) {
@@ -185,6 +224,47 @@ TEST_F(ResolutionClientTest, everybodysRepliesAreGathered) {
                    resolutionReply({instanceOn("S", "A", 1)})});
   const std::vector<std::string> hosts{"127.0.0.1"};
   EXPECT_THAT(client_.allInstances(hosts, 500ms), SizeIs(3));
+}
+
+TEST(Broadcast, reachesWhoeverListensOnAnInterface) {
+  ResolutionPeer everywhere(0, "0.0.0.0");
+  everywhere.announce({instanceOn("S", "A", 1)});
+  const std::vector<std::string> hosts{"127.255.255.255"};
+  EXPECT_THAT(ResolutionClient(everywhere.port()).allInstances(hosts, 1000ms), Not(IsEmpty()));
+  // Real interfaces are asked otherwise, with the request for everybody.
+  EXPECT_THAT(everywhere.requests(), Contains(hostRequest()));
+}
+
+/// "a.b.c.d" of every interface that takes broadcasts, reckoned from its address and its mask.
+std::multiset<std::string> broadcastAddresses() {
+  std::multiset<std::string> addresses;
+  ifaddrs* first = nullptr;
+  if (::getifaddrs(&first) != 0) return addresses;
+  const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> owner(first, &::freeifaddrs);
+  for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
+    constexpr unsigned wanted = IFF_UP | IFF_BROADCAST;
+    if ((entry->ifa_flags & wanted) != wanted || entry->ifa_addr == nullptr || entry->ifa_netmask == nullptr) continue;
+    if (entry->ifa_addr->sa_family != AF_INET) continue;
+    sockaddr_in address{};
+    sockaddr_in mask{};
+    std::memcpy(&address, entry->ifa_addr, sizeof address);
+    std::memcpy(&mask, entry->ifa_netmask, sizeof mask);
+    addresses.insert(::inet_ntoa({address.sin_addr.s_addr | ~mask.sin_addr.s_addr}));
+  }
+  return addresses;
+}
+
+TEST(Broadcast, goesToEveryInterface) {
+  std::multiset<std::string> addresses;
+  for (const net::Endpoint& endpoint : net::broadcastEndpoints(1434)) {
+    sockaddr_in address{};
+    ASSERT_EQ(endpoint.bytes.size(), sizeof address);
+    std::memcpy(&address, endpoint.bytes.data(), sizeof address);
+    EXPECT_EQ(endpoint.family, AF_INET);
+    EXPECT_EQ(ntohs(address.sin_port), 1434);
+    addresses.insert(::inet_ntoa(address.sin_addr));
+  }
+  EXPECT_EQ(addresses, broadcastAddresses());
 }
 
 TEST_F(ResolutionClientTest, aFloodIsCutOff) {

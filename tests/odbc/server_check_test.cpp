@@ -120,13 +120,21 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
 
   peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
                Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  EXPECT_EQ(failure(), "table failure.tableMissing");
+  EXPECT_THAT(printed(check(), true), HasSubstr("failed table: 208: The database holds no table Korvel_Audit_Trails"));
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({229, "The SELECT permission was denied."}));
+  EXPECT_EQ(failure(), "table failure.tableDenied");
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
   EXPECT_EQ(failure(), "table ");
+  EXPECT_THAT(printed(check(), true), HasSubstr("failed table: 823: The disk failed.\n"));
   peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().result({{"Nr", "int"}}));
 
   peer_.answer(emptyCall, Answer().error({2812, "Could not find stored procedure 'QueryAudits'.", 16}));
   EXPECT_EQ(failure(), "procedure failure.procedureMissing");
   peer_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
-  EXPECT_EQ(failure(), "procedure ");
+  EXPECT_EQ(failure(), "procedure failure.procedureDenied");
+  EXPECT_THAT(printed(check(), true), HasSubstr("GRANT EXECUTE ON dbo.QueryAudits TO"));
   peer_.answer(emptyCall, Answer().procedure());
 
   peer_.stop();
@@ -148,28 +156,56 @@ TEST(EmbeddedCheck, hasTheStepsThatApply) {
             "failed name\n- database\n- table\n- procedure\n- rows\n");
 }
 
+TEST(EmbeddedCheck, saysWhatIsNoAuditDatabaseAndWhatIsNoFolder) {
+  const TemporaryFolder folder;
+  DatabaseWriter(folder / "Other.db").run("CREATE TABLE pumps (n int)");
+  const auto reason = [&](const std::filesystem::path& server) {
+    const auto steps = db::checkServer(server.string(), "Other", db::odbc::ServerAccess());
+    const db::CheckStep* const step = failedStep(steps);
+    return step == nullptr ? "none" : step->key + " " + step->failure->textKey();
+  };
+  EXPECT_EQ(reason(folder.path()), "table failure.tableMissing");
+  EXPECT_EQ(reason(folder / "nowhere"), "name failure.noFolder");
+  EXPECT_EQ(reason(folder / "Other.db"), "name failure.notAFolder");
+}
+
 class InstallProcedure : public WireTest {};
 
-TEST_F(InstallProcedure, runsTheScriptBatchByBatch) {
+TEST_F(InstallProcedure, runsTheScriptBatchByBatchInOneTransaction) {
   peer_.answerOthers([](const tds::Command&) { return Answer(); });
   db::installQueryAudits(serverName(), "Korvel_Audit", access_);
   const auto texts = peer_.texts();
-  EXPECT_EQ(texts, db::scriptBatches(db::queryAuditsScript()));
-  ASSERT_EQ(texts.size(), 4U);
-  EXPECT_THAT(texts[0], HasSubstr("DROP PROCEDURE dbo.QueryAudits"));
-  EXPECT_TRUE(texts[3].starts_with("\nCREATE PROCEDURE dbo.QueryAudits")) << texts[3].substr(0, 40);
+  auto expected = db::scriptBatches(db::queryAuditsScript());
+  ASSERT_EQ(expected.size(), 4U);
+  EXPECT_THAT(expected[0], HasSubstr("DROP PROCEDURE dbo.QueryAudits"));
+  EXPECT_TRUE(expected[3].starts_with("\nCREATE PROCEDURE dbo.QueryAudits")) << expected[3].substr(0, 40);
+  expected.insert(expected.begin(), "BEGIN TRANSACTION");
+  expected.emplace_back("COMMIT TRANSACTION");
+  EXPECT_EQ(texts, expected);
   EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
 }
 
-TEST_F(InstallProcedure, stopsAtTheFirstFailure) {
+TEST_F(InstallProcedure, aFailureTakesBackWhatWasDone) {
   peer_.answerOthers([](const tds::Command& command) {
-    return command.text.find("ANSI_NULLS") == std::string::npos
+    return command.text.find("CREATE PROCEDURE") == std::string::npos
                ? Answer()
                : Answer().error({262, "CREATE PROCEDURE permission denied.", 14});
   });
   const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
   EXPECT_EQ(error->number(), 262);
-  EXPECT_EQ(peer_.texts().size(), 2U);
+  const auto texts = peer_.texts();
+  ASSERT_EQ(texts.size(), 6U);
+  EXPECT_EQ(texts.front(), "BEGIN TRANSACTION");
+  EXPECT_THAT(texts[4], HasSubstr("CREATE PROCEDURE"));
+  EXPECT_EQ(texts.back(), "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION");
+}
+
+TEST_F(InstallProcedure, theReasonIsKeptWhereNothingCanBeTakenBack) {
+  peer_.answerOthers([](const tds::Command& command) {
+    return command.text.find("CREATE PROCEDURE") == std::string::npos ? Answer() : Answer().close();
+  });
+  const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
+  EXPECT_EQ(error->textKey(), "failure.connectionLost");
 }
 
 TEST_F(InstallProcedure, theEmbeddedEngineNeedsNone) {

@@ -83,6 +83,24 @@ TEST(DriverText, ofFreeTds) {
   EXPECT_THAT(driverText(freeTds), HasSubstr("Encryption={request};"));
 }
 
+TEST(DriverText, aSettingThatTheDriverCannotHeedIsRefused) {
+  odbc::LoginRequest vendor = request(DriverFamily::vendor);
+  vendor.options.certificateAuthorities = "/etc/plant/ca.pem";
+  const auto reason = [&] {
+    const auto error = test::errorOf([&] { (void)driverText(vendor); });
+    return error ? error->textKey() : "none";
+  };
+  EXPECT_EQ(reason(), "failure.authoritiesNotForDriver");
+  vendor.options.trustServerCertificate = true;
+  EXPECT_EQ(reason(), "none");
+  vendor.options.trustServerCertificate = false;
+  vendor.options.encrypt = false;
+  EXPECT_EQ(reason(), "none");
+  odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
+  freeTds.options.certificateAuthorities = "/etc/plant/ca.pem";
+  EXPECT_FALSE(test::errorOf([&] { (void)driverText(freeTds); }));
+}
+
 TEST(DriverText, neverHoldsAUserOrAPassword) {
   for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::freeTds}) {
     EXPECT_THAT(driverText(request(family)), Not(HasSubstr("UID")));

@@ -155,6 +155,17 @@ class OdbcTrouble : public WireTest {
   query::ResultLists lists_ = query::makeResultLists();
 };
 
+TEST_F(OdbcTrouble, theCallArrivesToTheLetter) {
+  answerQueries(fine());
+  EXPECT_EQ(query().outcome, QueryOutcome::filled);
+  const auto texts = peer_.texts();
+  ASSERT_EQ(texts.size(), 1U);
+  EXPECT_EQ(texts[0],
+            "QueryAudits 'True','True','True','True','True','True','True','True','True','True','False','False',"
+            "'False'");
+  EXPECT_THAT(peer_.record().complaints, ::testing::IsEmpty());
+}
+
 TEST_F(OdbcTrouble, theConnectionEndsInTheAnswer) {
   for (const Trouble& trouble : breaks()) expectFailure(trouble);
 }
