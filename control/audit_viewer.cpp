@@ -1,6 +1,7 @@
 #include "korvel/AuditViewer.h"
 
 #include <QEvent>
+#include <QPointer>
 #include <QResizeEvent>
 #include <QShowEvent>
 
@@ -39,9 +40,10 @@ bool AuditViewer::ViewSideTools() const {
 }
 
 void AuditViewer::setViewSideTools(bool value) {
+  const QPointer<AuditViewer> alive(this);
   members_->properties.ViewSideTools = value;
   Q_EMIT PropertyChanged(QStringLiteral("ViewSideTools"));
-  ViewTools(value);
+  if (alive) ViewTools(value);
 }
 
 bool AuditViewer::ViewToolBar() const {
@@ -68,7 +70,7 @@ void AuditViewer::InitProperties() {
 
 QString AuditViewer::ReadProperties(const QVariant& bag) {
   try {
-    control::readProperties(control::PropertyBag(bag.toMap()), members_->properties);
+    control::readProperties(control::toBag(bag), members_->properties);
     return {};
   } catch (const Error& error) {
     return QString::number(error.number()) + QLatin1Char(':') + QString::fromStdString(error.description());
@@ -95,7 +97,7 @@ QSize AuditViewer::sizeHint() const {
   return members_->surface.preferredSize();
 }
 QSize AuditViewer::minimumSizeHint() const {
-  return members_->surface.smallestSize();
+  return members_->surface.smallestSize(members_->properties.ViewSideTools);
 }
 
 void AuditViewer::SelectALL() {

@@ -3,13 +3,14 @@
 #include <QDate>
 #include <QLabel>
 #include <QLocale>
+#include <optional>
 #include <utility>
 
 #include "base/error.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
 #include "settings/explained_error.h"
-#include "settings/registry.h"
+#include "settings/stored_language.h"
 
 namespace korvel {
 
@@ -20,9 +21,6 @@ using control::MessageIcon;
 using control::surroundings;
 
 namespace {
-
-// Number of failures that carry none of their own.
-constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
 
 const QString browserForm = QStringLiteral("frmSQLServerBrowser");
 const QString dateRangeForm = QStringLiteral("frmAdvancedFilters");
@@ -79,6 +77,11 @@ AuditViewer::Members::Members(AuditViewer& viewer)
     : lists(listsWithoutColumns()), surface(viewer, lists, filterTree), viewer_(viewer) {
   fillLockTable();
   connectHandlers();
+  instances().push_back(this);
+}
+
+AuditViewer::Members::~Members() {
+  std::erase(instances(), this);
 }
 
 void AuditViewer::Members::trapped(std::string_view operationName, const std::function<void()>& operation) {
@@ -106,9 +109,7 @@ void AuditViewer::Members::message(MessageIcon icon, const QString& title, const
 
 void AuditViewer::Members::Initialize() {
   const auto backend = surroundings().openSettings();
-  const settings::Registry registry(*backend);
-  libraryState().language = settings::LanguageOffset(registry.GetSetting(
-      std::string(settings::applicationName), std::string(settings::viewerSection), "Language", "0"));
+  libraryState().language = settings::storedLanguage(*backend);
 
   ListViewColSetup();
   BuildMisc();
@@ -173,7 +174,7 @@ void AuditViewer::Members::setLocked(bool locked) {
 }
 
 void AuditViewer::Members::enableElements() {
-  for (const LockedElement& row : lockTable_) row.element->setEnabled(!locked_ && row.available());
+  for (const LockedElement& row : lockTable_) row.element->setEnabled(row.available() && !locked_);
 }
 
 void AuditViewer::Members::ChangeFont() {
@@ -203,16 +204,19 @@ void AuditViewer::Members::TriggerQuery() {
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
+  const bool customPage = surface.currentTab() == query::customList;
   query::QueryReport report;
   {
     std::array<std::optional<Change>, query::standardListCount> changes;
     for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface.models.at(i));
-    // On the custom page no standard list is the current one; the first is sorted then.
-    const std::size_t current = surface.currentTab() < query::standardListCount ? surface.currentTab() : 0;
+    // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
+    const std::size_t sorted = customPage ? query::listCount : surface.currentTab();
     report = query::runStandardQuery(filterTree, libraryState().dateRange, libraryState().connection.ConnectionString,
-                                     surroundings().connect, lists, current);
+                                     surroundings().connect, lists, sorted);
   }
-  for (std::size_t i = 0; i < query::standardListCount; ++i) surface.lvListView.at(i)->showSortIcon();
+  if (customPage && report.outcome == query::QueryOutcome::filled)
+    skipFailing([&] { surface.models.at(query::customList)->sort(); });
+  for (control::ResultListView* list : surface.lvListView) list->showSortIcon();
 
   const bool limitWasShown = std::exchange(rowLimitReached_, report.fullResults > 0);
 
@@ -252,6 +256,7 @@ void AuditViewer::Members::ViewTools(bool visable) {
   for (QWidget* element : sideTools) element->setVisible(visable);
   // The resize routine asks the property, not this call's argument.
   surface.arrange(properties.ViewSideTools);
+  viewer_.updateGeometry();
 }
 
 void AuditViewer::Members::ShowKeyField(bool vis) {
@@ -306,6 +311,10 @@ void AuditViewer::Members::showDateRange() {
                                                       : loadText(noDateRange));
 }
 
+void AuditViewer::Members::showDateRangeEverywhere() {
+  for (Members* instance : instances()) instance->showDateRange();
+}
+
 void AuditViewer::Members::clearAllLists() {
   for (const auto& model : surface.models) model->clear();
   if (std::exchange(rowLimitReached_, false)) showRowLimit();
@@ -342,10 +351,12 @@ void AuditViewer::Members::btQuery_Click() {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {
+    std::optional<control::BusyPointer> busy(std::in_place, *services);
     const StatusText status(*surface.StatusBar1, queryingText);
-    const control::BusyPointer busy(*services);
     viewer_.TriggerQuery();
     if (alive) DisplayNoOfRecords();
+    // The pointer goes back before the status text goes.
+    busy.reset();
   }
   if (alive) showRowLimit();
 }
@@ -366,16 +377,15 @@ void AuditViewer::Members::btDBInfo_Click() {
 
 void AuditViewer::Members::btDateRangeFilter_Click() {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
-  const QPointer<AuditViewer> alive(&viewer_);
   services->showForm(&viewer_, dateRangeForm);
-  // However the dialog was closed: the range is in force from now on.
+  // However the dialog was closed, and whoever lives still: the range is in force from now on.
   libraryState().dateRange.DateRangeActive = true;
-  if (alive) showDateRange();
+  showDateRangeEverywhere();
 }
 
 void AuditViewer::Members::btClearDateRange_Click() {
   libraryState().dateRange.DateRangeActive = false;
-  showDateRange();
+  showDateRangeEverywhere();
 }
 
 void AuditViewer::Members::SSTab1_Click() {

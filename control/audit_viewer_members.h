@@ -19,6 +19,9 @@ namespace korvel {
 class Q_DECL_HIDDEN AuditViewer::Members {
  public:
   explicit Members(AuditViewer& viewer);
+  ~Members();
+  Members(const Members&) = delete;
+  Members& operator=(const Members&) = delete;
 
   /// Runs `operation`. A failure shows the box of that operation's error trap.
   void trapped(std::string_view operationName, const std::function<void()>& operation);
@@ -66,11 +69,19 @@ class Q_DECL_HIDDEN AuditViewer::Members {
     std::function<bool()> available;
   };
 
+  /// The instances that live. Used from the user-interface thread only.
+  static std::vector<Members*>& instances() {
+    static std::vector<Members*> all;
+    return all;
+  }
+
   void connectHandlers();
   void fillLockTable();
   void enableElements();
   void nameForAssistance();
   void showDateRange();
+  /// The range is everybody's: no instance may go on showing another one than its next query sends.
+  static void showDateRangeEverywhere();
   void clearAllLists();
   void announceSelection();
   void setLastFailure(LastFailure failure);

@@ -62,6 +62,13 @@ void PropertyBag::WriteProperty(const QString& name, const QVariant& value, cons
   if (!sameValue(value, defaultValue)) values_.insert(name, value);
 }
 
+PropertyBag toBag(const QVariant& container) {
+  if (!container.isValid()) return PropertyBag();
+  QVariant map = container;
+  if (!map.convert(QMetaType::fromType<QVariantMap>())) throw mismatch();
+  return PropertyBag(map.toMap());
+}
+
 bool toBoolean(const QVariant& value) {
   if (isText(value)) {
     const QString word = value.toString().trimmed();

@@ -22,6 +22,10 @@ class PropertyBag {
   QVariantMap values_;
 };
 
+/// The bag that a container hands over: a map, or nothing at all for an empty one. Throws Error "Type mismatch" for
+/// whatever else it may be.
+[[nodiscard]] PropertyBag toBag(const QVariant& container);
+
 /// What a property of the type makes of a stored value. Throw Error "Type mismatch" for a value that is none.
 [[nodiscard]] bool toBoolean(const QVariant& value);
 [[nodiscard]] int toLong(const QVariant& value);

@@ -60,6 +60,10 @@ void ResultListModel::clickColumn(int column) {
   Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 
+void ResultListModel::sort() {
+  reorder([&] { list_.sort(); });
+}
+
 void ResultListModel::reorder(const std::function<void()>& sort) {
   Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
   // Only after the signal: views make their selection persistent when they hear it.

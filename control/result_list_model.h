@@ -31,6 +31,9 @@ class ResultListModel final : public QAbstractTableModel {
   /// Throws Error when memory runs out; the rows then stay as they were.
   void clickColumn(int column);
 
+  /// Switches sorting on with the list's own key and order; like clickColumn otherwise.
+  void sort();
+
   /// While it lives, the list may be given other rows by anyone; views look again when it goes.
   class RowsChange {
    public:

@@ -9,6 +9,21 @@
 #include "control/screen_measure.h"
 
 namespace korvel::control {
+namespace {
+
+/// The cell as spreadsheet programs read it from tab-separated lines: in quotes, its own doubled, where it holds what
+/// separates cells and lines, or would be taken for a cell in quotes.
+QString tabSeparatedCell(const QString& text) {
+  const auto separates = [](QChar c) {
+    return c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
+  };
+  if (!text.startsWith(QLatin1Char('"')) && std::none_of(text.begin(), text.end(), separates)) return text;
+  QString quoted = text;
+  quoted.replace(QLatin1Char('"'), QLatin1String("\"\""));
+  return QLatin1Char('"') + quoted + QLatin1Char('"');
+}
+
+}  // namespace
 
 ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : ResultTable(parent), model_(model) {
   setModel(&model_);
@@ -86,7 +101,7 @@ QString ResultListView::selectedText() const {
     for (int row = std::max(range.first, next); row <= range.second; ++row) {
       for (std::size_t i = 0; i < columns.size(); ++i) {
         if (i > 0) text += QLatin1Char('\t');
-        text += model_.index(row, columns[i]).data().toString();
+        text += tabSeparatedCell(model_.index(row, columns[i]).data().toString());
       }
       text += QLatin1Char('\n');
       next = row + 1;

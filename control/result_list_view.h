@@ -33,6 +33,7 @@ class ResultListView final : public look::ResultTable {
   void setListFont(const QFont& font);
 
   /// The selected rows as they are shown, visible columns in their visible order, as tab-separated lines.
+  /// Cells that hold tabs or line breaks stand in quotes.
   [[nodiscard]] QString selectedText() const;
 
  protected:

@@ -2,13 +2,15 @@
 
 #include <QLabel>
 
+#include "control/elided_label.h"
 #include "control/look/dialogs.h"
 
 namespace korvel::control {
 namespace {
 
-QLabel* makePanel(const char* name, QWidget* parent) {
-  auto* panel = new QLabel(parent);
+template <typename Label>
+Label* makePanel(const char* name, QWidget* parent) {
+  auto* panel = new Label(parent);
   panel->setObjectName(QLatin1String(name));
   panel->setAccessibleName(QLatin1String(name));
   panel->setTextFormat(Qt::PlainText);
@@ -19,7 +21,9 @@ QLabel* makePanel(const char* name, QWidget* parent) {
 }  // namespace
 
 StatusPanels::StatusPanels(QWidget* parent)
-    : QStatusBar(parent), status_(makePanel("Status", this)), records_(makePanel("Records", this)) {
+    : QStatusBar(parent),
+      status_(makePanel<ElidedLabel>("Status", this)),
+      records_(makePanel<QLabel>("Records", this)) {
   setSizeGripEnabled(false);
   // A long activity text gives way to the count, never the other way round.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -28,7 +32,7 @@ StatusPanels::StatusPanels(QWidget* parent)
 }
 
 void StatusPanels::setStatus(const QString& text) {
-  status_->setText(text);
+  status_->setContent(text);
 }
 QString StatusPanels::status() const {
   return status_->text();

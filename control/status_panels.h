@@ -6,6 +6,8 @@ class QLabel;
 
 namespace korvel::control {
 
+class ElidedLabel;
+
 /// The status bar `StatusBar1` with its two named panels.
 class StatusPanels final : public QStatusBar {
   Q_OBJECT
@@ -21,7 +23,7 @@ class StatusPanels final : public QStatusBar {
   [[nodiscard]] QString records() const;
 
  private:
-  QLabel* status_;
+  ElidedLabel* status_;
   QLabel* records_;
 };
 

@@ -4,6 +4,7 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <functional>
 
 #include "control/look/dialogs.h"
 #include "control/look/theme.h"
@@ -19,6 +20,19 @@ constexpr Twips cardInset{120};
 QString name(const char* text) {
   return QString::fromLatin1(text);
 }
+
+/// A page of the strip, which says when it has got another size: the strip's tabs follow the font, and what lies on the
+/// pages has to follow the tabs.
+class Page final : public QWidget {
+ public:
+  std::function<void()> onResize;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override {
+    QWidget::resizeEvent(event);
+    if (onResize) onResize();
+  }
+};
 
 template <typename Element>
 Element* named(Element* element, const char* objectName) {
@@ -88,7 +102,7 @@ void Surface::buildPages(query::ResultLists& lists) {
   SSTab1 = named(new look::PageStrip(&owner_), "SSTab1");
   for (std::size_t i = 0; i < query::listCount; ++i) {
     models.at(i) = std::make_unique<ResultListModel>(lists.at(i));
-    auto* page = new QWidget;
+    auto* page = new Page;
     auto* list = new ResultListView(*models.at(i), page);
     list->setObjectName(name("lvListView%1").arg(i));
     const QString caption = fromUtf8(query::pageCaptions.at(i));
@@ -96,6 +110,7 @@ void Surface::buildPages(query::ResultLists& lists) {
     lvListView.at(i) = list;
     // The captions are fixed texts, no mnemonics.
     SSTab1->addTab(page, caption);
+    page->onResize = [this] { placeLists(); };
   }
 }
 
@@ -135,13 +150,20 @@ void Surface::arrange(bool viewSideTools) {
 
 void Surface::placeLists() {
   const ScreenMeasure measure(owner_);
-  // Boxes are counted from the corner of SSTab1, the lists lie in its pages.
-  const QPoint pageCorner = SSTab1->currentWidget()->mapTo(SSTab1, QPoint(0, 0));
+  // Boxes are counted from the corner of SSTab1, the lists lie in its pages. The page in front stands for all of them:
+  // the others take its size when they come forward.
+  const QWidget* const page = SSTab1->currentWidget();
+  const QPoint pageCorner = page->mapTo(SSTab1, QPoint(0, 0));
   for (std::size_t i = 0; i < lvListView.size(); ++i) {
     Box box = boxes_.lvListView.at(i);
     // As long as the custom page has no query frame, its list takes the frame's place too.
     if (i == query::customList) box = boxes_.lvListView[0];
-    lvListView.at(i)->setGeometry(measure.rectangle(box).translated(-pageCorner));
+    QRect place = measure.rectangle(box).translated(-pageCorner);
+    // Tabs in a large font are higher than the boxes know.
+    place.setTop(std::max(place.top(), 0));
+    // A list that has refused to become as low as its page keeps its height.
+    if (box.height < boxes_.SSTab1.height) place.setBottom(std::min(place.bottom(), page->height() - 1));
+    lvListView.at(i)->setGeometry(place);
   }
 }
 
@@ -153,11 +175,17 @@ QSize Surface::preferredSize() const {
   return {look::px(&owner_, 1280), look::px(&owner_, 760)};
 }
 
-QSize Surface::smallestSize() const {
-  const ScreenMeasure measure(owner_);
-  const int strip = frameFilter->minimumSizeHint().height() + frameTools->sizeHint().height();
-  return {measure.horizontal(stripWidth) + look::px(&owner_, 320),
-          strip + StatusBar1->sizeHint().height() + look::px(&owner_, 24)};
+QSize Surface::smallestSize(bool viewSideTools) const {
+  constexpr int pagesWidth = 320;
+  constexpr int pagesHeight = 200;
+  const int barsHeight = StatusBar1->sizeHint().height() + look::px(&owner_, 24);
+  QSize size(look::px(&owner_, pagesWidth), look::px(&owner_, pagesHeight));
+  if (viewSideTools) {
+    size.rwidth() += ScreenMeasure(owner_).horizontal(stripWidth);
+    const int strip = frameFilter->minimumSizeHint().height() + frameTools->sizeHint().height();
+    size.setHeight(std::max(size.height(), strip));
+  }
+  return size + QSize(0, barsHeight);
 }
 
 }  // namespace korvel::control

@@ -34,7 +34,8 @@ class Surface {
   /// Index 0..5 of the selected page.
   [[nodiscard]] std::size_t currentTab() const;
   [[nodiscard]] QSize preferredSize() const;
-  [[nodiscard]] QSize smallestSize() const;
+  /// The least size at which everything that is shown can be reached.
+  [[nodiscard]] QSize smallestSize(bool viewSideTools) const;
 
   // Side strip.
   look::CardFrame* frameFilter = nullptr;

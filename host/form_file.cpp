@@ -1,16 +1,30 @@
 #include "host/form_file.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QMetaProperty>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <filesystem>
+#include <system_error>
 
 #include "host/host_texts.h"
+#include "korvel/AuditViewer.h"
 
 namespace korvel::host {
+namespace {
+
+/// Names of the properties that the control keeps with its form.
+QStringList storedProperties() {
+  const QMetaObject& face = AuditViewer::staticMetaObject;
+  QStringList names;
+  for (int i = face.propertyOffset(); i < face.propertyCount(); ++i)
+    if (face.property(i).isStored()) names.append(QLatin1String(face.property(i).name()));
+  return names;
+}
+
+}  // namespace
 
 QString FormFile::standardPath() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
@@ -38,22 +52,27 @@ QString FormFile::load(const settings::LanguageOffset& language) {
     leaveAsItIs();
     return hostText("host.formNoObject", language);
   }
-  properties_ = document.object().toVariantMap();
+  content_ = document.object();
   return {};
 }
 
 QString FormFile::save(const QVariantMap& properties) {
   if (untouchable_) return {};
-  const QJsonObject wanted = QJsonObject::fromVariantMap(properties);
-  if (!isNew_ && wanted == QJsonObject::fromVariantMap(properties_)) return {};
+  QJsonObject wanted = content_;
+  // Properties that equal their default are left out of what is saved: they go from the file as well.
+  for (const QString& name : storedProperties()) wanted.remove(name);
+  for (auto property = properties.begin(); property != properties.end(); ++property)
+    wanted.insert(property.key(), QJsonValue::fromVariant(property.value()));
+  if (!isNew_ && wanted == content_) return {};
 
-  QString folder = QFileInfo(path_).absolutePath();
-  if (!QDir().mkpath(folder)) return folder;
+  std::error_code failure;
+  std::filesystem::create_directories(QFileInfo(path_).filesystemAbsolutePath(), failure);
+  if (failure) return QString::fromLocal8Bit(failure.message().c_str());
   QSaveFile file(path_);
   if (!file.open(QIODevice::WriteOnly)) return file.errorString();
   file.write(QJsonDocument(wanted).toJson());
   if (!file.commit()) return file.errorString();
-  properties_ = properties;
+  content_ = wanted;
   isNew_ = false;
   return {};
 }

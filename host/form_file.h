@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 #include <QVariantMap>
 
@@ -22,17 +23,17 @@ class FormFile {
   [[nodiscard]] QString load(const settings::LanguageOffset& language);
   /// Whether there was no file to load.
   [[nodiscard]] bool isNew() const noexcept { return isNew_; }
-  [[nodiscard]] const QVariantMap& properties() const noexcept { return properties_; }
+  [[nodiscard]] QVariantMap properties() const { return content_.toVariantMap(); }
 
   /// From now on the file is left as it is: what stands in it could not be used.
   void leaveAsItIs() noexcept { untouchable_ = true; }
-  /// Writes the file, whole or not at all, unless it says the same already or is to be left as it is. Returns why it
-  /// cannot be written, else an empty text.
+  /// Writes the file, whole or not at all, unless it says the same already or is to be left as it is. What the file
+  /// holds beside the control's stored properties stays in it. Returns why it cannot be written, else an empty text.
   [[nodiscard]] QString save(const QVariantMap& properties);
 
  private:
   QString path_;
-  QVariantMap properties_;
+  QJsonObject content_;
   bool isNew_ = true;
   bool untouchable_ = false;
 };

@@ -2,14 +2,14 @@
 
 #include "base/error.h"
 #include "settings/registry.h"
+#include "settings/stored_language.h"
 
 namespace korvel::host {
 
 settings::LanguageOffset currentLanguage() {
   try {
     const auto backend = settings::platformBackend();
-    return settings::LanguageOffset(settings::Registry(*backend).GetSetting(
-        std::string(settings::applicationName), std::string(settings::viewerSection), "Language", "0"));
+    return settings::storedLanguage(*backend);
   } catch (const Error&) {
     // The control says what is wrong with the settings; messages of the host are in English then.
     return settings::LanguageOffset();

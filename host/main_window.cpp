@@ -33,9 +33,8 @@ MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& l
   column->addWidget(failureBar_);
   column->addWidget(viewer_, 1);
   setCentralWidget(content);
-  connect(viewer_, &AuditViewer::DatabaseSelected, this, [this](const QString& database) {
-    setWindowTitle(database.isEmpty() ? productName : database + QStringLiteral(" - ") + productName);
-  });
+  connect(viewer_, &AuditViewer::DatabaseSelected, this,
+          [this](const QString& database) { setWindowTitle(database + QStringLiteral(" - ") + productName); });
   connect(viewer_, &AuditViewer::LastFailureChanged, this, [this] { showLastFailure(); });
   connect(viewer_, &AuditViewer::ExitApp, this, &QWidget::close);
 

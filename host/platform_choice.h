@@ -6,7 +6,7 @@ namespace korvel::host {
 
 enum class PlatformChoice {
   usual,      ///< a display, or a platform that somebody asked for
-  offscreen,  ///< no display, and none is needed
+  offscreen,  ///< no display is needed
   none        ///< no display, but a window to show
 };
 

@@ -33,6 +33,7 @@ bool UnattendedMessages::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Show) {
     if (auto* box = qobject_cast<QMessageBox*>(watched)) {
       texts_.append(box->text());
+      anyCritical_ |= box->icon() == QMessageBox::Critical;
       QMetaObject::invokeMethod(box, &QDialog::reject, Qt::QueuedConnection);
     }
   }
@@ -44,9 +45,12 @@ ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMes
   window.show();
   AuditViewer& viewer = window.viewer();
   const qsizetype beforeQuery = messages.texts().size();
-  viewer.TriggerQuery();
-  viewer.DisplayNoOfRecords();
+  if (!messages.anyCritical()) {
+    viewer.TriggerQuery();
+    viewer.DisplayNoOfRecords();
+  }
   for (const QString& text : messages.texts()) complain(text);
+  if (messages.anyCritical()) return ExitStatus::databaseFailed;
   if (viewer.LastFailureTime().isValid()) {
     complain(hostText("host.queryFailed", language,
                       QString::number(viewer.LastFailureNumber()) + QLatin1Char(':') + viewer.LastFailureText()));

@@ -16,19 +16,22 @@ class UnattendedMessages final : public QObject {
   explicit UnattendedMessages(QObject* application);
 
   [[nodiscard]] const QStringList& texts() const noexcept { return texts_; }
+  /// Whether one of them told of an operation that failed.
+  [[nodiscard]] bool anyCritical() const noexcept { return anyCritical_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QStringList texts_;
+  bool anyCritical_ = false;
 };
 
 /// The program's exit statuses.
 enum class ExitStatus { done = 0, noRecords = 1, wrongUsage = 2, databaseFailed = 3, pictureFailed = 4 };
 
-/// Shows the window, runs the standard query and renders the window into a PNG file (not where the query failed). What
-/// went wrong is written to standard error.
+/// Shows the window, runs the standard query and renders the window into a PNG file. A viewer that could not be built
+/// whole runs no query, and without an answer there is no picture. What went wrong is written to standard error.
 [[nodiscard]] ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
                                   const settings::LanguageOffset& language);
 

@@ -21,6 +21,10 @@ namespace korvel {
 /// All instances of one process share the selected database, the date range, the language and the print font.
 class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   Q_OBJECT
+  // The descriptions of properties, as tools of a host show them: class information of the property's name.
+  Q_CLASSINFO("ViewSideTools", "Returns/sets a value that determines whether the side tools are visible")
+  Q_CLASSINFO("ViewToolBar", "Returns/sets a value that determines whether the toolbar is visible")
+
   /// Which audit database the host wants: one of DatabaseTypeEnum; every value but 0 selects the MU database.
   Q_PROPERTY(int DatabaseType READ DatabaseType WRITE setDatabaseType)
   /// Returns/sets a value that determines whether the side tools are visible
@@ -58,8 +62,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   /// Gives the four stored properties the values of a new instance. Nothing is shown, hidden or announced.
   void InitProperties();
   /// Takes the stored properties from `bag`, a map of names to values as WriteProperties returns it; an absent name has
-  /// its default. Takes effect at the next show. Returns what is wrong with the first value that cannot be read (its
-  /// predecessors have been taken then), or an empty text.
+  /// its default, and so has every name where `bag` is not valid. Takes effect at the next show. Returns what is wrong
+  /// with the first value that cannot be read (its predecessors have been taken then) or with a bag that is no map, or
+  /// an empty text.
   [[nodiscard]] QString ReadProperties(const QVariant& bag);
   /// The stored properties as a map of names to values, without those that equal their default.
   [[nodiscard]] QVariant WriteProperties() const;

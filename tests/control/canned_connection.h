@@ -31,13 +31,17 @@ struct CannedServer {
   std::optional<Error> failure;
   std::vector<std::string> connectionStrings;
   std::vector<std::string> commands;
+  int openConnections = 0;
 
   std::unique_ptr<db::Connection> connect(std::string_view connectionString);
 };
 
 class CannedConnection final : public db::Connection {
  public:
-  explicit CannedConnection(CannedServer& server) : server_(server) {}
+  explicit CannedConnection(CannedServer& server) : server_(server) { ++server_.openConnections; }
+  ~CannedConnection() override { --server_.openConnections; }
+  CannedConnection(const CannedConnection&) = delete;
+  CannedConnection& operator=(const CannedConnection&) = delete;
 
   void execute(std::string_view commandText, db::ResultSink& sink) override {
     server_.commands.emplace_back(commandText);

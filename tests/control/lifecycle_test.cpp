@@ -4,6 +4,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "base/error.h"
 #include "control/qt_control_services.h"
 #include "tests/control/viewer_fixture.h"
 
@@ -60,6 +61,54 @@ TEST_F(PublicFace, MembersAreCallableByName) {
   EXPECT_TRUE(element(*viewer, "frameFilter")->isHidden());
   ASSERT_TRUE(viewer->setProperty("DatabaseType", 1));
   EXPECT_EQ(viewer->DatabaseType(), 1);
+}
+
+TEST_F(PublicFace, DescriptionsOfPropertiesAreCarriedAlong) {
+  const QMetaObject& face = AuditViewer::staticMetaObject;
+  QStringList descriptions;
+  for (int i = face.classInfoOffset(); i < face.classInfoCount(); ++i)
+    descriptions.append(QLatin1String(face.classInfo(i).name()) + ": " + face.classInfo(i).value());
+  EXPECT_EQ(descriptions,
+            (QStringList{"ViewSideTools: Returns/sets a value that determines whether the side tools are visible",
+                         "ViewToolBar: Returns/sets a value that determines whether the toolbar is visible"}));
+}
+
+TEST_F(PublicFace, ExpandAllByName) {
+  const auto viewer = shownViewer();
+  auto* tree = element<QTreeWidget>(*viewer, "tvTreeView");
+  {
+    // Without its signals the tree stays as it is left.
+    const QSignalBlocker quiet(tree);
+    tree->collapseAll();
+  }
+  ASSERT_FALSE(node(*viewer, "Runtime")->isExpanded());
+  ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "ExpandAll"));
+  for (const char* root : {"Configuration", "Runtime", "Document Control"})
+    EXPECT_TRUE(node(*viewer, root)->isExpanded()) << root;
+}
+
+TEST_F(PublicFace, DisplayNoOfRecordsByName) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("1", "CS"), record("2", "CS")}};
+  viewer->TriggerQuery();
+  // The query itself leaves the count to its callers.
+  ASSERT_EQ(recordsPanel(*viewer), "0 Records on current tab");
+  ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "DisplayNoOfRecords"));
+  EXPECT_EQ(recordsPanel(*viewer), "2 Records on current tab");
+}
+
+TEST_F(PublicFace, BuildMiscByName) {
+  const auto viewer = shownViewer();
+  ASSERT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), "Date Range");
+  libraryState().language = settings::LanguageOffset("10000");
+  ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "BuildMisc"));
+  const auto german = [](int identifier) {
+    const std::string_view text = settings::loadTextByIdentifier(identifier);
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  };
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), german(20040));
+  EXPECT_EQ(element<QLabel>(*viewer, "lblDateRange")->text(), german(20042));
+  EXPECT_EQ(element(*viewer, "btQuery")->toolTip(), german(20046));
 }
 
 TEST_F(Lifecycle, ANewViewerStartsWithEverythingCheckedAndOpen) {
@@ -152,6 +201,23 @@ TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {
   EXPECT_TRUE(viewer->isVisible());
 }
 
+TEST_F(Lifecycle, AStepThatFailsLaterLeavesWhatWasBuiltAndEndsTheRest) {
+  libraryState().printFont.name = "untouched";
+  recorder->onFormAsked = [] { throw Error(57, "device unavailable"); };
+  const auto viewer = newViewer();
+  EXPECT_THAT(recorder->messages,
+              ::testing::ElementsAre(ShownMessage{MessageIcon::critical, "",
+                                                  "57:Error in Initialize.  Error Message: device unavailable"}));
+  // It failed when elements were locked: columns and captions stand, the tree and what follows it was not reached.
+  EXPECT_EQ(list(*viewer, 0)->model()->columnCount(), 18);
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), "Date Range");
+  EXPECT_EQ(treeText(*viewer), "");
+  EXPECT_EQ(libraryState().printFont.name, "untouched");
+  recorder->onFormAsked = nullptr;
+  viewer->show();
+  EXPECT_TRUE(viewer->isVisible());
+}
+
 TEST_F(Lifecycle, ShowConnectsToNothingWithoutAServer) {
   for (const char* none : {"", "(None)"}) {
     const auto viewer = newViewer();
@@ -205,6 +271,13 @@ TEST_F(Lifecycle, AViewerMayDieWhileItsMessageIsShown) {
   viewer->findChild<QAbstractButton*>("btQuery")->click();
   EXPECT_EQ(viewer, nullptr);
   EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+}
+
+TEST_F(Lifecycle, AViewerMayDieWhileAPropertyIsAnnounced) {
+  auto viewer = shownViewer();
+  QObject::connect(viewer.get(), &AuditViewer::PropertyChanged, [&] { viewer.reset(); });
+  viewer->setViewSideTools(false);
+  EXPECT_EQ(viewer, nullptr);
 }
 
 TEST_F(Properties, EachSettingAnnouncesItself) {
@@ -262,6 +335,19 @@ TEST_F(Properties, ABadBagIsPassedToTheContainer) {
   const auto viewer = newViewer();
   EXPECT_EQ(viewer->ReadProperties(QVariantMap{{"DatabaseType", "many"}}), "13:Type mismatch");
   EXPECT_THAT(recorder->messages, ::testing::IsEmpty());
+}
+
+TEST_F(Properties, WhatIsNoBagIsPassedToTheContainer) {
+  const auto viewer = newViewer();
+  viewer->setDefaultSQLServer("S");
+  for (const QVariant& bag : {QVariant("text"), QVariant(7), QVariant(QVariantList{QVariantMap()})}) {
+    EXPECT_EQ(viewer->ReadProperties(bag), "13:Type mismatch") << bag.typeName();
+    EXPECT_EQ(viewer->DefaultSQLServer(), "S") << bag.typeName();
+  }
+  EXPECT_EQ(viewer->ReadProperties(QVariantHash{{"DefaultSQLServer", "T"}}), "");
+  EXPECT_EQ(viewer->DefaultSQLServer(), "T");
+  EXPECT_EQ(viewer->ReadProperties(QVariant()), "");
+  EXPECT_EQ(viewer->DefaultSQLServer(), "(None)");
 }
 
 TEST_F(Properties, TwoInstancesKeepTheirOwnPropertiesAndShareTheSelection) {

@@ -2,6 +2,9 @@
 #include <QLocale>
 #include <chrono>
 
+#include "control/result_list_model.h"
+#include "results/row_store.h"
+#include "tests/control/model_warnings.h"
 #include "tests/control/viewer_fixture.h"
 
 namespace korvel::test {
@@ -144,6 +147,36 @@ TEST_F(DateRangeTest, TheDialogLeavesTheRangeActiveHoweverItWasClosed) {
                   .endsWith("'True','2004-03-07 00:00:00.000','2004-03-07 23:59:59.999'"));
 }
 
+TEST_F(DateRangeTest, EveryInstanceShowsTheRangeThatItsQueryWillSend) {
+  using namespace std::chrono;
+  recorder->forms.insert("frmAdvancedFilters");
+  recorder->onForm = [] {
+    libraryState().dateRange.RangeFromDate = libraryState().dateRange.RangeToDate = 2004y / 3 / 7;
+  };
+  const auto first = shownViewer();
+  const auto second = shownViewer();
+  click(*first, "btDateRangeFilter");
+  const QString day = QLocale::system().toString(QDate(2004, 3, 7), QLocale::ShortFormat);
+  EXPECT_EQ(element<QLabel>(*second, "lblDateRange")->text(), day + " - " + day);
+  click(*second, "btClearDateRange");
+  EXPECT_EQ(element<QLabel>(*first, "lblDateRange")->text(), "No Date Range Selected");
+}
+
+TEST_F(DateRangeTest, ARangeIsInForceAlsoWhereItsViewerDiedInTheDialog) {
+  using namespace std::chrono;
+  recorder->forms.insert("frmAdvancedFilters");
+  const auto stays = shownViewer();
+  auto dies = shownViewer();
+  recorder->onForm = [&] {
+    libraryState().dateRange.RangeFromDate = libraryState().dateRange.RangeToDate = 2004y / 3 / 7;
+    dies.reset();
+  };
+  dies->findChild<QAbstractButton*>("btDateRangeFilter")->click();
+  EXPECT_EQ(dies, nullptr);
+  const QString day = QLocale::system().toString(QDate(2004, 3, 7), QLocale::ShortFormat);
+  EXPECT_EQ(element<QLabel>(*stays, "lblDateRange")->text(), day + " - " + day);
+}
+
 TEST_F(DateRangeTest, WithoutItsDialogTheButtonCannotBePressed) {
   const auto viewer = shownViewer();
   EXPECT_FALSE(element(*viewer, "btDateRangeFilter")->isEnabled());
@@ -185,7 +218,11 @@ TEST_F(QueryTest, NoCriteriaIsSaidAfterTheListsAreCleared) {
   const auto viewer = shownViewer();
   server.resultSets = {{record("1", "CS")}};
   click(*viewer, "btQuery");
+  ASSERT_EQ(column(*viewer, 0), "1");
   viewer->UnselectALL();
+  recorder->onMessage = [&] {
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(list(*viewer, i)->model()->rowCount(), 0) << i;
+  };
   click(*viewer, "btQuery");
   EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::information, "KorvelAudit Viewer Message",
                                                            "No search criteria selected"}));
@@ -197,6 +234,13 @@ TEST_F(QueryTest, NoCriteriaIsSaidAfterTheListsAreCleared) {
 TEST_F(QueryTest, NoRecordsHasATitleOfItsOwn) {
   const auto viewer = shownViewer();
   server.resultSets = {{}, {record("1", "CS")}};
+  // The box may stand for hours: nothing is kept open behind it.
+  recorder->onMessage = [&] { EXPECT_EQ(server.openConnections, 0); };
+  control::surroundings().connect = [&](std::string_view text) {
+    auto connection = server.connect(text);
+    EXPECT_EQ(server.openConnections, 1);
+    return connection;
+  };
   click(*viewer, "btQuery");
   EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::information, "velAudit Viewer Message",
                                                            "No records found for filter criteria"}));
@@ -258,6 +302,17 @@ TEST_F(QueryTest, HourglassAndStatusTextStandWhileTheQueryRuns) {
   EXPECT_EQ(statusPanel(*viewer), "");
 }
 
+TEST_F(QueryTest, TheHourglassComesFirstAndTheStatusTextGoesLast) {
+  const auto viewer = shownViewer();
+  QStringList statusAtEachPointer;
+  recorder->onPointer = [&] { statusAtEachPointer.append(statusPanel(*viewer)); };
+  server.resultSets = {{record("1", "CS")}};
+  click(*viewer, "btQuery");
+  EXPECT_THAT(recorder->pointers, ElementsAre(Pointer::hourglass, Pointer::standard));
+  EXPECT_EQ(statusAtEachPointer, (QStringList{"", "Querying Database Please Wait...."}));
+  EXPECT_EQ(statusPanel(*viewer), "");
+}
+
 TEST_F(QueryTest, TheCountFollowsTheCurrentTab) {
   const auto viewer = shownViewer();
   server.resultSets = {{record("1", "CS"), record("2", "RT"), record("3", "RT")}};
@@ -285,6 +340,30 @@ TEST_F(QueryTest, TheListOfTheCurrentTabIsSortedTheOthersStayAsTheyCame) {
   click(*viewer, "btQuery");
   EXPECT_EQ(column(*viewer, 2), "1 2 3");
   EXPECT_EQ(column(*viewer, 0), "3 1 2");
+}
+
+TEST_F(QueryTest, OnTheCustomPageItsListIsTheOneThatIsSorted) {
+  const auto viewer = shownViewer();
+  auto& custom = static_cast<control::ResultListModel&>(*list(*viewer, 5)->model());
+  custom.setColumns([](results::ResultList& filled) {
+    filled.setColumns({results::ColumnHeader{"Nr", {1440}}});
+    auto store = std::make_shared<results::RowStore>();
+    const std::vector<db::Field> fields{{"Nr"}};
+    store->beginResult(fields);
+    std::vector<results::RowId> ids;
+    for (const char* number : {"3", "1", "2"}) ids.push_back(store->append(std::vector<db::Cell>{{number}}));
+    filled.setRows(store, ids);
+  });
+  selectTab(*viewer, 5);
+  const ModelWatch watch(&custom);
+  const QPersistentModelIndex three = custom.index(0, 0);
+  server.resultSets = {{record("30", "RT"), record("10", "RT"), record("20", "RT")}};
+  viewer->TriggerQuery();
+  EXPECT_EQ(column(*viewer, 5), "1 2 3");
+  EXPECT_EQ(three.row(), 2);
+  EXPECT_TRUE(list(*viewer, 5)->horizontalHeader()->isSortIndicatorShown());
+  EXPECT_EQ(column(*viewer, 0), "30 10 20");
+  EXPECT_FALSE(list(*viewer, 0)->horizontalHeader()->isSortIndicatorShown());
 }
 
 TEST_F(LockTest, LockedElementsAreThoseThatNeedADatabase) {

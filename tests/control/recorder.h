@@ -36,12 +36,18 @@ class Recorder final : public control::ControlServices {
     offeredFont = current;
     return chosenFont;
   }
-  [[nodiscard]] bool hasForm(const QString& name) const override { return forms.contains(name); }
+  [[nodiscard]] bool hasForm(const QString& name) const override {
+    if (onFormAsked) onFormAsked();
+    return forms.contains(name);
+  }
   void showForm(QWidget*, const QString& name) override {
     shownForms.append(name);
     if (onForm) onForm();
   }
-  void setPointer(control::Pointer pointer) override { pointers.push_back(pointer); }
+  void setPointer(control::Pointer pointer) override {
+    pointers.push_back(pointer);
+    if (onPointer) onPointer();
+  }
 
   std::vector<ShownMessage> messages;
   QList<QWidget*> owners;
@@ -49,9 +55,11 @@ class Recorder final : public control::ControlServices {
   std::optional<QFont> chosenFont;
   QFont offeredFont;
   QSet<QString> forms;
+  std::function<void()> onFormAsked;
   QStringList shownForms;
   std::function<void()> onForm;
   std::vector<control::Pointer> pointers;
+  std::function<void()> onPointer;
 };
 
 }  // namespace korvel::test

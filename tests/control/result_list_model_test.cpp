@@ -225,5 +225,22 @@ TEST_F(ListView, CopyTakesTheSelectedRowsAsTheyAreShown) {
   EXPECT_EQ(view.selectedText(), "a\nc\n");
 }
 
+TEST_F(ListView, CopyQuotesCellsThatWouldBreakTheLines) {
+  fill({{"1", "two\nlines"},
+        {"2", "a\ttab"},
+        {"3", "\r"},
+        {"4", "\"so\" he said"},
+        {"5", "a \"word\""},
+        {"6", "x\n\"y\""}});
+  view.selectAll();
+  EXPECT_EQ(view.selectedText(),
+            "1\t\"two\nlines\"\n"
+            "2\t\"a\ttab\"\n"
+            "3\t\"\r\"\n"
+            "4\t\"\"\"so\"\" he said\"\n"
+            "5\ta \"word\"\n"
+            "6\t\"x\n\"\"y\"\"\"\n");
+}
+
 }  // namespace
 }  // namespace korvel::control

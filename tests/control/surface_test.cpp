@@ -2,8 +2,12 @@
 #include <QFontInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QTabBar>
+#include <QVBoxLayout>
 
+#include "control/elided_label.h"
 #include "control/look/result_table.h"
+#include "control/status_panels.h"
 #include "tests/control/viewer_fixture.h"
 
 namespace korvel::test {
@@ -52,6 +56,42 @@ TEST_F(Surface, ListsLieWhollyInTheirPages) {
   }
 }
 
+/// Every list lies in its page, which begins below the tabs.
+void expectListsBelowTheTabs(const AuditViewer& viewer, const char* when) {
+  auto* tabs = viewer.findChild<QTabWidget*>("SSTab1");
+  const int tabsEnd = inViewer(tabs->tabBar(), viewer).bottom();
+  for (int i = 0; i < 6; ++i) {
+    tabs->setCurrentIndex(i);
+    QCoreApplication::processEvents();
+    const auto* shown = viewer.findChild<QTableView*>(QStringLiteral("lvListView%1").arg(i));
+    EXPECT_TRUE(shown->parentWidget()->rect().contains(shown->geometry())) << when << ' ' << i;
+    EXPECT_GT(inViewer(shown->horizontalHeader(), viewer).top(), tabsEnd) << when << ' ' << i;
+    EXPECT_GT(shown->height(), 300) << when << ' ' << i;
+  }
+  tabs->setCurrentIndex(0);
+}
+
+TEST_F(Surface, ListsLieBelowTheTabsInEveryFont) {
+  for (const int points : {7, 10, 18, 30}) {
+    QFont font = QApplication::font();
+    font.setPointSize(points);
+    const auto before = newViewer();
+    before->setFont(font);
+    before->resize(1200, 800);
+    before->show();
+    expectListsBelowTheTabs(*before, "set before it is shown");
+
+    const auto after = shownViewer();
+    after->setFont(font);
+    QCoreApplication::processEvents();
+    expectListsBelowTheTabs(*after, "set while it is shown");
+    after->setFont(QApplication::font());
+    QCoreApplication::processEvents();
+    expectListsBelowTheTabs(*after, "set back");
+    EXPECT_NEAR(list(*after, 0)->height(), element(*after, "SSTab1")->height() - pixels(*after, 600), 1);
+  }
+}
+
 TEST_F(Surface, HidingTheSideToolsGivesTheirStripToTheTabs) {
   const auto viewer = shownViewer();
   const auto* tabs = element(*viewer, "SSTab1");
@@ -82,17 +122,46 @@ TEST_F(Surface, TooSmallLeavesTheLastValidSizeAndGrowingRestoresTheRule) {
 
 TEST_F(Surface, NothingOfTheStripOverlapsAtAnySize) {
   const auto viewer = shownViewer();
-  for (int height = 10; height <= 900; height += 15) {
-    viewer->resize(1000, height);
-    const QRect filter = element(*viewer, "frameFilter")->geometry();
-    const QRect tools = element(*viewer, "frameTools")->geometry();
-    ASSERT_FALSE(filter.intersects(tools)) << height;
-    ASSERT_FALSE(filter.intersects(element(*viewer, "SSTab1")->geometry())) << height;
-    const QWidget* tree = element(*viewer, "tvTreeView");
-    for (const char* below : {"btDateRangeFilter", "btClearDateRange", "lblDateRange"}) {
-      const QRect other = inViewer(element(*viewer, below), *viewer);
-      ASSERT_FALSE(inViewer(tree, *viewer).intersects(other)) << below << ' ' << height;
-      ASSERT_TRUE(filter.contains(other)) << below << ' ' << height;
+  const QWidget* tree = element(*viewer, "tvTreeView");
+  const QWidget* tabs = element(*viewer, "SSTab1");
+  for (const int width : {40, 200, 260, 400, 700, 1000, 1500}) {
+    for (int height = 10; height <= 900; height += 15) {
+      SCOPED_TRACE(QStringLiteral("%1x%2").arg(width).arg(height).toStdString());
+      viewer->resize(width, height);
+      const QRect filter = element(*viewer, "frameFilter")->geometry();
+      const QRect tools = element(*viewer, "frameTools")->geometry();
+      ASSERT_FALSE(filter.intersects(tools));
+      ASSERT_FALSE(filter.intersects(tabs->geometry()));
+      ASSERT_FALSE(tools.intersects(tabs->geometry()));
+      for (const char* below : {"btDateRangeFilter", "btClearDateRange", "lblDateRange"}) {
+        const QRect other = inViewer(element(*viewer, below), *viewer);
+        ASSERT_FALSE(inViewer(tree, *viewer).intersects(other)) << below;
+        ASSERT_TRUE(filter.contains(other)) << below;
+      }
+    }
+  }
+}
+
+TEST_F(Surface, NothingLiesOverTheStatusBarAtAnySize) {
+  const auto viewer = shownViewer();
+  const QWidget* status = element(*viewer, "StatusBar1");
+  const QWidget* tabs = element(*viewer, "SSTab1");
+  for (const int width : {40, 200, 260, 400, 700, 1000, 1500}) {
+    for (int height = 10; height <= 900; height += 15) {
+      SCOPED_TRACE(QStringLiteral("%1x%2").arg(width).arg(height).toStdString());
+      viewer->resize(width, height);
+      const QRect bar = status->geometry() & viewer->rect();
+      ASSERT_FALSE(bar.isEmpty());
+      for (int x = bar.left(); x <= bar.right(); x += 13) {
+        for (const int y : {bar.top(), bar.center().y(), bar.bottom()}) {
+          const QWidget* seen = viewer->childAt(x, y);
+          ASSERT_TRUE(seen == status || status->isAncestorOf(seen)) << x << ',' << y;
+        }
+      }
+      // Too low for the rule, the tabs keep their last height and reach under the bar.
+      if (height > status->height() + pixels(*viewer, 150)) {
+        ASSERT_FALSE(tabs->geometry().intersects(status->geometry()));
+      }
     }
   }
 }
@@ -103,6 +172,50 @@ TEST_F(Surface, AtItsSmallestSizeTheWholeStripIsInSight) {
   const QRect tools = element(*viewer, "frameTools")->geometry();
   EXPECT_LE(tools.bottom(), element(*viewer, "StatusBar1")->y());
   EXPECT_GT(element(*viewer, "SSTab1")->width(), 100);
+}
+
+TEST_F(Surface, TheSmallestSizeLeavesOutAStripThatIsNotShown) {
+  QWidget host;
+  auto* layout = new QVBoxLayout(&host);
+  auto* viewer = new AuditViewer(&host);
+  layout->addWidget(viewer);
+  host.resize(1200, 800);
+  host.show();
+  const QSize withStrip = host.minimumSizeHint();
+  viewer->setViewSideTools(false);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(host.minimumSizeHint().width(), withStrip.width() - pixels(*viewer, 3720));
+  EXPECT_LT(host.minimumSizeHint().height(), withStrip.height());
+  host.resize(10, 10);
+  EXPECT_LT(host.width(), withStrip.width());
+  EXPECT_GT(list(*viewer, 0)->height(), 100);
+  viewer->setViewSideTools(true);
+  EXPECT_EQ(host.minimumSizeHint(), withStrip);
+}
+
+TEST_F(Surface, AStatusTextThatIsCutEndsInDotsAndIsWholeInItsTooltip) {
+  const QString text = "a sentence that is much longer than a narrow window has room for in its status bar";
+  const auto viewer = shownViewer();
+  auto& bar = *element<control::StatusPanels>(*viewer, "StatusBar1");
+  auto& label = *element<control::ElidedLabel>(*viewer, "Status");
+  bar.setStatus(text);
+  EXPECT_EQ(label.toolTip(), "");
+  EXPECT_EQ(label.shownText(), text);
+
+  viewer->resize(400, 600);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(bar.status(), text);
+  EXPECT_EQ(label.toolTip(), text);
+  const QString shown = label.shownText();
+  EXPECT_TRUE(shown.endsWith(QChar(0x2026))) << shown.toStdString();
+  EXPECT_TRUE(text.startsWith(shown.chopped(1))) << shown.toStdString();
+  // What is said to be shown is what is painted.
+  const QImage cut = label.grab().toImage();
+  bar.setStatus(shown);
+  EXPECT_EQ(label.toolTip(), "");
+  EXPECT_EQ(label.grab().toImage(), cut);
+  bar.setStatus("");
+  EXPECT_NE(label.grab().toImage(), cut);
 }
 
 TEST_F(Surface, SideTextsFitInEveryLanguage) {
@@ -182,12 +295,15 @@ TEST_F(Surface, TheChosenFontGoesToAllSixLists) {
   const auto viewer = shownViewer();
   QFont chosen("DejaVu Sans Mono", 12);
   chosen.setItalic(true);
+  chosen.setBold(true);
+  ASSERT_FALSE(list(*viewer, 0)->font().bold());
   recorder->chosenFont = chosen;
   viewer->ChangeFont();
   for (int i = 0; i < 6; ++i) {
     EXPECT_EQ(list(*viewer, i)->font().family(), "DejaVu Sans Mono") << i;
     EXPECT_EQ(list(*viewer, i)->font().pointSizeF(), 12) << i;
     EXPECT_TRUE(list(*viewer, i)->font().italic()) << i;
+    EXPECT_TRUE(list(*viewer, i)->font().bold()) << i;
   }
   recorder->chosenFont.reset();
   viewer->ChangeFont();

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <system_error>
 
 #include "base/whole_file.h"
 #include "tests/support/temporary_folder.h"
@@ -71,8 +71,24 @@ TEST_F(FormFileTest, AnUnchangedFormIsNotWrittenAgain) {
 
 TEST_F(FormFileTest, WhereItCannotBeWrittenThereIsAReason) {
   write("a file, not a folder");
-  FormFile file = form("form.json/form.json");
-  EXPECT_NE(file.save({{"DatabaseType", 1}}), "");
+  const QString noFolder = QString::fromStdString(std::make_error_code(std::errc::not_a_directory).message());
+  for (const char* name : {"form.json/form.json", "form.json/below/a/form.json"}) {
+    FormFile file = form(name);
+    EXPECT_EQ(file.save({{"DatabaseType", 1}}), noFolder) << name;
+  }
+}
+
+TEST_F(FormFileTest, WhatTheControlDoesNotKnowStaysInTheFile) {
+  write(R"({"DatabaseType": 1, "DefaultSQLServer": "S", "Notes": {"by": ["A", 2.5]}})");
+  FormFile file = form();
+  ASSERT_EQ(file.load(english), "");
+  // What equals its default is not saved, and must not stay either.
+  EXPECT_EQ(file.save({{"ViewSideTools", false}, {"DefaultSQLServer", "T"}}), "");
+  FormFile again = form();
+  ASSERT_EQ(again.load(english), "");
+  EXPECT_EQ(again.properties(), (QVariantMap{{"ViewSideTools", false},
+                                             {"DefaultSQLServer", "T"},
+                                             {"Notes", QVariantMap{{"by", QVariantList{"A", 2.5}}}}}));
 }
 
 }  // namespace

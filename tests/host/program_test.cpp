@@ -2,10 +2,11 @@
 #include <sqlite3.h>
 
 #include <QImage>
+#include <QMap>
 #include <QProcess>
 #include <QProcessEnvironment>
 
-#include "query/audit_record.h"
+#include "base/whole_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::host {
@@ -20,13 +21,15 @@ class Program : public ::testing::Test {
     QString errors;
   };
 
-  Result run(const QStringList& arguments) {
+  Result run(const QStringList& arguments, const QMap<QString, QString>& variables = {}) {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "QT_SCALE_FACTOR"})
       environment.remove(name);
     environment.insert("KORVEL_REGISTRY", path("settings.reg"));
     environment.insert("XDG_CONFIG_HOME", path("config"));
+    for (auto variable = variables.begin(); variable != variables.end(); ++variable)
+      environment.insert(variable.key(), variable.value());
     process.setProcessEnvironment(environment);
     process.start(KORVEL_HOST, arguments);
     EXPECT_TRUE(process.waitForFinished(60000));
@@ -56,6 +59,21 @@ class Program : public ::testing::Test {
   test::TemporaryFolder folder;
 };
 
+/// How many lines of text stand below each other in the part of a picture: stretches of pixel rows that are not of one
+/// colour.
+int linesOfText(const QImage& picture, const QRect& part) {
+  int lines = 0;
+  bool inLine = false;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    bool ink = false;
+    for (int x = part.left(); x <= part.right() && !ink; ++x)
+      ink = picture.pixel(x, y) != picture.pixel(part.topLeft().x(), y);
+    if (ink && !inLine) ++lines;
+    inLine = ink;
+  }
+  return lines;
+}
+
 TEST_F(Program, HelpAndVersionNeedNoDisplay) {
   const Result help = run({"--help"});
   EXPECT_EQ(help.status, 0);
@@ -83,7 +101,10 @@ TEST_F(Program, AShotIsThePictureOfTheAnswer) {
   const Result result = run(shot({"--size", "900x500"}));
   EXPECT_EQ(result.status, 0) << result.errors.toStdString();
   const QImage picture(path("shot.png"), "PNG");
-  EXPECT_EQ(picture.size(), QSize(900, 500));
+  ASSERT_EQ(picture.size(), QSize(900, 500));
+  // Below the headers, the part of the first column that no line of the grid crosses.
+  const QRect firstColumn(265, 90, 60, 340);
+  EXPECT_GE(linesOfText(picture, firstColumn), 8);
   EXPECT_FALSE(std::filesystem::exists(folder / "config" / "korvel" / "viewer-form.json"));
 }
 
@@ -92,7 +113,33 @@ TEST_F(Program, AShotWithoutRecordsIsTakenAndSaysSo) {
   const Result result = run(shot());
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(result.errors.contains("No records found for filter criteria"));
-  EXPECT_FALSE(QImage(path("shot.png")).isNull());
+  const QImage picture(path("shot.png"), "PNG");
+  ASSERT_FALSE(picture.isNull());
+  EXPECT_EQ(linesOfText(picture, QRect(265, 90, 60, 340)), 0);
+}
+
+TEST_F(Program, AShotNeedsNoDisplayThatAnswers) {
+  writeDatabase(1);
+  const Result result = run(shot(), {{"DISPLAY", ":77"}});
+  EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+}
+
+TEST_F(Program, APlatformIsAskedForWithOneDashOrTwo) {
+  writeDatabase(1);
+  for (const char* option : {"-platform", "--platform"}) {
+    const Result result = run(shot({option, "minimal"}));
+    EXPECT_EQ(result.status, 0) << option << ' ' << result.errors.toStdString();
+  }
+}
+
+TEST_F(Program, SettingsThatCannotBeReadAreNoEmptyAnswer) {
+  writeDatabase(1);
+  writeWholeFile(folder / "settings.reg", "no settings at all");
+  const Result result = run(shot());
+  EXPECT_EQ(result.status, 3);
+  EXPECT_TRUE(result.errors.contains(":Error in Initialize.  Error Message: ")) << result.errors.toStdString();
+  EXPECT_FALSE(result.errors.contains("No search criteria selected")) << result.errors.toStdString();
+  EXPECT_FALSE(std::filesystem::exists(folder / "shot.png"));
 }
 
 TEST_F(Program, AFailedQueryHasAReasonAndNoPicture) {
