@@ -215,7 +215,7 @@ void AuditViewer::Members::TriggerQuery() {
                                      surroundings().connect, lists, sorted);
   }
   if (customPage && report.outcome == query::QueryOutcome::filled)
-    skipFailing([&] { surface.models.at(query::customList)->sort(); });
+    skipFailing([&] { surface.models.at(query::customList)->sortRows(); });
   for (control::ResultListView* list : surface.lvListView) list->showSortIcon();
 
   const bool limitWasShown = std::exchange(rowLimitReached_, report.fullResults > 0);

@@ -60,7 +60,7 @@ void ResultListModel::clickColumn(int column) {
   Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 
-void ResultListModel::sort() {
+void ResultListModel::sortRows() {
   reorder([&] { list_.sort(); });
 }
 

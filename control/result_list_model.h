@@ -32,7 +32,7 @@ class ResultListModel final : public QAbstractTableModel {
   void clickColumn(int column);
 
   /// Switches sorting on with the list's own key and order; like clickColumn otherwise.
-  void sort();
+  void sortRows();
 
   /// While it lives, the list may be given other rows by anyone; views look again when it goes.
   class RowsChange {

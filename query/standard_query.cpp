@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "results/out_of_memory.h"
 #include "results/row_store.h"
 
 namespace korvel::query {
@@ -13,8 +14,7 @@ namespace {
 
 constexpr std::string_view routingColumn = "AuditType";
 
-// Numbers of failures that no engine numbers, as the control's users know them from its other messages.
-constexpr std::int32_t outOfMemory = 7;
+// For failures that no engine numbers, as the control's users know it from its other messages.
 constexpr std::int32_t internalError = 51;
 
 constexpr std::string_view truthText(bool value) noexcept {
@@ -96,7 +96,7 @@ std::optional<Error> failureOf(const Step& step) {
   } catch (const Error& error) {
     return error;
   } catch (const std::bad_alloc&) {
-    return explained(outOfMemory, "Out of memory", "query.outOfMemory");
+    return explained(results::outOfMemoryNumber, "Out of memory", "query.outOfMemory");
   } catch (const std::exception& exception) {
     return Error(internalError, exception.what());
   } catch (...) {
@@ -152,7 +152,8 @@ QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, con
   const std::size_t fullResults = sink->fullResults();
   const auto unfilled = failureOf([&] {
     sink->fill(lists);
-    if (currentList < lists.size()) lists[currentList].sort();
+    // A list whose sorting is on has sorted its new rows already.
+    if (currentList < lists.size() && !lists[currentList].isSorted()) lists[currentList].sort();
   });
   if (unfilled) {
     clearStandardLists(lists);

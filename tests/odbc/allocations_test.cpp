@@ -1,40 +1,5 @@
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 #include "tests/odbc/wire.h"
-
-namespace {
-std::atomic<std::size_t> allocations{0};
-}
-
-// Every allocation of this program passes here and is counted.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  ++allocations;
-  return std::malloc(size == 0 ? 1 : size);
-}
-void* operator new(std::size_t size) {
-  if (void* const memory = operator new(size, std::nothrow)) return memory;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) {
-  return operator new(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
-  return operator new(size, tag);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::test {
 namespace {
@@ -44,7 +9,7 @@ class CountingSink final : public db::ResultSink {
  public:
   void beginResult(std::span<const db::Field>) override { counts.reserve(5000); }
   bool row(std::span<const db::Cell> cells) override {
-    counts.push_back(allocations);
+    counts.push_back(allocationCount());
     for (const db::Cell& cell : cells) bytes += cell.text.size();
     return true;
   }

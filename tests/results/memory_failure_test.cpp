@@ -8,8 +8,8 @@
 #include "results/out_of_memory.h"
 #include "results/result_list.h"
 #include "results/row_sink.h"
-#include "tests/results/failing_allocations.h"
 #include "tests/results/stored_rows.h"
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::results::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/results/failing_allocations.h"
+#include "tests/support/watched_allocations.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -6,10 +6,12 @@
 
 namespace {
 
+std::atomic<std::size_t> allocations{0};
 std::atomic<bool> limited{false};
 std::atomic<std::size_t> left{0};
 
 bool mayAllocate() noexcept {
+  ++allocations;
   if (!limited) return true;
   std::size_t now = left;
   while (now != 0 && !left.compare_exchange_weak(now, now - 1)) continue;
@@ -18,7 +20,8 @@ bool mayAllocate() noexcept {
 
 }  // namespace
 
-// The program's own operator new: nothing else lets a test run out of memory at a place of its choice.
+// The program's own operator new: nothing else counts every allocation, or lets a test run out of memory at a place of
+// its choice.
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
   return mayAllocate() ? std::malloc(bytes == 0 ? 1 : bytes) : nullptr;
 }
@@ -47,6 +50,10 @@ void operator delete[](void* memory, std::size_t) noexcept {
 }
 
 namespace korvel::test {
+
+std::size_t allocationCount() noexcept {
+  return allocations;
+}
 
 FailingAllocations::FailingAllocations(std::size_t successes) noexcept {
   left = successes;
