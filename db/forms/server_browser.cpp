@@ -220,16 +220,16 @@ bool frmSQLServerBrowser::eventFilter(QObject* watched, QEvent* event) {
   if ((watched == txtServer_ || watched == btServer_) && enterTyped(*event)) return true;
   if (watched == lvListView_ && startInList(*event)) return true;
   if (watched == imgSplitterV_) {
-    const auto* mouse = static_cast<QMouseEvent*>(event);
+    const auto mouse = [event]() -> const QMouseEvent& { return static_cast<const QMouseEvent&>(*event); };
     switch (event->type()) {
       case QEvent::MouseButtonPress:
-        if (mouse->button() == Qt::LeftButton) imgSplitterV_MouseDown();
+        if (mouse().button() == Qt::LeftButton) imgSplitterV_MouseDown();
         return true;
       case QEvent::MouseMove:
-        imgSplitterV_MouseMove(mouse->position().toPoint().x());
+        imgSplitterV_MouseMove(mouse().position().toPoint().x());
         return true;
       case QEvent::MouseButtonRelease:
-        if (mouse->button() == Qt::LeftButton) imgSplitterV_MouseUp();
+        if (mouse().button() == Qt::LeftButton) imgSplitterV_MouseUp();
         return true;
       default:
         break;
