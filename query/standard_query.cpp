@@ -6,7 +6,7 @@
 
 #include "base/text.h"
 #include "results/out_of_memory.h"
-#include "results/row_store.h"
+#include "results/store_filler.h"
 
 namespace korvel::query {
 
@@ -38,12 +38,12 @@ class SpreadingSink final : public db::ResultSink {
     auditType_.reset();
     for (std::size_t i = 0; i < fields.size() && !auditType_; ++i)
       if (equalsIgnoringAsciiCase(fields[i].name, routingColumn)) auditType_ = i;
-    store_->beginResult(fields);
+    filler_.beginResult(fields);
   }
 
   bool row(std::span<const db::Cell> cells) override {
     if (firstResultEmpty_) return false;
-    const results::RowId id = store_->append(cells);
+    const results::RowId id = filler_.append(cells);
     rows_[0].push_back(id);
     if (auditType_ && *auditType_ < cells.size())
       if (const auto list = listOfAuditType(withoutPadding(cells[*auditType_].text))) rows_[*list].push_back(id);
@@ -58,8 +58,11 @@ class SpreadingSink final : public db::ResultSink {
   [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
   [[nodiscard]] std::size_t fullResults() const noexcept { return fullResults_; }
 
+  /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
+  void finish() { filler_.finish(); }
+
   void fill(ResultLists& lists) {
-    const std::shared_ptr<const results::RowStore> store = std::move(store_);
+    const std::shared_ptr<const results::RowStore> store = filler_.takeStore();
     for (std::size_t i = 0; i < rows_.size(); ++i) lists[i].setRows(store, std::move(rows_[i]));
   }
 
@@ -68,7 +71,7 @@ class SpreadingSink final : public db::ResultSink {
     if (resultCount_ == 1 && rowsOfResult_ == 0) firstResultEmpty_ = true;
   }
 
-  std::shared_ptr<results::RowStore> store_ = std::make_shared<results::RowStore>();
+  results::StoreFiller filler_;
   std::array<std::vector<results::RowId>, standardListCount> rows_;
   std::optional<std::size_t> auditType_;
   std::size_t resultCount_ = 0;
@@ -144,6 +147,7 @@ QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, con
     const auto connection = connect(connectionString);
     if (!connection) throw explained(internalError, "Internal error", "query.internalError");
     connection->execute(call, *sink);
+    sink->finish();
   });
   if (sink && sink->firstResultEmpty()) return {QueryOutcome::noRecords, std::nullopt, 0};
   if (broken) return {QueryOutcome::failed, broken, 0};

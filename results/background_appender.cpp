@@ -21,6 +21,11 @@ BackgroundAppender::~BackgroundAppender() {
   thread_.join();
 }
 
+void BackgroundAppender::beginResult(std::span<const db::Field> fields) {
+  handOver();
+  current().begins.emplace(fields.begin(), fields.end());
+}
+
 void BackgroundAppender::append(std::span<const db::Cell> cells) {
   std::size_t bytes = 0;
   for (const db::Cell& cell : cells) bytes += cell.text.size();
@@ -30,10 +35,7 @@ void BackgroundAppender::append(std::span<const db::Cell> cells) {
     store_.append(cells);
     return;
   }
-  if (current().used + bytes > batchBytes || current().rowEnds.size() == batchRows) {
-    handOver();
-    waitForFreeBatch();
-  }
+  if (current().used + bytes > batchBytes || current().rowEnds.size() == batchRows) handOver();
   copyInto(current(), cells);
 }
 
@@ -57,27 +59,26 @@ void BackgroundAppender::copyInto(Batch& batch, std::span<const db::Cell> cells)
 }
 
 void BackgroundAppender::handOver() {
-  {
-    const std::lock_guard lock(mutex_);
-    ++handedOver_;
-  }
-  changed_.notify_all();
-}
-
-void BackgroundAppender::waitForFreeBatch() {
+  const bool anything = current().begins || !current().rowEnds.empty();
   std::unique_lock lock(mutex_);
+  if (anything) {
+    ++handedOver_;
+    changed_.notify_all();
+  }
   changed_.wait(lock, [this] { return handedOver_ - appended_ < batchCount || failure_ != nullptr; });
   if (failure_ != nullptr) std::rethrow_exception(failure_);
 }
 
 void BackgroundAppender::finish() {
-  if (!current().rowEnds.empty()) handOver();
+  handOver();
   std::unique_lock lock(mutex_);
   changed_.wait(lock, [this] { return handedOver_ == appended_ || failure_ != nullptr; });
   if (failure_ != nullptr) std::rethrow_exception(failure_);
 }
 
 void BackgroundAppender::appendAll(Batch& batch) {
+  if (batch.begins) store_.beginResult(*batch.begins);
+  batch.begins.reset();
   std::size_t begin = 0;
   for (const std::size_t end : batch.rowEnds) {
     store_.append(std::span{batch.cells}.subspan(begin, end - begin));

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <thread>
 #include <vector>
@@ -28,6 +29,8 @@ class BackgroundAppender {
   BackgroundAppender(const BackgroundAppender&) = delete;
   BackgroundAppender& operator=(const BackgroundAppender&) = delete;
 
+  /// Starts a result set of these fields behind the rows that came before. Fails like append.
+  void beginResult(std::span<const db::Field> fields);
   /// Takes a copy of the row. Throws the Error that an earlier row failed with, or std::bad_alloc.
   void append(std::span<const db::Cell> cells);
   /// Waits until every row is in the store; throws the Error that one of them failed with.
@@ -38,6 +41,7 @@ class BackgroundAppender {
   struct Batch {
     HeapBytes texts;
     std::size_t used = 0;
+    std::optional<std::vector<db::Field>> begins;  ///< the result set that starts with the first row
     std::vector<db::Cell> cells;
     std::vector<std::size_t> rowEnds;  ///< for each row the number of cells up to its end
   };
@@ -47,8 +51,8 @@ class BackgroundAppender {
 
   [[nodiscard]] Batch& current() noexcept { return batches_[handedOver_ % batchCount]; }
   void copyInto(Batch& batch, std::span<const db::Cell> cells);
+  /// Hands the current batch over if there is anything in it, and waits until the next one is free.
   void handOver();
-  void waitForFreeBatch();
   void work();
   void appendAll(Batch& batch);
 

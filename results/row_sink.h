@@ -7,20 +7,15 @@
 
 #include "db/connection.h"
 #include "results/row_store.h"
+#include "results/store_filler.h"
 
 namespace korvel::results {
 
-class BackgroundAppender;
-
 /// Collects a whole answer into a RowStore. The first result set of `firstOnly` sinks is the only one that is kept.
-/// A long answer is appended by a second thread while the next rows are read; whoever owns the sink sees nothing of it:
-/// when a result set has ended all of its rows are in the store, or the call throws Error.
+/// When a result set has ended all of its rows are in the store, or the call has thrown Error.
 class RowSink final : public db::ResultSink {
  public:
-  explicit RowSink(bool firstOnly = false);
-  ~RowSink() override;
-  RowSink(const RowSink&) = delete;
-  RowSink& operator=(const RowSink&) = delete;
+  explicit RowSink(bool firstOnly = false) : firstOnly_(firstOnly) {}
 
   void beginResult(std::span<const db::Field> fields) override;
   bool row(std::span<const db::Cell> cells) override;
@@ -33,18 +28,15 @@ class RowSink final : public db::ResultSink {
   /// The fields of the first result set.
   [[nodiscard]] const std::vector<db::Field>& firstFields() const noexcept { return firstFields_; }
   /// Only between result sets, and not after takeStore() until the next one has begun.
-  [[nodiscard]] RowStore& store() noexcept { return *store_; }
+  [[nodiscard]] RowStore& store() { return filler_.store(); }
   /// Hands the store over; the sink is empty afterwards and takes another answer.
   [[nodiscard]] std::shared_ptr<const RowStore> takeStore();
 
  private:
-  void startAppender();
-
   bool firstOnly_;
-  std::shared_ptr<RowStore> store_ = std::make_shared<RowStore>();
+  StoreFiller filler_;
   std::vector<std::size_t> firstRows_;
   std::vector<db::Field> firstFields_;
-  std::unique_ptr<BackgroundAppender> appender_;  // ends before the store does
 };
 
 }  // namespace korvel::results
