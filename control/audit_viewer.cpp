@@ -51,8 +51,14 @@ bool AuditViewer::ViewToolBar() const {
 }
 
 void AuditViewer::setViewToolBar(bool value) {
+  const QPointer<AuditViewer> alive(this);
   members_->properties.ViewToolBar = value;
   Q_EMIT PropertyChanged(QStringLiteral("ViewToolBar"));
+  if (!alive) return;
+  members_->surface.SmartToolbar->setVisible(value);
+  // A toolbar that is hidden leaves its room to what lies below it.
+  members_->surface.arrange(members_->properties.ViewSideTools);
+  updateGeometry();
 }
 
 QString AuditViewer::DefaultSQLServer() const {
@@ -126,13 +132,19 @@ void AuditViewer::SelectDatabase() {
   members_->trapped("SelectDatabase", [this] { members_->SelectDatabase(); });
 }
 void AuditViewer::UnlockControls() {
-  members_->setLocked(false);
+  members_->trapped("UnlockControls", [this] { members_->UnlockControls(); });
 }
 void AuditViewer::LockControls() {
-  members_->setLocked(true);
+  members_->trapped("LockControls", [this] { members_->LockControls(); });
 }
 void AuditViewer::ViewTools(bool visable) {
   members_->ViewTools(visable);
+}
+void AuditViewer::BuildMenu() {
+  members_->BuildMenu();
+}
+void AuditViewer::BuildToolbar() {
+  members_->BuildToolbar();
 }
 void AuditViewer::ShowKeyField(bool vis) {
   members_->ShowKeyField(vis);
@@ -142,12 +154,30 @@ void AuditViewer::ListViewColSetup() {
   members_->trapped("ListViewColSetup", [this] { members_->ListViewColSetup(); });
 }
 
+void AuditViewer::BuildPopup(const QString& PopupItem) {
+  members_->BuildPopup(PopupItem);
+}
+
+void AuditViewer::SwitchLanguage() {
+  members_->trapped("SwitchLanguage", [this] { members_->SwitchLanguage(); });
+}
+
 void AuditViewer::BuildMisc() {
   members_->BuildMisc();
 }
 
 void AuditViewer::OpenDefaultSQLServer() {
   members_->trapped("OpenDefaultSQLServer", [this] { members_->OpenDefaultSQLServer(); });
+}
+
+void AuditViewer::HelpContents() {
+  members_->trapped("HelpContents", [this] { members_->HelpContents(); });
+}
+void AuditViewer::HelpSearch() {
+  members_->trapped("HelpSearch", [this] { members_->HelpSearch(); });
+}
+void AuditViewer::ShowAbout() {
+  members_->trapped("ShowAbout", [this] { members_->ShowAbout(); });
 }
 
 void AuditViewer::showEvent(QShowEvent* event) {

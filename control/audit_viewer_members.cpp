@@ -7,9 +7,13 @@
 #include <utility>
 
 #include "base/error.h"
+#include "control/commands/command_tables.h"
+#include "control/help_file.h"
+#include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
 #include "settings/explained_error.h"
+#include "settings/registry.h"
 #include "settings/stored_language.h"
 
 namespace korvel {
@@ -18,11 +22,13 @@ using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
 using control::MessageIcon;
+using control::skipFailing;
 using control::surroundings;
 
 namespace {
 
 const QString browserForm = QStringLiteral("frmSQLServerBrowser");
+const QString aboutForm = QStringLiteral("frmAbout");
 const QString dateRangeForm = QStringLiteral("frmAdvancedFilters");
 const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
 // Deliberately not the title of the other messages.
@@ -54,15 +60,6 @@ class StatusText {
   QPointer<control::StatusPanels> panels_;
 };
 
-/// A step of a builder: a failure leaves this step undone and the next one runs.
-void skipFailing(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const std::exception&) {
-    return;
-  }
-}
-
 QDate toQDate(const std::chrono::year_month_day& day) {
   return QDate(int(day.year()), static_cast<int>(unsigned(day.month())), static_cast<int>(unsigned(day.day())));
 }
@@ -77,6 +74,8 @@ AuditViewer::Members::Members(AuditViewer& viewer)
     : lists(listsWithoutColumns()), surface(viewer, lists, filterTree), viewer_(viewer) {
   fillLockTable();
   connectHandlers();
+  connectCommands();
+  connectContextMenus();
   instances().push_back(this);
 }
 
@@ -112,9 +111,11 @@ void AuditViewer::Members::Initialize() {
   libraryState().language = settings::storedLanguage(*backend);
 
   ListViewColSetup();
+  BuildMenu();
+  BuildToolbar();
   BuildMisc();
   // Nothing can be queried until a database is selected, also where another instance has selected one.
-  setLocked(true);
+  LockControls();
   surface.tvTreeView->fill();
   surface.tvTreeView->expandNodes();
   surface.tvTreeView->checkAll();
@@ -125,6 +126,7 @@ void AuditViewer::Members::Initialize() {
 
 void AuditViewer::Members::Show() {
   showDateRange();
+  surface.SmartToolbar->setVisible(properties.ViewToolBar);
   ViewTools(properties.ViewSideTools);
   if (db::namesAServer(properties.DefaultSQLServer.toStdString())) OpenDefaultSQLServer();
 }
@@ -140,12 +142,19 @@ void AuditViewer::Members::connectHandlers() {
   onClick(surface.btDBInfo, &Members::btDBInfo_Click, "btDBInfo_Click");
   onClick(surface.btDateRangeFilter, &Members::btDateRangeFilter_Click, "btDateRangeFilter_Click");
   onClick(surface.btClearDateRange, &Members::btClearDateRange_Click, "btClearDateRange_Click");
-  QObject::connect(surface.btSelectALL, &QAbstractButton::clicked, &viewer_, &AuditViewer::SelectALL);
-  QObject::connect(surface.btUnselectALL, &QAbstractButton::clicked, &viewer_, &AuditViewer::UnselectALL);
+  onClick(surface.btSelectALL, &Members::btSelectALL_Click, "btSelectALL_Click");
+  onClick(surface.btUnselectALL, &Members::btUnselectALL_Click, "btUnselectALL_Click");
   for (control::ResultListView* list : surface.lvListView) {
     QObject::connect(list->header(), &QHeaderView::sectionClicked, &viewer_, [this, list](int column) {
       trapped("lvListView_ColumnClick", [&] { list->clickHeader(column); });
     });
+    QObject::connect(list, &control::ResultListView::recordRequested, &viewer_, [this, list](int row) {
+      trapped("lvListView_DblClick", [&] { lvListView_DblClick(*list, row); });
+    });
+    QObject::connect(list, &control::ResultListView::refused, &viewer_,
+                     [this](const QString& text) { message(MessageIcon::information, messageTitle, text); });
+    QObject::connect(list, &control::ResultListView::noticed, &viewer_,
+                     [this](const QString& text) { surface.StatusBar1->setStatus(text); });
   }
   QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_, [this] { SSTab1_Click(); });
 }
@@ -153,11 +162,9 @@ void AuditViewer::Members::connectHandlers() {
 void AuditViewer::Members::fillLockTable() {
   const auto always = [] { return true; };
   const auto dateRangeFormExists = [] { return surroundings().services->hasForm(dateRangeForm); };
-  // Custom queries have no text box yet, so there is nothing that the button could run on their page.
-  const auto standardPage = [this] { return surface.currentTab() < query::standardListCount; };
   lockTable_ = {
       {surface.frameFilter, always},
-      {surface.btQuery, standardPage},
+      {surface.btQuery, [this] { return canQuery(); }},
       {surface.btClear, always},
       {surface.btSelectALL, always},
       {surface.btUnselectALL, always},
@@ -171,6 +178,13 @@ void AuditViewer::Members::fillLockTable() {
 void AuditViewer::Members::setLocked(bool locked) {
   locked_ = locked;
   enableElements();
+  control::enableToolbarCommands(toolbarItems_, !locked);
+  control::enableMenuCommands(menuItems_, !locked);
+}
+
+// Custom queries have no text box yet, so there is nothing that a query could run on their page.
+bool AuditViewer::Members::canQuery() const {
+  return surface.currentTab() < query::standardListCount;
 }
 
 void AuditViewer::Members::enableElements() {
@@ -290,11 +304,38 @@ void AuditViewer::Members::BuildMisc() {
       row.first->setAccessibleName(loadText(row.second));
     });
   }
+  skipFailing([&] { chooseHelpFile(); });
   skipFailing([&] { nameForAssistance(); });
   skipFailing([&] {
     const QString noRecordsYet = control::ownText("list.empty");
     for (control::ResultListView* list : surface.lvListView) list->setEmptyText(noRecordsYet);
   });
+}
+
+void AuditViewer::Members::chooseHelpFile() {
+  const auto backend = surroundings().openSettings();
+  const std::string viewerPath = settings::Registry(*backend).GetSetting(
+      std::string(settings::applicationName), std::string(settings::viewerSection), "ViewerAppPath", "0");
+  control::chooseHelpFile(libraryState().helpFile, fromUtf8(viewerPath), libraryState().language);
+}
+
+void AuditViewer::Members::openHelp(control::HelpCommand command) {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  // Also where there is no path: it is the viewer of help files that shows nothing then.
+  services->openHelp(&viewer_, libraryState().helpFile, command);
+}
+
+void AuditViewer::Members::HelpContents() {
+  openHelp(control::HelpCommand::contents);
+}
+
+void AuditViewer::Members::HelpSearch() {
+  openHelp(control::HelpCommand::index);
+}
+
+void AuditViewer::Members::ShowAbout() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  services->showForm(&viewer_, aboutForm);
 }
 
 void AuditViewer::Members::nameForAssistance() {
@@ -335,14 +376,14 @@ void AuditViewer::Members::SelectDatabase() {
   if (!libraryState().connection.ConnectionString.empty())
     announceSelection();
   else
-    viewer_.LockControls();
+    LockControls();
 }
 
 void AuditViewer::Members::announceSelection() {
   const QPointer<AuditViewer> alive(&viewer_);
   Q_EMIT viewer_.DatabaseSelected(fromUtf8(db::selectionText(libraryState().connection)));
   if (!alive) return;
-  viewer_.UnlockControls();
+  UnlockControls();
   clearAllLists();
   DisplayNoOfRecords();
 }
@@ -370,6 +411,14 @@ void AuditViewer::Members::btClear_Click() {
   DisplayNoOfRecords();
 }
 
+void AuditViewer::Members::btSelectALL_Click() {
+  viewer_.SelectALL();
+}
+
+void AuditViewer::Members::btUnselectALL_Click() {
+  viewer_.UnselectALL();
+}
+
 void AuditViewer::Members::btDBInfo_Click() {
   message(MessageIcon::information, fromUtf8(db::databaseInformationTitle),
           fromUtf8(db::databaseInformation(libraryState().connection, libraryState().language)));
@@ -388,8 +437,15 @@ void AuditViewer::Members::btClearDateRange_Click() {
   showDateRangeEverywhere();
 }
 
+void AuditViewer::Members::lvListView_DblClick(control::ResultListView& list, int row) {
+  if (recordView_.isNull()) recordView_ = new control::RecordView(&viewer_);
+  recordView_->showRecord(list, row);
+}
+
 void AuditViewer::Members::SSTab1_Click() {
   enableElements();
+  surface.SmartMenu->refresh();
+  surface.SmartToolbar->refresh();
   // The panel speaks of the current tab: it follows when that changes.
   DisplayNoOfRecords();
 }

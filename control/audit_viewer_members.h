@@ -4,9 +4,14 @@
 #include <QPointer>
 #include <exception>
 #include <functional>
+#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "control/commands/command_item.h"
+#include "control/forms/record_view.h"
 #include "control/library_state.h"
 #include "control/stored_properties.h"
 #include "control/surface.h"
@@ -32,21 +37,36 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void ChangeFont();
   void DisplayNoOfRecords();
   void TriggerQuery();
-  void setLocked(bool locked);
+  /// Disable and enable what needs a database. Throw where a command that they reach has not been built.
+  void LockControls() { setLocked(true); }
+  void UnlockControls() { setLocked(false); }
   void ViewTools(bool visable);
+  void BuildMenu();
+  void BuildToolbar();
   void ShowKeyField(bool vis);
+  void BuildPopup(const QString& PopupItem);
+  void SwitchLanguage();
+  /// Sizes one column, or all of them, to their contents; the key columns then are as the menu has them.
+  void AutoSizeColumns(control::ResultListView& list, std::optional<int> column = {});
   void ListViewColSetup();
   void BuildMisc();
   void OpenDefaultSQLServer();
   void SelectDatabase();
+  void HelpContents();
+  void HelpSearch();
+  void ShowAbout();
 
   void btQuery_Click();
   void btClear_Click();
   void btSelectDB_Click();
+  void btSelectALL_Click();
+  void btUnselectALL_Click();
   void btDBInfo_Click();
   void btDateRangeFilter_Click();
   void btClearDateRange_Click();
   void SSTab1_Click();
+  void lvListView_DblClick(control::ResultListView& list, int row);
+  void mnupopupitem_Click(int index);
 
   control::StoredProperties properties;
 
@@ -75,10 +95,44 @@ class Q_DECL_HIDDEN AuditViewer::Members {
     return all;
   }
 
+  /// A command as it was clicked. Its item may be gone before its action has ended.
+  struct ClickedCommand {
+    std::string key;
+    bool checked = false;
+  };
+  /// What a key does. A command without an action is there, and disabled, until the part that it needs exists.
+  struct CommandAction {
+    std::string_view key;
+    void (*run)(Members& members, const ClickedCommand& command) = nullptr;
+    /// What else has to be so; empty for nothing.
+    bool (*available)(const Members& members) = nullptr;
+  };
+  /// In the order in which keys are compared; the first that is the same to the letter acts.
+  [[nodiscard]] static std::span<const CommandAction> menuActions() noexcept;
+  [[nodiscard]] static std::span<const CommandAction> toolbarActions() noexcept;
+  [[nodiscard]] static const CommandAction* actionOf(std::span<const CommandAction> actions, std::string_view key);
+  [[nodiscard]] bool isAvailable(std::span<const CommandAction> actions, const control::CommandItem& item) const;
+
+  void connectCommands();
+  void connectContextMenus();
+  void SmartMenu_Click(const control::CommandItem& item);
+  void SmartMenu_Highlight(const control::CommandItem& item);
+  void SmartToolbar_Click(const control::CommandItem& item);
+  void SmartPopup_Click(const control::CommandItem& item);
+  void chooseLanguage(std::string_view offset);
+  void adjustColumns();
+  void showFontMenu(const QPoint& place);
+  void showColumnMenu(control::ResultListView& list, const QPoint& place);
+  void showColumns(control::ResultListView& list, const QString& caption, bool shown);
+
+  void setLocked(bool locked);
+  [[nodiscard]] bool canQuery() const;
   void connectHandlers();
   void fillLockTable();
   void enableElements();
   void nameForAssistance();
+  void chooseHelpFile();
+  void openHelp(control::HelpCommand command);
   void showDateRange();
   /// The range is everybody's: no instance may go on showing another one than its next query sends.
   static void showDateRangeEverywhere();
@@ -90,6 +144,13 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void message(control::MessageIcon icon, const QString& title, const QString& text);
 
   AuditViewer& viewer_;
+  /// Made when a record is looked at for the first time; keeps its size from then on.
+  QPointer<control::RecordView> recordView_;
+  control::CommandItems menuItems_;
+  control::CommandItems toolbarItems_;
+  control::CommandItems popupItems_;
+  /// The list whose columns the context menu is about.
+  QPointer<control::ResultListView> popupList_;
   std::vector<LockedElement> lockTable_;
   bool locked_ = false;
   bool rowLimitReached_ = false;

@@ -9,6 +9,8 @@ class QWidget;
 namespace korvel::control {
 
 enum class MessageIcon { none, critical, information };
+/// What a help file is opened on, by the numbers that HTML Help gives the commands.
+enum class HelpCommand { contents = 1, index = 2 };
 /// Mouse pointers by the numbers the system gives them.
 enum class Pointer { standard = 0, hourglass = 11 };
 
@@ -27,6 +29,9 @@ class ControlServices {
   /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.
   virtual void showForm(QWidget* owner, const QString& name) = 0;
   virtual void setPointer(Pointer pointer) = 0;
+  /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; what is wrong with
+  /// any other is between the viewer and the person.
+  virtual void openHelp(QWidget* owner, const QString& file, HelpCommand command) = 0;
 };
 
 /// The hourglass for as long as it lives, also when the work ends in a failure.

@@ -20,6 +20,8 @@ struct LibraryState {
   query::DateRange dateRange;
   settings::LanguageOffset language;
   output::PrintFont printFont;
+  /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
+  QString helpFile;
 };
 
 /// The one instance. Only the control binds it; engine functions get what they need by reference.

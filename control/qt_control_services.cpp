@@ -7,7 +7,10 @@
 #include <QPointer>
 #include <memory>
 
+#include "control/forms/about.h"
+#include "control/help_viewer.h"
 #include "control/library_state.h"
+#include "control/texts.h"
 #include "db/forms/server_browser.h"
 
 namespace korvel::control {
@@ -48,9 +51,14 @@ QDialog* makeServerBrowser(QWidget* owner) {
   return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
 }
 
+QDialog* makeAbout(QWidget* owner) {
+  return new frmAbout(libraryVersion(), owner);
+}
+
 }  // namespace
 
-QtControlServices::QtControlServices() : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser}} {}
+QtControlServices::QtControlServices()
+    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser}, {QStringLiteral("frmAbout"), &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
@@ -88,6 +96,13 @@ void QtControlServices::setPointer(Pointer pointer) {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   else
     QGuiApplication::restoreOverrideCursor();
+}
+
+void QtControlServices::openHelp(QWidget* owner, const QString& file, HelpCommand command) {
+  const HelpOutcome outcome = openHelpFile(owner, file, command);
+  if (outcome == HelpOutcome::done) return;
+  const char* const key = outcome == HelpOutcome::noFile ? "help.noFile" : "help.noViewer";
+  messageBox(owner, MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"), ownText(key).arg(file));
 }
 
 }  // namespace korvel::control

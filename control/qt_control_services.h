@@ -21,6 +21,7 @@ class QtControlServices final : public ControlServices {
   [[nodiscard]] bool hasForm(const QString& name) const override { return forms_.contains(name); }
   void showForm(QWidget* owner, const QString& name) override;
   void setPointer(Pointer pointer) override;
+  void openHelp(QWidget* owner, const QString& file, HelpCommand command) override;
 
  private:
   QHash<QString, FormMaker> forms_;

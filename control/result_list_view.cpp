@@ -1,38 +1,59 @@
 #include "control/result_list_view.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <algorithm>
+#include <new>
 
+#include "base/error.h"
 #include "control/screen_measure.h"
+#include "control/texts.h"
+#include "control/widest_text.h"
+#include "results/find_beginning.h"
 
 namespace korvel::control {
 namespace {
 
-/// The cell as spreadsheet programs read it from tab-separated lines: in quotes, its own doubled, where it holds what
-/// separates cells and lines, or would be taken for a cell in quotes.
-QString tabSeparatedCell(const QString& text) {
-  const auto separates = [](QChar c) {
-    return c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
-  };
-  if (!text.startsWith(QLatin1Char('"')) && std::none_of(text.begin(), text.end(), separates)) return text;
-  QString quoted = text;
-  quoted.replace(QLatin1Char('"'), QLatin1String("\"\""));
-  return QLatin1Char('"') + quoted + QLatin1Char('"');
+/// Keys that follow each other within this time, in milliseconds, are one word.
+constexpr qint64 typingPause = 1000;
+
+/// Views look through the pieces of a selection for every cell that they paint.
+constexpr std::size_t mostPieces = 2000;
+
+/// The list moves up and down only while it lives.
+class SidewaysRest {
+ public:
+  explicit SidewaysRest(QAbstractScrollArea& area) : bar_(area.horizontalScrollBar()), value_(bar_->value()) {}
+  ~SidewaysRest() { bar_->setValue(value_); }
+  SidewaysRest(const SidewaysRest&) = delete;
+  SidewaysRest& operator=(const SidewaysRest&) = delete;
+
+ private:
+  QScrollBar* bar_;
+  int value_;
+};
+
+bool endsTyping(int key) {
+  return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_Left || key == Qt::Key_Right ||
+         key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
 }
 
 }  // namespace
 
 ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : ResultTable(parent), model_(model) {
+  // The selection is put away before the selection model takes note of each of its rows, and comes back after it.
+  connect(&model_, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { keepSelection(); });
   setModel(&model_);
+  connect(&model_, &QAbstractItemModel::layoutChanged, this, [this] { restoreSelection(); });
 }
 
 void ResultListView::applyColumnWidths() {
   const auto& columns = model_.list().columns();
   for (std::size_t column = 0; column < columns.size(); ++column)
     setColumnTwips(static_cast<int>(column), columns[column].width);
+  for (int place = 0; place < header()->count(); ++place) header()->moveSection(header()->visualIndex(place), place);
 }
 
 void ResultListView::setColumnTwips(int column, Twips width) {
@@ -43,6 +64,23 @@ void ResultListView::setColumnTwips(int column, Twips width) {
 
 Twips ResultListView::columnTwips(int column) const {
   return ScreenMeasure(*this).horizontalTwips(columnWidth(column));
+}
+
+void ResultListView::autoSizeColumn(int column) {
+  if (column < 0 || column >= model_.columnCount() || isColumnHidden(column)) return;
+  resizeColumnToContents(column);
+}
+
+int ResultListView::sizeHintForColumn(int column) const {
+  if (column < 0 || column >= model_.columnCount()) return -1;
+  ensurePolished();
+  try {
+    WidestText widest(font());
+    model_.list().visitTexts({static_cast<std::size_t>(column)}, [&](std::string_view text) { widest.offer(text); });
+    return look::RowDelegate::cellWidth(this, widest.width());
+  } catch (const Error&) {
+    return ResultTable::sizeHintForColumn(column);  // memory ran out: by the rows in sight
+  }
 }
 
 void ResultListView::showSortIcon() {
@@ -84,40 +122,164 @@ void ResultListView::clickHeader(int column) {
     verticalScrollBar()->setValue(verticalScrollBar()->minimum());
 }
 
-QString ResultListView::selectedText() const {
+std::vector<int> ResultListView::shownColumns() const {
   std::vector<int> columns;
   for (int place = 0; place < header()->count(); ++place) {
     const int column = header()->logicalIndex(place);
     if (!isColumnHidden(column)) columns.push_back(column);
   }
-  std::vector<std::pair<int, int>> ranges;
-  const QItemSelection selection = selectionModel()->selection();
-  for (const QItemSelectionRange& range : selection) ranges.emplace_back(range.top(), range.bottom());
-  std::sort(ranges.begin(), ranges.end());
+  return columns;
+}
 
-  QString text;
-  int next = 0;
-  for (const auto& range : ranges) {
-    for (int row = std::max(range.first, next); row <= range.second; ++row) {
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (i > 0) text += QLatin1Char('\t');
-        text += tabSeparatedCell(model_.index(row, columns[i]).data().toString());
-      }
-      text += QLatin1Char('\n');
-      next = row + 1;
-    }
+std::vector<RowSpan> ResultListView::selectedSpans() const {
+  std::vector<RowSpan> ranges;
+  const QItemSelection selection = selectionModel()->selection();
+  for (const QItemSelectionRange& range : selection) ranges.push_back({range.top(), range.bottom()});
+  std::sort(ranges.begin(), ranges.end(), [](const RowSpan& a, const RowSpan& b) { return a.first < b.first; });
+  std::vector<RowSpan> spans;
+  for (const RowSpan& range : ranges) {
+    if (!spans.empty() && range.first <= spans.back().last + 1)
+      spans.back().last = std::max(spans.back().last, range.last);
+    else
+      spans.push_back(range);
   }
-  return text;
+  return spans;
+}
+
+void ResultListView::copySelection() {
+  const std::vector<RowSpan> rows = selectedSpans();
+  if (rows.empty()) return;
+  std::int64_t count = 0;
+  for (const RowSpan& span : rows) count += std::int64_t{span.last} - span.first + 1;
+  QString refusal;
+  try {
+    if (const auto copy = copyRows(model_, shownColumns(), rows, copyLimit_))
+      QGuiApplication::clipboard()->setMimeData(copy->mimeData());
+    else
+      refusal = ownText("list.copyTooMany").arg(count);
+  } catch (const std::bad_alloc&) {
+    refusal = ownText("list.copyNoMemory").arg(count);
+  }
+  if (!refusal.isEmpty()) Q_EMIT refused(refusal);
+}
+
+void ResultListView::keepSelection() {
+  kept_.keep(model_.list(), selectedSpans());
+  if (!kept_.isEmpty()) selectionModel()->clearSelection();
+}
+
+void ResultListView::restoreSelection() {
+  if (kept_.isEmpty()) return;
+  const std::vector<RowSpan> spans = kept_.rowsIn(model_.list());
+  const std::size_t count = kept_.count();
+  kept_ = {};
+  if (spans.size() > mostPieces) {
+    Q_EMIT noticed(ownText("list.selectionScattered").arg(count));
+    return;
+  }
+  QItemSelection selection;
+  for (const RowSpan& span : spans)
+    selection.append({model_.index(span.first, 0), model_.index(span.last, model_.columnCount() - 1)});
+  selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void ResultListView::goToRow(int row) {
+  if (row < 0 || row >= model_.rowCount()) return;
+  const std::vector<RowSpan> selected = selectedSpans();
+  const bool several = selected.size() > 1 || (selected.size() == 1 && selected[0].first != selected[0].last);
+  const SidewaysRest rest(*this);
+  selectionModel()->setCurrentIndex(model_.index(row, cursorColumn()),
+                                    several ? QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate)
+                                            : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+int ResultListView::cursorColumn() const {
+  const QModelIndex current = currentIndex();
+  if (current.isValid() && !isColumnHidden(current.column())) return current.column();
+  const std::vector<int> columns = shownColumns();
+  return columns.empty() ? 0 : columns.front();
+}
+
+bool ResultListView::isTyping() const {
+  return !typed_.isEmpty() && !sinceTyped_.hasExpired(typingPause);
+}
+
+int ResultListView::searchColumn() const {
+  const results::ResultList& list = model_.list();
+  const int key = static_cast<int>(list.sortKey().value);
+  if (list.isSorted() && key < model_.columnCount() && !isColumnHidden(key)) return key;
+  const std::vector<int> columns = shownColumns();
+  return columns.empty() ? -1 : columns.front();
+}
+
+int ResultListView::findRow(int column, const QString& beginning, int from) const {
+  const auto row = results::findBeginning(model_.list(), {static_cast<std::size_t>(column)}, beginning.toStdString(),
+                                          {static_cast<std::size_t>(from)});
+  return row && row->value < static_cast<std::size_t>(model_.rowCount()) ? static_cast<int>(row->value) : -1;
+}
+
+/// Goes to the next row whose text in the sort column begins with what is being typed. One letter again and again goes
+/// through the rows that begin with it.
+void ResultListView::keyboardSearch(const QString& typed) {
+  if (typed.isEmpty() || !typed.at(0).isPrint()) return;
+  const bool goesOn = isTyping();
+  typed_ = goesOn ? typed_ + typed : typed;
+  sinceTyped_.start();
+  const int column = searchColumn();
+  if (column < 0) return;
+  const int current = currentIndex().isValid() ? currentIndex().row() : -1;
+  int row = findRow(column, typed_, goesOn ? std::max(current, 0) : current + 1);
+  if (row < 0 && typed_.count(typed_.front()) == typed_.size()) row = findRow(column, typed_.left(1), current + 1);
+  if (row < 0) return;
+  selectionModel()->clearSelection();
+  goToRow(row);
+}
+
+/// The list moves by whole columns, the current cell with it.
+void ResultListView::goToNeighbourColumn(int step) {
+  const std::vector<int> columns = shownColumns();
+  const auto found = std::find(columns.begin(), columns.end(), currentIndex().column());
+  if (!currentIndex().isValid() || found == columns.end()) return;
+  const auto at = (found - columns.begin()) + step;
+  if (at < 0 || at >= static_cast<std::ptrdiff_t>(columns.size())) return;
+  const int column = columns[static_cast<std::size_t>(at)];
+  selectionModel()->setCurrentIndex(currentIndex().siblingAtColumn(column), QItemSelectionModel::NoUpdate);
+  horizontalScrollBar()->setValue(header()->sectionPosition(column));
+}
+
+QModelIndex ResultListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  // In a list of rows these are the first and the last one, not cells of the current one.
+  if (action == MoveHome) return model_.index(0, cursorColumn());
+  if (action == MoveEnd) return model_.index(model_.rowCount() - 1, cursorColumn());
+  // Views do not scroll to a cell whose column has been hidden meanwhile.
+  const QModelIndex to = ResultTable::moveCursor(action, modifiers);
+  return to.isValid() ? to.siblingAtColumn(cursorColumn()) : to;
 }
 
 void ResultListView::keyPressEvent(QKeyEvent* event) {
+  const int key = event->key();
+  const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (endsTyping(key)) typed_.clear();
   if (event->matches(QKeySequence::Copy)) {
-    const QString text = selectedText();
-    if (!text.isEmpty()) QGuiApplication::clipboard()->setText(text);
-    event->accept();
+    copySelection();
+  } else if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && currentIndex().isValid()) {
+    Q_EMIT recordRequested(currentIndex().row());
+  } else if (plain && (key == Qt::Key_Left || key == Qt::Key_Right)) {
+    goToNeighbourColumn((key == Qt::Key_Right) == isLeftToRight() ? 1 : -1);
+  } else if (plain && key == Qt::Key_Space && isTyping()) {
+    keyboardSearch(event->text());
+  } else {
+    const SidewaysRest rest(*this);
+    ResultTable::keyPressEvent(event);
     return;
   }
-  ResultTable::keyPressEvent(event);
+  event->accept();
+}
+
+void ResultListView::mouseDoubleClickEvent(QMouseEvent* event) {
+  const QPersistentModelIndex index = indexAt(event->position().toPoint());
+  ResultTable::mouseDoubleClickEvent(event);
+  if (event->button() == Qt::LeftButton && index.isValid()) Q_EMIT recordRequested(index.row());
 }
 
 }  // namespace korvel::control

@@ -1,10 +1,13 @@
 #pragma once
 
-#include <optional>
+#include <QElapsedTimer>
+#include <vector>
 
 #include "base/twips.h"
+#include "control/kept_selection.h"
 #include "control/look/result_table.h"
 #include "control/result_list_model.h"
+#include "control/row_copy.h"
 
 namespace korvel::control {
 
@@ -19,11 +22,14 @@ class ResultListView final : public look::ResultTable {
 
   [[nodiscard]] ResultListModel& listModel() const { return model_; }
 
-  /// Gives every column the width that the list names for it, and shows all of them.
+  /// Gives every column the width that the list names for it, shows all of them, and puts them in the list's order.
   void applyColumnWidths();
   /// Width 0 hides the column.
   void setColumnTwips(int column, Twips width);
   [[nodiscard]] Twips columnTwips(int column) const;
+  /// Makes a column as wide as its widest entry, its caption with a sort arrow included. A hidden column stays hidden.
+  /// Measures the column's different texts, not its rows. A double click on the edge of a header does the same.
+  void autoSizeColumn(int column);
   /// A click on the header of a column: sorts, and keeps in sight the current record if it was. Throws Error when
   /// memory runs out; the rows then stay as they were.
   void clickHeader(int column);
@@ -32,15 +38,49 @@ class ResultListView final : public look::ResultTable {
   /// Takes name, size, bold and italic from `font`, nothing else.
   void setListFont(const QFont& font);
 
-  /// The selected rows as they are shown, visible columns in their visible order, as tab-separated lines.
-  /// Cells that hold tabs or line breaks stand in quotes.
-  [[nodiscard]] QString selectedText() const;
+  /// Puts the selected rows into the clipboard: visible columns in their visible order, under their captions, as
+  /// tab-separated lines and as a table. Says so, and leaves the clipboard alone, where they are too many.
+  void copySelection();
+  /// Characters of both forms that a copy may have.
+  void setCopyLimit(qsizetype characters) { copyLimit_ = characters; }
+  /// The selected rows, top to bottom.
+  [[nodiscard]] std::vector<RowSpan> selectedSpans() const;
+  /// Makes a row the current one and selects it, unless several rows are selected, which stay so then.
+  void goToRow(int row);
+
+  void keyboardSearch(const QString& typed) override;
+
+ Q_SIGNALS:
+  /// A person wants to see the whole record in this row.
+  void recordRequested(int row);
+  /// Something that a person asked for was not done, and why.
+  void refused(const QString& text);
+  /// Something that a person should know of.
+  void noticed(const QString& text);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+  [[nodiscard]] int sizeHintForColumn(int column) const override;
 
  private:
+  [[nodiscard]] std::vector<int> shownColumns() const;
+  /// The column of the current cell, the first one that is shown where that is none of them.
+  [[nodiscard]] int cursorColumn() const;
+  [[nodiscard]] int searchColumn() const;
+  [[nodiscard]] int findRow(int column, const QString& beginning, int from) const;
+  [[nodiscard]] bool isTyping() const;
+  void goToNeighbourColumn(int step);
+  void keepSelection();
+  void restoreSelection();
+
   ResultListModel& model_;
+  KeptSelection kept_;
+  QString typed_;
+  QElapsedTimer sinceTyped_;
+  // Some 100 MB; several times what spreadsheets take in good time.
+  qsizetype copyLimit_ = qsizetype{50} << 20U;
 };
 
 }  // namespace korvel::control

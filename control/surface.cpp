@@ -43,6 +43,7 @@ Element* named(Element* element, const char* objectName) {
 }  // namespace
 
 Surface::Surface(QWidget& owner, query::ResultLists& lists, query::FilterTree& tree) : owner_(owner) {
+  buildCommandSurfaces();
   buildFilterFrame(tree);
   buildToolsFrame();
   buildPages(lists);
@@ -51,6 +52,15 @@ Surface::Surface(QWidget& owner, query::ResultLists& lists, query::FilterTree& t
   StatusBar1->setAutoFillBackground(true);
   StatusBar1->raise();
   orderFocus();
+}
+
+void Surface::buildCommandSurfaces() {
+  SmartMenu = named(new CommandMenuBar(&owner_), "SmartMenu");
+  SmartToolbar = named(new CommandToolbar(&owner_), "SmartToolbar");
+  SmartPopup = named(new CommandPopup(&owner_), "SmartPopup");
+  mnupopup = named(new QMenu(QStringLiteral("Popup"), &owner_), "mnupopup");
+  mnupopupitem = named(mnupopup->addAction(QStringLiteral("Change Font")), "mnupopupitem");
+  mnupopupitem->setData(0);
 }
 
 void Surface::buildFilterFrame(query::FilterTree& tree) {
@@ -115,11 +125,19 @@ void Surface::buildPages(query::ResultLists& lists) {
 }
 
 void Surface::orderFocus() const {
-  QWidget* const order[] = {tvTreeView,    btDateRangeFilter, btClearDateRange, btQuery,
-                            btSelectDB,    btDBInfo,          btClear,          btSelectALL,
-                            btUnselectALL, SSTab1->tabBar(),  lvListView[0],    lvListView[1],
-                            lvListView[2], lvListView[3],     lvListView[4],    lvListView[5]};
-  for (std::size_t i = 1; i < std::size(order); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
+  std::vector<QWidget*> order = SmartToolbar->buttons();
+  order.insert(order.end(), {tvTreeView, btDateRangeFilter, btClearDateRange, btQuery, btSelectDB, btDBInfo, btClear,
+                             btSelectALL, btUnselectALL, SSTab1->tabBar()});
+  order.insert(order.end(), lvListView.begin(), lvListView.end());
+  for (std::size_t i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
+}
+
+int Surface::menuHeight() const {
+  return std::max(0, SmartMenu->heightForWidth(owner_.width()));
+}
+
+int Surface::toolbarHeight() const {
+  return SmartToolbar->isHidden() ? 0 : SmartToolbar->sizeHint().height();
 }
 
 void Surface::arrange(bool viewSideTools) {
@@ -131,6 +149,8 @@ void Surface::arrange(bool viewSideTools) {
   input.innerHeight = measure.verticalTwips(owner_.height());
   input.viewSideTools = viewSideTools;
   input.statusBarHeight = measure.verticalTwips(statusHeight);
+  input.toolbarHeight = measure.verticalTwips(toolbarHeight());
+  input.menuHeight = measure.verticalTwips(menuHeight());
   const Twips bars = input.toolbarHeight + input.menuHeight;
   boxes_.SSTab1.top = bars + barGap;
   boxes_ = layoutControl(input, boxes_);
@@ -145,6 +165,8 @@ void Surface::arrange(bool viewSideTools) {
 
   SSTab1->setGeometry(measure.rectangle(boxes_.SSTab1));
   placeLists();
+  SmartMenu->setGeometry(0, 0, owner_.width(), menuHeight());
+  SmartToolbar->setGeometry(0, menuHeight(), owner_.width(), SmartToolbar->sizeHint().height());
   StatusBar1->setGeometry(0, owner_.height() - statusHeight, owner_.width(), statusHeight);
 }
 
@@ -172,13 +194,13 @@ std::size_t Surface::currentTab() const {
 }
 
 QSize Surface::preferredSize() const {
-  return {look::px(&owner_, 1280), look::px(&owner_, 760)};
+  return {look::px(&owner_, 1280), look::px(&owner_, 800)};
 }
 
 QSize Surface::smallestSize(bool viewSideTools) const {
   constexpr int pagesWidth = 320;
   constexpr int pagesHeight = 200;
-  const int barsHeight = StatusBar1->sizeHint().height() + look::px(&owner_, 24);
+  const int barsHeight = menuHeight() + toolbarHeight() + StatusBar1->sizeHint().height() + look::px(&owner_, 24);
   QSize size(look::px(&owner_, pagesWidth), look::px(&owner_, pagesHeight));
   if (viewSideTools) {
     size.rwidth() += ScreenMeasure(owner_).horizontal(stripWidth);

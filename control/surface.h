@@ -4,6 +4,8 @@
 #include <array>
 #include <memory>
 
+#include "control/command_menus.h"
+#include "control/command_toolbar.h"
 #include "control/filter_tree_view.h"
 #include "control/layout.h"
 #include "control/look/buttons.h"
@@ -30,6 +32,8 @@ class Surface {
 
   /// The resize routine: places the elements for the owner's present size.
   void arrange(bool viewSideTools);
+  /// Puts everything into the tab order, from the toolbar to the lists; once more when the toolbar has got its buttons.
+  void orderFocus() const;
 
   /// Index 0..5 of the selected page.
   [[nodiscard]] std::size_t currentTab() const;
@@ -37,6 +41,13 @@ class Surface {
   /// The least size at which everything that is shown can be reached.
   [[nodiscard]] QSize smallestSize(bool viewSideTools) const;
 
+  // Command surfaces.
+  CommandMenuBar* SmartMenu = nullptr;
+  CommandToolbar* SmartToolbar = nullptr;
+  CommandPopup* SmartPopup = nullptr;
+  /// What a right click shows where SmartPopup could not be built.
+  QMenu* mnupopup = nullptr;
+  QAction* mnupopupitem = nullptr;
   // Side strip.
   look::CardFrame* frameFilter = nullptr;
   FilterTreeView* tvTreeView = nullptr;
@@ -57,11 +68,14 @@ class Surface {
   StatusPanels* StatusBar1 = nullptr;
 
  private:
+  void buildCommandSurfaces();
   void buildFilterFrame(query::FilterTree& tree);
   void buildToolsFrame();
   void buildPages(query::ResultLists& lists);
-  void orderFocus() const;
   void placeLists();
+  [[nodiscard]] int menuHeight() const;
+  /// A toolbar that is not to be shown has none.
+  [[nodiscard]] int toolbarHeight() const;
 
   QWidget& owner_;
   SurfaceBoxes boxes_ = designTimeBoxes();

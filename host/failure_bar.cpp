@@ -103,18 +103,25 @@ FailureBar::FailureBar(QWidget* parent)
 
 void FailureBar::showFailure(int number, const QString& text, const QDateTime& time,
                              const settings::LanguageOffset& language) {
-  const QString when = QLocale::system().toString(time, QLocale::ShortFormat);
-  heading_->setText(hostText("host.failedAt", language, when, QString::number(number)));
+  number_ = number;
+  time_ = time;
   reason_->setContent(text);
-  reason_->setAccessibleName(heading_->text());
-  close_->setToolTip(hostText("host.closeMessage", language));
-  setAccessibleName(heading_->text() + QLatin1Char(' ') + text);
+  setLanguage(language);
   // Another text may need another height, also where the bar is shown already.
   layout()->invalidate();
   updateGeometry();
   show();
   QAccessibleEvent alert(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&alert);
+}
+
+void FailureBar::setLanguage(const settings::LanguageOffset& language) {
+  if (!time_.isValid()) return;
+  const QString when = QLocale::system().toString(time_, QLocale::ShortFormat);
+  heading_->setText(hostText("host.failedAt", language, when, QString::number(number_)));
+  reason_->setAccessibleName(heading_->text());
+  close_->setToolTip(hostText("host.closeMessage", language));
+  setAccessibleName(heading_->text() + QLatin1Char(' ') + reason_->toPlainText());
 }
 
 void FailureBar::paintEvent(QPaintEvent* /*event*/) {

@@ -37,10 +37,15 @@ class FailureBar final : public QWidget {
   /// Shows a failure in the words of that language; reads it out to who cannot see it.
   void showFailure(int number, const QString& text, const QDateTime& time, const settings::LanguageOffset& language);
 
+  /// The bar's own words in another language; what the failure says itself stays as it was said.
+  void setLanguage(const settings::LanguageOffset& language);
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  int number_ = 0;
+  QDateTime time_;
   QLabel* heading_;
   WrappedText* reason_;
   QToolButton* close_;

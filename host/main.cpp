@@ -1,12 +1,14 @@
 #include <QApplication>
 #include <iostream>
 
+#include "control/look/mark.h"
 #include "control/look/palettes.h"
 #include "host/host_texts.h"
 #include "host/main_window.h"
 #include "host/options.h"
 #include "host/platform_choice.h"
 #include "host/shot.h"
+#include "host/viewer_path.h"
 
 namespace {
 
@@ -53,8 +55,10 @@ int run(int argc, char** argv) {
     MainWindow window(parsed.options, language);
     return static_cast<int>(takeShot(window, *parsed.options.shotFile, messages, language));
   }
+  QApplication::setWindowIcon(korvel::look::markIcon());
+  provideViewerPath(QApplication::applicationDirPath());
   MainWindow window(parsed.options, language);
-  window.show();
+  window.present();
   return QApplication::exec();
 }
 

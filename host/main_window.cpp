@@ -1,7 +1,11 @@
 #include "host/main_window.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMessageBox>
+#include <QScreen>
+#include <QShortcut>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "host/host_texts.h"
@@ -19,13 +23,14 @@ void warn(QWidget* owner, const QString& text) {
 }  // namespace
 
 MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& language)
-    : language_(language),
-      form_(options.formFile.value_or(FormFile::standardPath())),
+    : form_(options.formFile.value_or(FormFile::standardPath())),
       // A window that is only rendered is nobody's form.
       keepsForm_(!options.shotFile),
       viewer_(new AuditViewer),
       failureBar_(new FailureBar) {
   setWindowTitle(productName);
+  // A message box may run while the window is being shown, and the toolkit's animations do not survive that.
+  setAnimated(false);
   auto* content = new QWidget;
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins({});
@@ -36,23 +41,58 @@ MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& l
   connect(viewer_, &AuditViewer::DatabaseSelected, this,
           [this](const QString& database) { setWindowTitle(database + QStringLiteral(" - ") + productName); });
   connect(viewer_, &AuditViewer::LastFailureChanged, this, [this] { showLastFailure(); });
+  connect(viewer_, &AuditViewer::LanguageChanged, this, [this] { failureBar_->setLanguage(currentLanguage()); });
   connect(viewer_, &AuditViewer::ExitApp, this, &QWidget::close);
+  connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, viewer_, &AuditViewer::HelpContents);
 
-  loadForm();
+  loadForm(language);
   if (options.server) viewer_->setDefaultSQLServer(*options.server);
   if (options.databaseType) viewer_->setDatabaseType(*options.databaseType);
-  resize(options.size.value_or(QSize(1280, 800)));
+  placeWindow(options.size);
 }
 
-void MainWindow::loadForm() {
-  QString failure = form_.load(language_);
+void MainWindow::placeWindow(const std::optional<QSize>& size) {
+  const QSize usual(1280, 800);
+  // A window that is only rendered is as large as it is told to be, whatever the screen.
+  if (size || !keepsForm_) {
+    resize(size.value_or(usual));
+    return;
+  }
+  QList<QRect> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) screens.append(screen->availableGeometry());
+  const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  const auto stored = storedPlacement();
+  if (!stored) {
+    // Where a new window stands is the window system's choice.
+    resize(placedOn(screens.mid(0, 1), QRect(QPoint(0, titleBar), usual), titleBar).size());
+    return;
+  }
+  setGeometry(placedOn(screens, stored->normal, titleBar));
+  maximized_ = stored->maximized;
+}
+
+WindowPlacement MainWindow::placement() const {
+  const bool plain = !(windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen | Qt::WindowMinimized));
+  const QRect normal = plain || !normalGeometry().isValid() ? geometry() : normalGeometry();
+  return {normal, isMaximized()};
+}
+
+void MainWindow::present() {
+  if (maximized_)
+    showMaximized();
+  else
+    show();
+}
+
+void MainWindow::loadForm(const settings::LanguageOffset& language) {
+  QString failure = form_.load(language);
   if (failure.isEmpty() && !form_.isNew()) failure = viewer_->ReadProperties(form_.properties());
   if (failure.isEmpty() && !form_.isNew()) return;
   viewer_->InitProperties();
   if (failure.isEmpty()) return;
   form_.leaveAsItIs();
-  warn(this, hostText("host.formUnreadable", language_, form_.path(), failure) + QLatin1Char('\n') +
-                 hostText("host.formKept", language_));
+  warn(this, hostText("host.formUnreadable", language, form_.path(), failure) + QLatin1Char('\n') +
+                 hostText("host.formKept", language));
 }
 
 void MainWindow::showLastFailure() {
@@ -67,8 +107,10 @@ void MainWindow::showLastFailure() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (keepsForm_) {
+    // A window that was never shown stands nowhere.
+    if (isVisible()) storePlacement(placement());
     const QString failure = form_.save(viewer_->WriteProperties().toMap());
-    if (!failure.isEmpty()) warn(this, hostText("host.formUnwritable", language_, form_.path(), failure));
+    if (!failure.isEmpty()) warn(this, hostText("host.formUnwritable", currentLanguage(), form_.path(), failure));
   }
   QMainWindow::closeEvent(event);
 }

@@ -5,6 +5,7 @@
 #include "host/failure_bar.h"
 #include "host/form_file.h"
 #include "host/options.h"
+#include "host/window_placement.h"
 #include "korvel/AuditViewer.h"
 
 namespace korvel::host {
@@ -21,16 +22,21 @@ class MainWindow final : public QMainWindow {
 
   [[nodiscard]] AuditViewer& viewer() { return *viewer_; }
 
+  /// Shows the window where and as it stood when it was closed last, unless the options gave it a size.
+  void present();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void loadForm();
+  void loadForm(const settings::LanguageOffset& language);
   void showLastFailure();
+  void placeWindow(const std::optional<QSize>& size);
+  [[nodiscard]] WindowPlacement placement() const;
 
-  settings::LanguageOffset language_;
   FormFile form_;
   bool keepsForm_;
+  bool maximized_ = false;
   AuditViewer* viewer_;
   FailureBar* failureBar_;
 };

@@ -130,6 +130,24 @@ void Column::visitDistinct(const std::function<void(std::string_view)>& visit) c
   });
 }
 
+void Column::visitDistinct(std::span<const RowId> rows, const std::function<void(std::string_view)>& visit) const {
+  std::vector<bool> visited(dictionary_.size(), false);
+  for (const RowId row : rows) {
+    if (row.value >= size_) continue;
+    const Block& block = blocks_[row.value / blockRows];
+    const std::size_t at = row.value % blockRows;
+    if (block.width == EntryWidth::address) {
+      const auto text = block.at<StoredText>(at);
+      if (text != nullptr) visit(textAt(text));
+      continue;
+    }
+    const ValueCode code = codeAt(block, at);
+    if (code == nullCode || visited[code]) continue;
+    visited[code] = true;
+    visit(textAt(dictionary_.stored(code)));
+  }
+}
+
 void Column::fillRanks(std::vector<std::uint32_t>& ranks, bool numericKeys) const {
   std::vector<std::string_view> texts;
   std::size_t plainRows = 0;

@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "db/connection.h"
 #include "results/dictionary.h"
 #include "results/heap_bytes.h"
+#include "results/ids.h"
 #include "results/text_arena.h"
 
 namespace korvel::results {
@@ -61,6 +63,8 @@ class Column {
   [[nodiscard]] std::size_t memoryBytes() const noexcept;
   /// Calls `visit` with every text of the column at least once; nulls are passed over.
   void visitDistinct(const std::function<void(std::string_view)>& visit) const;
+  /// The same for some rows only: calls `visit` with every text that they have.
+  void visitDistinct(std::span<const RowId> rows, const std::function<void(std::string_view)>& visit) const;
   /// Fills ranks[row] for every row of the column; see RowStore::ranks.
   void fillRanks(std::vector<std::uint32_t>& ranks, bool numericKeys) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -84,6 +85,31 @@ std::string_view ResultList::text(RowPosition row, ColumnIndex column) const noe
   if (!isFilledIn(id, column)) return {};
   const std::string_view shown = trimBlanks(store_->cell(id, column).text);
   return entryNumbersRewritten_ && column == entryNumberColumn ? rewrittenNumber(id, shown) : shown;
+}
+
+void ResultList::visitTexts(ColumnIndex column, const std::function<void(std::string_view)>& visit) const {
+  // A column that the widest record does not fill is filled by none.
+  if (store_ == nullptr || !isFilled(filling_, column, store_->columnCount())) return;
+  const bool rewritten = entryNumbersRewritten_ && column == entryNumberColumn;
+  const auto show = [&](std::string_view stored) {
+    const std::string_view shown = trimBlanks(stored);
+    const auto negative = rewritten && shown.starts_with(zeroBehindSign) ? wholeNumber(shown) : std::nullopt;
+    if (negative)
+      visit(std::string(negative->negative ? "-" : "").append(negative->digits));
+    else
+      visit(rewritten ? withoutLeadingZeros(shown) : shown);
+  };
+  const bool everyRecordFills = isFilled(filling_, column, store_->leastColumnCount());
+  if (everyRecordFills && rows_.size() == store_->rowCount()) return store_->visitDistinct(column, show);
+  if (everyRecordFills) return store_->visitDistinct(column, rows_, show);
+  try {
+    std::vector<RowId> filled;
+    std::copy_if(rows_.begin(), rows_.end(), std::back_inserter(filled),
+                 [&](RowId row) { return isFilledIn(row, column); });
+    store_->visitDistinct(column, filled, show);
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
 }
 
 std::string_view ResultList::rewrittenNumber(RowId row, std::string_view shown) const noexcept {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -52,6 +53,9 @@ class ResultList {
   [[nodiscard]] std::size_t rowCount() const noexcept { return rows_.size(); }
   /// Text of a cell as it is shown: blanks trimmed, null empty, columns that are not filled empty.
   [[nodiscard]] std::string_view text(RowPosition row, ColumnIndex column) const noexcept;
+  /// Calls `visit` with every text that the column shows in some row, at least once each and hardly more often where
+  /// they repeat; cells that show nothing may be passed over. Throws Error when memory runs out.
+  void visitTexts(ColumnIndex column, const std::function<void(std::string_view)>& visit) const;
   /// The record behind a row.
   [[nodiscard]] RowId rowId(RowPosition row) const noexcept { return rows_[row.value]; }
   [[nodiscard]] const RowStore* store() const noexcept { return store_.get(); }

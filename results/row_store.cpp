@@ -89,6 +89,12 @@ std::size_t RowStore::columnCount() const noexcept {
   return impl_->columns.size();
 }
 
+std::size_t RowStore::leastColumnCount() const noexcept {
+  std::size_t least = columnCount();
+  for (const Segment& segment : impl_->segments) least = std::min(least, segment.fields.size());
+  return least;
+}
+
 std::size_t RowStore::widthOf(RowId row) const noexcept {
   return fieldsOf(row).size();
 }
@@ -124,6 +130,15 @@ std::vector<std::uint32_t> RowStore::ranks(ColumnIndex column, bool numericKeys)
 
 void RowStore::visitDistinct(ColumnIndex column, const std::function<void(std::string_view)>& visit) const {
   if (column.value < impl_->columns.size()) impl_->columns[column.value].visitDistinct(visit);
+}
+
+void RowStore::visitDistinct(ColumnIndex column, std::span<const RowId> rows,
+                             const std::function<void(std::string_view)>& visit) const {
+  try {
+    if (column.value < impl_->columns.size()) impl_->columns[column.value].visitDistinct(rows, visit);
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
 }
 
 }  // namespace korvel::results

@@ -32,6 +32,8 @@ class RowStore final {
   [[nodiscard]] std::size_t rowCount() const noexcept;
   /// The widest result set's number of columns.
   [[nodiscard]] std::size_t columnCount() const noexcept;
+  /// The narrowest result set's number of columns.
+  [[nodiscard]] std::size_t leastColumnCount() const noexcept;
   /// Number of fields of the result set that the row came with.
   [[nodiscard]] std::size_t widthOf(RowId row) const noexcept;
   /// The fields of the result set that the row came with.
@@ -49,6 +51,9 @@ class RowStore final {
   /// Calls `visit` with the texts of a column, exactly as the server gave them: each at least once, and hardly more
   /// often where they repeat. Nulls are passed over. For measuring columns without walking through every row.
   void visitDistinct(ColumnIndex column, const std::function<void(std::string_view)>& visit) const;
+  /// The same for the texts of some rows. Throws Error when memory runs out.
+  void visitDistinct(ColumnIndex column, std::span<const RowId> rows,
+                     const std::function<void(std::string_view)>& visit) const;
 
  private:
   struct Impl;

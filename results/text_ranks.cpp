@@ -147,16 +147,6 @@ bool readEntryNumber(std::string_view text, std::uint64_t& value) {
   return true;
 }
 
-/// A whole number, signed or not, with at least nine digits; any other text as it stands.
-std::string paddedNumber(std::string_view text) {
-  const auto number = wholeNumber(text);
-  if (!number) return std::string{text};
-  std::string padded;
-  if (number->negative) padded = "-";
-  if (number->digits.size() < entryNumberDigits) padded.append(entryNumberDigits - number->digits.size(), '0');
-  return padded.append(number->digits);
-}
-
 /// Ranks texts that are all empty or entry numbers by value; nothing when one of them is neither.
 std::vector<std::uint32_t> rankValues(std::span<const std::string_view> texts) {
   std::vector<WordItem> items;
@@ -179,6 +169,15 @@ std::vector<std::uint32_t> rankValues(std::span<const std::string_view> texts) {
 }
 
 }  // namespace
+
+std::string paddedNumber(std::string_view text) {
+  const auto number = wholeNumber(text);
+  if (!number) return std::string{text};
+  std::string padded;
+  if (number->negative) padded = "-";
+  if (number->digits.size() < entryNumberDigits) padded.append(entryNumberDigits - number->digits.size(), '0');
+  return padded.append(number->digits);
+}
 
 std::vector<std::uint32_t> rankTexts(std::vector<std::string_view> texts) {
   TextArena foldedTexts;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,5 +15,8 @@ namespace korvel::results {
 /// The same with every whole number written with at least nine digits first, so that numbers of up to nine digits order
 /// by their value. All other texts, longer numbers among them, order as texts.
 [[nodiscard]] std::vector<std::uint32_t> rankNumberTexts(std::vector<std::string_view> texts);
+
+/// A whole number, signed or not, with at least nine digits; any other text as it stands.
+[[nodiscard]] std::string paddedNumber(std::string_view text);
 
 }  // namespace korvel::results

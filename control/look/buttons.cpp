@@ -2,6 +2,8 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QStyle>
+#include <QStyleOptionButton>
 #include <algorithm>
 
 #include "control/look/theme.h"
@@ -76,6 +78,22 @@ void IconRow::add(QAbstractButton* button) {
   static_cast<QHBoxLayout*>(layout())->addWidget(button, 1);
 }
 
+namespace {
+
+/// The width at which nothing of the button's text is cut. What the style adds to it for comfort is the first to go.
+int leastWidth(const QWidget& button) {
+  const QSize hint = button.sizeHint();
+  QStyleOptionButton option;
+  option.initFrom(&button);
+  option.rect = QRect(QPoint(), hint);
+  const int frame =
+      hint.width() - button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button).width();
+  const int comfort = 2 * px(&button, 4);
+  return hint.width() - std::max(0, comfort - frame);
+}
+
+}  // namespace
+
 TextRow::TextRow(QWidget* parent) : QWidget(parent), layout_(new QBoxLayout(QBoxLayout::LeftToRight, this)) {
   layout_->setContentsMargins(0, 0, 0, 0);
   layout_->setSpacing(px(this, space::inGroup));
@@ -107,8 +125,7 @@ void TextRow::arrange() {
   for (int i = 0; i < layout_->count(); ++i) {
     const QWidget* button = layout_->itemAt(i)->widget();
     if (button == nullptr || button->isHidden()) continue;
-    // What the style adds for comfort is the first to go.
-    widest = std::max(widest, button->sizeHint().width() - 2 * px(this, 4));
+    widest = std::max(widest, leastWidth(*button));
     ++shown;
   }
   const bool fits = widest * shown + layout_->spacing() * (shown - 1) <= width();

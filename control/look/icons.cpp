@@ -19,7 +19,7 @@ static void loadDrawings() {
 namespace korvel::look {
 namespace {
 
-constexpr std::array<IconFile, 38> files{{
+constexpr std::array<IconFile, 39> files{{
     {IconName::Select, "select"},
     {IconName::Info, "info"},
     {IconName::Query, "query"},
@@ -57,6 +57,7 @@ constexpr std::array<IconFile, 38> files{{
     {IconName::PreviousPage, "previouspage"},
     {IconName::NextPage, "nextpage"},
     {IconName::LastPage, "lastpage"},
+    {IconName::Viewer, "viewer"},
     {IconName::More, "more"},
 }};
 

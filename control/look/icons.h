@@ -46,6 +46,7 @@ enum class IconName {
   PreviousPage,
   NextPage,
   LastPage,
+  Viewer,
   More,
 };
 

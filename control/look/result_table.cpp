@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <QToolTip>
 #include <algorithm>
+#include <cmath>
 
 #include "control/look/dialogs.h"
 #include "control/look/theme.h"
@@ -32,9 +33,6 @@ QString oneLine(QString text) {
   return text;
 }
 
-/// More than a cell can show on any screen; measuring megabytes of text to cut it off is what makes scrolling stall.
-constexpr qsizetype shownCharacters = 1000;
-
 }  // namespace
 
 ResultHeader::ResultHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
@@ -55,6 +53,15 @@ void ResultHeader::showSort(int column, Qt::SortOrder order) {
 
 RowDelegate::RowDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
+QString RowDelegate::shownText(const QString& value) {
+  if (value.size() <= shownCharacters) return oneLine(value);
+  return oneLine(value.left(shownCharacters)) + QChar(0x2026);
+}
+
+int RowDelegate::cellWidth(const QWidget* widget, qreal textWidth) {
+  return static_cast<int>(std::ceil(textWidth)) + 2 * px(widget, cellInset) + 1;
+}
+
 void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
   const Theme& theme = Theme::of(option.palette);
   const QRect cell = option.rect;
@@ -67,7 +74,7 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
   const int inset = px(option.widget, cellInset);
   const QRect line = cell.adjusted(inset, 0, -inset, 0);
   if (line.width() > 0) {
-    const QString text = oneLine(index.data(Qt::DisplayRole).toString().left(shownCharacters));
+    const QString text = shownText(index.data(Qt::DisplayRole).toString());
     if (!text.isEmpty()) {
       painter->setFont(option.font);
       painter->setPen(option.state.testFlag(QStyle::State_Enabled) ? theme.text : theme.disabled);
@@ -83,9 +90,9 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
 }
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
-  const QString text = oneLine(index.data(Qt::DisplayRole).toString().left(shownCharacters));
+  const QString text = shownText(index.data(Qt::DisplayRole).toString());
   const int height = option.widget != nullptr ? listRowHeight(*option.widget) : option.fontMetrics.height();
-  return {option.fontMetrics.horizontalAdvance(text) + 2 * px(option.widget, cellInset) + 1, height};
+  return {cellWidth(option.widget, QFontMetricsF(option.font).horizontalAdvance(text)), height};
 }
 
 bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,

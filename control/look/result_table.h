@@ -25,7 +25,15 @@ class RowDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
+  /// More of a text than a cell can show on any screen: measuring megabytes to cut them off makes scrolling stall.
+  static constexpr qsizetype shownCharacters = 1000;
+
   explicit RowDelegate(QObject* parent = nullptr);
+
+  /// What a cell paints of a value: one line, an ellipsis in the place of what goes beyond the shown characters.
+  [[nodiscard]] static QString shownText(const QString& value);
+  /// Width of a cell that shows a text of that width uncut.
+  [[nodiscard]] static int cellWidth(const QWidget* widget, qreal textWidth);
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
   [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;

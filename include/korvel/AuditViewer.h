@@ -99,14 +99,31 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void LockControls();
   /// Shows or hides the side tools, whatever the property says.
   void ViewTools(bool visable);
+  /// Builds the menu anew in the current language; every command in it is enabled then, both check marks are set.
+  void BuildMenu();
+  /// Builds the toolbar anew in the current language; every command on it is enabled then.
+  void BuildToolbar();
   /// Shows the key column of the standard lists (1000 twips wide) or hides it.
   void ShowKeyField(bool vis);
   /// Builds the columns of the five standard result lists.
   void ListViewColSetup();
+  /// Builds the context menu: "Font" or "Column"; any other text changes nothing.
+  void BuildPopup(const QString& PopupItem);
+  /// Applies the current language to menu, toolbar and side controls.
+  void SwitchLanguage();
   /// Sets the captions and tooltips of the side controls in the current language.
   void BuildMisc();
   /// Selects the database that the properties name, without trying the connection.
   void OpenDefaultSQLServer();
+
+  // Beside the type library's members: what a host may want to put on keys or into menus of its own.
+
+  /// Opens the help file in the current language on its table of contents; shows nothing where no help file is known.
+  void HelpContents();
+  /// Opens the help file on its index.
+  void HelpSearch();
+  /// Shows the about box.
+  void ShowAbout();
 
  Q_SIGNALS:
   /// A database has been selected: server, " - [", database, "]".
@@ -117,6 +134,8 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void PropertyChanged(const QString& PropertyName);
   /// A query has failed, or the next one has begun and there is no failure any more.
   void LastFailureChanged();
+  /// The language has been switched; all captions of the control follow it already.
+  void LanguageChanged();
 
  protected:
   void showEvent(QShowEvent* event) override;

@@ -29,12 +29,16 @@ TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
   EXPECT_EQ(namesOf(QMetaMethod::Slot),
             (QStringList{"SelectALL()", "UnselectALL()", "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()",
                          "ExpandAll()", "SelectDatabase()", "UnlockControls()", "LockControls()", "ViewTools(bool)",
-                         "ShowKeyField(bool)", "ListViewColSetup()", "BuildMisc()", "OpenDefaultSQLServer()"}));
+                         "BuildMenu()", "BuildToolbar()", "ShowKeyField(bool)", "ListViewColSetup()",
+                         "BuildPopup(QString)", "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
+                         // Not of the type library, and therefore behind it.
+                         "HelpContents()", "HelpSearch()", "ShowAbout()"}));
 }
 
 TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {
-  EXPECT_EQ(namesOf(QMetaMethod::Signal), (QStringList{"DatabaseSelected(QString)", "ExitApp()",
-                                                       "PropertyChanged(QString)", "LastFailureChanged()"}));
+  EXPECT_EQ(namesOf(QMetaMethod::Signal),
+            (QStringList{"DatabaseSelected(QString)", "ExitApp()", "PropertyChanged(QString)", "LastFailureChanged()",
+                         "LanguageChanged()"}));
 }
 
 TEST_F(PublicFace, PropertiesStandInTypeLibraryOrder) {

@@ -48,6 +48,9 @@ class Recorder final : public control::ControlServices {
     pointers.push_back(pointer);
     if (onPointer) onPointer();
   }
+  void openHelp(QWidget*, const QString& file, control::HelpCommand command) override {
+    helpOpened.append({file, command});
+  }
 
   std::vector<ShownMessage> messages;
   QList<QWidget*> owners;
@@ -60,6 +63,7 @@ class Recorder final : public control::ControlServices {
   std::function<void()> onForm;
   std::vector<control::Pointer> pointers;
   std::function<void()> onPointer;
+  QList<std::pair<QString, control::HelpCommand>> helpOpened;
 };
 
 }  // namespace korvel::test

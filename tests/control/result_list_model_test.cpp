@@ -3,16 +3,12 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QClipboard>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QStringListModel>
 
-#include "control/result_list_view.h"
-#include "tests/control/canned_connection.h"
+#include "tests/control/list_fixture.h"
 #include "tests/control/model_warnings.h"
 
 namespace korvel::control {
@@ -20,35 +16,8 @@ namespace {
 
 using results::ColumnHeader;
 using results::ResultList;
-using results::RowFilling;
-using results::RowId;
-
-/// Two columns, "Entry ID" and "Area", and one row a pair of texts.
-class ListModel : public ::testing::Test {
- protected:
-  using Rows = std::vector<std::pair<std::string, std::string>>;
-
-  ListModel() { list.setColumns({ColumnHeader{"Entry ID", {1440}}, ColumnHeader{"Area", {1440}}}); }
-
-  void fill(const Rows& rows) {
-    const ResultListModel::RowsChange change(model);
-    auto store = std::make_shared<results::RowStore>();
-    const std::vector<db::Field> fields{{"Nr"}, {"TableName"}};
-    store->beginResult(fields);
-    std::vector<RowId> ids;
-    for (const auto& row : rows) ids.push_back(store->append(std::vector<db::Cell>{{row.first}, {row.second}}));
-    list.setRows(store, ids);
-  }
-
-  QString shown(int column = 0) const {
-    QStringList texts;
-    for (int row = 0; row < model.rowCount(); ++row) texts.append(model.index(row, column).data().toString());
-    return texts.join(' ');
-  }
-
-  ResultList list{RowFilling::whole};
-  ResultListModel model{list};
-};
+using test::ListModel;
+using test::ListView;
 
 /// A model that promises two rows and then has three.
 class BrokenModel final : public QAbstractListModel {
@@ -119,21 +88,6 @@ TEST_F(ListModel, ASortMovesPersistentIndexesWithTheirRecords) {
   EXPECT_EQ(shown(), "3 2 1");
   EXPECT_EQ(third, model.index(0, 1));
 }
-
-class ListView : public ListModel {
- protected:
-  ListView() {
-    view.resize(500, 200);
-    view.applyColumnWidths();
-    view.show();
-  }
-  void fillMany(int count) {
-    Rows rows;
-    for (int i = 0; i < count; ++i) rows.emplace_back(std::to_string(i + 1), std::to_string(900000 - i));
-    fill(rows);
-  }
-  ResultListView view{model};
-};
 
 TEST_F(ListView, SortKeepsSelectionAndTheCurrentRecordInSight) {
   fillMany(500);
@@ -212,34 +166,6 @@ TEST_F(ListView, TheFontGivesNameSizeBoldAndItalicAndNothingElse) {
   EXPECT_FALSE(view.font().strikeOut());
   EXPECT_GE(view.verticalHeader()->defaultSectionSize() * 2, before);
   EXPECT_GE(view.verticalHeader()->defaultSectionSize(), view.fontMetrics().height());
-}
-
-TEST_F(ListView, CopyTakesTheSelectedRowsAsTheyAreShown) {
-  fill({{"1", "a"}, {"2", "b"}, {"3", "c"}});
-  view.selectionModel()->select(model.index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-  view.selectionModel()->select(model.index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-  QKeyEvent copy(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
-  QApplication::sendEvent(&view, &copy);
-  EXPECT_EQ(QApplication::clipboard()->text(), "1\ta\n3\tc\n");
-  view.setColumnTwips(0, {0});
-  EXPECT_EQ(view.selectedText(), "a\nc\n");
-}
-
-TEST_F(ListView, CopyQuotesCellsThatWouldBreakTheLines) {
-  fill({{"1", "two\nlines"},
-        {"2", "a\ttab"},
-        {"3", "\r"},
-        {"4", "\"so\" he said"},
-        {"5", "a \"word\""},
-        {"6", "x\n\"y\""}});
-  view.selectAll();
-  EXPECT_EQ(view.selectedText(),
-            "1\t\"two\nlines\"\n"
-            "2\t\"a\ttab\"\n"
-            "3\t\"\r\"\n"
-            "4\t\"\"\"so\"\" he said\"\n"
-            "5\ta \"word\"\n"
-            "6\t\"x\n\"\"y\"\"\"\n");
 }
 
 }  // namespace

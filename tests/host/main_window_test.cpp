@@ -3,10 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
+#include <QTest>
+#include <QToolButton>
 
 #include "base/whole_file.h"
 #include "host/shot.h"
+#include "settings/registry.h"
+#include "tests/support/opened_files.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::host {
@@ -19,6 +25,9 @@ class MainWindowTest : public ::testing::Test {
   MainWindowTest() { options.formFile = QString::fromStdString((folder / "form.json").string()); }
   void writeForm(const std::string& text) { writeWholeFile(folder / "form.json", text); }
   std::string formText() { return readWholeFile(folder / "form.json"); }
+  static void set(const char* key, const std::string& value) {
+    settings::Registry(*settings::platformBackend()).SaveSetting("Molvane", "AuditViewer", key, value);
+  }
 
   test::TemporaryFolder folder;
   test::EnvironmentVariable registry{"KORVEL_REGISTRY", (folder / "settings.reg").string()};
@@ -104,6 +113,129 @@ TEST_F(MainWindowTest, AShotIsNobodysForm) {
   window.show();
   window.close();
   EXPECT_FALSE(std::filesystem::exists(folder / "form.json"));
+}
+
+class MainWindowPlacement : public MainWindowTest {
+ protected:
+  static QRect screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
+};
+
+TEST_F(MainWindowPlacement, TheWindowStandsWhereItStoodWhenItWasClosed) {
+  const QRect left(60, 70, 700, 520);
+  {
+    MainWindow window(options, english);
+    window.present();
+    window.setGeometry(left);
+    window.close();
+  }
+  MainWindow window(options, english);
+  window.present();
+  EXPECT_EQ(window.geometry(), left);
+  EXPECT_FALSE(window.isMaximized());
+}
+
+TEST_F(MainWindowPlacement, AMaximisedWindowRemembersItsOtherSizeToo) {
+  const QRect left(60, 70, 700, 520);
+  {
+    MainWindow window(options, english);
+    window.present();
+    window.setGeometry(left);
+    window.showMaximized();
+    window.close();
+  }
+  EXPECT_EQ(storedPlacement(), (WindowPlacement{left, true}));
+  MainWindow window(options, english);
+  window.present();
+  EXPECT_TRUE(window.isMaximized());
+  window.showNormal();
+  EXPECT_EQ(window.geometry(), left);
+}
+
+TEST_F(MainWindowPlacement, AScreenThatIsGoneOrSmallerLosesNoWindow) {
+  for (const QRect& elsewhere : {QRect(20000, 9000, 700, 520), QRect(-500, -500, 9000, 9000)}) {
+    storePlacement({elsewhere, false});
+    MainWindow window(options, english);
+    window.present();
+    EXPECT_TRUE(screen().contains(window.geometry())) << placementText({window.geometry(), false}).toStdString();
+  }
+}
+
+TEST_F(MainWindowPlacement, ASizeThatIsAskedForComesFirst) {
+  storePlacement({QRect(60, 70, 700, 520), true});
+  options.size = QSize(720, 560);
+  MainWindow window(options, english);
+  window.present();
+  EXPECT_EQ(window.size(), QSize(720, 560));
+  EXPECT_FALSE(window.isMaximized());
+}
+
+TEST_F(MainWindowPlacement, AShotNeitherTakesNorLeavesIt) {
+  storePlacement({QRect(60, 70, 700, 520), true});
+  options.shotFile = "unused.png";
+  {
+    MainWindow window(options, english);
+    EXPECT_EQ(window.size(), QSize(1280, 800));
+    window.present();
+    EXPECT_FALSE(window.isMaximized());
+    window.resize(900, 600);
+    window.close();
+  }
+  EXPECT_EQ(storedPlacement(), (WindowPlacement{QRect(60, 70, 700, 520), true}));
+}
+
+TEST_F(MainWindowPlacement, AWindowThatWasNeverShownLeavesNone) {
+  MainWindow window(options, english);
+  window.close();
+  EXPECT_EQ(storedPlacement(), std::nullopt);
+}
+
+TEST_F(MainWindowTest, F1IsHelpContents) {
+  const test::OpenedFiles opened;
+  const std::string help = (folder / "KorvelAuditViewerHelp_Ger.chm").string();
+  writeWholeFile(help, "help");
+  set("Language", "10000");
+  set("ViewerAppPath", (folder / "KorvelAuditViewer.exe").string());
+  MainWindow window(options, english);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QTest::keyClick(window.viewer().findChild<QWidget*>("tvTreeView"), Qt::Key_F1);
+  EXPECT_EQ(opened.files(), QStringList{QString::fromStdString(help)});
+}
+
+TEST_F(MainWindowTest, F1SaysWhichHelpFileIsMissing) {
+  const test::OpenedFiles opened;
+  set("ViewerAppPath", "/nowhere/KorvelAuditViewer.exe");
+  const UnattendedMessages messages(qApp);
+  MainWindow window(options, english);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QTest::keyClick(&window, Qt::Key_F1);
+  EXPECT_EQ(opened.files(), QStringList());
+  EXPECT_EQ(messages.texts(), QStringList{"The help file /nowhere/KorvelAuditViewerHelp_Eng.chm was not found."});
+}
+
+TEST_F(MainWindowTest, ItsOwnTextsFollowTheLanguage) {
+  options.server = QString::fromStdString((folder / "no such folder").string());
+  MainWindow window(options, english);
+  window.show();
+  window.viewer().TriggerQuery();
+  const auto* heading = window.findChild<QLabel*>("failureHeading");
+  ASSERT_TRUE(heading->isVisible());
+  ASSERT_TRUE(heading->text().startsWith("The query failed at ")) << heading->text().toStdString();
+  set("Language", "10000");
+  Q_EMIT window.viewer().LanguageChanged();
+  EXPECT_TRUE(heading->text().startsWith("Die Abfrage ist fehlgeschlagen (")) << heading->text().toStdString();
+  EXPECT_EQ(window.findChild<QToolButton*>("failureClose")->toolTip(), "Diese Meldung schließen");
+}
+
+TEST_F(MainWindowTest, AMessageThatWasClosedStaysClosedInEveryLanguage) {
+  options.server = QString::fromStdString((folder / "no such folder").string());
+  MainWindow window(options, english);
+  window.show();
+  window.viewer().TriggerQuery();
+  window.findChild<QToolButton*>("failureClose")->click();
+  Q_EMIT window.viewer().LanguageChanged();
+  EXPECT_FALSE(window.findChild<QWidget*>("failureBar")->isVisible());
 }
 
 }  // namespace

@@ -59,6 +59,9 @@ class Program : public ::testing::Test {
   test::TemporaryFolder folder;
 };
 
+/// Below the headers of a picture, the part of the first column that no line of the grid crosses.
+const QRect firstColumn(265, 145, 60, 285);
+
 /// How many lines of text stand below each other in the part of a picture: stretches of pixel rows that are not of one
 /// colour.
 int linesOfText(const QImage& picture, const QRect& part) {
@@ -102,8 +105,6 @@ TEST_F(Program, AShotIsThePictureOfTheAnswer) {
   EXPECT_EQ(result.status, 0) << result.errors.toStdString();
   const QImage picture(path("shot.png"), "PNG");
   ASSERT_EQ(picture.size(), QSize(900, 500));
-  // Below the headers, the part of the first column that no line of the grid crosses.
-  const QRect firstColumn(265, 90, 60, 340);
   EXPECT_GE(linesOfText(picture, firstColumn), 8);
   EXPECT_FALSE(std::filesystem::exists(folder / "config" / "korvel" / "viewer-form.json"));
 }
@@ -115,7 +116,7 @@ TEST_F(Program, AShotWithoutRecordsIsTakenAndSaysSo) {
   EXPECT_TRUE(result.errors.contains("No records found for filter criteria"));
   const QImage picture(path("shot.png"), "PNG");
   ASSERT_FALSE(picture.isNull());
-  EXPECT_EQ(linesOfText(picture, QRect(265, 90, 60, 340)), 0);
+  EXPECT_EQ(linesOfText(picture, firstColumn), 0);
 }
 
 TEST_F(Program, AShotNeedsNoDisplayThatAnswers) {

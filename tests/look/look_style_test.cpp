@@ -241,6 +241,34 @@ TEST(TextRowTest, StandsInOneRowOnlyWhereEveryTextFits) {
   EXPECT_EQ(one->y(), two->y());
 }
 
+TEST(TextRowTest, CutsNoTextOfAnyLengthThatStandsInOneRow) {
+  Window window;
+  auto* row = new TextRow(&window.widget);
+  auto* one = new SecondaryButton(IconName::DateRange, "Short");
+  auto* two = new SecondaryButton(IconName::ClearDate, "i");
+  row->add(one);
+  row->add(two);
+  auto* column = new QVBoxLayout(&window.widget);
+  column->setContentsMargins({});
+  column->addWidget(row);
+  column->addStretch();
+  window.widget.resize(214, 200);
+  window.show();
+  int inOneRow = 0;
+  for (; static_cast<QBoxLayout*>(row->layout())->direction() == QBoxLayout::LeftToRight; ++inOneRow) {
+    QStyleOptionButton option;
+    option.initFrom(two);
+    option.icon = two->icon();
+    option.text = two->text();
+    const int contents = two->style()->subElementRect(QStyle::SE_PushButtonContents, &option, two).width();
+    const int textRoom = contents - 2 * px(two, 4) - two->iconSize().width() - px(two, 4);
+    EXPECT_EQ(two->fontMetrics().elidedText(two->text(), Qt::ElideRight, textRoom), two->text());
+    two->setText(two->text() + 'i');
+    QApplication::processEvents();
+  }
+  EXPECT_GT(inOneRow, 5);
+}
+
 TEST(CardFrameTest, KeepsEightPixelsAndItsCaptionFree) {
   Window window;
   auto* card = new CardFrame("Filter Criteria", &window.widget);

@@ -4,6 +4,7 @@
 
 #include <numeric>
 #include <random>
+#include <set>
 #include <utility>
 
 #include "tests/results/stored_rows.h"
@@ -53,6 +54,56 @@ TEST(ResultList, ShowsTextsWithoutBlanksAroundThem) {
   // The record itself stays as the server gave it.
   EXPECT_EQ(list.store()->cell(list.rowId({0}), {0}).text, "  a b ");
   EXPECT_TRUE(list.store()->cell(list.rowId({0}), {1}).isNull);
+}
+
+/// What visitTexts() brings, each text once, in order.
+std::vector<std::string> visited(const ResultList& list, std::size_t column) {
+  std::set<std::string> texts;
+  list.visitTexts({column}, [&](std::string_view text) { texts.emplace(text); });
+  return {texts.begin(), texts.end()};
+}
+
+TEST(ResultList, VisitsTheTextsThatItShows) {
+  ResultList list = standardList({{" 007", "a "}, {"-012", "b"}, {"10", "a"}});
+  EXPECT_THAT(visited(list, 0), ElementsAre("-012", "007", "10"));
+  EXPECT_THAT(visited(list, 1), ElementsAre("a", "b"));
+  EXPECT_THAT(visited(list, 2), ElementsAre());  // not filled
+  EXPECT_THAT(visited(list, 9), ElementsAre());
+  list.sort();
+  EXPECT_THAT(visited(list, 0), ElementsAre("-12", "10", "7"));
+}
+
+TEST(ResultList, VisitsNoTextOfRowsThatItDoesNotShow) {
+  const auto store = storeOf({{"1", "short"}, {"2", "very long"}, {"3", null}, {"4", "short"}});
+  ResultList list{RowFilling::whole};
+  list.setRows(store, {{3}, {0}, {2}});
+  EXPECT_THAT(visited(list, 0), ElementsAre("1", "3", "4"));
+  EXPECT_THAT(visited(list, 1), ElementsAre("short"));
+}
+
+TEST(ResultList, VisitsOnlyRecordsThatFillTheColumn) {
+  auto store = std::make_shared<RowStore>();
+  addResult(*store, {{"1", "a", "b", "c"}});
+  addResult(*store, {{"2", "d", "e"}});
+  ResultList list{RowFilling::standard};
+  list.setRows(store, {{0}, {1}});
+  EXPECT_THAT(visited(list, 0), ElementsAre("1", "2"));
+  EXPECT_THAT(visited(list, 1), ElementsAre("a"));
+}
+
+TEST(ResultList, VisitsEveryTextOfManyRows) {
+  // Running numbers, for which a column stops looking for repeats, and a few texts.
+  std::vector<Row> rows;
+  for (int i = 0; i < 20000; ++i) rows.push_back({std::to_string(i), std::to_string(i % 7)});
+  ResultList list = customList(rows);
+  EXPECT_EQ(visited(list, 0).size(), rows.size());
+  EXPECT_EQ(visited(list, 1).size(), 7U);
+  std::vector<RowId> some;
+  for (std::uint32_t row = 1; row < rows.size(); row += 2) some.push_back({row});
+  const auto store = storeOf(rows);
+  list.setRows(store, some);
+  EXPECT_EQ(visited(list, 0).size(), some.size());
+  EXPECT_EQ(visited(list, 1).size(), 7U);
 }
 
 TEST(ResultList, StandardFillingLeavesTheLastTwoColumnsEmpty) {

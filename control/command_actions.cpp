@@ -1,0 +1,183 @@
+#include "control/command_actions.h"
+
+#include <QMenu>
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "control/look/icons.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+using look::IconName;
+using look::IconTone;
+
+struct CommandDrawing {
+  std::string_view key;
+  IconName icon;
+  IconTone tone = IconTone::Text;
+};
+
+constexpr std::array drawings = {
+    CommandDrawing{"SELECT", IconName::Select},
+    CommandDrawing{"INFO", IconName::Info},
+    CommandDrawing{"PAGESETUP", IconName::PageSetup},
+    CommandDrawing{"PRINT", IconName::Print},
+    CommandDrawing{"EXIT", IconName::Exit},
+    CommandDrawing{"QUERY", IconName::Query, IconTone::Accent},
+    CommandDrawing{"CLEAR", IconName::Clear},
+    CommandDrawing{"SELECTALLFILTERS", IconName::SelectAll},
+    CommandDrawing{"CLEARALLFILTERS", IconName::UnselectAll},
+    CommandDrawing{"EXPORTEXCEL", IconName::Export},
+    CommandDrawing{"FONT", IconName::Font},
+    CommandDrawing{"ADJUSTCOL", IconName::Columns},
+    CommandDrawing{"TOOLS", IconName::SideTools},
+    CommandDrawing{"LANGUAGE", IconName::Language},
+    CommandDrawing{"ABOUT", IconName::About},
+};
+
+bool isSeparator(const CommandItem& item) {
+  return item.kind == ItemKind::menuSeparator;
+}
+bool isMenu(const CommandItem& item) {
+  return item.kind == ItemKind::topLevelMenu || item.kind == ItemKind::submenu;
+}
+
+/// Marks the actions that an adapter made for an item: what they were made for.
+constexpr const char* keyProperty = "korvelCommandKey";
+
+QString actionText(const CommandItem& item) {
+  const QString caption = fromUtf8(item.caption);
+  return item.shortcutText.empty() ? caption : caption + QLatin1Char('\t') + fromUtf8(item.shortcutText);
+}
+
+}  // namespace
+
+QIcon commandIcon(const CommandItem& item) {
+  // What is ticked has its tick in the place of a drawing.
+  if (item.kind == ItemKind::check) return {};
+  const auto* found =
+      std::find_if(drawings.begin(), drawings.end(), [&](const CommandDrawing& row) { return row.key == item.key; });
+  return found == drawings.end() ? QIcon() : look::icon(found->icon, found->tone);
+}
+
+CommandActions::CommandActions(QWidget& container, CommandHooks hooks)
+    : container_(container), hooks_(std::move(hooks)) {}
+
+void CommandActions::mirror(const Items& items) {
+  bound_.clear();
+  if (!fits(container_, items)) {
+    dismantle(container_);
+    build(container_, items);
+  }
+  bind(container_, items);
+  refresh();
+}
+
+bool CommandActions::fits(const QWidget& container, const Items& items) const {
+  const QList<QAction*> actions = container.actions();
+  if (static_cast<std::size_t>(actions.size()) != items.size()) return false;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const QAction& action = *actions[static_cast<qsizetype>(i)];
+    const CommandItem& item = *items[i];
+    const QMenu* menu = action.menu();
+    if (action.property(keyProperty).toString() != fromUtf8(item.key)) return false;
+    if (action.isSeparator() != isSeparator(item) || (menu != nullptr) != isMenu(item)) return false;
+    if (action.isCheckable() != (item.kind == ItemKind::check)) return false;
+    if (menu != nullptr && !fits(*menu, item.children)) return false;
+  }
+  return true;
+}
+
+void CommandActions::dismantle(QWidget& container) {
+  const QList<QAction*> actions = container.actions();
+  for (QAction* action : actions) {
+    container.removeAction(action);
+    // Later: it may be this very action, or one in this menu, that is at work.
+    if (QMenu* menu = action->menu()) {
+      menu->setObjectName(QString());
+      menu->deleteLater();
+    } else {
+      action->setObjectName(QString());
+      action->deleteLater();
+    }
+  }
+}
+
+void CommandActions::build(QWidget& container, const Items& items) {
+  for (const auto& item : items) {
+    QAction* action = isMenu(*item) ? makeMenu(container, *item)->menuAction() : makeAction(container, *item);
+    action->setProperty(keyProperty, fromUtf8(item->key));
+    container.addAction(action);
+  }
+}
+
+QMenu* CommandActions::makeMenu(QWidget& container, const CommandItem& item) {
+  auto* menu = new QMenu(&container);
+  menu->setObjectName(fromUtf8(item.key));
+  build(*menu, item.children);
+  QAction* const action = menu->menuAction();
+  QObject::connect(action, &QAction::hovered, &container_, [this, action] { highlight(action); });
+  QObject::connect(menu, &QMenu::aboutToHide, &container_, [this] {
+    if (hooks_.closed) hooks_.closed();
+  });
+  return menu;
+}
+
+QAction* CommandActions::makeAction(QWidget& container, const CommandItem& item) {
+  auto* action = new QAction(&container);
+  if (isSeparator(item)) {
+    action->setSeparator(true);
+    return action;
+  }
+  action->setObjectName(fromUtf8(item.key));
+  action->setCheckable(item.kind == ItemKind::check);
+  // Captions decide, not what the toolkit reads out of them ("Exit" and the like have a place of their own on some
+  // platforms).
+  action->setMenuRole(QAction::NoRole);
+  QObject::connect(action, &QAction::hovered, &container_, [this, action] { highlight(action); });
+  QObject::connect(action, &QAction::triggered, &container_, [this, action] { click(action); });
+  return action;
+}
+
+void CommandActions::bind(QWidget& container, const Items& items) {
+  const QList<QAction*> actions = container.actions();
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    QAction* const action = actions[static_cast<qsizetype>(i)];
+    CommandItem* const item = items[i].get();
+    bound_.insert(action, item);
+    if (isSeparator(*item)) continue;
+    action->setText(actionText(*item));
+    action->setShortcut(QKeySequence(fromUtf8(item->shortcutText)));
+    action->setChecked(item->checked);
+    action->setIcon(item->kind == ItemKind::topLevelMenu ? QIcon() : commandIcon(*item));
+    if (QMenu* menu = action->menu()) bind(*menu, item->children);
+  }
+}
+
+void CommandActions::refresh() {
+  for (auto it = bound_.cbegin(); it != bound_.cend(); ++it) it.key()->setEnabled(usable(*it.value()));
+}
+
+bool CommandActions::usable(const CommandItem& item) const {
+  if (!item.enabled) return false;
+  return isMenu(item) || isSeparator(item) || !hooks_.available || hooks_.available(item);
+}
+
+void CommandActions::click(QAction* action) {
+  CommandItem* const item = bound_.value(action);
+  if (item == nullptr) return;
+  if (item->kind == ItemKind::check) item->checked = action->isChecked();
+  // A copy: the surface may be destroyed by what it announces.
+  const auto clicked = hooks_.clicked;
+  if (clicked) clicked(*item);
+}
+
+void CommandActions::highlight(QAction* action) const {
+  const CommandItem* const item = bound_.value(action);
+  if (item != nullptr && hooks_.highlighted) hooks_.highlighted(*item);
+}
+
+}  // namespace korvel::control

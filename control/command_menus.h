@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QMenu>
+#include <QMenuBar>
+
+#include "control/command_actions.h"
+
+namespace korvel::control {
+
+/// The menu bar `SmartMenu`.
+class CommandMenuBar final : public QMenuBar {
+  Q_OBJECT
+
+ public:
+  explicit CommandMenuBar(QWidget* parent = nullptr);
+
+  /// Before the first mirror().
+  void setHooks(CommandHooks hooks);
+  void mirror(const CommandItems& items);
+  void refresh();
+  /// Opens the first menu that can be opened, for the keyboard.
+  void openFirstMenu();
+
+ protected:
+  void focusOutEvent(QFocusEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+
+ private:
+  void announceClosed();
+
+  std::function<void()> closed_;
+  std::unique_ptr<CommandActions> actions_;
+};
+
+/// The context menu `SmartPopup`: shows what stands under the one root of its items.
+class CommandPopup final : public QMenu {
+  Q_OBJECT
+
+ public:
+  explicit CommandPopup(QWidget* parent = nullptr);
+
+  void setHooks(CommandHooks hooks);
+  void mirror(const CommandItems& items);
+
+ private:
+  std::unique_ptr<CommandActions> actions_;
+};
+
+}  // namespace korvel::control

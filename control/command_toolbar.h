@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QToolBar>
+#include <string_view>
+#include <vector>
+
+#include "control/command_actions.h"
+
+namespace korvel::control {
+
+/// The toolbar `SmartToolbar`: mirrors the top-level items, placeholders as empty slots that take no part in anything.
+class CommandToolbar final : public QToolBar {
+  Q_OBJECT
+
+ public:
+  explicit CommandToolbar(QWidget* parent = nullptr);
+
+  /// `name` tells what a button does that has no tooltip: for assistive technology, and for the list of buttons that
+  /// do not fit.
+  void setHooks(CommandHooks hooks, std::function<QString(const CommandItem&)> name);
+  /// The items as they stand now; they are looked at again at every click, so they must live until the next call.
+  void mirror(const CommandItems& items);
+  void refresh();
+
+  /// The buttons in their order.
+  [[nodiscard]] std::vector<QWidget*> buttons() const;
+
+ private:
+  struct Slot {
+    QAction* action;
+    CommandItem* item;
+  };
+
+  void build(const CommandItems& items);
+  QAction* makeButton(const CommandItem& item);
+  void caption(const Slot& slot);
+  void click(const QAction* action);
+
+  CommandHooks hooks_;
+  std::function<QString(const CommandItem&)> name_;
+  std::vector<Slot> slots_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,56 @@
+#include "control/forms/about.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "control/look/buttons.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/mark.h"
+#include "control/look/theme.h"
+
+namespace korvel::control {
+
+QString aboutText(const LibraryVersion& version) {
+  // One number after the other in plain digits, whatever the locale.
+  return QStringLiteral("Korvel Audit Viewer - v") + QString::number(version.majorNumber) + QLatin1Char('.') +
+         QString::number(version.minorNumber) + QLatin1Char('.') + QString::number(version.revision);
+}
+
+frmAbout::frmAbout(const LibraryVersion& version, QWidget* owner)
+    : QDialog(owner),
+      Image1_(new look::MarkPicture),
+      lblVersion_(new QLabel(aboutText(version))),
+      btOk_(new look::PrimaryButton) {
+  setObjectName(QStringLiteral("frmAbout"));
+  // Deliberately not the name on the version label.
+  setWindowTitle(QStringLiteral("About velAudit Viewer"));
+  setModal(true);
+  look::applyLook(*this);
+  Image1_->setObjectName(QStringLiteral("Image1"));
+  Image1_->setAccessibleName(QStringLiteral("Korvel Audit Viewer"));
+  lblVersion_->setObjectName(QStringLiteral("lblVersion"));
+  lblVersion_->setTextFormat(Qt::PlainText);
+  lblVersion_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  lblVersion_->setFont(look::semiBold(lblVersion_->font()));
+  btOk_->setObjectName(QStringLiteral("btOk"));
+  btOk_->setText(QStringLiteral("OK"));
+  connect(btOk_, &QPushButton::clicked, this, &QDialog::accept);
+
+  QVBoxLayout* column = look::dressDialog(*this);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(2 * look::px(this, look::space::between));
+  row->addWidget(Image1_);
+  row->addWidget(lblVersion_, 1);
+  column->addLayout(row);
+  auto* buttons = new QDialogButtonBox;
+  buttons->addButton(btOk_, QDialogButtonBox::AcceptRole);
+  look::addButtons(*this, buttons);
+  btOk_->setDefault(true);
+  btOk_->setFocus();
+  column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+}  // namespace korvel::control

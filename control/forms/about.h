@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDialog>
+
+#include "control/library_version.h"
+
+class QLabel;
+class QPushButton;
+
+namespace korvel::look {
+class MarkPicture;
+}
+
+namespace korvel::control {
+
+/// The text of the version label. Deliberately English in every language, as the whole box is.
+[[nodiscard]] QString aboutText(const LibraryVersion& version);
+
+/// The about box: a fixed dialog with a picture, the version and a button.
+class frmAbout final : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmAbout(const LibraryVersion& version, QWidget* owner);
+
+ private:
+  look::MarkPicture* Image1_;
+  QLabel* lblVersion_;
+  QPushButton* btOk_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,274 @@
+#include "control/forms/record_view.h"
+
+#include <QClipboard>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QScreen>
+#include <QScrollArea>
+#include <QShortcut>
+#include <algorithm>
+#include <limits>
+
+#include "base/text.h"
+#include "control/forms/value_field.h"
+#include "control/look/buttons.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/theme.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+using results::ColumnIndex;
+using results::RowPosition;
+
+constexpr int firstWidth = 760;
+constexpr int firstHeight = 620;
+constexpr int mostLines = 6;
+constexpr int leastLinesOfChange = 3;
+constexpr int mostLinesOfChange = 12;
+
+// The keys, beside the marked letters of the buttons.
+const QKeySequence nextKey(Qt::CTRL | Qt::Key_PageDown);
+const QKeySequence previousKey(Qt::CTRL | Qt::Key_PageUp);
+
+QString withKey(QString text, const QKeySequence& key) {
+  return text.remove(QLatin1Char('&')) + QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
+}
+
+template <typename Element>
+Element* named(Element* element, const char* name) {
+  element->setObjectName(QLatin1String(name));
+  return element;
+}
+
+}  // namespace
+
+RecordView::RecordView(QWidget* owner) : QDialog(owner) {
+  setObjectName(QStringLiteral("frmRecordView"));
+  look::applyLook(*this);
+  auto* column = look::dressDialog(*this);
+  area_ = named(new QScrollArea, "areaFields");
+  area_->setWidgetResizable(true);
+  area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  // Without a handle where there is nothing to scroll. A bar that came and went would wrap the values anew each time.
+  area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  // The fields inside of it take the focus.
+  area_->setFocusPolicy(Qt::NoFocus);
+  column->addWidget(area_, 1);
+  buildFoot();
+  addShortcuts();
+
+  QSize size(look::px(this, firstWidth), look::px(this, firstHeight));
+  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
+  resize(size);
+}
+
+void RecordView::buildFoot() {
+  btPrevious_ = named(new look::SecondaryButton(look::IconName::PreviousPage, QString()), "btPrevious");
+  btNext_ = named(new look::SecondaryButton(look::IconName::NextPage, QString()), "btNext");
+  lblPlace_ = named(new QLabel, "lblPlace");
+  look::setMuted(*lblPlace_);
+  btCopy_ = named(new look::SecondaryButton(look::IconName::Copy, QString()), "btCopy");
+  btClose_ = named(new look::PrimaryButton, "btClose");
+  btClose_->setDefault(true);
+  connect(btPrevious_, &QPushButton::clicked, this, [this] { showPrevious(); });
+  connect(btNext_, &QPushButton::clicked, this, [this] { showNext(); });
+  connect(btCopy_, &QPushButton::clicked, this, [this] { copyRecord(); });
+  connect(btClose_, &QPushButton::clicked, this, &QDialog::reject);
+
+  auto* foot = new QHBoxLayout;
+  foot->setSpacing(look::px(this, look::space::inside));
+  foot->addWidget(btPrevious_);
+  foot->addWidget(btNext_);
+  foot->addWidget(lblPlace_, 1);
+  foot->addWidget(btCopy_);
+  foot->addWidget(btClose_);
+  static_cast<QVBoxLayout*>(layout())->addLayout(foot);
+}
+
+void RecordView::addShortcuts() {
+  const auto onKey = [this](const QKeySequence& key, int by) {
+    connect(new QShortcut(key, this), &QShortcut::activated, this, [this, by] { step(by); });
+  };
+  onKey(nextKey, 1);
+  onKey(QKeySequence(Qt::ALT | Qt::Key_Down), 1);
+  onKey(previousKey, -1);
+  onKey(QKeySequence(Qt::ALT | Qt::Key_Up), -1);
+}
+
+void RecordView::setTexts() {
+  btPrevious_->setText(ownText("record.previous"));
+  btPrevious_->setToolTip(withKey(btPrevious_->text(), previousKey));
+  btNext_->setText(ownText("record.next"));
+  btNext_->setToolTip(withKey(btNext_->text(), nextKey));
+  btCopy_->setText(ownText("record.copy"));
+  btClose_->setText(ownText("record.close"));
+  for (const Field& field : fields_) field.value->setMenuTexts(ownText("record.copyText"), ownText("record.selectAll"));
+}
+
+void RecordView::showRecord(ResultListView& list, int row) {
+  if (row < 0 || row >= list.listModel().rowCount()) return;
+  follow(list);
+  record_ = list.listModel().index(row, 0);
+  fill();
+  setTexts();
+  btClose_->setFocus();
+  open();
+}
+
+void RecordView::follow(ResultListView& list) {
+  for (const QMetaObject::Connection& connection : connections_) disconnect(connection);
+  connections_.clear();
+  list_ = &list;
+  const QAbstractItemModel* const model = &list.listModel();
+  connections_ = {
+      // Its record is not in the list any more.
+      connect(model, &QAbstractItemModel::modelAboutToBeReset, this,
+              [this] {
+                record_ = QPersistentModelIndex();
+                close();
+              }),
+      connect(model, &QAbstractItemModel::layoutChanged, this, [this] { fillFoot(); }),
+  };
+}
+
+void RecordView::step(int by) {
+  if (list_.isNull() || !record_.isValid()) return;
+  const int to = record_.row() + by;
+  if (to < 0 || to >= list_->listModel().rowCount()) return;
+  record_ = list_->listModel().index(to, 0);
+  list_->goToRow(to);
+  fill();
+}
+
+RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
+  Field field;
+  field.caption = caption;
+  // A field may have an "&" in its name, which marks no letter.
+  field.label = new QLabel(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
+  field.label->setTextFormat(Qt::PlainText);
+  look::setMuted(*field.label);
+  field.value = framed ? new ValueField(ValueField::Frame::always, leastLinesOfChange, mostLinesOfChange)
+                       : new ValueField(ValueField::Frame::none, 1, mostLines);
+  field.value->setAccessibleName(caption);
+  field.value->setObjectName(QStringLiteral("value%1").arg(fields_.size()));
+  field.label->setBuddy(field.value);
+  field.note = new QLabel;
+  field.note->setWordWrap(true);
+  look::setMuted(*field.note);
+  fields_.push_back(field);
+  return fields_.back();
+}
+
+void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValue) {
+  const bool same = oldValue_ == oldValue &&
+                    std::equal(captions.begin(), captions.end(), fields_.begin(), fields_.end(),
+                               [](const QString& caption, const Field& field) { return caption == field.caption; });
+  if (same) return;
+  fields_.clear();
+  oldValue_ = oldValue;
+  auto* form = new QWidget;
+  form->setBackgroundRole(QPalette::Base);
+  auto* grid = new QGridLayout(form);
+  const int inside = look::px(this, look::space::inside);
+  grid->setContentsMargins(inside, inside, look::px(this, look::space::inGroup), inside);
+  grid->setHorizontalSpacing(inside);
+  grid->setVerticalSpacing(look::px(this, 2));
+  grid->setColumnStretch(1, 1);
+  int line = 0;
+  const auto below = [](QWidget* first, QWidget* second, QWidget* third) {
+    auto* stack = new QVBoxLayout;
+    stack->setSpacing(0);
+    for (QWidget* each : {first, second, third})
+      if (each != nullptr) stack->addWidget(each);
+    stack->addStretch(1);
+    return stack;
+  };
+  for (std::size_t i = 0; i < captions.size(); ++i, ++line) {
+    if (static_cast<int>(i) == oldValue) {
+      auto* pair = new QHBoxLayout;
+      pair->setContentsMargins(0, look::px(this, look::space::inGroup), 0, look::px(this, look::space::inGroup));
+      pair->setSpacing(inside);
+      for (const std::size_t each : {i, i + 1}) {
+        const Field& field = addField(captions[each], true);
+        field.label->setContentsMargins(0, 0, 0, look::px(this, look::space::inGroup));
+        pair->addLayout(below(field.label, field.value, field.note), 1);
+      }
+      grid->addLayout(pair, line, 0, 1, 2);
+      ++i;
+      continue;
+    }
+    const Field& field = addField(captions[i], false);
+    // The caption stands beside the first line of its value.
+    field.label->setContentsMargins(0, static_cast<int>(field.value->document()->documentMargin()), 0, 0);
+    grid->addWidget(field.label, line, 0, Qt::AlignTop);
+    grid->addLayout(below(field.value, field.note, nullptr), line, 1);
+  }
+  grid->setRowStretch(line, 1);
+  area_->setWidget(form);
+  QWidget* before = nullptr;
+  for (const Field& field : fields_) {
+    if (before != nullptr) setTabOrder(before, field.value);
+    before = field.value;
+  }
+  for (QWidget* const button : {btPrevious_, btNext_, btCopy_, btClose_}) {
+    if (before != nullptr) setTabOrder(before, button);
+    before = button;
+  }
+}
+
+void RecordView::fill() {
+  const results::RowStore& store = *list().store();
+  const results::RowId id = list().rowId(RowPosition{static_cast<std::size_t>(record_.row())});
+  const auto fields = store.fieldsOf(id);
+  std::vector<QString> captions;
+  int oldValue = -1;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const auto& columns = list().columns();
+    captions.push_back(fromUtf8(i < columns.size() ? columns[i].caption : fields[i].name));
+    if (i > 0 && equalsIgnoringAsciiCase(fields[i - 1].name, "OldValue") &&
+        equalsIgnoringAsciiCase(fields[i].name, "NewValue"))
+      oldValue = static_cast<int>(i) - 1;
+  }
+  arrangeFields(captions, oldValue);
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    const db::Cell cell = store.cell(id, ColumnIndex{i});
+    const Field& field = fields_[i];
+    // The record as it is stored: blanks around it, and leading zeros, belong to it.
+    field.value->setValue(fromUtf8(cell.text), ownText(cell.isNull ? "record.null" : "record.empty"));
+    field.note->setVisible(field.value->isCut());
+    if (field.value->isCut())
+      field.note->setText(ownText("record.cut").arg(ValueField::shownCharacters).arg(field.value->value().size()));
+  }
+  fillFoot();
+}
+
+void RecordView::fillFoot() {
+  if (list_.isNull() || !record_.isValid()) return;
+  const int count = list_->listModel().rowCount();
+  const QString place = ownText("record.place").arg(record_.row() + 1).arg(count);
+  setWindowTitle(place);
+  lblPlace_->setText(place);
+  const bool hadFocus = btNext_->hasFocus() || btPrevious_->hasFocus();
+  btPrevious_->setEnabled(record_.row() > 0);
+  btNext_->setEnabled(record_.row() + 1 < count);
+  // Who went as far as there is goes back from there.
+  if (hadFocus && !btNext_->isEnabled()) btPrevious_->setFocus();
+  if (hadFocus && !btPrevious_->isEnabled()) btNext_->setFocus();
+}
+
+void RecordView::copyRecord() const {
+  RowCopy copy(std::numeric_limits<qsizetype>::max());
+  for (const Field& field : fields_) {
+    copy.beginRow();
+    copy.addCell(field.caption, RowCopy::CellKind::caption);
+    copy.addCell(field.value->value());
+    copy.endRow();
+  }
+  QGuiApplication::clipboard()->setMimeData(copy.mimeData());
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QPlainTextEdit>
+
+namespace korvel::control {
+
+/// Shows a whole value, line breaks and all, for reading and copying. As high as the value needs, between two numbers
+/// of lines; a longer one scrolls.
+class ValueField final : public QPlainTextEdit {
+  Q_OBJECT
+
+ public:
+  enum class Frame { none, always };
+
+  ValueField(Frame frame, int leastLines, int mostLines, QWidget* parent = nullptr);
+
+  /// Shows `value`, of a very long one its beginning only: see isCut(). `stand` is what is said in grey in the place of
+  /// a value that has no text.
+  void setValue(const QString& value, const QString& stand);
+  [[nodiscard]] const QString& value() const { return value_; }
+  [[nodiscard]] bool isCut() const { return value_.size() > shownCharacters; }
+  /// Texts in one line take some seconds a million characters to lay out.
+  static constexpr qsizetype shownCharacters = 100000;
+
+  void setMenuTexts(const QString& copy, const QString& selectAll);
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+
+ private:
+  [[nodiscard]] int lines() const;
+  [[nodiscard]] int heightOf(int lines) const;
+  void fitHeight();
+
+  int leastLines_;
+  int mostLines_;
+  QString value_;
+  QString copyText_;
+  QString selectAllText_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,55 @@
+#include "control/look/mark.h"
+
+#include <QPainter>
+#include <algorithm>
+
+#include "control/look/icons.h"
+#include "control/look/palettes.h"
+#include "control/look/theme.h"
+
+namespace korvel::look {
+namespace {
+
+constexpr int pictureSide = 64;
+
+void paintMark(QPainter& painter, const QRectF& place, const QPalette& palette) {
+  const qreal side = std::min(place.width(), place.height());
+  const QRectF tile(place.x() + (place.width() - side) / 2, place.y() + (place.height() - side) / 2, side, side);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Theme::of(palette).fill);
+  painter.drawRoundedRect(tile, side * 0.22, side * 0.22);
+  const qreal inset = side * 0.09;
+  const IconPalette ink(palette);
+  icon(IconName::Viewer, IconTone::OnFill).paint(&painter, tile.adjusted(inset, inset, -inset, -inset).toRect());
+}
+
+}  // namespace
+
+QIcon markIcon() {
+  QIcon mark;
+  for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    paintMark(painter, pixmap.rect(), lightPalette());
+    painter.end();
+    mark.addPixmap(pixmap);
+  }
+  return mark;
+}
+
+MarkPicture::MarkPicture(QWidget* parent) : QWidget(parent) {
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize MarkPicture::sizeHint() const {
+  return {px(this, pictureSide), px(this, pictureSide)};
+}
+
+void MarkPicture::paintEvent(QPaintEvent* /*event*/) {
+  QPainter painter(this);
+  paintMark(painter, rect(), palette());
+}
+
+}  // namespace korvel::look

@@ -1,0 +1,65 @@
+#include "tests/control/command_surfaces.h"
+
+namespace korvel::test {
+namespace {
+
+using Keyboard = CommandTest;
+
+TEST_F(Keyboard, MnemonicsOpenTheirMenus) {
+  const auto viewer = shownViewer();
+  activate(*viewer);
+  element(*viewer, "tvTreeView")->setFocus();
+  const std::pair<Qt::Key, const char*> menus[] = {{Qt::Key_T, "TOOLS"}, {Qt::Key_V, "VIEW"}, {Qt::Key_H, "HELP"}};
+  for (const auto& row : menus) {
+    QTest::keyClick(viewer.get(), row.first, Qt::AltModifier);
+    QMenu* menu = entry(*viewer, row.second)->menu();
+    EXPECT_TRUE(menu->isVisible()) << row.second;
+    menu->close();
+  }
+}
+
+TEST_F(Keyboard, F10OpensTheFirstMenuAndArrowsGoOn) {
+  const auto viewer = shownViewer();
+  activate(*viewer);
+  element(*viewer, "tvTreeView")->setFocus();
+  QTest::keyClick(element(*viewer, "tvTreeView"), Qt::Key_F10);
+  QMenu* file = entry(*viewer, "FILE")->menu();
+  ASSERT_TRUE(file->isVisible());
+  EXPECT_EQ(file->activeAction(), entry(*viewer, "FILE/SELECT"));
+  QTest::keyClick(file, Qt::Key_Right);
+  EXPECT_FALSE(file->isVisible());
+  EXPECT_TRUE(entry(*viewer, "TOOLS")->menu()->isVisible());
+  entry(*viewer, "TOOLS")->menu()->close();
+}
+
+TEST_F(Keyboard, AltXLeaves) {
+  const auto viewer = shownViewer();
+  QSignalSpy exit(viewer.get(), &AuditViewer::ExitApp);
+  activate(*viewer);
+  element(*viewer, "tvTreeView")->setFocus();
+  QTest::keyClick(element(*viewer, "tvTreeView"), Qt::Key_X, Qt::AltModifier);
+  EXPECT_EQ(exit.count(), 1);
+}
+
+TEST_F(Keyboard, TabReachesTheToolbarBeforeTheTree) {
+  const auto viewer = shownViewer();
+  activate(*viewer);
+  button(*viewer, "SELECT")->setFocus();
+  QStringList visited;
+  for (int i = 0; i < 9; ++i) {
+    visited.append(viewer->focusWidget()->objectName().remove("SmartToolbar_"));
+    QTest::keyClick(viewer->focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_EQ(visited.join(' '), "SELECT INFO QUERY CLEAR SELECTALLFILTERS CLEARALLFILTERS ADJUSTCOL TOOLS tvTreeView");
+}
+
+TEST_F(Keyboard, SpacePressesAToolbarButton) {
+  const auto viewer = shownViewer();
+  activate(*viewer);
+  button(*viewer, "CLEARALLFILTERS")->setFocus();
+  QTest::keyClick(button(*viewer, "CLEARALLFILTERS"), Qt::Key_Space);
+  EXPECT_FALSE(treeText(*viewer).contains("[x]"));
+}
+
+}  // namespace
+}  // namespace korvel::test

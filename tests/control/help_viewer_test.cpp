@@ -1,0 +1,92 @@
+// Help where the desktop opens it: what the platform is handed and what the person is told.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QMessageBox>
+#include <QTimer>
+#include <QUrl>
+
+#include "base/whole_file.h"
+#include "control/help_viewer.h"
+#include "control/qt_control_services.h"
+#include "tests/support/opened_files.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::control {
+namespace {
+
+class HelpViewer : public ::testing::Test {
+ protected:
+  HelpViewer() {
+    QObject::connect(&boxes_, &QTimer::timeout, [this] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      told.append(box->text());
+      box->accept();
+    });
+    boxes_.start(0);
+  }
+  QString helpFile(const char* name) {
+    writeWholeFile(folder / name, "help");
+    return QString::fromStdString((folder / name).string());
+  }
+
+  test::TemporaryFolder folder;
+  QtControlServices services;
+  QWidget owner;
+  QStringList told;
+
+ private:
+  QTimer boxes_;
+};
+
+TEST_F(HelpViewer, AFileGoesToTheDesktopAsALocalAddress) {
+  const test::OpenedFiles opened;
+  const QString file = helpFile("-a help #1%41.chm");
+  services.openHelp(&owner, file, HelpCommand::contents);
+  services.openHelp(&owner, file, HelpCommand::index);
+  EXPECT_EQ(opened.files(), (QStringList{file, file}));
+  EXPECT_EQ(told, QStringList());
+}
+
+TEST_F(HelpViewer, ARelativePathIsMadeWhole) {
+  const test::OpenedFiles opened;
+  const QString file = helpFile("Help.chm");
+  const QString before = QDir::currentPath();
+  QDir::setCurrent(QString::fromStdString(folder.path().string()));
+  services.openHelp(&owner, "Help.chm", HelpCommand::contents);
+  QDir::setCurrent(before);
+  EXPECT_EQ(opened.files(), QStringList{QFileInfo(file).canonicalFilePath()});
+}
+
+TEST_F(HelpViewer, AnEmptyPathShowsNothing) {
+  const test::OpenedFiles opened;
+  services.openHelp(&owner, QString(), HelpCommand::contents);
+  services.openHelp(&owner, QString(), HelpCommand::index);
+  EXPECT_EQ(opened.files(), QStringList());
+  EXPECT_EQ(told, QStringList());
+}
+
+TEST_F(HelpViewer, AMissingFileIsSaid) {
+  const test::OpenedFiles opened;
+  const QString missing = QString::fromStdString((folder / "Help_Eng.chm").string());
+  services.openHelp(&owner, missing, HelpCommand::contents);
+  // A folder is no help file either, and an address of the web is not a path.
+  services.openHelp(&owner, QString::fromStdString(folder.path().string()), HelpCommand::contents);
+  services.openHelp(&owner, "https://localhost/Help.chm", HelpCommand::contents);
+  EXPECT_EQ(opened.files(), QStringList());
+  ASSERT_EQ(told.size(), 3);
+  EXPECT_EQ(told[0], "The help file " + missing + " was not found.");
+}
+
+TEST_F(HelpViewer, ADesktopWithoutAProgramForItIsSaid) {
+  // The tests' platform has no desktop.
+  const QString file = helpFile("Help%1.chm");
+  services.openHelp(&owner, file, HelpCommand::contents);
+  EXPECT_EQ(told, QStringList{"There is no program that opens the help file " + file + "."});
+}
+
+}  // namespace
+}  // namespace korvel::control

@@ -1,0 +1,320 @@
+#include "control/forms/record_view.h"
+
+#include <gmock/gmock.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QMimeData>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
+#include <algorithm>
+
+#include "control/forms/value_field.h"
+#include "control/texts.h"
+#include "tests/control/list_fixture.h"
+#include "tests/control/viewer_fixture.h"
+
+namespace korvel::test {
+namespace {
+
+using control::RecordView;
+using control::ValueField;
+using ::testing::ElementsAre;
+
+/// The values of the fields that are to be seen, by their captions.
+QString fieldsOf(const RecordView& view) {
+  QString text;
+  for (int i = 0;; ++i) {
+    const auto* field = view.findChild<ValueField*>(QStringLiteral("value%1").arg(i));
+    if (field == nullptr) return text;
+    text += field->accessibleName() + QLatin1Char('=') + field->toPlainText() + QLatin1Char(';');
+  }
+}
+
+ValueField* field(const RecordView& view, const QString& caption) {
+  for (auto* each : view.findChildren<ValueField*>())
+    if (each->accessibleName() == caption) return each;
+  ADD_FAILURE() << "no field " << caption.toStdString();
+  return nullptr;
+}
+
+/// A custom list with fields of its own, one of them null.
+class RecordOfAList : public ListView {
+ protected:
+  void fillRecords(const std::vector<std::vector<std::optional<std::string>>>& records) {
+    const ResultListModel::RowsChange change(model);
+    auto store = std::make_shared<results::RowStore>();
+    std::vector<db::Field> fields;
+    for (std::size_t i = 0; i < records.front().size(); ++i) fields.push_back({"F" + std::to_string(i)});
+    store->beginResult(fields);
+    std::vector<RowId> ids;
+    for (const auto& values : records) {
+      std::vector<db::Cell> cells;
+      for (const auto& value : values) cells.push_back({value ? std::string_view(*value) : "", !value.has_value()});
+      ids.push_back(store->append(cells));
+    }
+    list.setRows(store, ids);
+  }
+  QPushButton* button(const char* name) const { return record.findChild<QPushButton*>(QLatin1String(name)); }
+  void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(QApplication::focusWidget() != nullptr ? QApplication::focusWidget() : &record, Qt::Key(key),
+                    modifiers);
+  }
+  RecordView record{&view};
+};
+
+TEST_F(RecordOfAList, ShowsEveryFieldOfTheAnswerAsItIsStored) {
+  fillRecords({{" 007 ", "two\nlines", "", std::nullopt}});
+  record.showRecord(view, 0);
+  EXPECT_TRUE(record.isVisible());
+  // Two columns have captions in the list; the other fields have their names.
+  EXPECT_EQ(fieldsOf(record), "Entry ID= 007 ;Area=two\nlines;F2=;F3=;");
+  EXPECT_EQ(field(record, "F2")->placeholderText(), "Empty text");
+  EXPECT_EQ(field(record, "F3")->placeholderText(), "No value (NULL)");
+  EXPECT_EQ(record.windowTitle(), "Record 1 of 1");
+}
+
+TEST_F(RecordOfAList, FollowsTheOrderOfTheList) {
+  fill({{"1", "b"}, {"2", "a"}, {"3", "c"}});
+  view.clickHeader(1);  // 2 1 3
+  record.showRecord(view, 0);
+  EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=a;");
+  EXPECT_FALSE(button("btPrevious")->isEnabled());
+  button("btNext")->click();
+  EXPECT_EQ(fieldsOf(record), "Entry ID=1;Area=b;");
+  EXPECT_EQ(record.windowTitle(), "Record 2 of 3");
+  EXPECT_EQ(view.currentIndex().row(), 1);
+  EXPECT_TRUE(view.selectionModel()->isRowSelected(1));
+  button("btNext")->click();
+  EXPECT_EQ(record.row(), 2);
+  EXPECT_FALSE(button("btNext")->isEnabled());
+  record.showNext();
+  EXPECT_EQ(record.row(), 2);
+  button("btPrevious")->click();
+  EXPECT_EQ(record.row(), 1);
+  // The list in another order: the record stays, its neighbours are others.
+  view.clickHeader(0);  // 1 2 3
+  EXPECT_EQ(fieldsOf(record), "Entry ID=1;Area=b;");
+  EXPECT_EQ(record.windowTitle(), "Record 1 of 3");
+  EXPECT_FALSE(button("btPrevious")->isEnabled());
+  record.showNext();
+  EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=a;");
+}
+
+TEST_F(RecordOfAList, SeveralSelectedRowsStaySelected) {
+  fillMany(10);
+  view.selectionModel()->select({model.index(2, 0), model.index(5, 1)}, QItemSelectionModel::ClearAndSelect);
+  record.showRecord(view, 2);
+  record.showNext();
+  EXPECT_EQ(view.currentIndex().row(), 3);
+  EXPECT_THAT(view.selectedSpans(), ElementsAre(control::RowSpan{2, 5}));
+}
+
+TEST_F(RecordOfAList, GoesOnByKeyboardAndClosesByEscape) {
+  fillMany(10);
+  record.showRecord(view, 4);
+  QApplication::setActiveWindow(&record);
+  press(Qt::Key_PageDown, Qt::ControlModifier);
+  press(Qt::Key_Down, Qt::AltModifier);
+  EXPECT_EQ(record.row(), 6);
+  // Also while a value has the focus.
+  field(record, "Area")->setFocus();
+  press(Qt::Key_PageUp, Qt::ControlModifier);
+  press(Qt::Key_Up, Qt::AltModifier);
+  EXPECT_EQ(record.row(), 4);
+  press(Qt::Key_Escape);
+  EXPECT_FALSE(record.isVisible());
+}
+
+TEST_F(RecordOfAList, ClosesWhenTheListGetsOtherRows) {
+  fillMany(3);
+  record.showRecord(view, 1);
+  fillMany(2);
+  EXPECT_FALSE(record.isVisible());
+  EXPECT_EQ(record.row(), -1);
+  record.showNext();
+  EXPECT_EQ(record.row(), -1);
+  record.showRecord(view, 7);
+  EXPECT_FALSE(record.isVisible());
+}
+
+TEST_F(RecordOfAList, AnotherListHasOtherFields) {
+  fillRecords({{"1", "a", "b"}});
+  record.showRecord(view, 0);
+  record.close();
+  fillRecords({{"2", "c"}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=c;");
+}
+
+TEST_F(RecordOfAList, CopiesTheWholeRecord) {
+  fillRecords({{" 7", "two\nlines", std::nullopt, "<b>"}});
+  record.showRecord(view, 0);
+  button("btCopy")->click();
+  const QMimeData& copied = *QApplication::clipboard()->mimeData();
+  EXPECT_EQ(copied.text(), "Entry ID\t 7\nArea\t\"two\nlines\"\nF2\t\nF3\t<b>\n");
+  EXPECT_TRUE(copied.html().contains(QStringLiteral("<td>two<br>lines</td>")));
+  EXPECT_TRUE(copied.html().contains(QStringLiteral("<td>&lt;b&gt;</td>")));
+}
+
+TEST_F(RecordOfAList, TextsAreSelectedAndCopiedByMouseAndKeyboard) {
+  fillRecords({{"1", "to be copied"}});
+  record.showRecord(view, 0);
+  ValueField* const area = field(record, "Area");
+  EXPECT_TRUE(area->isReadOnly());
+  area->setFocus();
+  QTest::keyClick(area, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClick(area, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), "to be copied");
+  QTest::keyClick(area, Qt::Key_X);
+  EXPECT_EQ(area->toPlainText(), "to be copied");
+}
+
+TEST_F(RecordOfAList, LongAndManyLinedValuesAreReadable) {
+  std::string lines;
+  for (int i = 0; i < 50; ++i) lines += "line " + std::to_string(i) + '\n';
+  fillRecords({{"1", "short", "one\ntwo\nthree", lines, std::string(3000, 'w')}});
+  record.showRecord(view, 0);
+  const int one = field(record, "Area")->height();
+  const int lineHeight = field(record, "Area")->fontMetrics().lineSpacing();
+  EXPECT_EQ(field(record, "F2")->height(), one + 2 * lineHeight);
+  EXPECT_EQ(field(record, "F3")->height(), one + 5 * lineHeight);
+  EXPECT_EQ(field(record, "F3")->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+  EXPECT_EQ(field(record, "F4")->height(), one + 5 * lineHeight);
+  EXPECT_EQ(field(record, "F4")->toPlainText().size(), 3000);
+  // What is short again takes little room again.
+  record.close();
+  fillRecords({{"1", "short", "one", "x", "y"}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "F3")->height(), one);
+  EXPECT_EQ(field(record, "F3")->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+}
+
+TEST_F(RecordOfAList, AHugeValueIsCutInPlainWordsAndCopiedWhole) {
+  const std::string huge(3000000, 'x');
+  fillRecords({{"1", huge}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "Area")->toPlainText().size(), ValueField::shownCharacters + 1);
+  bool said = false;
+  for (const auto* label : record.findChildren<QLabel*>())
+    said = said ||
+           (label->isVisible() &&
+            label->text() == "The first 100000 of 3000000 characters are shown. Copying the record takes all of them.");
+  EXPECT_TRUE(said);
+  record.copyRecord();
+  EXPECT_EQ(QApplication::clipboard()->text().size(),
+            qsizetype(huge.size()) + QStringLiteral("Entry ID\t1\nArea\t\n").size());
+}
+
+class RecordOfTheTrail : public ViewerTest {
+ protected:
+  RecordOfTheTrail() {
+    auto first = test::record("1", "CS");
+    first[9] = "before";
+    first[10] = "after";
+    first[17] = "summer";
+    server.resultSets = {{first, test::record("2", "RT")}};
+  }
+  static RecordView* open(const AuditViewer& viewer, int listIndex, int row) {
+    QTableView* const table = list(viewer, listIndex);
+    table->setCurrentIndex(table->model()->index(row, 0));
+    QTest::keyClick(table, Qt::Key_Return);
+    return viewer.findChild<RecordView*>();
+  }
+};
+
+TEST_F(RecordOfTheTrail, ShowsAllEighteenColumnsAlsoThoseThatTheListLeavesEmpty) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  EXPECT_EQ(column(*viewer, 0, 16), " ");  // both empty
+  const RecordView* const record = open(*viewer, 0, 0);
+  ASSERT_NE(record, nullptr);
+  EXPECT_TRUE(record->isVisible());
+  EXPECT_EQ(fieldsOf(*record),
+            "Entry ID=1;Date Time=x;Project GUID=x;Database Name=x;Application Name=x;Area=Area;Item=x;Event=x;"
+            "Item ID=x;Old Value=before;New Value=after;PC Name=x;OS User=x;Application User=x;User Name=x;"
+            "Audit Type=CS;Comments=comment;Summer Time=summer;");
+}
+
+TEST_F(RecordOfTheTrail, OldAndNewValueStandSideBySide) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  const RecordView* const record = open(*viewer, 0, 0);
+  ASSERT_NE(record, nullptr);
+  const QRect before = field(*record, "Old Value")->geometry();
+  const QRect after = field(*record, "New Value")->geometry();
+  EXPECT_EQ(before.top(), after.top());
+  EXPECT_LT(before.right(), after.left());
+  EXPECT_NEAR(before.width(), after.width(), 1);
+  // All others stand below each other, in the order of the record.
+  EXPECT_LT(field(*record, "Item ID")->mapTo(record, QPoint()).y(),
+            field(*record, "Old Value")->mapTo(record, QPoint()).y());
+  EXPECT_LT(field(*record, "Old Value")->mapTo(record, QPoint()).y(),
+            field(*record, "PC Name")->mapTo(record, QPoint()).y());
+}
+
+TEST_F(RecordOfTheTrail, OpensWithoutScrolling) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  const RecordView* const record = open(*viewer, 0, 0);
+  ASSERT_NE(record, nullptr);
+  QCoreApplication::processEvents();
+  const auto* const area = record->findChild<QScrollArea*>();
+  EXPECT_EQ(area->verticalScrollBar()->maximum(), 0);
+  EXPECT_EQ(area->horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(RecordOfTheTrail, OneDialogServesAllListsAndAQueryClosesIt) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  RecordView* const record = open(*viewer, 0, 1);
+  ASSERT_NE(record, nullptr);
+  EXPECT_EQ(record->windowTitle(), "Record 2 of 2");
+  record->close();
+  selectTab(*viewer, 1);
+  EXPECT_EQ(open(*viewer, 1, 0), record);
+  EXPECT_EQ(record->windowTitle(), "Record 1 of 1");
+  viewer->TriggerQuery();
+  EXPECT_FALSE(record->isVisible());
+}
+
+TEST_F(RecordOfTheTrail, SpeaksTheLanguageWithLettersOfItsOwnForEveryButton) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  for (const char* offset : {"0", "10000", "20000", "30000", "40000"}) {
+    control::libraryState().language = settings::LanguageOffset(offset);
+    RecordView* const record = open(*viewer, 0, 0);
+    ASSERT_NE(record, nullptr);
+    QString letters;
+    for (const char* name : {"btPrevious", "btNext", "btCopy", "btClose"}) {
+      const auto* const button = record->findChild<QPushButton*>(QLatin1String(name));
+      const QString text = button->text();
+      ASSERT_EQ(text.count('&'), 1) << text.toStdString();
+      letters += text.at(text.indexOf('&') + 1).toLower();
+      EXPECT_GE(button->width(), button->sizeHint().width()) << text.toStdString();
+    }
+    std::sort(letters.begin(), letters.end());
+    EXPECT_EQ(std::adjacent_find(letters.begin(), letters.end()), letters.end()) << letters.toStdString();
+    EXPECT_EQ(record->windowTitle(), control::ownText("record.place").arg(1).arg(2));
+    record->close();
+  }
+}
+
+TEST_F(RecordOfTheTrail, ARefusedCopyIsSaidInABox) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  auto* const table = element<control::ResultListView>(*viewer, "lvListView0");
+  table->setCopyLimit(10);
+  table->selectAll();
+  table->copySelection();
+  EXPECT_THAT(
+      recorder->messages,
+      ElementsAre(ShownMessage{control::MessageIcon::information, "KorvelAudit Viewer Message",
+                               "2 rows are too many for the clipboard. Nothing was copied; select fewer rows."}));
+}
+
+}  // namespace
+}  // namespace korvel::test
