@@ -46,11 +46,10 @@ Element* named(Element* element, const char* name) {
 
 }  // namespace
 
-RecordView::RecordView(QWidget* owner) : QDialog(owner) {
+RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScrollArea, "areaFields")) {
   setObjectName(QStringLiteral("frmRecordView"));
   look::applyLook(*this);
   auto* column = look::dressDialog(*this);
-  area_ = named(new QScrollArea, "areaFields");
   area_->setWidgetResizable(true);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   // Without a handle where there is nothing to scroll. A bar that came and went would wrap the values anew each time.

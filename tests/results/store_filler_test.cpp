@@ -1,0 +1,97 @@
+#include "results/store_filler.h"
+
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "results/out_of_memory.h"
+#include "tests/results/stored_rows.h"
+#include "tests/support/watched_allocations.h"
+
+namespace korvel::results::test {
+namespace {
+
+using korvel::test::FailingAllocations;
+
+/// Long enough for the second thread.
+constexpr std::size_t longAnswer = 5000;
+
+Row wideRow(std::size_t i) {
+  return {std::to_string(i), i % 7 == 0 ? null : Value{"user " + std::to_string(i % 11)}, std::string(i % 50, 'x')};
+}
+
+// Nothing waits between the result sets: each begins while rows of the one before are still on their way.
+TEST(StoreFiller, ResultSetsFollowEachOtherWhileRowsAreOnTheirWay) {
+  StoreFiller filler;
+  std::size_t next = 0;
+  const auto append = [&](const Row& row) { ASSERT_EQ(filler.append(cells(row)).value, next++); };
+  filler.beginResult(fields(3));
+  for (std::size_t i = 0; i < longAnswer; ++i) append(wideRow(i));
+  filler.beginResult(fields(1));
+  for (std::size_t i = 0; i < 3000; ++i) append({"narrow " + std::to_string(i)});
+  filler.beginResult(fields(2));
+  filler.beginResult(fields(3));
+  for (std::size_t i = 0; i < 10; ++i) append(wideRow(i));
+
+  EXPECT_EQ(filler.rowCount(), longAnswer + 3010);
+  const auto store = filler.takeStore();
+  ASSERT_EQ(store->rowCount(), longAnswer + 3010);
+  for (std::size_t i = 0; i < longAnswer; ++i) ASSERT_EQ(rowOf(*store, i), wideRow(i)) << i;
+  for (std::size_t i = 0; i < 3000; ++i)
+    ASSERT_EQ(rowOf(*store, longAnswer + i), Row{"narrow " + std::to_string(i)}) << i;
+  for (std::size_t i = 0; i < 10; ++i) ASSERT_EQ(rowOf(*store, longAnswer + 3000 + i), wideRow(i)) << i;
+}
+
+TEST(StoreFiller, TakesAnotherAnswerAfterItsStoreWasTaken) {
+  StoreFiller filler;
+  filler.beginResult(fields(1));
+  for (std::size_t i = 0; i < longAnswer; ++i) filler.append(cells({"first"}));
+  const auto first = filler.takeStore();
+  filler.beginResult(fields(1));
+  EXPECT_EQ(filler.append(cells({"second"})).value, 0U);
+  EXPECT_EQ(rowOf(*first, longAnswer - 1), Row{"first"});
+  EXPECT_EQ(rowOf(*filler.takeStore(), 0), Row{"second"});
+}
+
+// However late the second thread finds out, nobody gets an answer with rows missing.
+TEST(StoreFiller, ARowThatCannotBeStoredIsReported) {
+  StoreFiller filler;
+  filler.beginResult(fields(3));
+  // Until every batch has been around: from here on only the store needs memory.
+  for (std::size_t i = 0; i < 4 * longAnswer; ++i) filler.append(cells(wideRow(i)));
+  filler.finish();
+  const std::string text = "a text that the store does not know yet, too long to stand anywhere but in its own memory";
+  std::vector<db::Cell> row(3);
+  std::string numbered;
+  numbered.reserve(2 * text.size());
+
+  std::optional<std::int32_t> number;
+  {
+    const FailingAllocations none{0};
+    try {
+      for (int i = 0; i < 100'000; ++i) {
+        numbered = text;
+        for (int digits = i; digits != 0; digits /= 10) numbered.push_back(static_cast<char>('0' + digits % 10));
+        row[0].text = numbered;
+        filler.append(row);
+      }
+      filler.finish();
+    } catch (const Error& error) {
+      number = error.number();
+    } catch (const std::bad_alloc&) {
+      // There is no memory even for the failure; it is one all the same.
+      number = outOfMemoryNumber;
+    }
+  }
+  EXPECT_EQ(number, outOfMemoryNumber);
+}
+
+TEST(StoreFiller, MayBeGivenUpAtAnyTime) {
+  for (const std::size_t rows : {0U, 4095U, 4096U, 4097U, 5119U, 5120U, 5121U, 40001U}) {
+    StoreFiller filler;
+    filler.beginResult(fields(1));
+    for (std::size_t i = 0; i < rows; ++i) filler.append(cells({"value"}));
+  }
+}
+
+}  // namespace
+}  // namespace korvel::results::test
