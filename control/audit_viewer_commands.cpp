@@ -107,8 +107,8 @@ void AuditViewer::Members::connectCommands() {
   surface.SmartMenu->setHooks({
       .clicked = [this](const CommandItem& item) { SmartMenu_Click(item); },
       .highlighted = [this](const CommandItem& item) { SmartMenu_Highlight(item); },
-      // What the highlighted items said was about them; a truncated answer is still to be told.
-      .closed = [this] { showRowLimit(); },
+      // What the highlighted items said was about them; what the panel said before is still to be told.
+      .closed = [this] { showRestingText(); },
       .available = [this](const CommandItem& item) { return isAvailable(menuActions(), item); },
   });
   surface.SmartToolbar->setHooks(

@@ -153,8 +153,10 @@ void AuditViewer::Members::connectHandlers() {
     });
     QObject::connect(list, &control::ResultListView::refused, &viewer_,
                      [this](const QString& text) { message(MessageIcon::information, messageTitle, text); });
-    QObject::connect(list, &control::ResultListView::noticed, &viewer_,
-                     [this](const QString& text) { surface.StatusBar1->setStatus(text); });
+    QObject::connect(list, &control::ResultListView::noticed, &viewer_, [this](const QString& text) {
+      notice_ = text;
+      showRestingText();
+    });
   }
   QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_, [this] { SSTab1_Click(); });
 }
@@ -218,6 +220,7 @@ void AuditViewer::Members::TriggerQuery() {
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
+  const bool noticeWasShown = !std::exchange(notice_, {}).isEmpty();
   const bool customPage = surface.currentTab() == query::customList;
   query::QueryReport report;
   {
@@ -250,7 +253,7 @@ void AuditViewer::Members::TriggerQuery() {
     case query::QueryOutcome::filled:
       break;
   }
-  if (alive && (rowLimitReached_ || limitWasShown)) showRowLimit();
+  if (alive && (rowLimitReached_ || limitWasShown || noticeWasShown)) showRestingText();
 }
 
 void AuditViewer::Members::setLastFailure(LastFailure failure) {
@@ -260,8 +263,14 @@ void AuditViewer::Members::setLastFailure(LastFailure failure) {
 }
 
 /// An answer that the server cut off looks like a whole one: the status panel says so until the next query.
-void AuditViewer::Members::showRowLimit() {
-  surface.StatusBar1->setStatus(rowLimitReached_ ? control::ownText("status.rowLimit") : QString());
+QString AuditViewer::Members::restingText() const {
+  if (!rowLimitReached_) return notice_;
+  const QString limit = control::ownText("status.rowLimit");
+  return notice_.isEmpty() ? limit : notice_ + QStringLiteral(". ") + limit;
+}
+
+void AuditViewer::Members::showRestingText() {
+  surface.StatusBar1->setStatus(restingText());
 }
 
 void AuditViewer::Members::ViewTools(bool visable) {
@@ -358,7 +367,8 @@ void AuditViewer::Members::showDateRangeEverywhere() {
 
 void AuditViewer::Members::clearAllLists() {
   for (const auto& model : surface.models) model->clear();
-  if (std::exchange(rowLimitReached_, false)) showRowLimit();
+  const bool noticeWasShown = !std::exchange(notice_, {}).isEmpty();
+  if (std::exchange(rowLimitReached_, false) || noticeWasShown) showRestingText();
 }
 
 void AuditViewer::Members::OpenDefaultSQLServer() {
@@ -399,7 +409,7 @@ void AuditViewer::Members::btQuery_Click() {
     // The pointer goes back before the status text goes.
     busy.reset();
   }
-  if (alive) showRowLimit();
+  if (alive) showRestingText();
 }
 
 void AuditViewer::Members::btSelectDB_Click() {
@@ -438,7 +448,11 @@ void AuditViewer::Members::btClearDateRange_Click() {
 }
 
 void AuditViewer::Members::lvListView_DblClick(control::ResultListView& list, int row) {
-  if (recordView_.isNull()) recordView_ = new control::RecordView(&viewer_);
+  if (recordView_.isNull()) {
+    recordView_ = new control::RecordView(&viewer_);
+    QObject::connect(recordView_, &control::RecordView::refused, &viewer_,
+                     [this](const QString& text) { message(MessageIcon::information, messageTitle, text); });
+  }
   recordView_->showRecord(list, row);
 }
 
@@ -446,6 +460,8 @@ void AuditViewer::Members::SSTab1_Click() {
   enableElements();
   surface.SmartMenu->refresh();
   surface.SmartToolbar->refresh();
+  // What was noticed was about the page that was left.
+  if (!std::exchange(notice_, {}).isEmpty()) showRestingText();
   // The panel speaks of the current tab: it follows when that changes.
   DisplayNoOfRecords();
 }

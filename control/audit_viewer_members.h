@@ -139,7 +139,9 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void clearAllLists();
   void announceSelection();
   void setLastFailure(LastFailure failure);
-  void showRowLimit();
+  /// What the status panel says while nothing goes on and no command is highlighted.
+  [[nodiscard]] QString restingText() const;
+  void showRestingText();
   [[nodiscard]] control::ResultListView& currentList();
   void message(control::MessageIcon icon, const QString& title, const QString& text);
 
@@ -154,6 +156,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   std::vector<LockedElement> lockTable_;
   bool locked_ = false;
   bool rowLimitReached_ = false;
+  /// What a list told last; until the next query, a change of the page or the end of the rows that it is about.
+  QString notice_;
 };
 
 }  // namespace korvel

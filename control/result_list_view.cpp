@@ -5,9 +5,9 @@
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <algorithm>
+#include <exception>
 #include <new>
 
-#include "base/error.h"
 #include "control/screen_measure.h"
 #include "control/texts.h"
 #include "control/widest_text.h"
@@ -78,7 +78,7 @@ int ResultListView::sizeHintForColumn(int column) const {
     WidestText widest(font());
     model_.list().visitTexts({static_cast<std::size_t>(column)}, [&](std::string_view text) { widest.offer(text); });
     return look::RowDelegate::cellWidth(this, widest.width());
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     return ResultTable::sizeHintForColumn(column);  // memory ran out: by the rows in sight
   }
 }

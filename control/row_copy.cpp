@@ -2,6 +2,7 @@
 
 #include <QMimeData>
 #include <algorithm>
+#include <memory>
 
 #include "control/result_list_model.h"
 
@@ -87,10 +88,10 @@ QString RowCopy::html() const {
 }
 
 QMimeData* RowCopy::mimeData() const {
-  auto* data = new QMimeData;
+  auto data = std::make_unique<QMimeData>();
   data->setText(text_);
   data->setHtml(html());
-  return data;
+  return data.release();
 }
 
 std::optional<RowCopy> copyRows(const ResultListModel& model, const std::vector<int>& columns,

@@ -24,6 +24,25 @@ QStringList storedProperties() {
   return names;
 }
 
+bool isThere(const QString& path) {
+  return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+}
+
+/// Puts the object that a file holds into `content`. Returns why there is none, else an empty text.
+QString readObject(const QString& path, const settings::LanguageOffset& language, QJsonObject& content) {
+  // A form is some hundred bytes; whatever is larger than this is none.
+  constexpr qint64 largest = 1 << 20;
+
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return file.errorString();
+  QJsonParseError failure{};
+  const QJsonDocument document = QJsonDocument::fromJson(file.read(largest), &failure);
+  if (file.error() != QFileDevice::NoError) return file.errorString();
+  if (failure.error != QJsonParseError::NoError || !document.isObject()) return hostText("host.formNoObject", language);
+  content = document.object();
+  return {};
+}
+
 }  // namespace
 
 QString FormFile::standardPath() {
@@ -32,28 +51,11 @@ QString FormFile::standardPath() {
 }
 
 QString FormFile::load(const settings::LanguageOffset& language) {
-  // A form is some hundred bytes; whatever is larger than this is none.
-  constexpr qint64 largest = 1 << 20;
-
-  QFile file(path_);
-  if (!file.exists() && !QFileInfo(path_).isSymLink()) return {};
+  if (!isThere(path_)) return {};
   isNew_ = false;
-  if (!file.open(QIODevice::ReadOnly)) {
-    leaveAsItIs();
-    return file.errorString();
-  }
-  QJsonParseError failure{};
-  const QJsonDocument document = QJsonDocument::fromJson(file.read(largest), &failure);
-  if (file.error() != QFileDevice::NoError) {
-    leaveAsItIs();
-    return file.errorString();
-  }
-  if (failure.error != QJsonParseError::NoError || !document.isObject()) {
-    leaveAsItIs();
-    return hostText("host.formNoObject", language);
-  }
-  content_ = document.object();
-  return {};
+  const QString failure = readObject(path_, language, content_);
+  if (!failure.isEmpty()) leaveAsItIs();
+  return failure;
 }
 
 QString FormFile::save(const QVariantMap& properties) {
@@ -65,16 +67,29 @@ QString FormFile::save(const QVariantMap& properties) {
     wanted.insert(property.key(), QJsonValue::fromVariant(property.value()));
   if (!isNew_ && wanted == content_) return {};
 
+  const QString failure = write(wanted);
+  if (!failure.isEmpty()) return failure;
+  content_ = wanted;
+  isNew_ = false;
+  return {};
+}
+
+void FormFile::keepText(const QString& name, const QString& text) {
+  if (untouchable_) return;
+  QJsonObject current;
+  if (!readObject(path_, settings::LanguageOffset(), current).isEmpty() || current.value(name) == text) return;
+  current.insert(name, text);
+  if (write(current).isEmpty()) content_.insert(name, text);
+}
+
+QString FormFile::write(const QJsonObject& content) const {
   std::error_code failure;
   std::filesystem::create_directories(QFileInfo(path_).filesystemAbsolutePath(), failure);
   if (failure) return QString::fromLocal8Bit(failure.message().c_str());
   QSaveFile file(path_);
   if (!file.open(QIODevice::WriteOnly)) return file.errorString();
-  file.write(QJsonDocument(wanted).toJson());
-  if (!file.commit()) return file.errorString();
-  content_ = wanted;
-  isNew_ = false;
-  return {};
+  file.write(QJsonDocument(content).toJson());
+  return file.commit() ? QString() : file.errorString();
 }
 
 }  // namespace korvel::host

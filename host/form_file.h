@@ -8,7 +8,8 @@
 
 namespace korvel::host {
 
-/// The form that the control stands on, as a file: a JSON object with the control's stored properties.
+/// The form that the control stands on, as a file: a JSON object with the control's stored properties, and with what
+/// the window around it wants to find again.
 class FormFile {
  public:
   explicit FormFile(QString path) : path_(std::move(path)) {}
@@ -31,7 +32,15 @@ class FormFile {
   /// holds beside the control's stored properties stays in it. Returns why it cannot be written, else an empty text.
   [[nodiscard]] QString save(const QVariantMap& properties);
 
+  /// A text that the file held, when it was loaded, beside the control's properties; empty where there was none.
+  [[nodiscard]] QString text(const QString& name) const { return content_.value(name).toString(); }
+  /// Sets such a text in the file as it stands now: what another window has saved meanwhile stays. Where there is no
+  /// form to set it in, or the file cannot be written or is to be left as it is, nothing happens.
+  void keepText(const QString& name, const QString& text);
+
  private:
+  [[nodiscard]] QString write(const QJsonObject& content) const;
+
   QString path_;
   QJsonObject content_;
   bool isNew_ = true;

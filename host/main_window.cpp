@@ -61,7 +61,7 @@ void MainWindow::placeWindow(const std::optional<QSize>& size) {
   QList<QRect> screens;
   for (const QScreen* screen : QGuiApplication::screens()) screens.append(screen->availableGeometry());
   const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
-  const auto stored = storedPlacement();
+  const auto stored = storedPlacement(form_);
   if (!stored) {
     // Where a new window stands is the window system's choice.
     resize(placedOn(screens.mid(0, 1), QRect(QPoint(0, titleBar), usual), titleBar).size());
@@ -107,9 +107,9 @@ void MainWindow::showLastFailure() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (keepsForm_) {
-    // A window that was never shown stands nowhere.
-    if (isVisible()) storePlacement(placement());
     const QString failure = form_.save(viewer_->WriteProperties().toMap());
+    // A window that was never shown stands nowhere.
+    if (isVisible()) storePlacement(form_, placement());
     if (!failure.isEmpty()) warn(this, hostText("host.formUnwritable", currentLanguage(), form_.path(), failure));
   }
   QMainWindow::closeEvent(event);

@@ -1,12 +1,23 @@
 #include "host/viewer_path.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <string>
 
 #include "base/error.h"
 #include "settings/registry.h"
 
 namespace korvel::host {
+
+namespace {
+
+/// Whether a stored path leads somewhere, as far as this machine can tell: what is no full path here is not judged.
+bool isInUse(const QString& path) {
+  const QFileInfo file(QDir::fromNativeSeparators(path));
+  return !path.isEmpty() && (file.isRelative() || file.dir().exists());
+}
+
+}  // namespace
 
 void provideViewerPath(const QString& folder) {
   const std::string application(settings::applicationName);
@@ -15,7 +26,7 @@ void provideViewerPath(const QString& folder) {
   try {
     const auto backend = settings::platformBackend();
     const settings::Registry registry(*backend);
-    if (!registry.GetSetting(application, section, key, "").empty()) return;
+    if (isInUse(QString::fromStdString(registry.GetSetting(application, section, key, "")))) return;
     // The name counts, not the file: the control cuts off as many characters as this name has, on every platform.
     const QString path = QDir::toNativeSeparators(QDir(folder).filePath(QStringLiteral("KorvelAuditViewer.exe")));
     registry.SaveSetting(application, section, key, path.toStdString());

@@ -1,23 +1,15 @@
 #include "host/window_placement.h"
 
+#include <QRegion>
 #include <QRegularExpression>
 #include <algorithm>
-#include <string>
 
-#include "base/error.h"
-#include "settings/registry.h"
+#include "host/form_file.h"
 
 namespace korvel::host {
 namespace {
 
-const std::string windowSection = std::string(settings::viewerSection) + "\\Window";
-const std::string placementKey = "Placement";
-
-std::string storedText() {
-  const auto backend = settings::platformBackend();
-  return settings::Registry(*backend).GetSetting(std::string(settings::applicationName), windowSection, placementKey,
-                                                 "");
-}
+const QString placementName = QStringLiteral("WindowPlacement");
 
 qint64 area(const QRect& rectangle) {
   return rectangle.isEmpty() ? 0 : qint64{rectangle.width()} * rectangle.height();
@@ -67,9 +59,10 @@ std::optional<WindowPlacement> placementFrom(const QString& text) {
 QRect placedOn(const QList<QRect>& screens, const QRect& wanted, int titleBar) {
   const QRect framed = wanted.adjusted(0, -titleBar, 0, 0);
   if (screens.isEmpty()) return wanted;
-  qint64 visible = 0;
-  for (const QRect& screen : screens) visible += area(screen & framed);
-  if (visible >= area(framed)) return wanted;
+  // A region, because screens that mirror each other share their pixels.
+  QRegion hidden(framed);
+  for (const QRect& screen : screens) hidden -= screen;
+  if (hidden.isEmpty()) return wanted;
 
   const QRect screen = screenOf(screens, framed).adjusted(0, titleBar, 0, 0);
   if (screen.isEmpty()) return wanted;
@@ -79,23 +72,12 @@ QRect placedOn(const QList<QRect>& screens, const QRect& wanted, int titleBar) {
   return {QPoint(left, top), size};
 }
 
-std::optional<WindowPlacement> storedPlacement() {
-  try {
-    return placementFrom(QString::fromStdString(storedText()));
-  } catch (const Error&) {
-    // The control says what is wrong with the settings.
-    return std::nullopt;
-  }
+std::optional<WindowPlacement> storedPlacement(const FormFile& form) {
+  return placementFrom(form.text(placementName));
 }
 
-void storePlacement(const WindowPlacement& placement) {
-  const std::string text = placementText(placement).toStdString();
-  try {
-    if (storedText() == text) return;
-    const auto backend = settings::platformBackend();
-    settings::Registry(*backend).SaveSetting(std::string(settings::applicationName), windowSection, placementKey, text);
-  } catch (const Error&) {  // NOLINT(bugprone-empty-catch): not worth a message, see the header
-  }
+void storePlacement(FormFile& form, const WindowPlacement& placement) {
+  form.keepText(placementName, placementText(placement));
 }
 
 }  // namespace korvel::host

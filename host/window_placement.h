@@ -8,6 +8,8 @@
 
 namespace korvel::host {
 
+class FormFile;
+
 /// Where a window stands, as it is remembered from one start to the next. Lengths in device-independent pixels.
 struct WindowPlacement {
   /// What is inside of the frame while the window is not maximised.
@@ -27,10 +29,11 @@ struct WindowPlacement {
 /// moves into it. `titleBar` is the height that the frame needs above of it.
 [[nodiscard]] QRect placedOn(const QList<QRect>& screens, const QRect& wanted, int titleBar);
 
-/// The placement that the settings store holds; nothing where there is none or it cannot be read.
-[[nodiscard]] std::optional<WindowPlacement> storedPlacement();
-/// Keeps the placement in the settings store. Where it cannot be written the next window stands where new ones stand:
-/// that is not worth a message to somebody who is leaving.
-void storePlacement(const WindowPlacement& placement);
+/// The placement that stood in the form when it was loaded; nothing where there was none or it is damaged.
+[[nodiscard]] std::optional<WindowPlacement> storedPlacement(const FormFile& form);
+/// Keeps the placement in the form's file, which every user may write, unlike the settings store of some platforms.
+/// Where the file cannot be written the next window stands where new ones stand: that is not worth a message to
+/// somebody who is leaving.
+void storePlacement(FormFile& form, const WindowPlacement& placement);
 
 }  // namespace korvel::host

@@ -1,9 +1,9 @@
 #include "control/commands/command_tables.h"
 
+#include <algorithm>
 #include <array>
 #include <exception>
 #include <string>
-#include <vector>
 
 namespace korvel::control {
 
@@ -86,6 +86,10 @@ struct LanguageKey {
 constexpr std::array<LanguageKey, 5> languageKeys = {
     {{"ENGLISH", "0"}, {"GERMAN", "10000"}, {"FRENCH", "20000"}, {"SPANISH", "30000"}, {"ITALIAN", "40000"}}};
 
+constexpr std::size_t menuDepths = 3;
+static_assert(std::all_of(menuRows.begin(), menuRows.end(),
+                          [](const MenuRow& row) { return row.depth >= 0 && std::size_t(row.depth) < menuDepths; }));
+
 constexpr std::size_t firstLockedButton = 3;
 constexpr std::array<std::string_view, 3> lockedMenuKeys = {"TOOLS", "PageSetup", "Print"};
 
@@ -114,14 +118,17 @@ std::string commandText(const CommandText& text, const settings::LanguageOffset&
 
 void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {
   items.clear();
-  std::vector<CommandItem*> parents;  // the last item added at each depth
+  // The last item at each depth. None stands there from where its row begins to where it has been added: what belongs
+  // into a menu that is missing is left out, and not put into the one before it.
+  std::array<CommandItem*, menuDepths> parents{};
   for (const MenuRow& row : menuRows) {
+    const auto depth = static_cast<std::size_t>(row.depth);
+    std::fill(parents.begin() + row.depth, parents.end(), nullptr);
+    if (depth > 0 && parents.at(depth - 1) == nullptr) continue;
     attempt([&] {
-      const auto depth = static_cast<std::size_t>(row.depth);
       const std::string key(row.key);
       CommandItem& item = depth == 0 ? items.add(row.kind, key) : parents.at(depth - 1)->add(row.kind, key);
-      parents.resize(depth);
-      parents.push_back(&item);
+      parents.at(depth) = &item;
       attempt([&] { item.caption = commandText(row.caption, offset); });
       attempt([&] { item.description = commandText(row.description, offset); });
       item.shortcutText = row.shortcut;
@@ -147,12 +154,14 @@ void buildPopup(CommandItems& items, std::string_view popupItem) {
   const bool font = popupItem == "Font";
   if (!font && popupItem != "Column") return;
   items.clear();
-  CommandItem& root = items.add(Kind::topLevelMenu, "POPUP");
-  if (font) {
-    root.add(Kind::command, "FONT", "Change Font");
-  } else {
-    for (const auto entry : columnPopupEntries) root.add(Kind::check, std::string(entry), std::string(entry));
-  }
+  CommandItem* root = nullptr;
+  attempt([&] { root = &items.add(Kind::topLevelMenu, "POPUP"); });
+  const auto addEntry = [root](Kind kind, std::string_view key, std::string_view caption) {
+    attempt([&] { root->add(kind, std::string(key), std::string(caption)); });
+  };
+  if (root != nullptr && font) addEntry(Kind::command, "FONT", "Change Font");
+  if (root != nullptr && !font)
+    for (const auto entry : columnPopupEntries) addEntry(Kind::check, entry, entry);
   items.announceChange();
 }
 

@@ -9,6 +9,7 @@
 #include <QShortcut>
 #include <algorithm>
 #include <limits>
+#include <new>
 
 #include "base/text.h"
 #include "control/forms/value_field.h"
@@ -44,9 +45,13 @@ Element* named(Element* element, const char* name) {
   return element;
 }
 
+void setMenuTexts(ValueField& field) {
+  field.setMenuTexts(ownText("record.copyText"), ownText("record.selectAll"));
+}
+
 }  // namespace
 
-RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScrollArea, "areaFields")) {
+RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScrollArea(this), "areaFields")) {
   setObjectName(QStringLiteral("frmRecordView"));
   look::applyLook(*this);
   auto* column = look::dressDialog(*this);
@@ -105,7 +110,7 @@ void RecordView::setTexts() {
   btNext_->setToolTip(withKey(btNext_->text(), nextKey));
   btCopy_->setText(ownText("record.copy"));
   btClose_->setText(ownText("record.close"));
-  for (const Field& field : fields_) field.value->setMenuTexts(ownText("record.copyText"), ownText("record.selectAll"));
+  for (const Field& field : fields_) setMenuTexts(*field.value);
 }
 
 void RecordView::showRecord(ResultListView& list, int row) {
@@ -153,6 +158,7 @@ RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
   field.value = framed ? new ValueField(ValueField::Frame::always, leastLinesOfChange, mostLinesOfChange)
                        : new ValueField(ValueField::Frame::none, 1, mostLines);
   field.value->setAccessibleName(caption);
+  setMenuTexts(*field.value);
   field.value->setObjectName(QStringLiteral("value%1").arg(fields_.size()));
   field.label->setBuddy(field.value);
   field.note = new QLabel;
@@ -167,6 +173,9 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValu
                     std::equal(captions.begin(), captions.end(), fields_.begin(), fields_.end(),
                                [](const QString& caption, const Field& field) { return caption == field.caption; });
   if (same) return;
+  // A field that is read in gives way to one of another record; the keyboard shall not be lost with it.
+  if (const QWidget* const focused = focusWidget(); focused != nullptr && area_->isAncestorOf(focused))
+    btClose_->setFocus();
   fields_.clear();
   oldValue_ = oldValue;
   auto* form = new QWidget;
@@ -259,15 +268,21 @@ void RecordView::fillFoot() {
   if (hadFocus && !btPrevious_->isEnabled()) btNext_->setFocus();
 }
 
-void RecordView::copyRecord() const {
-  RowCopy copy(std::numeric_limits<qsizetype>::max());
-  for (const Field& field : fields_) {
-    copy.beginRow();
-    copy.addCell(field.caption, RowCopy::CellKind::caption);
-    copy.addCell(field.value->value());
-    copy.endRow();
+void RecordView::copyRecord() {
+  QString refusal;
+  try {
+    RowCopy copy(std::numeric_limits<qsizetype>::max());
+    for (const Field& field : fields_) {
+      copy.beginRow();
+      copy.addCell(field.caption, RowCopy::CellKind::caption);
+      copy.addCell(field.value->value());
+      copy.endRow();
+    }
+    QGuiApplication::clipboard()->setMimeData(copy.mimeData());
+  } catch (const std::bad_alloc&) {
+    refusal = ownText("record.copyNoMemory");
   }
-  QGuiApplication::clipboard()->setMimeData(copy.mimeData());
+  if (!refusal.isEmpty()) Q_EMIT refused(refusal);
 }
 
 }  // namespace korvel::control

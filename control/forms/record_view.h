@@ -31,8 +31,13 @@ class RecordView final : public QDialog {
   void showPrevious() { step(-1); }
   /// The row of the list whose record is shown; -1 for none.
   [[nodiscard]] int row() const { return record_.isValid() ? record_.row() : -1; }
-  /// Puts the record into the clipboard: a line a field, its caption and its whole text.
-  void copyRecord() const;
+  /// Puts the record into the clipboard: a line a field, its caption and its whole text. Says so, and leaves the
+  /// clipboard alone, where memory does not suffice.
+  void copyRecord();
+
+ Q_SIGNALS:
+  /// Something that a person asked for was not done, and why.
+  void refused(const QString& text);
 
  private:
   struct Field {
@@ -60,7 +65,7 @@ class RecordView final : public QDialog {
   std::vector<Field> fields_;
   int oldValue_ = -1;  ///< the field that stands beside the one after it
 
-  QScrollArea* area_ = nullptr;
+  QScrollArea* area_;
   QPushButton* btPrevious_ = nullptr;
   QPushButton* btNext_ = nullptr;
   QLabel* lblPlace_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <set>
@@ -9,6 +10,7 @@
 #include <string>
 
 #include "base/error.h"
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::control {
 namespace {
@@ -199,6 +201,61 @@ TEST(Building, AgainAnnouncesAndResetsCheckMarks) {
   EXPECT_TRUE(items.item("KEY").checked);
   EXPECT_TRUE(items.at(2).enabled);
   EXPECT_EQ(announced, 3);
+}
+
+// --- where memory runs out ------------------------------------------------------------------------------------------
+
+/// The items by the keys that lead to them: "VIEW/TOOLS".
+std::multiset<std::string> paths(const CommandItems& items) {
+  std::multiset<std::string> all;
+  const std::function<void(const CommandItem&, const std::string&)> walk = [&](const CommandItem& item,
+                                                                               const std::string& above) {
+    const std::string path = above + '/' + item.key;
+    all.insert(path);
+    for (const auto& child : item.children) walk(*child, path);
+  };
+  for (const auto& item : items.items()) walk(*item, {});
+  return all;
+}
+
+/// Builds with one allocation failing, the next one each time, until there is none left to fail.
+void expectGapsOnly(const std::function<void(CommandItems&)>& build) {
+  CommandItems whole;
+  build(whole);
+  const std::multiset<std::string> expected = paths(whole);
+  std::size_t withGaps = 0;
+  for (std::size_t successes = 0;; ++successes) {
+    ASSERT_LT(successes, 1000U);
+    CommandItems items;
+    int announced = 0;
+    items.changed = [&] { ++announced; };
+    const std::size_t before = test::allocationCount();
+    {
+      const test::FailingAllocations failing(successes, 1);
+      build(items);
+    }
+    const bool failed = test::allocationCount() - before > successes;
+    EXPECT_EQ(announced, 1) << successes;
+    const std::multiset<std::string> built = paths(items);
+    EXPECT_TRUE(std::includes(expected.begin(), expected.end(), built.begin(), built.end())) << successes << '\n'
+                                                                                             << printed(items);
+    if (built.size() < expected.size()) ++withGaps;
+    if (!failed) break;
+  }
+  EXPECT_GT(withGaps, expected.size() / 2);
+}
+
+TEST(Building, AMenuThatCannotBeAddedTakesItsEntriesWithIt) {
+  expectGapsOnly([](CommandItems& items) { buildMenu(items, english); });
+}
+
+TEST(Building, TheToolbarGoesOnAfterAButtonThatCannotBeAdded) {
+  expectGapsOnly([](CommandItems& items) { buildToolbar(items, english); });
+}
+
+TEST(Building, TheContextMenusGoOnAfterAnEntryThatCannotBeAdded) {
+  expectGapsOnly([](CommandItems& items) { buildPopup(items, "Font"); });
+  expectGapsOnly([](CommandItems& items) { buildPopup(items, "Column"); });
 }
 
 }  // namespace

@@ -64,5 +64,23 @@ TEST_F(Languages, AnotherViewerKeepsItsCaptionsUntilItIsTold) {
   EXPECT_EQ(entry(*second, "TOOLS")->text(), "&Extras");
 }
 
+TEST_F(Languages, AnActiveDateRangeStaysShown) {
+  using namespace std::chrono;
+  libraryState().dateRange = {2004y / 3 / 1, 2004y / 3 / 7, true};
+  const auto viewer = shownViewer();
+  const QLabel& label = *element<QLabel>(*viewer, "lblDateRange");
+  const QString range = QLocale::system().toString(QDate(2004, 3, 1), QLocale::ShortFormat) + " - " +
+                        QLocale::system().toString(QDate(2004, 3, 7), QLocale::ShortFormat);
+  EXPECT_EQ(label.text(), range);
+  choose(*viewer, "Language/LANGUAGE/GERMAN");
+  EXPECT_EQ(label.text(), range);
+  EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), tableText(10040, 10000));
+  // Without one the caption follows the language.
+  click(*viewer, "btClearDateRange");
+  EXPECT_EQ(label.text(), tableText(10042, 10000));
+  choose(*viewer, "Language/LANGUAGE/FRENCH");
+  EXPECT_EQ(label.text(), tableText(10042, 20000));
+}
+
 }  // namespace
 }  // namespace korvel::test

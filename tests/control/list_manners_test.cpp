@@ -13,6 +13,7 @@
 #include "control/row_copy.h"
 #include "tests/control/list_fixture.h"
 #include "tests/control/model_warnings.h"
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::test {
 namespace {
@@ -169,6 +170,21 @@ TEST_F(ListManners, ShiftAndControlSelectRangesAndSingleRows) {
   view.header()->moveSection(1, 0);
   press(Qt::Key_End, Qt::ShiftModifier);
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{0, 19}));
+}
+
+// --- where memory runs out ----------------------------------------------------------------------------------------
+
+TEST_F(ListManners, AColumnIsMeasuredByTheRowsInSightWhereMemoryRunsOut) {
+  fill({{"1", "a text that is wider than its caption"}, {"2", "b"}});
+  const QAbstractItemView& measured = view;
+  const int whole = measured.sizeHintForColumn(1);
+  int hint = 0;
+  {
+    // The first one is the measure's own.
+    const FailingAllocations failing(0, 1);
+    EXPECT_NO_THROW(hint = measured.sizeHintForColumn(1));
+  }
+  EXPECT_NEAR(hint, whole, 4);
 }
 
 // --- moving about ------------------------------------------------------------------------------------------------

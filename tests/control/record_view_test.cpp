@@ -4,7 +4,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollArea>
@@ -16,6 +18,7 @@
 #include "control/texts.h"
 #include "tests/control/list_fixture.h"
 #include "tests/control/viewer_fixture.h"
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::test {
 namespace {
@@ -57,6 +60,35 @@ class RecordOfAList : public ListView {
       ids.push_back(store->append(cells));
     }
     list.setRows(store, ids);
+  }
+  /// One store with a result set for each of these records.
+  void fillAnswers(const std::vector<std::vector<std::string>>& records) {
+    const ResultListModel::RowsChange change(model);
+    auto store = std::make_shared<results::RowStore>();
+    std::vector<RowId> ids;
+    for (const auto& values : records) {
+      std::vector<db::Field> fields;
+      std::vector<db::Cell> cells;
+      for (const std::string& value : values) {
+        fields.push_back({"F" + std::to_string(fields.size())});
+        cells.push_back({value});
+      }
+      store->beginResult(fields);
+      ids.push_back(store->append(cells));
+    }
+    list.setRows(store, ids);
+  }
+  /// What a right click on a field offers.
+  static QString menuOf(ValueField& field) {
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(1, 1), field.mapToGlobal(QPoint(1, 1)));
+    QCoreApplication::sendEvent(field.viewport(), &event);
+    auto* const menu = field.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    if (menu == nullptr) return {};
+    QStringList texts;
+    for (const QAction* action : menu->actions()) texts.append(action->text());
+    menu->close();
+    delete menu;
+    return texts.join(QLatin1Char(','));
   }
   QPushButton* button(const char* name) const { return record.findChild<QPushButton*>(QLatin1String(name)); }
   void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -148,6 +180,30 @@ TEST_F(RecordOfAList, AnotherListHasOtherFields) {
   fillRecords({{"2", "c"}});
   record.showRecord(view, 0);
   EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=c;");
+}
+
+TEST_F(RecordOfAList, SteppingIntoAnotherAnswerKeepsTheKeyboardAndTheMenus) {
+  fillAnswers({{"1", "a", "b"}, {"2", "c"}});
+  for (const bool reading : {true, false}) {
+    SCOPED_TRACE(reading);
+    record.showRecord(view, 0);
+    QApplication::setActiveWindow(&record);
+    EXPECT_EQ(menuOf(*field(record, "Area")), "Copy,Select all");
+    if (reading)
+      field(record, "F2")->setFocus();
+    else
+      button("btNext")->setFocus();
+    press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=c;");
+    EXPECT_EQ(menuOf(*field(record, "Area")), "Copy,Select all");
+    // At the last record the focus leaves the button for the next one, as ever.
+    EXPECT_EQ(record.focusWidget(), button(reading ? "btClose" : "btPrevious"));
+    press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(fieldsOf(record), "Entry ID=1;Area=a;F2=b;");
+    EXPECT_EQ(menuOf(*field(record, "F2")), "Copy,Select all");
+    EXPECT_EQ(record.focusWidget(), button(reading ? "btClose" : "btNext"));
+    record.close();
+  }
 }
 
 TEST_F(RecordOfAList, CopiesTheWholeRecord) {
@@ -314,6 +370,25 @@ TEST_F(RecordOfTheTrail, ARefusedCopyIsSaidInABox) {
       recorder->messages,
       ElementsAre(ShownMessage{control::MessageIcon::information, "KorvelAudit Viewer Message",
                                "2 rows are too many for the clipboard. Nothing was copied; select fewer rows."}));
+}
+
+TEST_F(RecordOfTheTrail, ACopyWithoutMemoryIsSaidInABox) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  RecordView* const record = open(*viewer, 0, 0);
+  ASSERT_NE(record, nullptr);
+  QApplication::clipboard()->setText(QStringLiteral("before"));
+  {
+    const FailingAllocations failing(0, 1);
+    record->copyRecord();
+  }
+  EXPECT_THAT(recorder->messages,
+              ElementsAre(ShownMessage{control::MessageIcon::information, "KorvelAudit Viewer Message",
+                                       "There is not enough memory to copy this record. Nothing was copied."}));
+  EXPECT_EQ(QApplication::clipboard()->text(), "before");
+  record->copyRecord();
+  EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("Entry ID\t1\n")));
+  EXPECT_EQ(recorder->messages.size(), 1U);
 }
 
 }  // namespace

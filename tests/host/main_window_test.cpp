@@ -118,6 +118,14 @@ TEST_F(MainWindowTest, AShotIsNobodysForm) {
 class MainWindowPlacement : public MainWindowTest {
  protected:
   static QRect screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
+  std::optional<WindowPlacement> stored() {
+    FormFile form(*options.formFile);
+    EXPECT_EQ(form.load(english), "");
+    return storedPlacement(form);
+  }
+  void store(const WindowPlacement& placement) {
+    writeForm("{\"WindowPlacement\": \"" + placementText(placement).toStdString() + "\"}");
+  }
 };
 
 TEST_F(MainWindowPlacement, TheWindowStandsWhereItStoodWhenItWasClosed) {
@@ -143,7 +151,7 @@ TEST_F(MainWindowPlacement, AMaximisedWindowRemembersItsOtherSizeToo) {
     window.showMaximized();
     window.close();
   }
-  EXPECT_EQ(storedPlacement(), (WindowPlacement{left, true}));
+  EXPECT_EQ(stored(), (WindowPlacement{left, true}));
   MainWindow window(options, english);
   window.present();
   EXPECT_TRUE(window.isMaximized());
@@ -153,7 +161,7 @@ TEST_F(MainWindowPlacement, AMaximisedWindowRemembersItsOtherSizeToo) {
 
 TEST_F(MainWindowPlacement, AScreenThatIsGoneOrSmallerLosesNoWindow) {
   for (const QRect& elsewhere : {QRect(20000, 9000, 700, 520), QRect(-500, -500, 9000, 9000)}) {
-    storePlacement({elsewhere, false});
+    store({elsewhere, false});
     MainWindow window(options, english);
     window.present();
     EXPECT_TRUE(screen().contains(window.geometry())) << placementText({window.geometry(), false}).toStdString();
@@ -161,7 +169,7 @@ TEST_F(MainWindowPlacement, AScreenThatIsGoneOrSmallerLosesNoWindow) {
 }
 
 TEST_F(MainWindowPlacement, ASizeThatIsAskedForComesFirst) {
-  storePlacement({QRect(60, 70, 700, 520), true});
+  store({QRect(60, 70, 700, 520), true});
   options.size = QSize(720, 560);
   MainWindow window(options, english);
   window.present();
@@ -170,7 +178,7 @@ TEST_F(MainWindowPlacement, ASizeThatIsAskedForComesFirst) {
 }
 
 TEST_F(MainWindowPlacement, AShotNeitherTakesNorLeavesIt) {
-  storePlacement({QRect(60, 70, 700, 520), true});
+  store({QRect(60, 70, 700, 520), true});
   options.shotFile = "unused.png";
   {
     MainWindow window(options, english);
@@ -180,13 +188,39 @@ TEST_F(MainWindowPlacement, AShotNeitherTakesNorLeavesIt) {
     window.resize(900, 600);
     window.close();
   }
-  EXPECT_EQ(storedPlacement(), (WindowPlacement{QRect(60, 70, 700, 520), true}));
+  EXPECT_EQ(stored(), (WindowPlacement{QRect(60, 70, 700, 520), true}));
+}
+
+TEST_F(MainWindowPlacement, ItLeavesTheSettingsAlone) {
+  const QRect left(60, 70, 700, 520);
+  MainWindow window(options, english);
+  window.present();
+  window.setGeometry(left);
+  window.close();
+  EXPECT_EQ(stored(), (WindowPlacement{left, false}));
+  EXPECT_FALSE(std::filesystem::exists(folder / "settings.reg"));
+}
+
+TEST_F(MainWindowPlacement, AMoveAloneIsNotWorthAMessage) {
+  {
+    MainWindow window(options, english);
+    window.present();
+    window.close();
+  }
+  MainWindow window(options, english);
+  window.present();
+  window.setGeometry(QRect(80, 90, 700, 520));
+  std::filesystem::remove(folder / "form.json");
+  std::filesystem::create_directory(folder / "form.json");
+  const UnattendedMessages messages(qApp);
+  window.close();
+  EXPECT_EQ(messages.texts(), QStringList());
 }
 
 TEST_F(MainWindowPlacement, AWindowThatWasNeverShownLeavesNone) {
   MainWindow window(options, english);
   window.close();
-  EXPECT_EQ(storedPlacement(), std::nullopt);
+  EXPECT_EQ(stored(), std::nullopt);
 }
 
 TEST_F(MainWindowTest, F1IsHelpContents) {

@@ -34,6 +34,27 @@ TEST_F(ViewerPath, OfAnInstallationStays) {
   EXPECT_EQ(stored(), "C:\\Program\\KorvelAuditViewer.exe");
 }
 
+TEST_F(ViewerPath, InAFolderThatExistsStays) {
+  const std::string path = (folder / "KorvelAuditViewer.exe").string();
+  store(path);
+  provideViewerPath("/opt/bin");
+  EXPECT_EQ(stored(), path);
+}
+
+TEST_F(ViewerPath, FollowsTheProgramThatHasMoved) {
+  provideViewerPath(QString::fromStdString((folder / "unpacked/bin").string()));
+  provideViewerPath("/opt/bin");
+  EXPECT_EQ(stored(), "/opt/bin/KorvelAuditViewer.exe");
+}
+
+TEST_F(ViewerPath, ThatIsNoFullPathIsNotJudged) {
+  for (const char* path : {"0", "KorvelAuditViewer.exe", "gone/KorvelAuditViewer.exe"}) {
+    store(path);
+    provideViewerPath("/opt/bin");
+    EXPECT_EQ(stored(), path);
+  }
+}
+
 TEST_F(ViewerPath, IsNotWorthAFailure) {
   writeWholeFile(folder / "settings.reg", "no settings at all");
   provideViewerPath("/opt/bin");

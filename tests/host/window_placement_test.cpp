@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/whole_file.h"
+#include "host/form_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::host {
@@ -58,6 +59,15 @@ TEST(WindowPlacement, AWindowGoesWhereMostOfItIs) {
   EXPECT_EQ(placedOn({laptop, desk}, QRect(1200, 900, 800, 500), titleBar), QRect(1366, 700, 800, 500));
 }
 
+TEST(WindowPlacement, ScreensThatShareTheirPixelsCountOnce) {
+  const QRect halfGone(966, 100, 800, 500);
+  const QRect projector(0, 0, 1024, 740);
+  for (const QList<QRect>& screens : {QList{laptop, laptop}, QList{laptop, projector, laptop}}) {
+    EXPECT_EQ(placedOn(screens, halfGone, titleBar), QRect(566, 100, 800, 500));
+    EXPECT_EQ(placedOn(screens, QRect(500, 100, 800, 500), titleBar), QRect(500, 100, 800, 500));
+  }
+}
+
 TEST(WindowPlacement, NoScreenAndNoRoomLeaveItAlone) {
   const QRect window(1, 2, 300, 400);
   EXPECT_EQ(placedOn({}, window, titleBar), window);
@@ -67,44 +77,80 @@ TEST(WindowPlacement, NoScreenAndNoRoomLeaveItAlone) {
 
 class StoredPlacement : public ::testing::Test {
  protected:
+  FormFile form() {
+    FormFile file(QString::fromStdString(path.string()));
+    EXPECT_EQ(file.load(settings::LanguageOffset()), "");
+    return file;
+  }
+  void keep(const WindowPlacement& placement) {
+    FormFile file = form();
+    storePlacement(file, placement);
+  }
+
   test::TemporaryFolder folder;
-  test::EnvironmentVariable registry{"KORVEL_REGISTRY", (folder / "settings.reg").string()};
+  const std::filesystem::path path = folder / "form.json";
 };
 
 const WindowPlacement kept{QRect(120, 80, 1280, 800), true};
 
-TEST_F(StoredPlacement, StandsUnderAKeyOfItsOwn) {
-  EXPECT_EQ(storedPlacement(), std::nullopt);
-  storePlacement(kept);
-  EXPECT_EQ(storedPlacement(), kept);
-  EXPECT_EQ(readWholeFile(folder / "settings.reg"),
-            "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Molvane\\AuditViewer\\Window]\n"
-            "\"Placement\"=\"maximized 120 80 1280 800\"\n");
+TEST_F(StoredPlacement, StandsInTheFormAmongTheProperties) {
+  writeWholeFile(path, R"({"DatabaseType": 1})");
+  EXPECT_EQ(storedPlacement(form()), std::nullopt);
+  keep(kept);
+  EXPECT_EQ(storedPlacement(form()), kept);
+  EXPECT_EQ(form().properties(), (QVariantMap{{"DatabaseType", 1}, {"WindowPlacement", "maximized 120 80 1280 800"}}));
+}
+
+TEST_F(StoredPlacement, StaysWhenThePropertiesAreSaved) {
+  writeWholeFile(path, R"({"DatabaseType": 1})");
+  FormFile file = form();
+  storePlacement(file, kept);
+  EXPECT_EQ(file.save({{"DatabaseType", 0}}), "");
+  EXPECT_EQ(storedPlacement(form()), kept);
 }
 
 TEST_F(StoredPlacement, ThatIsTheSameIsNotWrittenAgain) {
-  storePlacement(kept);
-  const std::filesystem::file_time_type longAgo{};
-  std::filesystem::last_write_time(folder / "settings.reg", longAgo);
-  storePlacement(kept);
-  EXPECT_EQ(std::filesystem::last_write_time(folder / "settings.reg"), longAgo);
+  const std::string asTyped = R"({ "WindowPlacement" : "maximized 120 80 1280 800" })";
+  writeWholeFile(path, asTyped);
+  keep(kept);
+  EXPECT_EQ(readWholeFile(path), asTyped);
+}
+
+TEST_F(StoredPlacement, LeavesWhatAnotherWindowSavedMeanwhile) {
+  writeWholeFile(path, R"({"DatabaseType": 1})");
+  FormFile file = form();
+  writeWholeFile(path, R"({"DatabaseType": 0, "ViewSideTools": false})");
+  storePlacement(file, kept);
+  EXPECT_EQ(form().properties().value("DatabaseType"), QVariant(0));
+  EXPECT_EQ(form().properties().value("ViewSideTools"), QVariant(false));
+  EXPECT_EQ(storedPlacement(form()), kept);
 }
 
 TEST_F(StoredPlacement, ThatIsDamagedIsNone) {
-  for (const char* value : {"\"somewhere\"", "dword:00000001"}) {
-    writeWholeFile(folder / "settings.reg",
-                   "Windows Registry Editor Version 5.00\n\n"
-                   "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Molvane\\AuditViewer\\Window]\n\"Placement\"=" +
-                       std::string(value) + "\n");
-    EXPECT_EQ(storedPlacement(), std::nullopt) << value;
+  for (const char* value : {"\"somewhere\"", "1", "null", "{}"}) {
+    writeWholeFile(path, "{\"WindowPlacement\": " + std::string(value) + "}");
+    EXPECT_EQ(storedPlacement(form()), std::nullopt) << value;
   }
 }
 
-TEST_F(StoredPlacement, SettingsThatAreNoneStayAsTheyAre) {
-  writeWholeFile(folder / "settings.reg", "no settings at all");
-  EXPECT_EQ(storedPlacement(), std::nullopt);
-  storePlacement(kept);
-  EXPECT_EQ(readWholeFile(folder / "settings.reg"), "no settings at all");
+TEST_F(StoredPlacement, MakesNoFormWhereThereIsNone) {
+  keep(kept);
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(StoredPlacement, AFileThatIsNoFormStaysAsItIs) {
+  FormFile file = form();
+  writeWholeFile(path, "no form at all");
+  storePlacement(file, kept);
+  EXPECT_EQ(readWholeFile(path), "no form at all");
+}
+
+TEST_F(StoredPlacement, AFormThatIsToBeLeftStaysAsItIs) {
+  writeWholeFile(path, "{}");
+  FormFile file = form();
+  file.leaveAsItIs();
+  storePlacement(file, kept);
+  EXPECT_EQ(readWholeFile(path), "{}");
 }
 
 }  // namespace

@@ -9,13 +9,19 @@ namespace {
 std::atomic<std::size_t> allocations{0};
 std::atomic<bool> limited{false};
 std::atomic<std::size_t> left{0};
+std::atomic<std::size_t> failuresLeft{0};
+
+/// Whether there was one more, which is taken.
+bool takeOne(std::atomic<std::size_t>& count) noexcept {
+  std::size_t now = count;
+  while (now != 0 && !count.compare_exchange_weak(now, now - 1)) continue;
+  return now != 0;
+}
 
 bool mayAllocate() noexcept {
   ++allocations;
   if (!limited) return true;
-  std::size_t now = left;
-  while (now != 0 && !left.compare_exchange_weak(now, now - 1)) continue;
-  return now != 0;
+  return takeOne(left) || !takeOne(failuresLeft);
 }
 
 }  // namespace
@@ -55,8 +61,9 @@ std::size_t allocationCount() noexcept {
   return allocations;
 }
 
-FailingAllocations::FailingAllocations(std::size_t successes) noexcept {
+FailingAllocations::FailingAllocations(std::size_t successes, std::size_t failures) noexcept {
   left = successes;
+  failuresLeft = failures;
   limited = true;
 }
 FailingAllocations::~FailingAllocations() {

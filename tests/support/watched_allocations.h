@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 
 // For programs that contain watched_allocations.cpp: every allocation of theirs through operator new passes there.
 
@@ -9,10 +10,12 @@ namespace korvel::test {
 /// How many allocations the program has made so far.
 [[nodiscard]] std::size_t allocationCount() noexcept;
 
-/// While it lives, every allocation of the program through operator new fails after the first `successes`.
+/// While it lives, allocations of the program through operator new fail after the first `successes`: `failures` of
+/// them, all where none are named.
 class FailingAllocations {
  public:
-  explicit FailingAllocations(std::size_t successes) noexcept;
+  explicit FailingAllocations(std::size_t successes,
+                              std::size_t failures = std::numeric_limits<std::size_t>::max()) noexcept;
   ~FailingAllocations();
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;
