@@ -53,7 +53,7 @@ QString FormFile::standardPath() {
 QString FormFile::load(const settings::LanguageOffset& language) {
   if (!isThere(path_)) return {};
   isNew_ = false;
-  const QString failure = readObject(path_, language, content_);
+  QString failure = readObject(path_, language, content_);
   if (!failure.isEmpty()) leaveAsItIs();
   return failure;
 }
@@ -67,7 +67,7 @@ QString FormFile::save(const QVariantMap& properties) {
     wanted.insert(property.key(), QJsonValue::fromVariant(property.value()));
   if (!isNew_ && wanted == content_) return {};
 
-  const QString failure = write(wanted);
+  QString failure = write(wanted);
   if (!failure.isEmpty()) return failure;
   content_ = wanted;
   isNew_ = false;
