@@ -43,6 +43,7 @@ constexpr std::size_t shownBytes = 4 * static_cast<std::size_t>(RowDelegate::sho
 
 WidestText::WidestText(const QFont& font) : metrics_(font) {
   ascii_.fill(std::numeric_limits<float>::quiet_NaN());
+  candidates_.reserve(candidateCount);
 }
 
 float WidestText::asciiAdvance(std::size_t before, std::size_t at) {
