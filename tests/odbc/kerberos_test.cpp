@@ -4,8 +4,7 @@
 
 #include "db/odbc/server_check.h"
 #include "query/standard_query.h"
-#include "tests/odbc/wire.h"
-#include "tests/support/kerberos/kerberos_realm.h"
+#include "tests/odbc/realm.h"
 #include "tests/support/tds/loopback.h"
 
 namespace korvel::test {
@@ -17,24 +16,16 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// The product as it is delivered, in a realm of its own. The realm is made before any thread runs.
-class OdbcKerberos : public ::testing::Test {
+/// The product as it is delivered, in a realm of its own.
+class OdbcKerberos : public RealmTest {
  protected:
   void SetUp() override {
-    const auto driver = installedFreeTds();
-    if (!driver) GTEST_SKIP() << "the FreeTDS ODBC driver is not installed";
-    if (const auto missing = KerberosRealm::missing()) GTEST_SKIP() << *missing;
-    realm_.emplace();
-    realm_->addUser("auditor");
-    peer_.emplace();
-    realm_->addService("MSSQLSvc/localhost:" + std::to_string(peer_->port()));
-    peer_->checkTickets(realm_->serviceKeytab());
-    writeWholeFile(folder_ / "authorities.pem", peer_->certificatePem());
-    access_.options.certificateAuthorities = (folder_ / "authorities.pem").string();
-    access_.options.driver = *driver;
+    RealmTest::SetUp();
+    if (!peer_) return;
+    access_.options.certificateAuthorities = authorities();
+    access_.options.driver = driver_;
   }
 
-  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(peer_->port()); }
   std::optional<Error> connectError() {
     return errorOf([&] { (void)db::odbc::openServer(serverName(), "Korvel_Audit", access_); });
   }
@@ -44,9 +35,6 @@ class OdbcKerberos : public ::testing::Test {
     return error ? error->textKey() : "connected";
   }
 
-  std::optional<KerberosRealm> realm_;
-  std::optional<tds::TdsPeer> peer_;
-  TemporaryFolder folder_;
   db::odbc::ServerAccess access_;
 };
 

@@ -2,8 +2,7 @@
 #include "db/procedure/audit_conditions.h"
 #include "settings/registry.h"
 #include "settings/registry_file.h"
-#include "tests/odbc/wire.h"
-#include "tests/support/kerberos/kerberos_realm.h"
+#include "tests/odbc/realm.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::test {
@@ -13,28 +12,20 @@ using tds::Answer;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class ToolOnAServer : public ::testing::Test {
+class ToolOnAServer : public RealmTest {
  protected:
   void SetUp() override {
-    const auto driver = installedFreeTds();
-    if (!driver) GTEST_SKIP() << "the FreeTDS ODBC driver is not installed";
-    if (const auto missing = KerberosRealm::missing()) GTEST_SKIP() << *missing;
-    realm_.emplace();
-    realm_->addUser("auditor");
-    peer_.emplace();
-    realm_->addService("MSSQLSvc/localhost:" + std::to_string(peer_->port()));
+    RealmTest::SetUp();
+    if (!peer_) return;
     realm_->signIn("auditor");
-    peer_->checkTickets(realm_->serviceKeytab());
-    driver_.emplace("KORVEL_ODBC_DRIVER", *driver);
-    writeWholeFile(folder_ / "authorities.pem", peer_->certificatePem());
+    driverChoice_.emplace("KORVEL_ODBC_DRIVER", driver_);
     settings::RegistryFile settings(folder_ / "settings.reg");
-    settings::Registry(settings).SaveSetting("Molvane", "AuditViewer", "CertificateAuthorities",
-                                             (folder_ / "authorities.pem").string());
+    settings::Registry(settings).SaveSetting("Molvane", "AuditViewer", "CertificateAuthorities", authorities());
   }
 
   /// Runs a command on the peer's audit database.
   ToolRun run(const std::string& command, bool withDatabase = true) {
-    std::vector<std::string> arguments{command, "--server", "localhost," + std::to_string(peer_->port())};
+    std::vector<std::string> arguments{command, "--server", serverName()};
     if (withDatabase) arguments.insert(arguments.end(), {"--database", "Korvel_Audit"});
     return runTool(arguments);
   }
@@ -42,10 +33,7 @@ class ToolOnAServer : public ::testing::Test {
     peer_->answerOthers([answer](const tds::Command&) { return answer; });
   }
 
-  std::optional<KerberosRealm> realm_;
-  std::optional<tds::TdsPeer> peer_;
-  std::optional<EnvironmentVariable> driver_;
-  TemporaryFolder folder_;
+  std::optional<EnvironmentVariable> driverChoice_;
   EnvironmentVariable settings_{"KORVEL_REGISTRY", (folder_ / "settings.reg").string()};
 };
 
