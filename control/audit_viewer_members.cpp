@@ -1,19 +1,14 @@
 #include "control/audit_viewer_members.h"
 
-#include <QDate>
-#include <QLabel>
-#include <QLocale>
 #include <optional>
 #include <utility>
 
 #include "base/error.h"
 #include "control/commands/command_tables.h"
-#include "control/help_file.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
 #include "settings/explained_error.h"
-#include "settings/registry.h"
 #include "settings/stored_language.h"
 
 namespace korvel {
@@ -28,7 +23,6 @@ using control::surroundings;
 namespace {
 
 const QString browserForm = QStringLiteral("frmSQLServerBrowser");
-const QString aboutForm = QStringLiteral("frmAbout");
 const QString dateRangeForm = QStringLiteral("frmAdvancedFilters");
 const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
 // Deliberately not the title of the other messages.
@@ -59,14 +53,6 @@ class StatusText {
  private:
   QPointer<control::StatusPanels> panels_;
 };
-
-QDate toQDate(const std::chrono::year_month_day& day) {
-  return QDate(int(day.year()), static_cast<int>(unsigned(day.month())), static_cast<int>(unsigned(day.day())));
-}
-
-QString shortDate(const std::chrono::year_month_day& day) {
-  return QLocale::system().toString(toQDate(day), QLocale::ShortFormat);
-}
 
 }  // namespace
 
@@ -294,75 +280,6 @@ void AuditViewer::Members::ListViewColSetup() {
     surface.lvListView.at(i)->applyColumnWidths();
     surface.lvListView.at(i)->showSortIcon();
   }
-}
-
-void AuditViewer::Members::BuildMisc() {
-  skipFailing([&] { surface.frameFilter->setTitle(loadText(10039)); });
-  skipFailing([&] { surface.btDateRangeFilter->setText(loadText(10040)); });
-  skipFailing([&] { surface.btClearDateRange->setText(loadText(10041)); });
-  skipFailing([&] { showDateRange(); });
-  skipFailing([&] { surface.frameTools->setTitle(loadText(10043)); });
-
-  const std::pair<QWidget*, int> tooltips[] = {
-      {surface.btSelectDB, 10044}, {surface.btDBInfo, 10045},    {surface.btQuery, 10046},
-      {surface.btClear, 10047},    {surface.btSelectALL, 10048}, {surface.btUnselectALL, 10049},
-  };
-  for (const auto& row : tooltips) {
-    skipFailing([&] {
-      row.first->setToolTip(loadText(row.second));
-      row.first->setAccessibleName(loadText(row.second));
-    });
-  }
-  skipFailing([&] { chooseHelpFile(); });
-  skipFailing([&] { nameForAssistance(); });
-  skipFailing([&] {
-    const QString noRecordsYet = control::ownText("list.empty");
-    for (control::ResultListView* list : surface.lvListView) list->setEmptyText(noRecordsYet);
-  });
-}
-
-void AuditViewer::Members::chooseHelpFile() {
-  const auto backend = surroundings().openSettings();
-  const std::string viewerPath = settings::Registry(*backend).GetSetting(
-      std::string(settings::applicationName), std::string(settings::viewerSection), "ViewerAppPath", "0");
-  control::chooseHelpFile(libraryState().helpFile, fromUtf8(viewerPath), libraryState().language);
-}
-
-void AuditViewer::Members::openHelp(control::HelpCommand command) {
-  const std::shared_ptr<control::ControlServices> services = surroundings().services;
-  // Also where there is no path: it is the viewer of help files that shows nothing then.
-  services->openHelp(&viewer_, libraryState().helpFile, command);
-}
-
-void AuditViewer::Members::HelpContents() {
-  openHelp(control::HelpCommand::contents);
-}
-
-void AuditViewer::Members::HelpSearch() {
-  openHelp(control::HelpCommand::index);
-}
-
-void AuditViewer::Members::ShowAbout() {
-  const std::shared_ptr<control::ControlServices> services = surroundings().services;
-  services->showForm(&viewer_, aboutForm);
-}
-
-void AuditViewer::Members::nameForAssistance() {
-  surface.tvTreeView->setAccessibleName(surface.frameFilter->title());
-  surface.btDateRangeFilter->setAccessibleName(surface.btDateRangeFilter->text());
-  surface.btClearDateRange->setAccessibleName(surface.btClearDateRange->text());
-}
-
-void AuditViewer::Members::showDateRange() {
-  constexpr int noDateRange = 10042;
-  const query::DateRange& range = libraryState().dateRange;
-  surface.lblDateRange->setText(range.DateRangeActive ? shortDate(range.RangeFromDate) + QStringLiteral(" - ") +
-                                                            shortDate(range.RangeToDate)
-                                                      : loadText(noDateRange));
-}
-
-void AuditViewer::Members::showDateRangeEverywhere() {
-  for (Members* instance : instances()) instance->showDateRange();
 }
 
 void AuditViewer::Members::clearAllLists() {
