@@ -101,6 +101,20 @@ std::string replaceInvalidUtf8(std::string_view text) {
   return valid;
 }
 
+std::optional<char32_t> takeCharacter(std::string_view& text) noexcept {
+  utf8proc_int32_t codePoint = 0;
+  const std::size_t length = decode(text, codePoint);
+  text.remove_prefix(length == 0 ? 1 : length);
+  if (length == 0) return std::nullopt;
+  return static_cast<char32_t>(codePoint);
+}
+
+void appendCharacter(char32_t character, std::string& out) {
+  constexpr char32_t replacement = 0xFFFD;
+  const auto codePoint = static_cast<utf8proc_int32_t>(character);
+  appendCodePoint(utf8proc_codepoint_valid(codePoint) ? codePoint : static_cast<utf8proc_int32_t>(replacement), out);
+}
+
 std::string replaceAll(std::string text, std::string_view from, std::string_view to) {
   for (auto at = text.find(from); !from.empty() && at != std::string::npos; at = text.find(from, at + to.size()))
     text.replace(at, from.size(), to);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,12 @@ void appendCaseFolded(std::string_view text, std::string& folded);
 [[nodiscard]] bool isValidUtf8(std::string_view text) noexcept;
 /// `text` with every malformed sequence replaced by U+FFFD.
 [[nodiscard]] std::string replaceInvalidUtf8(std::string_view text);
+
+/// Takes the first character off UTF-8 `text`, which must not be empty. Nothing where it begins with a byte that
+/// belongs to no character; that byte alone is taken off then.
+[[nodiscard]] std::optional<char32_t> takeCharacter(std::string_view& text) noexcept;
+/// Appends a character as UTF-8; U+FFFD where `character` is none.
+void appendCharacter(char32_t character, std::string& out);
 
 /// `text` with every `from` replaced by `to`.
 [[nodiscard]] std::string replaceAll(std::string text, std::string_view from, std::string_view to);
