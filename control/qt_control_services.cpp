@@ -12,6 +12,7 @@
 #include "control/library_state.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
+#include "query/forms/date_range_form.h"
 
 namespace korvel::control {
 namespace {
@@ -51,6 +52,11 @@ QDialog* makeServerBrowser(QWidget* owner) {
   return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
 }
 
+QDialog* makeDateRange(QWidget* owner) {
+  LibraryState& state = libraryState();
+  return new query::frmAdvancedFilters({state.dateRange, state.language, surroundings().services}, owner);
+}
+
 QDialog* makeAbout(QWidget* owner) {
   return new frmAbout(libraryVersion(), owner);
 }
@@ -58,7 +64,9 @@ QDialog* makeAbout(QWidget* owner) {
 }  // namespace
 
 QtControlServices::QtControlServices()
-    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser}, {QStringLiteral("frmAbout"), &makeAbout}} {}
+    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser},
+             {QStringLiteral("frmAdvancedFilters"), &makeDateRange},
+             {QStringLiteral("frmAbout"), &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
