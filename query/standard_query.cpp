@@ -1,11 +1,10 @@
 #include "query/standard_query.h"
 
-#include <new>
 #include <utility>
 #include <vector>
 
 #include "base/text.h"
-#include "results/out_of_memory.h"
+#include "query/query_failure.h"
 #include "results/store_filler.h"
 
 namespace korvel::query {
@@ -13,9 +12,6 @@ namespace korvel::query {
 namespace {
 
 constexpr std::string_view routingColumn = "AuditType";
-
-// For failures that no engine numbers, as the control's users know it from its other messages.
-constexpr std::int32_t internalError = 51;
 
 constexpr std::string_view truthText(bool value) noexcept {
   return value ? "True" : "False";
@@ -84,29 +80,6 @@ void clearStandardLists(ResultLists& lists) noexcept {
   for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
 }
 
-Error explained(std::int32_t number, const char* english, const char* key) {
-  Error error(number, english);
-  error.setText(key, {});
-  return error;
-}
-
-/// Runs `step`; what it throws, of whatever type, as an Error.
-template <typename Step>
-std::optional<Error> failureOf(const Step& step) {
-  try {
-    step();
-    return std::nullopt;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return explained(results::outOfMemoryNumber, "Out of memory", "query.outOfMemory");
-  } catch (const std::exception& exception) {
-    return Error(internalError, exception.what());
-  } catch (...) {
-    return explained(internalError, "Internal error", "query.internalError");
-  }
-}
-
 }  // namespace
 
 std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
@@ -145,7 +118,7 @@ QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, con
     sink.emplace();
     const std::string call = queryAuditsText(tree.flags(), range);
     const auto connection = connect(connectionString);
-    if (!connection) throw explained(internalError, "Internal error", "query.internalError");
+    if (!connection) throw internalFailure();
     connection->execute(call, *sink);
     sink->finish();
   });
