@@ -13,18 +13,21 @@ namespace korvel::query {
 
 namespace {
 
-/// Tells progress at its pace.
-class PacedProgress {
+/// Looks, at its pace, whether a query may go on.
+class PacedLook {
  public:
-  PacedProgress(const QueryProgress& progress, const ProgressPace& pace) : progress_(progress), pace_(pace) {}
+  PacedLook(const QueryProgress& progress, const QuerySurroundings& surroundings)
+      : progress_(progress), surroundings_(surroundings) {}
 
-  /// Looks at the clock; false once the query is to stop.
-  bool look(std::size_t rows) {
-    if (!progress_ || stopped_) return !stopped_;
-    const auto now = pace_.now();
-    if (last_ && now - *last_ < pace_.interval) return true;
+  /// Looks at the clock and, when it is time, asks progress and `memory`; false once the query is to stop. Throws Error
+  /// where the machine runs short of memory.
+  bool look(std::size_t rows, results::MemoryWatch& memory) {
+    if (stopped_) return false;
+    const auto now = surroundings_.now();
+    if (last_ && now - *last_ < surroundings_.interval) return true;
     last_ = now;
-    stopped_ = !progress_(rows);
+    memory.engineAtWork();
+    stopped_ = progress_ && !progress_(rows);
     return !stopped_;
   }
 
@@ -32,7 +35,7 @@ class PacedProgress {
 
  private:
   const QueryProgress& progress_;
-  const ProgressPace& pace_;
+  const QuerySurroundings& surroundings_;
   std::optional<std::chrono::steady_clock::time_point> last_;
   bool stopped_ = false;
 };
@@ -40,7 +43,8 @@ class PacedProgress {
 /// Keeps the first result set.
 class FirstResultSink final : public db::ResultSink {
  public:
-  FirstResultSink(const QueryProgress& progress, const ProgressPace& pace) : progress_(progress, pace) {}
+  FirstResultSink(const QueryProgress& progress, const QuerySurroundings& surroundings)
+      : filler_(surroundings.memory), pace_(progress, surroundings) {}
 
   void beginResult(std::span<const db::Field> fields) override {
     if (begun_) {
@@ -56,7 +60,7 @@ class FirstResultSink final : public db::ResultSink {
     if (complete_) return false;
     filler_.append(cells);
     ++rowCount_;
-    return rowCount_ % rowsBetweenLooks != 0 || progress_.look(rowCount_);
+    return rowCount_ % rowsBetweenLooks != 0 || pace_.look(rowCount_, filler_.memory());
   }
 
   void endResult() override {
@@ -64,9 +68,9 @@ class FirstResultSink final : public db::ResultSink {
   }
 
   /// Engines that have sent the first result set send no other.
-  bool goOn() override { return !complete_ && progress_.look(rowCount_); }
+  bool goOn() override { return !complete_ && pace_.look(rowCount_, filler_.memory()); }
 
-  [[nodiscard]] bool stopped() const noexcept { return progress_.stopped(); }
+  [[nodiscard]] bool stopped() const noexcept { return pace_.stopped(); }
   [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
 
   /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
@@ -89,7 +93,7 @@ class FirstResultSink final : public db::ResultSink {
   static constexpr std::size_t rowsBetweenLooks = 64;
 
   results::StoreFiller filler_;
-  PacedProgress progress_;
+  PacedLook pace_;
   std::vector<db::Field> fields_;
   std::size_t rowCount_ = 0;
   bool begun_ = false;
@@ -99,12 +103,13 @@ class FirstResultSink final : public db::ResultSink {
 }  // namespace
 
 CustomReport runCustomQuery(const std::string& text, const std::string& connectionString, const Connector& connect,
-                            results::ResultList& list, const QueryProgress& progress, const ProgressPace& pace) {
+                            results::ResultList& list, const QueryProgress& progress,
+                            const QuerySurroundings& surroundings) {
   list.clear();
   std::optional<FirstResultSink> sink;
   // The connection lives inside this step: it is closed before the list is filled, also when the answer breaks off.
   const auto broken = failureOf([&] {
-    sink.emplace(progress, pace);
+    sink.emplace(progress, surroundings);
     if (!sink->goOn()) return;
     const auto connection = connect(connectionString);
     if (!connection) throw internalFailure();

@@ -8,6 +8,7 @@
 
 #include "base/error.h"
 #include "query/standard_query.h"
+#include "results/free_memory.h"
 #include "results/result_list.h"
 
 namespace korvel::query {
@@ -16,11 +17,13 @@ namespace korvel::query {
 /// so far. False stops the query. Called on the thread that runs it; what it throws fails the query.
 using QueryProgress = std::function<bool(std::size_t rows)>;
 
-/// How often progress is told; tests bring a clock of their own.
-struct ProgressPace {
-  /// Time from one call to the next, at least.
+/// What a running query asks of the machine; tests bring what they like.
+struct QuerySurroundings {
+  /// Time from one call of progress to the next, at least, by this clock.
   std::chrono::milliseconds interval{50};
   std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
+  /// Looked at while the answer grows: it fails before the machine has no memory left.
+  results::MemoryGauge memory = results::memoryState;
 };
 
 enum class CustomOutcome {
@@ -43,6 +46,6 @@ struct CustomReport {
 /// columns that it had, without rows. Nothing that is thrown below leaves it.
 CustomReport runCustomQuery(const std::string& text, const std::string& connectionString, const Connector& connect,
                             results::ResultList& list, const QueryProgress& progress = {},
-                            const ProgressPace& pace = {});
+                            const QuerySurroundings& surroundings = {});
 
 }  // namespace korvel::query

@@ -26,6 +26,8 @@ constexpr std::string_view withoutPadding(std::string_view code) noexcept {
 /// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
 class SpreadingSink final : public db::ResultSink {
  public:
+  explicit SpreadingSink(const results::MemoryGauge& memory) : filler_(memory) {}
+
   void beginResult(std::span<const db::Field> fields) override {
     noteEmptyFirst();
     if (firstResultEmpty_) return;
@@ -108,14 +110,15 @@ ResultLists makeResultLists() {
 }
 
 QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
-                             const Connector& connect, ResultLists& lists, std::size_t currentList) {
+                             const Connector& connect, ResultLists& lists, std::size_t currentList,
+                             const results::MemoryGauge& memory) {
   clearStandardLists(lists);
   if (!tree.anyRootChecked()) return {QueryOutcome::noCriteria, std::nullopt, 0};
 
   std::optional<SpreadingSink> sink;
   // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
   const auto broken = failureOf([&] {
-    sink.emplace();
+    sink.emplace(memory);
     const std::string call = queryAuditsText(tree.flags(), range);
     const auto connection = connect(connectionString);
     if (!connection) throw internalFailure();
