@@ -44,7 +44,7 @@ bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
   if (reader.fields().empty()) return true;  // only a row count
   sink.beginResult(reader.fields());
   while (reader.next())
-    if (!sink.row(reader.cells())) return false;
+    if (!sink.row(reader.cells()) || !sink.goOn()) return false;
   sink.endResult();
   return true;
 }
@@ -126,6 +126,7 @@ void OdbcConnection::tellMessages(const std::vector<Diagnostic>& diagnostics) co
 }
 
 void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
+  if (!sink.goOn()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
@@ -135,7 +136,8 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
     watch.heard();
-    if (!pushResult(handle, sink, watch)) {
+    // The driver is busy inside its calls: between them is where it can be stopped.
+    if (!pushResult(handle, sink, watch) || !sink.goOn()) {
       SQLCancel(handle);
       return;
     }
