@@ -8,6 +8,7 @@
 #include "db/server_directory.h"
 #include "output/print_font.h"
 #include "query/date_range.h"
+#include "query/query_choices.h"
 #include "query/standard_query.h"
 #include "settings/settings_backend.h"
 #include "settings/string_table.h"
@@ -18,6 +19,7 @@ namespace korvel::control {
 struct LibraryState {
   db::ConnectionState connection;
   query::DateRange dateRange;
+  query::QueryChoices queryChoices;
   settings::LanguageOffset language;
   output::PrintFont printFont;
   /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.

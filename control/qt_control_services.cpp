@@ -13,6 +13,8 @@
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
 #include "query/forms/date_range_form.h"
+#include "query/forms/field_picker.h"
+#include "query/forms/file_list.h"
 
 namespace korvel::control {
 namespace {
@@ -57,6 +59,12 @@ QDialog* makeDateRange(QWidget* owner) {
   return new query::frmAdvancedFilters({state.dateRange, state.language, surroundings().services}, owner);
 }
 
+template <typename Form>
+QDialog* makeQueryForm(QWidget* owner) {
+  LibraryState& state = libraryState();
+  return new Form({state.queryChoices, state.language, surroundings().services}, owner);
+}
+
 QDialog* makeAbout(QWidget* owner) {
   return new frmAbout(libraryVersion(), owner);
 }
@@ -66,6 +74,8 @@ QDialog* makeAbout(QWidget* owner) {
 QtControlServices::QtControlServices()
     : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser},
              {QStringLiteral("frmAdvancedFilters"), &makeDateRange},
+             {QStringLiteral("frmFields"), &makeQueryForm<query::frmFields>},
+             {QStringLiteral("frmFileList"), &makeQueryForm<query::frmFileList>},
              {QStringLiteral("frmAbout"), &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
