@@ -1,15 +1,19 @@
 #include "control/qt_control_services.h"
 
 #include <QDialog>
+#include <QFileDialog>
 #include <QFontDialog>
 #include <QGuiApplication>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <memory>
 
 #include "control/forms/about.h"
 #include "control/help_viewer.h"
 #include "control/library_state.h"
+#include "control/look/look.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
 #include "query/forms/date_range_form.h"
@@ -93,6 +97,44 @@ std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& 
   bool chosen = false;
   const QFont font = QFontDialog::getFont(&chosen, current, owner);
   return chosen ? std::optional(font) : std::nullopt;
+}
+
+std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
+  const PointerForDialog pointer;
+  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title);
+  dialog->setFileMode(QFileDialog::Directory);
+  dialog->setOption(QFileDialog::ShowDirsOnly, !showFiles);
+  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
+  const QString folder = chosen ? dialog->selectedFiles().value(0) : QString();
+  delete dialog;
+  return folder.isEmpty() ? std::nullopt : std::optional(folder);
+}
+
+QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {
+  const PointerForDialog pointer;
+  const QPointer<QInputDialog> dialog = new QInputDialog(owner);
+  look::applyLook(*dialog);
+  dialog->setWindowTitle(title);
+  dialog->setLabelText(prompt);
+  const bool typed = dialog->exec() == QDialog::Accepted && dialog;
+  const QString text = typed ? dialog->textValue() : QString();
+  delete dialog;
+  return text;
+}
+
+bool QtControlServices::confirm(QWidget* owner, const QString& title, const QString& text) {
+  const PointerForDialog pointer;
+  const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
+  box->setTextFormat(Qt::PlainText);
+  const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
+  QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
+  // Nothing is lost by a hasty Enter.
+  box->setDefaultButton(no);
+  box->setEscapeButton(no);
+  box->exec();
+  const bool answer = box && yes && box->clickedButton() == yes;
+  delete box;
+  return answer;
 }
 
 void QtControlServices::showForm(QWidget* owner, const QString& name) {
