@@ -14,6 +14,7 @@
 #include "control/help_viewer.h"
 #include "control/library_state.h"
 #include "control/look/look.h"
+#include "control/look/theme.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
 #include "query/forms/date_range_form.h"
@@ -22,6 +23,8 @@
 
 namespace korvel::control {
 namespace {
+
+constexpr int inputBoxWidth = 340;
 
 QMessageBox::Icon boxIcon(MessageIcon icon) {
   switch (icon) {
@@ -116,6 +119,8 @@ QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const
   look::applyLook(*dialog);
   dialog->setWindowTitle(title);
   dialog->setLabelText(prompt);
+  // Room for a name, whatever the length of the prompt.
+  dialog->setMinimumWidth(look::px(dialog, inputBoxWidth));
   const bool typed = dialog->exec() == QDialog::Accepted && dialog;
   const QString text = typed ? dialog->textValue() : QString();
   delete dialog;
