@@ -134,6 +134,31 @@ TEST_F(OdbcAnswers, aSinkThatHasEnoughEndsTheAnswer) {
   EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
 }
 
+/// Says after two result sets that it does not want to go on.
+class TwoResultsSink final : public db::ResultSink {
+ public:
+  void beginResult(std::span<const db::Field>) override {}
+  bool row(std::span<const db::Cell>) override { return ++rows > 0; }
+  void endResult() override { ++ended; }
+  bool goOn() override { return ended < 2; }
+
+  int rows = 0;
+  int ended = 0;
+};
+
+TEST_F(OdbcAnswers, aSinkThatDoesNotWantToGoOnEndsTheAnswer) {
+  Answer answer;
+  for (int i = 0; i < 5; ++i) answer.result(number).row({i});
+  peer_.answer("five", answer);
+  TwoResultsSink sink;
+  connection().execute("five", sink);
+  EXPECT_EQ(sink.ended, 2);
+  EXPECT_EQ(sink.rows, 2);
+  connection().execute("never sent", sink);
+  EXPECT_EQ(sink.rows, 2);
+  EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
+}
+
 class ThrowingSink final : public db::ResultSink {
  public:
   void beginResult(std::span<const db::Field>) override {}
