@@ -90,20 +90,24 @@ WholeFile::~WholeFile() {
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
-void WholeFile::flush() {
-  std::string_view rest = buffer_;
-  while (!rest.empty()) {
-    const auto written = ::write(descriptor_, rest.data(), rest.size());
+void WholeFile::writeOut(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto written = ::write(descriptor_, bytes.data(), bytes.size());
     if (written < 0) {
       if (errno == EINTR) continue;
       throw failed("cannot write", target_);
     }
-    rest.remove_prefix(static_cast<std::size_t>(written));
+    bytes.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+void WholeFile::flush() {
+  writeOut(buffer_);
   buffer_.clear();
 }
 
 void WholeFile::write(std::string_view bytes) {
+  if (buffer_.empty() && bytes.size() >= bufferBytes) return writeOut(bytes);
   buffer_ += bytes;
   if (buffer_.size() >= bufferBytes) flush();
 }

@@ -21,6 +21,7 @@ class WholeFile {
   void commit();
 
  private:
+  void writeOut(std::string_view bytes);
   void flush();
 
   std::filesystem::path target_;
