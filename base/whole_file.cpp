@@ -107,7 +107,7 @@ void WholeFile::flush() {
 }
 
 void WholeFile::write(std::string_view bytes) {
-  if (buffer_.empty() && bytes.size() >= bufferBytes) return writeOut(bytes);
+  if (buffer_.empty() && bytes.size() >= bufferBytes / 2) return writeOut(bytes);
   buffer_ += bytes;
   if (buffer_.size() >= bufferBytes) flush();
 }

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace korvel::cli {
+
+/// While it lives, Ctrl+C and the request to end leave the program running and are only noted, so that work is ended in
+/// good order. The second one ends it as ever. Signals that the program was started to ignore stay ignored.
+class Interruption {
+ public:
+  Interruption();
+  ~Interruption();
+  Interruption(const Interruption&) = delete;
+  Interruption& operator=(const Interruption&) = delete;
+
+  [[nodiscard]] static bool requested() noexcept;
+};
+
+}  // namespace korvel::cli
