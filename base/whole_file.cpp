@@ -90,24 +90,20 @@ WholeFile::~WholeFile() {
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
-void WholeFile::writeOut(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const auto written = ::write(descriptor_, bytes.data(), bytes.size());
+void WholeFile::flush() {
+  std::string_view rest = buffer_;
+  while (!rest.empty()) {
+    const auto written = ::write(descriptor_, rest.data(), rest.size());
     if (written < 0) {
       if (errno == EINTR) continue;
       throw failed("cannot write", target_);
     }
-    bytes.remove_prefix(static_cast<std::size_t>(written));
+    rest.remove_prefix(static_cast<std::size_t>(written));
   }
-}
-
-void WholeFile::flush() {
-  writeOut(buffer_);
   buffer_.clear();
 }
 
 void WholeFile::write(std::string_view bytes) {
-  if (buffer_.empty() && bytes.size() >= bufferBytes / 2) return writeOut(bytes);
   buffer_ += bytes;
   if (buffer_.size() >= bufferBytes) flush();
 }

@@ -21,7 +21,6 @@ class WholeFile {
   void commit();
 
  private:
-  void writeOut(std::string_view bytes);
   void flush();
 
   std::filesystem::path target_;

@@ -97,6 +97,7 @@ class SqlRun {
     const query::CustomReport report = query::runCustomQuery(text_, connectionString_, connect_, list,
                                                              [](std::size_t) { return !Interruption::requested(); });
     if (report.outcome != query::CustomOutcome::filled) return ended(err, report);
+    if (Interruption::requested()) return stopped(err);
     const auto failure = query::failureOf([&] {
       writeTo(options_.output, out,
               [&](const output::ByteSink& sink) { output::writeList(options_.format, list, sink); });

@@ -30,7 +30,7 @@ class RowBuffer {
   }
 
  private:
-  static constexpr std::size_t usualBytes = std::size_t{1} << 18U;
+  static constexpr std::size_t usualBytes = std::size_t{1} << 16U;
 
   void makeRoom(std::size_t most) {
     flush();
