@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 namespace korvel::cli {
 
 /// While it lives, Ctrl+C and the request to end leave the program running and are only noted, so that work is ended in
@@ -12,6 +14,9 @@ class Interruption {
   Interruption& operator=(const Interruption&) = delete;
 
   [[nodiscard]] static bool requested() noexcept;
+
+ private:
+  std::array<void (*)(int), 2> handlersBefore_{};
 };
 
 }  // namespace korvel::cli

@@ -82,6 +82,25 @@ int ended(std::ostream& err, const query::CustomReport& report) {
   return exitDone;
 }
 
+/// Looks after the machine's memory while a stream is filled: a server's rows take none, but the embedded engine sorts
+/// in it.
+class WatchedStream final : public db::ResultSink {
+ public:
+  explicit WatchedStream(output::RecordStream& stream) : stream_(stream), look_(noProgress_, surroundings_) {}
+
+  void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
+  bool row(std::span<const db::Cell> cells) override { return stream_.row(cells); }
+  void endResult() override { stream_.endResult(); }
+  bool goOn() override { return look_.look(stream_.rowCount(), memory_) && stream_.goOn(); }
+
+ private:
+  output::RecordStream& stream_;
+  query::QueryProgress noProgress_;
+  query::QuerySurroundings surroundings_;
+  query::PacedLook look_;
+  results::MemoryWatch memory_;
+};
+
 /// One query whose answer goes to one target.
 class SqlRun {
  public:
@@ -133,7 +152,8 @@ class SqlRun {
     const auto failure = query::failureOf([&] {
       const auto connection = connect_(connectionString_);
       if (!connection) throw query::internalFailure();
-      connection->execute(text_, stream);
+      WatchedStream watched(stream);
+      connection->execute(text_, watched);
       if (!stream.stopped()) stream.finish();
     });
     if (stream.stopped()) return {CustomOutcome::stopped, std::nullopt};

@@ -68,7 +68,15 @@ TEST_F(OdbcAnswers, anErrorFirst) {
   EXPECT_EQ(got->number(), 208);
   EXPECT_EQ(got->description(), "Invalid object name 'x'.");
   EXPECT_TRUE(got->textKey().empty());
-  EXPECT_EQ(got->line(), 7);
+}
+
+TEST_F(OdbcAnswers, anErrorNamesTheLineOfTheText) {
+  const std::string sixLines = "1\r\n2\n3\n4\n5\n";
+  peer_.answer(sixLines + "\nseven", Answer().error(missing));
+  EXPECT_EQ(errorOfText(connection(), sixLines + "\nseven")->line(), 7);
+  // A seventh line that the text does not have is one of a procedure.
+  peer_.answer(sixLines + "six", Answer().error(missing));
+  EXPECT_EQ(errorOfText(connection(), sixLines + "six")->line(), std::nullopt);
 }
 
 TEST_F(OdbcAnswers, anErrorAfterPrintedText) {
