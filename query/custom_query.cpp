@@ -6,39 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "query/paced_look.h"
 #include "query/query_failure.h"
 #include "results/store_filler.h"
 
 namespace korvel::query {
 
 namespace {
-
-/// Looks, at its pace, whether a query may go on.
-class PacedLook {
- public:
-  PacedLook(const QueryProgress& progress, const QuerySurroundings& surroundings)
-      : progress_(progress), surroundings_(surroundings) {}
-
-  /// Looks at the clock and, when it is time, asks progress and `memory`; false once the query is to stop. Throws Error
-  /// where the machine runs short of memory.
-  bool look(std::size_t rows, results::MemoryWatch& memory) {
-    if (stopped_) return false;
-    const auto now = surroundings_.now();
-    if (last_ && now - *last_ < surroundings_.interval) return true;
-    last_ = now;
-    memory.engineAtWork();
-    stopped_ = progress_ && !progress_(rows);
-    return !stopped_;
-  }
-
-  [[nodiscard]] bool stopped() const noexcept { return stopped_; }
-
- private:
-  const QueryProgress& progress_;
-  const QuerySurroundings& surroundings_;
-  std::optional<std::chrono::steady_clock::time_point> last_;
-  bool stopped_ = false;
-};
 
 /// Keeps the first result set.
 class FirstResultSink final : public db::ResultSink {

@@ -1,30 +1,14 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 
 #include "base/error.h"
+#include "query/paced_look.h"
 #include "query/standard_query.h"
-#include "results/free_memory.h"
 #include "results/result_list.h"
 
 namespace korvel::query {
-
-/// Called again and again while a query works, before its first row too where the engine can, with the number of rows
-/// so far. False stops the query. Called on the thread that runs it; what it throws fails the query.
-using QueryProgress = std::function<bool(std::size_t rows)>;
-
-/// What a running query asks of the machine; tests bring what they like.
-struct QuerySurroundings {
-  /// Time from one call of progress to the next, at least, by this clock.
-  std::chrono::milliseconds interval{50};
-  std::function<std::chrono::steady_clock::time_point()> now = std::chrono::steady_clock::now;
-  /// Looked at while the answer grows: it fails before the machine has no memory left.
-  results::MemoryGauge memory = results::memoryState;
-};
 
 enum class CustomOutcome {
   failed,     ///< connection or execution failed, at whatever point of the answer

@@ -38,6 +38,13 @@ std::mutex& loginMutex() {
   return mutex;
 }
 
+/// A line that the text does not have is one of a procedure that it called.
+Error withLineOf(std::string_view text, const Error& error) {
+  const auto lines = 1 + std::count(text.begin(), text.end(), '\n');
+  if (!error.line() || *error.line() <= lines) return error;
+  return {error.number(), error.description()};
+}
+
 /// Pushes the statement's current result; false when the sink has had enough.
 bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
   RowReader reader(statement, watch);
@@ -108,7 +115,8 @@ void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
     // A driver whose connection was shut down may take that for the end of the answer.
     if (watch.expired()) throw DriverFailure({});
   } catch (const DriverFailure& failure) {
-    const Error error = commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired());
+    const Error error =
+        withLineOf(commandText, commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired()));
     tellMessages(failure.diagnostics);
     tell(eventOfFailure(failure.diagnostics, error));
     throw Error(error);
