@@ -61,6 +61,7 @@ void AuditViewer::Members::connectCustomPage() {
   // Beside the text the key works as it does in it.
   auto* runKey = new QShortcut(Qt::Key_F5, surface.lvListView[query::customList]->parentWidget());
   runKey->setContext(Qt::WidgetWithChildrenShortcut);
+  runKey->setAutoRepeat(false);
   QObject::connect(runKey, &QShortcut::activated, &viewer_, run);
 }
 
@@ -95,6 +96,8 @@ query::CustomReport AuditViewer::Members::runWatched(const QString& text, result
     };
     report = query::runCustomQuery(text.toStdString(), connectionString, surroundings().connect, answer, progress,
                                    surroundings().queryMachine);
+    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
+    static_cast<void>(watch.goOn());
   }
   if (!alive) return report;
   customQueryRuns_ = false;

@@ -122,7 +122,7 @@ QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const
   // Room for a name, whatever the length of the prompt.
   dialog->setMinimumWidth(look::px(dialog, inputBoxWidth));
   const bool typed = dialog->exec() == QDialog::Accepted && dialog;
-  const QString text = typed ? dialog->textValue() : QString();
+  QString text = typed ? dialog->textValue() : QString();
   delete dialog;
   return text;
 }

@@ -35,10 +35,8 @@ Treatment treatmentOf(const QObject& watched, QEvent::Type type) {
     case QEvent::Gesture:
     case QEvent::ContextMenu:
     case QEvent::Enter:
-    case QEvent::Leave:
     case QEvent::HoverEnter:
     case QEvent::HoverMove:
-    case QEvent::HoverLeave:
     case QEvent::ToolTip:
     case QEvent::WhatsThis:
     case QEvent::DragEnter:
@@ -55,6 +53,8 @@ Treatment treatmentOf(const QObject& watched, QEvent::Type type) {
     case QEvent::FocusOut:
       // The windows' own bookkeeping goes on.
       return watched.isWindowType() ? Treatment::pass : Treatment::tellLater;
+    case QEvent::Leave:
+    case QEvent::HoverLeave:
     case QEvent::Quit:
       return Treatment::tellLater;
     default:
@@ -81,7 +81,7 @@ QueryWatch::~QueryWatch() {
 }
 
 bool QueryWatch::goOn() {
-  if (!stopped_) QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+  QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
   return !stopped_;
 }
 

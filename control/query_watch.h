@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 #include <memory>
 #include <vector>
 
@@ -11,7 +12,7 @@ namespace korvel::control {
 /// While a query keeps the user-interface thread busy, windows shall be painted and the escape key shall be heard, and
 /// nothing else shall happen: no handler of the control or its host may be entered while another one runs. As long as a
 /// watch lives, it takes away what people and timers send to any element of the program. Typing, clicks and the closing
-/// of windows are lost, timers tick again later, and changes of the focus are told afterwards.
+/// of windows are lost, timers tick again later; that the focus or the pointer has moved away is told afterwards.
 ///
 /// Calls that are queued are beyond it: whoever runs a query through it must bear its own destruction. A dialog that
 /// such a call opens is spared, or nobody could close it.

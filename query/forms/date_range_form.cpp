@@ -73,7 +73,8 @@ frmAdvancedFilters::frmAdvancedFilters(DateRangeSurroundings surroundings, QWidg
 frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, const char* calendarName,
                                                        const char* textName, const QString& caption,
                                                        std::chrono::year_month_day DateRange::*day) {
-  Side side{day};
+  Side side;
+  side.day = day;
   side.frame = named(new look::CardFrame(caption), frameName);
   side.calendar = named(new QCalendarWidget, calendarName);
   side.calendar->setLocale(surroundings_.locale);

@@ -49,7 +49,7 @@ class frmAdvancedFilters final : public QDialog {
  private:
   /// A frame with a calendar and the line that shows the day picked in it.
   struct Side {
-    std::chrono::year_month_day DateRange::*day;
+    std::chrono::year_month_day DateRange::*day = nullptr;
     look::CardFrame* frame = nullptr;
     QCalendarWidget* calendar = nullptr;
     QLineEdit* text = nullptr;

@@ -119,6 +119,20 @@ TEST_F(WhileItLoads, ClicksAndKeysReachNobody) {
   EXPECT_EQ(host.text(), "e");
 }
 
+TEST_F(WhileItLoads, WhatWasSentBeforeItsEndStartsNoOther) {
+  const auto viewer = customPage();
+  server.answer = [&](db::ResultSink& sink) {
+    begin(sink, {"a"});
+    row(sink, {"1"});
+    // Nobody looks any more before the query has ended.
+    postKey(&editor(*viewer), Qt::Key_F5);
+  };
+  click(*viewer, "btQuery");
+  QCoreApplication::processEvents();
+  EXPECT_THAT(server.commands, SizeIs(1));
+  EXPECT_EQ(column(*viewer, 5), "1");
+}
+
 TEST_F(WhileItLoads, NoWindowIsClosed) {
   const auto viewer = customPage();
   QWidget host;
