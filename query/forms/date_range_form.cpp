@@ -37,6 +37,11 @@ std::chrono::year_month_day toDay(const QDate& date) {
           std::chrono::day(static_cast<unsigned>(date.day()))};
 }
 
+/// The box that takes the place of the year while another one is typed. The name is the toolkit's own.
+QWidget* yearOf(const QCalendarWidget& calendar) {
+  return calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_yearedit"));
+}
+
 /// The grid of days, which is what has the focus in a calendar.
 QTableView* daysOf(const QCalendarWidget& calendar) {
   return calendar.findChild<QTableView*>();
@@ -87,6 +92,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   QTableView* const days = daysOf(*side.calendar);
   days->setAccessibleName(caption);
   days->installEventFilter(this);
+  if (QWidget* const year = yearOf(*side.calendar)) year->installEventFilter(this);
 
   side.text = named(new QLineEdit, textName);
   side.text->setReadOnly(true);
@@ -148,8 +154,15 @@ void frmAdvancedFilters::done(int result) {
 bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress) {
     const auto* press = static_cast<QKeyEvent*>(event);
-    for (const Side& side : {from_, to_})
+    const bool enter = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
+    for (const Side& side : {from_, to_}) {
       if (watched == daysOf(*side.calendar) && calendarKey(side, press->key(), press->modifiers())) return true;
+      if (watched == yearOf(*side.calendar) && enter) {
+        // Leaving the year enters it. The key itself would go on to the dialog and close that.
+        daysOf(*side.calendar)->setFocus();
+        return true;
+      }
+    }
   }
   return QDialog::eventFilter(watched, event);
 }

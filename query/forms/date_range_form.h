@@ -62,7 +62,7 @@ class frmAdvancedFilters final : public QDialog {
   /// A day was clicked, or chosen by key.
   void DateClick(const Side& side, const QDate& date);
   void store(const Side& side, const QDate& date);
-  /// Keys that the calendar does not know itself: space picks a day, Ctrl with a page key moves by a year.
+  /// Keys that the days of a calendar do not know themselves: space picks a day, Ctrl with a page key moves by a year.
   bool calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers);
 
   DateRangeSurroundings surroundings_;

@@ -52,6 +52,11 @@ bool isShiftEnter(const QKeyEvent& event) {
 
 SqlEditor::SqlEditor(QWidget* parent) : QPlainTextEdit(parent), highlighter_(new SqlHighlighter(document())) {
   setObjectName(QStringLiteral("txtAdvancedQuery"));
+  // Nothing but the family: the size stays that of the elements around it.
+  QFont fixed;
+  fixed.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
+  fixed.setStyleHint(QFont::Monospace);
+  setFont(fixed);
   setTabChangesFocus(true);
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showMarks(); });
@@ -221,10 +226,6 @@ void SqlEditor::changeEvent(QEvent* event) {
 }
 
 void SqlEditor::applyLook() {
-  QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  const QFont around = parentWidget() != nullptr ? parentWidget()->font() : QFont();
-  if (around.pointSizeF() > 0) fixed.setPointSizeF(around.pointSizeF());
-  setFont(fixed);
   highlighter_->setColours(SqlColours::of(look::Theme::of(*this)));
   showMarks();
 }

@@ -7,6 +7,7 @@
 #include <QCalendarWidget>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -190,6 +191,19 @@ TEST_F(DateRangeForm, CtrlWithAPageKeyMovesByAYear) {
   key("FromDate", Qt::Key_PageDown, Qt::ControlModifier);
   key("FromDate", Qt::Key_PageDown, Qt::ControlModifier);
   EXPECT_EQ(calendar("FromDate").selectedDate(), QDate(2005, 3, 7));
+}
+
+TEST_F(DateRangeForm, ATypedYearIsEnteredWithoutClosingTheDialog) {
+  form();
+  QTest::mouseClick(calendar("FromDate").findChild<QToolButton*>("qt_calendar_yearbutton"), Qt::LeftButton);
+  auto* year = calendar("FromDate").findChild<QSpinBox*>("qt_calendar_yearedit");
+  ASSERT_TRUE(year->isVisible());
+  year->selectAll();
+  QTest::keyClicks(year, "2001");
+  QTest::keyClick(year, Qt::Key_Return);
+  EXPECT_TRUE(form().isVisible());
+  EXPECT_EQ(calendar("FromDate").yearShown(), 2001);
+  EXPECT_EQ(from(), "2004-3-7");
 }
 
 TEST_F(DateRangeForm, TheKeyboardReachesBothCalendars) {

@@ -170,9 +170,15 @@ TEST_F(SqlEditorTest, ColoursFollowThePalette) {
   }
 }
 
-TEST_F(SqlEditorTest, ItsFontIsMonospaced) {
-  const QFontMetrics metrics(editor->font());
-  EXPECT_EQ(metrics.horizontalAdvance('i'), metrics.horizontalAdvance('W'));
+TEST_F(SqlEditorTest, ItsFontIsMonospacedAndAsLargeAsThoseAround) {
+  for (const int points : {9, 20}) {
+    QFont font = window.font();
+    font.setPointSize(points);
+    window.setFont(font);
+    EXPECT_EQ(editor->font().pointSize(), points);
+    const QFontMetrics metrics(editor->font());
+    EXPECT_EQ(metrics.horizontalAdvance('i'), metrics.horizontalAdvance('W'));
+  }
 }
 
 TEST_F(SqlEditorTest, ParenthesesAreShownInPairs) {
