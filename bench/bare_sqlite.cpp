@@ -1,6 +1,10 @@
 #include "bench/bare_sqlite.h"
 
+#include <cstring>
 #include <stdexcept>
+#include <vector>
+
+#include "db/embedded/row_values.h"
 
 namespace korvel::bench {
 
@@ -45,6 +49,31 @@ std::size_t BareSqlite::textBytes(const std::string& statement) {
     for (int column = 0; column < columns; ++column)
       if (sqlite3_column_text(rows.get(), column) != nullptr)
         bytes += static_cast<std::size_t>(sqlite3_column_bytes(rows.get(), column));
+  return bytes;
+}
+
+std::size_t BareSqlite::copyOut(const std::string& statement) {
+  constexpr std::size_t bufferBytes = std::size_t{128} * 1024;
+  const Statement rows = prepared(connection_.get(), statement);
+  const auto columns = static_cast<std::size_t>(sqlite3_column_count(rows.get()));
+  db::RowValues values(rows.get(), columns);
+  std::vector<char> buffer(bufferBytes);
+  std::size_t used = 0;
+  std::size_t bytes = 0;
+  while (sqlite3_step(rows.get()) == SQLITE_ROW) {
+    values.read();
+    for (std::size_t column = 0; column < columns; ++column) {
+      sqlite3_value* const value = values.value(column);
+      const unsigned char* const text = sqlite3_value_text(value);
+      if (text == nullptr) continue;
+      const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+      if (size > buffer.size() - used) used = 0;
+      if (size > buffer.size()) buffer.resize(size);
+      std::memcpy(buffer.data() + used, text, size);
+      used += size;
+      bytes += size;
+    }
+  }
   return bytes;
 }
 

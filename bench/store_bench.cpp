@@ -25,11 +25,13 @@ void loadMillionRecords(benchmark::State& state) {
   const std::size_t textBytes = bare.textBytes(wholeTrail);
   Least bareTime;
   Least readTime;
+  Least copyTime;
   Least storeTime;
   std::size_t memoryBytes = 0;
   for (auto _ : state) {
     bareTime.measure([&] { benchmark::DoNotOptimize(bare.stepThrough(wholeTrail)); });
     readTime.measure([&] { benchmark::DoNotOptimize(bare.textBytes(wholeTrail)); });
+    copyTime.measure([&] { benchmark::DoNotOptimize(bare.copyOut(wholeTrail)); });
     std::shared_ptr<const results::RowStore> store;
     state.SetIterationTime(storeTime.measure([&] {
       results::RowSink sink;
@@ -41,6 +43,8 @@ void loadMillionRecords(benchmark::State& state) {
   }
   state.counters["bare_ms"] = bareTime.seconds * 1000;
   state.counters["read_ms"] = readTime.seconds * 1000;
+  state.counters["copy_ms"] = copyTime.seconds * 1000;
+  state.counters["copy_to_bare"] = copyTime.seconds / bareTime.seconds;
   state.counters["store_ms"] = storeTime.seconds * 1000;
   state.counters["store_to_bare"] = storeTime.seconds / bareTime.seconds;
   state.counters["store_to_read"] = storeTime.seconds / readTime.seconds;

@@ -40,6 +40,9 @@ void AuditViewer::Members::connectContextMenus() {
     QObject::connect(list, &QWidget::customContextMenuRequested, &viewer_, [this, list](const QPoint& place) {
       trapped("BuildPopup", [&] { showFontMenu(list->viewport()->mapToGlobal(place)); });
     });
+    QObject::connect(list, &control::ResultListView::columnMenuRequested, &viewer_, [this, list](const QPoint& place) {
+      trapped("BuildPopup", [&] { showColumnMenu(*list, place); });
+    });
     QWidget* const header = list->header();
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     QObject::connect(header, &QWidget::customContextMenuRequested, &viewer_, [this, list](const QPoint& place) {

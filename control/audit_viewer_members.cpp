@@ -132,9 +132,11 @@ void AuditViewer::Members::connectHandlers() {
   onClick(surface.btSelectALL, &Members::btSelectALL_Click, "btSelectALL_Click");
   onClick(surface.btUnselectALL, &Members::btUnselectALL_Click, "btUnselectALL_Click");
   for (control::ResultListView* list : surface.lvListView) {
-    QObject::connect(list->header(), &QHeaderView::sectionClicked, &viewer_, [this, list](int column) {
+    const auto columnClick = [this, list](int column) {
       trapped("lvListView_ColumnClick", [&] { list->clickHeader(column); });
-    });
+    };
+    QObject::connect(list->header(), &QHeaderView::sectionClicked, &viewer_, columnClick);
+    QObject::connect(list, &control::ResultListView::sortRequested, &viewer_, columnClick);
     QObject::connect(list, &control::ResultListView::recordRequested, &viewer_, [this, list](int row) {
       trapped("lvListView_DblClick", [&] { lvListView_DblClick(*list, row); });
     });

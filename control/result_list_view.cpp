@@ -256,12 +256,31 @@ QModelIndex ResultListView::moveCursor(CursorAction action, Qt::KeyboardModifier
   return to.isValid() ? to.siblingAtColumn(cursorColumn()) : to;
 }
 
+bool ResultListView::handleHeaderKey(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+  const int column = cursorColumn();
+  if (column >= model_.columnCount()) return false;
+  if (modifiers == Qt::ControlModifier && (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)) {
+    Q_EMIT sortRequested(column);
+    return true;
+  }
+  if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier) && event.key() == Qt::Key_F10) {
+    const QWidget* const strip = header()->viewport();
+    const int left = std::clamp(header()->sectionViewportPosition(column), 0, strip->width());
+    Q_EMIT columnMenuRequested(strip->mapToGlobal(QPoint(left, strip->height())));
+    return true;
+  }
+  return false;
+}
+
 void ResultListView::keyPressEvent(QKeyEvent* event) {
   const int key = event->key();
   const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
   if (endsTyping(key)) typed_.clear();
   if (event->matches(QKeySequence::Copy)) {
     copySelection();
+  } else if (handleHeaderKey(*event)) {
+    typed_.clear();
   } else if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && currentIndex().isValid()) {
     Q_EMIT recordRequested(currentIndex().row());
   } else if (plain && (key == Qt::Key_Left || key == Qt::Key_Right)) {

@@ -53,6 +53,11 @@ class ResultListView final : public look::ResultTable {
  Q_SIGNALS:
   /// A person wants to see the whole record in this row.
   void recordRequested(int row);
+  /// A person has asked by keyboard for what a click on the header of this column does.
+  void sortRequested(int column);
+  /// A person has asked by keyboard for the menu of the header; `place` is where this column's header ends, on the
+  /// screen.
+  void columnMenuRequested(const QPoint& place);
   /// Something that a person asked for was not done, and why.
   void refused(const QString& text);
   /// Something that a person should know of.
@@ -72,6 +77,8 @@ class ResultListView final : public look::ResultTable {
   [[nodiscard]] int findRow(int column, const QString& beginning, int from) const;
   [[nodiscard]] bool isTyping() const;
   void goToNeighbourColumn(int step);
+  /// Keys that do what the mouse does on the header, which takes no focus. Whether it was one of them.
+  bool handleHeaderKey(const QKeyEvent& event);
   void keepSelection();
   void restoreSelection();
 

@@ -1,4 +1,5 @@
-// From starting the viewer's process to its first painted window, against a program with an empty window.
+// From starting the viewer's process to its first painted window, against a program with an empty window and one with a
+// plain window of the toolkit's own elements.
 
 #include <benchmark/benchmark.h>
 #include <spawn.h>
@@ -34,15 +35,19 @@ void hostStart(benchmark::State& state) {
   ::setenv("KORVEL_REGISTRY", registry.c_str(), 1);
 
   Least empty;
+  Least plain;
   Least viewer;
   bool good = true;
   for (auto _ : state) {
     empty.measure([&] { good = runs(KORVEL_BENCH_EMPTY_WINDOW) && good; });
+    plain.measure([&] { good = runs(KORVEL_BENCH_PLAIN_WINDOW) && good; });
     state.SetIterationTime(viewer.measure([&] { good = runs(KORVEL_BENCH_VIEWER) && good; }));
     if (!good) return state.SkipWithError("a program did not come to its first window");
   }
   state.counters["empty_ms"] = empty.seconds * 1000;
   state.counters["viewer_ms"] = viewer.seconds * 1000;
+  state.counters["plain_ms"] = plain.seconds * 1000;
+  state.counters["plain_to_empty"] = plain.seconds / empty.seconds;
   state.counters["viewer_to_empty"] = viewer.seconds / empty.seconds;
 }
 BENCHMARK(hostStart)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(40);

@@ -41,7 +41,8 @@ class RowPusher {
   [[nodiscard]] int pushRows();
   void begin();
   bool pushRow();
-  bool fill(std::size_t column);
+  /// The text of a value that is none: a number, bytes, or null.
+  void fillOther(std::size_t column, sqlite3_value* value, int type);
   [[nodiscard]] ColumnKind kindOf(int column) const;
 
   sqlite3_stmt* statement_;

@@ -56,6 +56,33 @@ TEST_F(ContextMenu, OfAListChangesTheFont) {
   EXPECT_EQ(list(*viewer, 5)->font().pointSizeF(), 17);
 }
 
+TEST_F(ContextMenu, HeadersNeedNoMouseToSort) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("10", "CS"), record("7", "RT")}};
+  click(*viewer, "btQuery");
+  QTableView* view = list(*viewer, 0);
+  view->setFocus();
+  ASSERT_EQ(column(*viewer, 0), "7 10");
+  view->setCurrentIndex(view->model()->index(0, 0));
+  QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(column(*viewer, 0), "10 7");
+  QTest::keyClick(view, Qt::Key_Enter, Qt::ControlModifier | Qt::KeypadModifier);
+  EXPECT_EQ(column(*viewer, 0), "7 10");
+  QTest::keyClick(view, Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(column(*viewer, 0), "7 10");
+}
+
+TEST_F(ContextMenu, OfAHeaderOpensWithTheKeyboard) {
+  const auto viewer = shownViewer();
+  QTest::keyClick(list(*viewer, 0), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
+  QMenu* menu = popup(*viewer);
+  ASSERT_TRUE(menu->isVisible());
+  EXPECT_EQ(printed(*menu), allColumns);
+  // Within reach of the header it belongs to.
+  const QWidget* header = list(*viewer, 0)->horizontalHeader();
+  EXPECT_EQ(menu->pos().y(), header->mapToGlobal(QPoint(0, header->height())).y());
+}
+
 TEST_F(ContextMenu, OfAListOpensWithTheKeyboardToo) {
   const auto viewer = shownViewer();
   rightClick(list(*viewer, 0), QContextMenuEvent::Keyboard);
