@@ -23,4 +23,10 @@ Error memoryFailure() {
   return explained(results::outOfMemoryNumber, "Out of memory", "query.outOfMemory");
 }
 
+Error inWords(const Error& error) {
+  const bool isMissingMemory = error.number() == results::outOfMemoryNumber && error.textKey().empty() &&
+                               error.description() == results::outOfMemory().description();
+  return isMissingMemory ? memoryFailure() : error;
+}
+
 }  // namespace korvel::query

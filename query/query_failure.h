@@ -14,6 +14,8 @@ inline constexpr std::int32_t internalErrorNumber = 51;
 
 [[nodiscard]] Error internalFailure();
 [[nodiscard]] Error memoryFailure();
+/// The same error; missing memory, which is said where there is no memory for sentences, with the key of its own.
+[[nodiscard]] Error inWords(const Error& error);
 
 /// Runs `step`; what it throws, of whatever type, as an Error.
 template <typename Step>
@@ -22,7 +24,7 @@ std::optional<Error> failureOf(const Step& step) {
     step();
     return std::nullopt;
   } catch (const Error& error) {
-    return error;
+    return inWords(error);
   } catch (const std::bad_alloc&) {
     return memoryFailure();
   } catch (const std::exception& exception) {

@@ -154,6 +154,10 @@ TEST_F(CustomQuery, FailuresLeaveTheListClearedWithItsColumns) {
 TEST_F(CustomQuery, FailuresOfOtherKindsHaveANumberToo) {
   server.refusesExecution = [] { throw std::bad_alloc(); };
   expectFailure(run(), results::outOfMemoryNumber, "Out of memory");
+  EXPECT_EQ(run().failure->textKey(), "query.outOfMemory");
+  server.refusesExecution = [] { throw results::outOfMemory(); };
+  expectFailure(run(), results::outOfMemoryNumber, "Out of memory");
+  EXPECT_EQ(run().failure->textKey(), "query.outOfMemory");
   server.refusesExecution = [] { throw std::runtime_error("odd"); };
   expectFailure(run(), 51, "odd");
   server.refusesExecution = [] { throw 1; };
