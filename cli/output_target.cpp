@@ -1,6 +1,5 @@
 #include "cli/output_target.h"
 
-#include <array>
 #include <cerrno>
 #include <fstream>
 #include <ostream>
@@ -36,16 +35,6 @@ void writeThrough(const std::string& target, const Writer& write) {
 }
 
 }  // namespace
-
-bool isDatabaseFile(const fs::path& file) {
-  constexpr std::string_view signature{"SQLite format 3\0", 16};
-  std::error_code ignored;
-  if (!fs::is_regular_file(file, ignored)) return false;
-  std::array<char, signature.size()> start{};
-  std::ifstream in(file, std::ios::binary);
-  in.read(start.data(), static_cast<std::streamsize>(start.size()));
-  return in && std::string_view(start.data(), start.size()) == signature;
-}
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
   if (target == "-") return writeToStream(out, "standard output", write);

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <iosfwd>
 #include <string>
 
+#include "db/database_file.h"
 #include "output/byte_sink.h"
 
 namespace korvel::cli {
 
-/// Whether `file` is a database file that stands there already. The tool never replaces one by its output.
-[[nodiscard]] bool isDatabaseFile(const std::filesystem::path& file);
+/// The tool never replaces a database by its output.
+using db::isDatabaseFile;
 
 /// Runs `write` with a sink for the place that `target` names: "-" is `out`, a file is written whole or not at all, a
 /// device or pipe is written through. Throws Error with the system's error number.

@@ -4,9 +4,9 @@
 #include <ostream>
 
 #include "base/text.h"
+#include "cli/common_options.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "cli/names.h"
 #include "cli/output_target.h"
 #include "cli/read_option.h"
 #include "db/connection_state.h"
@@ -60,24 +60,6 @@ std::optional<std::size_t> standardListNumbered(const std::string& text) {
   return static_cast<std::size_t>(text[0] - '0');
 }
 
-std::optional<output::ListFormat> formatNamed(const std::string& text) {
-  for (const auto& [name, format] : output::listFormatNames)
-    if (equalsIgnoringAsciiCase(text, name)) return format;
-  return std::nullopt;
-}
-
-void addConnection(CLI::App& command, QueryOptions& options) {
-  options.server = db::embeddedServerName;
-  options.database = db::databaseName(static_cast<int>(db::DatabaseTypeEnum::Korvel_Audit));
-  const std::string complaint = "no name: it is empty or holds a semicolon";
-  addReadOption(command,
-                {"--server", "NAME",
-                 "Server; the absolute path of a folder means the\ndatabases in it (default: " + options.server + ")"},
-                connectionName, complaint, [&options](const std::string& name) { options.server = name; });
-  addReadOption(command, {"--database", "NAME", "Database (default: " + options.database + ")"}, connectionName,
-                complaint, [&options](const std::string& name) { options.database = name; });
-}
-
 void addFilters(CLI::App& command, QueryOptions& options) {
   command
       .add_option_function<std::vector<std::string>>(
@@ -108,16 +90,7 @@ void addOutput(CLI::App& command, QueryOptions& options) {
       {"--sort", "COLUMN", "Column to sort by: caption, column name, or number\ncounted from 1 (default: Entry ID)"},
       columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
   command.add_flag("--descending", options.descending, "Sort from the last to the first");
-  addReadOption(command, {"--format", "FORMAT", "table, text, exchange, csv or json (default: table)"}, formatNamed,
-                "no format", [&options](output::ListFormat format) { options.format = format; });
-  command.add_option("--output", options.output, "File to write, whole or not at all (default: -,\nstandard output)")
-      ->option_text("FILE");
-}
-
-int refused(std::ostream& err, std::string_view why) {
-  say(err, why);
-  err << "Run with --help for more information.\n";
-  return exitWrongUsage;
+  addTarget(command, options.format, options.output);
 }
 
 std::string recordsText(std::size_t count) {
@@ -167,7 +140,7 @@ std::optional<results::ColumnIndex> columnNamed(std::string_view column) {
 
 CLI::App* addQueryCommand(CLI::App& app, QueryOptions& options) {
   CLI::App* command = app.add_subcommand("query", "Run the standard query and write one of its result lists");
-  addConnection(*command, options);
+  addConnection(*command, options.server, options.database);
   addFilters(*command, options);
   addOutput(*command, options);
   command->callback([command, &options] { options.range.DateRangeActive = command->count("--from") > 0; });

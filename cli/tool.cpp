@@ -11,6 +11,7 @@
 #include "cli/messages.h"
 #include "cli/query_command.h"
 #include "cli/server_commands.h"
+#include "cli/sql_command.h"
 
 namespace korvel::cli {
 
@@ -25,6 +26,8 @@ constexpr const char* footer =
     "  korvel-audit demo                         write two databases to try things with\n"
     "  korvel-audit query                        show all audits as a table\n"
     "  korvel-audit query --help                 categories, dates, lists, formats\n"
+    "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
+    "                                            run a query of your own\n"
     "  korvel-audit servers --all                find servers\n"
     "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
     "\n"
@@ -34,6 +37,7 @@ constexpr const char* footer =
     "  2  wrong usage\n"
     "  3  the database failed; number and text on standard error\n"
     "  4  the output could not be written\n"
+    "  130  stopped by Ctrl+C; no file was written\n"
     "\n"
     "Environment:\n"
     "  KORVEL_AUDIT_DATA   folder of the embedded databases (otherwise korvel/audit in the\n"
@@ -56,6 +60,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   QueryOptions queryOptions;
   const CLI::App* demo = addDemoCommand(app, demoOptions);
   addQueryCommand(app, queryOptions);
+  SqlOptions sqlOptions;
+  const CLI::App* sql = addSqlCommand(app, sqlOptions);
   ServerOptions serverOptions;
   std::array<const CLI::App*, serverCommands.size()> added{};
   for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
@@ -69,6 +75,7 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   }
   for (std::size_t i = 0; i < added.size(); ++i)
     if (added.at(i)->parsed()) return serverCommands.at(i)->run(serverOptions, out, err);
+  if (sql->parsed()) return runSql(sqlOptions, connect, out, err);
   return demo->parsed() ? runDemo(demoOptions, out, err) : runQuery(queryOptions, connect, out, err);
 }
 

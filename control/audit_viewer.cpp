@@ -113,6 +113,12 @@ void AuditViewer::UnselectALL() {
   members_->surface.tvTreeView->uncheckAll();
 }
 
+QString AuditViewer::GetExportPath(const QString& dialogtext, int files) {
+  QString path;
+  members_->trapped("GetExportPath", [&] { path = members_->GetExportPath(dialogtext, files); });
+  return path;
+}
+
 void AuditViewer::ChangeFont() {
   members_->trapped("ChangeFont", [this] { members_->ChangeFont(); });
 }
@@ -156,6 +162,11 @@ void AuditViewer::ListViewColSetup() {
 
 void AuditViewer::BuildPopup(const QString& PopupItem) {
   members_->BuildPopup(PopupItem);
+}
+
+void AuditViewer::TriggerAdvancedQuery(const QString& QueryString) {
+  // A copy: what was handed over may die while the query loads.
+  members_->trapped("TriggerAdvancedQuery", [this, text = QueryString] { members_->TriggerAdvancedQuery(text); });
 }
 
 void AuditViewer::SwitchLanguage() {

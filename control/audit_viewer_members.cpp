@@ -62,6 +62,7 @@ AuditViewer::Members::Members(AuditViewer& viewer)
   connectHandlers();
   connectCommands();
   connectContextMenus();
+  connectCustomPage();
   instances().push_back(this);
 }
 
@@ -154,7 +155,7 @@ void AuditViewer::Members::fillLockTable() {
   const auto dateRangeFormExists = [] { return surroundings().services->hasForm(dateRangeForm); };
   lockTable_ = {
       {surface.frameFilter, always},
-      {surface.btQuery, [this] { return canQuery(); }},
+      {surface.btQuery, always},
       {surface.btClear, always},
       {surface.btSelectALL, always},
       {surface.btUnselectALL, always},
@@ -170,11 +171,6 @@ void AuditViewer::Members::setLocked(bool locked) {
   enableElements();
   control::enableToolbarCommands(toolbarItems_, !locked);
   control::enableMenuCommands(menuItems_, !locked);
-}
-
-// Custom queries have no text box yet, so there is nothing that a query could run on their page.
-bool AuditViewer::Members::canQuery() const {
-  return surface.currentTab() < query::standardListCount;
 }
 
 void AuditViewer::Members::enableElements() {
@@ -205,6 +201,8 @@ void AuditViewer::Members::TriggerQuery() {
   constexpr int noRecords = 10061;
   using Change = control::ResultListModel::RowsChange;
 
+  // A call that was queued while a custom query loads: it would run inside of that.
+  if (customQueryRuns_) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -318,12 +316,16 @@ void AuditViewer::Members::announceSelection() {
 }
 
 void AuditViewer::Members::btQuery_Click() {
+  if (customQueryRuns_) return;
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {
     std::optional<control::BusyPointer> busy(std::in_place, *services);
     const StatusText status(*surface.StatusBar1, queryingText);
-    viewer_.TriggerQuery();
+    if (surface.currentTab() == query::customList)
+      viewer_.TriggerAdvancedQuery(surface.txtAdvancedQuery->queryText());
+    else
+      viewer_.TriggerQuery();
     if (alive) DisplayNoOfRecords();
     // The pointer goes back before the status text goes.
     busy.reset();
@@ -376,9 +378,7 @@ void AuditViewer::Members::lvListView_DblClick(control::ResultListView& list, in
 }
 
 void AuditViewer::Members::SSTab1_Click() {
-  enableElements();
-  surface.SmartMenu->refresh();
-  surface.SmartToolbar->refresh();
+  offerCustomQuery();
   // What was noticed was about the page that was left.
   if (!std::exchange(notice_, {}).isEmpty()) showRestingText();
   // The panel speaks of the current tab: it follows when that changes.

@@ -16,6 +16,7 @@
 #include "control/stored_properties.h"
 #include "control/surface.h"
 #include "korvel/AuditViewer.h"
+#include "query/custom_query.h"
 
 namespace korvel {
 
@@ -37,6 +38,9 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void ChangeFont();
   void DisplayNoOfRecords();
   void TriggerQuery();
+  /// Nothing while an earlier one of this control still loads.
+  void TriggerAdvancedQuery(const QString& QueryString);
+  [[nodiscard]] QString GetExportPath(const QString& dialogtext, int files);
   /// Disable and enable what needs a database. Throw where a command that they reach has not been built.
   void LockControls() { setLocked(true); }
   void UnlockControls() { setLocked(false); }
@@ -64,6 +68,10 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void btDBInfo_Click();
   void btDateRangeFilter_Click();
   void btClearDateRange_Click();
+  void btOpen_Click();
+  void btSave_Click();
+  void btClearAdvQuery_Click();
+  void btEmunFields_Click();
   void SSTab1_Click();
   void lvListView_DblClick(control::ResultListView& list, int row);
   void mnupopupitem_Click(int index);
@@ -126,8 +134,14 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void showColumns(control::ResultListView& list, const QString& caption, bool shown);
 
   void setLocked(bool locked);
-  [[nodiscard]] bool canQuery() const;
   void connectHandlers();
+  void connectCustomPage();
+  /// Texts and names of the custom page in the current language.
+  void nameCustomPage();
+  /// An empty query text on the page that is shown becomes the query for everything.
+  void offerCustomQuery();
+  /// Runs the query; the control may be gone afterwards.
+  query::CustomReport runWatched(const QString& text, results::ResultList& answer);
   void fillLockTable();
   void enableElements();
   void nameForAssistance();
@@ -156,6 +170,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   std::vector<LockedElement> lockTable_;
   bool locked_ = false;
   bool rowLimitReached_ = false;
+  bool customQueryRuns_ = false;
   /// What a list told last; until the next query, a change of the page or the end of the rows that it is about.
   QString notice_;
 };

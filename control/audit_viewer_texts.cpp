@@ -51,6 +51,7 @@ void AuditViewer::Members::BuildMisc() {
   }
   skipFailing([&] { chooseHelpFile(); });
   skipFailing([&] { nameForAssistance(); });
+  skipFailing([&] { nameCustomPage(); });
   skipFailing([&] {
     const QString noRecordsYet = control::ownText("list.empty");
     for (control::ResultListView* list : surface.lvListView) list->setEmptyText(noRecordsYet);

@@ -24,6 +24,13 @@ class ControlServices {
   virtual void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) = 0;
   /// The font that was chosen, nothing for a cancelled dialog.
   virtual std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) = 0;
+  /// The folder that was chosen, nothing for a cancelled dialog. `showFiles` shows the files in it as well; it is a
+  /// folder that is chosen all the same.
+  virtual std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) = 0;
+  /// A line of text; empty for a cancelled box.
+  virtual QString inputBox(QWidget* owner, const QString& prompt, const QString& title) = 0;
+  /// A question; a box that is closed in any other way answers no.
+  virtual bool confirm(QWidget* owner, const QString& title, const QString& text) = 0;
   /// Whether a form of that name exists.
   [[nodiscard]] virtual bool hasForm(const QString& name) const = 0;
   /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.

@@ -13,8 +13,11 @@ LibraryState& libraryState() {
 }
 
 Surroundings& surroundings() {
-  static Surroundings real{std::make_shared<QtControlServices>(), &settings::platformBackend, &db::openConnection,
-                           &db::makeServerDirectory};
+  static Surroundings real{std::make_shared<QtControlServices>(),
+                           &settings::platformBackend,
+                           &db::openConnection,
+                           &db::makeServerDirectory,
+                           {}};
   return real;
 }
 

@@ -7,7 +7,9 @@
 #include "db/connection_state.h"
 #include "db/server_directory.h"
 #include "output/print_font.h"
+#include "query/custom_query.h"
 #include "query/date_range.h"
+#include "query/query_choices.h"
 #include "query/standard_query.h"
 #include "settings/settings_backend.h"
 #include "settings/string_table.h"
@@ -18,6 +20,7 @@ namespace korvel::control {
 struct LibraryState {
   db::ConnectionState connection;
   query::DateRange dateRange;
+  query::QueryChoices queryChoices;
   settings::LanguageOffset language;
   output::PrintFont printFont;
   /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
@@ -33,6 +36,8 @@ struct Surroundings {
   std::function<std::unique_ptr<settings::SettingsBackend>()> openSettings;
   query::Connector connect;
   std::function<std::unique_ptr<db::ServerDirectory>()> openDirectory;
+  /// Clock and memory that custom queries run by.
+  query::QuerySurroundings queryMachine{};
 };
 
 /// Dialogs of Qt, the platform's settings store, the database engines, the servers of the network.

@@ -1,20 +1,30 @@
 #include "control/qt_control_services.h"
 
 #include <QDialog>
+#include <QFileDialog>
 #include <QFontDialog>
 #include <QGuiApplication>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <memory>
 
 #include "control/forms/about.h"
 #include "control/help_viewer.h"
 #include "control/library_state.h"
+#include "control/look/look.h"
+#include "control/look/theme.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
+#include "query/forms/date_range_form.h"
+#include "query/forms/field_picker.h"
+#include "query/forms/file_list.h"
 
 namespace korvel::control {
 namespace {
+
+constexpr int inputBoxWidth = 340;
 
 QMessageBox::Icon boxIcon(MessageIcon icon) {
   switch (icon) {
@@ -51,6 +61,17 @@ QDialog* makeServerBrowser(QWidget* owner) {
   return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
 }
 
+QDialog* makeDateRange(QWidget* owner) {
+  LibraryState& state = libraryState();
+  return new query::frmAdvancedFilters({state.dateRange, state.language, surroundings().services}, owner);
+}
+
+template <typename Form>
+QDialog* makeQueryForm(QWidget* owner) {
+  LibraryState& state = libraryState();
+  return new Form({state.queryChoices, state.language, surroundings().services}, owner);
+}
+
 QDialog* makeAbout(QWidget* owner) {
   return new frmAbout(libraryVersion(), owner);
 }
@@ -58,7 +79,11 @@ QDialog* makeAbout(QWidget* owner) {
 }  // namespace
 
 QtControlServices::QtControlServices()
-    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser}, {QStringLiteral("frmAbout"), &makeAbout}} {}
+    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser},
+             {QStringLiteral("frmAdvancedFilters"), &makeDateRange},
+             {QStringLiteral("frmFields"), &makeQueryForm<query::frmFields>},
+             {QStringLiteral("frmFileList"), &makeQueryForm<query::frmFileList>},
+             {QStringLiteral("frmAbout"), &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
@@ -75,6 +100,46 @@ std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& 
   bool chosen = false;
   const QFont font = QFontDialog::getFont(&chosen, current, owner);
   return chosen ? std::optional(font) : std::nullopt;
+}
+
+std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
+  const PointerForDialog pointer;
+  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title);
+  dialog->setFileMode(QFileDialog::Directory);
+  dialog->setOption(QFileDialog::ShowDirsOnly, !showFiles);
+  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
+  const QString folder = chosen ? dialog->selectedFiles().value(0) : QString();
+  delete dialog;
+  return folder.isEmpty() ? std::nullopt : std::optional(folder);
+}
+
+QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {
+  const PointerForDialog pointer;
+  const QPointer<QInputDialog> dialog = new QInputDialog(owner);
+  look::applyLook(*dialog);
+  dialog->setWindowTitle(title);
+  dialog->setLabelText(prompt);
+  // Room for a name, whatever the length of the prompt.
+  dialog->setMinimumWidth(look::px(dialog, inputBoxWidth));
+  const bool typed = dialog->exec() == QDialog::Accepted && dialog;
+  QString text = typed ? dialog->textValue() : QString();
+  delete dialog;
+  return text;
+}
+
+bool QtControlServices::confirm(QWidget* owner, const QString& title, const QString& text) {
+  const PointerForDialog pointer;
+  const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
+  box->setTextFormat(Qt::PlainText);
+  const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
+  QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
+  // Nothing is lost by a hasty Enter.
+  box->setDefaultButton(no);
+  box->setEscapeButton(no);
+  box->exec();
+  const bool answer = box && yes && box->clickedButton() == yes;
+  delete box;
+  return answer;
 }
 
 void QtControlServices::showForm(QWidget* owner, const QString& name) {

@@ -5,6 +5,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <functional>
+#include <iterator>
+#include <utility>
 
 #include "control/look/dialogs.h"
 #include "control/look/theme.h"
@@ -118,10 +120,23 @@ void Surface::buildPages(query::ResultLists& lists) {
     const QString caption = fromUtf8(query::pageCaptions.at(i));
     list->setAccessibleName(caption);
     lvListView.at(i) = list;
+    if (i == query::customList) buildQueryFrame(*page);
     // The captions are fixed texts, no mnemonics.
     SSTab1->addTab(page, caption);
     page->onResize = [this] { placeLists(); };
   }
+}
+
+void Surface::buildQueryFrame(QWidget& page) {
+  frameAdvQry = named(new look::CardFrame(&page), "frameAdvQry");
+  txtAdvancedQuery = new query::SqlEditor(frameAdvQry);
+  const auto iconButton = [this](look::IconName icon, const char* objectName) {
+    return named(new look::IconButton(icon, frameAdvQry), objectName);
+  };
+  btOpen = iconButton(look::IconName::Open, "btOpen");
+  btSave = iconButton(look::IconName::Save, "btSave");
+  btClearAdvQuery = iconButton(look::IconName::Clear, "btClearAdvQuery");
+  btEmunFields = iconButton(look::IconName::Fields, "btEmunFields");
 }
 
 void Surface::orderFocus() const {
@@ -129,6 +144,8 @@ void Surface::orderFocus() const {
   order.insert(order.end(), {tvTreeView, btDateRangeFilter, btClearDateRange, btQuery, btSelectDB, btDBInfo, btClear,
                              btSelectALL, btUnselectALL, SSTab1->tabBar()});
   order.insert(order.end(), lvListView.begin(), lvListView.end());
+  // On their page they stand before the list, as they are seen.
+  order.insert(std::prev(order.end()), {txtAdvancedQuery, btClearAdvQuery, btOpen, btEmunFields, btSave});
   for (std::size_t i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
@@ -177,16 +194,29 @@ void Surface::placeLists() {
   const QWidget* const page = SSTab1->currentWidget();
   const QPoint pageCorner = page->mapTo(SSTab1, QPoint(0, 0));
   for (std::size_t i = 0; i < lvListView.size(); ++i) {
-    Box box = boxes_.lvListView.at(i);
-    // As long as the custom page has no query frame, its list takes the frame's place too.
-    if (i == query::customList) box = boxes_.lvListView[0];
+    const Box& box = boxes_.lvListView.at(i);
     QRect place = measure.rectangle(box).translated(-pageCorner);
     // Tabs in a large font are higher than the boxes know.
-    place.setTop(std::max(place.top(), 0));
+    place.setTop(std::max(place.top(), i == query::customList ? placeQueryFrame(pageCorner) : 0));
     // A list that has refused to become as low as its page keeps its height.
     if (box.height < boxes_.SSTab1.height) place.setBottom(std::min(place.bottom(), page->height() - 1));
     lvListView.at(i)->setGeometry(place);
   }
+}
+
+int Surface::placeQueryFrame(const QPoint& pageCorner) {
+  const ScreenMeasure measure(owner_);
+  QRect frame = measure.rectangle(boxes_.frameAdvQry).translated(-pageCorner);
+  frame.moveTop(std::max(frame.top(), 0));
+  frameAdvQry->setGeometry(frame);
+  const std::pair<QWidget*, const Box&> inside[] = {{txtAdvancedQuery, boxes_.txtAdvancedQuery},
+                                                    {btOpen, boxes_.btOpen},
+                                                    {btSave, boxes_.btSave},
+                                                    {btClearAdvQuery, boxes_.btClearAdvQuery},
+                                                    {btEmunFields, boxes_.btEmunFields}};
+  for (const auto& [element, box] : inside) element->setGeometry(measure.rectangle(box));
+  const Twips between = boxes_.lvListView[query::customList].top - boxes_.frameAdvQry.top - boxes_.frameAdvQry.height;
+  return frame.bottom() + 1 + measure.vertical(between);
 }
 
 std::size_t Surface::currentTab() const {

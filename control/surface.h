@@ -15,6 +15,7 @@
 #include "control/result_list_view.h"
 #include "control/status_panels.h"
 #include "query/filter_tree.h"
+#include "query/forms/sql_editor.h"
 #include "query/standard_query.h"
 
 class QLabel;
@@ -65,6 +66,13 @@ class Surface {
   look::PageStrip* SSTab1 = nullptr;
   std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
   std::array<ResultListView*, query::listCount> lvListView{};
+  // Above the list of the custom page.
+  look::CardFrame* frameAdvQry = nullptr;
+  query::SqlEditor* txtAdvancedQuery = nullptr;
+  QToolButton* btOpen = nullptr;
+  QToolButton* btSave = nullptr;
+  QToolButton* btClearAdvQuery = nullptr;
+  QToolButton* btEmunFields = nullptr;
   StatusPanels* StatusBar1 = nullptr;
 
  private:
@@ -72,7 +80,10 @@ class Surface {
   void buildFilterFrame(query::FilterTree& tree);
   void buildToolsFrame();
   void buildPages(query::ResultLists& lists);
+  void buildQueryFrame(QWidget& page);
   void placeLists();
+  /// Places the query frame and what is in it; returns where the list below it may begin at the highest.
+  int placeQueryFrame(const QPoint& pageCorner);
   [[nodiscard]] int menuHeight() const;
   /// A toolbar that is not to be shown has none.
   [[nodiscard]] int toolbarHeight() const;

@@ -32,6 +32,9 @@ class ResultSink {
   /// and calls nothing more, not even endResult.
   virtual bool row(std::span<const Cell> cells) = 0;
   virtual void endResult() = 0;
+  /// Asked again and again while an engine works, also before its first row and between result sets, within the call of
+  /// execute. False ends the answer as row() does; what it throws ends it as well and comes out of execute.
+  virtual bool goOn() { return true; }
 };
 
 /// An open connection to one audit database; closed by destruction. Used by one thread at a time.

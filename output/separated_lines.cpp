@@ -1,5 +1,7 @@
 #include "output/separated_lines.h"
 
+#include "base/text.h"
+
 namespace korvel::output {
 
 namespace {
@@ -18,6 +20,21 @@ void appendRowLine(const results::ResultList& list, results::RowPosition row, ch
   for (std::size_t column = 0; column < list.columns().size(); ++column) {
     if (column > 0) out += separator;
     out += list.text(row, {column});
+  }
+  out += lineEnd;
+}
+
+void appendHeaderLine(std::span<const db::Field> fields, char separator, std::string& out) {
+  for (const db::Field& field : fields) (out += field.name) += separator;
+  out += lineEnd;
+}
+
+void appendRowLine(std::span<const db::Cell> cells, char separator, std::string& out) {
+  bool first = true;
+  for (const db::Cell& cell : cells) {
+    if (!first) out += separator;
+    first = false;
+    out += trimBlanks(cell.text);
   }
   out += lineEnd;
 }

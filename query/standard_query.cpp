@@ -1,11 +1,10 @@
 #include "query/standard_query.h"
 
-#include <new>
 #include <utility>
 #include <vector>
 
 #include "base/text.h"
-#include "results/out_of_memory.h"
+#include "query/query_failure.h"
 #include "results/store_filler.h"
 
 namespace korvel::query {
@@ -13,9 +12,6 @@ namespace korvel::query {
 namespace {
 
 constexpr std::string_view routingColumn = "AuditType";
-
-// For failures that no engine numbers, as the control's users know it from its other messages.
-constexpr std::int32_t internalError = 51;
 
 constexpr std::string_view truthText(bool value) noexcept {
   return value ? "True" : "False";
@@ -30,6 +26,8 @@ constexpr std::string_view withoutPadding(std::string_view code) noexcept {
 /// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
 class SpreadingSink final : public db::ResultSink {
  public:
+  explicit SpreadingSink(const results::MemoryGauge& memory) : filler_(memory) {}
+
   void beginResult(std::span<const db::Field> fields) override {
     noteEmptyFirst();
     if (firstResultEmpty_) return;
@@ -84,29 +82,6 @@ void clearStandardLists(ResultLists& lists) noexcept {
   for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
 }
 
-Error explained(std::int32_t number, const char* english, const char* key) {
-  Error error(number, english);
-  error.setText(key, {});
-  return error;
-}
-
-/// Runs `step`; what it throws, of whatever type, as an Error.
-template <typename Step>
-std::optional<Error> failureOf(const Step& step) {
-  try {
-    step();
-    return std::nullopt;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return explained(results::outOfMemoryNumber, "Out of memory", "query.outOfMemory");
-  } catch (const std::exception& exception) {
-    return Error(internalError, exception.what());
-  } catch (...) {
-    return explained(internalError, "Internal error", "query.internalError");
-  }
-}
-
 }  // namespace
 
 std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
@@ -135,17 +110,18 @@ ResultLists makeResultLists() {
 }
 
 QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
-                             const Connector& connect, ResultLists& lists, std::size_t currentList) {
+                             const Connector& connect, ResultLists& lists, std::size_t currentList,
+                             const results::MemoryGauge& memory) {
   clearStandardLists(lists);
   if (!tree.anyRootChecked()) return {QueryOutcome::noCriteria, std::nullopt, 0};
 
   std::optional<SpreadingSink> sink;
   // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
   const auto broken = failureOf([&] {
-    sink.emplace();
+    sink.emplace(memory);
     const std::string call = queryAuditsText(tree.flags(), range);
     const auto connection = connect(connectionString);
-    if (!connection) throw explained(internalError, "Internal error", "query.internalError");
+    if (!connection) throw internalFailure();
     connection->execute(call, *sink);
     sink->finish();
   });

@@ -13,6 +13,7 @@
 #include "query/audit_record.h"
 #include "query/date_range.h"
 #include "query/filter_tree.h"
+#include "results/free_memory.h"
 
 namespace korvel::query {
 
@@ -47,6 +48,7 @@ using ResultLists = std::array<results::ResultList, listCount>;
 /// type. Lists are filled only when the whole answer has arrived and the connection is closed; list 5 keeps its rows.
 /// Sorts list `currentList` with its key and order. Nothing that is thrown below leaves it.
 QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
-                             const Connector& connect, ResultLists& lists, std::size_t currentList);
+                             const Connector& connect, ResultLists& lists, std::size_t currentList,
+                             const results::MemoryGauge& memory = results::memoryState);
 
 }  // namespace korvel::query

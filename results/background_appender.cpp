@@ -26,16 +26,14 @@ void BackgroundAppender::beginResult(std::span<const db::Field> fields) {
   current().begins.emplace(fields.begin(), fields.end());
 }
 
-void BackgroundAppender::append(std::span<const db::Cell> cells) {
-  std::size_t bytes = 0;
-  for (const db::Cell& cell : cells) bytes += cell.text.size();
-  if (bytes > batchBytes) {
+void BackgroundAppender::append(std::span<const db::Cell> cells, std::size_t textBytes) {
+  if (textBytes > batchBytes) {
     // Too long to travel: the store is ours for a moment.
     finish();
     store_.append(cells);
     return;
   }
-  if (current().used + bytes > batchBytes || current().rowEnds.size() == batchRows) handOver();
+  if (current().used + textBytes > batchBytes || current().rowEnds.size() == batchRows) handOver();
   copyInto(current(), cells);
 }
 

@@ -31,8 +31,9 @@ class BackgroundAppender {
 
   /// Starts a result set of these fields behind the rows that came before. Fails like append.
   void beginResult(std::span<const db::Field> fields);
-  /// Takes a copy of the row. Throws the Error that an earlier row failed with, or std::bad_alloc.
-  void append(std::span<const db::Cell> cells);
+  /// Takes a copy of the row, whose texts have `textBytes` together. Throws the Error that an earlier row failed with,
+  /// or std::bad_alloc.
+  void append(std::span<const db::Cell> cells, std::size_t textBytes);
   /// Waits until every row is in the store; throws the Error that one of them failed with.
   void finish();
 

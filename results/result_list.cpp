@@ -54,6 +54,14 @@ void ResultList::setColumns(std::vector<ColumnHeader> columns) {
   columns_ = std::move(columns);
 }
 
+void ResultList::startOver(std::vector<ColumnHeader> columns) noexcept {
+  clear();
+  columns_ = std::move(columns);
+  sortKey_ = {};
+  sortOrder_ = SortOrder::ascending;
+  sorted_ = false;
+}
+
 void ResultList::clear() noexcept {
   rows_ = {};
   store_.reset();

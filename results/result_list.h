@@ -44,6 +44,10 @@ class ResultList {
   void setColumns(std::vector<ColumnHeader> columns);
   [[nodiscard]] const std::vector<ColumnHeader>& columns() const noexcept { return columns_; }
 
+  /// Another answer begins: drops the rows, replaces the headers and switches sorting off. What an earlier answer's
+  /// columns were sorted by means nothing for others, and these rows come in the order that their query asks for.
+  void startOver(std::vector<ColumnHeader> columns) noexcept;
+
   /// Drops the rows (and the reference to their store); headers, sort key and order stay.
   void clear() noexcept;
   /// Replaces the rows. A list whose sorting is on sorts them at once; where memory runs out for that, it throws Error

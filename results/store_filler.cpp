@@ -3,6 +3,7 @@
 #include <new>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "results/background_appender.h"
 #include "results/out_of_memory.h"
@@ -13,6 +14,9 @@ namespace {
 
 /// Rows of an answer from which on a second thread pays for its start.
 constexpr std::size_t manyRows = 4096;
+
+/// What a cell costs whose text the store knows already.
+constexpr std::size_t bytesOfCode = 4;
 
 /// Runs `work`; missing memory is an Error like any other.
 template <typename Work>
@@ -26,7 +30,7 @@ void withMemory(const Work& work) {
 
 }  // namespace
 
-StoreFiller::StoreFiller() : store_(std::make_shared<RowStore>()) {}
+StoreFiller::StoreFiller(MemoryGauge gauge) : store_(std::make_shared<RowStore>()), memory_(std::move(gauge)) {}
 
 StoreFiller::~StoreFiller() = default;
 
@@ -42,8 +46,11 @@ void StoreFiller::beginResult(std::span<const db::Field> fields) {
 
 RowId StoreFiller::append(std::span<const db::Cell> cells) {
   const RowId id{static_cast<std::uint32_t>(rowCount_)};
+  std::size_t textBytes = 0;
+  for (const db::Cell& cell : cells) textBytes += cell.text.size();
+  memory_.grown(textBytes + cells.size() * bytesOfCode);
   if (appender_ != nullptr) {
-    withMemory([&] { appender_->append(cells); });
+    withMemory([&] { appender_->append(cells, textBytes); });
   } else {
     store_->append(cells);
     if (rowCount_ + 1 == manyRows) startAppender();

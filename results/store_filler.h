@@ -5,6 +5,7 @@
 #include <span>
 
 #include "db/connection.h"
+#include "results/memory_watch.h"
 #include "results/row_store.h"
 
 namespace korvel::results {
@@ -12,10 +13,11 @@ namespace korvel::results {
 class BackgroundAppender;
 
 /// Fills a RowStore with an answer as it arrives. A long answer is appended by a second thread while the next rows are
-/// read, so a row that cannot be stored may be reported late, at the latest by finish(). Every failure is an Error.
+/// read, so a row that cannot be stored may be reported late, at the latest by finish(). Loading ends before the
+/// machine has no memory left. Every failure is an Error.
 class StoreFiller {
  public:
-  StoreFiller();
+  explicit StoreFiller(MemoryGauge gauge = memoryState);
   ~StoreFiller();
   StoreFiller(const StoreFiller&) = delete;
   StoreFiller& operator=(const StoreFiller&) = delete;
@@ -26,6 +28,8 @@ class StoreFiller {
   RowId append(std::span<const db::Cell> cells);
   /// Waits until every row is in the store.
   void finish();
+  /// The memory that loading takes; engines may take some of their own.
+  [[nodiscard]] MemoryWatch& memory() noexcept { return memory_; }
 
   [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
   /// The store, which nothing is appended to until the next append.
@@ -38,6 +42,7 @@ class StoreFiller {
 
   std::shared_ptr<RowStore> store_;
   std::size_t rowCount_ = 0;
+  MemoryWatch memory_;
   std::unique_ptr<BackgroundAppender> appender_;  // ends before the store does
 };
 

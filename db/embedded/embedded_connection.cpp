@@ -35,6 +35,7 @@ class EmbeddedConnection final : public Connection {
   /// Runs the statements of a text one after the other; false once the sink has had enough.
   bool runText(const std::string& text, ResultSink& sink) {
     for (std::size_t start = 0; start < text.size();) {
+      if (!sink.goOn()) return false;
       const SqliteStatement statement = database_.prepare(text, start);
       if (!statement) continue;
       const int code = RowPusher(statement.get(), sink).push();

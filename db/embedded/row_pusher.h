@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "db/embedded/row_values.h"
 #include "db/number_text.h"
 
+struct sqlite3;
 struct sqlite3_stmt;
 struct sqlite3_value;
 
@@ -18,11 +20,25 @@ class RowPusher {
   /// Both must outlive the pusher.
   RowPusher(sqlite3_stmt* statement, ResultSink& sink);
 
-  /// Runs the statement to its end. Gives SQLite's last result code: SQLITE_DONE, SQLITE_ROW where the sink has had
+  /// Runs the statement to its end, or until the sink has had enough, which is asked whether it wants to go on also
+  /// while a row is long in coming. Gives SQLite's last result code: SQLITE_DONE, SQLITE_ROW where the sink has had
   /// enough, else a failure. Statements without columns run without a word to the sink.
   [[nodiscard]] int push();
 
  private:
+  /// Lets SQLite ask, while it works on a row, whether to go on.
+  class Asking {
+   public:
+    explicit Asking(RowPusher& pusher);
+    ~Asking();
+    Asking(const Asking&) = delete;
+    Asking& operator=(const Asking&) = delete;
+
+   private:
+    sqlite3* database_;
+  };
+
+  [[nodiscard]] int pushRows();
   void begin();
   bool pushRow();
   /// The text of a value that is none: a number, bytes, or null.
@@ -36,6 +52,8 @@ class RowPusher {
   std::vector<NumberText> numbers_;
   std::vector<std::string> hexTexts_;
   bool outOfMemory_ = false;
+  bool stopped_ = false;        ///< the sink does not want to go on
+  std::exception_ptr failure_;  ///< what the sink threw while SQLite was asking it: no exception passes through C
 };
 
 }  // namespace korvel::db

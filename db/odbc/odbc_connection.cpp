@@ -38,13 +38,20 @@ std::mutex& loginMutex() {
   return mutex;
 }
 
+/// A line that the text does not have is one of a procedure that it called.
+Error withLineOf(std::string_view text, const Error& error) {
+  const auto lines = 1 + std::count(text.begin(), text.end(), '\n');
+  if (!error.line() || *error.line() <= lines) return error;
+  return {error.number(), error.description()};
+}
+
 /// Pushes the statement's current result; false when the sink has had enough.
 bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
   RowReader reader(statement, watch);
   if (reader.fields().empty()) return true;  // only a row count
   sink.beginResult(reader.fields());
   while (reader.next())
-    if (!sink.row(reader.cells())) return false;
+    if (!sink.row(reader.cells()) || !sink.goOn()) return false;
   sink.endResult();
   return true;
 }
@@ -108,7 +115,8 @@ void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
     // A driver whose connection was shut down may take that for the end of the answer.
     if (watch.expired()) throw DriverFailure({});
   } catch (const DriverFailure& failure) {
-    const Error error = commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired());
+    const Error error =
+        withLineOf(commandText, commandFailure(failure.diagnostics, address_, commandTimeout_, watch.expired()));
     tellMessages(failure.diagnostics);
     tell(eventOfFailure(failure.diagnostics, error));
     throw Error(error);
@@ -126,6 +134,7 @@ void OdbcConnection::tellMessages(const std::vector<Diagnostic>& diagnostics) co
 }
 
 void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
+  if (!sink.goOn()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
@@ -135,7 +144,8 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
     watch.heard();
-    if (!pushResult(handle, sink, watch)) {
+    // The driver is busy inside its calls: between them is where it can be stopped.
+    if (!pushResult(handle, sink, watch) || !sink.goOn()) {
       SQLCancel(handle);
       return;
     }

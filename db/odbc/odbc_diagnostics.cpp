@@ -16,7 +16,8 @@ namespace {
 // Extensions that drivers for this server share.
 constexpr SQLSMALLINT diagnosticMessageState = -1150;
 constexpr SQLSMALLINT diagnosticSeverity = -1151;
-constexpr SQLSMALLINT diagnosticServerLine = -1154;  // of the statement
+constexpr SQLSMALLINT diagnosticProcedureName = -1153;
+constexpr SQLSMALLINT diagnosticServerLine = -1154;  // of the statement, or of the procedure that it called
 
 /// What FreeTDS says of a connection that broke: reading or writing failed, the end came too early, the answer makes no
 /// sense, the connection is dead.
@@ -50,6 +51,15 @@ std::optional<int> serversNumber(SQLSMALLINT handleType, SQLHANDLE handle, SQLSM
   const auto result =
       SQLGetDiagFieldW(handleType, handle, record, field, &number, static_cast<SQLSMALLINT>(sizeof number), &ignored);
   return SQL_SUCCEEDED(result) ? std::optional<int>(number) : std::nullopt;
+}
+
+/// Whether the message came out of a procedure, where the driver tells it: lines are the procedure's own then.
+bool tellsOfProcedure(SQLSMALLINT handleType, SQLHANDLE handle, SQLSMALLINT record) {
+  std::array<SQLWCHAR, 130> name{};
+  SQLSMALLINT ignored = 0;
+  const auto result = SQLGetDiagFieldW(handleType, handle, record, diagnosticProcedureName, name.data(),
+                                       static_cast<SQLSMALLINT>(sizeof name), &ignored);
+  return SQL_SUCCEEDED(result) && name.front() != 0;
 }
 
 }  // namespace
@@ -88,7 +98,7 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle) 
       diagnostic.messageState = severity ? serversState.value_or(0) : 0;
       if (handleType == SQL_HANDLE_STMT)
         diagnostic.line = serversNumber(handleType, handle, record, diagnosticServerLine);
-      if (diagnostic.line.value_or(0) <= 0) diagnostic.line.reset();
+      if (diagnostic.line.value_or(0) <= 0 || tellsOfProcedure(handleType, handle, record)) diagnostic.line.reset();
     }
     diagnostics.push_back(std::move(diagnostic));
   }

@@ -15,9 +15,9 @@ struct Diagnostic {
   std::string state;        ///< five characters
   std::int32_t number = 0;  ///< the server's own number, 0 for most of the driver's messages
   std::string message;      ///< without the bracketed names of the components that passed it on
-  std::optional<int> line;
-  int severity = 0;      ///< 0 where the driver does not tell
-  int messageState = 0;  ///< the server's; 0 where the driver does not tell
+  std::optional<int> line;  ///< of the command's text, as far as the driver tells that from a procedure's
+  int severity = 0;         ///< 0 where the driver does not tell
+  int messageState = 0;     ///< the server's; 0 where the driver does not tell
 
   /// Warnings, PRINT texts and changes of context: not errors.
   [[nodiscard]] bool isInformation() const { return state.starts_with("01") && !tellsOfLostConnection(); }

@@ -82,6 +82,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void SelectALL();
   /// Unchecks every node of the filter tree.
   void UnselectALL();
+  /// Lets the user choose a folder in a dialog under the title `dialogtext`; above 0, `files` shows files beside the
+  /// folders. Returns the folder with a separator at its end, or an empty text where the user cancelled.
+  QString GetExportPath(const QString& dialogtext, int files);
   /// Lets the user pick the font of the result lists.
   void ChangeFont();
   /// Shows the row count of the current list in the status bar.
@@ -109,6 +112,10 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void ListViewColSetup();
   /// Builds the context menu: "Font" or "Column"; any other text changes nothing.
   void BuildPopup(const QString& PopupItem);
+  /// Runs any SQL text on the selected database and shows its rows on the custom page. While they load, windows are
+  /// painted and Esc stops the query; nothing else that a person or a timer does arrives. Calls that are queued do: a
+  /// query of this control that is among them does nothing.
+  void TriggerAdvancedQuery(const QString& QueryString);
   /// Applies the current language to menu, toolbar and side controls.
   void SwitchLanguage();
   /// Sets the captions and tooltips of the side controls in the current language.

@@ -57,6 +57,7 @@ TEST_F(Arguments, HelpTeaches) {
 TEST_F(Arguments, HelpFitsATerminal) {
   for (const auto& arguments : {std::vector<std::string>{"--help"},
                                 {"query", "--help"},
+                                {"sql", "--help"},
                                 {"demo", "--help"},
                                 {"servers", "--help"},
                                 {"databases", "--help"},

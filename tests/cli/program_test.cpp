@@ -50,5 +50,35 @@ TEST_F(Program, ReaderThatGoesAwayIsSaid) {
   EXPECT_NE(err().find("cannot write standard output"), std::string::npos) << err();
 }
 
+constexpr const char* endless = "\"with recursive c(n) as (select 1 union all select n + 1 from c) select n from c\"";
+
+TEST_F(Program, AnEndlessQueryEndsWithItsReader) {
+  ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
+  EXPECT_EQ(run("{ audit sql " + std::string(endless) + " --format csv; echo $? >status; } | head -n 2"), 0);
+  EXPECT_EQ(out(), "n\r\n1\r\n");
+  EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitOutput) + "\n");
+}
+
+TEST_F(Program, AnEndlessQueryEndsWhenItIsTold) {
+  ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
+  // Once the first line is there, the query runs.
+  EXPECT_EQ(run("mkfifo pipe; '" KORVEL_AUDIT_PROGRAM "' sql " + std::string(endless) +
+                " --format csv >pipe & exec 3<pipe; read -r line <&3; kill -TERM $!; cat <&3 >rest; wait $!"),
+            exitStopped);
+  EXPECT_EQ(err(), "korvel-audit: stopped\n");
+}
+
+TEST_F(Program, RunsAQueryOfOnesOwn) {
+  ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
+  EXPECT_EQ(run("audit sql 'select count(*) as n from Korvel_Audit_Trails' --format csv"), exitDone) << err();
+  EXPECT_EQ(out(), "n\r\n300\r\n");
+  EXPECT_EQ(run("audit sql 'delete from Korvel_Audit_Trails'"), exitDatabase);
+  EXPECT_EQ(run("audit sql 'select Nr from Korvel_Audit_Trails where Nr < 0'"), exitNoRecords);
+  EXPECT_EQ(run("printf 'select count(*) as n\\r\\n  from Korvel_Audit_Trails' >q.vqf; audit sql --file q.vqf --format "
+                "exchange --output result; cat result"),
+            0);
+  EXPECT_EQ(out(), "n|\r\n300\r\n");
+}
+
 }  // namespace
 }  // namespace korvel::cli

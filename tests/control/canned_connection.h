@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,8 @@ struct CannedServer {
   std::vector<std::string> connectionStrings;
   std::vector<std::string> commands;
   int openConnections = 0;
+  /// Answers in the place of the result sets.
+  std::function<void(db::ResultSink&)> answer;
 
   std::unique_ptr<db::Connection> connect(std::string_view connectionString);
 };
@@ -45,6 +48,11 @@ class CannedConnection final : public db::Connection {
 
   void execute(std::string_view commandText, db::ResultSink& sink) override {
     server_.commands.emplace_back(commandText);
+    if (server_.answer) {
+      server_.answer(sink);
+      if (server_.failure) throw Error(*server_.failure);
+      return;
+    }
     std::vector<db::Field> fields;
     for (const query::AuditColumn& column : query::auditColumns()) fields.push_back({std::string(column.name)});
     for (const auto& rows : server_.resultSets) {

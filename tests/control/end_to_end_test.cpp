@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "db/open_connection.h"
+#include "query/forms/sql_editor.h"
 #include "tests/control/viewer_fixture.h"
 #include "tests/support/temporary_folder.h"
 
@@ -81,6 +82,37 @@ TEST_F(EndToEnd, AMissingFileFailsSilentlyWithAReason) {
   EXPECT_NE(lastFailure(*viewer), "");
   EXPECT_TRUE(recorder->messages.empty());
   EXPECT_FALSE(std::filesystem::exists(folder / "Korvel_Audit_MU.db"));
+}
+
+TEST_F(EndToEnd, ACustomQueryShowsWhatItReturns) {
+  add(12, "2004-03-07 13:45:59.123", "Operator", "OPERATOR", "OA");
+  add(7, "2004-03-07 13:46:00.000", "PROJECT", "CHECK_IN", "DC");
+  const auto viewer = viewerOnFolder();
+  selectTab(*viewer, 5);
+  click(*viewer, "btQuery");
+  EXPECT_EQ(list(*viewer, 5)->model()->columnCount(), int(query::auditColumnCount));
+  EXPECT_EQ(column(*viewer, 5), "12 7");
+  // A custom list has every column, and a null is an empty cell.
+  EXPECT_EQ(column(*viewer, 5, 16), "why why");
+  EXPECT_EQ(column(*viewer, 5, 17), " ");
+
+  viewer->TriggerAdvancedQuery("Select EventType,Nr from Korvel_Audit_Trails where Nr < 10");
+  EXPECT_EQ(list(*viewer, 5)->model()->headerData(0, Qt::Horizontal).toString(), "EventType");
+  EXPECT_EQ(column(*viewer, 5, 1), "7");
+  EXPECT_TRUE(recorder->messages.empty());
+  EXPECT_EQ(recordsPanel(*viewer), "1 Records on current tab");
+}
+
+TEST_F(EndToEnd, TheEnginesWordsAndTheLineOfAnErrorAreShown) {
+  const auto viewer = viewerOnFolder();
+  selectTab(*viewer, 5);
+  auto* editor = element<query::SqlEditor>(*viewer, "txtAdvancedQuery");
+  editor->setQueryText("select *\r\nfromm Korvel_Audit_Trails");
+  click(*viewer, "btQuery");
+  ASSERT_EQ(recorder->messages.size(), 1U);
+  EXPECT_TRUE(recorder->messages[0].text.startsWith("1:Error in TriggerAdvancedQuery.  Error Message: "));
+  EXPECT_TRUE(recorder->messages[0].text.contains("fromm"));
+  EXPECT_EQ(editor->errorLine(), 2);
 }
 
 }  // namespace

@@ -27,10 +27,11 @@ QStringList namesOf(QMetaMethod::MethodType type) {
 
 TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
   EXPECT_EQ(namesOf(QMetaMethod::Slot),
-            (QStringList{"SelectALL()", "UnselectALL()", "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()",
-                         "ExpandAll()", "SelectDatabase()", "UnlockControls()", "LockControls()", "ViewTools(bool)",
-                         "BuildMenu()", "BuildToolbar()", "ShowKeyField(bool)", "ListViewColSetup()",
-                         "BuildPopup(QString)", "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
+            (QStringList{"SelectALL()", "UnselectALL()", "GetExportPath(QString,int)", "ChangeFont()",
+                         "DisplayNoOfRecords()", "TriggerQuery()", "ExpandAll()", "SelectDatabase()",
+                         "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
+                         "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)",
+                         "TriggerAdvancedQuery(QString)", "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
                          // Not of the type library, and therefore behind it.
                          "HelpContents()", "HelpSearch()", "ShowAbout()"}));
 }

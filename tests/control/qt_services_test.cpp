@@ -3,10 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDir>
+#include <QFileDialog>
 #include <QFontDialog>
+#include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTimer>
 #include <functional>
+
+#include "control/library_state.h"
+#include "tests/support/temporary_folder.h"
 
 namespace korvel::control {
 namespace {
@@ -75,6 +82,108 @@ TEST(QtServices, AnAcceptedFontIsTheDialogs) {
   const auto font = services.chooseFont(nullptr, QFont());
   ASSERT_TRUE(font.has_value());
   EXPECT_EQ(font->pointSize(), 17);
+}
+
+TEST(QtServices, AFolderIsChosenAsItIsNamed) {
+  QtControlServices services;
+  const test::TemporaryFolder folder;
+  const QString path = QString::fromStdString(folder.path().string());
+  bool dirsOnly = false;
+  QString title;
+  const WhenModal choose([&](QWidget* dialog) {
+    auto* files = qobject_cast<QFileDialog*>(dialog);
+    ASSERT_NE(files, nullptr);
+    dirsOnly = files->testOption(QFileDialog::ShowDirsOnly);
+    title = files->windowTitle();
+    files->setDirectory(path);
+    QMetaObject::invokeMethod(files, "accept");
+  });
+  EXPECT_EQ(services.chooseFolder(nullptr, "Browse", false), path);
+  EXPECT_EQ(title, "Browse");
+  EXPECT_TRUE(dirsOnly);
+}
+
+TEST(QtServices, FilesAreShownWhereTheyAreAskedForAndACancelledFolderIsNone) {
+  QtControlServices services;
+  bool dirsOnly = true;
+  const WhenModal cancel([&](QWidget* dialog) {
+    dirsOnly = qobject_cast<QFileDialog*>(dialog)->testOption(QFileDialog::ShowDirsOnly);
+    qobject_cast<QDialog*>(dialog)->reject();
+  });
+  EXPECT_EQ(services.chooseFolder(nullptr, "Browse", true), std::nullopt);
+  EXPECT_FALSE(dirsOnly);
+}
+
+TEST(QtServices, ATypedTextIsHandedOver) {
+  QtControlServices services;
+  QString prompt;
+  QString title;
+  QString offered = "?";
+  const WhenModal type([&](QWidget* dialog) {
+    auto* input = qobject_cast<QInputDialog*>(dialog);
+    ASSERT_NE(input, nullptr);
+    prompt = input->labelText();
+    title = input->windowTitle();
+    offered = input->textValue();
+    input->setTextValue(" a b ");
+    input->accept();
+  });
+  EXPECT_EQ(services.inputBox(nullptr, "Enter Query Name?", "Name"), " a b ");
+  EXPECT_EQ(prompt, "Enter Query Name?");
+  EXPECT_EQ(title, "Name");
+  EXPECT_EQ(offered, "");
+}
+
+TEST(QtServices, ACancelledTextIsEmpty) {
+  QtControlServices services;
+  const WhenModal cancel([](QWidget* dialog) {
+    qobject_cast<QInputDialog*>(dialog)->setTextValue("typed");
+    qobject_cast<QDialog*>(dialog)->reject();
+  });
+  EXPECT_EQ(services.inputBox(nullptr, "p", "t"), "");
+}
+
+TEST(QtServices, AQuestionHasItsAnswersInTheLanguage) {
+  QtControlServices services;
+  libraryState().language = settings::LanguageOffset("10000");
+  QStringList answers;
+  const auto press = [&](QMessageBox::ButtonRole role) {
+    return [&answers, role](QWidget* dialog) {
+      auto* box = qobject_cast<QMessageBox*>(dialog);
+      ASSERT_NE(box, nullptr);
+      EXPECT_EQ(box->textFormat(), Qt::PlainText);
+      for (QAbstractButton* button : box->buttons()) answers.append(button->text());
+      for (QAbstractButton* button : box->buttons())
+        if (box->buttonRole(button) == role) button->click();
+    };
+  };
+  {
+    const WhenModal yes(press(QMessageBox::YesRole));
+    EXPECT_TRUE(services.confirm(nullptr, "t", "q"));
+  }
+  {
+    const WhenModal no(press(QMessageBox::NoRole));
+    EXPECT_FALSE(services.confirm(nullptr, "t", "q"));
+  }
+  {
+    const WhenModal close([](QWidget* dialog) { dialog->close(); });
+    EXPECT_FALSE(services.confirm(nullptr, "t", "q"));
+  }
+  EXPECT_TRUE(answers.contains("&Ja"));
+  EXPECT_TRUE(answers.contains("&Nein"));
+  libraryState() = LibraryState();
+}
+
+TEST(QtServices, TheDeathOfTheirOwnerCancelsThem) {
+  QtControlServices services;
+  const auto dying = [](const std::function<void(QWidget*)>& show) {
+    auto* owner = new QWidget;
+    const WhenModal answer([&](QWidget*) { delete owner; });
+    show(owner);
+  };
+  dying([&](QWidget* owner) { EXPECT_EQ(services.chooseFolder(owner, "t", false), std::nullopt); });
+  dying([&](QWidget* owner) { EXPECT_EQ(services.inputBox(owner, "p", "t"), ""); });
+  dying([&](QWidget* owner) { EXPECT_FALSE(services.confirm(owner, "t", "q")); });
 }
 
 TEST(QtServices, TheHourglassIsNeitherStackedNorLost) {

@@ -36,6 +36,19 @@ class Recorder final : public control::ControlServices {
     offeredFont = current;
     return chosenFont;
   }
+  std::optional<QString> chooseFolder(QWidget*, const QString& title, bool showFiles) override {
+    folderQuestions.append({title, showFiles});
+    if (onFolder) onFolder();
+    return chosenFolder;
+  }
+  QString inputBox(QWidget*, const QString& prompt, const QString& title) override {
+    inputQuestions.append({prompt, title});
+    return typedText;
+  }
+  bool confirm(QWidget*, const QString& title, const QString& text) override {
+    questions.append({title, text});
+    return confirmed;
+  }
   [[nodiscard]] bool hasForm(const QString& name) const override {
     if (onFormAsked) onFormAsked();
     return forms.contains(name);
@@ -57,6 +70,13 @@ class Recorder final : public control::ControlServices {
   std::function<void()> onMessage;
   std::optional<QFont> chosenFont;
   QFont offeredFont;
+  QList<std::pair<QString, bool>> folderQuestions;
+  std::function<void()> onFolder;
+  std::optional<QString> chosenFolder;
+  QList<std::pair<QString, QString>> inputQuestions;
+  QString typedText;
+  QList<std::pair<QString, QString>> questions;
+  bool confirmed = false;
   QSet<QString> forms;
   std::function<void()> onFormAsked;
   QStringList shownForms;

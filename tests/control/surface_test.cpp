@@ -317,7 +317,8 @@ TEST_F(Surface, TheChosenFontGoesToAllSixLists) {
 TEST_F(Surface, EveryElementHasANameForAssistance) {
   const auto viewer = shownViewer();
   for (const char* name : {"tvTreeView", "btDateRangeFilter", "btClearDateRange", "btQuery", "btSelectDB", "btDBInfo",
-                           "btClear", "btSelectALL", "btUnselectALL", "lvListView0", "lvListView5"})
+                           "btClear", "btSelectALL", "btUnselectALL", "lvListView0", "lvListView5", "txtAdvancedQuery",
+                           "btOpen", "btSave", "btClearAdvQuery", "btEmunFields"})
     EXPECT_FALSE(element(*viewer, name)->accessibleName().isEmpty()) << name;
 }
 

@@ -68,7 +68,15 @@ TEST_F(OdbcAnswers, anErrorFirst) {
   EXPECT_EQ(got->number(), 208);
   EXPECT_EQ(got->description(), "Invalid object name 'x'.");
   EXPECT_TRUE(got->textKey().empty());
-  EXPECT_EQ(got->line(), 7);
+}
+
+TEST_F(OdbcAnswers, anErrorNamesTheLineOfTheText) {
+  const std::string sixLines = "1\r\n2\n3\n4\n5\n";
+  peer_.answer(sixLines + "\nseven", Answer().error(missing));
+  EXPECT_EQ(errorOfText(connection(), sixLines + "\nseven")->line(), 7);
+  // A seventh line that the text does not have is one of a procedure.
+  peer_.answer(sixLines + "six", Answer().error(missing));
+  EXPECT_EQ(errorOfText(connection(), sixLines + "six")->line(), std::nullopt);
 }
 
 TEST_F(OdbcAnswers, anErrorAfterPrintedText) {
@@ -131,6 +139,31 @@ TEST_F(OdbcAnswers, aSinkThatHasEnoughEndsTheAnswer) {
   connection().execute("endless", sink);
   EXPECT_EQ(sink.results.at(0).rows.size(), 10U);
   EXPECT_FALSE(sink.results[0].ended);
+  EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
+}
+
+/// Says after two result sets that it does not want to go on.
+class TwoResultsSink final : public db::ResultSink {
+ public:
+  void beginResult(std::span<const db::Field>) override {}
+  bool row(std::span<const db::Cell>) override { return ++rows > 0; }
+  void endResult() override { ++ended; }
+  bool goOn() override { return ended < 2; }
+
+  int rows = 0;
+  int ended = 0;
+};
+
+TEST_F(OdbcAnswers, aSinkThatDoesNotWantToGoOnEndsTheAnswer) {
+  Answer answer;
+  for (int i = 0; i < 5; ++i) answer.result(number).row({i});
+  peer_.answer("five", answer);
+  TwoResultsSink sink;
+  connection().execute("five", sink);
+  EXPECT_EQ(sink.ended, 2);
+  EXPECT_EQ(sink.rows, 2);
+  connection().execute("never sent", sink);
+  EXPECT_EQ(sink.rows, 2);
   EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
 }
 

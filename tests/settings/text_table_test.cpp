@@ -100,7 +100,7 @@ TEST(TextTable, OurTranslationsAreTranslated) {
                 return language != 0 && row.texts[language] == row.texts.front();
               }),
               ElementsAre("1 it", "58 de", "58 fr", "58 it", "63 de", "check.port de", "check.port fr",
-                          "check.database it", "check.table fr"));
+                          "check.database it", "check.table fr", "dialog.no es", "dialog.no it"));
 }
 
 /// Whether a sign of punctuation that French sets apart does not stand behind a blank that no line is broken at. Signs

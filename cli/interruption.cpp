@@ -1,0 +1,45 @@
+#include "cli/interruption.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstddef>
+
+namespace korvel::cli {
+
+namespace {
+
+constexpr std::array signals = {SIGINT, SIGTERM};
+
+/// What a signal's handler may touch: it needs no start, and no lock.
+std::atomic<bool>& noted() noexcept {
+  static constinit std::atomic<bool> flag{false};
+  static_assert(std::atomic<bool>::is_always_lock_free);
+  return flag;
+}
+
+extern "C" void note(int signal) {
+  noted().store(true, std::memory_order_relaxed);
+  static_cast<void>(std::signal(signal, SIG_DFL));
+}
+
+}  // namespace
+
+Interruption::Interruption() {
+  noted() = false;
+  for (std::size_t i = 0; i < signals.size(); ++i) {
+    handlersBefore_.at(i) = std::signal(signals.at(i), note);
+    if (handlersBefore_.at(i) == SIG_IGN) static_cast<void>(std::signal(signals.at(i), SIG_IGN));
+  }
+}
+
+Interruption::~Interruption() {
+  for (std::size_t i = 0; i < signals.size(); ++i)
+    if (handlersBefore_.at(i) != SIG_ERR) static_cast<void>(std::signal(signals.at(i), handlersBefore_.at(i)));
+}
+
+bool Interruption::requested() noexcept {
+  return noted().load(std::memory_order_relaxed);
+}
+
+}  // namespace korvel::cli

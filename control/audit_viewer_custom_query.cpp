@@ -1,0 +1,203 @@
+// The page of custom queries: what runs them, and the buttons beside their text.
+#include <QDir>
+#include <QShortcut>
+#include <array>
+#include <utility>
+
+#include "control/audit_viewer_members.h"
+#include "control/query_watch.h"
+#include "control/skip_failing.h"
+#include "control/texts.h"
+#include "query/custom_query.h"
+#include "query/file_names.h"
+#include "query/query_file.h"
+#include "settings/explained_error.h"
+
+namespace korvel {
+
+using control::fromUtf8;
+using control::libraryState;
+using control::MessageIcon;
+using control::ownText;
+using control::surroundings;
+
+namespace {
+
+const QString fieldsForm = QStringLiteral("frmFields");
+const QString fileListForm = QStringLiteral("frmFileList");
+const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
+// Deliberately not the title of the other messages.
+const QString noRecordsTitle = QStringLiteral("velAudit Viewer Message");
+const QString noRecordsText = QStringLiteral("No Records Found for Query");
+const QString everythingQuery = QStringLiteral("Select * from Korvel_Audit_Trails");
+
+QString failureText(const Error& failure) {
+  QString text = fromUtf8(settings::describe(failure, libraryState().language));
+  if (failure.line()) text = ownText("custom.failureLine").arg(text, QString::number(*failure.line()));
+  return QString::number(failure.number()) + QStringLiteral(":Error in TriggerAdvancedQuery.  Error Message: ") + text;
+}
+
+/// A path of the file system from text; the system's own bytes where the text is UTF-8.
+std::filesystem::path toPath(const std::string& text) {
+  return std::filesystem::path(std::u8string(text.begin(), text.end()));
+}
+
+}  // namespace
+
+void AuditViewer::Members::connectCustomPage() {
+  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
+    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
+                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
+  };
+  onClick(surface.btOpen, &Members::btOpen_Click, "btOpen_Click");
+  onClick(surface.btSave, &Members::btSave_Click, "btSave_Click");
+  onClick(surface.btClearAdvQuery, &Members::btClearAdvQuery_Click, "btClearAdvQuery_Click");
+  onClick(surface.btEmunFields, &Members::btEmunFields_Click, "btEmunFields_Click");
+
+  const auto run = [this] {
+    if (surface.btQuery->isEnabled()) trapped("btQuery_Click", [this] { btQuery_Click(); });
+  };
+  QObject::connect(surface.txtAdvancedQuery, &query::SqlEditor::runRequested, &viewer_, run);
+  // Beside the text the key works as it does in it.
+  auto* runKey = new QShortcut(Qt::Key_F5, surface.lvListView[query::customList]->parentWidget());
+  runKey->setContext(Qt::WidgetWithChildrenShortcut);
+  runKey->setAutoRepeat(false);
+  QObject::connect(runKey, &QShortcut::activated, &viewer_, run);
+}
+
+void AuditViewer::Members::nameCustomPage() {
+  surface.txtAdvancedQuery->setTexts([](std::string_view key) { return ownText(key); });
+  surface.txtAdvancedQuery->setAccessibleName(ownText("custom.query"));
+  surface.btOpen->setToolTip(ownText("custom.open"));
+  surface.btSave->setToolTip(ownText("custom.save"));
+  surface.btClearAdvQuery->setToolTip(ownText("custom.clear"));
+  surface.btEmunFields->setToolTip(ownText("custom.fields"));
+}
+
+void AuditViewer::Members::offerCustomQuery() {
+  if (surface.currentTab() == query::customList && surface.txtAdvancedQuery->document()->isEmpty())
+    surface.txtAdvancedQuery->setQueryText(everythingQuery);
+}
+
+query::CustomReport AuditViewer::Members::runWatched(const QString& text, results::ResultList& answer) {
+  const QPointer<AuditViewer> alive(&viewer_);
+  // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
+  // without a look whether it lives.
+  const std::string connectionString = libraryState().connection.AdvancedConnectionString;
+  const QString statusBefore = surface.StatusBar1->status();
+  customQueryRuns_ = true;
+  query::CustomReport report;
+  {
+    control::QueryWatch watch;
+    const query::QueryProgress progress = [&](std::size_t rows) {
+      if (!alive) return false;
+      if (rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(rows));
+      return watch.goOn() && alive;
+    };
+    report = query::runCustomQuery(text.toStdString(), connectionString, surroundings().connect, answer, progress,
+                                   surroundings().queryMachine);
+    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
+    static_cast<void>(watch.goOn());
+  }
+  if (!alive) return report;
+  customQueryRuns_ = false;
+  surface.StatusBar1->setStatus(statusBefore);
+  return report;
+}
+
+void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
+  if (customQueryRuns_) return;
+  const QPointer<AuditViewer> alive(&viewer_);
+  setLastFailure({});
+  if (!alive) return;
+  surface.txtAdvancedQuery->setErrorLine(std::nullopt);
+  if (!std::exchange(notice_, {}).isEmpty()) showRestingText();
+  control::ResultListModel& model = *surface.models.at(query::customList);
+  model.clear();
+  DisplayNoOfRecords();
+
+  // Apart from the list that is shown, which stays whole whatever is painted meanwhile.
+  results::ResultList answer(results::RowFilling::whole);
+  query::CustomReport report = runWatched(QueryString, answer);
+  if (!alive) return;
+
+  switch (report.outcome) {
+    case query::CustomOutcome::filled:
+      model.setColumns([&](results::ResultList& list) { list = std::move(answer); });
+      surface.lvListView[query::customList]->applyColumnWidths();
+      surface.lvListView[query::customList]->showSortIcon();
+      DisplayNoOfRecords();
+      break;
+    case query::CustomOutcome::noRecords:
+      message(MessageIcon::information, noRecordsTitle, noRecordsText);
+      break;
+    case query::CustomOutcome::stopped:
+      notice_ = ownText("custom.stopped");
+      showRestingText();
+      break;
+    case query::CustomOutcome::failed: {
+      const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
+      if (surface.txtAdvancedQuery->queryText() == QueryString) surface.txtAdvancedQuery->setErrorLine(failure.line());
+      message(MessageIcon::critical, QString(), failureText(failure));
+      break;
+    }
+  }
+}
+
+QString AuditViewer::Members::GetExportPath(const QString& dialogtext, int files) {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const std::optional<QString> folder = services->chooseFolder(&viewer_, dialogtext, files > 0);
+  // Deliberately also behind a root, which ends in a separator already.
+  return folder ? QDir::toNativeSeparators(*folder) + QDir::separator() : QString();
+}
+
+void AuditViewer::Members::btSave_Click() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Custom Query Path"), 0);
+  if (!alive || folder.isEmpty()) return;
+  const QString name = services->inputBox(&viewer_, QStringLiteral("Enter Query Name?"), QStringLiteral("Name"));
+  if (!alive || name.isEmpty()) return;
+  if (const auto problem = query::fileNameProblem(name.toStdString())) {
+    message(MessageIcon::information, messageTitle, fromUtf8(settings::describe(*problem, libraryState().language)));
+    return;
+  }
+  const std::string text = surface.txtAdvancedQuery->queryText().toStdString();
+  if (!query::fitsQueryFile(text)) {
+    const bool wanted = services->confirm(&viewer_, messageTitle, ownText("custom.replaceCharacters"));
+    if (!alive || !wanted) return;
+  }
+  query::saveQueryFile(toPath((folder + name).toStdString() + "." + std::string(query::queryFileExtension)), text);
+}
+
+void AuditViewer::Members::btOpen_Click() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Custom Query File"), 0);
+  if (!alive || folder.isEmpty()) return;
+  query::QueryChoices& choices = libraryState().queryChoices;
+  choices.folder = folder.toStdString();
+  choices.fileName.clear();
+  services->showForm(&viewer_, fileListForm);
+  if (!alive || choices.fileName.empty()) return;
+  // What cannot be read leaves the text as it was.
+  const std::string text = query::loadQueryFile(toPath(choices.folder) += choices.fileName);
+  surface.txtAdvancedQuery->setQueryText(fromUtf8(text));
+}
+
+void AuditViewer::Members::btClearAdvQuery_Click() {
+  surface.txtAdvancedQuery->setQueryText({});
+}
+
+void AuditViewer::Members::btEmunFields_Click() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  std::string& picked = libraryState().queryChoices.pickedQuery;
+  picked.clear();
+  services->showForm(&viewer_, fieldsForm);
+  if (!alive || picked.empty()) return;
+  surface.txtAdvancedQuery->setQueryText(fromUtf8(picked));
+  btQuery_Click();
+}
+
+}  // namespace korvel

@@ -1,0 +1,101 @@
+#include "output/json_records.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "base/text.h"
+
+namespace korvel::output {
+
+namespace {
+
+void appendJsonString(std::string_view value, std::string& out) {
+  constexpr std::string_view figures = "0123456789abcdef";
+  const auto appendCode = [&out, figures](unsigned code) {
+    out += "\\u00";
+    out += figures[code >> 4U];
+    out += figures[code & 0xFU];
+  };
+  out += '"';
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(value[i]);
+    if (byte == '"' || byte == '\\') {
+      out += '\\';
+      out += value[i];
+    } else if (byte == '\n') {
+      out += "\\n";
+    } else if (byte == '\r') {
+      out += "\\r";
+    } else if (byte == '\t') {
+      out += "\\t";
+    } else if (byte < 0x20 || byte == 0x7F) {
+      appendCode(byte);
+    } else if (byte == 0xC2 && i + 1 < value.size() && static_cast<unsigned char>(value[i + 1]) < 0xA0) {
+      // U+0080 to U+009F drive some terminals, and JSON is often looked at in one.
+      appendCode(static_cast<unsigned char>(value[++i]));
+    } else {
+      out += value[i];
+    }
+  }
+  out += '"';
+}
+
+/// Whether a value stands in JSON as it is: nearly all do.
+bool isPlain(std::string_view value) noexcept {
+  return std::all_of(value.begin(), value.end(), [](char c) {
+    return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) < 0x7F && c != '"' && c != '\\';
+  });
+}
+
+void appendJsonText(std::string_view value, std::string& out) {
+  if (isPlain(value))
+    ((out += '"') += value) += '"';
+  else if (isValidUtf8(value))
+    appendJsonString(value, out);
+  else
+    appendJsonString(replaceInvalidUtf8(value), out);
+}
+
+/// The members' beginnings, `"name":`, of the records of one result set.
+std::vector<std::string> jsonNames(std::span<const db::Field> fields) {
+  std::vector<std::string> taken;
+  std::vector<std::string> members;
+  for (const db::Field& field : fields) {
+    std::string name = field.name;
+    for (int number = 2; std::find(taken.begin(), taken.end(), name) != taken.end(); ++number)
+      name = field.name + "_" + std::to_string(number);
+    taken.push_back(name);
+    std::string member;
+    appendJsonText(name, member);
+    member += ':';
+    members.push_back(std::move(member));
+  }
+  return members;
+}
+
+}  // namespace
+
+void JsonRecords::setFields(std::span<const db::Field> fields) {
+  members_ = jsonNames(fields);
+}
+
+void JsonRecords::appendRecord(std::span<const db::Cell> cells, std::string& out) {
+  out += any_ ? ",\n{" : "[\n{";
+  any_ = true;
+  for (std::size_t i = 0; i < std::min(cells.size(), members_.size()); ++i) {
+    if (i > 0) out += ',';
+    out += members_[i];
+    if (cells[i].isNull)
+      out += "null";
+    else
+      appendJsonText(cells[i].text, out);
+  }
+  out += '}';
+}
+
+void JsonRecords::appendEnd(std::string& out) const {
+  out += any_ ? "\n]\n" : "[]\n";
+}
+
+}  // namespace korvel::output

@@ -1,0 +1,121 @@
+#include "output/record_stream.h"
+
+#include <utility>
+
+#include "output/csv_rows.h"
+#include "output/json_records.h"
+#include "output/separated_lines.h"
+
+namespace korvel::output {
+
+/// Writes rows of one result set, one after the other.
+class RowWriter {
+ public:
+  RowWriter() = default;
+  virtual ~RowWriter() = default;
+  RowWriter(const RowWriter&) = delete;
+  RowWriter& operator=(const RowWriter&) = delete;
+
+  virtual void begin(std::span<const db::Field> fields) = 0;
+  virtual void row(std::span<const db::Cell> cells) = 0;
+  virtual void end() = 0;
+};
+
+namespace {
+
+class CsvWriter final : public RowWriter {
+ public:
+  explicit CsvWriter(const ByteSink& sink) : out_(sink) {}
+  void begin(std::span<const db::Field> fields) override { writeCsvNames(fields, out_); }
+  void row(std::span<const db::Cell> cells) override { writeCsvRow(cells, out_); }
+  void end() override { out_.flush(); }
+
+ private:
+  RowBuffer out_;
+};
+
+class JsonWriter final : public RowWriter {
+ public:
+  explicit JsonWriter(const ByteSink& sink) : chunks_(sink) {}
+  void begin(std::span<const db::Field> fields) override { records_.setFields(fields); }
+  void row(std::span<const db::Cell> cells) override {
+    records_.appendRecord(cells, chunks_.text());
+    chunks_.endLine();
+  }
+  void end() override {
+    records_.appendEnd(chunks_.text());
+    chunks_.flush();
+  }
+
+ private:
+  ChunkedText chunks_;
+  JsonRecords records_;
+};
+
+class LineWriter final : public RowWriter {
+ public:
+  LineWriter(const ByteSink& sink, char separator) : chunks_(sink), separator_(separator) {}
+  void begin(std::span<const db::Field> fields) override { appendHeaderLine(fields, separator_, chunks_.text()); }
+  void row(std::span<const db::Cell> cells) override {
+    appendRowLine(cells, separator_, chunks_.text());
+    chunks_.endLine();
+  }
+  void end() override { chunks_.flush(); }
+
+ private:
+  ChunkedText chunks_;
+  char separator_;
+};
+
+std::unique_ptr<RowWriter> writerOf(ListFormat format, const ByteSink& sink) {
+  switch (format) {
+    case ListFormat::json:
+      return std::make_unique<JsonWriter>(sink);
+    case ListFormat::text:
+      return std::make_unique<LineWriter>(sink, textExportSeparator);
+    case ListFormat::exchange:
+      return std::make_unique<LineWriter>(sink, exchangeSeparator);
+    case ListFormat::table:
+    case ListFormat::csv:
+      break;
+  }
+  return std::make_unique<CsvWriter>(sink);
+}
+
+}  // namespace
+
+RecordStream::RecordStream(ListFormat format, const ByteSink& sink, std::function<bool()> wanted)
+    : writer_(writerOf(format, sink)), wanted_(std::move(wanted)) {}
+
+RecordStream::~RecordStream() = default;
+
+void RecordStream::beginResult(std::span<const db::Field> fields) {
+  if (begun_)
+    complete_ = true;
+  else
+    fields_.assign(fields.begin(), fields.end());
+  begun_ = true;
+}
+
+bool RecordStream::row(std::span<const db::Cell> cells) {
+  if (!goOn()) return false;
+  if (rowCount_++ == 0) writer_->begin(fields_);
+  writer_->row(cells);
+  return true;
+}
+
+void RecordStream::endResult() {
+  complete_ = true;
+}
+
+bool RecordStream::goOn() {
+  if (complete_) return false;
+  if (!stopped_) stopped_ = !wanted_();
+  return !stopped_;
+}
+
+void RecordStream::finish() {
+  if (rowCount_ > 0) writer_->end();
+}
+
+}  // namespace korvel::output

@@ -1,0 +1,183 @@
+#include "query/forms/date_range_form.h"
+
+#include <QCalendarWidget>
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "control/look/buttons.h"
+#include "control/look/card_frame.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/theme.h"
+
+namespace korvel::query {
+namespace {
+
+// What a server's date can hold.
+const QDate earliestDay(1753, 1, 1);
+const QDate latestDay(9999, 12, 31);
+constexpr int monthsOfYear = 12;
+
+template <typename Element>
+Element* named(Element* element, const char* name) {
+  element->setObjectName(QLatin1String(name));
+  return element;
+}
+
+QDate toQDate(const std::chrono::year_month_day& day) {
+  return QDate(int(day.year()), static_cast<int>(unsigned(day.month())), static_cast<int>(unsigned(day.day())));
+}
+
+std::chrono::year_month_day toDay(const QDate& date) {
+  return {std::chrono::year(date.year()), std::chrono::month(static_cast<unsigned>(date.month())),
+          std::chrono::day(static_cast<unsigned>(date.day()))};
+}
+
+/// The box that takes the place of the year while another one is typed. The name is the toolkit's own.
+QWidget* yearOf(const QCalendarWidget& calendar) {
+  return calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_yearedit"));
+}
+
+/// The grid of days, which is what has the focus in a calendar.
+QTableView* daysOf(const QCalendarWidget& calendar) {
+  return calendar.findChild<QTableView*>();
+}
+
+}  // namespace
+
+frmAdvancedFilters::frmAdvancedFilters(DateRangeSurroundings surroundings, QWidget* owner)
+    : QDialog(owner), surroundings_(std::move(surroundings)), btOK_(named(new look::PrimaryButton, "btOK")) {
+  setObjectName(QStringLiteral("frmAdvancedFilters"));
+  // Deliberately English in every language, as the captions of the frames and of the button are.
+  setWindowTitle(QStringLiteral("Date Range Filter"));
+  setModal(true);
+  look::applyLook(*this);
+  QVBoxLayout* column = look::dressDialog(*this);
+
+  from_ = buildSide("Frame1", "FromDate", "txtFromDate", QStringLiteral("From Date"), &DateRange::RangeFromDate);
+  to_ = buildSide("Frame2", "ToDate", "txtToDate", QStringLiteral("To Date"), &DateRange::RangeToDate);
+  auto* sides = new QHBoxLayout;
+  sides->setSpacing(look::px(this, look::space::between));
+  sides->addWidget(from_.frame);
+  sides->addWidget(to_.frame);
+  column->addLayout(sides);
+
+  btOK_->setText(QStringLiteral("OK"));
+  connect(btOK_, &QPushButton::clicked, this, &QDialog::accept);
+  auto* buttons = new QDialogButtonBox;
+  buttons->addButton(btOK_, QDialogButtonBox::AcceptRole);
+  look::addButtons(*this, buttons);
+  btOK_->setDefault(true);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, const char* calendarName,
+                                                       const char* textName, const QString& caption,
+                                                       std::chrono::year_month_day DateRange::*day) {
+  Side side;
+  side.day = day;
+  side.frame = named(new look::CardFrame(caption), frameName);
+  side.calendar = named(new QCalendarWidget, calendarName);
+  side.calendar->setLocale(surroundings_.locale);
+  side.calendar->setFirstDayOfWeek(surroundings_.locale.firstDayOfWeek());
+  side.calendar->setDateRange(earliestDay, latestDay);
+  // Digits that are typed would change the day a while later, without a click.
+  side.calendar->setDateEditEnabled(false);
+  side.calendar->setAccessibleName(caption);
+  look::dressCalendar(*side.calendar);
+  QTableView* const days = daysOf(*side.calendar);
+  days->setAccessibleName(caption);
+  days->installEventFilter(this);
+  if (QWidget* const year = yearOf(*side.calendar)) year->installEventFilter(this);
+
+  side.text = named(new QLineEdit, textName);
+  side.text->setReadOnly(true);
+  side.text->setAlignment(Qt::AlignHCenter);
+  side.text->setAccessibleName(caption);
+
+  connect(side.calendar, &QCalendarWidget::clicked, this, [this, side](const QDate& date) { DateClick(side, date); });
+  connect(side.calendar, &QCalendarWidget::activated, this, [this, side](const QDate& date) { DateClick(side, date); });
+
+  auto* column = new QVBoxLayout(side.frame);
+  column->setContentsMargins({});
+  column->setSpacing(look::px(this, look::space::inside));
+  column->addWidget(side.calendar);
+  column->addWidget(side.text);
+  return side;
+}
+
+void frmAdvancedFilters::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  // Not when the window merely comes to the front again, as after a refusal: the days that were picked stay.
+  if (!event->spontaneous()) Form_Activate();
+}
+
+void frmAdvancedFilters::Form_Activate() {
+  const QDate today = surroundings_.today();
+  for (const Side& side : {from_, to_}) {
+    const QDate stored = toQDate(surroundings_.range.*side.day);
+    side.calendar->setSelectedDate(surroundings_.range.DateRangeActive && stored.isValid() ? stored : today);
+    side.calendar->showSelectedDate();
+    store(side, side.calendar->selectedDate());
+  }
+  btOK_->setFocus();
+}
+
+void frmAdvancedFilters::store(const Side& side, const QDate& date) {
+  side.text->setText(surroundings_.locale.toString(date, QLocale::ShortFormat));
+  surroundings_.range.*side.day = toDay(date);
+}
+
+void frmAdvancedFilters::DateClick(const Side& side, const QDate& date) {
+  if (date.isValid()) store(side, date);
+}
+
+bool frmAdvancedFilters::Form_QueryUnload() {
+  constexpr settings::TextId wrongOrder{10059};
+  // Deliberately also for two dates of the same day, although the message speaks of "greater".
+  if (isInOrder(surroundings_.range)) return true;
+  const std::shared_ptr<control::ControlServices> services = surroundings_.services;
+  const std::string_view text = settings::loadText(wrongOrder, surroundings_.language);
+  services->messageBox(this, control::MessageIcon::information, QStringLiteral("KorvelAudit Viewer"),
+                       QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+  return false;
+}
+
+void frmAdvancedFilters::done(int result) {
+  if (Form_QueryUnload()) QDialog::done(result);
+}
+
+bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress) {
+    const auto* press = static_cast<QKeyEvent*>(event);
+    const bool enter = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
+    for (const Side& side : {from_, to_}) {
+      if (watched == daysOf(*side.calendar) && calendarKey(side, press->key(), press->modifiers())) return true;
+      if (watched == yearOf(*side.calendar) && enter) {
+        // Leaving the year enters it. The key itself would go on to the dialog and close that.
+        daysOf(*side.calendar)->setFocus();
+        return true;
+      }
+    }
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+bool frmAdvancedFilters::calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers) {
+  if (key == Qt::Key_Space) {
+    DateClick(side, side.calendar->selectedDate());
+    return true;
+  }
+  const bool pageKey = key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+  if (!pageKey || !modifiers.testFlag(Qt::ControlModifier)) return false;
+  const QDate moved = side.calendar->selectedDate().addMonths(key == Qt::Key_PageDown ? monthsOfYear : -monthsOfYear);
+  side.calendar->setSelectedDate(moved);
+  side.calendar->showSelectedDate();
+  return true;
+}
+
+}  // namespace korvel::query

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QDate>
+#include <QDialog>
+#include <QLocale>
+#include <functional>
+#include <memory>
+
+#include "control/control_services.h"
+#include "query/date_range.h"
+#include "settings/string_table.h"
+
+class QCalendarWidget;
+class QLineEdit;
+class QPushButton;
+
+namespace korvel::look {
+class CardFrame;
+}
+
+namespace korvel::query {
+
+/// What the date range dialog needs; references outlive the dialog.
+struct DateRangeSurroundings {
+  DateRange& range;
+  const settings::LanguageOffset& language;
+  std::shared_ptr<control::ControlServices> services;
+  /// Short dates, names of months, first day of the week.
+  QLocale locale = QLocale::system();
+  std::function<QDate()> today = &QDate::currentDate;
+};
+
+/// The dialog in which the first and the last day of the date range are picked. It writes days into the range as they
+/// are picked; whether the range is in force is its caller's business. It does not close while the last day lies before
+/// the first.
+class frmAdvancedFilters final : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmAdvancedFilters(DateRangeSurroundings surroundings, QWidget* owner);
+
+  /// Every way of closing comes through here, and may be refused.
+  void done(int result) override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  /// A frame with a calendar and the line that shows the day picked in it.
+  struct Side {
+    std::chrono::year_month_day DateRange::*day = nullptr;
+    look::CardFrame* frame = nullptr;
+    QCalendarWidget* calendar = nullptr;
+    QLineEdit* text = nullptr;
+  };
+
+  Side buildSide(const char* frameName, const char* calendarName, const char* textName, const QString& caption,
+                 std::chrono::year_month_day DateRange::*day);
+  void Form_Activate();
+  [[nodiscard]] bool Form_QueryUnload();
+  /// A day was clicked, or chosen by key.
+  void DateClick(const Side& side, const QDate& date);
+  void store(const Side& side, const QDate& date);
+  /// Keys that the days of a calendar do not know themselves: space picks a day, Ctrl with a page key moves by a year.
+  bool calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers);
+
+  DateRangeSurroundings surroundings_;
+  Side from_;
+  Side to_;
+  QPushButton* btOK_;
+};
+
+}  // namespace korvel::query

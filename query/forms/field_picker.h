@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+#include "control/control_services.h"
+#include "query/query_choices.h"
+#include "settings/string_table.h"
+
+class QListWidget;
+class QPushButton;
+
+namespace korvel::query {
+
+/// What the dialogs of custom queries need; references outlive the dialog.
+struct QueryFormSurroundings {
+  QueryChoices& choices;
+  const settings::LanguageOffset& language;
+  std::shared_ptr<control::ControlServices> services;
+};
+
+/// The dialog that makes a query of the audit trail's columns that are selected in it.
+class frmFields final : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmFields(QueryFormSurroundings surroundings, QWidget* owner);
+
+ private:
+  void Command1_Click();
+
+  QueryFormSurroundings surroundings_;
+  QListWidget* ListView1_;
+  QPushButton* Command1_;
+};
+
+}  // namespace korvel::query

@@ -1,0 +1,111 @@
+#include "query/forms/file_list.h"
+
+#include <QDialogButtonBox>
+#include <QListWidget>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "control/look/buttons.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/theme.h"
+#include "query/file_names.h"
+#include "query/query_failure.h"
+#include "query/query_file.h"
+#include "settings/explained_error.h"
+
+namespace korvel::query {
+namespace {
+
+constexpr int firstWidth = 380;
+constexpr int firstHeight = 320;
+
+QString fromUtf8(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// A list that says that it is empty.
+class NamesList final : public QListWidget {
+ public:
+  QString emptyText;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QListWidget::paintEvent(event);
+    if (count() == 0) look::paintEmptyMessage(*this, emptyText);
+  }
+};
+
+}  // namespace
+
+frmFileList::frmFileList(QueryFormSurroundings surroundings, QWidget* owner)
+    : QDialog(owner),
+      surroundings_(std::move(surroundings)),
+      btOK_(new look::PrimaryButton),
+      btCancel_(new look::SecondaryButton(QStringLiteral("Cancel"))) {
+  setObjectName(QStringLiteral("frmFileList"));
+  // Deliberately English in every language, as the captions of the buttons are.
+  setWindowTitle(QStringLiteral("Custom Query File List"));
+  setModal(true);
+  look::applyLook(*this);
+  QVBoxLayout* column = look::dressDialog(*this);
+
+  auto* list = new NamesList;
+  list->emptyText = fromUtf8(settings::ownText("files.none", surroundings_.language));
+  List1_ = list;
+  List1_->setObjectName(QStringLiteral("List1"));
+  List1_->setAccessibleName(windowTitle());
+  connect(List1_, &QListWidget::itemDoubleClicked, this, [this] { btOK_Click(); });
+  column->addWidget(List1_, 1);
+
+  btOK_->setObjectName(QStringLiteral("btOK"));
+  btOK_->setText(QStringLiteral("OK"));
+  btCancel_->setObjectName(QStringLiteral("btCancel"));
+  btCancel_->setAutoDefault(false);
+  connect(btOK_, &QPushButton::clicked, this, [this] { btOK_Click(); });
+  connect(btCancel_, &QPushButton::clicked, this, &QDialog::reject);
+  connect(this, &QDialog::rejected, this, [this] { btCancel_Click(); });
+  auto* buttons = new QDialogButtonBox;
+  // Both in a role that closes nothing by itself: OK without a selection does nothing.
+  buttons->addButton(btOK_, QDialogButtonBox::ActionRole);
+  buttons->addButton(btCancel_, QDialogButtonBox::ActionRole);
+  look::addButtons(*this, buttons);
+  btOK_->setDefault(true);
+  List1_->setFocus();
+  resize(look::px(this, firstWidth), look::px(this, firstHeight));
+}
+
+void frmFileList::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (!std::exchange(loaded_, true)) Form_Load();
+}
+
+void frmFileList::Form_Load() {
+  const auto failure = failureOf([this] { names_ = listedFiles(surroundings_.choices.folder, queryFileExtension); });
+  for (const std::string& name : names_) List1_->addItem(fromUtf8(name));
+  if (!failure) return;
+  const QString text = QString::number(failure->number()) + QStringLiteral(":Error in frmFileList.  Error Message: ") +
+                       fromUtf8(settings::describe(*failure, surroundings_.language));
+  // When the dialog is to be seen: it is still on its way.
+  QMetaObject::invokeMethod(
+      this,
+      [this, text] {
+        const std::shared_ptr<control::ControlServices> services = surroundings_.services;
+        services->messageBox(this, control::MessageIcon::critical, QString(), text);
+      },
+      Qt::QueuedConnection);
+}
+
+void frmFileList::btOK_Click() {
+  const QList<QListWidgetItem*> selected = List1_->selectedItems();
+  if (selected.isEmpty()) return;
+  surroundings_.choices.fileName = names_.at(static_cast<std::size_t>(List1_->row(selected.first())));
+  accept();
+}
+
+void frmFileList::btCancel_Click() {
+  surroundings_.choices.fileName.clear();
+}
+
+}  // namespace korvel::query

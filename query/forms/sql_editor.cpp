@@ -1,0 +1,233 @@
+#include "query/forms/sql_editor.h"
+
+#include <QContextMenuEvent>
+#include <QFontDatabase>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QTextBlock>
+#include <algorithm>
+#include <vector>
+
+#include "control/look/theme.h"
+#include "query/forms/sql_highlighter.h"
+#include "query/sql_tokens.h"
+
+namespace korvel::query {
+namespace {
+
+// Beyond this many lines no partner is looked for: a text that long is no query that was typed.
+constexpr int farthestPartner = 2000;
+constexpr QChar lineSeparator(QChar::LineSeparator);
+constexpr QChar paragraphSeparator(QChar::ParagraphSeparator);
+
+/// Places of the parentheses in a block, relative to it, in their order.
+std::vector<int> parenthesesOf(const QTextBlock& block) {
+  const QString text = block.text();
+  SqlLineState state = toLineState(block.previous().isValid() ? block.previous().userState() : 0);
+  std::vector<int> places;
+  for (const SqlToken& token :
+       sqlTokens({reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())}, state))
+    if (token.kind == SqlTokenKind::parenthesis) places.push_back(static_cast<int>(token.begin));
+  return places;
+}
+
+/// A separator that would break a line without ending it ends it: the server counts lines.
+QString withLineEnds(QString text) {
+  return text.replace(lineSeparator, QLatin1Char('\n'));
+}
+
+bool isRunKey(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
+  if (event.key() == Qt::Key_F5) return modifiers == Qt::NoModifier;
+  return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) && modifiers == Qt::ControlModifier;
+}
+
+bool isShiftEnter(const QKeyEvent& event) {
+  return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
+         event.modifiers().testFlag(Qt::ShiftModifier) && !event.modifiers().testFlag(Qt::ControlModifier);
+}
+
+}  // namespace
+
+SqlEditor::SqlEditor(QWidget* parent) : QPlainTextEdit(parent), highlighter_(new SqlHighlighter(document())) {
+  setObjectName(QStringLiteral("txtAdvancedQuery"));
+  // Nothing but the family: the size stays that of the elements around it.
+  QFont fixed;
+  fixed.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
+  fixed.setStyleHint(QFont::Monospace);
+  setFont(fixed);
+  setTabChangesFocus(true);
+  setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showMarks(); });
+  // Colouring a text changes nothing of it, and does not come here.
+  connect(document(), &QTextDocument::contentsChange, this, [this] { errorLine_.reset(); });
+  connect(this, &QPlainTextEdit::textChanged, this, [this] { showMarks(); });
+  applyLook();
+}
+
+QString SqlEditor::queryText() const {
+  // Not toPlainText(): that takes a no-break space for a blank.
+  QString text = document()->toRawText();
+  text.replace(paragraphSeparator, QStringLiteral("\r\n"));
+  text.replace(lineSeparator, QStringLiteral("\r\n"));
+  return text;
+}
+
+void SqlEditor::setQueryText(const QString& text) {
+  QTextCursor cursor(document());
+  cursor.select(QTextCursor::Document);
+  cursor.insertText(withLineEnds(text));
+  cursor.movePosition(QTextCursor::Start);
+  setTextCursor(cursor);
+  errorLine_.reset();
+  showMarks();
+}
+
+void SqlEditor::setErrorLine(std::optional<int> line) {
+  errorLine_ = line;
+  const QTextBlock block = line ? document()->findBlockByNumber(*line - 1) : QTextBlock();
+  if (!block.isValid()) errorLine_.reset();
+  if (errorLine_) {
+    QTextCursor cursor(block);
+    setTextCursor(cursor);
+    ensureCursorVisible();
+  }
+  showMarks();
+}
+
+void SqlEditor::showMarks() {
+  const SqlColours colours = SqlColours::of(look::Theme::of(*this));
+  QList<QTextEdit::ExtraSelection> marks;
+  if (errorLine_) {
+    QTextEdit::ExtraSelection line;
+    line.cursor = QTextCursor(document()->findBlockByNumber(*errorLine_ - 1));
+    line.format.setBackground(colours.errorLine);
+    line.format.setProperty(QTextFormat::FullWidthSelection, true);
+    marks.append(line);
+  }
+  const std::optional<int> here = parenthesisAtCursor();
+  const std::optional<int> there = here ? partnerOf(*here) : std::nullopt;
+  if (there) {
+    for (const int place : {*here, *there}) {
+      QTextEdit::ExtraSelection pair;
+      pair.cursor = textCursor();
+      pair.cursor.setPosition(place);
+      pair.cursor.setPosition(place + 1, QTextCursor::KeepAnchor);
+      pair.format.setBackground(colours.pair);
+      pair.format.setFontWeight(QFont::Bold);
+      marks.append(pair);
+    }
+  }
+  setExtraSelections(marks);
+}
+
+std::optional<int> SqlEditor::parenthesisAtCursor() const {
+  const QTextBlock block = textCursor().block();
+  const int place = textCursor().positionInBlock();
+  std::optional<int> after;
+  for (const int each : parenthesesOf(block)) {
+    if (each == place - 1) return block.position() + each;
+    if (each == place) after = block.position() + each;
+  }
+  return after;
+}
+
+std::optional<int> SqlEditor::partnerOf(int place) const {
+  const bool forward = document()->characterAt(place) == QLatin1Char('(');
+  QTextBlock block = document()->findBlock(place);
+  int depth = 0;
+  for (int line = 0; line < farthestPartner && block.isValid(); ++line) {
+    std::vector<int> places = parenthesesOf(block);
+    if (!forward) std::reverse(places.begin(), places.end());
+    for (const int each : places) {
+      const int at = block.position() + each;
+      if (forward ? at < place : at > place) continue;
+      const bool opens = document()->characterAt(at) == QLatin1Char('(');
+      depth += opens == forward ? 1 : -1;
+      if (depth == 0) return at;
+    }
+    block = forward ? block.next() : block.previous();
+  }
+  return std::nullopt;
+}
+
+void SqlEditor::setTexts(const std::function<QString(std::string_view key)>& text) {
+  setPlaceholderText(text("editor.placeholder"));
+  menuTexts_ = {text("editor.undo"),  text("editor.redo"),   text("editor.cut"),      text("record.copyText"),
+                text("editor.paste"), text("editor.delete"), text("record.selectAll")};
+}
+
+bool SqlEditor::event(QEvent* event) {
+  // A window around it may have other plans for these keys.
+  if (event->type() == QEvent::ShortcutOverride && isRunKey(*static_cast<QKeyEvent*>(event))) {
+    event->accept();
+    return true;
+  }
+  return QPlainTextEdit::event(event);
+}
+
+void SqlEditor::keyPressEvent(QKeyEvent* event) {
+  if (isRunKey(*event)) {
+    event->accept();
+    if (!event->isAutoRepeat()) Q_EMIT runRequested();
+    return;
+  }
+  // The toolkit would put such a separator here.
+  if (isShiftEnter(*event)) {
+    textCursor().insertBlock();
+    ensureCursorVisible();
+    return;
+  }
+  QPlainTextEdit::keyPressEvent(event);
+}
+
+void SqlEditor::insertFromMimeData(const QMimeData* source) {
+  if (source->hasText()) textCursor().insertText(withLineEnds(source->text()));
+  ensureCursorVisible();
+}
+
+void SqlEditor::removeSelected() {
+  textCursor().removeSelectedText();
+}
+
+void SqlEditor::contextMenuEvent(QContextMenuEvent* event) {
+  // The toolkit's own menu speaks the system's language, not the viewer's.
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const bool selected = textCursor().hasSelection();
+  struct Entry {
+    QKeySequence::StandardKey key;
+    void (SqlEditor::*run)();
+    bool enabled;
+  };
+  const std::array<Entry, menuEntryCount> entries = {{
+      {QKeySequence::Undo, &SqlEditor::undo, document()->isUndoAvailable()},
+      {QKeySequence::Redo, &SqlEditor::redo, document()->isRedoAvailable()},
+      {QKeySequence::Cut, &SqlEditor::cut, selected},
+      {QKeySequence::Copy, &SqlEditor::copy, selected},
+      {QKeySequence::Paste, &SqlEditor::paste, canPaste()},
+      {QKeySequence::Delete, &SqlEditor::removeSelected, selected},
+      {QKeySequence::SelectAll, &SqlEditor::selectAll, !document()->isEmpty()},
+  }};
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const Entry& entry = entries.at(i);
+    if (entry.key == QKeySequence::Cut || entry.key == QKeySequence::SelectAll) menu->addSeparator();
+    QAction* const action = menu->addAction(menuTexts_.at(i), this, entry.run);
+    action->setShortcut(entry.key);
+    action->setEnabled(entry.enabled);
+  }
+  menu->popup(event->globalPos());
+}
+
+void SqlEditor::changeEvent(QEvent* event) {
+  QPlainTextEdit::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyLook();
+}
+
+void SqlEditor::applyLook() {
+  highlighter_->setColours(SqlColours::of(look::Theme::of(*this)));
+  showMarks();
+}
+
+}  // namespace korvel::query

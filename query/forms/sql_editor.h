@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QPlainTextEdit>
+#include <array>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+namespace korvel::query {
+
+class SqlHighlighter;
+
+/// The text box of custom queries. Tab leaves it, as it leaves every other element.
+class SqlEditor final : public QPlainTextEdit {
+  Q_OBJECT
+
+ public:
+  explicit SqlEditor(QWidget* parent = nullptr);
+
+  /// The text, its lines ended by CR LF but for the last one.
+  [[nodiscard]] QString queryText() const;
+  /// Replaces the text. A line ends at CR LF, CR or LF. A person can undo it.
+  void setQueryText(const QString& text);
+
+  /// Marks the line that an error was found in, counted from 1, and shows it; the mark goes with the next edit.
+  /// A line that the text has not got is none.
+  void setErrorLine(std::optional<int> line);
+  /// The marked line, nothing where none is marked.
+  [[nodiscard]] std::optional<int> errorLine() const { return errorLine_; }
+
+  /// Texts of the context menu and the placeholder, by our own keys ("editor.undo").
+  void setTexts(const std::function<QString(std::string_view key)>& text);
+
+ Q_SIGNALS:
+  /// F5 or Ctrl+Enter.
+  void runRequested();
+
+ protected:
+  bool event(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void insertFromMimeData(const QMimeData* source) override;
+
+ private:
+  static constexpr std::size_t menuEntryCount = 7;
+
+  void applyLook();
+  void showMarks();
+  void removeSelected();
+  /// Place of the parenthesis that belongs to the one at `place`; nothing where there is none near enough.
+  [[nodiscard]] std::optional<int> partnerOf(int place) const;
+  /// Place of the parenthesis beside the cursor, the one before it first.
+  [[nodiscard]] std::optional<int> parenthesisAtCursor() const;
+
+  SqlHighlighter* highlighter_;
+  std::array<QString, menuEntryCount> menuTexts_;
+  std::optional<int> errorLine_;
+};
+
+}  // namespace korvel::query

@@ -1,0 +1,133 @@
+#include "query/query_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "base/whole_file.h"
+#include "settings/explained_error.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::query {
+namespace {
+
+struct QueryFile : testing::Test {
+  static Error errorOf(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const Error& error) {
+      return error;
+    }
+    return {0, "no error"};
+  }
+
+  test::TemporaryFolder folder;
+  std::filesystem::path file = folder / "query.vqf";
+};
+
+TEST_F(QueryFile, HoldsTheTextInTheCodePageAndALineEnd) {
+  EXPECT_EQ(queryFileBytes("Select 'Größe €'\r\n from x"),
+            "Select 'Gr\xF6\xDF"
+            "e \x80'\r\n from x\r\n");
+  EXPECT_EQ(queryFileBytes(""), "\r\n");
+  EXPECT_EQ(queryFileBytes("a\r\n"), "a\r\n\r\n");
+  EXPECT_EQ(queryFileBytes("日"), "?\r\n");
+  EXPECT_TRUE(fitsQueryFile("Größe €"));
+  EXPECT_FALSE(fitsQueryFile("日"));
+}
+
+TEST_F(QueryFile, GainsOneLineEndEachRoundTrip) {
+  saveQueryFile(file, "select 1");
+  EXPECT_EQ(loadQueryFile(file), "select 1\r\n");
+  saveQueryFile(file, loadQueryFile(file));
+  EXPECT_EQ(loadQueryFile(file), "select 1\r\n\r\n");
+  saveQueryFile(file, loadQueryFile(file));
+  EXPECT_EQ(loadQueryFile(file), "select 1\r\n\r\n\r\n");
+}
+
+TEST_F(QueryFile, IsReadLineByLine) {
+  EXPECT_EQ(textOfQueryFile(""), "");
+  EXPECT_EQ(textOfQueryFile("\r\n"), "\r\n");
+  EXPECT_EQ(textOfQueryFile("a\r\nb\r\n"), "a\r\nb\r\n");
+  EXPECT_EQ(textOfQueryFile("a\r\nb"), "a\r\nb\r\n");  // the last line's end may be missing
+  EXPECT_EQ(textOfQueryFile("a\rb\r"), "a\r\nb\r\n");
+  EXPECT_EQ(textOfQueryFile("a\r\r\nb"), "a\r\n\r\nb\r\n");
+  EXPECT_EQ(textOfQueryFile("a\nb\r\n"), "a\nb\r\n");  // LF alone ends no line
+  EXPECT_EQ(textOfQueryFile("\n"), "\n\r\n");
+  EXPECT_EQ(textOfQueryFile("a\n\rb"), "a\n\r\nb\r\n");
+}
+
+TEST_F(QueryFile, LosesNoByte) {
+  using namespace std::string_literals;
+  EXPECT_EQ(textOfQueryFile("a\0b\x1A"
+                            "c\r\n"s),
+            "a\0b\x1A"
+            "c\r\n"s);
+  EXPECT_EQ(textOfQueryFile("\x1A"), "\x1A\r\n");
+  std::string every;
+  for (int byte = 0; byte < 256; ++byte)
+    if (byte != '\r') every.push_back(static_cast<char>(byte));
+  EXPECT_EQ(queryFileBytes(textOfQueryFile(every)), every + "\r\n\r\n");
+}
+
+TEST_F(QueryFile, MayBeLarge) {
+  std::string text;
+  for (int i = 0; text.size() < std::size_t{5} << 20U; ++i) text += "-- Zeile " + std::to_string(i) + " für ä\r\n";
+  saveQueryFile(file, text);
+  EXPECT_EQ(loadQueryFile(file), text + "\r\n");
+  std::filesystem::resize_file(file, (std::uintmax_t{64} << 20U) + 1);
+  EXPECT_EQ(errorOf([&] { (void)loadQueryFile(file); }).number(), EFBIG);
+}
+
+TEST_F(QueryFile, ReplacesAnEarlierOneWhole) {
+  writeWholeFile(file, "a much longer text than the one that comes now");
+  saveQueryFile(file, "x");
+  EXPECT_EQ(readWholeFile(file), "x\r\n");
+  saveQueryFile(folder / "Grüße v1.2 alt.vqf", "y");
+  EXPECT_EQ(loadQueryFile(folder / "Grüße v1.2 alt.vqf"), "y\r\n");
+}
+
+TEST_F(QueryFile, ThatCannotBeWrittenIsSaid) {
+  std::filesystem::create_directory(file);
+  for (const auto& target : {file, folder / "absent/x.vqf"}) {
+    const Error error = errorOf([&] { saveQueryFile(target, "x"); });
+    EXPECT_EQ(error.textKey(), "queryFile.unwritable");
+    EXPECT_EQ(error.textArguments().at(0), target.string());
+    EXPECT_NE(error.number(), 0);
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST_F(QueryFile, NeverReplacesADatabase) {
+  const std::string bytes("SQLite format 3\0and pages", 25);
+  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  std::filesystem::create_symlink(folder / "Korvel_Audit.db", file);
+  EXPECT_EQ(errorOf([&] { saveQueryFile(file, "x"); }).textKey(), "queryFile.isDatabase");
+  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+}
+
+TEST_F(QueryFile, ThatCannotBeReadIsSaid) {
+  const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
+  EXPECT_EQ(reading().number(), ENOENT);
+  EXPECT_EQ(reading().textKey(), "queryFile.unreadable");
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(reading().number(), EISDIR);
+  std::filesystem::remove(file);
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  EXPECT_EQ(reading().number(), EINVAL);
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink(file, file);
+  EXPECT_EQ(reading().number(), ELOOP);
+  std::filesystem::remove(file);
+  if (::geteuid() == 0) return;  // who may read everything
+  writeWholeFile(file, "x");
+  std::filesystem::permissions(file, std::filesystem::perms::none);
+  EXPECT_EQ(reading().number(), EACCES);
+}
+
+}  // namespace
+}  // namespace korvel::query
