@@ -1,8 +1,12 @@
 #include "cli/output_target.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <fstream>
+#include <iostream>
 #include <ostream>
 
 #include "base/error.h"
@@ -45,6 +49,17 @@ bool isDatabaseFile(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
   in.read(start.data(), static_cast<std::streamsize>(start.size()));
   return in && std::string_view(start.data(), start.size()) == signature;
+}
+
+bool isTerminal(const std::string& target, const std::ostream& out) {
+  if (target == "-") return &out == &std::cout && ::isatty(STDOUT_FILENO) == 1;
+  std::error_code ignored;
+  if (!fs::is_character_file(target, ignored)) return false;
+  const int descriptor = ::open(target.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool terminal = ::isatty(descriptor) == 1;
+  ::close(descriptor);
+  return terminal;
 }
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
