@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <array>
 #include <memory>
+#include <string>
 
 #include "output/list_source.h"
 #include "output/pages/pdf.h"
@@ -15,12 +16,22 @@ namespace {
 /// What fonts need of the toolkit: an application, and no display whatever the environment says.
 class TextDrawing {
  public:
-  TextDrawing() {
+  TextDrawing() : before_(qInstallMessageHandler(silent)) {
     if (QCoreApplication::instance() == nullptr)
       application_ = std::make_unique<QGuiApplication>(count_, arguments_.data());
   }
+  ~TextDrawing() {
+    application_.reset();
+    qInstallMessageHandler(before_);
+  }
+  TextDrawing(const TextDrawing&) = delete;
+  TextDrawing& operator=(const TextDrawing&) = delete;
 
  private:
+  /// What the toolkit notes about desktops and their folders means nothing here.
+  static void silent(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/) {}
+
+  QtMessageHandler before_;
   std::string program_ = "korvel-audit";
   std::string option_ = "-platform";
   std::string platform_ = "offscreen";

@@ -43,7 +43,7 @@ void breakPlain(CellLines& cell, qreal width, GlyphFace& face) {
       x = face.width(QStringView(text).mid(start, i - start));
     }
     x += advance;
-    if (mayBreakBehind(c)) canBreakAt = i + 1;
+    if (mayBreakBehind(text, i)) canBreakAt = i + 1;
   }
   cell.lines.push_back({start, text.size() - start});
 }
@@ -86,28 +86,15 @@ void breakShaped(CellLines& cell, qreal width, const QFont& font, QPaintDevice& 
 
 }  // namespace
 
-bool mayBreakBehind(QChar c) noexcept {
-  switch (c.unicode()) {
-    case u' ':
-    case u'-':
-    case u'/':
-    case u'\\':
-    case u'.':
-    case u',':
-    case u';':
-    case u':':
-    case u'_':
-    case u'|':
-    case u'=':
-    case u'&':
-    case u'?':
-    case u')':
-    case u']':
-    case u'}':
-      return true;
-    default:
-      return false;
-  }
+bool mayBreakBehind(QStringView text, qsizetype i) noexcept {
+  const QChar c = text[i];
+  if (c == u' ') return true;
+  constexpr QStringView separators = u"-/\\.,;:_|=&?)]}#@";
+  if (!separators.contains(c)) return false;
+  const auto isDigit = [&](qsizetype at) {
+    return at >= 0 && at < text.size() && text[at] >= u'0' && text[at] <= u'9';
+  };
+  return !(isDigit(i - 1) && isDigit(i + 1)) && !(i + 1 < text.size() && separators.contains(text[i + 1]));
 }
 
 void breakIntoLines(QString text, qreal width, GlyphFace& face, QPaintDevice& device, CellLines& cell) {
@@ -131,7 +118,8 @@ void measure(QStringView text, GlyphFace& face, QPaintDevice& device, TextExtent
   }
   qreal line = 0;
   qreal word = 0;
-  for (const QChar c : text) {
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const QChar c = text[i];
     if (c == forcedBreak) {
       line = word = 0;
       continue;
@@ -141,7 +129,7 @@ void measure(QStringView text, GlyphFace& face, QPaintDevice& device, TextExtent
     if (c != u' ') word += advance;
     extent.line = std::max(extent.line, line);
     extent.word = std::max(extent.word, word);
-    if (mayBreakBehind(c)) word = 0;
+    if (mayBreakBehind(text, i)) word = 0;
   }
 }
 

@@ -37,7 +37,7 @@ struct TextExtent {
 /// Widens `extent` to that of `text`. Of an enormous text the beginning tells enough.
 void measure(QStringView text, GlyphFace& face, QPaintDevice& device, TextExtent& extent);
 
-/// Whether a line may end behind this character.
-[[nodiscard]] bool mayBreakBehind(QChar c) noexcept;
+/// Whether a line may end behind character `i`: dates, times and numbers stay in one piece.
+[[nodiscard]] bool mayBreakBehind(QStringView text, qsizetype i) noexcept;
 
 }  // namespace korvel::output::pages

@@ -9,6 +9,8 @@ namespace korvel::output::pages {
 
 namespace {
 
+constexpr std::string_view windowsLineBreak = "\u21B5";
+
 bool isPlain(std::string_view value) noexcept {
   return std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
@@ -24,7 +26,8 @@ QString shownOnPaper(std::string_view value) {
     const bool pair = value.substr(text).starts_with("\r\n");
     const std::size_t whole = std::min(text + (pair ? 2U : 1U), value.size());
     visible.clear();
-    appendTerminalText(value.substr(0, whole), visible);
+    appendTerminalText(value.substr(0, pair ? text : whole), visible);
+    if (pair) visible += windowsLineBreak;
     shown += QString::fromUtf8(visible.data(), static_cast<qsizetype>(visible.size()));
     value.remove_prefix(whole);
     if (!value.empty()) shown += forcedBreak;

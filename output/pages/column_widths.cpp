@@ -16,7 +16,8 @@ constexpr qreal slack = 1.002;
 
 struct Needs {
   std::vector<qreal> least;   ///< no word is broken
-  std::vector<qreal> wanted;  ///< no line is broken
+  std::vector<qreal> wanted;  ///< no line is broken, as long as the column takes no more than its part
+  std::vector<qreal> whole;   ///< no line is broken
 };
 
 Needs needsAt(const std::vector<ColumnWish>& wishes, qreal available, qreal padding, const ColumnPlan& plan) {
@@ -24,16 +25,24 @@ Needs needsAt(const std::vector<ColumnWish>& wishes, qreal available, qreal padd
   for (const ColumnWish& wish : wishes) {
     const qreal word = std::max(wish.header.word * plan.headerScale,
                                 std::min(wish.body.word * plan.bodyScale, available * longestWordPart));
-    const qreal line = std::min(std::max(wish.header.word * plan.headerScale, wish.body.line * plan.bodyScale),
-                                available * widestColumnPart);
+    const qreal line = std::max(wish.header.word * plan.headerScale, wish.body.line * plan.bodyScale);
     needs.least.push_back(word * slack + padding);
-    needs.wanted.push_back(std::max(word, line) * slack + padding);
+    needs.wanted.push_back(std::max(word, std::min(line, available * widestColumnPart)) * slack + padding);
+    needs.whole.push_back(std::max(word, line) * slack + padding);
   }
   return needs;
 }
 
 qreal sum(const std::vector<qreal>& widths) {
   return std::accumulate(widths.begin(), widths.end(), qreal{0});
+}
+
+/// Widths that all lie as far on the way from `from` to `to`, so that they take `available`, which lies between.
+std::vector<qreal> between(const std::vector<qreal>& from, const std::vector<qreal>& to, qreal available) {
+  const qreal part = (available - sum(from)) / (sum(to) - sum(from));
+  std::vector<qreal> widths;
+  for (std::size_t i = 0; i < from.size(); ++i) widths.push_back(from[i] + part * (to[i] - from[i]));
+  return widths;
 }
 
 /// Cuts the widest columns down to one width, so that all together take `available`.
@@ -57,7 +66,7 @@ std::vector<qreal> cutDown(std::vector<qreal> widths, qreal available) {
 }  // namespace
 
 bool fitsUnbroken(const std::vector<ColumnWish>& wishes, qreal available, qreal padding) {
-  return sum(needsAt(wishes, available, padding, {}).wanted) <= available;
+  return sum(needsAt(wishes, available, padding, {}).whole) <= available;
 }
 
 ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, qreal padding, qreal leastBodyScale,
@@ -72,17 +81,14 @@ ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, q
     if (headerShrinks) plan.headerScale *= step;
     needs = needsAt(wishes, available, padding, plan);
   }
-  const qreal least = sum(needs.least);
-  const qreal wanted = sum(needs.wanted);
-  if (least > available) {
+  if (sum(needs.least) > available)
     plan.widths = cutDown(needs.least, available);
-  } else if (wanted <= available) {
-    plan.widths = needs.wanted;
-  } else {
-    const qreal part = (available - least) / (wanted - least);
-    for (std::size_t i = 0; i < needs.least.size(); ++i)
-      plan.widths.push_back(needs.least[i] + part * (needs.wanted[i] - needs.least[i]));
-  }
+  else if (sum(needs.wanted) > available)
+    plan.widths = between(needs.least, needs.wanted, available);
+  else if (sum(needs.whole) > available)
+    plan.widths = between(needs.wanted, needs.whole, available);
+  else
+    plan.widths = needs.whole;
   return plan;
 }
 

@@ -36,7 +36,9 @@ constexpr std::size_t rowsBetweenReports = 1000;
 
 QFont bodyFont(qreal size) {
   QFont font;
-  font.setFamilies({QStringLiteral("Arial"), QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")});
+  // Narrow ones first: a record has eighteen columns.
+  font.setFamilies({QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("Segoe UI"), QStringLiteral("Arial"),
+                    QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")});
   font.setStyleHint(QFont::SansSerif);
   font.setPointSizeF(size);
   return font;
@@ -132,7 +134,7 @@ class Flow {
 
   [[nodiscard]] SectionPlan planOf(const SectionHead& head, const SectionMeasure& measured) {
     SectionPlan plan;
-    plan.caption = shownOnPaper(head.caption + " Audits");
+    plan.caption = shownOnPaper(head.caption);
     const qreal headerSize = headerFont(head.font, 1).pointSizeF();
     const ColumnPlan columns =
         planColumns(measured, pageWidth(), padding(), leastSize / bodySize, std::min(qreal{1}, leastSize / headerSize));
