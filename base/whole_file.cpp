@@ -73,9 +73,12 @@ void syncFolderOf(const fs::path& file) {
 
 }  // namespace
 
-WholeFile::WholeFile(fs::path target) : target_(followedLinks(std::move(target))) {
+WholeFile::WholeFile(fs::path target, AtLink atLink)
+    : target_(atLink == AtLink::writeThrough ? followedLinks(std::move(target)) : std::move(target)) {
   struct stat status {};
-  const bool replaces = ::stat(target_.c_str(), &status) == 0;
+  bool replaces = ::lstat(target_.c_str(), &status) == 0 && !S_ISLNK(status.st_mode);
+  // What somebody else left in the place of a file says nothing about who may read the new one.
+  if (atLink == AtLink::replace && status.st_uid != ::geteuid()) replaces = false;
   // A new file gets what the user's mask allows: the system applies it, for to ask for the mask is to change it, in all
   // threads. A replacement is the user's alone until it has the rights of the file that it replaces.
   constexpr mode_t newFileMode = 0666;

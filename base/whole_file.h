@@ -6,13 +6,18 @@
 
 namespace korvel {
 
+/// What becomes of a symbolic link in the place of a file that is to be written.
+enum class AtLink {
+  writeThrough,  ///< the link stays, the file that it names is replaced: the person put it there
+  replace        ///< the link itself is replaced and never followed: somebody else may have put it there
+};
+
 /// A file that is written whole or not at all: bytes go to a temporary file beside the target, `commit` syncs it and
 /// renames it over the target. Without `commit` the target is left as it was and the temporary file is removed.
-/// A target that is a symbolic link is written through: the link stays, the file it names is replaced.
 /// All members throw Error with the system's error number.
 class WholeFile {
  public:
-  explicit WholeFile(std::filesystem::path target);
+  explicit WholeFile(std::filesystem::path target, AtLink atLink = AtLink::writeThrough);
   ~WholeFile();
   WholeFile(const WholeFile&) = delete;
   WholeFile& operator=(const WholeFile&) = delete;

@@ -1,7 +1,11 @@
 #include "cli/output_target.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <fstream>
+#include <iostream>
 #include <ostream>
 
 #include "base/error.h"
@@ -35,6 +39,17 @@ void writeThrough(const std::string& target, const Writer& write) {
 }
 
 }  // namespace
+
+bool isTerminal(const std::string& target, const std::ostream& out) {
+  if (target == "-") return &out == &std::cout && ::isatty(STDOUT_FILENO) == 1;
+  std::error_code ignored;
+  if (!fs::is_character_file(target, ignored)) return false;
+  const int descriptor = ::open(target.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool terminal = ::isatty(descriptor) == 1;
+  ::close(descriptor);
+  return terminal;
+}
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
   if (target == "-") return writeToStream(out, "standard output", write);

@@ -12,6 +12,9 @@ namespace korvel::cli {
 /// The tool never replaces a database by its output.
 using db::isDatabaseFile;
 
+/// Whether what is written to `target` appears on a terminal.
+[[nodiscard]] bool isTerminal(const std::string& target, const std::ostream& out);
+
 /// Runs `write` with a sink for the place that `target` names: "-" is `out`, a file is written whole or not at all, a
 /// device or pipe is written through. Throws Error with the system's error number.
 void writeTo(const std::string& target, std::ostream& out, const std::function<void(const output::ByteSink&)>& write);

@@ -32,7 +32,7 @@ constexpr const char* footer =
     "Lists (--list):\n"
     "  0 ALL Audits   1 Configuration   2 Runtime   3 Document Control   4 KorvelAudit\n"
     "\n"
-    "Formats (--format), all in UTF-8:\n"
+    "Formats (--format), in UTF-8 but for html:\n"
     "  table      the list as the viewer displays it, aligned for a terminal; control characters\n"
     "             in values show as \\n, \\x1B and so on\n"
     "  text       the list as displayed, in the layout of the viewer's text export: commas,\n"
@@ -42,8 +42,13 @@ constexpr const char* footer =
     "             field, an empty text is \"\"\n"
     "  json       full copy: an array of objects keyed by column name; all values are strings,\n"
     "             null is null\n"
-    "As displayed means: outer blanks removed, Comments and Summer Time left empty. Only csv and\n"
-    "json carry these two.\n"
+    "  html       the list as displayed, as the viewer's report file: in windows-1252, values as\n"
+    "             they stand, also where they look like markup\n"
+    "  pdf        the list as displayed, on pages\n"
+    "  xlsx       full copy as a spreadsheet: numbers, dates and booleans where nothing is lost\n"
+    "pdf and xlsx go to a file or a pipe, not to a terminal.\n"
+    "As displayed means: outer blanks removed, Comments and Summer Time left empty. Only csv, json\n"
+    "and xlsx carry these two.\n"
     "\n"
     "Row counts of all lists go to standard error. Where the list that was asked for is empty,\n"
     "nothing is written and the exit status is 1.\n"
@@ -58,6 +63,11 @@ std::optional<std::size_t> standardListNumbered(const std::string& text) {
   if (text.size() != 1 || text[0] < '0' || text[0] >= '0' + static_cast<char>(query::standardListCount))
     return std::nullopt;
   return static_cast<std::size_t>(text[0] - '0');
+}
+
+std::optional<const OutputFormat*> formatNamed(const std::string& text) {
+  const OutputFormat* format = outputFormatNamed(text);
+  return format == nullptr ? std::nullopt : std::optional(format);
 }
 
 void addFilters(CLI::App& command, QueryOptions& options) {
@@ -90,7 +100,10 @@ void addOutput(CLI::App& command, QueryOptions& options) {
       {"--sort", "COLUMN", "Column to sort by: caption, column name, or number\ncounted from 1 (default: Entry ID)"},
       columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
   command.add_flag("--descending", options.descending, "Sort from the last to the first");
-  addTarget(command, options.format, options.output);
+  addReadOption(command,
+                {"--format", "FORMAT", "table, text, exchange, csv, json, html, pdf or\nxlsx (default: table)"},
+                formatNamed, "no format", [&options](const OutputFormat* format) { options.format = format; });
+  addOutputFile(command, options.output);
 }
 
 std::string recordsText(std::size_t count) {
@@ -155,6 +168,9 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
   if (options.output != "-" && isDatabaseFile(options.output))
     return refused(err, options.output + " is a database; the tool does not replace it");
 
+  if (options.format->isBinary && isTerminal(options.output, out))
+    return refused(err, std::string(options.format->name) + " is nothing for a terminal; name a file with --output");
+
   query::ResultLists lists = query::makeResultLists();
   const query::QueryReport report = query::runStandardQuery(treeOf(options), options.range,
                                                             db::buildConnectionString(options.server, options.database),
@@ -180,7 +196,9 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
     if (options.sort || options.descending)
       list.sortBy(options.sort.value_or(list.sortKey()),
                   options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
-    writeTo(options.output, out, [&](const output::ByteSink& sink) { output::writeList(options.format, list, sink); });
+    writeTo(options.output, out, [&](const output::ByteSink& sink) {
+      options.format->write({list, query::pageCaptions[options.list]}, sink, err);
+    });
   } catch (const Error& error) {
     say(err, "error " + std::to_string(error.number()) + ": " + error.description());
     return exitOutput;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "output/list_writers.h"
+#include "cli/output_formats.h"
 #include "query/standard_query.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the parser names it so
@@ -22,7 +22,7 @@ struct QueryOptions {
   std::size_t list = 0;
   std::optional<results::ColumnIndex> sort;
   bool descending = false;
-  output::ListFormat format = output::ListFormat::table;
+  const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
 };
 

@@ -84,6 +84,26 @@ std::uint32_t lockWithin(std::chrono::milliseconds patience, int descriptor) {
   return errorSuccess;
 }
 
+/// The folder that `variable` names, otherwise `belowHome` in the user's home; empty where no home is known.
+fs::path userFolder(const char* variable, const char* belowHome) {
+  // A relative XDG folder is to be ignored, as its definition says.
+  const auto absoluteFrom = [](const char* folder) {
+    const fs::path path = folder == nullptr ? "" : folder;
+    return path.is_absolute() ? path : fs::path{};
+  };
+  fs::path folder = absoluteFrom(std::getenv(variable));
+  if (!folder.empty()) return folder;
+  folder = absoluteFrom(std::getenv("HOME"));
+  if (folder.empty()) {
+    passwd user{};
+    passwd* found = nullptr;
+    std::array<char, 16384> texts{};
+    if (::getpwuid_r(::getuid(), &user, texts.data(), texts.size(), &found) == 0 && found != nullptr)
+      folder = absoluteFrom(found->pw_dir);
+  }
+  return folder.empty() ? folder : folder / belowHome;
+}
+
 }  // namespace
 
 SharedFile::SharedFile(const fs::path& path, std::chrono::milliseconds patience) : patience_(patience) {
@@ -129,22 +149,11 @@ std::uint32_t SharedFile::Lock::write(std::string_view bytes) const {
 }
 
 fs::path configurationFolder() {
-  // A relative XDG folder is to be ignored, as its definition says.
-  const auto absoluteFrom = [](const char* folder) {
-    const fs::path path = folder == nullptr ? "" : folder;
-    return path.is_absolute() ? path : fs::path{};
-  };
-  fs::path folder = absoluteFrom(std::getenv("XDG_CONFIG_HOME"));
-  if (!folder.empty()) return folder;
-  folder = absoluteFrom(std::getenv("HOME"));
-  if (folder.empty()) {
-    passwd user{};
-    passwd* found = nullptr;
-    std::array<char, 16384> texts{};
-    if (::getpwuid_r(::getuid(), &user, texts.data(), texts.size(), &found) == 0 && found != nullptr)
-      folder = absoluteFrom(found->pw_dir);
-  }
-  return folder.empty() ? folder : folder / ".config";
+  return userFolder("XDG_CONFIG_HOME", ".config");
+}
+
+fs::path stateFolder() {
+  return userFolder("XDG_STATE_HOME", ".local/state");
 }
 
 }  // namespace korvel::settings

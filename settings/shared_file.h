@@ -51,5 +51,7 @@ class SharedFile {
 
 /// The folder in which programs keep the user's configuration; empty where none is known.
 [[nodiscard]] std::filesystem::path configurationFolder();
+/// The folder in which programs keep what they leave behind for the user; empty where none is known.
+[[nodiscard]] std::filesystem::path stateFolder();
 
 }  // namespace korvel::settings

@@ -105,6 +105,18 @@ TEST(WholeFile, WritesThroughALink) {
   EXPECT_EQ(readWholeFile(folder / "real.txt"), "two");
 }
 
+TEST(WholeFile, ReplacesALinkWhereItIsToldTo) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "real.txt", "one");
+  fs::create_symlink("real.txt", folder / "link.txt");
+  WholeFile file(folder / "link.txt", AtLink::replace);
+  file.write("two");
+  file.commit();
+  EXPECT_FALSE(fs::is_symlink(folder / "link.txt"));
+  EXPECT_EQ(readWholeFile(folder / "link.txt"), "two");
+  EXPECT_EQ(readWholeFile(folder / "real.txt"), "one");
+}
+
 TEST(WholeFile, MissingFolderIsASystemError) {
   const test::TemporaryFolder folder;
   try {

@@ -1,0 +1,134 @@
+// Lists on their way out: the text export of a million records against sqlite3's own CSV, reports on paper, workbooks.
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <QGuiApplication>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "base/whole_file.h"
+#include "bench/audit_file.h"
+#include "bench/least.h"
+#include "db/open_connection.h"
+#include "output/pages/pdf.h"
+#include "output/report.h"
+#include "output/report_reader.h"
+#include "output/text_export.h"
+#include "output/workbook.h"
+#include "query/audit_record.h"
+#include "results/row_sink.h"
+
+namespace korvel::bench {
+namespace {
+
+results::ResultList listOf(const AuditFolder& folder, std::size_t rows) {
+  results::ResultList list(results::RowFilling::standard);
+  query::setUpAuditColumns(list);
+  results::RowSink sink;
+  db::openConnection(folder.connectionString())
+      ->execute("Select * from Korvel_Audit_Trails where Nr <= " + std::to_string(rows), sink);
+  const auto store = sink.takeStore();
+  std::vector<results::RowId> ids;
+  for (std::uint32_t row = 0; row < store->rowCount(); ++row) ids.push_back({row});
+  list.setRows(store, std::move(ids));
+  return list;
+}
+
+std::filesystem::path outputBeside(const AuditFolder& folder, const char* name) {
+  return folder.file().parent_path() / name;
+}
+
+/// Needs no display.
+QGuiApplication& application() {
+  static int argc = 1;
+  static char name[] = "bench_output";
+  static char* argv[] = {name, nullptr};
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static QGuiApplication only(argc, argv);
+  return only;
+}
+
+/// A line of the system's account of this process, in megabytes; 0 where there is none.
+double accountOf(const std::string& title) {
+  std::ifstream account("/proc/self/status");
+  constexpr double kibibytes = 1024;
+  for (std::string line; std::getline(account, line);)
+    if (line.starts_with(title)) return std::atof(line.c_str() + title.size()) / kibibytes;
+  return 0;
+}
+double residentMegabytes() {
+  return accountOf("VmRSS:");
+}
+double peakMegabytes() {
+  return accountOf("VmHWM:");
+}
+/// The peak counts from here on; memory that has been given back is given back to the system first.
+void forgetPeak() {
+  ::malloc_trim(0);
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+/// A report file on paper. The process that measures holds the file only, not the list, as far as memory is counted.
+void pagesOfReport(benchmark::State& state) {
+  const auto rows = static_cast<std::size_t>(state.range(0));
+  const AuditFolder& folder = millionRecords();
+  const auto file = outputBeside(folder, "report.htm");
+  output::ReportNotes notes;
+  {
+    const results::ResultList list = listOf(folder, rows);
+    notes = output::writeListReport({"ALL Audits", &list}, {}, file);
+  }
+  static_cast<void>(application());
+  Least time;
+  int pages = 0;
+  const double before = residentMegabytes();
+  forgetPeak();
+  for (auto _ : state) {
+    state.SetIterationTime(time.measure([&] {
+      output::ReportReader reader(output::reportFile(file), notes);
+      WholeFile pdf(outputBeside(folder, "report.pdf"));
+      pages = output::pages::writePdf(reader, {}, [&](std::string_view bytes) { pdf.write(bytes); }).pages;
+      pdf.commit();
+    }));
+  }
+  state.counters["pages"] = pages;
+  state.counters["MB_before"] = before;
+  state.counters["MB_peak"] = peakMegabytes();
+}
+BENCHMARK(pagesOfReport)->Arg(5000)->Arg(45000)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void workbook(benchmark::State& state) {
+  const AuditFolder& folder = millionRecords();
+  const results::ResultList list = listOf(folder, static_cast<std::size_t>(state.range(0)));
+  Least time;
+  for (auto _ : state)
+    state.SetIterationTime(
+        time.measure([&] { output::writeWorkbook(list, "ALL Audits", outputBeside(folder, "book.xlsx")); }));
+}
+BENCHMARK(workbook)->Arg(45000)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void textExport(benchmark::State& state) {
+  const AuditFolder& folder = millionRecords();
+  static const results::ResultList list = listOf(folder, manyRows);
+  const auto ours = outputBeside(folder, "velview.txt");
+  const std::string theirs = "sqlite3 -csv '" + folder.file().string() + "' 'SELECT * FROM Korvel_Audit_Trails' > '" +
+                             outputBeside(folder, "theirs.csv").string() + "'";
+  Least our;
+  Least their;
+  for (auto _ : state) {
+    their.measure([&] {
+      if (std::system(theirs.c_str()) != 0) state.SkipWithError("sqlite3 failed");
+    });
+    state.SetIterationTime(our.measure([&] { output::writeTextExport(list, ours); }));
+  }
+  state.counters["sqlite3_csv_ms"] = their.seconds * 1000;
+  state.counters["export_ms"] = our.seconds * 1000;
+  state.counters["export_to_sqlite3"] = our.seconds / their.seconds;
+}
+BENCHMARK(textExport)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+
+}  // namespace
+}  // namespace korvel::bench

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "output/byte_sink.h"
+#include "results/result_list.h"
+
+namespace korvel::cli {
+
+/// A list that is to leave the tool, and the caption of its page.
+struct CaptionedList {
+  const results::ResultList& list;
+  std::string_view caption;
+};
+
+/// A form in which a list leaves the tool.
+struct OutputFormat {
+  std::string_view name;
+  bool isBinary;  ///< nothing for a terminal
+  /// Writes the list; what cannot be written as it is, is said to `err`.
+  void (*write)(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);
+};
+
+/// All of them, the default one first.
+[[nodiscard]] std::span<const OutputFormat> outputFormats() noexcept;
+/// The one of this name, in any case of letters; null where there is none.
+[[nodiscard]] const OutputFormat* outputFormatNamed(std::string_view name) noexcept;
+
+}  // namespace korvel::cli

@@ -1,0 +1,56 @@
+#include "cli/pdf_output.h"
+
+#include <QDateTime>
+#include <QGuiApplication>
+#include <array>
+#include <memory>
+#include <string>
+
+#include "output/list_source.h"
+#include "output/pages/pdf.h"
+
+namespace korvel::cli {
+
+namespace {
+
+/// What fonts need of the toolkit: an application, and no display whatever the environment says.
+class TextDrawing {
+ public:
+  TextDrawing() : before_(qInstallMessageHandler(silent)) {
+    if (QCoreApplication::instance() == nullptr)
+      application_ = std::make_unique<QGuiApplication>(count_, arguments_.data());
+  }
+  ~TextDrawing() {
+    application_.reset();
+    qInstallMessageHandler(before_);
+  }
+  TextDrawing(const TextDrawing&) = delete;
+  TextDrawing& operator=(const TextDrawing&) = delete;
+
+ private:
+  /// What the toolkit notes about desktops and their folders means nothing here.
+  static void silent(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/) {}
+
+  QtMessageHandler before_;
+  std::string program_ = "korvel-audit";
+  std::string option_ = "-platform";
+  std::string platform_ = "offscreen";
+  int count_ = 3;
+  std::array<char*, 4> arguments_{program_.data(), option_.data(), platform_.data(), nullptr};
+  std::unique_ptr<QGuiApplication> application_;
+};
+
+}  // namespace
+
+void writePdf(const CaptionedList& list, const output::ByteSink& sink, std::ostream& /*err*/) {
+  const TextDrawing drawing;
+  const output::ReportList reported{list.caption, &list.list};
+  output::ListSource source({&reported, 1}, {});
+  output::pages::PageTexts texts;
+  texts.printedAt =
+      QStringLiteral("Printed ") + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+  texts.note = QStringLiteral("KorvelAudit Report");
+  output::pages::writePdf(source, texts, sink);
+}
+
+}  // namespace korvel::cli

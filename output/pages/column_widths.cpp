@@ -1,0 +1,95 @@
+#include "output/pages/column_widths.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace korvel::output::pages {
+
+namespace {
+
+constexpr qreal step = 0.95;
+constexpr qreal widestColumnPart = 0.4;  ///< of the page, before room is left over
+constexpr qreal longestWordPart = 0.12;  ///< of the page: longer words are broken
+
+/// Rounding must not break a word that just fits.
+constexpr qreal slack = 1.002;
+
+struct Needs {
+  std::vector<qreal> least;   ///< no word is broken
+  std::vector<qreal> wanted;  ///< no line is broken, as long as the column takes no more than its part
+  std::vector<qreal> whole;   ///< no line is broken
+};
+
+Needs needsAt(const std::vector<ColumnWish>& wishes, qreal available, qreal padding, const ColumnPlan& plan) {
+  Needs needs;
+  for (const ColumnWish& wish : wishes) {
+    const qreal word = std::max(wish.header.word * plan.headerScale,
+                                std::min(wish.body.word * plan.bodyScale, available * longestWordPart));
+    const qreal line = std::max(wish.header.word * plan.headerScale, wish.body.line * plan.bodyScale);
+    needs.least.push_back(word * slack + padding);
+    needs.wanted.push_back(std::max(word, std::min(line, available * widestColumnPart)) * slack + padding);
+    needs.whole.push_back(std::max(word, line) * slack + padding);
+  }
+  return needs;
+}
+
+qreal sum(const std::vector<qreal>& widths) {
+  return std::accumulate(widths.begin(), widths.end(), qreal{0});
+}
+
+/// Widths that all lie as far on the way from `from` to `to`, so that they take `available`, which lies between.
+std::vector<qreal> between(const std::vector<qreal>& from, const std::vector<qreal>& to, qreal available) {
+  const qreal part = (available - sum(from)) / (sum(to) - sum(from));
+  std::vector<qreal> widths;
+  for (std::size_t i = 0; i < from.size(); ++i) widths.push_back(from[i] + part * (to[i] - from[i]));
+  return widths;
+}
+
+/// Cuts the widest columns down to one width, so that all together take `available`.
+std::vector<qreal> cutDown(std::vector<qreal> widths, qreal available) {
+  std::vector<qreal> sorted = widths;
+  std::sort(sorted.begin(), sorted.end());
+  qreal rest = available;
+  qreal limit = sorted.empty() ? 0 : sorted.back();
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    const qreal share = rest / static_cast<qreal>(sorted.size() - i);
+    if (sorted[i] > share) {
+      limit = share;
+      break;
+    }
+    rest -= sorted[i];
+  }
+  for (qreal& width : widths) width = std::min(width, limit);
+  return widths;
+}
+
+}  // namespace
+
+bool fitsUnbroken(const std::vector<ColumnWish>& wishes, qreal available, qreal padding) {
+  return sum(needsAt(wishes, available, padding, {}).whole) <= available;
+}
+
+ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, qreal padding, qreal leastBodyScale,
+                       qreal leastHeaderScale) {
+  ColumnPlan plan;
+  Needs needs = needsAt(wishes, available, padding, plan);
+  while (sum(needs.least) > available) {
+    const bool bodyShrinks = plan.bodyScale * step >= leastBodyScale;
+    const bool headerShrinks = plan.headerScale * step >= leastHeaderScale;
+    if (!bodyShrinks && !headerShrinks) break;
+    if (bodyShrinks) plan.bodyScale *= step;
+    if (headerShrinks) plan.headerScale *= step;
+    needs = needsAt(wishes, available, padding, plan);
+  }
+  if (sum(needs.least) > available)
+    plan.widths = cutDown(needs.least, available);
+  else if (sum(needs.wanted) > available)
+    plan.widths = between(needs.least, needs.wanted, available);
+  else if (sum(needs.whole) > available)
+    plan.widths = between(needs.wanted, needs.whole, available);
+  else
+    plan.widths = needs.whole;
+  return plan;
+}
+
+}  // namespace korvel::output::pages

@@ -1,0 +1,60 @@
+#include "output/pages/pdf.h"
+
+#include <QIODevice>
+#include <QPageSize>
+#include <QPdfWriter>
+#include <exception>
+#include <string_view>
+
+namespace korvel::output::pages {
+
+namespace {
+
+/// What the PDF writer writes to. No exception may pass through the toolkit: the first one is kept for later.
+class SinkDevice : public QIODevice {
+ public:
+  explicit SinkDevice(const ByteSink& sink) : sink_(sink) { open(QIODevice::WriteOnly); }
+
+  [[nodiscard]] bool isSequential() const override { return true; }
+  [[nodiscard]] bool failed() const noexcept { return failure_ != nullptr; }
+  void rethrow() const {
+    if (failure_) std::rethrow_exception(failure_);
+  }
+
+ protected:
+  qint64 readData(char* /*data*/, qint64 /*size*/) override { return -1; }
+  qint64 writeData(const char* data, qint64 size) override {
+    if (failed()) return -1;
+    try {
+      sink_(std::string_view(data, static_cast<std::size_t>(size)));
+      return size;
+    } catch (...) {
+      failure_ = std::current_exception();
+      return -1;
+    }
+  }
+
+ private:
+  const ByteSink& sink_;
+  std::exception_ptr failure_;
+};
+
+}  // namespace
+
+PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink,
+                      const PageProgress& progress) {
+  constexpr int dotsPerInch = 1200;
+  SinkDevice device(sink);
+  QPdfWriter writer(&device);
+  writer.setPageSize(QPageSize(QPageSize::A4));
+  writer.setResolution(dotsPerInch);
+  writer.setTitle(QStringLiteral("KorvelAudit Report"));
+  writer.setCreator(QStringLiteral("KorvelAudit Viewer"));
+  const PaintedPages painted = paintReport(report, writer, texts, Orientation::asFits, [&](int page, int pages) {
+    return !device.failed() && (!progress || progress(page, pages));
+  });
+  device.rethrow();
+  return painted;
+}
+
+}  // namespace korvel::output::pages

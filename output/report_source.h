@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output/print_font.h"
+
+namespace korvel::output {
+
+/// What stands above the rows of a report's section.
+struct SectionHead {
+  std::string caption;
+  PrintFont font;  ///< of the column headers
+  std::vector<std::string> headers;
+};
+
+/// A report to be laid out: sections one after the other, each with its rows. It can be gone through as often as is
+/// needed. All texts are UTF-8. Throws Error where it cannot be read.
+class ReportSource {
+ public:
+  virtual ~ReportSource() = default;
+  /// Back to before the first section.
+  virtual void rewind() = 0;
+  /// Goes to the next section, whose rows follow; what is left of the one before is passed over. False after the last
+  /// one.
+  virtual bool nextSection(SectionHead& head) = 0;
+  /// The next row of the section, as many cells as it has headers, valid until the next call. False after the last one.
+  virtual bool nextRow(std::vector<std::string_view>& cells) = 0;
+};
+
+}  // namespace korvel::output

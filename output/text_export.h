@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string_view>
+
+#include "output/row_progress.h"
+#include "results/result_list.h"
+
+namespace korvel::output {
+
+inline constexpr std::string_view textExportName = "velview.txt";
+inline constexpr std::string_view exchangeFileName = "velviewex.log";
+
+/// Both write the list as it is displayed (separated_lines.h) in the system's code page, whole or not at all, over an
+/// earlier file. They return how many characters the code page does not hold; each stands as "?" in the file. Throw
+/// Error with the numbers of windows_error.h.
+
+/// The text export: commas.
+std::size_t writeTextExport(const results::ResultList& list, const std::filesystem::path& file,
+                            const RowProgress& progress = {});
+/// The exchange file of the spreadsheet export: vertical bars.
+std::size_t writeExchangeFile(const results::ResultList& list, const std::filesystem::path& file,
+                              const RowProgress& progress = {});
+
+}  // namespace korvel::output

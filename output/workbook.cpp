@@ -1,0 +1,302 @@
+#include "output/workbook.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+#include <xlsxwriter.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "base/text.h"
+#include "output/export_file.h"
+#include "output/typed_value.h"
+#include "output/windows_error.h"
+
+namespace korvel::output {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t mostUnits = 32'767;
+constexpr std::size_t mostColumns = 16'384;
+constexpr std::size_t keptLosses = 100;
+constexpr std::size_t longestSheetName = 31;
+constexpr double columnWidth = 16;
+constexpr double dateColumnWidth = 23;
+constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
+
+[[noreturn]] void fail(int systemNumber) {
+  throw asWindowsError(systemError(systemNumber, "cannot write the workbook"), FileTask::write);
+}
+
+/// What the library says about a failure of its own: mostly it says where, and the system why.
+[[noreturn]] void failAs(lxw_error error) {
+  if (error == LXW_ERROR_MEMORY_MALLOC_FAILED) throw windowsError(errorOutOfMemory);
+  fail(errno != 0 ? errno : EIO);
+}
+
+/// A file of this user's alone that goes with the object.
+class ScratchFile {
+ public:
+  explicit ScratchFile(const fs::path& folder) : path_((folder / "korvel-XXXXXX").string()) {
+    const int descriptor = ::mkstemp(path_.data());
+    if (descriptor < 0) fail(errno);
+    ::close(descriptor);
+  }
+  ~ScratchFile() { ::unlink(path_.c_str()); }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+  [[nodiscard]] const std::string& path() const noexcept { return path_; }
+
+ private:
+  std::string path_;
+};
+
+struct CloseFile {
+  void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
+};
+
+/// Cuts UTF-8 text to the units that a cell holds; whether there was something to cut.
+bool cutToUnits(std::string& text) {
+  if (text.size() <= mostUnits) return false;  // no character has more units than bytes
+  std::size_t units = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::size_t at = text.size() - rest.size();
+    const auto character = takeCharacter(rest);
+    constexpr char32_t firstOfTwoUnits = 0x10000;
+    units += character && *character >= firstOfTwoUnits ? 2U : 1U;
+    if (units > mostUnits) {
+      text.resize(at);
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Makes `text` what XML can carry and a C string can hold; whether it was something else.
+bool makeText(std::string& text) {
+  constexpr std::string_view replacement = "\xEF\xBF\xBD";
+  const auto contains = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
+  bool changed = false;
+  if (!isValidUtf8(text)) {
+    text = replaceInvalidUtf8(text);
+    changed = true;
+  }
+  for (const std::string_view refused :
+       {std::string_view("\0", 1), std::string_view("\xEF\xBF\xBE"), std::string_view("\xEF\xBF\xBF")})
+    if (contains(refused)) {
+      text = replaceAll(std::move(text), refused, replacement);
+      changed = true;
+    }
+  return changed;
+}
+
+/// A name that sheets may have, at most `length` characters of `text`.
+std::string sheetName(const std::string& text, std::size_t number) {
+  constexpr std::string_view refused = "[]:*?/\\'";
+  const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
+  std::string name;
+  std::size_t units = suffix.size();
+  for (std::string_view rest = text; !rest.empty();) {
+    const char32_t character = takeCharacter(rest).value_or(U'\uFFFD');
+    const bool isRefused =
+        character < U' ' || (character < 0x80 && refused.find(static_cast<char>(character)) != std::string_view::npos);
+    units += character > 0xFFFF ? 2U : 1U;
+    if (units > longestSheetName) break;
+    appendCharacter(isRefused ? U'_' : character, name);
+  }
+  return (name.empty() ? "Sheet" : name) + suffix;
+}
+
+}  // namespace
+
+struct Workbook::Impl {
+  Impl(std::string sheetsName, const fs::path& folder)
+      : name(std::move(sheetsName)), temporaryFolder(folder.string()), scratch(folder) {
+    lxw_workbook_options options{};
+    options.constant_memory = LXW_TRUE;
+    options.tmpdir = temporaryFolder.data();
+    options.use_zip64 = LXW_FALSE;
+    book = workbook_new_opt(scratch.path().c_str(), &options);
+    if (book == nullptr) throw windowsError(errorOutOfMemory);
+    headerFormat = workbook_add_format(book);
+    format_set_bold(headerFormat);
+    dateTimeFormat = workbook_add_format(book);
+    format_set_num_format(dateTimeFormat, dateFormat);
+  }
+  ~Impl() {
+    if (book != nullptr) lxw_workbook_free(book);
+  }
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  void check(lxw_error error) const {
+    if (error != LXW_NO_ERROR) failAs(error);
+  }
+
+  void endSheet() {
+    if (sheet == nullptr || fields.empty()) return;
+    check(worksheet_autofilter(sheet, 0, 0, nextRow - 1, static_cast<lxw_col_t>(fields.size() - 1)));
+    sheet = nullptr;
+  }
+
+  void beginSheet() {
+    endSheet();
+    errno = 0;
+    sheet = workbook_add_worksheet(book, sheetName(name, ++summary.sheets).c_str());
+    if (sheet == nullptr) fail(errno != 0 ? errno : ENOMEM);
+    worksheet_freeze_panes(sheet, 1, 0);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const auto column = static_cast<lxw_col_t>(i);
+      const bool isDate = fields[i].kind == db::ColumnKind::dateTime;
+      check(worksheet_set_column(sheet, column, column, isDate ? dateColumnWidth : columnWidth, nullptr));
+    }
+    nextRow = 0;
+    for (std::size_t i = 0; i < fields.size(); ++i) writeText(i, fields[i].name, headerFormat);
+    ++nextRow;
+  }
+
+  void lost(WorkbookLoss::Kind kind, std::size_t column) {
+    if (summary.losses.size() < keptLosses) summary.losses.push_back({kind, result, rowOfResult, column});
+    ++summary.lossCount;
+  }
+
+  void writeText(std::size_t column, std::string_view value, lxw_format* format) {
+    text.assign(value);
+    if (makeText(text)) lost(WorkbookLoss::Kind::notText, column);
+    if (cutToUnits(text)) lost(WorkbookLoss::Kind::tooLong, column);
+    check(worksheet_write_string(sheet, nextRow, static_cast<lxw_col_t>(column), text.c_str(), format));
+  }
+
+  void write(std::size_t column, const db::Cell& cell) {
+    if (cell.isNull || cell.text.empty()) return;
+    const auto at = static_cast<lxw_col_t>(column);
+    switch (fields[column].kind) {
+      case db::ColumnKind::number:
+        if (const auto number = losslessNumber(cell.text))
+          return check(worksheet_write_number(sheet, nextRow, at, *number, nullptr));
+        break;
+      case db::ColumnKind::dateTime:
+        if (const auto date = spreadsheetDate(cell.text))
+          return check(worksheet_write_number(sheet, nextRow, at, *date, dateTimeFormat));
+        break;
+      case db::ColumnKind::boolean:
+        if (const auto value = booleanFrom(cell.text))
+          return check(worksheet_write_boolean(sheet, nextRow, at, *value ? 1 : 0, nullptr));
+        break;
+      case db::ColumnKind::text:
+      case db::ColumnKind::binary:
+        break;
+    }
+    writeText(column, cell.text, nullptr);
+  }
+
+  std::string name;
+  std::string temporaryFolder;
+  ScratchFile scratch;
+  lxw_workbook* book = nullptr;
+  lxw_worksheet* sheet = nullptr;
+  lxw_format* headerFormat = nullptr;
+  lxw_format* dateTimeFormat = nullptr;
+  std::vector<db::Field> fields;
+  std::uint32_t sheetRows = rowsOfASheet;
+  lxw_row_t nextRow = 0;
+  std::size_t result = 0;
+  std::size_t rowOfResult = 0;
+  std::string text;
+  WorkbookSummary summary;
+};
+
+Workbook::Workbook(std::string name, fs::path temporaryFolder)
+    : impl_(std::make_unique<Impl>(std::move(name), temporaryFolder)) {}
+Workbook::~Workbook() = default;
+
+void Workbook::limitSheets(std::uint32_t rows) noexcept {
+  impl_->sheetRows = rows;
+}
+
+void Workbook::beginResult(std::span<const db::Field> fields) {
+  Impl& book = *impl_;
+  // A record of more columns than a sheet has cannot be shown whole, and half of it is not shown.
+  if (fields.size() > mostColumns) throw windowsError(errorInvalidCall);
+  book.endSheet();
+  book.fields.assign(fields.begin(), fields.end());
+  book.rowOfResult = 0;
+  book.beginSheet();
+}
+
+bool Workbook::row(std::span<const db::Cell> cells) {
+  Impl& book = *impl_;
+  if (book.nextRow >= book.sheetRows) book.beginSheet();
+  const std::size_t width = std::min(cells.size(), book.fields.size());
+  for (std::size_t i = 0; i < width; ++i) book.write(i, cells[i]);
+  ++book.nextRow;
+  ++book.rowOfResult;
+  ++book.summary.rows;
+  return true;
+}
+
+void Workbook::endResult() {
+  impl_->endSheet();
+  ++impl_->result;
+}
+
+WorkbookSummary Workbook::finish(const ByteSink& sink) {
+  Impl& book = *impl_;
+  book.endSheet();
+  errno = 0;
+  const lxw_error error = workbook_close(std::exchange(book.book, nullptr));
+  if (error != LXW_NO_ERROR) failAs(error);
+  errno = 0;
+  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(book.scratch.path().c_str(), "rb"));
+  if (!file) fail(errno);
+  std::array<char, std::size_t{1} << 16U> chunk{};
+  for (;;) {
+    const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), file.get());
+    if (got > 0) sink({chunk.data(), got});
+    if (got < chunk.size()) break;
+  }
+  if (std::ferror(file.get()) != 0) fail(errno != 0 ? errno : EIO);
+  return std::move(book.summary);
+}
+
+WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,
+                              const RowProgress& progress) {
+  Workbook book(std::move(name));
+  const results::RowStore* store = list.store();
+  std::span<const db::Field> fields;
+  std::vector<db::Field> captions;
+  if (store == nullptr || list.rowCount() == 0) {
+    for (const results::ColumnHeader& column : list.columns()) captions.push_back({column.caption});
+    fields = captions;
+  } else {
+    for (std::size_t row = 0; row < list.rowCount(); ++row)
+      if (const auto each = store->fieldsOf(list.rowId({row})); each.size() > fields.size()) fields = each;
+  }
+  book.beginResult(fields);
+  std::vector<db::Cell> cells(fields.size());
+  for (std::size_t row = 0; row < list.rowCount(); ++row) {
+    for (std::size_t column = 0; column < cells.size(); ++column)
+      cells[column] = store->cell(list.rowId({row}), {column});
+    book.row(cells);
+    reportRows(progress, row + 1, list.rowCount());
+  }
+  book.endResult();
+  return book.finish(sink);
+}
+
+WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const fs::path& file,
+                              const RowProgress& progress) {
+  ExportFile out(file);
+  WorkbookSummary summary = writeWorkbook(
+      list, std::move(name), [&out](std::string_view bytes) { out.write(bytes); }, progress);
+  out.commit();
+  return summary;
+}
+
+}  // namespace korvel::output

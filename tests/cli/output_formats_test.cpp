@@ -1,0 +1,97 @@
+#include "cli/output_formats.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "base/whole_file.h"
+#include "cli/exit_status.h"
+#include "tests/support/audit_rows.h"
+#include "tests/support/program_output.h"
+#include "tests/support/scripted_connection.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/tool_run.h"
+
+namespace korvel::cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct OutputFormats : testing::Test {
+  OutputFormats() {
+    auto row = test::auditRow("7", "CS");
+    row[9] = "ポンプ <b>";
+    row[16] = "=1+1";
+    server.answer = {{test::auditFields(), {row}, {}}};
+  }
+  test::ToolRun run(const std::string& format, const std::string& output = "-") {
+    return test::runTool({"query", "--format", format, "--output", output}, server.connector());
+  }
+
+  test::ScriptedServer server;
+  test::TemporaryFolder folder;
+};
+
+TEST_F(OutputFormats, HaveNamesInAnyCaseOfLetters) {
+  for (const OutputFormat& format : outputFormats()) EXPECT_EQ(outputFormatNamed(format.name), &format);
+  EXPECT_EQ(outputFormatNamed("PDF"), outputFormatNamed("pdf"));
+  EXPECT_EQ(outputFormatNamed("docx"), nullptr);
+}
+
+TEST_F(OutputFormats, HtmlIsTheReportFileAndSaysWhatItDoesNotHold) {
+  const test::ToolRun tool = run("html");
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_THAT(tool.out, StartsWith("<html>\r\n\r\n\r\n<head>\r\n"));
+  EXPECT_THAT(tool.out, HasSubstr("<p align=\"center\">ALL Audits Audits</p>\r\n"));
+  EXPECT_THAT(tool.out, HasSubstr("<td width=\"100\" height=\"26\">??? <b></td>\r\n"));
+  EXPECT_THAT(tool.err, HasSubstr("stand as \"?\": 3"));
+}
+
+TEST_F(OutputFormats, PdfShowsTheListAsStored) {
+  const std::string file = (folder / "out.pdf").string();
+  ASSERT_EQ(run("pdf", file).status, exitDone);
+  const std::string text = test::outputOf("pdftotext -raw '" + file + "' -");
+  EXPECT_THAT(text, HasSubstr("ALL Audits"));
+  EXPECT_THAT(text, HasSubstr("ポンプ"));
+  EXPECT_THAT(text, HasSubstr("<b>"));
+  EXPECT_THAT(text, HasSubstr("Page 1 of 1"));
+  EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
+}
+
+TEST_F(OutputFormats, XlsxCarriesEveryColumn) {
+  const std::string file = (folder / "out.xlsx").string();
+  ASSERT_EQ(run("xlsx", file).status, exitDone);
+  const std::string sheet = test::outputOf("unzip -p '" + file + "' xl/worksheets/sheet1.xml");
+  EXPECT_THAT(sheet, HasSubstr("<c r=\"A2\"><v>7</v></c>"));
+  EXPECT_THAT(sheet, HasSubstr("<c r=\"Q2\" t=\"inlineStr\"><is><t>=1+1</t>"));
+}
+
+TEST_F(OutputFormats, ThatAreNoTextAreRefusedOnATerminal) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_GE(terminal, 0);
+  ASSERT_EQ(::grantpt(terminal), 0);
+  ASSERT_EQ(::unlockpt(terminal), 0);
+  const std::string name = ::ptsname(terminal);  // NOLINT(concurrency-mt-unsafe)
+  for (const char* format : {"pdf", "xlsx"}) {
+    const test::ToolRun tool = run(format, name);
+    EXPECT_EQ(tool.status, exitWrongUsage) << format;
+    EXPECT_THAT(tool.err, HasSubstr("nothing for a terminal"));
+  }
+  ::close(terminal);
+}
+
+TEST_F(OutputFormats, ThatCannotBeWrittenSaySo) {
+  for (const OutputFormat& format : outputFormats()) {
+    const test::ToolRun tool = run(std::string(format.name), "/dev/full");
+    EXPECT_EQ(tool.status, exitOutput) << format.name;
+    EXPECT_THAT(tool.err, HasSubstr("No space left on device")) << format.name;
+  }
+}
+
+}  // namespace
+}  // namespace korvel::cli

@@ -1,0 +1,138 @@
+#include "output/text_export.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "base/whole_file.h"
+#include "output/windows_error.h"
+#include "tests/support/filled_list.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::output {
+namespace {
+
+namespace fs = std::filesystem;
+using test::filledList;
+
+struct TextExportFile : testing::Test {
+  std::string text(const results::ResultList& list) {
+    replaced = writeTextExport(list, file);
+    return readWholeFile(file);
+  }
+  int failureOf(const results::ResultList& list, const fs::path& path) {
+    try {
+      writeTextExport(list, path);
+      return 0;
+    } catch (const Error& error) {
+      description = error.description();
+      return error.number();
+    }
+  }
+  std::size_t filesInFolder() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()));
+  }
+
+  test::TemporaryFolder folder;
+  fs::path file = folder / textExportName;
+  std::size_t replaced = 0;
+  std::string description;
+  results::ResultList abc = filledList({{"A"}, {"B"}, {"C"}}, {{"a", "b", "c"}});
+};
+
+TEST_F(TextExportFile, HoldsTwoLinesForOneRow) {
+  EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
+  EXPECT_EQ(replaced, 0U);
+  writeExchangeFile(abc, folder / exchangeFileName);
+  EXPECT_EQ(readWholeFile(folder / "velviewex.log"), "A|B|C|\r\na|b|c\r\n");
+}
+
+TEST_F(TextExportFile, IsReplacedByTheNextOne) {
+  writeWholeFile(file, std::string(10000, 'x'));
+  EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(TextExportFile, QuotesNothing) {
+  const auto list = filledList({{"A"}, {"B"}}, {{"1,5", "x|y"}, {"\"q\"", "two\r\nlines"}, {"<td>", "=1+1\t\x01"}});
+  EXPECT_EQ(text(list), "A,B,\r\n1,5,x|y\r\n\"q\",two\r\nlines\r\n<td>,=1+1\t\x01\r\n");
+  writeExchangeFile(list, file);
+  EXPECT_EQ(readWholeFile(file), "A|B|\r\n1,5|x|y\r\n\"q\"|two\r\nlines\r\n<td>|=1+1\t\x01\r\n");
+}
+
+TEST_F(TextExportFile, IsInTheCodePageWithoutAMark) {
+  const auto list = filledList({{"Größe €"}, {"ポ"}}, {{"é", "\xF0\x9F\x98\x80"}, {"א", "a\xFF\xE2\x82"}});
+  EXPECT_EQ(text(list),
+            "Gr\xF6\xDF"
+            "e \x80,?,\r\n\xE9,?\r\n?,a???\r\n");
+  EXPECT_EQ(replaced, 6U);
+}
+
+TEST_F(TextExportFile, TakesValuesOfAnyLength) {
+  const std::string longText(std::size_t{1} << 20U, 'z');
+  const auto list = filledList({{"A"}, {"B"}}, {{longText, "b"}, {"a", longText}});
+  EXPECT_EQ(text(list), "A,B,\r\n" + longText + ",b\r\na," + longText + "\r\n");
+}
+
+TEST_F(TextExportFile, OfAStandardListIsAsDisplayed) {
+  const auto list =
+      filledList({{"A"}, {"B"}, {"C"}, {"D"}}, {{" a ", std::nullopt, "c", "d"}}, results::RowFilling::standard);
+  EXPECT_EQ(text(list), "A,B,C,D,\r\na,,,\r\n");
+}
+
+TEST_F(TextExportFile, TellsItsProgress) {
+  const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(2500, test::ScriptedRow{"x"}));
+  std::vector<std::size_t> told;
+  writeTextExport(list, file, [&](std::size_t rows) { told.push_back(rows); });
+  EXPECT_EQ(told, (std::vector<std::size_t>{1000, 2000, 2500}));
+}
+
+TEST_F(TextExportFile, GivenUpOnTheWayLeavesTheEarlierOne) {
+  writeWholeFile(file, "earlier");
+  EXPECT_THROW(writeTextExport(abc, file, [](std::size_t) { throw std::runtime_error("stop"); }), std::runtime_error);
+  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(TextExportFile, ReplacesALinkInItsPlace) {
+  writeWholeFile(folder / "victim", "untouched");
+  fs::create_symlink("victim", file);
+  EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
+  EXPECT_EQ(readWholeFile(folder / "victim"), "untouched");
+  EXPECT_FALSE(fs::is_symlink(file));
+}
+
+TEST_F(TextExportFile, FailuresCarryTheNumbersOfWindows) {
+  EXPECT_EQ(failureOf(abc, folder / "absent" / textExportName), errorPathNotFound);
+  EXPECT_EQ(description, "Path not found");
+  fs::create_directory(file);
+  EXPECT_EQ(failureOf(abc, file), errorPathFileAccess);
+  EXPECT_EQ(description, "Path/File access error");
+  writeWholeFile(folder / "plain", "x");
+  EXPECT_EQ(failureOf(abc, folder / "plain" / textExportName), errorPathNotFound);
+}
+
+TEST_F(TextExportFile, OnAFullDiskLeavesTheEarlierOne) {
+  writeWholeFile(file, "earlier");
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  rlimit small = before;
+  small.rlim_cur = 4096;
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  const int number = failureOf(filledList({{"A"}}, {{std::string(100000, 'x')}}), file);
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(number, errorDiskFull);
+  EXPECT_EQ(description, "Disk full");
+  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+}  // namespace
+}  // namespace korvel::output

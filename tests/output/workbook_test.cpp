@@ -1,0 +1,217 @@
+#include "output/workbook.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/whole_file.h"
+#include "output/windows_error.h"
+#include "tests/support/filled_list.h"
+#include "tests/support/hostile_texts.h"
+#include "tests/support/program_output.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::output {
+namespace {
+
+namespace fs = std::filesystem;
+using db::ColumnKind;
+using test::filledList;
+using testing::HasSubstr;
+using testing::Not;
+
+struct WorkbookFile : testing::Test {
+  std::string part(const std::string& name) {
+    return test::outputOf("unzip -p '" + file.string() + "' '" + name + "'");
+  }
+  std::string sheet(int number = 1) { return part("xl/worksheets/sheet" + std::to_string(number) + ".xml"); }
+  WorkbookSummary write(const results::ResultList& list) { return writeWorkbook(list, "ALL Audits", file); }
+  /// A workbook that is fed row by row.
+  std::string finished(Workbook& book) {
+    std::string bytes;
+    summary = book.finish([&](std::string_view chunk) { bytes += chunk; });
+    writeWholeFile(file, bytes);
+    return bytes;
+  }
+  /// What a reader of XML makes of the text of a cell.
+  static std::string plain(std::string text) {
+    for (const auto& [coded, meant] : {std::pair{"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&amp;", "&"}})
+      text = replaceAll(std::move(text), coded, meant);
+    return text;
+  }
+  static std::string replaceAll(std::string text, const std::string& from, const std::string& to) {
+    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+      text.replace(at, from.size(), to);
+    return text;
+  }
+
+  test::TemporaryFolder folder;
+  fs::path file = folder / "book.xlsx";
+  WorkbookSummary summary;
+};
+
+TEST_F(WorkbookFile, KeepsTypesWhereNothingIsLost) {
+  const auto list = filledList({{"N", ColumnKind::number},
+                                {"D", ColumnKind::dateTime},
+                                {"B", ColumnKind::boolean},
+                                {"T", ColumnKind::text},
+                                {"X", ColumnKind::binary}},
+                               {{"42", "2004-03-07 12:00:00.000", "1", "42", "0aff"},
+                                {"007", "2004-03-07 12:00:00.1234567", "2", "2004-03-07", std::nullopt}});
+  write(list);
+  const std::string xml = sheet();
+  EXPECT_THAT(xml, HasSubstr("<c r=\"A2\"><v>42</v></c>"));
+  EXPECT_THAT(xml, testing::ContainsRegex("<c r=\"B2\" s=\"[0-9]+\"><v>38053.5</v></c>"));
+  EXPECT_THAT(xml, HasSubstr("<c r=\"C2\" t=\"b\"><v>1</v></c>"));
+  EXPECT_THAT(xml, HasSubstr("<c r=\"D2\" t=\"inlineStr\"><is><t>42</t></is></c>"));
+  EXPECT_THAT(xml, HasSubstr("<t>0aff</t>"));
+  EXPECT_THAT(xml, HasSubstr("<c r=\"A3\" t=\"inlineStr\"><is><t>007</t></is></c>"));
+  EXPECT_THAT(xml, HasSubstr("<t>2004-03-07 12:00:00.1234567</t>"));
+  EXPECT_THAT(xml, HasSubstr("<c r=\"C3\" t=\"inlineStr\"><is><t>2</t></is></c>"));
+  EXPECT_THAT(xml, Not(HasSubstr("r=\"E3\"")));
+  EXPECT_THAT(part("xl/styles.xml"), HasSubstr("yyyy-mm-dd hh:mm:ss.000"));
+}
+
+TEST_F(WorkbookFile, HasAHeaderThatStaysAndFilters) {
+  write(filledList({{"First"}, {"Second"}}, {{"a", "b"}, {"c", "d"}}));
+  const std::string xml = sheet();
+  EXPECT_THAT(xml, HasSubstr("<t>First</t>"));
+  EXPECT_THAT(xml, HasSubstr("ySplit=\"1\""));
+  EXPECT_THAT(xml, HasSubstr("state=\"frozen\""));
+  EXPECT_THAT(xml, HasSubstr("<autoFilter ref=\"A1:B3\"/>"));
+  EXPECT_THAT(part("xl/workbook.xml"), HasSubstr("name=\"ALL Audits\""));
+}
+
+TEST_F(WorkbookFile, NeverMakesAFormulaOfAText) {
+  write(filledList({{"A"}}, {{"=1+1"}, {"=cmd|' /C calc'!A0"}, {"{=1}"}, {"http://example.invalid/"}}));
+  const std::string xml = sheet();
+  EXPECT_THAT(xml, Not(HasSubstr("<f>")));
+  EXPECT_THAT(xml, Not(HasSubstr("<hyperlink")));
+  EXPECT_THAT(xml, HasSubstr("<t>=1+1</t>"));
+}
+
+TEST_F(WorkbookFile, CarriesHostileTextsAsText) {
+  std::vector<test::ScriptedRow> rows;
+  for (const std::string& text : test::hostileTexts()) rows.push_back({text});
+  const auto done = write(filledList({{"A"}}, rows));
+  EXPECT_EQ(done.lossCount, 1U) << "only the zero character has no form there";
+  const std::string xml = plain(sheet());
+  EXPECT_THAT(xml, HasSubstr("<t><script>alert(1)</script></t>"));
+  EXPECT_THAT(xml, HasSubstr("_x001B_[2J"));
+  EXPECT_THAT(xml, HasSubstr("_x000D_")) << "a bare carriage return would be read as a line feed";
+  EXPECT_THAT(xml, HasSubstr("a\xEF\xBF\xBD"
+                             "b"));
+  EXPECT_THAT(xml, HasSubstr("größer € é"));
+}
+
+TEST_F(WorkbookFile, ReportsWhatACellCannotHold) {
+  std::string smileys;
+  for (int i = 0; i < 20000; ++i) smileys += "\xF0\x9F\x98\x80";
+  const auto done = write(filledList(
+      {{"A"}, {"B"}}, {{std::string(32767, 'x'), "fine"}, {std::string(1U << 20U, 'y'), "a\xFF"}, {smileys, "ok"}}));
+  ASSERT_EQ(done.lossCount, 3U);
+  EXPECT_EQ(done.losses.at(0).row, 1U);
+  EXPECT_EQ(done.losses.at(0).kind, WorkbookLoss::Kind::tooLong);
+  EXPECT_EQ(done.losses.at(1).column, 1U);
+  EXPECT_EQ(done.losses.at(1).kind, WorkbookLoss::Kind::notText);
+  const std::string xml = sheet();
+  EXPECT_THAT(xml, HasSubstr("<t>" + std::string(32767, 'x') + "</t>"));
+  EXPECT_THAT(xml, HasSubstr("<t>" + std::string(32767, 'y') + "</t>"));
+  EXPECT_THAT(xml, HasSubstr("<t>a\xEF\xBF\xBD</t>"));
+  EXPECT_THAT(xml, HasSubstr("<t>" + smileys.substr(0, 4 * 16383) + "</t>")) << "not in the middle of a character";
+}
+
+TEST_F(WorkbookFile, GoesOnOnAnotherSheetWhenOneIsFull) {
+  Workbook book("Rows");
+  book.limitSheets(3);
+  const std::vector<db::Field> fields{{"A"}};
+  book.beginResult(fields);
+  for (const char* text : {"r0", "r1", "r2", "r3", "r4"}) {
+    const db::Cell cell{text};
+    book.row({&cell, 1});
+  }
+  book.endResult();
+  finished(book);
+  EXPECT_EQ(summary.sheets, 3U);
+  EXPECT_EQ(summary.rows, 5U);
+  EXPECT_THAT(sheet(1), HasSubstr("<t>r1</t>"));
+  EXPECT_THAT(sheet(2), HasSubstr("<c r=\"A1\" s="));
+  EXPECT_THAT(sheet(2), HasSubstr("<c r=\"A2\" t=\"inlineStr\"><is><t>r2</t>"));
+  EXPECT_THAT(sheet(3), HasSubstr("<autoFilter ref=\"A1:A2\"/>"));
+  EXPECT_THAT(part("xl/workbook.xml"), HasSubstr("name=\"Rows (3)\""));
+}
+
+TEST_F(WorkbookFile, GivesEveryResultSetASheet) {
+  Workbook book("Custom [query]: a name that is longer than a sheet's may be");
+  for (const char* name : {"A", "B"}) {
+    const std::vector<db::Field> fields{{name}};
+    book.beginResult(fields);
+    book.endResult();
+  }
+  finished(book);
+  EXPECT_EQ(summary.sheets, 2U);
+  EXPECT_THAT(sheet(2), HasSubstr("<t>B</t>"));
+  EXPECT_THAT(part("xl/workbook.xml"), HasSubstr("name=\"Custom _query__ a name that is \""));
+}
+
+TEST_F(WorkbookFile, ThatWasNeverFinishedLeavesNothing) {
+  {
+    Workbook book("x", folder.path());
+    const std::vector<db::Field> fields{{"A"}};
+    book.beginResult(fields);
+    const db::Cell cell{"a"};
+    book.row({&cell, 1});
+  }
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST_F(WorkbookFile, MoreColumnsThanASheetHasAreRefused) {
+  Workbook book("x");
+  const std::vector<db::Field> fields(16385);
+  EXPECT_THROW(book.beginResult(fields), Error);
+}
+
+TEST_F(WorkbookFile, FailuresCarryTheNumbersOfWindows) {
+  const auto list = filledList({{"A"}}, {{"a"}});
+  const auto failure = [&](const fs::path& path) {
+    try {
+      writeWorkbook(list, "x", path);
+      return 0;
+    } catch (const Error& error) {
+      return static_cast<int>(error.number());
+    }
+  };
+  EXPECT_EQ(failure(folder / "absent/book.xlsx"), errorPathNotFound);
+  EXPECT_EQ(failure(folder.path()), errorPathFileAccess);
+}
+
+TEST_F(WorkbookFile, OnAFullDiskLeavesTheEarlierOne) {
+  writeWholeFile(file, "earlier");
+  std::vector<test::ScriptedRow> rows;
+  for (int i = 0; i < 5000; ++i) rows.push_back({std::to_string(i * 7919)});
+  const auto list = filledList({{"A"}}, rows);
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  rlimit small = before;
+  small.rlim_cur = 4096;
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  int number = 0;
+  try {
+    write(list);
+  } catch (const Error& error) {
+    number = error.number();
+  }
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(number, errorDiskFull);
+  EXPECT_EQ(readWholeFile(file), "earlier");
+}
+
+}  // namespace
+}  // namespace korvel::output

@@ -1,0 +1,197 @@
+#include "output/pages/report_pages.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QPageLayout>
+#include <QPdfWriter>
+#include <stdexcept>
+#include <string>
+
+#include "base/whole_file.h"
+#include "output/list_source.h"
+#include "output/pages/pdf.h"
+#include "output/report_reader.h"
+#include "tests/support/filled_list.h"
+#include "tests/support/hostile_texts.h"
+#include "tests/support/program_output.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::output::pages {
+namespace {
+
+using test::filledList;
+using testing::HasSubstr;
+using testing::Not;
+
+std::size_t count(const std::string& text, const std::string& part) {
+  std::size_t found = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++found;
+  return found;
+}
+
+std::vector<test::ScriptedRow> numberedRows(int rows, std::size_t columns) {
+  std::vector<test::ScriptedRow> made;
+  for (int i = 0; i < rows; ++i) {
+    test::ScriptedRow row{"N" + std::to_string(i) + "E"};
+    while (row.size() < columns) row.emplace_back("value " + std::to_string(i));
+    made.push_back(std::move(row));
+  }
+  return made;
+}
+
+struct ReportPages : testing::Test {
+  PaintedPages write(ReportSource& source, const PageProgress& progress = {}) {
+    std::string bytes;
+    const PaintedPages painted = writePdf(
+        source, texts, [&](std::string_view chunk) { bytes += chunk; }, progress);
+    writeWholeFile(folder / "pages.pdf", bytes);
+    return painted;
+  }
+  PaintedPages write(const results::ResultList& list, const PageProgress& progress = {}) {
+    const ReportList reported{"ALL Audits", &list};
+    ListSource source({&reported, 1}, {"Courier", 9});
+    return write(source, progress);
+  }
+  /// The text of the pages, as a reader that selects it gets it.
+  std::string text() { return test::outputOf("pdftotext -raw '" + (folder / "pages.pdf").string() + "' -"); }
+
+  test::TemporaryFolder folder;
+  PageTexts texts{QStringLiteral("Printed 2004-03-07"), QStringLiteral("Page %1 of %2"), QStringLiteral("the note")};
+};
+
+TEST_F(ReportPages, OfAnEmptyListAreOneWithCaptionAndHeader) {
+  EXPECT_EQ(write(filledList({{"First"}, {"Second"}}, {})).pages, 1);
+  const std::string shown = text();
+  for (const char* part : {"ALL Audits", "First", "Second", "Printed 2004-03-07", "Page 1 of 1", "the note"})
+    EXPECT_THAT(shown, HasSubstr(part));
+}
+
+TEST_F(ReportPages, HoldEveryRowAndRepeatTheHeader) {
+  const int pages = write(filledList({{"Alpha"}, {"Beta"}}, numberedRows(500, 2))).pages;
+  EXPECT_GT(pages, 3);
+  const std::string shown = text();
+  for (int i = 0; i < 500; ++i) ASSERT_EQ(count(shown, "N" + std::to_string(i) + "E"), 1U) << i;
+  EXPECT_EQ(count(shown, "Alpha"), static_cast<std::size_t>(pages));
+  EXPECT_EQ(count(shown, " of " + std::to_string(pages)), static_cast<std::size_t>(pages));
+  EXPECT_LT(shown.find("N1E"), shown.find("N499E"));
+}
+
+TEST_F(ReportPages, SplitARowThatIsHigherThanAPage) {
+  std::string longText;
+  for (int i = 0; i < 4000; ++i) longText += "w" + std::to_string(i) + "e ";
+  const int pages = write(filledList({{"A"}, {"B"}}, {{"before", "x"}, {"N1E", longText}, {"after", "y"}})).pages;
+  EXPECT_GT(pages, 1);
+  const std::string shown = text();
+  for (int i = 0; i < 4000; ++i) ASSERT_EQ(count(shown, "w" + std::to_string(i) + "e"), 1U) << i;
+  EXPECT_EQ(count(shown, "N1E"), static_cast<std::size_t>(pages)) << "each part names its row";
+  EXPECT_EQ(count(shown, "after"), 1U);
+}
+
+TEST_F(ReportPages, TakeAValueOfAMegabyte) {
+  for (const std::string& unit : {std::string("0123456789"), std::string("ポンプ")}) {
+    std::string longText;
+    while (longText.size() < (std::size_t{1} << 20U)) longText += unit;
+    const int pages = write(filledList({{"A"}, {"B"}}, {{"x", longText}})).pages;
+    EXPECT_GT(pages, 20);
+    EXPECT_LT(pages, 1000);
+  }
+}
+
+TEST_F(ReportPages, ShowMarkupAndControlCharactersAsText) {
+  std::vector<test::ScriptedRow> rows;
+  for (const std::string& value : test::hostileTexts()) rows.push_back({value, "end"});
+  write(filledList({{"A"}, {"B"}}, rows));
+  const std::string shown = text();
+  EXPECT_THAT(shown, HasSubstr("<script>alert(1)</script>"));
+  EXPECT_THAT(shown, HasSubstr("\\x1B[2J\\x7F"));
+  EXPECT_THAT(shown, HasSubstr("a\\x00b"));
+  EXPECT_THAT(shown, HasSubstr("größer € é"));
+}
+
+TEST_F(ReportPages, ShowOtherScripts) {
+  write(filledList({{"A"}}, {{"ポンプ"}, {"Насос"}, {"αντλία"}, {"\xF0\x9F\x98\x80"}, {"\xFF\xFE"}, {"שלום"}}));
+  const std::string shown = text();
+  EXPECT_THAT(shown, HasSubstr("ポンプ"));
+  EXPECT_THAT(shown, HasSubstr("Насос"));
+  EXPECT_THAT(shown, HasSubstr("αντλία"));
+  EXPECT_THAT(shown, HasSubstr("\\xFF\\xFE"));
+}
+
+TEST_F(ReportPages, OfAReportFileAreThoseOfItsList) {
+  auto rows = numberedRows(60, 3);
+  rows.push_back({"</td>\r\n</tr>\r\n<tr>\r\n\r\n<td width=\"100\" height=\"26\">forged", "b", "c"});
+  const auto list = filledList({{"A"}, {"B"}, {"C"}}, rows);
+  write(list);
+  const std::string direct = text();
+  const ReportNotes notes = writeListReport({"ALL Audits", &list}, {"Courier", 9}, folder / reportName);
+  ReportReader reader(reportFile(folder / reportName), notes);
+  write(reader);
+  EXPECT_EQ(text(), direct);
+}
+
+TEST_F(ReportPages, BeginEverySectionOnAPageOfItsOwn) {
+  const auto one = filledList({{"A"}}, {{"one"}});
+  const auto two = filledList({{"B"}}, {{"two"}});
+  const std::vector<ReportList> lists{{"Configuration", &one}, {"Runtime", &two}};
+  ListSource source(lists, {});
+  EXPECT_EQ(write(source).pages, 2);
+  EXPECT_LT(text().find("one"), text().find("Runtime"));
+}
+
+TEST_F(ReportPages, AreTurnedWhereThatFitsBetter) {
+  const auto orientationOf = [&](const results::ResultList& list, Orientation wanted) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setPageOrientation(QPageLayout::Portrait);
+    const ReportList reported{"x", &list};
+    ListSource source({&reported, 1}, {});
+    paintReport(source, writer, texts, wanted);
+    return writer.pageLayout().orientation();
+  };
+  const auto narrow = filledList({{"A"}, {"B"}}, numberedRows(3, 2));
+  const std::vector<db::Field> fields(18, db::Field{"Application User"});
+  const auto wide = filledList(fields, numberedRows(3, 18));
+  EXPECT_EQ(orientationOf(narrow, Orientation::asFits), QPageLayout::Portrait);
+  EXPECT_EQ(orientationOf(wide, Orientation::asFits), QPageLayout::Landscape);
+  EXPECT_EQ(orientationOf(wide, Orientation::asGiven), QPageLayout::Portrait);
+}
+
+TEST_F(ReportPages, TellTheirProgressAndCanBeCancelled) {
+  const auto list = filledList({{"A"}}, numberedRows(500, 1));
+  std::vector<int> told;
+  const int pages = write(list, [&](int page, int) {
+                      told.push_back(page);
+                      return true;
+                    }).pages;
+  EXPECT_EQ(told.back(), pages);
+  const PaintedPages some = write(list, [](int page, int) { return page < 2; });
+  EXPECT_TRUE(some.cancelled);
+  EXPECT_EQ(some.pages, 2);
+  const PaintedPages none = write(filledList({{"A"}}, numberedRows(1500, 1)), [](int, int all) { return all > 0; });
+  EXPECT_TRUE(none.cancelled);
+  EXPECT_EQ(none.pages, 0) << "cancelled while pages were counted";
+}
+
+TEST_F(ReportPages, OfAnyFontAndAnyNumberOfColumnsEnd) {
+  for (const double size : {0.5, 9.75, 72.0, 4000.0})
+    for (const std::size_t columns : {std::size_t{0}, std::size_t{1}, std::size_t{200}}) {
+      const std::vector<db::Field> fields(columns, db::Field{"Application"});
+      const auto list = filledList(fields, numberedRows(2, columns == 0 ? 1 : columns));
+      const ReportList reported{"x", &list};
+      ListSource source({&reported, 1}, {"no such font", size});
+      EXPECT_GE(write(source).pages, 1) << size << ' ' << columns;
+    }
+}
+
+TEST_F(ReportPages, LetTheFailureOfTheSinkThrough) {
+  const auto list = filledList({{"A"}}, numberedRows(500, 1));
+  const ReportList reported{"x", &list};
+  ListSource source({&reported, 1}, {});
+  EXPECT_THROW(writePdf(source, texts, [](std::string_view) { throw std::runtime_error("full"); }), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace korvel::output::pages
