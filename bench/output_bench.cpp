@@ -84,8 +84,8 @@ void pagesOfReport(benchmark::State& state) {
   static_cast<void>(application());
   Least time;
   int pages = 0;
-  const double before = residentMegabytes();
   forgetPeak();
+  const double before = residentMegabytes();
   for (auto _ : state) {
     state.SetIterationTime(time.measure([&] {
       output::ReportReader reader(output::reportFile(file), notes);

@@ -38,6 +38,10 @@ void addConnection(CLI::App& command, std::string& server, std::string& database
 void addTarget(CLI::App& command, output::ListFormat& format, std::string& output) {
   addReadOption(command, {"--format", "FORMAT", "table, text, exchange, csv or json (default: table)"}, formatNamed,
                 "no format", [&format](output::ListFormat chosen) { format = chosen; });
+  addOutputFile(command, output);
+}
+
+void addOutputFile(CLI::App& command, std::string& output) {
   command.add_option("--output", output, "File to write, whole or not at all (default: -,\nstandard output)")
       ->option_text("FILE");
 }

@@ -11,7 +11,7 @@ namespace korvel::output {
 
 /// Lists as they are displayed, without the detour of a file: nothing is lost to a code page. The lists must outlive it
 /// and keep their rows.
-class ListSource : public ReportSource {
+class ListSource final : public ReportSource {
  public:
   ListSource(std::span<const ReportList> lists, PrintFont font);
 

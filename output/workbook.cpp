@@ -212,7 +212,7 @@ struct Workbook::Impl {
   WorkbookSummary summary;
 };
 
-Workbook::Workbook(std::string name, fs::path temporaryFolder)
+Workbook::Workbook(std::string name, const fs::path& temporaryFolder)
     : impl_(std::make_unique<Impl>(std::move(name), temporaryFolder)) {}
 Workbook::~Workbook() = default;
 

@@ -39,11 +39,12 @@ struct WorkbookSummary {
 /// nothing is lost by it: numbers of up to 15 digits, dates and times to the millisecond, booleans; all else is text,
 /// also what begins with "=". Null and the empty text are both an empty cell. Throws Error with the numbers of
 /// windows_error.h.
-class Workbook : public db::ResultSink {
+class Workbook final : public db::ResultSink {
  public:
   /// `name` is that of the sheets, with a number where there are several. Rows are kept in files of `temporaryFolder`
   /// that have no name for others to find.
-  explicit Workbook(std::string name, std::filesystem::path temporaryFolder = std::filesystem::temp_directory_path());
+  explicit Workbook(std::string name,
+                    const std::filesystem::path& temporaryFolder = std::filesystem::temp_directory_path());
   ~Workbook() override;
   Workbook(const Workbook&) = delete;
   Workbook& operator=(const Workbook&) = delete;

@@ -6,6 +6,7 @@
 #include <QPen>
 #include <QTextLayout>
 #include <QTextOption>
+#include <algorithm>
 
 namespace korvel::output::pages {
 
@@ -32,8 +33,9 @@ PagePainter::Collected& PagePainter::collected(GlyphFace& face, Ink ink) {
 void PagePainter::cell(const CellLines& cell, std::size_t first, std::size_t count, QPointF at, qreal width,
                        GlyphFace& face, Ink ink) {
   Collected* const run = cell.plain ? &collected(face, ink) : nullptr;
-  qreal y = at.y() + face.ascent();
-  for (std::size_t i = first; i < first + count && i < cell.lines.size(); ++i, y += face.lineHeight()) {
+  const std::size_t end = std::min(first + count, cell.lines.size());
+  for (std::size_t i = first; i < end; ++i) {
+    const qreal y = at.y() + face.ascent() + static_cast<qreal>(i - first) * face.lineHeight();
     if (run == nullptr) {
       shaped(cell.line(i), {at.x(), y - face.ascent()}, width, face, ink);
       continue;

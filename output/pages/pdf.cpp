@@ -43,11 +43,10 @@ class SinkDevice : public QIODevice {
 
 PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink,
                       const PageProgress& progress) {
-  constexpr int dotsPerInch = 1200;
   SinkDevice device(sink);
   QPdfWriter writer(&device);
   writer.setPageSize(QPageSize(QPageSize::A4));
-  writer.setResolution(dotsPerInch);
+  writer.setResolution(pdfDotsPerInch);
   writer.setTitle(QStringLiteral("KorvelAudit Report"));
   writer.setCreator(QStringLiteral("KorvelAudit Viewer"));
   const PaintedPages painted = paintReport(report, writer, texts, Orientation::asFits, [&](int page, int pages) {

@@ -1,0 +1,332 @@
+#include "output/pages/report_flow.h"
+
+#include <QFont>
+#include <QMarginsF>
+#include <QPageLayout>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "output/pages/cell_text.h"
+#include "output/pages/column_widths.h"
+#include "output/pages/page_painter.h"
+#include "output/windows_error.h"
+
+namespace korvel::output::pages {
+
+namespace {
+
+// In points.
+constexpr qreal bodySize = 8;
+constexpr qreal leastSize = 6;
+constexpr qreal greatestHeaderSize = 24;
+constexpr qreal marginSize = 8;
+constexpr qreal captionSize = 11;
+constexpr qreal cellPadding = 2.5;
+constexpr qreal rowPadding = 1.5;
+constexpr qreal captionRoom = 20;
+constexpr qreal footerRoom = 16;
+constexpr qreal pointsPerInch = 72;
+constexpr qreal pageMarginMillimetres = 12;
+
+constexpr std::size_t leastLinesOfAPart = 3;
+constexpr std::size_t rowsBetweenReports = 1000;
+constexpr std::size_t measuredBytes = 8000;
+
+QFont bodyFont(qreal size) {
+  QFont font;
+  // Narrow ones first: a record has eighteen columns.
+  font.setFamilies({QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("Segoe UI"), QStringLiteral("Arial"),
+                    QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")});
+  font.setStyleHint(QFont::SansSerif);
+  font.setPointSizeF(size);
+  return font;
+}
+
+QFont headerFont(const PrintFont& font, qreal scale) {
+  QFont header(QString::fromStdString(font.name));
+  header.setPointSizeF(std::clamp(font.size, qreal{1}, greatestHeaderSize) * scale);
+  return header;
+}
+
+struct Cancelled {};
+/// The page that was asked for is drawn.
+struct PageDone {};
+
+std::size_t mostLines(const std::vector<CellLines>& cells) {
+  std::size_t lines = 1;
+  for (const CellLines& cell : cells) lines = std::max(lines, cell.lines.size());
+  return lines;
+}
+
+}  // namespace
+
+ReportFlow::ReportFlow(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts,
+                       const PageProgress& progress)
+    : report_(report), device_(device), texts_(texts), progress_(progress) {}
+
+ReportFlow::~ReportFlow() = default;
+
+bool ReportFlow::count(Orientation orientation) {
+  try {
+    device_.setPageMargins({pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres},
+                           QPageLayout::Millimeter);
+    measureSections(orientation);
+    layOut();
+    pages_ = page_;
+    return true;
+  } catch (const Cancelled&) {
+    return false;
+  }
+}
+
+bool ReportFlow::drawAll() {
+  QPainter painter;
+  if (!painter.begin(&device_)) throw windowsError(errorDeviceUnavailable);
+  PagePainter out(painter);
+  out_ = &out;
+  try {
+    layOut();
+  } catch (const Cancelled&) {
+    out_ = nullptr;
+    return false;
+  } catch (...) {
+    out_ = nullptr;
+    throw;
+  }
+  out_ = nullptr;
+  if (!painter.end()) throw windowsError(errorDeviceInputOutput);
+  return true;
+}
+
+void ReportFlow::drawPage(int page, QPainter& painter) {
+  const PageStart start = starts_.at(static_cast<std::size_t>(page) - 1);
+  PagePainter out(painter);
+  out_ = &out;
+  single_ = true;
+  page_ = page - 1;
+  try {
+    SectionHead head;
+    std::vector<std::string_view> cells;
+    report_.rewind();
+    plan_ = {};
+    for (std::size_t section = 0; section <= start.section && report_.nextSection(head); ++section)
+      if (section == start.section) plan_ = planOf(head, measures_.at(section));
+    for (std::size_t passed = 0; passed < start.row && report_.nextRow(cells); ++passed) continue;
+    beginPage();
+    for (std::size_t line = start.line; !plan_.headers.empty() && report_.nextRow(cells); line = 0) row(cells, line);
+    endPage();
+  } catch (const PageDone&) {
+    // The page is full.
+  } catch (...) {
+    out_ = nullptr;
+    single_ = false;
+    throw;
+  }
+  out_ = nullptr;
+  single_ = false;
+}
+
+qreal ReportFlow::unit() const {
+  return device_.logicalDpiX() / pointsPerInch;
+}
+qreal ReportFlow::pageWidth() const {
+  return device_.width();
+}
+qreal ReportFlow::bottom() const {
+  return device_.height() - footerRoom * unit();
+}
+qreal ReportFlow::padding() const {
+  return 2 * cellPadding * unit();
+}
+
+void ReportFlow::report(int page) {
+  if (progress_ && !progress_(page, pages_)) throw Cancelled{};
+}
+void ReportFlow::countRow() {
+  if (++rowsSeen_ % rowsBetweenReports == 0 && pages_ == 0) report(0);
+}
+
+void ReportFlow::measureSections(Orientation orientation) {
+  GlyphFace body(bodyFont(bodySize), device_);
+  SectionHead head;
+  std::vector<std::string_view> cells;
+  report_.rewind();
+  while (report_.nextSection(head)) {
+    GlyphFace header(headerFont(head.font, 1), device_);
+    std::vector<ColumnWish>& section = measures_.emplace_back();
+    section.resize(head.headers.size());
+    for (std::size_t i = 0; i < head.headers.size(); ++i)
+      measure(shownOnPaper(head.headers[i]), header, device_, section[i].header);
+    while (report_.nextRow(cells)) {
+      for (std::size_t i = 0; i < cells.size(); ++i)
+        if (!cells[i].empty()) measure(shownOnPaper(cells[i].substr(0, measuredBytes)), body, device_, section[i].body);
+      countRow();
+    }
+  }
+  if (orientation == Orientation::asGiven) return;
+  device_.setPageOrientation(QPageLayout::Portrait);
+  for (const std::vector<ColumnWish>& section : measures_)
+    if (!fitsUnbroken(section, pageWidth(), padding())) {
+      device_.setPageOrientation(QPageLayout::Landscape);
+      break;
+    }
+}
+
+ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, const std::vector<ColumnWish>& measured) {
+  SectionPlan plan;
+  plan.caption = shownOnPaper(head.caption);
+  const qreal headerSize = headerFont(head.font, 1).pointSizeF();
+  const ColumnPlan columns =
+      planColumns(measured, pageWidth(), padding(), leastSize / bodySize, std::min(qreal{1}, leastSize / headerSize));
+  plan.widths = columns.widths;
+  plan.headerFace = std::make_unique<GlyphFace>(headerFont(head.font, columns.headerScale), device_);
+  plan.bodyFace = std::make_unique<GlyphFace>(bodyFont(bodySize * columns.bodyScale), device_);
+  plan.headers.resize(head.headers.size());
+  for (std::size_t i = 0; i < plan.headers.size(); ++i)
+    breakIntoLines(shownOnPaper(head.headers[i]), plan.widths[i] - padding(), *plan.headerFace, device_,
+                   plan.headers[i]);
+  return plan;
+}
+
+/// Goes through the whole report, with or without a page to draw on.
+void ReportFlow::layOut() {
+  page_ = 0;
+  here_ = {};
+  if (out_ == nullptr) starts_.clear();
+  SectionHead head;
+  std::vector<std::string_view> cells;
+  std::size_t section = 0;
+  report_.rewind();
+  while (report_.nextSection(head)) {
+    here_ = {section, 0, 0};
+    plan_ = planOf(head, measures_.at(section++));
+    if (out_ != nullptr) out_->forgetFaces();
+    beginPage();
+    while (report_.nextRow(cells)) {
+      row(cells);
+      ++here_.row;
+      here_.line = 0;
+      countRow();
+    }
+    endPage();
+  }
+  if (section == 0) {  // a report without sections is a page that says so by being empty
+    plan_ = {};
+    beginPage();
+    endPage();
+  }
+}
+
+void ReportFlow::beginPage() {
+  if (out_ == nullptr) starts_.push_back(here_);
+  if (out_ != nullptr && !single_ && page_ > 0 && !device_.newPage()) throw windowsError(errorDeviceInputOutput);
+  ++page_;
+  y_ = 0;
+  if (out_ != nullptr) margins();
+  y_ = captionRoom * unit();
+  if (!plan_.headers.empty()) headerRow();
+  freshY_ = y_;
+}
+
+void ReportFlow::endPage() {
+  if (out_ == nullptr) return;
+  out_->finishPage();
+  if (single_) throw PageDone{};
+  ++drawn_;
+  report(drawn_);
+}
+
+void ReportFlow::margins() {
+  const QRectF above(0, 0, pageWidth(), captionRoom * unit());
+  const QRectF below(0, bottom(), pageWidth(), footerRoom * unit());
+  QFont caption = bodyFont(captionSize);
+  caption.setBold(true);
+  out_->text(above, Qt::AlignLeft | Qt::AlignTop, caption, plan_.caption);
+  const QFont small = bodyFont(marginSize);
+  out_->text(above, Qt::AlignRight | Qt::AlignTop, small, texts_.printedAt);
+  out_->text(below, Qt::AlignLeft | Qt::AlignBottom, small, texts_.note);
+  out_->text(below, Qt::AlignRight | Qt::AlignBottom, small, texts_.pageOf.arg(page_).arg(pages_));
+}
+
+void ReportFlow::headerRow() {
+  // A header that left no room for rows would be worth nothing.
+  const qreal half = (bottom() - y_) / 2;
+  const auto most = static_cast<std::size_t>(std::max(qreal{1}, half / plan_.headerFace->lineHeight()));
+  const std::size_t lines = std::min(mostLines(plan_.headers), most);
+  const qreal height = static_cast<qreal>(lines) * plan_.headerFace->lineHeight() + 2 * rowPadding * unit();
+  if (out_ != nullptr) {
+    out_->fill({0, y_, tableWidth(), height});
+    out_->line({0, y_}, {tableWidth(), y_});
+    drawCells(plan_.headers, 0, lines, *plan_.headerFace, height);
+  }
+  y_ += height;
+}
+
+qreal ReportFlow::tableWidth() const {
+  qreal width = 0;
+  for (const qreal column : plan_.widths) width += column;
+  return width;
+}
+
+void ReportFlow::row(const std::vector<std::string_view>& cells, std::size_t first) {
+  row_.resize(cells.size());
+  for (std::size_t i = 0; i < cells.size(); ++i)
+    breakIntoLines(shownOnPaper(cells[i]), plan_.widths[i] - padding(), *plan_.bodyFace, device_, row_[i]);
+  const qreal lineHeight = plan_.bodyFace->lineHeight();
+  const qreal paddings = 2 * rowPadding * unit();
+  const std::size_t lines = mostLines(row_);
+  const auto linesIn = [&](qreal room) {
+    return room < paddings + lineHeight ? std::size_t{0} : static_cast<std::size_t>((room - paddings) / lineHeight);
+  };
+  while (first < lines) {
+    here_.line = first;
+    std::size_t fit = linesIn(bottom() - y_);
+    // A row that a page holds stays together; a longer one begins where a few of its lines fit.
+    const bool stays = lines - first <= fit || (first == 0 && lines > linesOfAPage() && fit >= leastLinesOfAPart);
+    if (!stays && !pageIsFresh()) {
+      endPage();
+      beginPage();
+      fit = linesIn(bottom() - y_);
+    }
+    const std::size_t count = std::clamp<std::size_t>(fit, 1, lines - first);
+    const qreal height = static_cast<qreal>(count) * lineHeight + paddings;
+    if (out_ != nullptr) drawCells(row_, first, count, *plan_.bodyFace, height);
+    y_ += height;
+    first += count;
+    here_.line = first;
+    if (first < lines) {
+      endPage();
+      beginPage();
+    }
+  }
+}
+
+std::size_t ReportFlow::linesOfAPage() const {
+  const qreal room = bottom() - freshY_ - 2 * rowPadding * unit();
+  return static_cast<std::size_t>(std::max(qreal{1}, room / plan_.bodyFace->lineHeight()));
+}
+
+void ReportFlow::drawCells(const std::vector<CellLines>& cells, std::size_t first, std::size_t count, GlyphFace& face,
+                           qreal height) {
+  qreal x = 0;
+  const qreal inset = cellPadding * unit();
+  const qreal top = y_ + rowPadding * unit();
+  out_->line({0, y_}, {0, y_ + height});
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const CellLines& cell = cells[i];
+    const qreal width = plan_.widths[i] - padding();
+    // The rest of a row tells on every page whose rest it is.
+    if (i == 0 && first >= cell.lines.size())
+      out_->cell(cell, 0, 1, {x + inset, top}, width, face, PagePainter::Ink::faint);
+    else if (first < cell.lines.size())
+      out_->cell(cell, first, count, {x + inset, top}, width, face);
+    x += plan_.widths[i];
+    out_->line({x, y_}, {x, y_ + height});
+  }
+  out_->line({0, y_ + height}, {x, y_ + height});
+}
+
+}  // namespace korvel::output::pages
