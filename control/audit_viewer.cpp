@@ -113,6 +113,13 @@ void AuditViewer::UnselectALL() {
   members_->surface.tvTreeView->uncheckAll();
 }
 
+void AuditViewer::ExportNotepad() {
+  members_->ExportNotepad();
+}
+void AuditViewer::ExportExcel() {
+  members_->ExportExcel();
+}
+
 QString AuditViewer::GetExportPath(const QString& dialogtext, int files) {
   QString path;
   members_->trapped("GetExportPath", [&] { path = members_->GetExportPath(dialogtext, files); });
@@ -189,6 +196,12 @@ void AuditViewer::HelpSearch() {
 }
 void AuditViewer::ShowAbout() {
   members_->trapped("ShowAbout", [this] { members_->ShowAbout(); });
+}
+void AuditViewer::PrintReport() {
+  if (members_->surface.btPrint->isEnabled()) members_->trapped("PrintReport", [this] { members_->btPrint_Click(); });
+}
+void AuditViewer::PreviewReport() {
+  if (members_->surface.btPrint->isEnabled()) members_->trapped("PreviewReport", [this] { members_->PreviewReport(); });
 }
 
 void AuditViewer::showEvent(QShowEvent* event) {

@@ -63,6 +63,7 @@ AuditViewer::Members::Members(AuditViewer& viewer)
   connectCommands();
   connectContextMenus();
   connectCustomPage();
+  connectOutput();
   instances().push_back(this);
 }
 
@@ -70,7 +71,8 @@ AuditViewer::Members::~Members() {
   std::erase(instances(), this);
 }
 
-void AuditViewer::Members::trapped(std::string_view operationName, const std::function<void()>& operation) {
+void AuditViewer::Members::trapped(std::string_view operationName, const std::function<void()>& operation,
+                                   const QString& hint) {
   std::int32_t number = 0;
   QString description;
   try {
@@ -85,7 +87,8 @@ void AuditViewer::Members::trapped(std::string_view operationName, const std::fu
   }
   message(MessageIcon::critical, QString(),
           QString::number(number) + QStringLiteral(":Error in ") + fromUtf8(operationName) +
-              QStringLiteral(".  Error Message: ") + description);
+              QStringLiteral(".  Error Message: ") + description +
+              (hint.isEmpty() ? hint : QStringLiteral("\r\n") + hint));
 }
 
 void AuditViewer::Members::message(MessageIcon icon, const QString& title, const QString& text) {
@@ -159,6 +162,8 @@ void AuditViewer::Members::fillLockTable() {
       {surface.btClear, always},
       {surface.btSelectALL, always},
       {surface.btUnselectALL, always},
+      {surface.btExcel, always},
+      {surface.btPrint, always},
       {surface.tvTreeView, always},
       {surface.btDateRangeFilter, dateRangeFormExists},
       {surface.btClearDateRange, always},

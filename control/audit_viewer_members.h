@@ -16,6 +16,7 @@
 #include "control/stored_properties.h"
 #include "control/surface.h"
 #include "korvel/AuditViewer.h"
+#include "output/row_progress.h"
 #include "query/custom_query.h"
 
 namespace korvel {
@@ -29,8 +30,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   Members(const Members&) = delete;
   Members& operator=(const Members&) = delete;
 
-  /// Runs `operation`. A failure shows the box of that operation's error trap.
-  void trapped(std::string_view operationName, const std::function<void()>& operation);
+  /// Runs `operation`. A failure shows the box of that operation's error trap, with the hint on a line of its own.
+  void trapped(std::string_view operationName, const std::function<void()>& operation, const QString& hint = {});
 
   void Initialize();
   void Show();
@@ -40,6 +41,10 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void TriggerQuery();
   /// Nothing while an earlier one of this control still loads.
   void TriggerAdvancedQuery(const QString& QueryString);
+  void ExportNotepad();
+  void ExportExcel();
+  /// The report as btPrint_Click has it, in the preview instead of on paper.
+  void PreviewReport();
   [[nodiscard]] QString GetExportPath(const QString& dialogtext, int files);
   /// Disable and enable what needs a database. Throw where a command that they reach has not been built.
   void LockControls() { setLocked(true); }
@@ -72,6 +77,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void btSave_Click();
   void btClearAdvQuery_Click();
   void btEmunFields_Click();
+  void btExcel_Click();
+  void btPrint_Click();
   void SSTab1_Click();
   void lvListView_DblClick(control::ResultListView& list, int row);
   void mnupopupitem_Click(int index);
@@ -142,6 +149,16 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void offerCustomQuery();
   /// Runs the query; the control may be gone afterwards.
   query::CustomReport runWatched(const QString& text, results::ResultList& answer);
+  void connectOutput();
+  /// Whether the current list has rows; says so where it has none.
+  bool hasSomethingToExport();
+  /// The steps that both exports share. `write` returns how many characters the file does not hold, `finish` what the
+  /// status panel says of the export.
+  void exportCurrentList(
+      const std::function<std::size_t(const results::ResultList& list, const output::RowProgress& progress)>& write,
+      const std::function<QString()>& finish);
+  void writeReport();
+  void WebBrowser1_DocumentComplete();
   void fillLockTable();
   void enableElements();
   void nameForAssistance();

@@ -40,8 +40,8 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([&] { surface.frameTools->setTitle(loadText(10043)); });
 
   const std::pair<QWidget*, int> tooltips[] = {
-      {surface.btSelectDB, 10044}, {surface.btDBInfo, 10045},    {surface.btQuery, 10046},
-      {surface.btClear, 10047},    {surface.btSelectALL, 10048}, {surface.btUnselectALL, 10049},
+      {surface.btSelectDB, 10044},  {surface.btDBInfo, 10045},      {surface.btQuery, 10046}, {surface.btClear, 10047},
+      {surface.btSelectALL, 10048}, {surface.btUnselectALL, 10049}, {surface.btExcel, 10050}, {surface.btPrint, 10053},
   };
   for (const auto& row : tooltips) {
     skipFailing([&] {

@@ -2,9 +2,15 @@
 
 #include <QFont>
 #include <QString>
+#include <memory>
 #include <optional>
 
+class QPrinter;
 class QWidget;
+
+namespace korvel::output::pages {
+class ReportSheets;
+}
 
 namespace korvel::control {
 
@@ -39,6 +45,14 @@ class ControlServices {
   /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; what is wrong with
   /// any other is between the viewer and the person.
   virtual void openHelp(QWidget* owner, const QString& file, HelpCommand command) = 0;
+  /// Starts the text editor on a file, in a window of its own, and returns at once. Throws Error with the numbers of
+  /// outputs where there is none.
+  virtual void startEditor(const QString& file) = 0;
+  /// Lets the person set the printer and its options; false for a cancelled dialog.
+  virtual bool choosePrinter(QWidget* owner, QPrinter& printer) = 0;
+  /// Shows the pages of a report, which have been laid out; returns when that is closed, true where the person then
+  /// wants them printed.
+  virtual bool showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) = 0;
 };
 
 /// The hourglass for as long as it lives, also when the work ends in a failure.

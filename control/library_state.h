@@ -16,6 +16,12 @@
 
 namespace korvel::control {
 
+/// What is to happen with the report that is being taken, once the report viewer has it.
+struct PendingReport {
+  bool print = false;
+  bool preview = false;
+};
+
 /// The values that all instances of the control share; they live as long as the library is loaded.
 struct LibraryState {
   db::ConnectionState connection;
@@ -23,6 +29,7 @@ struct LibraryState {
   query::QueryChoices queryChoices;
   settings::LanguageOffset language;
   output::PrintFont printFont;
+  PendingReport pendingReport;
   /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
   QString helpFile;
 };

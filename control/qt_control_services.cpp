@@ -7,16 +7,20 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPrintDialog>
 #include <QPushButton>
 #include <memory>
 
 #include "control/forms/about.h"
+#include "control/forms/report_preview.h"
 #include "control/help_viewer.h"
 #include "control/library_state.h"
 #include "control/look/look.h"
 #include "control/look/theme.h"
+#include "control/text_editor.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
+#include "output/forms/print_font_form.h"
 #include "query/forms/date_range_form.h"
 #include "query/forms/field_picker.h"
 #include "query/forms/file_list.h"
@@ -72,6 +76,11 @@ QDialog* makeQueryForm(QWidget* owner) {
   return new Form({state.queryChoices, state.language, surroundings().services}, owner);
 }
 
+QDialog* makePrintFont(QWidget* owner) {
+  LibraryState& state = libraryState();
+  return new output::frmPrintFont({state.printFont, state.language, surroundings().services}, owner);
+}
+
 QDialog* makeAbout(QWidget* owner) {
   return new frmAbout(libraryVersion(), owner);
 }
@@ -83,6 +92,7 @@ QtControlServices::QtControlServices()
              {QStringLiteral("frmAdvancedFilters"), &makeDateRange},
              {QStringLiteral("frmFields"), &makeQueryForm<query::frmFields>},
              {QStringLiteral("frmFileList"), &makeQueryForm<query::frmFileList>},
+             {QStringLiteral("frmPrintFont"), &makePrintFont},
              {QStringLiteral("frmAbout"), &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
@@ -168,6 +178,30 @@ void QtControlServices::openHelp(QWidget* owner, const QString& file, HelpComman
   if (outcome == HelpOutcome::done) return;
   const char* const key = outcome == HelpOutcome::noFile ? "help.noFile" : "help.noViewer";
   messageBox(owner, MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"), ownText(key).arg(file));
+}
+
+void QtControlServices::startEditor(const QString& file) {
+  startTextEditor(file);
+}
+
+bool QtControlServices::choosePrinter(QWidget* owner, QPrinter& printer) {
+  const PointerForDialog pointer;
+  const QPointer<QPrintDialog> dialog = new QPrintDialog(&printer, owner);
+  // The report is printed whole.
+  dialog->setOption(QAbstractPrintDialog::PrintPageRange, false);
+  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
+  delete dialog;
+  return chosen;
+}
+
+bool QtControlServices::showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) {
+  const PointerForDialog pointer;
+  bool wanted = false;
+  const QPointer<ReportPreview> window = new ReportPreview(std::move(sheets), owner);
+  QObject::connect(window, &ReportPreview::printRequested, window, [&wanted] { wanted = true; });
+  window->exec();
+  delete window;
+  return wanted;
 }
 
 }  // namespace korvel::control

@@ -25,6 +25,9 @@ class QtControlServices final : public ControlServices {
   void showForm(QWidget* owner, const QString& name) override;
   void setPointer(Pointer pointer) override;
   void openHelp(QWidget* owner, const QString& file, HelpCommand command) override;
+  void startEditor(const QString& file) override;
+  bool choosePrinter(QWidget* owner, QPrinter& printer) override;
+  bool showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) override;
 
  private:
   QHash<QString, FormMaker> forms_;

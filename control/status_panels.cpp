@@ -1,9 +1,11 @@
 #include "control/status_panels.h"
 
 #include <QLabel>
+#include <QProgressBar>
 
 #include "control/elided_label.h"
 #include "control/look/dialogs.h"
+#include "control/look/theme.h"
 
 namespace korvel::control {
 namespace {
@@ -22,12 +24,22 @@ Label* makePanel(const char* name, QWidget* parent) {
 
 StatusPanels::StatusPanels(QWidget* parent)
     : QStatusBar(parent),
+      ProgressBar1(new QProgressBar(this)),
       status_(makePanel<ElidedLabel>("Status", this)),
       records_(makePanel<QLabel>("Records", this)) {
   setSizeGripEnabled(false);
   // A long activity text gives way to the count, never the other way round.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
+  constexpr int progressWidth = 160;
+  constexpr int progressHeight = 12;
+  ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
+  ProgressBar1->setAccessibleName(QStringLiteral("Progress"));
+  ProgressBar1->setTextVisible(false);
+  ProgressBar1->setFixedWidth(look::px(this, progressWidth));
+  ProgressBar1->setMaximumHeight(look::px(this, progressHeight));
+  addPermanentWidget(ProgressBar1);
+  ProgressBar1->hide();
   addPermanentWidget(records_);
 }
 

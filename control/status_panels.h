@@ -3,6 +3,7 @@
 #include <QStatusBar>
 
 class QLabel;
+class QProgressBar;
 
 namespace korvel::control {
 
@@ -21,6 +22,9 @@ class StatusPanels final : public QStatusBar {
   /// Panel "Records": the row count.
   void setRecords(const QString& text);
   [[nodiscard]] QString records() const;
+
+  /// How far an export is. Hidden while there is none.
+  QProgressBar* ProgressBar1;
 
  private:
   ElidedLabel* status_;

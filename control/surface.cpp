@@ -10,6 +10,7 @@
 
 #include "control/look/dialogs.h"
 #include "control/look/theme.h"
+#include "control/report_viewer.h"
 #include "control/screen_measure.h"
 #include "control/texts.h"
 
@@ -53,6 +54,7 @@ Surface::Surface(QWidget& owner, query::ResultLists& lists, query::FilterTree& t
   // Where the control is too small for everything, the status bar stays readable.
   StatusBar1->setAutoFillBackground(true);
   StatusBar1->raise();
+  WebBrowser1 = named(new ReportViewer(owner_), "WebBrowser1");
   orderFocus();
 }
 
@@ -102,6 +104,8 @@ void Surface::buildToolsFrame() {
   btClear = iconButton(look::IconName::Clear, "btClear");
   btSelectALL = iconButton(look::IconName::SelectAll, "btSelectALL");
   btUnselectALL = iconButton(look::IconName::UnselectAll, "btUnselectALL");
+  btExcel = iconButton(look::IconName::Export, "btExcel");
+  btPrint = iconButton(look::IconName::Print, "btPrint");
 
   auto* column = new QVBoxLayout(frameTools);
   column->setContentsMargins({});
@@ -142,7 +146,7 @@ void Surface::buildQueryFrame(QWidget& page) {
 void Surface::orderFocus() const {
   std::vector<QWidget*> order = SmartToolbar->buttons();
   order.insert(order.end(), {tvTreeView, btDateRangeFilter, btClearDateRange, btQuery, btSelectDB, btDBInfo, btClear,
-                             btSelectALL, btUnselectALL, SSTab1->tabBar()});
+                             btSelectALL, btUnselectALL, btExcel, btPrint, SSTab1->tabBar()});
   order.insert(order.end(), lvListView.begin(), lvListView.end());
   // On their page they stand before the list, as they are seen.
   order.insert(std::prev(order.end()), {txtAdvancedQuery, btClearAdvQuery, btOpen, btEmunFields, btSave});

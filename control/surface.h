@@ -22,6 +22,8 @@ class QLabel;
 
 namespace korvel::control {
 
+class ReportViewer;
+
 /// Everything that is to be seen of one control: makes the elements, names them and puts them in their places. What
 /// they do is not its business. Elements are children of the owner and die with it.
 class Surface {
@@ -62,6 +64,8 @@ class Surface {
   QToolButton* btClear = nullptr;
   QToolButton* btSelectALL = nullptr;
   QToolButton* btUnselectALL = nullptr;
+  QToolButton* btExcel = nullptr;
+  QToolButton* btPrint = nullptr;
   // Pages.
   look::PageStrip* SSTab1 = nullptr;
   std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
@@ -74,6 +78,8 @@ class Surface {
   QToolButton* btClearAdvQuery = nullptr;
   QToolButton* btEmunFields = nullptr;
   StatusPanels* StatusBar1 = nullptr;
+  /// Not to be seen: what it takes is printed or previewed.
+  ReportViewer* WebBrowser1 = nullptr;
 
  private:
   void buildCommandSurfaces();

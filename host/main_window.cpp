@@ -43,7 +43,15 @@ MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& l
   connect(viewer_, &AuditViewer::LastFailureChanged, this, [this] { showLastFailure(); });
   connect(viewer_, &AuditViewer::LanguageChanged, this, [this] { failureBar_->setLanguage(currentLanguage()); });
   connect(viewer_, &AuditViewer::ExitApp, this, &QWidget::close);
-  connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, viewer_, &AuditViewer::HelpContents);
+  const auto onKey = [this](const QKeySequence& key, void (AuditViewer::*member)()) {
+    connect(new QShortcut(key, this), &QShortcut::activated, viewer_, member);
+  };
+  onKey(Qt::Key_F1, &AuditViewer::HelpContents);
+  // Neither menu nor toolbar has a place for the text export and the preview.
+  onKey(Qt::CTRL | Qt::Key_P, &AuditViewer::PrintReport);
+  onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_P, &AuditViewer::PreviewReport);
+  onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_T, &AuditViewer::ExportNotepad);
+  onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_E, &AuditViewer::ExportExcel);
 
   loadForm(language);
   if (options.server) viewer_->setDefaultSQLServer(*options.server);

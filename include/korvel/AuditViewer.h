@@ -82,6 +82,10 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void SelectALL();
   /// Unchecks every node of the filter tree.
   void UnselectALL();
+  /// Writes the current list as text, separated by commas, and opens it in the text editor.
+  void ExportNotepad();
+  /// Writes the current list as the exchange file of the spreadsheet export into a folder that the user picks.
+  void ExportExcel();
   /// Lets the user choose a folder in a dialog under the title `dialogtext`; above 0, `files` shows files beside the
   /// folders. Returns the folder with a separator at its end, or an empty text where the user cancelled.
   QString GetExportPath(const QString& dialogtext, int files);
@@ -131,6 +135,10 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void HelpSearch();
   /// Shows the about box.
   void ShowAbout();
+  /// Prints the current list after the print dialog, as the print command does; nothing while that is locked.
+  void PrintReport();
+  /// Shows the report of the current list as it would be printed; nothing while the print command is locked.
+  void PreviewReport();
 
  Q_SIGNALS:
   /// A database has been selected: server, " - [", database, "]".

@@ -5,6 +5,7 @@
 #include "control/result_list_view.h"
 #include "control/texts.h"
 #include "tests/control/command_surfaces.h"
+#include "tests/control/exports_fixture.h"
 
 namespace korvel::test {
 namespace {
@@ -38,7 +39,7 @@ TEST_F(Menu, StandsOnTheControlInItsOrder) {
             "  &Select Database\n"
             "  -\n"
             "  Pa&ge Setup\n"
-            "  Prin&t (off)\n"
+            "  Prin&t\n"
             "  -\n"
             "  E&xit  Alt+x\n"
             "&Tools\n"
@@ -47,7 +48,7 @@ TEST_F(Menu, StandsOnTheControlInItsOrder) {
             "  &Select ALL Filters\n"
             "  C&lear ALL Filters\n"
             "  -\n"
-            "  Export Data (off)\n"
+            "  Export Data\n"
             "  -\n"
             "  Change &Font\n"
             "Language\n"
@@ -66,9 +67,9 @@ TEST_F(Menu, StandsOnTheControlInItsOrder) {
 
 TEST_F(Toolbar, StandsOnTheControlInItsOrder) {
   const auto viewer = shownViewer();
-  EXPECT_EQ(printedToolbar(*viewer),
-            "| SELECT INFO | QUERY CLEAR | SELECTALLFILTERS CLEARALLFILTERS _ (EXPORTEXCEL) _ | ADJUSTCOL TOOLS | _ "
-            "(PRINT)");
+  EXPECT_EQ(
+      printedToolbar(*viewer),
+      "| SELECT INFO | QUERY CLEAR | SELECTALLFILTERS CLEARALLFILTERS _ EXPORTEXCEL _ | ADJUSTCOL TOOLS | _ PRINT");
   EXPECT_EQ(toolBar(*viewer)->height(), pixels(*viewer, 600));
 }
 
@@ -243,7 +244,7 @@ TEST_F(Captions, NamesOfButtonsWithoutATooltipFollowTheLanguageToo) {
   EXPECT_EQ(button(*viewer, "TOOLS")->accessibleName(), tableText(10029, 20000));
 }
 
-class EveryCommand : public CommandTest, public ::testing::WithParamInterface<LanguageCase> {
+class EveryCommand : public Outputs, public ::testing::WithParamInterface<LanguageCase> {
  protected:
   static int checkedNodes(const AuditViewer& viewer) {
     return static_cast<int>(treeText(viewer).count(QLatin1String("[x]")));
@@ -269,6 +270,13 @@ TEST_P(EveryCommand, OfTheMenuActs) {
   EXPECT_EQ(column(*viewer, 0), "1 2");
   choose(*viewer, "TOOLS/CLEAR");
   EXPECT_EQ(column(*viewer, 0), "");
+  choose(*viewer, "TOOLS/EXPORTEXCEL");
+  ASSERT_EQ(recorder->messages.size(), 1U);
+  EXPECT_EQ(recorder->messages[0].text, tableText(10069, GetParam().offset));
+  recorder->messages.clear();
+  choose(*viewer, "FILE/PRINT");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(recorder->printerDialogs, 1);
   recorder->chosenFont = QFont("DejaVu Sans Mono", 15);
   choose(*viewer, "TOOLS/FONT");
   EXPECT_EQ(list(*viewer, 3)->font().pointSizeF(), 15);
@@ -316,16 +324,20 @@ TEST_P(EveryCommand, OfTheToolbarActs) {
   press(*viewer, "TOOLS");
   EXPECT_TRUE(viewer->ViewSideTools());
   EXPECT_EQ(recorder->messages.size(), 1U);
+  press(*viewer, "EXPORTEXCEL");
+  ASSERT_EQ(recorder->messages.size(), 2U);
+  EXPECT_EQ(recorder->messages[1].text, tableText(10069, GetParam().offset));
+  press(*viewer, "PRINT");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(recorder->printerDialogs, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(InEveryLanguage, EveryCommand, ::testing::ValuesIn(languages),
                          [](const auto& language) { return std::to_string(language.param.offset); });
 
-TEST_F(Dispatch, CommandsOfPartsThatDoNotExistAreThereAndOff) {
+TEST_F(Dispatch, ACommandWhoseFormDoesNotExistIsThereAndOff) {
   const auto viewer = shownViewer();
-  for (const char* path : {"FILE/PAGESETUP", "FILE/PRINT", "TOOLS/EXPORTEXCEL"})
-    EXPECT_FALSE(entry(*viewer, path)->isEnabled()) << path;
-  for (const char* key : {"EXPORTEXCEL", "PRINT"}) EXPECT_FALSE(button(*viewer, key)->isEnabled()) << key;
+  EXPECT_FALSE(entry(*viewer, "FILE/PAGESETUP")->isEnabled());
 }
 
 TEST_F(Dispatch, OnTheCustomPageTheCommandsRunItsQuery) {
@@ -447,155 +459,6 @@ TEST_F(StatusHelp, APointerThatCrossesTheMenuBarTakesNoWarningAway) {
 }
 
 /// Rows that a sort by another column scatters, as many as the server sends.
-class Notice : public CommandTest {
- protected:
-  void fillScattering(std::size_t rows) {
-    std::vector<CannedRow> sent;
-    for (std::size_t i = 0; i < rows; ++i)
-      sent.push_back(record(std::to_string(100000 + i), "CS", i % 2 == 0 ? "a" : "b"));
-    server.resultSets = {sent};
-  }
-  /// Selects all rows with "a" and sorts so that they lie apart.
-  static void scatter(const AuditViewer& viewer) {
-    auto& view = *element<control::ResultListView>(viewer, "lvListView0");
-    view.clickHeader(5);
-    ASSERT_EQ(view.model()->index(0, 5).data().toString(), "a");
-    const int last = view.model()->rowCount() / 2 - 1;
-    view.selectionModel()->select({view.model()->index(0, 0), view.model()->index(last, 1)},
-                                  QItemSelectionModel::ClearAndSelect);
-    view.clickHeader(0);
-  }
-  /// The pointer crosses the menu bar.
-  static void crossMenuBar(const AuditViewer& viewer) {
-    entry(viewer, "TOOLS/QUERY")->hover();
-    EXPECT_EQ(statusPanel(viewer), "Query database");
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(menuBar(viewer), &leave);
-  }
-  const QString scattered = control::ownText("list.selectionScattered").arg(2500);
-  const QString limit = control::ownText("status.rowLimit");
-};
-
-TEST_F(Notice, StandsBesideTheLimitAndOutlivesAMenu) {
-  const auto viewer = shownViewer();
-  fillScattering(5000);
-  click(*viewer, "btQuery");
-  EXPECT_EQ(statusPanel(*viewer), limit);
-  scatter(*viewer);
-  EXPECT_EQ(statusPanel(*viewer), scattered + ". " + limit);
-  crossMenuBar(*viewer);
-  EXPECT_EQ(statusPanel(*viewer), scattered + ". " + limit);
-  // What it was about is another page's; the answer is cut off still.
-  selectTab(*viewer, 1);
-  EXPECT_EQ(statusPanel(*viewer), limit);
-  crossMenuBar(*viewer);
-  EXPECT_EQ(statusPanel(*viewer), limit);
-}
-
-TEST_F(Notice, AloneOutlivesAMenuAndGoesWithTheNextQueryOrItsRows) {
-  const auto viewer = shownViewer();
-  fillScattering(4998);
-  const QString alone = control::ownText("list.selectionScattered").arg(2499);
-  for (int way = 0; way < 3; ++way) {
-    SCOPED_TRACE(way);
-    click(*viewer, "btQuery");
-    EXPECT_EQ(statusPanel(*viewer), "");
-    scatter(*viewer);
-    EXPECT_EQ(statusPanel(*viewer), alone);
-    crossMenuBar(*viewer);
-    EXPECT_EQ(statusPanel(*viewer), alone);
-    if (way == 0) viewer->TriggerQuery();
-    if (way == 1) click(*viewer, "btClear");
-    if (way == 2) click(*viewer, "btQuery");
-    EXPECT_EQ(statusPanel(*viewer), "");
-    crossMenuBar(*viewer);
-    EXPECT_EQ(statusPanel(*viewer), "");
-  }
-}
-
-/// Commands that no table has, put on the surfaces of a viewer and chosen there.
-class Keys : public CommandTest {
- protected:
-  static void onMenu(const AuditViewer& viewer, control::CommandItems& items, const std::string& key) {
-    items.clear();
-    items.add(control::ItemKind::command, key, key);
-    auto& bar = *element<control::CommandMenuBar>(viewer, "SmartMenu");
-    bar.mirror(items);
-    run(bar.actions().value(0));
-  }
-  static void onToolbar(const AuditViewer& viewer, control::CommandItems& items, const std::string& key) {
-    items.clear();
-    items.add(control::ItemKind::button, key);
-    auto& bar = *element<control::CommandToolbar>(viewer, "SmartToolbar");
-    bar.mirror(items);
-    run(bar.actions().value(0));
-  }
-  /// Also where the command is off: what it would do counts.
-  static void run(QAction* action) {
-    ASSERT_NE(action, nullptr);
-    action->setEnabled(true);
-    action->trigger();
-  }
-  /// Everything that commands do to the outside, and to what is seen.
-  QString traces(const AuditViewer& viewer) const {
-    return QStringLiteral("%1 boxes, %2 forms, %3 helps, %4 queries, %5 tree %6")
-        .arg(recorder->messages.size())
-        .arg(recorder->shownForms.size())
-        .arg(recorder->helpOpened.size())
-        .arg(recorder->pointers.size())
-        .arg(viewer.ViewSideTools())
-        .arg(treeText(viewer));
-  }
-  control::CommandItems items;
-};
-
-TEST_F(Keys, OfTheHelpCommandsOpenTheHelp) {
-  const auto viewer = shownViewer();
-  onMenu(*viewer, items, "CONTENTSHELP");
-  ASSERT_EQ(recorder->helpOpened.size(), 1);
-  EXPECT_EQ(recorder->helpOpened.last().second, control::HelpCommand::contents);
-  onMenu(*viewer, items, "SEARCHHELP");
-  ASSERT_EQ(recorder->helpOpened.size(), 2);
-  EXPECT_EQ(recorder->helpOpened.last().second, control::HelpCommand::index);
-  // The toolbar does not know them.
-  onToolbar(*viewer, items, "CONTENTSHELP");
-  onToolbar(*viewer, items, "SEARCHHELP");
-  EXPECT_EQ(recorder->helpOpened.size(), 2);
-}
-
-TEST_F(Keys, ThatAreKnownAndDoNothingCanBeChosen) {
-  const auto viewer = shownViewer();
-  const QString before = traces(*viewer);
-  for (const char* key : {"PRINTPREVIEW", "EXPORTNOTEPAD"}) {
-    onMenu(*viewer, items, key);
-    element<control::CommandMenuBar>(*viewer, "SmartMenu")->refresh();
-    EXPECT_TRUE(menuBar(*viewer)->actions().value(0)->isEnabled()) << key;
-    onToolbar(*viewer, items, key);
-  }
-  onToolbar(*viewer, items, "PRINTPREVIEW");
-  element<control::CommandToolbar>(*viewer, "SmartToolbar")->refresh();
-  EXPECT_TRUE(toolBar(*viewer)->actions().value(0)->isEnabled());
-  EXPECT_EQ(traces(*viewer), before);
-}
-
-TEST_F(Keys, AreComparedToTheLetter) {
-  const auto viewer = shownViewer();
-  const QString before = traces(*viewer);
-  for (const char* key : {"query", "Query", "QUERY ", "QUER", "Select", "about", "tools", "ContentsHelp",
-                          "clearallFilters", "German", "", "NOTHING"}) {
-    onMenu(*viewer, items, key);
-    element<control::CommandMenuBar>(*viewer, "SmartMenu")->refresh();
-    EXPECT_FALSE(menuBar(*viewer)->actions().value(0)->isEnabled()) << key;
-    onToolbar(*viewer, items, key);
-    EXPECT_EQ(traces(*viewer), before) << key;
-  }
-  EXPECT_EQ(libraryState().language.text(), "0");
-  // The same way, and the right letters.
-  onMenu(*viewer, items, "CLEARALLFILTERS");
-  EXPECT_NE(traces(*viewer), before);
-  onToolbar(*viewer, items, "SELECTALLFILTERS");
-  EXPECT_EQ(traces(*viewer), before);
-}
 
 }  // namespace
 }  // namespace korvel::test

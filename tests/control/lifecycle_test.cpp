@@ -26,14 +26,15 @@ QStringList namesOf(QMetaMethod::MethodType type) {
 }
 
 TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
-  EXPECT_EQ(namesOf(QMetaMethod::Slot),
-            (QStringList{"SelectALL()", "UnselectALL()", "GetExportPath(QString,int)", "ChangeFont()",
-                         "DisplayNoOfRecords()", "TriggerQuery()", "ExpandAll()", "SelectDatabase()",
-                         "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
-                         "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)",
-                         "TriggerAdvancedQuery(QString)", "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
-                         // Not of the type library, and therefore behind it.
-                         "HelpContents()", "HelpSearch()", "ShowAbout()"}));
+  EXPECT_EQ(
+      namesOf(QMetaMethod::Slot),
+      (QStringList{"SelectALL()", "UnselectALL()", "ExportNotepad()", "ExportExcel()", "GetExportPath(QString,int)",
+                   "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()", "ExpandAll()", "SelectDatabase()",
+                   "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
+                   "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
+                   "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
+                   // Not of the type library, and therefore behind it.
+                   "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()"}));
 }
 
 TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {
@@ -187,6 +188,7 @@ TEST_F(Lifecycle, TheStoredLanguageCaptionsTheSideControls) {
   EXPECT_EQ(element(*viewer, "btClear")->toolTip(), text(10047));
   EXPECT_EQ(element(*viewer, "btSelectALL")->toolTip(), text(10048));
   EXPECT_EQ(element(*viewer, "btUnselectALL")->toolTip(), text(10049));
+  EXPECT_EQ(element(*viewer, "btExcel")->toolTip(), text(10050));
 }
 
 TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {

@@ -7,15 +7,15 @@ namespace {
 using Locking = CommandTest;
 
 /// The elements that locking reaches, in its order.
-const QStringList lockedElements = {"frameFilter",   "btQuery",     "btClear",           "btSelectALL",
-                                    "btUnselectALL", "tvTreeView",  "btDateRangeFilter", "btClearDateRange",
-                                    "lvListView0",   "lvListView1", "lvListView2",       "lvListView3",
-                                    "lvListView4",   "lvListView5"};
+const QStringList lockedElements = {"frameFilter",       "btQuery",          "btClear",     "btSelectALL",
+                                    "btUnselectALL",     "btExcel",          "btPrint",     "tvTreeView",
+                                    "btDateRangeFilter", "btClearDateRange", "lvListView0", "lvListView1",
+                                    "lvListView2",       "lvListView3",      "lvListView4", "lvListView5"};
 const QStringList neverLocked = {"frameTools", "btSelectDB", "btDBInfo",    "SSTab1",
                                  "StatusBar1", "SmartMenu",  "SmartToolbar"};
 
 const char* const unlockedToolbar =
-    "| SELECT INFO | QUERY CLEAR | SELECTALLFILTERS CLEARALLFILTERS _ (EXPORTEXCEL) _ | ADJUSTCOL TOOLS | _ (PRINT)";
+    "| SELECT INFO | QUERY CLEAR | SELECTALLFILTERS CLEARALLFILTERS _ EXPORTEXCEL _ | ADJUSTCOL TOOLS | _ PRINT";
 const char* const lockedToolbar =
     "| SELECT (INFO) | (QUERY) (CLEAR) | (SELECTALLFILTERS) (CLEARALLFILTERS) _ (EXPORTEXCEL) _ | (ADJUSTCOL) (TOOLS) "
     "| _ (PRINT)";
@@ -34,6 +34,7 @@ class LockStates : public CommandTest {
         {"FILE", true},
         {"FILE/SELECT", true},
         {"FILE/PAGESETUP", !locked},
+        {"FILE/PRINT", !locked},
         {"FILE/EXIT", true},
         {"TOOLS", !locked},
         {"Language", true},

@@ -370,7 +370,7 @@ TEST_F(LockTest, LockedElementsAreThoseThatNeedADatabase) {
   const QStringList needDatabase = {"frameFilter",   "btQuery",     "btClear",           "btSelectALL",
                                     "btUnselectALL", "tvTreeView",  "btDateRangeFilter", "btClearDateRange",
                                     "lvListView0",   "lvListView1", "lvListView2",       "lvListView3",
-                                    "lvListView4",   "lvListView5"};
+                                    "lvListView4",   "lvListView5", "btExcel",           "btPrint"};
   recorder->forms.insert("frmAdvancedFilters");
   const auto viewer = newViewer();
   for (const QString& name : needDatabase) EXPECT_FALSE(element(*viewer, name)->isEnabled()) << name.toStdString();

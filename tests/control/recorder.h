@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPrinter>
 #include <QSet>
 #include <QStringList>
 #include <QWidget>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "control/control_services.h"
+#include "output/pages/report_sheets.h"
 
 namespace korvel::test {
 
@@ -65,6 +67,20 @@ class Recorder final : public control::ControlServices {
     helpOpened.append({file, command});
   }
 
+  void startEditor(const QString& file) override {
+    edited.append(file);
+    if (onEditor) onEditor();
+  }
+  bool choosePrinter(QWidget*, QPrinter& printer) override {
+    ++printerDialogs;
+    return onPrinter && onPrinter(printer);
+  }
+  bool showPreview(QWidget*, std::unique_ptr<output::pages::ReportSheets> sheets) override {
+    previewedPages.append(sheets->count());
+    if (onPreview) onPreview(*sheets);
+    return printFromPreview;
+  }
+
   std::vector<ShownMessage> messages;
   QList<QWidget*> owners;
   std::function<void()> onMessage;
@@ -83,6 +99,14 @@ class Recorder final : public control::ControlServices {
   std::function<void()> onForm;
   std::vector<control::Pointer> pointers;
   std::function<void()> onPointer;
+  QStringList edited;
+  std::function<void()> onEditor;
+  int printerDialogs = 0;
+  /// Sets the printer up as a person would; false cancels, as no answer does.
+  std::function<bool(QPrinter&)> onPrinter;
+  QList<int> previewedPages;
+  std::function<void(output::pages::ReportSheets&)> onPreview;
+  bool printFromPreview = false;
   QList<std::pair<QString, control::HelpCommand>> helpOpened;
 };
 

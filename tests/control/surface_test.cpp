@@ -317,8 +317,8 @@ TEST_F(Surface, TheChosenFontGoesToAllSixLists) {
 TEST_F(Surface, EveryElementHasANameForAssistance) {
   const auto viewer = shownViewer();
   for (const char* name : {"tvTreeView", "btDateRangeFilter", "btClearDateRange", "btQuery", "btSelectDB", "btDBInfo",
-                           "btClear", "btSelectALL", "btUnselectALL", "lvListView0", "lvListView5", "txtAdvancedQuery",
-                           "btOpen", "btSave", "btClearAdvQuery", "btEmunFields"})
+                           "btClear", "btSelectALL", "btUnselectALL", "btExcel", "lvListView0", "lvListView5",
+                           "txtAdvancedQuery", "btOpen", "btSave", "btClearAdvQuery", "btEmunFields"})
     EXPECT_FALSE(element(*viewer, name)->accessibleName().isEmpty()) << name;
 }
 
@@ -328,7 +328,7 @@ TEST_F(Surface, TabKeyWalksThroughTheElementsInOrder) {
   viewer->activateWindow();
   element(*viewer, "tvTreeView")->setFocus();
   QStringList visited;
-  for (int i = 0; i < 10; ++i) {
+  for (int i = 0; i < 12; ++i) {
     QWidget* focused = viewer->focusWidget();
     visited.append(focused->objectName());
     QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
@@ -338,7 +338,7 @@ TEST_F(Surface, TabKeyWalksThroughTheElementsInOrder) {
   EXPECT_EQ(
       visited.join(' ').toStdString(),
       "tvTreeView btDateRangeFilter btClearDateRange btQuery btSelectDB btDBInfo btClear btSelectALL btUnselectALL "
-      "qt_tabwidget_tabbar lvListView0");
+      "btExcel btPrint qt_tabwidget_tabbar lvListView0");
 }
 
 }  // namespace

@@ -7,7 +7,9 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
+#include <filesystem>
 
 #include "base/whole_file.h"
 #include "host/shot.h"
@@ -246,6 +248,58 @@ TEST_F(MainWindowTest, F1SaysWhichHelpFileIsMissing) {
   QTest::keyClick(&window, Qt::Key_F1);
   EXPECT_EQ(opened.files(), QStringList());
   EXPECT_EQ(messages.texts(), QStringList{"The help file /nowhere/KorvelAuditViewerHelp_Eng.chm was not found."});
+}
+
+/// Closes every dialog as soon as it stands, and remembers which one it was.
+class ClosedDialogs {
+ public:
+  ClosedDialogs() {
+    QObject::connect(&timer_, &QTimer::timeout, [this] {
+      QWidget* const dialog = QApplication::activeModalWidget();
+      if (dialog == nullptr) return;
+      kinds_.append(QString::fromLatin1(dialog->metaObject()->className()));
+      dialog->close();
+    });
+    timer_.start(0);
+  }
+  [[nodiscard]] const QStringList& kinds() const { return kinds_; }
+
+ private:
+  QStringList kinds_;
+  QTimer timer_;
+};
+
+TEST_F(MainWindowTest, KeysPrintPreviewAndExport) {
+  const test::EnvironmentVariable windir("windir", folder.path().string());
+  options.server = "S";
+  MainWindow window(options, english);
+  window.show();
+  const auto press = [&window](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(window.viewer().findChild<QWidget*>("tvTreeView"), key, modifiers);
+  };
+  {
+    const ClosedDialogs dialogs;
+    press(Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialogs.kinds().contains("korvel::control::ReportPreview"); }));
+    press(Qt::Key_P, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return dialogs.kinds().contains("QPrintDialog"); }));
+  }
+  EXPECT_TRUE(std::filesystem::exists(folder / "report.htm"));
+  const UnattendedMessages messages(qApp);
+  press(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
+  press(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(messages.texts(), (QStringList{"Nothing to Export", "Nothing to Export"}));
+}
+
+TEST_F(MainWindowTest, KeysPrintNothingWithoutADatabase) {
+  const test::EnvironmentVariable windir("windir", folder.path().string());
+  MainWindow window(options, english);
+  window.show();
+  window.viewer().PrintReport();
+  window.viewer().PreviewReport();
+  EXPECT_FALSE(std::filesystem::exists(folder / "report.htm"));
 }
 
 TEST_F(MainWindowTest, ItsOwnTextsFollowTheLanguage) {

@@ -1,0 +1,177 @@
+// What leaves the control: text export, exchange file, printed report.
+#include <QProgressBar>
+#include <functional>
+#include <optional>
+
+#include "control/audit_viewer_members.h"
+#include "control/query_watch.h"
+#include "control/report_viewer.h"
+#include "control/texts.h"
+#include "output/export_folder.h"
+#include "output/report.h"
+#include "output/text_export.h"
+
+namespace korvel {
+
+using control::ExecOption;
+using control::fromUtf8;
+using control::libraryState;
+using control::loadText;
+using control::MessageIcon;
+using control::ownText;
+using control::Pointer;
+using control::ReportCommand;
+using control::surroundings;
+
+namespace {
+
+constexpr int nothingToExport = 10069;
+const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
+const QString spreadsheetHint = QStringLiteral("Make sure Excel 10.0 or above is installed");
+const QString printingHint = QStringLiteral("Make sure Internet Explorer 6.0 or above is installed");
+
+QString shownPath(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return QString::fromUtf8(reinterpret_cast<const char*>(text.data()), static_cast<qsizetype>(text.size()));
+}
+
+std::filesystem::path toPath(const QString& text) {
+  return std::filesystem::path(text.toStdU16String());
+}
+
+}  // namespace
+
+void AuditViewer::Members::connectOutput() {
+  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
+    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
+                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
+  };
+  onClick(surface.btExcel, &Members::btExcel_Click, "btExcel_Click");
+  onClick(surface.btPrint, &Members::btPrint_Click, "btPrint_Click");
+  QObject::connect(surface.WebBrowser1, &control::ReportViewer::DocumentComplete, &viewer_,
+                   [this] { WebBrowser1_DocumentComplete(); });
+}
+
+bool AuditViewer::Members::hasSomethingToExport() {
+  if (currentList().listModel().list().rowCount() > 0) return true;
+  message(MessageIcon::information, messageTitle, loadText(nothingToExport));
+  return false;
+}
+
+void AuditViewer::Members::exportCurrentList(
+    const std::function<std::size_t(const results::ResultList& list, const output::RowProgress& progress)>& write,
+    const std::function<QString()>& finish) {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  QProgressBar& bar = *surface.StatusBar1->ProgressBar1;
+  const results::ResultList& list = currentList().listModel().list();
+  services->setPointer(Pointer::hourglass);
+  bar.setRange(0, static_cast<int>(list.rowCount()));
+  bar.setValue(0);
+  bar.show();
+  std::size_t replaced = 0;
+  {
+    // Nothing but painting happens meanwhile: the list keeps its rows until the last one is written.
+    control::QueryWatch watch;
+    replaced = write(list, [&](std::size_t rows) {
+      bar.setValue(static_cast<int>(rows));
+      (void)watch.goOn();
+      if (!alive) throw Error(unspecifiedFailure, "the control was removed");
+    });
+  }
+  QString told = finish();
+  if (!alive) return;
+  bar.hide();
+  services->setPointer(Pointer::standard);
+  if (replaced > 0) told += QStringLiteral(". ") + ownText("export.replaced").arg(replaced);
+  notice_ = told;
+  showRestingText();
+}
+
+// A failure deliberately leaves pointer and progress bar as they were when it happened; the next export resets both.
+void AuditViewer::Members::ExportNotepad() {
+  if (!hasSomethingToExport()) return;
+  // The name in the message is deliberately spelt so.
+  trapped("ExportNotpad", [this] {
+    std::filesystem::path file;
+    exportCurrentList(
+        [&](const results::ResultList& list, const output::RowProgress& progress) {
+          file = output::exportPath(output::textExportName);
+          return output::writeTextExport(list, file, progress);
+        },
+        [&] {
+          const std::shared_ptr<control::ControlServices> services = surroundings().services;
+          services->startEditor(shownPath(file));
+          return ownText("export.written").arg(shownPath(file));
+        });
+  });
+}
+
+void AuditViewer::Members::ExportExcel() {
+  if (!hasSomethingToExport()) return;
+  trapped(
+      "ExportExcel",
+      [this] {
+        const QPointer<AuditViewer> alive(&viewer_);
+        const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Export Path"), 0);
+        if (!alive) return;
+        if (folder.isEmpty()) {
+          message(MessageIcon::information, messageTitle, QStringLiteral("No path selected!"));
+          return;
+        }
+        const QString file = folder + fromUtf8(output::exchangeFileName);
+        exportCurrentList(
+            [&](const results::ResultList& list, const output::RowProgress& progress) {
+              return output::writeExchangeFile(list, toPath(file), progress);
+            },
+            [&] { return ownText("export.written").arg(file); });
+      },
+      spreadsheetHint);
+}
+
+void AuditViewer::Members::btExcel_Click() {
+  viewer_.ExportExcel();
+}
+
+void AuditViewer::Members::btPrint_Click() {
+  libraryState().pendingReport.print = true;
+  writeReport();
+}
+
+void AuditViewer::Members::PreviewReport() {
+  libraryState().pendingReport.preview = true;
+  writeReport();
+}
+
+void AuditViewer::Members::writeReport() {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const std::filesystem::path file = output::exportPath(output::reportName);
+  const std::string caption = surface.SSTab1->tabText(static_cast<int>(surface.currentTab())).toStdString();
+  output::ReportNotes notes;
+  {
+    const control::BusyPointer busy(*services);
+    notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
+  }
+  surface.WebBrowser1->Navigate(shownPath(file), std::move(notes));
+}
+
+void AuditViewer::Members::WebBrowser1_DocumentComplete() {
+  trapped(
+      "Printing",
+      [this] {
+        const QPointer<AuditViewer> alive(&viewer_);
+        control::PendingReport& pending = libraryState().pendingReport;
+        if (pending.preview) {
+          surface.WebBrowser1->ExecWB(ReportCommand::printPreview, ExecOption::doDefault);
+          pending.preview = false;
+        }
+        if (!alive) return;
+        if (pending.print) {
+          surface.WebBrowser1->ExecWB(ReportCommand::print, ExecOption::promptUser);
+          pending.print = false;
+        }
+      },
+      printingHint);
+}
+
+}  // namespace korvel

@@ -1,0 +1,249 @@
+#include "control/forms/report_preview.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <exception>
+
+#include "base/error.h"
+#include "control/forms/sheet_list.h"
+#include "control/look/buttons.h"
+#include "control/look/dialogs.h"
+#include "control/look/look.h"
+#include "control/look/theme.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+constexpr int firstWidth = 1040;
+constexpr int firstHeight = 760;
+constexpr int sheetWidth = 110;
+constexpr qreal pointsPerInch = 72;
+constexpr int leastPercent = 20;
+constexpr int mostPercent = 400;
+constexpr qreal zoomStep = 1.25;
+constexpr int percent = 100;
+
+QString name(const char* text) {
+  return QString::fromLatin1(text);
+}
+
+}  // namespace
+
+ReportPreview::ReportPreview(std::unique_ptr<output::pages::ReportSheets> sheets, QWidget* owner)
+    : QDialog(owner),
+      sheets_(std::move(sheets)),
+      lvSheets_(new QListView(this)),
+      areaPage_(new QScrollArea(this)),
+      lblPage_(new QLabel) {
+  setObjectName(name("frmReportPreview"));
+  setWindowTitle(ownText("preview.title"));
+  setWindowFlag(Qt::WindowMaximizeButtonHint);
+  look::applyLook(*this);
+  QVBoxLayout* column = look::dressDialog(*this);
+  column->addWidget(buildBar());
+  buildPages();
+  auto* row = new QHBoxLayout;
+  row->setSpacing(look::px(this, look::space::between));
+  row->addWidget(lvSheets_);
+  row->addWidget(areaPage_, 1);
+  column->addLayout(row, 1);
+
+  QSize size(look::px(this, firstWidth), look::px(this, firstHeight));
+  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
+  resize(size);
+  areaPage_->setFocus();
+  showPage(1);
+}
+
+ReportPreview::~ReportPreview() {
+  // Its model draws from the sheets, which go first.
+  lvSheets_->setModel(nullptr);
+}
+
+QWidget* ReportPreview::buildBar() {
+  auto* bar = new QWidget;
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins({});
+  row->setSpacing(look::px(this, look::space::inGroup));
+  const auto button = [&](look::IconName icon, const char* objectName, const char* text, auto clicked) {
+    auto* made = new look::IconButton(icon, bar);
+    made->setObjectName(name(objectName));
+    made->setToolTip(ownText(text));
+    connect(made, &QToolButton::clicked, this, clicked);
+    row->addWidget(made);
+    return made;
+  };
+  const auto gap = [&] { row->addSpacing(look::px(this, 2 * look::space::between)); };
+
+  btFirst_ = button(look::IconName::FirstPage, "btFirst", "preview.first", [this] { showPage(1); });
+  btPrevious_ = button(look::IconName::PreviousPage, "btPrevious", "preview.previous", [this] { showPage(page_ - 1); });
+  txtPage_ = new QSpinBox;
+  txtPage_->setObjectName(name("txtPage"));
+  txtPage_->setRange(1, std::max(1, sheets_->count()));
+  txtPage_->setButtonSymbols(QAbstractSpinBox::NoButtons);
+  txtPage_->setKeyboardTracking(false);
+  txtPage_->setAccessibleName(ownText("preview.page"));
+  connect(txtPage_, &QSpinBox::valueChanged, this, &ReportPreview::showPage);
+  row->addWidget(txtPage_);
+  auto* of = new QLabel(ownText("preview.of").arg(sheets_->count()));
+  of->setObjectName(name("lblOf"));
+  row->addWidget(of);
+  btNext_ = button(look::IconName::NextPage, "btNext", "preview.next", [this] { showPage(page_ + 1); });
+  btLast_ = button(look::IconName::LastPage, "btLast", "preview.last", [this] { showPage(sheets_->count()); });
+  gap();
+  button(look::IconName::ZoomOut, "btZoomOut", "preview.zoomOut",
+         [this] { setZoomPercent(qRound(zoomPercent() / zoomStep)); });
+  lblZoom_ = new QLabel;
+  lblZoom_->setObjectName(name("lblZoom"));
+  lblZoom_->setAlignment(Qt::AlignCenter);
+  lblZoom_->setMinimumWidth(lblZoom_->fontMetrics().horizontalAdvance(QStringLiteral("0000 %")));
+  row->addWidget(lblZoom_);
+  button(look::IconName::ZoomIn, "btZoomIn", "preview.zoomIn",
+         [this] { setZoomPercent(qRound(zoomPercent() * zoomStep)); });
+  button(look::IconName::FitWidth, "btFitWidth", "preview.fitWidth", [this] { setZoom(Zoom::fitWidth); });
+  button(look::IconName::FitPage, "btFitPage", "preview.fitPage", [this] { setZoom(Zoom::fitPage); });
+  row->addStretch(1);
+  auto* print = new look::PrimaryButton(look::IconName::Print, ownText("preview.print"), bar);
+  print->setObjectName(name("btPrint"));
+  print->setDefault(true);
+  connect(print, &QPushButton::clicked, this, [this] {
+    accept();
+    Q_EMIT printRequested();
+  });
+  row->addWidget(print);
+  auto* close = new look::SecondaryButton(ownText("preview.close"), bar);
+  close->setObjectName(name("btClose"));
+  connect(close, &QPushButton::clicked, this, &QDialog::reject);
+  row->addWidget(close);
+  return bar;
+}
+
+void ReportPreview::buildPages() {
+  const int width = look::px(this, sheetWidth);
+  auto* model = new SheetList(*sheets_, width, devicePixelRatioF(), this);
+  lvSheets_->setObjectName(name("lvSheets"));
+  lvSheets_->setAccessibleName(ownText("preview.pages"));
+  lvSheets_->setModel(model);
+  lvSheets_->setViewMode(QListView::IconMode);
+  lvSheets_->setFlow(QListView::LeftToRight);
+  lvSheets_->setMovement(QListView::Static);
+  // Sizes are known without drawing a page, or all of them would be drawn at once.
+  lvSheets_->setUniformItemSizes(true);
+  const QSizeF page = sheets_->pageSize();
+  const int height = qRound(width * page.height() / page.width());
+  const int text = fontMetrics().height() + look::px(this, look::space::inside);
+  lvSheets_->setIconSize({width, height});
+  lvSheets_->setGridSize(
+      {width + look::px(this, 2 * look::space::inside), height + text + look::px(this, look::space::inside)});
+  lvSheets_->setFixedWidth(lvSheets_->gridSize().width() + lvSheets_->verticalScrollBar()->sizeHint().width() +
+                           2 * lvSheets_->frameWidth() + look::px(this, look::space::inGroup));
+  lvSheets_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  connect(lvSheets_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+          [this](const QModelIndex& current) { showPage(current.row() + 1); });
+
+  lblPage_->setObjectName(name("lblPage"));
+  lblPage_->setAlignment(Qt::AlignCenter);
+  areaPage_->setObjectName(name("areaPage"));
+  areaPage_->setAccessibleName(ownText("preview.page"));
+  areaPage_->setAlignment(Qt::AlignCenter);
+  areaPage_->setWidget(lblPage_);
+  areaPage_->setBackgroundRole(QPalette::Mid);
+}
+
+void ReportPreview::showPage(int page) {
+  page = std::clamp(page, 1, std::max(1, sheets_->count()));
+  if (page == page_) return;
+  page_ = page;
+  txtPage_->setValue(page);
+  lvSheets_->setCurrentIndex(lvSheets_->model()->index(page - 1, 0));
+  for (QToolButton* back : {btFirst_, btPrevious_}) back->setEnabled(page > 1);
+  for (QToolButton* on : {btNext_, btLast_}) on->setEnabled(page < sheets_->count());
+  areaPage_->verticalScrollBar()->setValue(0);
+  drawPage();
+}
+
+void ReportPreview::setZoom(Zoom zoom) {
+  zoom_ = zoom;
+  drawPage();
+}
+
+void ReportPreview::setZoomPercent(int wanted) {
+  zoom_ = Zoom::fixed;
+  fixedDotsPerInch_ = std::clamp(wanted, leastPercent, mostPercent) * logicalDpiX() / static_cast<qreal>(percent);
+  drawPage();
+}
+
+int ReportPreview::zoomPercent() const {
+  return qRound(dotsPerInch() * percent / logicalDpiX());
+}
+
+qreal ReportPreview::dotsPerInch() const {
+  if (zoom_ == Zoom::fixed) return fixedDotsPerInch_;
+  const QSizeF page = sheets_->pageSize();
+  // As if there were a scroll bar: one that comes and goes would change the width that it comes for.
+  const int margin = look::px(this, 2 * look::space::inside);
+  const QSize room = areaPage_->size() - QSize(margin + areaPage_->verticalScrollBar()->sizeHint().width(), margin);
+  const qreal byWidth = room.width() * pointsPerInch / page.width();
+  const qreal byHeight = room.height() * pointsPerInch / page.height();
+  const qreal wanted = zoom_ == Zoom::fitWidth ? byWidth : std::min(byWidth, byHeight);
+  return std::max(wanted, leastPercent * logicalDpiX() / static_cast<qreal>(percent));
+}
+
+void ReportPreview::drawPage() {
+  if (page_ == 0) return;
+  try {
+    QImage picture = sheets_->picture(page_, dotsPerInch() * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    lblPage_->setPixmap(QPixmap::fromImage(std::move(picture)));
+  } catch (const Error& error) {
+    lblPage_->setText(fromUtf8(error.description()));
+  } catch (const std::exception& failure) {
+    lblPage_->setText(QString::fromLocal8Bit(failure.what()));
+  }
+  lblPage_->adjustSize();
+  lblZoom_->setText(QStringLiteral("%1 %").arg(zoomPercent()));
+}
+
+void ReportPreview::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  if (zoom_ != Zoom::fixed) drawPage();
+}
+
+void ReportPreview::keyPressEvent(QKeyEvent* event) {
+  const bool control = event->modifiers().testFlag(Qt::ControlModifier);
+  switch (event->key()) {
+    case Qt::Key_PageDown:
+      return showPage(page_ + 1);
+    case Qt::Key_PageUp:
+      return showPage(page_ - 1);
+    case Qt::Key_Home:
+      return showPage(1);
+    case Qt::Key_End:
+      return showPage(sheets_->count());
+    case Qt::Key_Plus:
+      if (control) return setZoomPercent(qRound(zoomPercent() * zoomStep));
+      break;
+    case Qt::Key_Minus:
+      if (control) return setZoomPercent(qRound(zoomPercent() / zoomStep));
+      break;
+    case Qt::Key_0:
+      if (control) return setZoom(Zoom::fitPage);
+      break;
+    default:
+      break;
+  }
+  QDialog::keyPressEvent(event);
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,42 @@
+#include "control/forms/sheet_list.h"
+
+#include <QSize>
+#include <exception>
+#include <memory>
+
+namespace korvel::control {
+namespace {
+
+constexpr qreal pointsPerInch = 72;
+/// Pictures that are kept; those of a screen or two.
+constexpr int keptPictures = 64;
+
+}  // namespace
+
+SheetList::SheetList(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent)
+    : QAbstractListModel(parent), sheets_(sheets), width_(width), pixelRatio_(pixelRatio), pictures_(keptPictures) {}
+
+int SheetList::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : sheets_.count();
+}
+
+QVariant SheetList::data(const QModelIndex& index, int role) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) return {};
+  const int page = index.row() + 1;
+  if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) return QString::number(page);
+  if (role == Qt::TextAlignmentRole) return int(Qt::AlignHCenter);
+  if (role != Qt::DecorationRole) return {};
+  if (const QImage* const kept = pictures_.object(page)) return *kept;
+  try {
+    auto picture = std::make_unique<QImage>(
+        sheets_.picture(page, width_ * pixelRatio_ * pointsPerInch / sheets_.pageSize().width()));
+    picture->setDevicePixelRatio(pixelRatio_);
+    const QImage shown = *picture;
+    pictures_.insert(page, picture.release());
+    return shown;
+  } catch (const std::exception&) {
+    return {};  // the large picture says why it cannot be shown
+  }
+}
+
+}  // namespace korvel::control

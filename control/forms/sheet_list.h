@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QCache>
+#include <QImage>
+
+#include "output/pages/report_sheets.h"
+
+namespace korvel::control {
+
+/// The pages of a report as small pictures, drawn when they are looked at.
+class SheetList final : public QAbstractListModel {
+  Q_OBJECT
+
+ public:
+  /// `sheets` must outlive it. Pictures are `width` pixels wide at `pixelRatio` device pixels each.
+  SheetList(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent);
+
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+
+ private:
+  output::pages::ReportSheets& sheets_;
+  int width_;
+  qreal pixelRatio_;
+  mutable QCache<int, QImage> pictures_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <memory>
+
+#include "output/report_notes.h"
+#include "output/report_reader.h"
+
+namespace korvel::control {
+
+/// Commands of ExecWB by their standard numbers.
+enum class ReportCommand { print = 6, printPreview = 7 };
+/// How ExecWB runs a command.
+enum class ExecOption { doDefault = 0, promptUser = 2 };
+
+/// The component `WebBrowser1`: it takes a report file, says when it has it, and prints or previews it. It reads our
+/// own reports only, by the notes of their writer: nothing in them is run, opened or fetched.
+class ReportViewer final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Dialogs belong to `owner`, which also owns the viewer.
+  explicit ReportViewer(QWidget& owner);
+
+  /// Takes the report file; DocumentComplete follows when the event loop runs next, once, also where Navigate is called
+  /// again before.
+  void Navigate(const QString& path, output::ReportNotes notes);
+  /// Prints, after the print dialog with promptUser, or shows the preview. A cancelled dialog does nothing. Throws
+  /// Error: the file cannot be read or is not the one that was written, the printer does not take it.
+  void ExecWB(ReportCommand command, ExecOption option);
+
+ Q_SIGNALS:
+  void DocumentComplete(const QString& path);
+
+ private:
+  /// The report's reader, after all of the file has proved to be what was written.
+  [[nodiscard]] std::unique_ptr<output::ReportReader> openReport() const;
+  void print(ExecOption option);
+  void preview();
+
+  QWidget& owner_;
+  QString path_;
+  output::ReportNotes notes_;
+  bool announced_ = false;
+};
+
+}  // namespace korvel::control

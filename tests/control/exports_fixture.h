@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QProgressBar>
+#include <filesystem>
+#include <string>
+
+#include "base/whole_file.h"
+#include "tests/control/command_surfaces.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::test {
+
+/// Outputs go into a folder of the test's own, which "windir" names.
+class Outputs : public CommandTest {
+ protected:
+  /// A viewer whose custom page shows rows of three columns A, B and C.
+  std::unique_ptr<AuditViewer> viewerWith(const std::vector<std::array<std::string, 3>>& rows) {
+    auto viewer = shownViewer();
+    selectTab(*viewer, 5);
+    server.answer = [rows](db::ResultSink& sink) {
+      const std::vector<db::Field> fields{{"A"}, {"B"}, {"C"}};
+      sink.beginResult(fields);
+      for (const auto& row : rows) {
+        const std::array<db::Cell, 3> cells{{{row[0]}, {row[1]}, {row[2]}}};
+        if (!sink.row(cells)) return;
+      }
+      sink.endResult();
+    };
+    click(*viewer, "btQuery");
+    return viewer;
+  }
+  [[nodiscard]] std::string written(const std::string& name) const { return readWholeFile(folder / name); }
+  [[nodiscard]] QString path(const std::string& name) const { return QString::fromStdString((folder / name).string()); }
+  [[nodiscard]] bool folderIsEmpty() const { return std::filesystem::is_empty(folder.path()); }
+  static QProgressBar* progressBar(const AuditViewer& viewer) { return element<QProgressBar>(viewer, "ProgressBar1"); }
+
+  TemporaryFolder folder;
+  EnvironmentVariable windir{"windir", folder.path().string()};
+};
+
+}  // namespace korvel::test

@@ -1,0 +1,219 @@
+// The report from the print command to the printer: its file, the flags, the dialogs.
+#include <QPrinter>
+
+#include "output/pages/report_sheets.h"
+#include "tests/control/exports_fixture.h"
+
+namespace korvel::test {
+namespace {
+
+using control::libraryState;
+using control::MessageIcon;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class Printing : public Outputs {
+ protected:
+  Printing() {
+    recorder->onPrinter = [this](QPrinter& printer) {
+      printer.setOutputFormat(QPrinter::PdfFormat);
+      printer.setOutputFileName(path("printed.pdf"));
+      return true;
+    };
+  }
+  /// The report viewer says that it has the report when the event loop runs.
+  static void completeDocuments() { QCoreApplication::processEvents(); }
+  [[nodiscard]] std::string printed() const { return written("printed.pdf"); }
+  [[nodiscard]] int filesInFolder() const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) count += entry.exists() ? 1 : 0;
+    return count;
+  }
+};
+
+TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
+  const auto viewer = viewerWith({{"a", "<b>", "c"}});
+  click(*viewer, "btPrint");
+  EXPECT_NE(written("report.htm").find("<p align=\"center\">Custom Audits</p>"), std::string::npos);
+  EXPECT_NE(written("report.htm").find("<td width=\"100\" height=\"26\"><b></td>"), std::string::npos);
+  EXPECT_EQ(recorder->printerDialogs, 0);
+  EXPECT_TRUE(libraryState().pendingReport.print);
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 1);
+  EXPECT_FALSE(libraryState().pendingReport.print);
+  EXPECT_EQ(printed().substr(0, 5), "%PDF-");
+  EXPECT_THAT(recorder->messages, IsEmpty());
+  EXPECT_EQ(filesInFolder(), 2);  // nothing temporary stays
+}
+
+TEST_F(Printing, ByMenuAndToolbar) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  choose(*viewer, "FILE/PRINT");
+  completeDocuments();
+  press(*viewer, "PRINT");
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 2);
+}
+
+TEST_F(Printing, AnEmptyListIsPrintedToo) {
+  const auto viewer = shownViewer();
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 1);
+  EXPECT_NE(written("report.htm").find("<p align=\"center\">ALL Audits Audits</p>"), std::string::npos);
+  EXPECT_EQ(written("report.htm").find("<td"), std::string::npos);
+  EXPECT_EQ(printed().substr(0, 5), "%PDF-");
+}
+
+TEST_F(Printing, TwiceOverwritesTheFileAndPrintsAgain) {
+  const auto viewer = viewerWith({{"first", "b", "c"}});
+  click(*viewer, "btPrint");
+  completeDocuments();
+  const auto again = viewerWith({{"second", "b", "c"}});
+  click(*again, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 2);
+  EXPECT_EQ(written("report.htm").find("first"), std::string::npos);
+  EXPECT_NE(written("report.htm").find("second"), std::string::npos);
+}
+
+TEST_F(Printing, AClickBeforeTheReportIsThereReplacesIt) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  click(*viewer, "btPrint");
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 1);
+}
+
+TEST_F(Printing, ACancelledPrintDialogPrintsNothing) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onPrinter = nullptr;
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 1);
+  EXPECT_FALSE(libraryState().pendingReport.print);
+  EXPECT_FALSE(std::filesystem::exists(folder / "printed.pdf"));
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(Printing, TakesThePrintFont) {
+  libraryState().printFont = {"Courier", 9.75};
+  const auto viewer = shownViewer();
+  // A new viewer sets it back.
+  click(*viewer, "btPrint");
+  EXPECT_NE(written("report.htm").find("FONT:9P Courier"), std::string::npos);
+  libraryState().printFont.size = 9.75;
+  click(*viewer, "btPrint");
+  EXPECT_NE(written("report.htm").find("FONT:9.75P Courier"), std::string::npos);
+}
+
+TEST_F(Printing, AReportThatWasChangedMeanwhileIsNotPrinted) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  click(*viewer, "btPrint");
+  std::string report = written("report.htm");
+  report.replace(report.find(">a<"), 3, ">z<");
+  writeWholeFile(folder / "report.htm", report);
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 0);
+  ASSERT_THAT(recorder->messages, SizeIs(1));
+  EXPECT_EQ(recorder->messages[0].icon, MessageIcon::critical);
+  EXPECT_EQ(recorder->messages[0].title, QString());
+  EXPECT_TRUE(recorder->messages[0].text.startsWith("321:Error in Printing.  Error Message: "))
+      << recorder->messages[0].text.toStdString();
+  EXPECT_TRUE(recorder->messages[0].text.endsWith("\r\nMake sure Internet Explorer 6.0 or above is installed"));
+}
+
+TEST_F(Printing, AReportThatIsGoneIsSaid) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  click(*viewer, "btPrint");
+  std::filesystem::remove(folder / "report.htm");
+  completeDocuments();
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "53:Error in Printing.  Error Message: File not found\r\n"
+                                                           "Make sure Internet Explorer 6.0 or above is installed"}));
+}
+
+TEST_F(Printing, AReportThatCannotBeWrittenIsSaid) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  const EnvironmentVariable gone("windir", (folder / "gone").string());
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_THAT(recorder->messages,
+              ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                       "76:Error in btPrint_Click.  Error Message: Path not found"}));
+  EXPECT_EQ(recorder->printerDialogs, 0);
+}
+
+TEST_F(Printing, APrinterThatTakesNothingIsSaidAndAnOlderFileStays) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  writeWholeFile(folder / "printed.pdf", "older");
+  recorder->onPrinter = [this](QPrinter& printer) {
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(path("gone/printed.pdf"));
+    return true;
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  ASSERT_THAT(recorder->messages, SizeIs(1));
+  EXPECT_TRUE(
+      recorder->messages[0].text.startsWith("75:Error in Printing.  Error Message: Path/File access error\r\n"));
+  EXPECT_EQ(printed(), "older");
+  recorder->onPrinter = [this](QPrinter& printer) {
+    printer.setOutputFileName(path("printed.pdf"));
+    return true;
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(printed().substr(0, 5), "%PDF-");
+}
+
+TEST_F(Printing, ThePreviewComesBeforeThePrinter) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  libraryState().pendingReport.preview = true;
+  QStringList order;
+  recorder->onPreview = [&](output::pages::ReportSheets&) { order << "preview"; };
+  const auto printer = recorder->onPrinter;
+  recorder->onPrinter = [&](QPrinter& chosen) {
+    order << "print";
+    return printer(chosen);
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(order, (QStringList{"preview", "print"}));
+  EXPECT_FALSE(libraryState().pendingReport.preview);
+}
+
+TEST_F(Printing, APreviewAlonePrintsOnlyWhereItIsWanted) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  viewer->PreviewReport();
+  completeDocuments();
+  EXPECT_EQ(recorder->previewedPages, QList<int>{1});
+  EXPECT_EQ(recorder->printerDialogs, 0);
+  recorder->printFromPreview = true;
+  viewer->PreviewReport();
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 1);
+}
+
+TEST_F(Printing, AViewerMayDieBeforeItsReportIsThere) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  click(*viewer, "btPrint");
+  viewer.reset();
+  completeDocuments();
+  EXPECT_EQ(recorder->printerDialogs, 0);
+}
+
+TEST_F(Printing, AViewerMayDieInItsPrintDialog) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onPrinter = [&](QPrinter&) {
+    viewer.reset();
+    return true;
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_FALSE(std::filesystem::exists(folder / "printed.pdf"));
+}
+
+}  // namespace
+}  // namespace korvel::test
