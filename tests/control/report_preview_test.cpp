@@ -264,6 +264,16 @@ TEST_F(Preview, OfAReportWithoutSectionsIsAnEmptyPage) {
   EXPECT_FALSE(element<QToolButton>(window, "btNext")->isEnabled());
 }
 
+TEST_F(Preview, SmallPagesHaveAnEdge) {
+  ReportPreview window(sheets(10), nullptr);
+  const QAbstractItemModel& model = *element<QListView>(window, "lvSheets")->model();
+  const QImage small = model.index(0, 0).data(Qt::DecorationRole).value<QImage>();
+  ASSERT_FALSE(small.isNull());
+  EXPECT_NE(small.pixelColor(0, 0), QColor(Qt::white));
+  EXPECT_NE(small.pixelColor(small.width() - 1, small.height() / 2), QColor(Qt::white));
+  EXPECT_EQ(small.pixelColor(2, 2), QColor(Qt::white));
+}
+
 TEST_F(Preview, OfALongReportDrawsOnlyWhatIsLookedAt) {
   ReportPreview window(sheets(20000), nullptr);
   window.show();
