@@ -76,9 +76,10 @@ void AuditViewer::Members::exportCurrentList(
     surface.StatusBar1->paintNow();
   });
   QString told = finish();
-  if (!alive) return;
-  bar.hide();
+  if (alive) bar.hide();
+  // The pointer is the program's, whoever has died meanwhile.
   services->setPointer(Pointer::standard);
+  if (!alive) return;
   if (replaced > 0) told += QStringLiteral(". ") + ownText("export.replaced").arg(replaced);
   notice_ = told;
   showRestingText();

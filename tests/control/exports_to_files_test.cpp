@@ -198,6 +198,14 @@ TEST_F(TextExport, TheEditorMayFailAfterTheControlsDeath) {
   EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
+TEST_F(TextExport, AControlThatDiesWhileTheEditorStartsGivesThePointerBack) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onEditor = [&] { viewer.reset(); };
+  viewer->ExportNotepad();
+  EXPECT_EQ(recorder->pointers.back(), Pointer::standard);
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
 TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
   writeWholeFile(folder / "velview.txt", "earlier");
