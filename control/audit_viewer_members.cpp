@@ -73,6 +73,7 @@ AuditViewer::Members::~Members() {
 
 void AuditViewer::Members::trapped(std::string_view operationName, const std::function<void()>& operation,
                                    const QString& hint) {
+  const QPointer<AuditViewer> alive(&viewer_);
   std::int32_t number = 0;
   QString description;
   try {
@@ -85,6 +86,8 @@ void AuditViewer::Members::trapped(std::string_view operationName, const std::fu
     number = unspecifiedFailure;
     description = QString::fromLocal8Bit(failure.what());
   }
+  // Dialogs may outlive the control, and fail afterwards.
+  if (!alive) return;
   message(MessageIcon::critical, QString(),
           QString::number(number) + QStringLiteral(":Error in ") + fromUtf8(operationName) +
               QStringLiteral(".  Error Message: ") + description +

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "control/audit_viewer_members.h"
-#include "control/query_watch.h"
 #include "control/report_viewer.h"
 #include "control/texts.h"
 #include "output/export_folder.h"
@@ -69,20 +68,18 @@ void AuditViewer::Members::exportCurrentList(
   bar.setRange(0, static_cast<int>(list.rowCount()));
   bar.setValue(0);
   bar.show();
-  std::size_t replaced = 0;
-  {
-    // Nothing but painting happens meanwhile: the list keeps its rows until the last one is written.
-    control::QueryWatch watch;
-    replaced = write(list, [&](std::size_t rows) {
-      bar.setValue(static_cast<int>(rows));
-      (void)watch.goOn();
-      if (!alive) throw Error(unspecifiedFailure, "the control was removed");
-    });
-  }
+  surface.StatusBar1->paintNow();
+  // Painted at once, without a look into the event queue: a call of the host that waits there could give the list other
+  // rows in the middle of the file, or remove the control.
+  const std::size_t replaced = write(list, [&](std::size_t rows) {
+    bar.setValue(static_cast<int>(rows));
+    surface.StatusBar1->paintNow();
+  });
   QString told = finish();
-  if (!alive) return;
-  bar.hide();
+  if (alive) bar.hide();
+  // The pointer is the program's, whoever has died meanwhile.
   services->setPointer(Pointer::standard);
+  if (!alive) return;
   if (replaced > 0) told += QStringLiteral(". ") + ownText("export.replaced").arg(replaced);
   notice_ = told;
   showRestingText();
@@ -139,20 +136,27 @@ void AuditViewer::Members::btPrint_Click() {
 }
 
 void AuditViewer::Members::PreviewReport() {
-  libraryState().pendingReport.preview = true;
+  // What an earlier report left undone is not made up for by this one.
+  libraryState().pendingReport = {.print = false, .preview = true};
   writeReport();
 }
 
 void AuditViewer::Members::writeReport() {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
-  const std::filesystem::path file = output::exportPath(output::reportName);
-  const std::string caption = surface.SSTab1->tabText(static_cast<int>(surface.currentTab())).toStdString();
-  output::ReportNotes notes;
-  {
-    const control::BusyPointer busy(*services);
-    notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
+  try {
+    const std::filesystem::path file = output::exportPath(output::reportName);
+    const std::string caption = surface.SSTab1->tabText(static_cast<int>(surface.currentTab())).toStdString();
+    output::ReportNotes notes;
+    {
+      const control::BusyPointer busy(*services);
+      notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
+    }
+    surface.WebBrowser1->Navigate(shownPath(file), std::move(notes));
+  } catch (...) {
+    // Nothing will be there to be printed; the next report is not to find this one's flags.
+    libraryState().pendingReport = {};
+    throw;
   }
-  surface.WebBrowser1->Navigate(shownPath(file), std::move(notes));
 }
 
 void AuditViewer::Members::WebBrowser1_DocumentComplete() {
@@ -161,14 +165,19 @@ void AuditViewer::Members::WebBrowser1_DocumentComplete() {
       [this] {
         const QPointer<AuditViewer> alive(&viewer_);
         control::PendingReport& pending = libraryState().pendingReport;
-        if (pending.preview) {
-          surface.WebBrowser1->ExecWB(ReportCommand::printPreview, ExecOption::doDefault);
-          pending.preview = false;
-        }
-        if (!alive) return;
-        if (pending.print) {
-          surface.WebBrowser1->ExecWB(ReportCommand::print, ExecOption::promptUser);
-          pending.print = false;
+        try {
+          if (pending.preview) {
+            surface.WebBrowser1->ExecWB(ReportCommand::printPreview, ExecOption::doDefault);
+            pending.preview = false;
+          }
+          if (!alive) return;
+          if (pending.print) {
+            surface.WebBrowser1->ExecWB(ReportCommand::print, ExecOption::promptUser);
+            pending.print = false;
+          }
+        } catch (...) {
+          pending = {};
+          throw;
         }
       },
       printingHint);

@@ -4,8 +4,11 @@
 #include <QString>
 #include <memory>
 
+#include "output/pages/report_pages.h"
 #include "output/report_notes.h"
 #include "output/report_reader.h"
+
+class QPrinter;
 
 namespace korvel::control {
 
@@ -22,6 +25,7 @@ class ReportViewer final : public QObject {
  public:
   /// Dialogs belong to `owner`, which also owns the viewer.
   explicit ReportViewer(QWidget& owner);
+  ~ReportViewer() override;
 
   /// Takes the report file; DocumentComplete follows when the event loop runs next, once, also where Navigate is called
   /// again before.
@@ -37,6 +41,8 @@ class ReportViewer final : public QObject {
   /// The report's reader, after all of the file has proved to be what was written.
   [[nodiscard]] std::unique_ptr<output::ReportReader> openReport() const;
   void print(ExecOption option);
+  void printIntoFile(output::ReportReader& report, const QPrinter& printer,
+                     const output::pages::PageProgress& progress) const;
   void preview();
 
   QWidget& owner_;

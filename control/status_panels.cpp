@@ -1,6 +1,7 @@
 #include "control/status_panels.h"
 
 #include <QLabel>
+#include <QLayout>
 #include <QProgressBar>
 
 #include "control/elided_label.h"
@@ -54,6 +55,11 @@ void StatusPanels::setRecords(const QString& text) {
 }
 QString StatusPanels::records() const {
   return records_->text();
+}
+void StatusPanels::paintNow() {
+  // What has been shown or hidden gets its place when the event loop runs next, which would be too late.
+  if (QLayout* const panels = layout()) panels->activate();
+  repaint();
 }
 
 }  // namespace korvel::control

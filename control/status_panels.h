@@ -23,6 +23,9 @@ class StatusPanels final : public QStatusBar {
   void setRecords(const QString& text);
   [[nodiscard]] QString records() const;
 
+  /// Paints the panels and the progress bar as they are now, without the event loop.
+  void paintNow();
+
   /// How far an export is. Hidden while there is none.
   QProgressBar* ProgressBar1;
 

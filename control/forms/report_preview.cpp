@@ -116,16 +116,15 @@ QWidget* ReportPreview::buildBar() {
   row->addStretch(1);
   auto* print = new look::PrimaryButton(look::IconName::Print, ownText("preview.print"), bar);
   print->setObjectName(name("btPrint"));
-  print->setDefault(true);
-  connect(print, &QPushButton::clicked, this, [this] {
-    accept();
-    Q_EMIT printRequested();
-  });
+  connect(print, &QPushButton::clicked, this, [this] { requestPrint(); });
   row->addWidget(print);
   auto* close = new look::SecondaryButton(ownText("preview.close"), bar);
   close->setObjectName(name("btClose"));
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
   row->addWidget(close);
+  // Enter ends the typing of a page's number: no button takes it from there.
+  for (QPushButton* each : {static_cast<QPushButton*>(print), static_cast<QPushButton*>(close)})
+    each->setAutoDefault(false);
   return bar;
 }
 
@@ -159,6 +158,12 @@ void ReportPreview::buildPages() {
   areaPage_->setAlignment(Qt::AlignCenter);
   areaPage_->setWidget(lblPage_);
   areaPage_->setBackgroundRole(QPalette::Mid);
+  areaPage_->installEventFilter(this);
+}
+
+void ReportPreview::requestPrint() {
+  accept();
+  Q_EMIT printRequested();
 }
 
 void ReportPreview::showPage(int page) {
@@ -220,9 +225,32 @@ void ReportPreview::resizeEvent(QResizeEvent* event) {
   if (zoom_ != Zoom::fixed) drawPage();
 }
 
+/// The page keys scroll through a page that is larger than the window, and then go on to its neighbour.
+bool ReportPreview::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != areaPage_ || event->type() != QEvent::KeyPress) return QDialog::eventFilter(watched, event);
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  QScrollBar& bar = *areaPage_->verticalScrollBar();
+  if (key == Qt::Key_PageDown && bar.value() == bar.maximum()) {
+    showPage(page_ + 1);
+    return true;
+  }
+  if (key == Qt::Key_PageUp && bar.value() == bar.minimum()) {
+    const int before = page_;
+    showPage(page_ - 1);
+    if (page_ != before) bar.setValue(bar.maximum());
+    return true;
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
 void ReportPreview::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Print)) return requestPrint();
   const bool control = event->modifiers().testFlag(Qt::ControlModifier);
   switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (auto* const button = qobject_cast<QAbstractButton*>(focusWidget())) button->click();
+      return;
     case Qt::Key_PageDown:
       return showPage(page_ + 1);
     case Qt::Key_PageUp:
@@ -232,6 +260,7 @@ void ReportPreview::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_End:
       return showPage(sheets_->count());
     case Qt::Key_Plus:
+    case Qt::Key_Equal:  // plus without shift on many keyboards
       if (control) return setZoomPercent(qRound(zoomPercent() * zoomStep));
       break;
     case Qt::Key_Minus:

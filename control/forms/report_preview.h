@@ -36,14 +36,14 @@ class ReportPreview final : public QDialog {
  Q_SIGNALS:
   /// A person wants the report on paper.
   void printRequested();
-  /// Something that a person asked for was not done, and why.
-  void failed(const QString& text);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void requestPrint();
   QWidget* buildBar();
   void buildPages();
   void drawPage();

@@ -1,5 +1,6 @@
 #include "control/forms/sheet_list.h"
 
+#include <QPainter>
 #include <QSize>
 #include <exception>
 #include <memory>
@@ -10,6 +11,13 @@ namespace {
 constexpr qreal pointsPerInch = 72;
 /// Pictures that are kept; those of a screen or two.
 constexpr int keptPictures = 64;
+
+/// White paper on a white ground would have no edge.
+void frame(QImage& picture) {
+  QPainter painter(&picture);
+  painter.setPen(QColor(0, 0, 0, 72));
+  painter.drawRect(picture.rect().adjusted(0, 0, -1, -1));
+}
 
 }  // namespace
 
@@ -30,6 +38,7 @@ QVariant SheetList::data(const QModelIndex& index, int role) const {
   try {
     auto picture = std::make_unique<QImage>(
         sheets_.picture(page, width_ * pixelRatio_ * pointsPerInch / sheets_.pageSize().width()));
+    frame(*picture);
     picture->setDevicePixelRatio(pixelRatio_);
     const QImage shown = *picture;
     pictures_.insert(page, picture.release());

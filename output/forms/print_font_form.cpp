@@ -83,7 +83,8 @@ frmPrintFont::frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner)
   auto* buttons = new QDialogButtonBox;
   buttons->addButton(btChangeFont_, QDialogButtonBox::ActionRole);
   buttons->addButton(btDefault_, QDialogButtonBox::ActionRole);
-  buttons->addButton(btClose_, QDialogButtonBox::AcceptRole);
+  // Behind the other two in every order that platforms have: closing accepts nothing and rejects nothing.
+  buttons->addButton(btClose_, QDialogButtonBox::RejectRole);
   look::addButtons(*this, buttons);
   btClose_->setDefault(true);
   btClose_->setFocus();

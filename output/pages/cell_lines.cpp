@@ -15,11 +15,13 @@ namespace {
 /// Shaping takes many bytes a character, so long texts are shaped in parts.
 constexpr qsizetype shapedAtOnce = 2000;
 constexpr qsizetype measuredCharacters = 2000;
+constexpr QStringView separators = u"-/\\.,;:_|=&?)]}#@";
 
 void breakPlain(CellLines& cell, qreal width, GlyphFace& face) {
   const QString& text = cell.text;
   qsizetype start = 0;
   qsizetype canBreakAt = 0;
+  qsizetype canSplitAt = 0;
   qreal x = 0;
   for (qsizetype i = 0; i < text.size(); ++i) {
     const QChar c = text[i];
@@ -37,13 +39,15 @@ void breakPlain(CellLines& cell, qreal width, GlyphFace& face) {
         x = 0;
         continue;
       }
-      const qsizetype end = canBreakAt > start ? canBreakAt : i;
+      // A number that fits no line is split at a separator of its own before it is broken anywhere.
+      const qsizetype end = canBreakAt > start ? canBreakAt : canSplitAt > start ? canSplitAt : i;
       cell.lines.push_back({start, end - start});
       start = canBreakAt = end;
       x = face.width(QStringView(text).mid(start, i - start));
     }
     x += advance;
     if (mayBreakBehind(text, i)) canBreakAt = i + 1;
+    if (separators.contains(c)) canSplitAt = i + 1;
   }
   cell.lines.push_back({start, text.size() - start});
 }
@@ -89,7 +93,6 @@ void breakShaped(CellLines& cell, qreal width, const QFont& font, QPaintDevice& 
 bool mayBreakBehind(QStringView text, qsizetype i) noexcept {
   const QChar c = text[i];
   if (c == u' ') return true;
-  constexpr QStringView separators = u"-/\\.,;:_|=&?)]}#@";
   if (!separators.contains(c)) return false;
   const auto isDigit = [&](qsizetype at) {
     return at >= 0 && at < text.size() && text[at] >= u'0' && text[at] <= u'9';

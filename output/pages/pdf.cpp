@@ -1,7 +1,6 @@
 #include "output/pages/pdf.h"
 
 #include <QIODevice>
-#include <QPageSize>
 #include <QPdfWriter>
 #include <exception>
 #include <string_view>
@@ -41,11 +40,11 @@ class SinkDevice : public QIODevice {
 
 }  // namespace
 
-PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink,
-                      const PageProgress& progress) {
+PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink, const PageProgress& progress,
+                      const QPageSize& paper) {
   SinkDevice device(sink);
   QPdfWriter writer(&device);
-  writer.setPageSize(QPageSize(QPageSize::A4));
+  writer.setPageSize(paper);
   writer.setResolution(pdfDotsPerInch);
   writer.setTitle(QStringLiteral("KorvelAudit Report"));
   writer.setCreator(QStringLiteral("KorvelAudit Viewer"));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPageSize>
+
 #include "output/byte_sink.h"
 #include "output/pages/report_pages.h"
 
@@ -8,9 +10,10 @@ namespace korvel::output::pages {
 /// What PDF documents are laid out for.
 inline constexpr int pdfDotsPerInch = 1200;
 
-/// Writes the report as a PDF document on A4 pages, byte by byte as they come. What the sink or the source throws comes
-/// through; the output is then incomplete, as it is where `progress` cancels. Needs a QGuiApplication.
+/// Writes the report as a PDF document on pages of the size of `paper`, byte by byte as they come. What the sink or the
+/// source throws comes through; the output is then incomplete, as it is where `progress` cancels. Needs a
+/// QGuiApplication.
 PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink,
-                      const PageProgress& progress = {});
+                      const PageProgress& progress = {}, const QPageSize& paper = QPageSize(QPageSize::A4));
 
 }  // namespace korvel::output::pages

@@ -177,7 +177,8 @@ void ReportFlow::measureSections(Orientation orientation) {
 
 ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, const std::vector<ColumnWish>& measured) {
   SectionPlan plan;
-  plan.caption = shownOnPaper(head.caption);
+  // As in the report's file: also behind a caption that ends so itself.
+  plan.caption = shownOnPaper(head.caption) + QStringLiteral(" Audits");
   const qreal headerSize = headerFont(head.font, 1).pointSizeF();
   const ColumnPlan columns =
       planColumns(measured, pageWidth(), padding(), leastSize / bodySize, std::min(qreal{1}, leastSize / headerSize));

@@ -32,6 +32,11 @@ class Outputs : public CommandTest {
   [[nodiscard]] std::string written(const std::string& name) const { return readWholeFile(folder / name); }
   [[nodiscard]] QString path(const std::string& name) const { return QString::fromStdString((folder / name).string()); }
   [[nodiscard]] bool folderIsEmpty() const { return std::filesystem::is_empty(folder.path()); }
+  [[nodiscard]] int filesInFolder() const {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) count += entry.exists() ? 1 : 0;
+    return count;
+  }
   static QProgressBar* progressBar(const AuditViewer& viewer) { return element<QProgressBar>(viewer, "ProgressBar1"); }
 
   TemporaryFolder folder;

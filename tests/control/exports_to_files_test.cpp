@@ -2,6 +2,7 @@
 #include "base/error.h"
 #include "output/windows_error.h"
 #include "tests/control/exports_fixture.h"
+#include "tests/support/full_disk.h"
 
 namespace korvel::test {
 namespace {
@@ -143,6 +144,85 @@ TEST_F(TextExport, TheProgressBarGoesFromTheFirstRowToTheLast) {
   EXPECT_EQ(values.last()[0].toInt(), 2500);
 }
 
+/// Paintings of a widget that have happened so far.
+class PaintCount final : public QObject {
+ public:
+  explicit PaintCount(QWidget& watched) { watched.installEventFilter(this); }
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    // At the place where it is to be seen, not where it was created.
+    if (event->type() == QEvent::Paint && qobject_cast<QWidget*>(watched)->x() > 0) ++count;
+    return false;
+  }
+};
+
+TEST_F(TextExport, TheProgressBarIsPaintedWithoutTheEventLoop) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(3500, {"a", "b", "c"}));
+  const PaintCount paintings(*progressBar(*viewer));
+  viewer->ExportNotepad();
+  EXPECT_GE(paintings.count, 4);
+}
+
+TEST_F(TextExport, WhatTheHostHasQueuedComesAfterTheFile) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  QMetaObject::invokeMethod(
+      viewer.get(), [&] { click(*viewer, "btClear"); }, Qt::QueuedConnection);
+  viewer->ExportNotepad();
+  std::string whole = "A,B,C,\r\n";
+  for (int i = 0; i < 2500; ++i) whole += "a,b,c\r\n";
+  EXPECT_EQ(written("velview.txt"), whole);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list(*viewer, 5)->model()->rowCount(), 0);
+}
+
+TEST_F(TextExport, ARemovalThatIsQueuedComesAfterTheFile) {
+  auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  QMetaObject::invokeMethod(
+      qApp, [&] { viewer.reset(); }, Qt::QueuedConnection);
+  viewer->ExportNotepad();
+  EXPECT_EQ(recorder->edited, QStringList{path("velview.txt")});
+  QCoreApplication::processEvents();
+  EXPECT_EQ(viewer, nullptr);
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(TextExport, TheEditorMayFailAfterTheControlsDeath) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onEditor = [&] {
+    viewer.reset();
+    throw output::windowsError(output::errorFileNotFound);
+  };
+  viewer->ExportNotepad();
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(TextExport, AControlThatDiesWhileTheEditorStartsGivesThePointerBack) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onEditor = [&] { viewer.reset(); };
+  viewer->ExportNotepad();
+  EXPECT_EQ(recorder->pointers.back(), Pointer::standard);
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  writeWholeFile(folder / "velview.txt", "earlier");
+  {
+    const test::FullDisk full(4096);
+    viewer->ExportNotepad();
+  }
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "61:Error in ExportNotpad.  Error Message: Disk full"}));
+  EXPECT_EQ(written("velview.txt"), "earlier");
+  EXPECT_EQ(filesInFolder(), 1);
+  EXPECT_THAT(recorder->edited, IsEmpty());
+  viewer->ExportNotepad();
+  EXPECT_EQ(written("velview.txt").size(), 8 + 2500 * 7);
+  EXPECT_FALSE(progressBar(*viewer)->isVisible());
+}
+
 TEST_F(TextExport, ByNameAndByTheToolbarsKey) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "ExportNotepad"));
@@ -183,6 +263,52 @@ TEST_F(SpreadsheetExport, OfAnEmptyListAsksForNoFolder) {
   viewer->ExportExcel();
   EXPECT_THAT(recorder->messages, ElementsAre(nothing));
   EXPECT_THAT(recorder->folderQuestions, IsEmpty());
+}
+
+TEST_F(SpreadsheetExport, TakesTheListOfTheCurrentPage) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  selectTab(*viewer, 0);
+  viewer->ExportExcel();
+  EXPECT_THAT(recorder->messages, ElementsAre(nothing));
+  selectTab(*viewer, 5);
+  viewer->ExportExcel();
+  EXPECT_EQ(written("velviewex.log"), "A|B|C|\r\na|b|c\r\n");
+}
+
+TEST_F(SpreadsheetExport, AControlThatDiesInTheFolderDialogWritesNothing) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  recorder->onFolder = [&] { viewer.reset(); };
+  viewer->ExportExcel();
+  EXPECT_TRUE(folderIsEmpty());
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(SpreadsheetExport, IntoAFolderWithAForeignName) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  const std::string foreign =
+      "Pr\xC3\xBC"
+      "fung \xE7\x9B\xA3\xE6\x9F\xBB #%20";
+  std::filesystem::create_directory(folder / foreign);
+  recorder->chosenFolder = path(foreign);
+  viewer->ExportExcel();
+  EXPECT_EQ(written(foreign + "/velviewex.log"), "A|B|C|\r\na|b|c\r\n");
+  EXPECT_EQ(statusPanel(*viewer), "Exported to " + path(foreign) + "/velviewex.log");
+}
+
+TEST_F(SpreadsheetExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  writeWholeFile(folder / "velviewex.log", "earlier");
+  {
+    const test::FullDisk full(4096);
+    viewer->ExportExcel();
+  }
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "61:Error in ExportExcel.  Error Message: Disk full\r\n"
+                                                           "Make sure Excel 10.0 or above is installed"}));
+  EXPECT_EQ(written("velviewex.log"), "earlier");
+  EXPECT_EQ(filesInFolder(), 1);
+  viewer->ExportExcel();
+  EXPECT_EQ(written("velviewex.log").size(), 8 + 2500 * 7);
 }
 
 TEST_F(SpreadsheetExport, AFailureTellsItsNumberAndTheHint) {

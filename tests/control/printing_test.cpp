@@ -1,8 +1,11 @@
 // The report from the print command to the printer: its file, the flags, the dialogs.
+#include <sys/stat.h>
+
 #include <QPrinter>
 
 #include "output/pages/report_sheets.h"
 #include "tests/control/exports_fixture.h"
+#include "tests/support/full_disk.h"
 
 namespace korvel::test {
 namespace {
@@ -25,11 +28,6 @@ class Printing : public Outputs {
   /// The report viewer says that it has the report when the event loop runs.
   static void completeDocuments() { QCoreApplication::processEvents(); }
   [[nodiscard]] std::string printed() const { return written("printed.pdf"); }
-  [[nodiscard]] int filesInFolder() const {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) count += entry.exists() ? 1 : 0;
-    return count;
-  }
 };
 
 TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
@@ -156,8 +154,7 @@ TEST_F(Printing, APrinterThatTakesNothingIsSaidAndAnOlderFileStays) {
   click(*viewer, "btPrint");
   completeDocuments();
   ASSERT_THAT(recorder->messages, SizeIs(1));
-  EXPECT_TRUE(
-      recorder->messages[0].text.startsWith("75:Error in Printing.  Error Message: Path/File access error\r\n"));
+  EXPECT_TRUE(recorder->messages[0].text.startsWith("76:Error in Printing.  Error Message: Path not found\r\n"));
   EXPECT_EQ(printed(), "older");
   recorder->onPrinter = [this](QPrinter& printer) {
     printer.setOutputFileName(path("printed.pdf"));
@@ -194,6 +191,108 @@ TEST_F(Printing, APreviewAlonePrintsOnlyWhereItIsWanted) {
   viewer->PreviewReport();
   completeDocuments();
   EXPECT_EQ(recorder->printerDialogs, 1);
+}
+
+TEST_F(Printing, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(200, {"a", "b", "c"}));
+  writeWholeFile(folder / "printed.pdf", "earlier");
+  click(*viewer, "btPrint");
+  {
+    const test::FullDisk full(4096);
+    completeDocuments();
+  }
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "61:Error in Printing.  Error Message: Disk full\r\n"
+                                                           "Make sure Internet Explorer 6.0 or above is installed"}));
+  EXPECT_EQ(printed(), "earlier");
+  EXPECT_EQ(filesInFolder(), 2);  // the report and what was there before
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(printed().substr(0, 5), "%PDF-");
+  EXPECT_EQ(printed().substr(printed().size() - 6), "%%EOF\n");
+}
+
+TEST_F(Printing, AFileIsReadableByWhomTheUsersMaskAllows) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  const mode_t before = ::umask(0027);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  ::umask(before);
+  struct stat status {};
+  ASSERT_EQ(::stat((folder / "printed.pdf").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+TEST_F(Printing, AFileHasThePaperThatWasChosen) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  const auto intoFile = recorder->onPrinter;
+  recorder->onPrinter = [&](QPrinter& printer) {
+    printer.setPageSize(QPageSize(QPageSize::Letter));
+    return intoFile(printer);
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_NE(printed().find("/MediaBox [0 0 612"), std::string::npos);
+}
+
+TEST_F(Printing, ThePagesSayThatCharactersAreMissing) {
+  // Left below, as ink on white.
+  const auto noteOf = [&](const std::string& text) {
+    bool ink = false;
+    recorder->onPreview = [&](output::pages::ReportSheets& sheets) {
+      const QImage page = sheets.picture(1, 72);
+      for (int y = page.height() - 60; y < page.height(); ++y)
+        for (int x = 0; x < page.width() / 2; ++x) ink = ink || qGray(page.pixel(x, y)) < 128;
+    };
+    const auto viewer = viewerWith({{text, "b", "c"}});
+    viewer->PreviewReport();
+    completeDocuments();
+    return ink;
+  };
+  EXPECT_FALSE(noteOf("?"));
+  EXPECT_TRUE(noteOf("\xCE\xB1"));
+}
+
+TEST_F(Printing, AReportThatCouldNotBeWrittenIsNotMadeUpFor) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  {
+    const EnvironmentVariable gone("windir", (folder / "gone").string());
+    viewer->PreviewReport();
+  }
+  EXPECT_EQ(recorder->messages.size(), 1U);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_THAT(recorder->previewedPages, IsEmpty());
+  EXPECT_EQ(recorder->printerDialogs, 1);
+  {
+    const EnvironmentVariable gone("windir", (folder / "gone").string());
+    click(*viewer, "btPrint");
+  }
+  viewer->PreviewReport();
+  completeDocuments();
+  EXPECT_EQ(recorder->previewedPages, QList<int>{1});
+  EXPECT_EQ(recorder->printerDialogs, 1);
+}
+
+TEST_F(Printing, AReportThatCouldNotBeReadIsNotMadeUpFor) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  viewer->PreviewReport();
+  std::filesystem::remove(folder / "report.htm");
+  completeDocuments();
+  EXPECT_EQ(recorder->messages.size(), 1U);
+  EXPECT_FALSE(libraryState().pendingReport.preview);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_THAT(recorder->previewedPages, IsEmpty());
+  EXPECT_EQ(recorder->printerDialogs, 1);
+}
+
+TEST_F(Printing, AReportThatDiesWithItsViewerIsNotMadeUpFor) {
+  auto viewer = viewerWith({{"a", "b", "c"}});
+  viewer->PreviewReport();
+  viewer.reset();
+  completeDocuments();
+  EXPECT_FALSE(libraryState().pendingReport.preview);
 }
 
 TEST_F(Printing, AViewerMayDieBeforeItsReportIsThere) {

@@ -8,12 +8,15 @@
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
 #include <array>
 
+#include "base/error.h"
 #include "output/report_source.h"
 
 namespace korvel::control {
@@ -43,10 +46,36 @@ class NumberedRows final : public output::ReportSource {
   std::string number_;
 };
 
+/// A report whose file becomes unreadable once it has been laid out.
+class FailingLater final : public output::ReportSource {
+ public:
+  explicit FailingLater(const bool& fails) : fails_(fails), rows_(10) {}
+  void rewind() override { rows_.rewind(); }
+  bool nextSection(output::SectionHead& head) override {
+    if (fails_) throw Error(321, "Invalid file format");
+    return rows_.nextSection(head);
+  }
+  bool nextRow(std::vector<std::string_view>& cells) override { return rows_.nextRow(cells); }
+
+ private:
+  const bool& fails_;
+  NumberedRows rows_;
+};
+
+class NoSections final : public output::ReportSource {
+ public:
+  void rewind() override {}
+  bool nextSection(output::SectionHead& /*head*/) override { return false; }
+  bool nextRow(std::vector<std::string_view>& /*cells*/) override { return false; }
+};
+
 class Preview : public ::testing::Test {
  protected:
   static std::unique_ptr<output::pages::ReportSheets> sheets(int rows) {
-    auto made = std::make_unique<output::pages::ReportSheets>(std::make_unique<NumberedRows>(rows),
+    return sheetsOf(std::make_unique<NumberedRows>(rows));
+  }
+  static std::unique_ptr<output::pages::ReportSheets> sheetsOf(std::unique_ptr<output::ReportSource> source) {
+    auto made = std::make_unique<output::pages::ReportSheets>(std::move(source),
                                                               output::pages::PageTexts{"now", "Page %1 of %2", {}});
     EXPECT_TRUE(made->layOut());
     return made;
@@ -144,6 +173,105 @@ TEST_F(Preview, PrintsWhereItIsWantedAndClosesOtherwise) {
   element<QPushButton>(window, "btPrint")->click();
   EXPECT_FALSE(window.isVisible());
   EXPECT_EQ(print.count(), 1);
+}
+
+TEST_F(Preview, EnterEndsTheTypingOfAPageAndDoesNotPrint) {
+  ReportPreview window(sheets(300), nullptr);
+  const QSignalSpy print(&window, &ReportPreview::printRequested);
+  window.show();
+  auto* field = element<QSpinBox>(window, "txtPage");
+  field->setFocus();
+  field->selectAll();
+  QTest::keyClicks(field, "3");
+  QTest::keyClick(field, Qt::Key_Return);
+  EXPECT_EQ(window.page(), 3);
+  EXPECT_TRUE(window.isVisible());
+  for (const char* name : {"areaPage", "lvSheets"}) {
+    auto* view = element<QWidget>(window, name);
+    view->setFocus();
+    QTest::keyClick(view, Qt::Key_Return);
+  }
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_EQ(print.count(), 0);
+}
+
+TEST_F(Preview, EnterPressesTheButtonThatHasTheFocus) {
+  ReportPreview window(sheets(300), nullptr);
+  const QSignalSpy print(&window, &ReportPreview::printRequested);
+  window.show();
+  QApplication::setActiveWindow(&window);
+  auto* next = element<QToolButton>(window, "btNext");
+  next->setFocus();
+  QTest::keyClick(next, Qt::Key_Enter);
+  EXPECT_EQ(window.page(), 2);
+  EXPECT_EQ(print.count(), 0);
+  auto* button = element<QPushButton>(window, "btPrint");
+  button->setFocus();
+  QTest::keyClick(button, Qt::Key_Return);
+  EXPECT_EQ(print.count(), 1);
+}
+
+TEST_F(Preview, TheUsualKeyPrints) {
+  ReportPreview window(sheets(10), nullptr);
+  const QSignalSpy print(&window, &ReportPreview::printRequested);
+  window.show();
+  QTest::keyClick(element<QScrollArea>(window, "areaPage"), Qt::Key_P, Qt::ControlModifier);
+  EXPECT_EQ(print.count(), 1);
+  // The toolkit remembers the modifiers of the last key beyond the window; the next test wants none.
+  QTest::keyClick(&window, Qt::Key_Home);
+}
+
+TEST_F(Preview, ThePageKeysScrollThroughAPageAndThenTurnIt) {
+  ReportPreview window(sheets(300), nullptr);
+  window.show();
+  auto* area = element<QScrollArea>(window, "areaPage");
+  // The whole page is in sight.
+  QTest::keyClick(area, Qt::Key_PageDown);
+  EXPECT_EQ(window.page(), 2);
+  window.setZoomPercent(400);
+  QCoreApplication::processEvents();
+  QTest::keyClick(area, Qt::Key_PageDown);
+  EXPECT_EQ(window.page(), 2);
+  QScrollBar& bar = *area->verticalScrollBar();
+  EXPECT_GT(bar.value(), 0);
+  bar.setValue(bar.maximum());
+  QTest::keyClick(area, Qt::Key_PageDown);
+  EXPECT_EQ(window.page(), 3);
+  EXPECT_EQ(bar.value(), 0);
+  QTest::keyClick(area, Qt::Key_PageUp);
+  EXPECT_EQ(window.page(), 2);
+  EXPECT_EQ(bar.value(), bar.maximum());
+}
+
+TEST_F(Preview, SaysWhyAPageCannotBeShown) {
+  bool fails = false;
+  auto report = sheetsOf(std::make_unique<FailingLater>(fails));
+  fails = true;
+  ReportPreview window(std::move(report), nullptr);
+  window.show();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(element<QLabel>(window, "lblPage")->text(), "Invalid file format");
+  fails = false;
+  window.setZoom(ReportPreview::Zoom::fitWidth);
+  EXPECT_FALSE(shown(window).isNull());
+}
+
+TEST_F(Preview, OfAReportWithoutSectionsIsAnEmptyPage) {
+  ReportPreview window(sheetsOf(std::make_unique<NoSections>()), nullptr);
+  window.show();
+  EXPECT_FALSE(shown(window).isNull());
+  EXPECT_EQ(element<QLabel>(window, "lblOf")->text(), "of 1");
+  EXPECT_FALSE(element<QToolButton>(window, "btNext")->isEnabled());
+}
+
+TEST_F(Preview, SmallPagesHaveAnEdge) {
+  ReportPreview window(sheets(10), nullptr);
+  const QAbstractItemModel& model = *element<QListView>(window, "lvSheets")->model();
+  const QImage small = model.index(0, 0).data(Qt::DecorationRole).value<QImage>();
+  ASSERT_FALSE(small.isNull());
+  EXPECT_NE(small.pixelColor(0, 0), QColor(Qt::white));
+  EXPECT_NE(small.pixelColor(small.width() - 1, small.height() / 2), QColor(Qt::white));
+  EXPECT_EQ(small.pixelColor(2, 2), QColor(Qt::white));
 }
 
 TEST_F(Preview, OfALongReportDrawsOnlyWhatIsLookedAt) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <stdexcept>
 
@@ -80,6 +81,17 @@ TEST_F(PrintFontForm, ClosingKeepsTheFontForTheNextTime) {
   EXPECT_FALSE(form->isVisible());
   open();
   EXPECT_EQ(labels(), "DejaVu Sans 12");
+}
+
+TEST_F(PrintFontForm, ItsLastButtonClosesItAndEscapeDoesToo) {
+  open();
+  form->layout()->activate();
+  EXPECT_LT(element<QPushButton>("btChangeFont").x(), element<QPushButton>("btDefault").x());
+  EXPECT_LT(element<QPushButton>("btDefault").x(), element<QPushButton>("btClose").x());
+  EXPECT_TRUE(element<QPushButton>("btClose").isDefault());
+  form->reject();
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_EQ(font.name, "Courier");
 }
 
 TEST_F(PrintFontForm, IsKnownByItsName) {

@@ -50,6 +50,11 @@ TEST_F(BrokenText, KeepsDatesAndTimesWhole) {
   EXPECT_EQ(broken("2004-03-07 13:45:59.123", 14), "2004-03-07|13:45:59.123");
 }
 
+TEST_F(BrokenText, SplitsANumberThatFitsNoLineAtItsSeparators) {
+  EXPECT_EQ(broken("{0A1B-1111-2222-3333-4444}", 13), "{0A1B-|1111-2222-|3333-4444}");
+  EXPECT_EQ(broken("1111-22222222", 8), "1111-|22222222");
+}
+
 TEST_F(BrokenText, EndsALineWhereTheValueDoes) {
   EXPECT_EQ(broken("00\r\n00", 20), "00\u21B5|00");
   EXPECT_EQ(broken("00\n\n00\n", 20), "00\\n|\\n|00\\n");

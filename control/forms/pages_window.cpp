@@ -1,0 +1,52 @@
+#include "control/forms/pages_window.h"
+
+#include <QCoreApplication>
+#include <QProgressDialog>
+#include <limits>
+
+#include "control/look/look.h"
+#include "control/look/theme.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+constexpr int leastWidth = 360;
+
+}  // namespace
+
+PagesWindow::PagesWindow(QWidget& owner, std::chrono::milliseconds patience)
+    : window_(new QProgressDialog(ownText("print.counting"), ownText("print.cancel"), 0, 0, &owner)),
+      patience_(patience) {
+  window_->setObjectName(QStringLiteral("frmPages"));
+  window_->setWindowModality(Qt::ApplicationModal);
+  window_->setWindowTitle(QStringLiteral("KorvelAudit Viewer"));
+  look::applyLook(*window_);
+  window_->setMinimumWidth(look::px(window_, leastWidth));
+  // When it shows and hides is decided here: by itself it never shows as long as the value stays the same, which is
+  // all the time that pages are counted.
+  window_->setMinimumDuration(std::numeric_limits<int>::max());
+  window_->setAutoReset(false);
+  window_->setAutoClose(false);
+  begun_.start();
+}
+
+PagesWindow::~PagesWindow() {
+  delete window_;
+}
+
+bool PagesWindow::show(int page, int pages) {
+  if (!window_) return false;
+  window_->setLabelText(pages == 0 ? ownText("print.counting") : ownText("print.printing").arg(page).arg(pages));
+  window_->setMaximum(pages);
+  window_->setValue(page);
+  if (!window_) return false;
+  if (!window_->isVisible() && !window_->wasCanceled()) {
+    if (std::chrono::milliseconds(begun_.elapsed()) < patience_) return true;
+    window_->show();
+  }
+  QCoreApplication::processEvents();
+  return window_ && !window_->wasCanceled();
+}
+
+}  // namespace korvel::control
