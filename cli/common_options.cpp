@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 
-#include "base/text.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/names.h"
+#include "cli/output_target.h"
 #include "cli/read_option.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
@@ -15,10 +15,15 @@ namespace korvel::cli {
 
 namespace {
 
-std::optional<output::ListFormat> formatNamed(const std::string& text) {
-  for (const auto& [name, format] : output::listFormatNames)
-    if (equalsIgnoringAsciiCase(text, name)) return format;
-  return std::nullopt;
+std::optional<const OutputFormat*> formatNamed(const std::string& text) {
+  const OutputFormat* format = outputFormatNamed(text);
+  return format == nullptr ? std::nullopt : std::optional(format);
+}
+
+std::string noFormatText() {
+  std::string text = "no format; there are";
+  for (const OutputFormat& format : outputFormats()) text.append(" ").append(format.name);
+  return text;
 }
 
 }  // namespace
@@ -35,15 +40,20 @@ void addConnection(CLI::App& command, std::string& server, std::string& database
                 [&database](const std::string& name) { database = name; });
 }
 
-void addTarget(CLI::App& command, output::ListFormat& format, std::string& output) {
-  addReadOption(command, {"--format", "FORMAT", "table, text, exchange, csv or json (default: table)"}, formatNamed,
-                "no format", [&format](output::ListFormat chosen) { format = chosen; });
-  addOutputFile(command, output);
-}
-
-void addOutputFile(CLI::App& command, std::string& output) {
+void addTarget(CLI::App& command, const OutputFormat*& format, std::string& output) {
+  addReadOption(command,
+                {"--format", "FORMAT", "table, text, exchange, csv, json, html, pdf or\nxlsx (default: table)"},
+                formatNamed, noFormatText(), [&format](const OutputFormat* chosen) { format = chosen; });
   command.add_option("--output", output, "File to write, whole or not at all (default: -,\nstandard output)")
       ->option_text("FILE");
+}
+
+std::optional<std::string> targetProblem(const OutputFormat& format, const std::string& output,
+                                         const std::ostream& out) {
+  if (output != "-" && isDatabaseFile(output)) return output + " is a database; the tool does not replace it";
+  if (format.isBinary && isTerminal(output, out))
+    return std::string(format.name) + " is nothing for a terminal; name a file with --output";
+  return std::nullopt;
 }
 
 int refused(std::ostream& err, std::string_view why) {

@@ -9,7 +9,8 @@ namespace korvel::cli {
 
 namespace {
 
-constexpr std::array signals = {SIGINT, SIGTERM};
+// The last one comes when the terminal is closed.
+constexpr std::array signals = {SIGINT, SIGTERM, SIGHUP};
 
 /// What a signal's handler may touch: it needs no start, and no lock.
 std::atomic<bool>& noted() noexcept {

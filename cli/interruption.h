@@ -4,8 +4,9 @@
 
 namespace korvel::cli {
 
-/// While it lives, Ctrl+C and the request to end leave the program running and are only noted, so that work is ended in
-/// good order. The second one ends it as ever. Signals that the program was started to ignore stay ignored.
+/// While it lives, Ctrl+C, the request to end and the end of the terminal leave the program running and are only noted,
+/// so that work is ended in good order. The second one ends it as ever. Signals that the program was started to ignore
+/// stay ignored.
 class Interruption {
  public:
   Interruption();
@@ -16,7 +17,7 @@ class Interruption {
   [[nodiscard]] static bool requested() noexcept;
 
  private:
-  std::array<void (*)(int), 2> handlersBefore_{};
+  std::array<void (*)(int), 3> handlersBefore_{};
 };
 
 }  // namespace korvel::cli

@@ -1,7 +1,9 @@
 #include "cli/output_formats.h"
 
 #include <array>
+#include <optional>
 #include <ostream>
+#include <string>
 
 #include "base/text.h"
 #include "cli/messages.h"
@@ -27,8 +29,7 @@ void writeHtml(const CaptionedList& list, const output::ByteSink& sink, std::ost
         "note: characters that windows-1252 does not hold stand as \"?\": " + std::to_string(notes.replacedCharacters));
 }
 
-void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
-  const auto summary = output::writeWorkbook(list.list, std::string(list.caption), sink);
+void sayLosses(const output::WorkbookSummary& summary, std::ostream& err) {
   if (summary.lossCount == 0) return;
   const output::WorkbookLoss& first = summary.losses.front();
   say(err, "note: values that a cell cannot hold as they are: " + std::to_string(summary.lossCount) +
@@ -37,16 +38,51 @@ void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ost
                (first.kind == output::WorkbookLoss::Kind::tooLong ? ", was cut" : ", has bytes that are no text"));
 }
 
+void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
+  sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink), err);
+}
+
+/// Fills a workbook, which comes into being with the first row: an answer without rows leaves nothing behind.
+class XlsxWriter final : public output::RowWriter {
+ public:
+  XlsxWriter(std::string_view caption, const output::ByteSink& sink, std::ostream& err)
+      : caption_(caption), sink_(sink), err_(err) {}
+
+  void begin(std::span<const db::Field> fields) override { book_.emplace(std::string(caption_)).beginResult(fields); }
+  void row(std::span<const db::Cell> cells) override { book_->row(cells); }
+  void end() override {
+    book_->endResult();
+    sayLosses(book_->finish(sink_), err_);
+  }
+
+ private:
+  std::string_view caption_;
+  const output::ByteSink& sink_;
+  std::ostream& err_;
+  std::optional<output::Workbook> book_;
+};
+
+using RowWriterPointer = std::unique_ptr<output::RowWriter>;
+
+RowWriterPointer streamXlsx(std::string_view caption, const output::ByteSink& sink, std::ostream& err) {
+  return std::make_unique<XlsxWriter>(caption, sink, err);
+}
+
+template <output::ListFormat format>
+RowWriterPointer streamText(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& /*err*/) {
+  return output::rowWriterOf(format, sink);
+}
+
 using output::ListFormat;
 constexpr std::array formats = {
-    OutputFormat{"table", false, writeText<ListFormat::table>},
-    OutputFormat{"text", false, writeText<ListFormat::text>},
-    OutputFormat{"exchange", false, writeText<ListFormat::exchange>},
-    OutputFormat{"csv", false, writeText<ListFormat::csv>},
-    OutputFormat{"json", false, writeText<ListFormat::json>},
-    OutputFormat{"html", false, writeHtml},
-    OutputFormat{"pdf", true, writePdf},
-    OutputFormat{"xlsx", true, writeXlsx},
+    OutputFormat{"table", false, writeText<ListFormat::table>, nullptr},
+    OutputFormat{"text", false, writeText<ListFormat::text>, streamText<ListFormat::text>},
+    OutputFormat{"exchange", false, writeText<ListFormat::exchange>, streamText<ListFormat::exchange>},
+    OutputFormat{"csv", false, writeText<ListFormat::csv>, streamText<ListFormat::csv>},
+    OutputFormat{"json", false, writeText<ListFormat::json>, streamText<ListFormat::json>},
+    OutputFormat{"html", false, writeHtml, nullptr},
+    OutputFormat{"pdf", true, writePdf, nullptr},
+    OutputFormat{"xlsx", true, writeXlsx, streamXlsx},
 };
 
 }  // namespace

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "output/byte_sink.h"
+#include "output/row_writer.h"
 #include "results/result_list.h"
 
 namespace korvel::cli {
@@ -22,6 +24,10 @@ struct OutputFormat {
   bool isBinary;  ///< nothing for a terminal
   /// Writes the list; what cannot be written as it is, is said to `err`.
   void (*write)(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);
+  /// Writes records one by one, in the memory of a few; null for a form that has to know all of them first. Caption,
+  /// sink and `err` outlive what it gives.
+  std::unique_ptr<output::RowWriter> (*stream)(std::string_view caption, const output::ByteSink& sink,
+                                               std::ostream& err);
 };
 
 /// All of them, the default one first.

@@ -24,10 +24,11 @@ Error cannotWrite(const std::string& what) {
 }
 
 void writeToStream(std::ostream& out, const std::string& what, const Writer& write) {
-  errno = 0;
   write([&out, &what](std::string_view bytes) {
+    errno = 0;  // what came before, a query for one, is not why writing fails
     if (!out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()))) throw cannotWrite(what);
   });
+  errno = 0;
   if (!out.flush()) throw cannotWrite(what);
 }
 
@@ -53,6 +54,8 @@ bool isTerminal(const std::string& target, const std::ostream& out) {
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
   if (target == "-") return writeToStream(out, "standard output", write);
+  // Would only be noticed when all is written.
+  if (target.empty()) throw systemError(ENOENT, "cannot write a file without a name");
   std::error_code ignored;
   const fs::file_status status = fs::status(target, ignored);
   if (fs::is_directory(status)) throw systemError(EISDIR, "cannot write " + target);

@@ -65,11 +65,6 @@ std::optional<std::size_t> standardListNumbered(const std::string& text) {
   return static_cast<std::size_t>(text[0] - '0');
 }
 
-std::optional<const OutputFormat*> formatNamed(const std::string& text) {
-  const OutputFormat* format = outputFormatNamed(text);
-  return format == nullptr ? std::nullopt : std::optional(format);
-}
-
 void addFilters(CLI::App& command, QueryOptions& options) {
   command
       .add_option_function<std::vector<std::string>>(
@@ -100,10 +95,7 @@ void addOutput(CLI::App& command, QueryOptions& options) {
       {"--sort", "COLUMN", "Column to sort by: caption, column name, or number\ncounted from 1 (default: Entry ID)"},
       columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
   command.add_flag("--descending", options.descending, "Sort from the last to the first");
-  addReadOption(command,
-                {"--format", "FORMAT", "table, text, exchange, csv, json, html, pdf or\nxlsx (default: table)"},
-                formatNamed, "no format", [&options](const OutputFormat* format) { options.format = format; });
-  addOutputFile(command, options.output);
+  addTarget(command, options.format, options.output);
 }
 
 std::string recordsText(std::size_t count) {
@@ -165,11 +157,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
   using query::QueryOutcome;
   if (options.range.DateRangeActive && !query::isInOrder(options.range))
     return refused(err, "the day of --to lies before the day of --from");
-  if (options.output != "-" && isDatabaseFile(options.output))
-    return refused(err, options.output + " is a database; the tool does not replace it");
-
-  if (options.format->isBinary && isTerminal(options.output, out))
-    return refused(err, std::string(options.format->name) + " is nothing for a terminal; name a file with --output");
+  if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
   query::ResultLists lists = query::makeResultLists();
   const query::QueryReport report = query::runStandardQuery(treeOf(options), options.range,

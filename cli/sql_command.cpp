@@ -1,8 +1,12 @@
 #include "cli/sql_command.h"
 
 #include <CLI/CLI.hpp>
+#include <exception>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <ostream>
+#include <utility>
 
 #include "cli/common_options.h"
 #include "cli/exit_status.h"
@@ -11,6 +15,7 @@
 #include "cli/output_target.h"
 #include "db/connection_state.h"
 #include "output/record_stream.h"
+#include "query/audit_record.h"
 #include "query/custom_query.h"
 #include "query/query_failure.h"
 #include "query/query_file.h"
@@ -24,16 +29,24 @@ constexpr const char* footer =
     "nothing of later ones. Databases of the embedded engine are only read: what would change one\n"
     "is refused.\n"
     "\n"
-    "Formats (--format), all in UTF-8:\n"
+    "Formats (--format), in UTF-8 but for html:\n"
     "  table      aligned for a terminal; control characters in values show as \\n, \\x1B and so on\n"
     "  text       the layout of the viewer's text export: commas, nothing quoted, outer blanks\n"
     "             removed\n"
     "  exchange   the layout of the spreadsheet's exchange file: |\n"
     "  csv        values as stored, after RFC 4180; null is an empty field, an empty text is \"\"\n"
     "  json       values as stored: an array of objects; all values are strings, null is null\n"
-    "All but the table are written while the answer arrives, in little memory however long it is.\n"
-    "So what went to standard output before a failure stays there: the exit status tells. A file is\n"
-    "written whole or not at all, also when Ctrl+C ends the query.\n"
+    "  html       a report file like the viewer's: in windows-1252, outer blanks removed, values as\n"
+    "             they stand, also where they look like markup\n"
+    "  pdf        the same on pages\n"
+    "  xlsx       values as stored, as a spreadsheet: numbers, dates and booleans where nothing is\n"
+    "             lost\n"
+    "pdf and xlsx go to a file or a pipe, not to a terminal.\n"
+    "\n"
+    "text, exchange, csv, json and xlsx take the answer while it arrives, in little memory however\n"
+    "long it is; the others hold all of it. What went to standard output before a failure stays\n"
+    "there: the exit status tells. A file is written whole or not at all, also when Ctrl+C ends the\n"
+    "query.\n"
     "\n"
     "Query files (--file) are those of the viewer's custom page: text in the system's code page.\n"
     "\n"
@@ -46,8 +59,9 @@ constexpr const char* footer =
 
 constexpr std::string_view noRecordsText = "No Records Found for Query";
 
-/// Ends the writing of an output that is not to be.
+/// End the writing of an output that is not to be.
 struct NothingToWrite {};
+struct Stopped {};
 
 std::string databaseText(const Error& error) {
   std::string text = "database error " + std::to_string(error.number());
@@ -82,89 +96,116 @@ int ended(std::ostream& err, const query::CustomReport& report) {
   return exitDone;
 }
 
-/// Looks after the machine's memory while a stream is filled: a server's rows take none, but the embedded engine sorts
-/// in it.
+bool wanted() {
+  return !Interruption::requested();
+}
+
+/// Writes an answer while it arrives, and looks after the machine's memory meanwhile: a server's rows take none, but
+/// the embedded engine sorts in it.
 class WatchedStream final : public db::ResultSink {
  public:
-  explicit WatchedStream(output::RecordStream& stream) : stream_(stream), look_(noProgress_, surroundings_) {}
+  explicit WatchedStream(std::unique_ptr<output::RowWriter> writer)
+      : stream_(std::move(writer), wanted), look_(noProgress_, surroundings_) {}
 
   void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
-  bool row(std::span<const db::Cell> cells) override { return stream_.row(cells); }
+  /// A failure to write ends the answer in good order and is kept for throwUnwritten(): it is none of the engine's.
+  bool row(std::span<const db::Cell> cells) override {
+    try {
+      return stream_.row(cells);
+    } catch (...) {
+      unwritten_ = std::current_exception();
+      return false;
+    }
+  }
   void endResult() override { stream_.endResult(); }
-  bool goOn() override { return look_.look(stream_.rowCount(), memory_) && stream_.goOn(); }
+  bool goOn() override { return !unwritten_ && look_.look(stream_.rowCount(), memory_) && stream_.goOn(); }
+
+  void throwUnwritten() const {
+    if (unwritten_) std::rethrow_exception(unwritten_);
+  }
+  void finish() { stream_.finish(); }
+  [[nodiscard]] std::size_t rowCount() const noexcept { return stream_.rowCount(); }
+  [[nodiscard]] bool stopped() const noexcept { return stream_.stopped(); }
 
  private:
-  output::RecordStream& stream_;
+  output::RecordStream stream_;
   query::QueryProgress noProgress_;
   query::QuerySurroundings surroundings_;
   query::PacedLook look_;
   results::MemoryWatch memory_;
+  std::exception_ptr unwritten_;
 };
 
 /// One query whose answer goes to one target.
 class SqlRun {
  public:
-  SqlRun(const SqlOptions& options, const query::Connector& connect, std::string text)
-      : options_(options),
+  SqlRun(const SqlOptions& options, const query::Connector& connect, std::string text, std::ostream& err)
+      : format_(*options.format),
+        target_(options.output),
         connect_(connect),
         text_(std::move(text)),
-        connectionString_(db::buildConnectionString(options.server, options.database)) {}
+        connectionString_(db::buildConnectionString(options.server, options.database)),
+        err_(err) {}
 
-  /// Collects the whole answer, then writes it.
-  int writeTable(std::ostream& out, std::ostream& err) {
-    results::ResultList list(results::RowFilling::whole);
-    const query::CustomReport report = query::runCustomQuery(text_, connectionString_, connect_, list,
-                                                             [](std::size_t) { return !Interruption::requested(); });
-    if (report.outcome != query::CustomOutcome::filled) return ended(err, report);
-    if (Interruption::requested()) return stopped(err);
-    const auto failure = query::failureOf([&] {
-      writeTo(options_.output, out,
-              [&](const output::ByteSink& sink) { output::writeList(options_.format, list, sink); });
-    });
-    return failure ? outputFailed(err, *failure) : exitDone;
-  }
-
-  /// Writes the answer while it arrives.
-  int stream(std::ostream& out, std::ostream& err) {
+  /// The target is there before the query runs: a place that cannot be written to costs nobody a long wait.
+  int run(std::ostream& out) {
     query::CustomReport report;
-    std::optional<Error> unwritten;
     const auto failure = query::failureOf([&] {
       try {
-        writeTo(options_.output, out, [&](const output::ByteSink& sink) {
-          report = streamInto([&](std::string_view bytes) {
-            unwritten = query::failureOf([&] { sink(bytes); });
-            if (unwritten) throw Error(*unwritten);
-          });
-          if (unwritten) throw Error(*unwritten);
+        writeTo(target_, out, [&](const output::ByteSink& target) {
+          const output::ByteSink sink = [&target](std::string_view bytes) {
+            if (!wanted()) throw Stopped{};
+            target(bytes);
+          };
+          report = format_.stream != nullptr ? stream(sink) : collect(sink);
           // Leaves a file as it was.
-          if (report.outcome != query::CustomOutcome::filled) throw NothingToWrite{};
+          if (report.outcome != CustomOutcome::filled) throw NothingToWrite{};
         });
       } catch (const NothingToWrite&) {
+      } catch (const Stopped&) {
+        report = {CustomOutcome::stopped, std::nullopt};
       }
     });
-    return failure ? outputFailed(err, *failure) : ended(err, report);
+    return failure ? outputFailed(err_, *failure) : ended(err_, report);
   }
 
  private:
-  query::CustomReport streamInto(const output::ByteSink& sink) {
-    using query::CustomOutcome;
-    output::RecordStream stream(options_.format, sink, [] { return !Interruption::requested(); });
+  using CustomOutcome = query::CustomOutcome;
+
+  /// Collects the whole answer, then writes it.
+  query::CustomReport collect(const output::ByteSink& sink) {
+    results::ResultList list(results::RowFilling::whole);
+    query::CustomReport report =
+        query::runCustomQuery(text_, connectionString_, connect_, list, [](std::size_t) { return wanted(); });
+    if (report.outcome == CustomOutcome::filled) format_.write({list, caption}, sink, err_);
+    return report;
+  }
+
+  /// Writes the answer while it arrives.
+  query::CustomReport stream(const output::ByteSink& sink) {
+    WatchedStream stream(format_.stream(caption, sink, err_));
     const auto failure = query::failureOf([&] {
       const auto connection = connect_(connectionString_);
       if (!connection) throw query::internalFailure();
-      WatchedStream watched(stream);
-      connection->execute(text_, watched);
-      if (!stream.stopped()) stream.finish();
+      connection->execute(text_, stream);
     });
+    stream.throwUnwritten();
     if (stream.stopped()) return {CustomOutcome::stopped, std::nullopt};
     if (failure) return {CustomOutcome::failed, failure};
-    return {stream.rowCount() == 0 ? CustomOutcome::noRecords : CustomOutcome::filled, std::nullopt};
+    if (stream.rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
+    stream.finish();
+    return {CustomOutcome::filled, std::nullopt};
   }
 
-  const SqlOptions& options_;
+  /// That of the viewer's page for such queries.
+  static constexpr std::string_view caption = query::pageCaptions[query::customList];
+
+  const OutputFormat& format_;
+  const std::string& target_;
   const query::Connector& connect_;
   std::string text_;
   std::string connectionString_;
+  std::ostream& err_;
 };
 
 }  // namespace
@@ -186,15 +227,16 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
 }
 
 int runSql(const SqlOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
-  if (options.output != "-" && isDatabaseFile(options.output))
-    return refused(err, options.output + " is a database; the tool does not replace it");
+  if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
+  std::error_code none;
+  if (options.fromFile && std::filesystem::equivalent(options.file, options.output, none))
+    return refused(err, options.output + " is the query file itself");
   std::string text = options.text;
   if (options.fromFile)
     if (const auto failure = query::failureOf([&] { text = query::loadQueryFile(options.file); }))
       return refused(err, failure->description());
   const Interruption interruption;
-  SqlRun run(options, connect, std::move(text));
-  return output::canStream(options.format) ? run.stream(out, err) : run.writeTable(out, err);
+  return SqlRun(options, connect, std::move(text), err).run(out);
 }
 
 }  // namespace korvel::cli

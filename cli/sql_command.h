@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "output/list_writers.h"
+#include "cli/output_formats.h"
 #include "query/standard_query.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the parser names it so
@@ -18,7 +18,7 @@ struct SqlOptions {
   std::string text;
   std::string file;  ///< a query file to take the text from
   bool fromFile = false;
-  output::ListFormat format = output::ListFormat::table;
+  const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
 };
 

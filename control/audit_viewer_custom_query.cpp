@@ -84,23 +84,28 @@ query::CustomReport AuditViewer::Members::runWatched(const QString& text, result
   // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
   // without a look whether it lives.
   const std::string connectionString = libraryState().connection.AdvancedConnectionString;
+  const std::string command = text.toStdString();
+  const int selection = selections_;
+  const auto isStale = [&] { return !alive || selections_ != selection; };
   const QString statusBefore = surface.StatusBar1->status();
   customQueryRuns_ = true;
   query::CustomReport report;
   {
     control::QueryWatch watch;
     const query::QueryProgress progress = [&](std::size_t rows) {
-      if (!alive) return false;
+      if (isStale()) return false;
       if (rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(rows));
-      return watch.goOn() && alive;
+      return watch.goOn() && !isStale();
     };
-    report = query::runCustomQuery(text.toStdString(), connectionString, surroundings().connect, answer, progress,
+    report = query::runCustomQuery(command, connectionString, surroundings().connect, answer, progress,
                                    surroundings().queryMachine);
     // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
     static_cast<void>(watch.goOn());
   }
   if (!alive) return report;
   customQueryRuns_ = false;
+  // Rows of a database that is not the selected one any more are nobody's: the lists were cleared of them.
+  if (isStale()) report = {query::CustomOutcome::stopped, std::nullopt};
   surface.StatusBar1->setStatus(statusBefore);
   return report;
 }

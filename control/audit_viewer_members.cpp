@@ -153,7 +153,8 @@ void AuditViewer::Members::connectHandlers() {
       showRestingText();
     });
   }
-  QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_, [this] { SSTab1_Click(); });
+  QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_,
+                   [this] { trapped("SSTab1_Click", [this] { SSTab1_Click(); }); });
 }
 
 void AuditViewer::Members::fillLockTable() {
@@ -315,6 +316,7 @@ void AuditViewer::Members::SelectDatabase() {
 }
 
 void AuditViewer::Members::announceSelection() {
+  ++selections_;
   const QPointer<AuditViewer> alive(&viewer_);
   Q_EMIT viewer_.DatabaseSelected(fromUtf8(db::selectionText(libraryState().connection)));
   if (!alive) return;

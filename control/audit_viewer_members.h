@@ -188,6 +188,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   bool locked_ = false;
   bool rowLimitReached_ = false;
   bool customQueryRuns_ = false;
+  /// How often a database was selected: an answer that was asked for before the last time is not shown.
+  int selections_ = 0;
   /// What a list told last; until the next query, a change of the page or the end of the rows that it is about.
   QString notice_;
 };

@@ -8,19 +8,6 @@
 
 namespace korvel::output {
 
-/// Writes rows of one result set, one after the other.
-class RowWriter {
- public:
-  RowWriter() = default;
-  virtual ~RowWriter() = default;
-  RowWriter(const RowWriter&) = delete;
-  RowWriter& operator=(const RowWriter&) = delete;
-
-  virtual void begin(std::span<const db::Field> fields) = 0;
-  virtual void row(std::span<const db::Cell> cells) = 0;
-  virtual void end() = 0;
-};
-
 namespace {
 
 class CsvWriter final : public RowWriter {
@@ -67,7 +54,9 @@ class LineWriter final : public RowWriter {
   char separator_;
 };
 
-std::unique_ptr<RowWriter> writerOf(ListFormat format, const ByteSink& sink) {
+}  // namespace
+
+std::unique_ptr<RowWriter> rowWriterOf(ListFormat format, const ByteSink& sink) {
   switch (format) {
     case ListFormat::json:
       return std::make_unique<JsonWriter>(sink);
@@ -82,10 +71,11 @@ std::unique_ptr<RowWriter> writerOf(ListFormat format, const ByteSink& sink) {
   return std::make_unique<CsvWriter>(sink);
 }
 
-}  // namespace
-
 RecordStream::RecordStream(ListFormat format, const ByteSink& sink, std::function<bool()> wanted)
-    : writer_(writerOf(format, sink)), wanted_(std::move(wanted)) {}
+    : RecordStream(rowWriterOf(format, sink), std::move(wanted)) {}
+
+RecordStream::RecordStream(std::unique_ptr<RowWriter> writer, std::function<bool()> wanted)
+    : writer_(std::move(writer)), wanted_(std::move(wanted)) {}
 
 RecordStream::~RecordStream() = default;
 

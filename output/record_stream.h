@@ -8,23 +8,23 @@
 
 #include "output/byte_sink.h"
 #include "output/list_writers.h"
+#include "output/row_writer.h"
 
 namespace korvel::output {
-
-class RowWriter;
 
 /// Whether the format's rows can be written one by one; a table needs to know all of them for its widths.
 [[nodiscard]] constexpr bool canStream(ListFormat format) noexcept {
   return format != ListFormat::table;
 }
 
-/// Writes the first result set of an answer while it arrives, in the memory of a few rows, in a form that
-/// canStream(): the same bytes that writeList() gives for a list of those rows. Nothing is written before the first
-/// row, nor for an answer without rows. What the byte sink throws comes through; the output is then incomplete.
+/// Writes the first result set of an answer while it arrives, in the memory of a few rows: in a form that canStream(),
+/// the same bytes that writeList() gives for a list of those rows. Nothing is written before the first row, nor for an
+/// answer without rows. What the writer throws comes through; the output is then incomplete.
 class RecordStream final : public db::ResultSink {
  public:
   /// `wanted` is asked again and again whether to go on; `sink` outlives the stream.
   RecordStream(ListFormat format, const ByteSink& sink, std::function<bool()> wanted);
+  RecordStream(std::unique_ptr<RowWriter> writer, std::function<bool()> wanted);
   ~RecordStream() override;
 
   void beginResult(std::span<const db::Field> fields) override;

@@ -40,6 +40,13 @@ constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
   fail(errno != 0 ? errno : EIO);
 }
 
+/// Whether the disk has refused something. The library looks at none of its writes to files of its own, so that rows
+/// would be missing without a word.
+bool isOfTheDisk(int systemNumber) noexcept {
+  constexpr std::array numbers = {ENOSPC, EDQUOT, EFBIG, EIO, EROFS};
+  return std::find(numbers.begin(), numbers.end(), systemNumber) != numbers.end();
+}
+
 /// A file of this user's alone that goes with the object.
 class ScratchFile {
  public:
@@ -139,10 +146,36 @@ struct Workbook::Impl {
     if (error != LXW_NO_ERROR) failAs(error);
   }
 
+  /// Rows go to a file of the sheet's own, one behind the other.
+  void checkRows() const {
+    if (sheet != nullptr && sheet->optimize_tmpfile != nullptr && std::ferror(sheet->optimize_tmpfile) != 0)
+      fail(isOfTheDisk(errno) ? errno : EIO);
+  }
+
   void endSheet() {
+    if (sheet != nullptr && sheet->optimize_tmpfile != nullptr) {
+      errno = 0;
+      static_cast<void>(std::fflush(sheet->optimize_tmpfile));
+      checkRows();
+      largestSheet = std::max(largestSheet, ::ftello(sheet->optimize_tmpfile));
+    }
     if (sheet == nullptr || fields.empty()) return;
     check(worksheet_autofilter(sheet, 0, 0, nextRow - 1, static_cast<lxw_col_t>(fields.size() - 1)));
     sheet = nullptr;
+  }
+
+  /// A sheet is put together from its rows in another file, and whether that is whole the library does not look: there
+  /// must be room for it before.
+  void checkRoom() const {
+    constexpr off_t aroundTheRows = off_t{1} << 20;
+    const int descriptor = ::open(scratch.path().c_str(), O_WRONLY | O_CLOEXEC);
+    if (descriptor < 0) fail(errno);
+    const int refusal = ::posix_fallocate(descriptor, 0, largestSheet + aroundTheRows);
+    const bool emptied = ::ftruncate(descriptor, 0) == 0;
+    const int failure = emptied ? 0 : errno;
+    ::close(descriptor);
+    if (isOfTheDisk(refusal)) fail(refusal);
+    if (!emptied) fail(failure);
   }
 
   void beginSheet() {
@@ -206,6 +239,7 @@ struct Workbook::Impl {
   std::vector<db::Field> fields;
   std::uint32_t sheetRows = rowsOfASheet;
   lxw_row_t nextRow = 0;
+  off_t largestSheet = 0;  ///< bytes of its rows
   std::size_t result = 0;
   std::size_t rowOfResult = 0;
   std::string text;
@@ -234,7 +268,9 @@ bool Workbook::row(std::span<const db::Cell> cells) {
   Impl& book = *impl_;
   if (book.nextRow >= book.sheetRows) book.beginSheet();
   const std::size_t width = std::min(cells.size(), book.fields.size());
+  errno = 0;
   for (std::size_t i = 0; i < width; ++i) book.write(i, cells[i]);
+  book.checkRows();
   ++book.nextRow;
   ++book.rowOfResult;
   ++book.summary.rows;
@@ -249,6 +285,7 @@ void Workbook::endResult() {
 WorkbookSummary Workbook::finish(const ByteSink& sink) {
   Impl& book = *impl_;
   book.endSheet();
+  book.checkRoom();
   errno = 0;
   const lxw_error error = workbook_close(std::exchange(book.book, nullptr));
   if (error != LXW_NO_ERROR) failAs(error);

@@ -1,10 +1,7 @@
 #include "cli/output_formats.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <string>
 
@@ -14,6 +11,7 @@
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {
@@ -72,17 +70,12 @@ TEST_F(OutputFormats, XlsxCarriesEveryColumn) {
 }
 
 TEST_F(OutputFormats, ThatAreNoTextAreRefusedOnATerminal) {
-  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_GE(terminal, 0);
-  ASSERT_EQ(::grantpt(terminal), 0);
-  ASSERT_EQ(::unlockpt(terminal), 0);
-  const std::string name = ::ptsname(terminal);  // NOLINT(concurrency-mt-unsafe)
+  const test::Terminal terminal;
   for (const char* format : {"pdf", "xlsx"}) {
-    const test::ToolRun tool = run(format, name);
+    const test::ToolRun tool = run(format, terminal.name());
     EXPECT_EQ(tool.status, exitWrongUsage) << format;
     EXPECT_THAT(tool.err, HasSubstr("nothing for a terminal"));
   }
-  ::close(terminal);
 }
 
 TEST_F(OutputFormats, ThatCannotBeWrittenSaySo) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <streambuf>
@@ -10,8 +12,10 @@
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
+#include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {
@@ -39,7 +43,16 @@ struct SqlCommand : testing::Test {
   test::TemporaryFolder folder;
 };
 
-const std::vector<std::string> streamedFormats = {"csv", "json", "text", "exchange"};
+std::vector<std::string> formatsThat(bool (*are)(const OutputFormat& format)) {
+  std::vector<std::string> names;
+  for (const OutputFormat& format : outputFormats())
+    if (are(format)) names.emplace_back(format.name);
+  return names;
+}
+const std::vector<std::string> allFormats = formatsThat([](const OutputFormat&) { return true; });
+const std::vector<std::string> streamedFormats = formatsThat([](const OutputFormat& f) { return f.stream != nullptr; });
+/// Those whose bytes leave while the rows come; a workbook's parts are put together at the end.
+const std::vector<std::string> flowingFormats = {"csv", "json", "text", "exchange"};
 
 TEST_F(SqlCommand, SendsTheTextAsItIs) {
   const std::string text = "select 'ä' -- x\r\n";
@@ -55,6 +68,28 @@ TEST_F(SqlCommand, TakesTheTextFromAQueryFile) {
                  "e'\rfrom x");
   EXPECT_EQ(run({"--file", file("q.vqf")}).status, exitDone);
   EXPECT_EQ(server.executed, std::vector<std::string>{"select 'Grüße'\r\nfrom x\r\n"});
+}
+
+TEST_F(SqlCommand, NeedsAFileAndAFormatThatThereAre) {
+  const ToolRun nowhere = run({"q", "--output", ""});
+  EXPECT_EQ(nowhere.status, exitOutput);
+  EXPECT_NE(nowhere.err.find("a file without a name"), std::string::npos) << nowhere.err;
+  const ToolRun unknown = run({"q", "--format", "docx"});
+  EXPECT_EQ(unknown.status, exitWrongUsage);
+  for (const std::string& format : allFormats)
+    EXPECT_NE(unknown.err.find(" " + format), std::string::npos) << unknown.err;
+  EXPECT_TRUE(server.opened.empty());
+}
+
+TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
+  writeWholeFile(folder / "q.vqf", "select 1");
+  std::filesystem::create_symlink("q.vqf", folder / "link");
+  for (const char* name : {"q.vqf", "link"}) {
+    const ToolRun tool = run({"--file", file("q.vqf"), "--output", file(name)});
+    EXPECT_EQ(tool.status, exitWrongUsage);
+    EXPECT_NE(tool.err.find("is the query file itself"), std::string::npos) << tool.err;
+  }
+  EXPECT_EQ(readWholeFile(folder / "q.vqf"), "select 1");
 }
 
 TEST_F(SqlCommand, NeedsExactlyOneText) {
@@ -89,15 +124,16 @@ TEST_F(SqlCommand, WritesEveryFormat) {
 
 TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
   server.answer.push_back({{{"Other"}}, {{"1"}}, {}});
-  for (const std::string& format : streamedFormats)
+  for (const std::string& format : allFormats)
     EXPECT_EQ(run({"q", "--format", format}).out.find("Other"), std::string::npos) << format;
-  EXPECT_EQ(run({"q"}).out.find("Other"), std::string::npos);
+  ASSERT_EQ(run({"q", "--format", "xlsx", "--output", file("out.xlsx")}).status, exitDone);
+  EXPECT_EQ(test::outputOf("unzip -p '" + file("out.xlsx") + "'").find("Other"), std::string::npos);
 }
 
 TEST_F(SqlCommand, NoRecordsIsSaid) {
   server.answer[0].rows.clear();
   writeWholeFile(folder / "out", "earlier");
-  for (const char* format : {"table", "csv", "json", "text", "exchange"}) {
+  for (const std::string& format : allFormats) {
     for (const std::string& target : {std::string("-"), file("out"), file("new")}) {
       const ToolRun tool = run({"q", "--format", format, "--output", target});
       EXPECT_EQ(tool.status, exitNoRecords) << format;
@@ -124,12 +160,11 @@ TEST_F(SqlCommand, FailureOfTheDatabaseIsSaidWithNumberLineAndText) {
 TEST_F(SqlCommand, FailureHalfWayLeavesFilesAsTheyWere) {
   writeWholeFile(folder / "out", "earlier");
   server.answer[0].breaksOff = [] { throw Error(10054, "connection reset"); };
-  for (const std::string& format : streamedFormats) {
+  for (const std::string& format : allFormats) {
     const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
     EXPECT_EQ(tool.status, exitDatabase) << format;
     EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
   }
-  EXPECT_EQ(run({"q", "--output", file("out")}).status, exitDatabase);
   EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
 }
@@ -138,14 +173,13 @@ TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
   writeWholeFile(folder / "out", "earlier");
   server.answer[0].rows.assign(100'000, {"1", "x", "y"});
   server.refusesExecution = [] { std::raise(SIGINT); };
-  for (const char* format : {"table", "csv", "json", "text", "exchange"}) {
+  for (const std::string& format : allFormats) {
     server.rowsOffered = 0;
     const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
     EXPECT_EQ(tool.status, exitStopped) << format;
     EXPECT_EQ(tool.err, "korvel-audit: stopped\n");
-    if (std::string_view(format) != "table") {
-      EXPECT_LT(server.rowsOffered, 100U) << format;
-    }
+    const bool streamed = std::count(streamedFormats.begin(), streamedFormats.end(), format) > 0;
+    EXPECT_TRUE(!streamed || server.rowsOffered < 100) << format;
   }
   EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
@@ -154,9 +188,13 @@ TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
 }
 
 TEST_F(SqlCommand, WritesAFileWhole) {
-  for (const char* format : {"table", "csv", "json", "text", "exchange"}) {
-    EXPECT_EQ(run({"q", "--format", format, "--output", file("out")}).status, exitDone);
-    EXPECT_EQ(readWholeFile(folder / "out"), run({"q", "--format", format}).out);
+  for (const std::string& format : allFormats) {
+    EXPECT_EQ(run({"q", "--format", format, "--output", file("out")}).status, exitDone) << format;
+    // Pages and workbooks carry the time at which they were made.
+    const std::string again = run({"q", "--format", format}).out;
+    const std::size_t compared = outputFormatNamed(format)->isBinary ? 4 : again.size();
+    EXPECT_EQ(readWholeFile(folder / "out").substr(0, compared), again.substr(0, compared)) << format;
+    EXPECT_FALSE(again.empty()) << format;
   }
 }
 
@@ -186,7 +224,7 @@ class NotingBuffer final : public std::streambuf {
 TEST_F(SqlCommand, WritesWhileTheAnswerArrives) {
   constexpr std::size_t rows = 50'000;
   server.answer[0].rows.assign(rows, {"1", "some text", "some more text"});
-  for (const std::string& format : streamedFormats) {
+  for (const std::string& format : flowingFormats) {
     server.rowsOffered = 0;
     NotingBuffer buffer(server);
     std::ostream out(&buffer);
@@ -208,7 +246,7 @@ TEST_F(SqlCommand, ValuesOfAnySizeAreWrittenWhole) {
 }
 
 TEST_F(SqlCommand, OutputThatFailsIsAnOutputFailure) {
-  for (const char* format : {"table", "csv", "json", "text", "exchange"}) {
+  for (const std::string& format : allFormats) {
     std::ostringstream out;
     std::ostringstream err;
     out.setstate(std::ios::badbit);
@@ -217,6 +255,87 @@ TEST_F(SqlCommand, OutputThatFailsIsAnOutputFailure) {
     EXPECT_EQ(run({"q", "--format", format, "--output", file("absent/out")}).status, exitOutput) << format;
     EXPECT_EQ(run({"q", "--format", format, "--output", folder.path().string()}).status, exitOutput) << format;
   }
+}
+
+TEST_F(SqlCommand, AReportIsThatOfTheCustomPage) {
+  const ToolRun tool = run({"q", "--format", "html"});
+  EXPECT_NE(tool.out.find("<p align=\"center\">Custom Audits</p>\r\n"), std::string::npos) << tool.out;
+  EXPECT_NE(tool.out.find(">a,b<"), std::string::npos) << tool.out;
+  server.answer[0].rows = {{"ポ", "", ""}};
+  EXPECT_NE(run({"q", "--format", "html"}).err.find("stand as \"?\": 1"), std::string::npos);
+}
+
+TEST_F(SqlCommand, PagesShowTheAnswer) {
+  ASSERT_EQ(run({"q", "--format", "pdf", "--output", file("out.pdf")}).status, exitDone);
+  const std::string text = test::outputOf("pdftotext -raw '" + file("out.pdf") + "' -");
+  for (const char* part : {"Custom", "Nr", "10", "a,b", "Page 1 of 1"})
+    EXPECT_NE(text.find(part), std::string::npos) << part << text;
+}
+
+TEST_F(SqlCommand, AWorkbookCarriesTypesColumnsAndLosses) {
+  server.answer[0].fields = {{"Nr", db::ColumnKind::number}, {"Text"}, {"Text"}};
+  server.answer[0].rows.push_back({"11", std::string("\xFF"), "=1"});
+  const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
+  ASSERT_EQ(tool.status, exitDone) << tool.err;
+  EXPECT_NE(tool.err.find("the first one in row 3, column 2, has bytes that are no text"), std::string::npos);
+  const std::string sheet = test::outputOf("unzip -p '" + file("out.xlsx") + "' xl/worksheets/sheet1.xml");
+  EXPECT_NE(sheet.find("<c r=\"A2\"><v>10</v></c>"), std::string::npos) << sheet;
+  EXPECT_NE(sheet.find("<c r=\"C4\" t=\"inlineStr\"><is><t>=1</t>"), std::string::npos) << sheet;
+  EXPECT_NE(test::outputOf("unzip -p '" + file("out.xlsx") + "' xl/workbook.xml").find("name=\"Custom\""),
+            std::string::npos);
+}
+
+TEST_F(SqlCommand, AWorkbookThatCannotBeKeptIsAFailureOfTheOutput) {
+  const test::EnvironmentVariable noPlace("TMPDIR", (folder / "absent").string());
+  const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
+  EXPECT_EQ(tool.status, exitOutput) << tool.err;
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(SqlCommand, APlaceThatCannotBeWrittenToIsToldBeforeTheQuery) {
+  for (const std::string& format : allFormats)
+    EXPECT_EQ(run({"q", "--format", format, "--output", file("absent/out")}).status, exitOutput) << format;
+  EXPECT_TRUE(server.opened.empty());
+}
+
+TEST_F(SqlCommand, EveryRequestToEndStopsIt) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    // Started without a terminal, the tests may have been told to ignore some.
+    const auto before = std::signal(signal, SIG_DFL);
+    server.refusesExecution = [signal] { std::raise(signal); };
+    EXPECT_EQ(run({"q", "--format", "csv", "--output", file("out")}).status, exitStopped) << signal;
+    static_cast<void>(std::signal(signal, before));
+  }
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(SqlCommand, StoppedWhileItIsWrittenLeavesNoFile) {
+  server.onClose = [] { std::raise(SIGINT); };
+  for (const std::string& format : allFormats) {
+    const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
+    EXPECT_EQ(tool.status, exitStopped) << format;
+    EXPECT_EQ(tool.err, "korvel-audit: stopped\n") << format;
+  }
+  EXPECT_EQ(filesInFolder(), 0U);
+}
+
+TEST_F(SqlCommand, WhatIsNoTextIsRefusedOnATerminal) {
+  const test::Terminal terminal;
+  for (const std::string& format : formatsThat([](const OutputFormat& f) { return f.isBinary; })) {
+    const ToolRun tool = run({"q", "--format", format, "--output", terminal.name()});
+    EXPECT_EQ(tool.status, exitWrongUsage) << format;
+    EXPECT_NE(tool.err.find(format + " is nothing for a terminal"), std::string::npos) << tool.err;
+  }
+  EXPECT_TRUE(server.opened.empty());
+}
+
+TEST_F(SqlCommand, AnOutputsFailureIsNotExplainedByTheQuery) {
+  server.refusesExecution = [] { errno = ENOENT; };
+  std::ostringstream out;
+  std::ostringstream err;
+  out.setstate(std::ios::badbit);
+  EXPECT_EQ(runTool({"sql", "q", "--format", "csv"}, out, err, server.connector()), exitOutput);
+  EXPECT_EQ(err.str().find("No such file"), std::string::npos) << err.str();
 }
 
 TEST_F(SqlCommand, NeverReplacesADatabase) {

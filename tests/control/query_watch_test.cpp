@@ -209,6 +209,33 @@ TEST_F(WhileItLoads, QueuedQueriesOfTheSameControlDoNothing) {
   EXPECT_EQ(column(*viewer, 5), "1 2");
 }
 
+TEST_F(WhileItLoads, AnotherDatabaseThatIsSelectedMeanwhileEndsIt) {
+  const auto viewer = customPage();
+  recorder->onForm = [] { control::libraryState().connection.ConnectionString = "another"; };
+  bool wentOn = true;
+  server.answer = [&](db::ResultSink& sink) {
+    begin(sink, {"a"});
+    row(sink, {"1"});
+    QMetaObject::invokeMethod(viewer.get(), "SelectDatabase", Qt::QueuedConnection);
+    wentOn = sink.goOn();
+  };
+  click(*viewer, "btQuery");
+  EXPECT_FALSE(wentOn);
+  EXPECT_EQ(column(*viewer, 5), "");
+  EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
+
+  // Also where it is selected while the whole answer is there already.
+  server.answer = [&](db::ResultSink& sink) {
+    begin(sink, {"a"});
+    row(sink, {"1"});
+    sink.endResult();
+    QMetaObject::invokeMethod(viewer.get(), "SelectDatabase", Qt::QueuedConnection);
+  };
+  click(*viewer, "btQuery");
+  EXPECT_EQ(column(*viewer, 5), "");
+  EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
+}
+
 TEST_F(WhileItLoads, TheControlMayBeDeletedByAQueuedCall) {
   auto viewer = customPage();
   bool wentOn = true;

@@ -190,27 +190,62 @@ TEST_F(WorkbookFile, FailuresCarryTheNumbersOfWindows) {
   EXPECT_EQ(failure(folder.path()), errorPathFileAccess);
 }
 
+/// While it lives, no file grows beyond this, as on a disk that is full.
+class SmallDisk {
+ public:
+  explicit SmallDisk(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    rlimit small = before_;
+    small.rlim_cur = bytes;
+    ::setrlimit(RLIMIT_FSIZE, &small);
+  }
+  ~SmallDisk() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, oldHandler_);
+  }
+  SmallDisk(const SmallDisk&) = delete;
+  SmallDisk& operator=(const SmallDisk&) = delete;
+
+ private:
+  void (*oldHandler_)(int);
+  rlimit before_{};
+};
+
 TEST_F(WorkbookFile, OnAFullDiskLeavesTheEarlierOne) {
   writeWholeFile(file, "earlier");
   std::vector<test::ScriptedRow> rows;
   for (int i = 0; i < 5000; ++i) rows.push_back({std::to_string(i * 7919)});
   const auto list = filledList({{"A"}}, rows);
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  rlimit small = before;
-  small.rlim_cur = 4096;
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  ::setrlimit(RLIMIT_FSIZE, &small);
   int number = 0;
   try {
+    const SmallDisk disk(4096);
     write(list);
   } catch (const Error& error) {
     number = error.number();
   }
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, oldHandler);
   EXPECT_EQ(number, errorDiskFull);
   EXPECT_EQ(readWholeFile(file), "earlier");
+}
+
+TEST_F(WorkbookFile, WhoseRowsFillTheDiskIsNotTakenForWhole) {
+  // So alike that the workbook is much smaller than what its rows take on their way into it.
+  const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(3000, {"the same text in every row"}));
+  write(list);
+  const std::size_t whole = sheet().size();
+  ASSERT_GT(whole, 3 * readWholeFile(file).size());
+  // The rows, the sheet that they become, and what stands around them: each may be what does not fit.
+  std::vector<std::size_t> sizes = {whole / 2, whole - 5000};
+  for (std::size_t missing = 2000; missing > 0; missing -= 100) sizes.push_back(whole - missing);
+  for (const std::size_t size : sizes) {
+    int number = 0;
+    try {
+      const SmallDisk disk(size);
+      write(list);
+    } catch (const Error& error) {
+      number = error.number();
+    }
+    EXPECT_EQ(number, errorDiskFull) << whole - size << " bytes too few";
+  }
 }
 
 }  // namespace
