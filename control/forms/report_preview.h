@@ -30,7 +30,7 @@ class ReportPreview final : public QDialog {
   [[nodiscard]] int page() const noexcept { return page_; }
   void setZoom(Zoom zoom);
   /// Per cent of the page's real size on this screen.
-  void setZoomPercent(int percent);
+  void setZoomPercent(int wanted);
   [[nodiscard]] int zoomPercent() const;
 
  Q_SIGNALS:
