@@ -25,6 +25,8 @@ using control::surroundings;
 namespace {
 
 constexpr int nothingToExport = 10069;
+/// After so many rows of an export the whole window is painted; some hundredths of a second pass meanwhile.
+constexpr std::size_t rowsPerWindow = 50 * output::rowsPerReport;
 const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
 const QString spreadsheetHint = QStringLiteral("Make sure Excel 10.0 or above is installed");
 const QString printingHint = QStringLiteral("Make sure Internet Explorer 6.0 or above is installed");
@@ -73,7 +75,11 @@ void AuditViewer::Members::exportCurrentList(
   // rows in the middle of the file, or remove the control.
   const std::size_t replaced = write(list, [&](std::size_t rows) {
     bar.setValue(static_cast<int>(rows));
-    surface.StatusBar1->paintNow();
+    // Now and then all of the window, parts of which another one may have covered meanwhile.
+    if (rows % rowsPerWindow == 0)
+      viewer_.window()->repaint();
+    else
+      surface.StatusBar1->paintNow();
   });
   QString told = finish();
   if (alive) bar.hide();

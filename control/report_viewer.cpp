@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QPointer>
 #include <QPrinter>
+#include <QWidget>
 #include <memory>
 #include <utility>
 

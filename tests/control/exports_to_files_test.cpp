@@ -165,6 +165,15 @@ TEST_F(TextExport, TheProgressBarIsPaintedWithoutTheEventLoop) {
   EXPECT_GE(paintings.count, 4);
 }
 
+TEST_F(TextExport, TheWholeWindowIsPaintedNowAndThen) {
+  const std::vector<std::array<std::string, 3>> rows(120000, {"a", "b", "c"});
+  const auto viewer = viewerWith(rows);
+  QCoreApplication::processEvents();
+  const PaintCount paintings(*element(*viewer, "frameTools"));
+  viewer->ExportNotepad();
+  EXPECT_EQ(paintings.count, 2);
+}
+
 TEST_F(TextExport, WhatTheHostHasQueuedComesAfterTheFile) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
   QMetaObject::invokeMethod(

@@ -165,6 +165,22 @@ TEST_F(Printing, APrinterThatTakesNothingIsSaidAndAnOlderFileStays) {
   EXPECT_EQ(printed().substr(0, 5), "%PDF-");
 }
 
+TEST_F(Printing, APrinterThatIsMissingIsSaid) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  // Neither a printer of this machine nor a file.
+  recorder->onPrinter = [](QPrinter& printer) {
+    printer.setPrinterName("no such printer");
+    printer.setOutputFileName(QString());
+    return true;
+  };
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_THAT(recorder->messages,
+              ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                       "68:Error in Printing.  Error Message: Device unavailable\r\n"
+                                       "Make sure Internet Explorer 6.0 or above is installed"}));
+}
+
 TEST_F(Printing, ThePreviewComesBeforeThePrinter) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   libraryState().pendingReport.preview = true;
