@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "control/audit_viewer_members.h"
+#include "control/message_titles.h"
 #include "control/query_watch.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
@@ -18,6 +19,8 @@ namespace korvel {
 using control::fromUtf8;
 using control::libraryState;
 using control::MessageIcon;
+using control::messageTitle;
+using control::noRecordsTitle;
 using control::ownText;
 using control::surroundings;
 
@@ -25,17 +28,8 @@ namespace {
 
 const QString fieldsForm = QStringLiteral("frmFields");
 const QString fileListForm = QStringLiteral("frmFileList");
-const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
-// Deliberately not the title of the other messages.
-const QString noRecordsTitle = QStringLiteral("velAudit Viewer Message");
 const QString noRecordsText = QStringLiteral("No Records Found for Query");
 const QString everythingQuery = QStringLiteral("Select * from Korvel_Audit_Trails");
-
-QString failureText(const Error& failure) {
-  QString text = fromUtf8(settings::describe(failure, libraryState().language));
-  if (failure.line()) text = ownText("custom.failureLine").arg(text, QString::number(*failure.line()));
-  return QString::number(failure.number()) + QStringLiteral(":Error in TriggerAdvancedQuery.  Error Message: ") + text;
-}
 
 /// A path of the file system from text; the system's own bytes where the text is UTF-8.
 std::filesystem::path toPath(const std::string& text) {
@@ -45,10 +39,6 @@ std::filesystem::path toPath(const std::string& text) {
 }  // namespace
 
 void AuditViewer::Members::connectCustomPage() {
-  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
-    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
-                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
-  };
   onClick(surface.btOpen, &Members::btOpen_Click, "btOpen_Click");
   onClick(surface.btSave, &Members::btSave_Click, "btSave_Click");
   onClick(surface.btClearAdvQuery, &Members::btClearAdvQuery_Click, "btClearAdvQuery_Click");
@@ -134,7 +124,7 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
       DisplayNoOfRecords();
       break;
     case query::CustomOutcome::noRecords:
-      message(MessageIcon::information, noRecordsTitle, noRecordsText);
+      message(MessageIcon::information, noRecordsTitle(), noRecordsText);
       break;
     case query::CustomOutcome::stopped:
       notice_ = ownText("custom.stopped");
@@ -143,7 +133,7 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
     case query::CustomOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
       if (surface.txtAdvancedQuery->queryText() == QueryString) surface.txtAdvancedQuery->setErrorLine(failure.line());
-      message(MessageIcon::critical, QString(), failureText(failure));
+      trapped("TriggerAdvancedQuery", [&failure] { throw Error(failure); });
       break;
     }
   }
@@ -164,12 +154,12 @@ void AuditViewer::Members::btSave_Click() {
   const QString name = services->inputBox(&viewer_, QStringLiteral("Enter Query Name?"), QStringLiteral("Name"));
   if (!alive || name.isEmpty()) return;
   if (const auto problem = query::fileNameProblem(name.toStdString())) {
-    message(MessageIcon::information, messageTitle, fromUtf8(settings::describe(*problem, libraryState().language)));
+    message(MessageIcon::information, messageTitle(), fromUtf8(settings::describe(*problem, libraryState().language)));
     return;
   }
   const std::string text = surface.txtAdvancedQuery->queryText().toStdString();
   if (!query::fitsQueryFile(text)) {
-    const bool wanted = services->confirm(&viewer_, messageTitle, ownText("custom.replaceCharacters"));
+    const bool wanted = services->confirm(&viewer_, messageTitle(), ownText("custom.replaceCharacters"));
     if (!alive || !wanted) return;
   }
   query::saveQueryFile(toPath((folder + name).toStdString() + "." + std::string(query::queryFileExtension)), text);

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "control/commands/command_tables.h"
+#include "control/message_titles.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
@@ -17,6 +18,8 @@ using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
 using control::MessageIcon;
+using control::messageTitle;
+using control::noRecordsTitle;
 using control::skipFailing;
 using control::surroundings;
 
@@ -24,9 +27,6 @@ namespace {
 
 const QString browserForm = QStringLiteral("frmSQLServerBrowser");
 const QString dateRangeForm = QStringLiteral("frmAdvancedFilters");
-const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
-// Deliberately not the title of the other messages.
-const QString noRecordsTitle = QStringLiteral("velAudit Viewer Message");
 const QString queryingText = QStringLiteral("Querying Database Please Wait....");
 
 /// ListViewColSetup gives the lists their columns, not before: an Initialize that fails earlier leaves them bare.
@@ -82,6 +82,7 @@ void AuditViewer::Members::trapped(std::string_view operationName, const std::fu
   } catch (const Error& error) {
     number = error.number();
     description = fromUtf8(settings::describe(error, libraryState().language));
+    if (error.line()) description = control::ownText("error.atLine").arg(description, QString::number(*error.line()));
   } catch (const std::exception& failure) {
     number = unspecifiedFailure;
     description = QString::fromLocal8Bit(failure.what());
@@ -124,11 +125,12 @@ void AuditViewer::Members::Show() {
   if (db::namesAServer(properties.DefaultSQLServer.toStdString())) OpenDefaultSQLServer();
 }
 
+void AuditViewer::Members::onClick(QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
+  QObject::connect(button, &QAbstractButton::clicked, &viewer_,
+                   [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
+}
+
 void AuditViewer::Members::connectHandlers() {
-  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
-    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
-                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
-  };
   onClick(surface.btQuery, &Members::btQuery_Click, "btQuery_Click");
   onClick(surface.btClear, &Members::btClear_Click, "btClear_Click");
   onClick(surface.btSelectDB, &Members::btSelectDB_Click, "btSelectDB_Click");
@@ -147,7 +149,7 @@ void AuditViewer::Members::connectHandlers() {
       trapped("lvListView_DblClick", [&] { lvListView_DblClick(*list, row); });
     });
     QObject::connect(list, &control::ResultListView::refused, &viewer_,
-                     [this](const QString& text) { message(MessageIcon::information, messageTitle, text); });
+                     [this](const QString& text) { message(MessageIcon::information, messageTitle(), text); });
     QObject::connect(list, &control::ResultListView::noticed, &viewer_, [this](const QString& text) {
       notice_ = text;
       showRestingText();
@@ -234,10 +236,10 @@ void AuditViewer::Members::TriggerQuery() {
 
   switch (report.outcome) {
     case query::QueryOutcome::noCriteria:
-      message(MessageIcon::information, messageTitle, loadText(noCriteria));
+      message(MessageIcon::information, messageTitle(), loadText(noCriteria));
       break;
     case query::QueryOutcome::noRecords:
-      message(MessageIcon::information, noRecordsTitle, loadText(noRecords));
+      message(MessageIcon::information, noRecordsTitle(), loadText(noRecords));
       break;
     case query::QueryOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
@@ -382,7 +384,7 @@ void AuditViewer::Members::lvListView_DblClick(control::ResultListView& list, in
   if (recordView_.isNull()) {
     recordView_ = new control::RecordView(&viewer_);
     QObject::connect(recordView_, &control::RecordView::refused, &viewer_,
-                     [this](const QString& text) { message(MessageIcon::information, messageTitle, text); });
+                     [this](const QString& text) { message(MessageIcon::information, messageTitle(), text); });
   }
   recordView_->showRecord(list, row);
 }

@@ -141,6 +141,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void showColumns(control::ResultListView& list, const QString& caption, bool shown);
 
   void setLocked(bool locked);
+  /// A click runs the handler; its failures are shown under its name.
+  void onClick(QAbstractButton* button, void (Members::*handler)(), const char* handlerName);
   void connectHandlers();
   void connectCustomPage();
   /// Texts and names of the custom page in the current language.

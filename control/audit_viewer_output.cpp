@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "control/audit_viewer_members.h"
+#include "control/message_titles.h"
 #include "control/report_viewer.h"
 #include "control/texts.h"
 #include "output/export_folder.h"
@@ -17,6 +18,7 @@ using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
 using control::MessageIcon;
+using control::messageTitle;
 using control::ownText;
 using control::Pointer;
 using control::ReportCommand;
@@ -27,7 +29,6 @@ namespace {
 constexpr int nothingToExport = 10069;
 /// After so many rows of an export the whole window is painted; some hundredths of a second pass meanwhile.
 constexpr std::size_t rowsPerWindow = 50 * output::rowsPerReport;
-const QString messageTitle = QStringLiteral("KorvelAudit Viewer Message");
 const QString spreadsheetHint = QStringLiteral("Make sure Excel 10.0 or above is installed");
 const QString printingHint = QStringLiteral("Make sure Internet Explorer 6.0 or above is installed");
 
@@ -43,10 +44,6 @@ std::filesystem::path toPath(const QString& text) {
 }  // namespace
 
 void AuditViewer::Members::connectOutput() {
-  const auto onClick = [this](QAbstractButton* button, void (Members::*handler)(), const char* handlerName) {
-    QObject::connect(button, &QAbstractButton::clicked, &viewer_,
-                     [this, handler, handlerName] { trapped(handlerName, [&] { (this->*handler)(); }); });
-  };
   onClick(surface.btExcel, &Members::btExcel_Click, "btExcel_Click");
   onClick(surface.btPrint, &Members::btPrint_Click, "btPrint_Click");
   QObject::connect(surface.WebBrowser1, &control::ReportViewer::DocumentComplete, &viewer_,
@@ -55,7 +52,7 @@ void AuditViewer::Members::connectOutput() {
 
 bool AuditViewer::Members::hasSomethingToExport() {
   if (currentList().listModel().list().rowCount() > 0) return true;
-  message(MessageIcon::information, messageTitle, loadText(nothingToExport));
+  message(MessageIcon::information, messageTitle(), loadText(nothingToExport));
   return false;
 }
 
@@ -119,7 +116,7 @@ void AuditViewer::Members::ExportExcel() {
         const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Export Path"), 0);
         if (!alive) return;
         if (folder.isEmpty()) {
-          message(MessageIcon::information, messageTitle, QStringLiteral("No path selected!"));
+          message(MessageIcon::information, messageTitle(), QStringLiteral("No path selected!"));
           return;
         }
         const QString file = folder + fromUtf8(output::exchangeFileName);
