@@ -5,10 +5,11 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPixmapCache>
-#include <QSvgRenderer>
 #include <algorithm>
 #include <array>
+#include <optional>
 
+#include "control/look/line_drawing.h"
 #include "control/look/theme.h"
 
 // Outside of any namespace, as the macro wants it: the drawings are part of a static library.
@@ -97,16 +98,13 @@ QPixmap drawn(IconName name, const QColor& ink, const QSize& size) {
   if (QPixmapCache::find(key, &pixmap)) return pixmap;
   QFile file(fileOf(name));
   if (!file.open(QIODevice::ReadOnly)) return {};
-  QByteArray drawing = file.readAll();
-  drawing.replace("currentColor", ink.name(QColor::HexRgb).toLatin1());
-  QSvgRenderer renderer(drawing);
+  const std::optional<LineDrawing> drawing = LineDrawing::read(file.readAll());
+  if (!drawing) return {};
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  painter.setRenderHint(QPainter::Antialiasing);
   const int side = std::min(size.width(), size.height());
-  const QRect square((size.width() - side) / 2, (size.height() - side) / 2, side, side);
-  renderer.render(&painter, square);
+  drawing->paint(painter, QRect((size.width() - side) / 2, (size.height() - side) / 2, side, side), ink);
   painter.end();
   pixmap = QPixmap::fromImage(image);
   QPixmapCache::insert(key, pixmap);
