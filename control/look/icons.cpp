@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "control/look/line_drawing.h"
+#include "control/look/system_look.h"
 #include "control/look/theme.h"
 
 // Outside of any namespace, as the macro wants it: the drawings are part of a static library.
@@ -80,6 +81,7 @@ QColor inkOf(IconTone tone, QIcon::Mode mode) {
   const QPalette fallback = palette != nullptr ? QPalette() : QGuiApplication::palette();
   const Theme& theme = Theme::of(palette != nullptr ? *palette : fallback);
   if (mode == QIcon::Disabled) return theme.disabled;
+  if (systemLook().highContrast) return mode == QIcon::Selected ? theme.onSelection : theme.text;
   if (tone == IconTone::Accent) return theme.accent;
   if (tone == IconTone::OnFill) return theme.onFill;
   // Our own style marks what is selected with a tint and leaves the text as it is; others invert it.
