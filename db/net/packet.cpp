@@ -21,6 +21,14 @@ std::string preLoginPacket(std::string_view body, bool last) {
   return packet;
 }
 
+void sendPreLogin(const Socket& socket, std::string_view bytes, const Deadline& deadline) {
+  while (!bytes.empty()) {
+    const std::string_view part = bytes.substr(0, largestPacketBody);
+    bytes.remove_prefix(part.size());
+    sendAll(socket, preLoginPacket(part, bytes.empty()), deadline);
+  }
+}
+
 Packet receivePacket(const Socket& socket, const Deadline& deadline) {
   const std::string header = receiveExactly(socket, packetHeaderBytes, deadline);
   const std::size_t size = wordAt(header, 2);

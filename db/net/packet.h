@@ -21,6 +21,8 @@ struct Packet {
 };
 
 [[nodiscard]] std::string preLoginPacket(std::string_view body, bool last = true);
+/// Sends what stands before the login, however long it is; nothing where `bytes` is empty. Throws Error.
+void sendPreLogin(const Socket& socket, std::string_view bytes, const Deadline& deadline);
 /// The next packet. Throws Error, also for a header that promises less than itself.
 [[nodiscard]] Packet receivePacket(const Socket& socket, const Deadline& deadline);
 

@@ -12,24 +12,28 @@
 
 namespace korvel::db::net {
 
+/// How the system names an open socket: a number as wide as its pointers.
+using SocketHandle = std::intptr_t;
+inline constexpr SocketHandle noSocket = -1;
+
 /// An open socket, closed by destruction. The sockets of this room never block: every wait has a deadline.
 class Socket {
  public:
-  explicit Socket(int descriptor) : descriptor_(descriptor) {}
+  explicit Socket(SocketHandle handle) : handle_(handle) {}
   ~Socket();
-  Socket(Socket&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  Socket(Socket&& other) noexcept : handle_(std::exchange(other.handle_, noSocket)) {}
   Socket& operator=(Socket&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
+    std::swap(handle_, other.handle_);
     return *this;
   }
   Socket(const Socket&) = delete;
   Socket& operator=(const Socket&) = delete;
 
-  [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
-  [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
+  [[nodiscard]] bool isOpen() const noexcept { return handle_ != noSocket; }
+  [[nodiscard]] SocketHandle handle() const noexcept { return handle_; }
 
  private:
-  int descriptor_;
+  SocketHandle handle_;
 };
 
 /// One network address, in the form that the system's calls take.

@@ -1,6 +1,7 @@
 #include "db/odbc/driver_login.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -53,14 +54,42 @@ Attributes freeTdsAttributes(const LoginRequest& request) {
   return attributes;
 }
 
-Attributes vendorAttributes(const LoginRequest& request) {
+Attributes commonVendorAttributes(const LoginRequest& request) {
   const ConnectionOptions& options = request.options;
   // This driver knows the system's authorities only, and would refuse the server without a word about the setting.
   if (options.encrypt && !options.trustServerCertificate && !options.certificateAuthorities.empty())
     throw settings::explainedError(invalidParameter, "failure.authoritiesNotForDriver", {request.driver.name});
   return {{"Server", request.address.host + "," + std::to_string(request.address.port)},
-          {"Encrypt", options.encrypt ? "yes" : "no"},
-          {"TrustServerCertificate", options.trustServerCertificate ? "yes" : "no"}};
+          {"Encrypt", options.encrypt ? "yes" : "no"}};
+}
+
+Attributes vendorAttributes(const LoginRequest& request) {
+  Attributes attributes = commonVendorAttributes(request);
+  attributes.emplace_back("TrustServerCertificate", request.options.trustServerCertificate ? "yes" : "no");
+  return attributes;
+}
+
+/// Without a choice about certificates: it always checks the one that it encrypts with. Named pipes, which it might
+/// try, have no port.
+Attributes oldVendorAttributes(const LoginRequest& request) {
+  Attributes attributes = commonVendorAttributes(request);
+  attributes.emplace_back("Network", "DBMSSOCN");
+  return attributes;
+}
+
+/// The words of each family.
+struct Words {
+  DriverFamily family;
+  Attributes (*of)(const LoginRequest& request);
+};
+constexpr std::array<Words, 3> words = {{{DriverFamily::vendor, vendorAttributes},
+                                         {DriverFamily::oldVendor, oldVendorAttributes},
+                                         {DriverFamily::freeTds, freeTdsAttributes}}};
+
+Attributes attributesOf(const LoginRequest& request) {
+  const auto* const found = std::find_if(words.begin(), words.end(),
+                                         [&](const Words& entry) { return entry.family == request.driver.family; });
+  return found->of(request);
 }
 
 }  // namespace
@@ -68,8 +97,7 @@ Attributes vendorAttributes(const LoginRequest& request) {
 std::string driverText(const LoginRequest& request) {
   if (toUtf16(request.database).size() > longestName)
     throw settings::explainedError(invalidParameter, "failure.notInConnection", {request.database});
-  Attributes attributes =
-      request.driver.family == DriverFamily::freeTds ? freeTdsAttributes(request) : vendorAttributes(request);
+  Attributes attributes = attributesOf(request);
   attributes.insert(attributes.begin(), {"Driver", request.driver.name});
   if (!request.database.empty()) attributes.emplace_back("Database", request.database);
   attributes.emplace_back("Trusted_Connection", "yes");

@@ -6,8 +6,11 @@
 #include <charconv>
 #include <cstring>
 #include <memory>
+#include <set>
 #include <string_view>
+#include <vector>
 
+#include "db/net/socket.h"
 #include "db/odbc/driver_sockets.h"
 
 namespace korvel::db::odbc {
@@ -49,23 +52,35 @@ std::set<int> connectionsTo(std::uint16_t port) {
 
 }  // namespace
 
+struct DriverSockets::Connections {
+  std::uint16_t port = 0;  ///< 0: nothing is expected
+  std::set<int> before;
+  /// Descriptors of our own to the same connections: a number that the driver gives back may be anybody's next.
+  std::vector<net::Socket> own;
+};
+
+DriverSockets::DriverSockets() : connections_(std::make_unique<Connections>()) {}
+
+DriverSockets::~DriverSockets() = default;
+
 void DriverSockets::expect(std::uint16_t port) {
-  port_ = port;
-  before_ = connectionsTo(port);
+  connections_->port = port;
+  connections_->before = connectionsTo(port);
 }
 
 void DriverSockets::keep() {
-  for (const int descriptor : connectionsTo(port_))
-    if (!before_.contains(descriptor)) own_.emplace_back(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
-  port_ = 0;
+  for (const int descriptor : connectionsTo(connections_->port))
+    if (!connections_->before.contains(descriptor))
+      if (const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0); own >= 0) connections_->own.emplace_back(own);
+  connections_->port = 0;
 }
 
 void DriverSockets::shutDown() const noexcept {
-  for (const net::Socket& socket : own_) ::shutdown(socket.descriptor(), SHUT_RDWR);
-  if (port_ == 0) return;
+  for (const net::Socket& socket : connections_->own) ::shutdown(static_cast<int>(socket.handle()), SHUT_RDWR);
+  if (connections_->port == 0) return;
   try {
-    for (const int descriptor : connectionsTo(port_))
-      if (!before_.contains(descriptor)) ::shutdown(descriptor, SHUT_RDWR);
+    for (const int descriptor : connectionsTo(connections_->port))
+      if (!connections_->before.contains(descriptor)) ::shutdown(descriptor, SHUT_RDWR);
   } catch (...) {  // NOLINT(bugprone-empty-catch): without memory there is nothing that could be ended
   }
 }

@@ -116,10 +116,6 @@ void getTicket(const std::string& servicePrincipal) {
 
 }  // namespace
 
-std::string servicePrincipalOf(const std::string& fullHostName, std::uint16_t port) {
-  return "MSSQLSvc/" + fullHostName + ":" + std::to_string(port);
-}
-
 void requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
   // The login library waits for silent login services as long as it likes.
   std::future<void> answer = net::runBeside([servicePrincipal] { getTicket(servicePrincipal); });

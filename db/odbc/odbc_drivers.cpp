@@ -24,10 +24,18 @@ struct KnownDriver {
 constexpr std::array<KnownDriver, 4> knownDrivers = {{{"ODBC Driver 18 for SQL Server", DriverFamily::vendor},
                                                       {"ODBC Driver 17 for SQL Server", DriverFamily::vendor},
                                                       {"FreeTDS", DriverFamily::freeTds},
-                                                      {"SQL Server", DriverFamily::vendor}}};
+                                                      {"SQL Server", DriverFamily::oldVendor}}};
 
 bool contains(std::string_view text, std::string_view part) {
   return caseFolded(text).find(part) != std::string::npos;
+}
+
+/// The family of a driver that nobody has told us of, by its name or its file's.
+DriverFamily familyOf(std::string_view driver) {
+  for (const auto& known : knownDrivers)
+    if (equalsIgnoringAsciiCase(driver, known.name)) return known.family;
+  const bool freeTds = contains(driver, "freetds") || contains(driver, "tdsodbc");
+  return freeTds ? DriverFamily::freeTds : DriverFamily::vendor;
 }
 
 }  // namespace
@@ -50,8 +58,7 @@ std::vector<std::string> installedDrivers(const Environment& environment) {
 
 Driver chooseDriver(const std::vector<std::string>& installed, std::string_view wanted) {
   if (!wanted.empty()) {
-    const bool freeTds = contains(wanted, "freetds") || contains(wanted, "tdsodbc");
-    return {std::string(wanted), freeTds ? DriverFamily::freeTds : DriverFamily::vendor};
+    return {std::string(wanted), familyOf(wanted)};
   }
   for (const auto& known : knownDrivers) {
     const auto found = std::find_if(installed.begin(), installed.end(),

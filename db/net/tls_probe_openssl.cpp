@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 #include "base/error.h"
 #include "db/net/packet.h"
@@ -68,15 +67,6 @@ std::string drain(BIO* memory) {
   return bytes;
 }
 
-/// The handshake travels inside packets of the protocol, as do all words before the login.
-void sendFlight(const Socket& socket, std::string_view flight, const Deadline& deadline) {
-  while (!flight.empty()) {
-    const std::string_view part = flight.substr(0, largestPacketBody);
-    flight.remove_prefix(part.size());
-    sendAll(socket, preLoginPacket(part, flight.empty()), deadline);
-  }
-}
-
 }  // namespace
 
 TlsAnswer shakeHands(const Socket& socket, const std::string& host, const std::string& authorities,
@@ -86,7 +76,7 @@ TlsAnswer shakeHands(const Socket& socket, const std::string& host, const std::s
   const Connection connection = makeConnection(context, host);
   for (;;) {
     const int result = SSL_do_handshake(connection.get());
-    sendFlight(socket, drain(SSL_get_wbio(connection.get())), deadline);
+    sendPreLogin(socket, drain(SSL_get_wbio(connection.get())), deadline);
     if (result == 1) break;
     if (SSL_get_error(connection.get(), result) != SSL_ERROR_WANT_READ) refuse();
     const std::string body = receivePacket(socket, deadline).body;
