@@ -1,7 +1,8 @@
 #include "base/error.h"
 
-#include <system_error>
 #include <utility>
+
+#include "base/system_errors.h"
 
 namespace korvel {
 
@@ -14,7 +15,7 @@ void Error::setText(std::string key, std::vector<std::string> arguments) {
 }
 
 Error systemError(int systemNumber, const std::string& what) {
-  return {systemNumber, what + ": " + std::generic_category().message(systemNumber)};
+  return {systemNumber, what + ": " + systemMessage(systemNumber)};
 }
 
 }  // namespace korvel

@@ -1,150 +1,24 @@
 #include "base/whole_file.h"
 
-#include <fcntl.h>
-#include <sys/random.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdint>
-#include <string>
-#include <system_error>
-#include <utility>
-
-#include "base/error.h"
+#include <cstddef>
 
 namespace korvel {
-
-namespace fs = std::filesystem;
 
 namespace {
 
 constexpr std::size_t bufferBytes = std::size_t{1} << 18U;
 
-Error failed(const std::string& what, const fs::path& file) {
-  const int number = errno;
-  return systemError(number, what + " " + file.string());
-}
-
-fs::path followedLinks(fs::path target) {
-  // A handful of links is plenty; a loop ends as the open failure it is.
-  for (int i = 0; i < 16; ++i) {
-    std::error_code ignored;
-    if (!fs::is_symlink(target, ignored)) break;
-    const fs::path next = fs::read_symlink(target, ignored);
-    if (ignored) break;
-    target = next.is_absolute() ? next : target.parent_path() / next;
-  }
-  return target;
-}
-
-/// Six characters that no other writer is likely to choose. Whether a file of that name is new, the open call decides.
-std::string randomSuffix() {
-  constexpr std::string_view characters = "abcdefghijklmnopqrstuvwxyz0123456789";
-  std::uint64_t number = 0;
-  if (::getentropy(&number, sizeof number) != 0) return {};
-  std::string suffix = ".";
-  for (int i = 0; i < 6; ++i, number /= characters.size()) suffix += characters[number % characters.size()];
-  return suffix;
-}
-
-/// Creates a new file beside `target` and puts its name into `created`; -1 with `errno` where it cannot.
-int createBeside(const fs::path& target, mode_t mode, fs::path& created) {
-  // One collision would be a wonder; so many are a folder that somebody fills on purpose.
-  for (int attempts = 0; attempts < 100; ++attempts) {
-    const std::string suffix = randomSuffix();
-    if (suffix.empty()) return -1;
-    fs::path name = target;
-    name += suffix;
-    const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (descriptor >= 0) created = std::move(name);
-    if (descriptor >= 0 || errno != EEXIST) return descriptor;
-  }
-  return -1;
-}
-
-void syncFolderOf(const fs::path& file) {
-  const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path{"."};
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;  // a folder that may be written but not read cannot be synced; the file itself was
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
 }  // namespace
-
-WholeFile::WholeFile(fs::path target, AtLink atLink)
-    : target_(atLink == AtLink::writeThrough ? followedLinks(std::move(target)) : std::move(target)) {
-  struct stat status {};
-  bool replaces = ::lstat(target_.c_str(), &status) == 0 && !S_ISLNK(status.st_mode);
-  // What somebody else left in the place of a file says nothing about who may read the new one.
-  if (atLink == AtLink::replace && status.st_uid != ::geteuid()) replaces = false;
-  // A new file gets what the user's mask allows: the system applies it, for to ask for the mask is to change it, in all
-  // threads. A replacement is the user's alone until it has the rights of the file that it replaces.
-  constexpr mode_t newFileMode = 0666;
-  constexpr mode_t ownFileMode = 0600;
-  descriptor_ = createBeside(target_, replaces ? ownFileMode : newFileMode, temporary_);
-  if (descriptor_ < 0) throw failed("cannot create a file beside", target_);
-  if (replaces) ::fchmod(descriptor_, status.st_mode & 07777U);
-}
-
-WholeFile::~WholeFile() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-  if (!temporary_.empty()) ::unlink(temporary_.c_str());
-}
-
-void WholeFile::flush() {
-  std::string_view rest = buffer_;
-  while (!rest.empty()) {
-    const auto written = ::write(descriptor_, rest.data(), rest.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      throw failed("cannot write", target_);
-    }
-    rest.remove_prefix(static_cast<std::size_t>(written));
-  }
-  buffer_.clear();
-}
 
 void WholeFile::write(std::string_view bytes) {
   buffer_ += bytes;
   if (buffer_.size() >= bufferBytes) flush();
 }
 
-void WholeFile::commit() {
-  flush();
-  if (::fsync(descriptor_) != 0) throw failed("cannot write", target_);
-  const int descriptor = std::exchange(descriptor_, -1);
-  if (::close(descriptor) != 0) throw failed("cannot write", target_);
-  if (::rename(temporary_.c_str(), target_.c_str()) != 0) throw failed("cannot replace", target_);
-  temporary_.clear();
-  syncFolderOf(target_);
-}
-
-void writeWholeFile(const fs::path& target, std::string_view bytes) {
+void writeWholeFile(const std::filesystem::path& target, std::string_view bytes) {
   WholeFile file(target);
   file.write(bytes);
   file.commit();
-}
-
-std::string readWholeFile(const fs::path& file) {
-  const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) throw failed("cannot open", file);
-  std::string bytes;
-  std::string chunk(bufferBytes, '\0');
-  for (;;) {
-    const auto got = ::read(descriptor, chunk.data(), chunk.size());
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) {
-      const Error error = failed("cannot read", file);
-      ::close(descriptor);
-      throw error;
-    }
-    if (got == 0) break;
-    bytes.append(chunk, 0, static_cast<std::size_t>(got));
-  }
-  ::close(descriptor);
-  return bytes;
 }
 
 }  // namespace korvel

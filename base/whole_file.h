@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -13,8 +14,8 @@ enum class AtLink {
 };
 
 /// A file that is written whole or not at all: bytes go to a temporary file beside the target, `commit` syncs it and
-/// renames it over the target. Without `commit` the target is left as it was and the temporary file is removed.
-/// All members throw Error with the system's error number.
+/// renames it over the target. A replacement keeps who may read and write the target. Without `commit` the target is
+/// left as it was and the temporary file is removed. All members throw Error with the system's error number.
 class WholeFile {
  public:
   explicit WholeFile(std::filesystem::path target, AtLink atLink = AtLink::writeThrough);
@@ -31,7 +32,7 @@ class WholeFile {
   std::filesystem::path target_;
   std::filesystem::path temporary_;
   std::string buffer_;
-  int descriptor_ = -1;
+  std::intptr_t file_ = -1;  ///< the system's descriptor or handle, -1 for none
 };
 
 /// Replaces `target` by `bytes`, whole or not at all.

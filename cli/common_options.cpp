@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 
+#include "base/paths.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/names.h"
@@ -50,7 +51,8 @@ void addTarget(CLI::App& command, const OutputFormat*& format, std::string& outp
 
 std::optional<std::string> targetProblem(const OutputFormat& format, const std::string& output,
                                          const std::ostream& out) {
-  if (output != "-" && isDatabaseFile(output)) return output + " is a database; the tool does not replace it";
+  if (output != "-" && isDatabaseFile(pathFromUtf8(output)))
+    return output + " is a database; the tool does not replace it";
   if (format.isBinary && isTerminal(output, out))
     return std::string(format.name) + " is nothing for a terminal; name a file with --output";
   return std::nullopt;

@@ -6,8 +6,10 @@
 #include <ostream>
 
 #include "base/error.h"
+#include "base/paths.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
+#include "cli/platform_help.h"
 #include "cli/read_option.h"
 #include "db/open_connection.h"
 
@@ -15,13 +17,17 @@ namespace korvel::cli {
 
 namespace {
 
-constexpr const char* footer =
-    "The data is invented, and the same on every machine for the same rows and seed.\n"
-    "\n"
-    "Examples:\n"
-    "  korvel-audit demo\n"
-    "  korvel-audit demo --folder /tmp/audit --rows 1000000\n"
-    "  korvel-audit query --server /tmp/audit\n";
+std::string footer() {
+  return "The data is invented, and the same on every machine for the same rows and seed.\n"
+         "\n"
+         "Examples:\n"
+         "  korvel-audit demo\n"
+         "  korvel-audit demo --folder " +
+         std::string(exampleFolder) +
+         " --rows 1000000\n"
+         "  korvel-audit query --server " +
+         exampleFolder + "\n";
+}
 
 /// The parser alone would take -1 for a very large number, and a number that is too large for the largest.
 std::optional<std::uint64_t> wholeNumber(const std::string& text) {
@@ -52,17 +58,16 @@ CLI::App* addDemoCommand(CLI::App& app, DemoOptions& options) {
   addReadOption(*demo, {"--seed", "S", "Another number, other data (default: 1)"}, wholeNumber,
                 "no whole number from 0 on", [&options](std::uint64_t seed) { options.seed = seed; });
   demo->add_flag("--force", options.force, "Replace databases that are there already");
-  demo->footer(footer);
+  demo->footer(footer());
   return demo;
 }
 
 int runDemo(const DemoOptions& options, std::ostream& out, std::ostream& err) {
   try {
-    const std::filesystem::path folder =
-        options.folder.empty() ? db::embeddedFolder() : std::filesystem::path(options.folder);
+    const std::filesystem::path folder = options.folder.empty() ? db::embeddedFolder() : pathFromUtf8(options.folder);
     demo::writeDemoDatabases({folder, options.rows, options.seed, options.force});
     for (const char* name : {"Korvel_Audit.db", "Korvel_Audit_MU.db"})
-      out << output::terminalText((folder / name).string()) << '\n';
+      out << output::terminalText(utf8FromPath(folder / name)) << '\n';
     return out.flush() ? exitDone : exitOutput;
   } catch (const Error& error) {
     say(err, "error " + std::to_string(error.number()) + ": " + error.description());

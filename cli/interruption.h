@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
+#include <memory>
 
 namespace korvel::cli {
 
 /// While it lives, Ctrl+C, the request to end and the end of the terminal leave the program running and are only noted,
-/// so that work is ended in good order. The second one ends it as ever. Signals that the program was started to ignore
-/// stay ignored.
+/// so that work is ended in good order. The second one ends it as ever. What the program was started to ignore stays
+/// ignored.
 class Interruption {
  public:
   Interruption();
@@ -17,7 +17,8 @@ class Interruption {
   [[nodiscard]] static bool requested() noexcept;
 
  private:
-  std::array<void (*)(int), 3> handlersBefore_{};
+  struct Before;
+  std::unique_ptr<Before> before_;  ///< what the process did before
 };
 
 }  // namespace korvel::cli

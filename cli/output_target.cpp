@@ -1,15 +1,16 @@
 #include "cli/output_target.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <ostream>
 
 #include "base/error.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/whole_file.h"
+#include "cli/terminal.h"
 
 namespace korvel::cli {
 
@@ -20,7 +21,7 @@ namespace {
 using Writer = std::function<void(const output::ByteSink&)>;
 
 Error cannotWrite(const std::string& what) {
-  return systemError(errno != 0 ? errno : EIO, "cannot write " + what);
+  return systemError(systemNumberOfErrno(std::errc::io_error), "cannot write " + what);
 }
 
 void writeToStream(std::ostream& out, const std::string& what, const Writer& write) {
@@ -34,7 +35,7 @@ void writeToStream(std::ostream& out, const std::string& what, const Writer& wri
 
 void writeThrough(const std::string& target, const Writer& write) {
   errno = 0;
-  std::ofstream out(target, std::ios::binary);
+  std::ofstream out(pathForCalls(pathFromUtf8(target)), std::ios::binary);
   if (!out) throw cannotWrite(target);
   writeToStream(out, target, write);
 }
@@ -42,26 +43,23 @@ void writeThrough(const std::string& target, const Writer& write) {
 }  // namespace
 
 bool isTerminal(const std::string& target, const std::ostream& out) {
-  if (target == "-") return &out == &std::cout && ::isatty(STDOUT_FILENO) == 1;
+  if (target == "-") return &out == &std::cout && standardOutputIsTerminal();
   std::error_code ignored;
-  if (!fs::is_character_file(target, ignored)) return false;
-  const int descriptor = ::open(target.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return false;
-  const bool terminal = ::isatty(descriptor) == 1;
-  ::close(descriptor);
-  return terminal;
+  const fs::path device = pathFromUtf8(target);
+  return fs::is_character_file(files::status(device, ignored)) && deviceIsTerminal(device);
 }
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
   if (target == "-") return writeToStream(out, "standard output", write);
   // Would only be noticed when all is written.
-  if (target.empty()) throw systemError(ENOENT, "cannot write a file without a name");
+  if (target.empty())
+    throw systemError(systemNumber(std::errc::no_such_file_or_directory), "cannot write a file without a name");
   std::error_code ignored;
-  const fs::file_status status = fs::status(target, ignored);
-  if (fs::is_directory(status)) throw systemError(EISDIR, "cannot write " + target);
+  const fs::file_status status = files::status(pathFromUtf8(target), ignored);
+  if (fs::is_directory(status)) throw systemError(systemNumber(std::errc::is_a_directory), "cannot write " + target);
   // Renaming a file over a device would take the device away.
   if (fs::exists(status) && !fs::is_regular_file(status)) return writeThrough(target, write);
-  WholeFile file(target);
+  WholeFile file(pathFromUtf8(target));
   write([&file](std::string_view bytes) { file.write(bytes); });
   file.commit();
 }

@@ -8,6 +8,8 @@
 #include <ostream>
 #include <utility>
 
+#include "base/files.h"
+#include "base/paths.h"
 #include "cli/common_options.h"
 #include "cli/exit_status.h"
 #include "cli/interruption.h"
@@ -228,12 +230,11 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
 
 int runSql(const SqlOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
-  std::error_code none;
-  if (options.fromFile && std::filesystem::equivalent(options.file, options.output, none))
+  if (options.fromFile && files::areTheSame(pathFromUtf8(options.file), pathFromUtf8(options.output)))
     return refused(err, options.output + " is the query file itself");
   std::string text = options.text;
   if (options.fromFile)
-    if (const auto failure = query::failureOf([&] { text = query::loadQueryFile(options.file); }))
+    if (const auto failure = query::failureOf([&] { text = query::loadQueryFile(pathFromUtf8(options.file)); }))
       return refused(err, failure->description());
   const Interruption interruption;
   return SqlRun(options, connect, std::move(text), err).run(out);

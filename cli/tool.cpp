@@ -9,6 +9,7 @@
 #include "cli/demo_command.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
+#include "cli/platform_help.h"
 #include "cli/query_command.h"
 #include "cli/server_commands.h"
 #include "cli/sql_command.h"
@@ -39,12 +40,7 @@ constexpr const char* footer =
     "  4  the output could not be written\n"
     "  130  stopped by Ctrl+C; no file was written\n"
     "\n"
-    "Environment:\n"
-    "  KORVEL_AUDIT_DATA   folder of the embedded databases (otherwise korvel/audit in the\n"
-    "                      user's data folder, ~/.local/share)\n"
-    "  KORVEL_REGISTRY     settings file (otherwise korvel/registry.reg in the user's\n"
-    "                      configuration folder, ~/.config)\n"
-    "  KORVEL_ODBC_DRIVER  ODBC driver for servers (otherwise the best one installed)\n";
+    "Environment:\n";
 
 constexpr std::array serverCommands = {&serversCommand, &databasesCommand, &installCommand, &checkCommand};
 
@@ -54,7 +50,7 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   app.set_version_flag("--version", std::string("korvel-audit ") + KORVEL_VERSION, "Show the version");
   app.set_help_flag("-h,--help", "Show this help");
   app.get_formatter()->column_width(28);
-  app.footer(footer);
+  app.footer(std::string(footer) + environmentHelp);
   app.require_subcommand(1);
   DemoOptions demoOptions;
   QueryOptions queryOptions;

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/paths.h"
 #include "control/audit_viewer_members.h"
 #include "control/message_titles.h"
 #include "control/query_watch.h"
@@ -30,11 +31,6 @@ const QString fieldsForm = QStringLiteral("frmFields");
 const QString fileListForm = QStringLiteral("frmFileList");
 const QString noRecordsText = QStringLiteral("No Records Found for Query");
 const QString everythingQuery = QStringLiteral("Select * from Korvel_Audit_Trails");
-
-/// A path of the file system from text; the system's own bytes where the text is UTF-8.
-std::filesystem::path toPath(const std::string& text) {
-  return std::filesystem::path(std::u8string(text.begin(), text.end()));
-}
 
 }  // namespace
 
@@ -162,7 +158,7 @@ void AuditViewer::Members::btSave_Click() {
     const bool wanted = services->confirm(&viewer_, messageTitle(), ownText("custom.replaceCharacters"));
     if (!alive || !wanted) return;
   }
-  query::saveQueryFile(toPath((folder + name).toStdString() + "." + std::string(query::queryFileExtension)), text);
+  query::saveQueryFile(pathFromUtf8((folder + name).toStdString() + "." + std::string(query::queryFileExtension)), text);
 }
 
 void AuditViewer::Members::btOpen_Click() {
@@ -176,7 +172,7 @@ void AuditViewer::Members::btOpen_Click() {
   services->showForm(&viewer_, fileListForm);
   if (!alive || choices.fileName.empty()) return;
   // What cannot be read leaves the text as it was.
-  const std::string text = query::loadQueryFile(toPath(choices.folder) += choices.fileName);
+  const std::string text = query::loadQueryFile(pathFromUtf8(choices.folder + choices.fileName));
   surface.txtAdvancedQuery->setQueryText(fromUtf8(text));
 }
 

@@ -1,9 +1,9 @@
 #include <array>
-#include <cerrno>
 #include <span>
 #include <utility>
 #include <vector>
 
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
@@ -13,7 +13,7 @@ namespace korvel::db {
 namespace {
 
 [[noreturn]] void refuse(std::string key, std::vector<std::string> arguments = {}) {
-  throw settings::explainedError(EINVAL, std::move(key), std::move(arguments));
+  throw settings::explainedError(systemNumber(std::errc::invalid_argument), std::move(key), std::move(arguments));
 }
 
 /// Walks over "key=value; key=value;". A value may stand in single or double quotes or in braces, its closing mark

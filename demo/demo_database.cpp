@@ -3,8 +3,6 @@
 #include <sqlite3.h>
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
 #include <future>
 #include <memory>
 #include <optional>
@@ -14,6 +12,9 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "db/embedded/audit_schema.h"
 #include "demo/trail.h"
 #include "query/audit_record.h"
@@ -28,7 +29,7 @@ namespace {
 constexpr std::uint64_t mostRows = 999'999'999;
 
 Error fileError(const std::string& what, const fs::path& file, const std::error_code& code) {
-  return systemError(code.value(), what + " " + file.string());
+  return systemError(systemNumber(code), what + " " + utf8FromPath(file));
 }
 
 /// An unfinished file beside the one it is to become; gone with this object unless it was put in place.
@@ -36,22 +37,22 @@ class UnfinishedFile {
  public:
   explicit UnfinishedFile(fs::path target) : target_(std::move(target)) {
     constexpr int attempts = 1000;
+    std::error_code failure;
     for (int i = 0; i < attempts; ++i) {
       fs::path name = target_;
       name += "." + std::to_string(i) + ".unfinished";
-      // "x": fails where the name is taken, by a file or by a link to one.
-      if (std::FILE* file = std::fopen(name.c_str(), "wxb")) {
+      files::createNew(name, failure);
+      if (!failure) {
         path_ = std::move(name);
-        static_cast<void>(std::fclose(file));  // nothing was written that could be lost
         return;
       }
-      if (errno != EEXIST) break;
+      if (!means(systemNumber(failure), std::errc::file_exists)) break;
     }
-    throw systemError(errno, "cannot create a file beside " + target_.string());
+    throw fileError("cannot create a file beside", target_, failure);
   }
   ~UnfinishedFile() {
     std::error_code ignored;
-    if (!path_.empty()) fs::remove(path_, ignored);
+    if (!path_.empty()) files::remove(path_, ignored);
   }
   UnfinishedFile(const UnfinishedFile&) = delete;
   UnfinishedFile& operator=(const UnfinishedFile&) = delete;
@@ -66,10 +67,10 @@ class UnfinishedFile {
     for (const std::string_view suffix : {"-journal", "-wal", "-shm"}) {
       fs::path leftover = target_;
       leftover += suffix;
-      fs::remove(leftover, code);
+      files::remove(leftover, code);
       if (code) throw fileError("cannot remove", leftover, code);
     }
-    fs::rename(path_, target_, code);
+    files::rename(path_, target_, code);
     if (code) throw fileError("cannot replace", target_, code);
     path_.clear();
   }
@@ -91,7 +92,8 @@ class Filler {
  public:
   explicit Filler(const fs::path& file) {
     sqlite3* database = nullptr;
-    const int code = sqlite3_open_v2(file.string().c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
+    const int code =
+        sqlite3_open_v2(utf8FromPath(pathForCalls(file)).c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
     database_.reset(database);
     check(code);
     run("PRAGMA journal_mode=OFF; PRAGMA locking_mode=EXCLUSIVE; PRAGMA synchronous=FULL; PRAGMA cache_size=-65536; "
@@ -156,14 +158,15 @@ void fill(const fs::path& file, Trail trail) {
 
 void checkRows(std::uint64_t rows) {
   if (rows > mostRows)
-    throw Error(EINVAL,
+    throw Error(systemNumber(std::errc::invalid_argument),
                 "a demo database has at most " + std::to_string(mostRows) + " rows, not " + std::to_string(rows));
 }
 
 void refuseToReplace(const fs::path& file) {
   std::error_code ignored;
   // Of the link itself: a link to nowhere is somebody's too.
-  if (fs::exists(fs::symlink_status(file, ignored))) throw systemError(EEXIST, "will not replace " + file.string());
+  if (fs::exists(files::linkStatus(file, ignored)))
+    throw systemError(systemNumber(std::errc::file_exists), "will not replace " + utf8FromPath(file));
 }
 
 }  // namespace
@@ -171,7 +174,7 @@ void refuseToReplace(const fs::path& file) {
 void writeDemoDatabases(const Options& options) {
   checkRows(options.rows);
   std::error_code code;
-  fs::create_directories(options.folder, code);
+  files::createFolders(options.folder, code);
   if (code) throw fileError("cannot make the folder", options.folder, code);
   const std::array targets = {options.folder / "Korvel_Audit.db", options.folder / "Korvel_Audit_MU.db"};
   if (!options.force)

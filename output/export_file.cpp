@@ -1,5 +1,6 @@
 #include "output/export_file.h"
 
+#include "base/files.h"
 #include "output/windows_error.h"
 
 namespace korvel::output {
@@ -21,7 +22,7 @@ void translating(Work work) {
 
 ExportFile::ExportFile(const fs::path& target) {
   std::error_code ignored;
-  if (fs::is_directory(fs::symlink_status(target, ignored))) throw windowsError(errorPathFileAccess);
+  if (fs::is_directory(files::linkStatus(target, ignored))) throw windowsError(errorPathFileAccess);
   translating([&] { file_.emplace(target, AtLink::replace); });
 }
 

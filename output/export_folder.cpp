@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "base/paths.h"
 #include "output/windows_error.h"
 #include "settings/registry.h"
 #include "settings/shared_file.h"
@@ -85,7 +86,7 @@ fs::path ownFolder() {
 
 fs::path exportPath(std::string_view name) {
   const std::string windir = settings::GetEnvironment("windir");
-  if (!windir.empty()) return windir + "/" + std::string(name);
+  if (!windir.empty()) return pathFromUtf8(windir) / name;
   return ownFolder() / name;
 }
 

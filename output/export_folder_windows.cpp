@@ -1,5 +1,6 @@
-#include <string>
-
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "output/export_folder.h"
 #include "output/windows_error.h"
 #include "settings/registry.h"
@@ -9,18 +10,17 @@ namespace korvel::output {
 namespace fs = std::filesystem;
 
 fs::path exportPath(std::string_view name) {
-  const auto utf8Path = [](const std::string& text) { return fs::path(std::u8string(text.begin(), text.end())); };
   const std::string windir = settings::GetEnvironment("windir");
-  if (!windir.empty()) return utf8Path(windir + "\\" + std::string(name));
+  if (!windir.empty()) return pathFromUtf8(windir) / name;
   // The profile's folders are the user's alone already.
   const std::string profile = settings::GetEnvironment("LOCALAPPDATA");
   if (profile.empty()) throw windowsError(errorPathNotFound);
-  const fs::path folder = utf8Path(profile) / "korvel" / "export";
+  const fs::path folder = pathFromUtf8(profile) / "korvel" / "export";
   std::error_code failure;
-  fs::create_directories(folder, failure);
-  if (failure) throw asWindowsError(systemError(failure.value(), "cannot create a folder"), FileTask::write);
-  if (fs::is_symlink(folder, failure)) throw windowsError(errorPathFileAccess);
-  return folder / std::string(name);
+  files::createFolders(folder, failure);
+  if (failure) throw asWindowsError(systemError(systemNumber(failure), "cannot create a folder"), FileTask::write);
+  if (fs::is_symlink(files::linkStatus(folder, failure))) throw windowsError(errorPathFileAccess);
+  return folder / name;
 }
 
 }  // namespace korvel::output

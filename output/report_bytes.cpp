@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "base/files.h"
+#include "base/system_errors.h"
 #include "output/windows_error.h"
 
 namespace korvel::output {
@@ -10,7 +12,7 @@ namespace korvel::output {
 namespace {
 
 [[noreturn]] void fail() {
-  throw asWindowsError(systemError(errno != 0 ? errno : EIO, "cannot read the report"), FileTask::read);
+  throw asWindowsError(systemError(systemNumberOfErrno(std::errc::io_error), "cannot read the report"), FileTask::read);
 }
 
 struct CloseFile {
@@ -19,7 +21,7 @@ struct CloseFile {
 
 class FileBytes : public ReportBytes {
  public:
-  explicit FileBytes(const std::filesystem::path& file) : file_(std::fopen(file.string().c_str(), "rb")) {
+  explicit FileBytes(const std::filesystem::path& file) : file_(files::open(file, "rb")) {
     if (!file_) fail();
   }
   void rewind() override {

@@ -4,6 +4,8 @@
 #include <array>
 #include <string>
 
+#include "base/system_errors.h"
+
 namespace korvel::output {
 
 namespace {
@@ -44,6 +46,12 @@ std::optional<std::int32_t> windowsErrorNumber(std::int32_t systemNumber, FileTa
       std::find_if(rows.begin(), rows.end(), [&](const SystemNumber& row) { return row.system == systemNumber; });
   if (found == rows.end()) return std::nullopt;
   return task == FileTask::read ? found->whenReading : found->whenWriting;
+}
+
+bool isOfTheDisk(std::int32_t systemNumber) noexcept {
+  const auto number = windowsErrorNumber(systemNumber, FileTask::write);
+  return number == errorDiskFull || number == errorDeviceInputOutput ||
+         means(systemNumber, std::errc::read_only_file_system);
 }
 
 Error asWindowsError(const Error& failure, FileTask task) {

@@ -38,6 +38,9 @@ inline constexpr std::int32_t errorInvalidFileFormat = 321;
 /// What to raise for a failure that carries a number of the system: its counterpart, or the failure itself.
 [[nodiscard]] Error asWindowsError(const Error& failure, FileTask task);
 
+/// Whether a number of the system says that the disk has refused something: full, broken, or not to be written.
+[[nodiscard]] bool isOfTheDisk(std::int32_t systemNumber) noexcept;
+
 /// A row of the platform's table.
 struct SystemNumber {
   std::int32_t system;

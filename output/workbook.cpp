@@ -1,8 +1,5 @@
 #include "output/workbook.h"
 
-#include <fcntl.h>
-#include <stdlib.h>
-#include <unistd.h>
 #include <xlsxwriter.h>
 
 #include <algorithm>
@@ -11,8 +8,12 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "output/export_file.h"
+#include "output/scratch_file.h"
 #include "output/typed_value.h"
 #include "output/windows_error.h"
 
@@ -37,32 +38,8 @@ constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
 /// What the library says about a failure of its own: mostly it says where, and the system why.
 [[noreturn]] void failAs(lxw_error error) {
   if (error == LXW_ERROR_MEMORY_MALLOC_FAILED) throw windowsError(errorOutOfMemory);
-  fail(errno != 0 ? errno : EIO);
+  fail(systemNumberOfErrno(std::errc::io_error));
 }
-
-/// Whether the disk has refused something. The library looks at none of its writes to files of its own, so that rows
-/// would be missing without a word.
-bool isOfTheDisk(int systemNumber) noexcept {
-  constexpr std::array numbers = {ENOSPC, EDQUOT, EFBIG, EIO, EROFS};
-  return std::find(numbers.begin(), numbers.end(), systemNumber) != numbers.end();
-}
-
-/// A file of this user's alone that goes with the object.
-class ScratchFile {
- public:
-  explicit ScratchFile(const fs::path& folder) : path_((folder / "korvel-XXXXXX").string()) {
-    const int descriptor = ::mkstemp(path_.data());
-    if (descriptor < 0) fail(errno);
-    ::close(descriptor);
-  }
-  ~ScratchFile() { ::unlink(path_.c_str()); }
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-  [[nodiscard]] const std::string& path() const noexcept { return path_; }
-
- private:
-  std::string path_;
-};
 
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
@@ -124,12 +101,12 @@ std::string sheetName(const std::string& text, std::size_t number) {
 
 struct Workbook::Impl {
   Impl(std::string sheetsName, const fs::path& folder)
-      : name(std::move(sheetsName)), temporaryFolder(folder.string()), scratch(folder) {
+      : name(std::move(sheetsName)), temporaryFolder(nameForTheLibrary(folder)), scratch(folder) {
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
-    options.tmpdir = temporaryFolder.data();
+    options.tmpdir = temporaryFolder.empty() ? nullptr : temporaryFolder.data();
     options.use_zip64 = LXW_FALSE;
-    book = workbook_new_opt(scratch.path().c_str(), &options);
+    book = workbook_new_opt(utf8FromPath(pathForCalls(scratch.path())).c_str(), &options);
     if (book == nullptr) throw windowsError(errorOutOfMemory);
     headerFormat = workbook_add_format(book);
     format_set_bold(headerFormat);
@@ -146,10 +123,12 @@ struct Workbook::Impl {
     if (error != LXW_NO_ERROR) failAs(error);
   }
 
-  /// Rows go to a file of the sheet's own, one behind the other.
+  /// Rows go to a file of the sheet's own, one behind the other. The library looks at none of its writes to files of
+  /// its own, so that rows would be missing without a word.
   void checkRows() const {
-    if (sheet != nullptr && sheet->optimize_tmpfile != nullptr && std::ferror(sheet->optimize_tmpfile) != 0)
-      fail(isOfTheDisk(errno) ? errno : EIO);
+    if (sheet == nullptr || sheet->optimize_tmpfile == nullptr || std::ferror(sheet->optimize_tmpfile) == 0) return;
+    const int number = systemNumberOfErrno(std::errc::io_error);
+    fail(isOfTheDisk(number) ? number : systemNumber(std::errc::io_error));
   }
 
   void endSheet() {
@@ -167,22 +146,15 @@ struct Workbook::Impl {
   /// A sheet is put together from its rows in another file, and whether that is whole the library does not look: there
   /// must be room for it before.
   void checkRoom() const {
-    constexpr off_t aroundTheRows = off_t{1} << 20;
-    const int descriptor = ::open(scratch.path().c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor < 0) fail(errno);
-    const int refusal = ::posix_fallocate(descriptor, 0, largestSheet + aroundTheRows);
-    const bool emptied = ::ftruncate(descriptor, 0) == 0;
-    const int failure = emptied ? 0 : errno;
-    ::close(descriptor);
-    if (isOfTheDisk(refusal)) fail(refusal);
-    if (!emptied) fail(failure);
+    constexpr std::uint64_t aroundTheRows = std::uint64_t{1} << 20U;
+    scratch.checkRoom(static_cast<std::uint64_t>(largestSheet) + aroundTheRows);
   }
 
   void beginSheet() {
     endSheet();
     errno = 0;
     sheet = workbook_add_worksheet(book, sheetName(name, ++summary.sheets).c_str());
-    if (sheet == nullptr) fail(errno != 0 ? errno : ENOMEM);
+    if (sheet == nullptr) fail(systemNumberOfErrno(std::errc::not_enough_memory));
     worksheet_freeze_panes(sheet, 1, 0);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const auto column = static_cast<lxw_col_t>(i);
@@ -290,15 +262,15 @@ WorkbookSummary Workbook::finish(const ByteSink& sink) {
   const lxw_error error = workbook_close(std::exchange(book.book, nullptr));
   if (error != LXW_NO_ERROR) failAs(error);
   errno = 0;
-  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(book.scratch.path().c_str(), "rb"));
-  if (!file) fail(errno);
+  const std::unique_ptr<std::FILE, CloseFile> file(files::open(book.scratch.path(), "rb"));
+  if (!file) fail(systemNumberOfErrno(std::errc::io_error));
   std::array<char, std::size_t{1} << 16U> chunk{};
   for (;;) {
     const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), file.get());
     if (got > 0) sink({chunk.data(), got});
     if (got < chunk.size()) break;
   }
-  if (std::ferror(file.get()) != 0) fail(errno != 0 ? errno : EIO);
+  if (std::ferror(file.get()) != 0) fail(systemNumberOfErrno(std::errc::io_error));
   return std::move(book.summary);
 }
 

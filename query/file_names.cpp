@@ -5,6 +5,9 @@
 #include <new>
 #include <system_error>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "query/query_file.h"
 #include "results/out_of_memory.h"
@@ -86,8 +89,7 @@ bool matches(std::string_view name, std::string_view pattern) {
 }
 
 Error folderUnreadable(const std::string& folder, int systemNumber) {
-  return settings::explainedError(systemNumber, "queryFile.folderUnreadable",
-                                  {folder, std::generic_category().message(systemNumber)});
+  return settings::explainedError(systemNumber, "queryFile.folderUnreadable", {folder, systemMessage(systemNumber)});
 }
 
 }  // namespace
@@ -125,14 +127,14 @@ std::vector<std::string> listedFiles(const std::string& folder, std::string_view
   try {
     std::vector<std::string> names;
     std::error_code failure;
-    fs::directory_iterator entry(place, failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-      std::string name = entry->path().filename().string();
+    for (const fs::path& entry : files::entries(pathFromUtf8(place), failure)) {
+      std::string name = utf8FromPath(entry.filename());
       // An entry that cannot be looked at, a link into nowhere for one, is no file to open.
       std::error_code unknown;
-      if (matchesFilePattern(name, pattern) && entry->is_regular_file(unknown)) names.push_back(std::move(name));
+      if (matchesFilePattern(name, pattern) && fs::is_regular_file(files::status(entry, unknown)))
+        names.push_back(std::move(name));
     }
-    if (failure) throw folderUnreadable(place, failure.value());
+    if (failure) throw folderUnreadable(place, systemNumber(failure));
     return names;
   } catch (const std::bad_alloc&) {
     throw results::outOfMemory();

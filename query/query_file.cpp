@@ -1,11 +1,13 @@
 #include "query/query_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <new>
 #include <system_error>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "db/database_file.h"
 #include "results/out_of_memory.h"
@@ -25,7 +27,7 @@ constexpr std::uintmax_t largestFileBytes = std::uintmax_t{64} << 20U;
 
 Error unreadable(const fs::path& file, int systemNumber) {
   return settings::explainedError(systemNumber, "queryFile.unreadable",
-                                  {file.string(), std::generic_category().message(systemNumber)});
+                                  {utf8FromPath(file), systemMessage(systemNumber)});
 }
 
 }  // namespace
@@ -39,13 +41,14 @@ bool fitsQueryFile(std::string_view text) {
 }
 
 void saveQueryFile(const fs::path& file, std::string_view text) {
-  if (db::isDatabaseFile(file)) throw settings::explainedError(EPERM, "queryFile.isDatabase", {file.string()});
+  if (db::isDatabaseFile(file))
+    throw settings::explainedError(systemNumber(std::errc::operation_not_permitted), "queryFile.isDatabase",
+                                   {utf8FromPath(file)});
   try {
     writeWholeFile(file, queryFileBytes(text));
   } catch (const Error& error) {
     const int number = error.number();
-    throw settings::explainedError(number, "queryFile.unwritable",
-                                   {file.string(), std::generic_category().message(number)});
+    throw settings::explainedError(number, "queryFile.unwritable", {utf8FromPath(file), systemMessage(number)});
   } catch (const std::bad_alloc&) {
     throw results::outOfMemory();
   }
@@ -68,13 +71,14 @@ std::string textOfQueryFile(std::string_view bytes) {
 
 std::string loadQueryFile(const fs::path& file) {
   std::error_code failure;
-  const fs::file_status status = fs::status(file, failure);
-  if (failure && status.type() != fs::file_type::not_found) throw unreadable(file, failure.value());
-  if (fs::is_directory(status)) throw unreadable(file, EISDIR);
+  const fs::file_status status = files::status(file, failure);
+  if (failure && status.type() != fs::file_type::not_found) throw unreadable(file, systemNumber(failure));
+  if (fs::is_directory(status)) throw unreadable(file, systemNumber(std::errc::is_a_directory));
   // A pipe, for one, would be waited for without end.
-  if (fs::exists(status) && !fs::is_regular_file(status)) throw unreadable(file, EINVAL);
-  if (const auto size = fs::file_size(file, failure); !failure && size > largestFileBytes)
-    throw unreadable(file, EFBIG);
+  if (fs::exists(status) && !fs::is_regular_file(status))
+    throw unreadable(file, systemNumber(std::errc::invalid_argument));
+  if (const auto size = files::size(file, failure); !failure && size > largestFileBytes)
+    throw unreadable(file, systemNumber(std::errc::file_too_large));
   try {
     return textOfQueryFile(readWholeFile(file));
   } catch (const Error& error) {

@@ -1,7 +1,7 @@
 #include <windows.h>
 
+#include "base/wide_text_windows.h"
 #include "settings/registry.h"
-#include "settings/windows_text.h"
 
 namespace korvel::settings {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "base/wide_text_windows.h"
 #include "settings/registry_value.h"
-#include "settings/windows_text.h"
 
 namespace korvel::settings {
 

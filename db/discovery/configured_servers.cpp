@@ -3,21 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <filesystem>
 #include <functional>
 #include <map>
 
-#include "base/error.h"
 #include "base/text.h"
-#include "base/whole_file.h"
 #include "db/trimmed_line.h"
-#include "settings/registry.h"
 
 namespace korvel::db {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 using Section = std::map<std::string, std::string>;  // keys case-folded
 
@@ -74,22 +68,6 @@ std::string typedName(const std::string& host, const std::string& instance, cons
   return instance.empty() ? host : host + "\\" + instance;
 }
 
-/// A file of the user's own; nothing where his folder is not known, never one of the current folder.
-fs::path ofTheUser(const char* name) {
-  const fs::path home = settings::GetEnvironment("HOME");
-  return home.is_absolute() ? home / name : fs::path();
-}
-
-/// An empty path names no file.
-void addServersOf(const fs::path& file, std::vector<std::string> (*read)(std::string_view),
-                  std::vector<std::string>& servers) {
-  if (file.empty()) return;
-  try {
-    for (auto& server : read(readWholeFile(file))) servers.push_back(std::move(server));
-  } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a file that is not there names no servers
-  }
-}
-
 }  // namespace
 
 std::vector<std::string> serversOfFreeTdsConfiguration(std::string_view text) {
@@ -115,18 +93,6 @@ std::vector<std::string> serversOfOdbcConfiguration(std::string_view text) {
                       driver.find("sql server") != std::string::npos || driver.find("msodbcsql") != std::string::npos;
     if (ours) servers.push_back(typedName(server, {}, valueOf(section, "port")));
   });
-  return servers;
-}
-
-std::vector<std::string> configuredServers() {
-  const std::string odbcIni = settings::GetEnvironment("ODBCINI");
-  const std::string freeTdsConf = settings::GetEnvironment("FREETDSCONF");
-  std::vector<std::string> servers;
-  addServersOf(odbcIni.empty() ? ofTheUser(".odbc.ini") : fs::path(odbcIni), serversOfOdbcConfiguration, servers);
-  addServersOf("/etc/odbc.ini", serversOfOdbcConfiguration, servers);
-  addServersOf(freeTdsConf.empty() ? ofTheUser(".freetds.conf") : fs::path(freeTdsConf), serversOfFreeTdsConfiguration,
-               servers);
-  addServersOf("/etc/freetds/freetds.conf", serversOfFreeTdsConfiguration, servers);
   return servers;
 }
 

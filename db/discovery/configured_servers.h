@@ -13,7 +13,8 @@ namespace korvel::db {
 /// The servers that an odbc.ini names: of every data source that has one, its server (and port, where it stands apart).
 [[nodiscard]] std::vector<std::string> serversOfOdbcConfiguration(std::string_view text);
 
-/// The servers of the user's and the system's own configuration files; files that are absent or unreadable name none.
+/// The servers of the user's and the system's own configuration: files, on Windows the data sources of its registry.
+/// What is absent or unreadable names none.
 [[nodiscard]] std::vector<std::string> configuredServers();
 
 }  // namespace korvel::db

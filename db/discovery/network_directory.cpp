@@ -8,6 +8,9 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "db/discovery/configured_servers.h"
 #include "db/embedded/embedded_connection.h"
@@ -50,14 +53,15 @@ class DatabaseSink final : public ResultSink {
 std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
   std::vector<DatabaseInfo> databases;
   std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+  for (const fs::path& entry : files::entries(folder, error)) {
     std::error_code ignored;
-    const std::string name = entry->path().stem().string();
+    const std::string name = utf8FromPath(entry.stem());
     // What cannot be opened by its name is not offered.
-    if (entry->path().extension() == ".db" && isEmbeddedDatabaseName(name) && entry->is_regular_file(ignored))
-      databases.push_back({name, false, entry->path().string()});
+    if (entry.extension() == ".db" && isEmbeddedDatabaseName(name) &&
+        fs::is_regular_file(files::status(entry, ignored)))
+      databases.push_back({name, false, utf8FromPath(entry)});
   }
-  if (error) throw folderFailure(folder, error.value());
+  if (error) throw folderFailure(folder, systemNumber(error));
   std::sort(databases.begin(), databases.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
   return databases;
 }

@@ -7,6 +7,8 @@
 #include <fstream>
 #include <utility>
 
+#include "base/files.h"
+#include "base/paths.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -24,7 +26,7 @@ bool usesWriteAheadLog(const std::filesystem::path& file) {
   constexpr std::size_t readVersion = 19;
   constexpr char writeAheadLog = 2;
   std::array<char, readVersion + 1> header{};
-  std::ifstream stream(file, std::ios::binary);
+  std::ifstream stream(pathForCalls(file), std::ios::binary);
   stream.read(header.data(), header.size());
   return stream && (header[writeVersion] == writeAheadLog || header[readVersion] == writeAheadLog);
 }
@@ -33,7 +35,7 @@ std::string fileUri(const std::filesystem::path& file, std::string_view paramete
   constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._/";
   constexpr std::string_view hexDigits = "0123456789abcdef";
   std::string uri = "file:";
-  for (const char c : file.string()) {
+  for (const char c : utf8FromPath(pathForCalls(file))) {
     const auto byte = static_cast<unsigned char>(c);
     if (plain.find(c) != std::string_view::npos)
       uri += c;
@@ -74,30 +76,31 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::chrono::m
   std::error_code failure;
   // Without a working folder a relative path leads nowhere; it is said below.
   if (auto whole = std::filesystem::absolute(file, failure); !failure) file_ = std::move(whole);
-  const auto status = std::filesystem::status(file_, failure);
+  const auto status = files::status(file_, failure);
   if (status.type() == std::filesystem::file_type::not_found)
-    throw settings::explainedError(SQLITE_CANTOPEN, "db.fileMissing", {file_.string()});
+    throw settings::explainedError(SQLITE_CANTOPEN, "db.fileMissing", {utf8FromPath(file_)});
   // A pipe, for one, would be waited for without end.
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-    throw settings::explainedError(SQLITE_CANTOPEN, "db.notAFile", {file_.string()});
+    throw settings::explainedError(SQLITE_CANTOPEN, "db.notAFile", {utf8FromPath(file_)});
   open();
   lockDown(busyTimeout);
 }
 
 void SqliteDatabase::open() {
-  std::string name = file_.string();
+  std::string name = utf8FromPath(pathForCalls(file_));
   int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX;
   const FileState before = state();
   if (usesWriteAheadLog(file_)) {
     // Opened plainly, such a database makes files beside itself even for a reader.
     const std::filesystem::path log = beside(file_, "-wal");
     std::error_code missing;
-    const auto logSize = std::filesystem::file_size(log, missing);
+    const auto logSize = files::size(log, missing);
     const bool logIsEmpty = missing || logSize == 0;
     if (logIsEmpty)
       relyingOn_ = before;  // all is in the file itself, and the engine trusts that nobody writes to it meanwhile
-    else if (!std::filesystem::exists(beside(file_, "-shm"), missing))
-      throw settings::explainedError(SQLITE_READONLY_RECOVERY, "db.logUnread", {file_.string(), log.string()});
+    else if (!std::filesystem::exists(files::status(beside(file_, "-shm"), missing)))
+      throw settings::explainedError(SQLITE_READONLY_RECOVERY, "db.logUnread",
+                                     {utf8FromPath(file_), utf8FromPath(log)});
     name = fileUri(file_, logIsEmpty ? "?mode=ro&immutable=1" : "?mode=ro&readonly_shm=1");
     flags |= SQLITE_OPEN_URI;
   }
@@ -174,7 +177,7 @@ SqliteStatement SqliteDatabase::prepare(const std::string& text, std::size_t& st
   if (statement && sqlite3_bind_parameter_count(compiled) > 0) {
     const char* const name = sqlite3_bind_parameter_name(compiled, 1);
     throw settings::explainedError(SQLITE_ERROR, "db.parameterWithoutValue",
-                                   {name == nullptr ? "?" : name, file_.string()});
+                                   {name == nullptr ? "?" : name, utf8FromPath(file_)});
   }
   start = static_cast<std::size_t>(rest - text.data());
   return statement;
@@ -200,7 +203,7 @@ std::string SqliteDatabase::tableOrder(const std::string& table) {
 Error SqliteDatabase::refusal(std::string_view statement) const {
   std::string what = guard_.refused().empty() ? firstWord(statement) : guard_.refused();
   if (what.empty()) what = "this";
-  return settings::explainedError(SQLITE_AUTH, "db.readOnly", {what, file_.string()});
+  return settings::explainedError(SQLITE_AUTH, "db.readOnly", {what, utf8FromPath(file_)});
 }
 
 Error SqliteDatabase::error(int code) const {
@@ -211,22 +214,22 @@ Error SqliteDatabase::error(int code) const {
   const int number = fromHandle ? sqlite3_extended_errcode(handle_.get()) : code;
   if ((number & 0xff) == SQLITE_AUTH) return refusal({});
   if ((number & 0xff) == SQLITE_READONLY)
-    return settings::explainedError(number, "db.changeInterrupted", {file_.string()});
-  return {number,
-          std::string(fromHandle ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code)) + " (" + file_.string() + ")"};
+    return settings::explainedError(number, "db.changeInterrupted", {utf8FromPath(file_)});
+  return {number, std::string(fromHandle ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code)) + " (" +
+                      utf8FromPath(file_) + ")"};
 }
 
 SqliteDatabase::FileState SqliteDatabase::state() const {
   std::error_code failure;
   FileState now;
-  now.size = std::filesystem::file_size(file_, failure);
-  now.written = std::filesystem::last_write_time(file_, failure);
+  now.size = files::size(file_, failure);
+  now.written = files::writtenAt(file_, failure);
   return now;
 }
 
 void SqliteDatabase::checkUnchanged() const {
   if (relyingOn_ && *relyingOn_ != state())
-    throw settings::explainedError(SQLITE_BUSY_SNAPSHOT, "db.changedMeanwhile", {file_.string()});
+    throw settings::explainedError(SQLITE_BUSY_SNAPSHOT, "db.changedMeanwhile", {utf8FromPath(file_)});
 }
 
 }  // namespace korvel::db

@@ -1,7 +1,6 @@
 #include "db/odbc/server_check.h"
 
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,6 +9,9 @@
 #include <system_error>
 #include <utility>
 
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
 #include "db/embedded/embedded_connection.h"
 #include "db/odbc/odbc_failures.h"
 #include "db/open_connection.h"
@@ -133,11 +135,11 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, const std::strin
   std::vector<Step> steps;
   steps.push_back({"name", [&] {
                      std::error_code error;
-                     const auto status = std::filesystem::status(folder, error);
+                     const auto status = files::status(folder, error);
                      if (std::filesystem::exists(status) && !std::filesystem::is_directory(status))
-                       throw folderFailure(folder, ENOTDIR);
-                     if (error) throw folderFailure(folder, error.value());
-                     return Found{"check.name.embedded", {folder.string()}};
+                       throw folderFailure(folder, systemNumber(std::errc::not_a_directory));
+                     if (error) throw folderFailure(folder, systemNumber(error));
+                     return Found{"check.name.embedded", {utf8FromPath(folder)}};
                    }});
   if (!database.empty()) {
     steps.push_back({"database", [&] {

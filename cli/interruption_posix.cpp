@@ -26,17 +26,21 @@ extern "C" void note(int signal) {
 
 }  // namespace
 
-Interruption::Interruption() {
+struct Interruption::Before {
+  std::array<void (*)(int), signals.size()> handlers{};
+};
+
+Interruption::Interruption() : before_(std::make_unique<Before>()) {
   noted() = false;
   for (std::size_t i = 0; i < signals.size(); ++i) {
-    handlersBefore_.at(i) = std::signal(signals.at(i), note);
-    if (handlersBefore_.at(i) == SIG_IGN) static_cast<void>(std::signal(signals.at(i), SIG_IGN));
+    before_->handlers.at(i) = std::signal(signals.at(i), note);
+    if (before_->handlers.at(i) == SIG_IGN) static_cast<void>(std::signal(signals.at(i), SIG_IGN));
   }
 }
 
 Interruption::~Interruption() {
   for (std::size_t i = 0; i < signals.size(); ++i)
-    if (handlersBefore_.at(i) != SIG_ERR) static_cast<void>(std::signal(signals.at(i), handlersBefore_.at(i)));
+    if (before_->handlers.at(i) != SIG_ERR) static_cast<void>(std::signal(signals.at(i), before_->handlers.at(i)));
 }
 
 bool Interruption::requested() noexcept {

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace korvel {
+
+// All texts of the system are UTF-8, names of files among them. The library's own conversions between texts and paths
+// take another encoding on some systems, so every text becomes a path here, and every path a text.
+
+/// The path that UTF-8 `text` names. Where the system's names are bytes, they stay as they are, UTF-8 or not.
+[[nodiscard]] std::filesystem::path pathFromUtf8(std::string_view text);
+/// `path` as UTF-8, with the system's own separators as they stand in it.
+[[nodiscard]] std::string utf8FromPath(const std::filesystem::path& path);
+
+/// `path` in the form in which the system's calls take it however long it is; a relative one means the folder that is
+/// current now. For calls only, never to be shown or kept.
+[[nodiscard]] std::filesystem::path pathForCalls(const std::filesystem::path& path);
+
+}  // namespace korvel

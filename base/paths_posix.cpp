@@ -1,0 +1,17 @@
+#include "base/paths.h"
+
+namespace korvel {
+
+std::filesystem::path pathFromUtf8(std::string_view text) {
+  return {text};
+}
+
+std::string utf8FromPath(const std::filesystem::path& path) {
+  return path.string();
+}
+
+std::filesystem::path pathForCalls(const std::filesystem::path& path) {
+  return path;
+}
+
+}  // namespace korvel

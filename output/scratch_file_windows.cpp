@@ -1,0 +1,88 @@
+#include <windows.h>
+// ntsecapi.h needs its types.
+#include <ntsecapi.h>
+
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
+#include "base/system_handle_windows.h"
+#include "output/scratch_file.h"
+#include "output/windows_error.h"
+
+namespace korvel::output {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void fail(DWORD systemNumber) {
+  throw asWindowsError(systemError(static_cast<int>(systemNumber), "cannot write a file for a while"), FileTask::write);
+}
+
+/// `name` in the code page of the C library's files; empty where that has not all of it.
+std::string inTheLibrarysCodePage(const std::wstring& name) {
+  const UINT page = AreFileApisANSI() != 0 ? GetACP() : GetOEMCP();
+  const bool holdsAll = page == CP_UTF8;
+  BOOL replaced = FALSE;
+  const auto convert = [&](char* to, int size) {
+    return WideCharToMultiByte(page, holdsAll ? 0 : WC_NO_BEST_FIT_CHARS, name.data(), static_cast<int>(name.size()),
+                               to, size, nullptr, holdsAll ? nullptr : &replaced);
+  };
+  std::string narrow(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+  convert(narrow.data(), static_cast<int>(narrow.size()));
+  return replaced == FALSE ? narrow : std::string();
+}
+
+}  // namespace
+
+ScratchFile::ScratchFile(const fs::path& folder) {
+  constexpr int attempts = 100;
+  std::error_code failure;
+  for (int i = 0; i < attempts; ++i) {
+    std::uint64_t number = 0;
+    if (RtlGenRandom(&number, sizeof number) == 0) fail(ERROR_GEN_FAILURE);
+    fs::path name = folder / ("korvel-" + std::to_string(number));
+    files::createNew(name, failure);
+    if (!failure) {
+      path_ = std::move(name);
+      return;
+    }
+    if (!means(systemNumber(failure), std::errc::file_exists)) break;
+  }
+  fail(static_cast<DWORD>(failure.value()));
+}
+
+ScratchFile::~ScratchFile() {
+  std::error_code ignored;
+  files::remove(path_, ignored);
+}
+
+void ScratchFile::checkRoom(std::uint64_t bytes) const {
+  const SystemHandle file(CreateFileW(pathForCalls(path_).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+  const auto setSize = [&file](std::uint64_t size) -> DWORD {
+    LARGE_INTEGER end{};
+    end.QuadPart = static_cast<LONGLONG>(size);
+    return SetFilePointerEx(file.get(), end, nullptr, FILE_BEGIN) != 0 && SetEndOfFile(file.get()) != 0
+               ? ERROR_SUCCESS
+               : GetLastError();
+  };
+  if (!file.isOpen()) fail(GetLastError());
+  const DWORD refusal = setSize(bytes);
+  const DWORD failure = setSize(0);
+  if (refusal != ERROR_SUCCESS) fail(refusal);
+  if (failure != ERROR_SUCCESS) fail(failure);
+}
+
+std::string nameForTheLibrary(const fs::path& folder) {
+  std::string name = inTheLibrarysCodePage(folder.native());
+  if (!name.empty()) return name;
+  // The short form, where the disk has one, is plain.
+  std::wstring shortName(GetShortPathNameW(folder.c_str(), nullptr, 0), L'\0');
+  shortName.resize(GetShortPathNameW(folder.c_str(), shortName.data(), static_cast<DWORD>(shortName.size())));
+  name = inTheLibrarysCodePage(shortName);
+  // Without a name the library looks for a folder of its own.
+  return name;
+}
+
+}  // namespace korvel::output
