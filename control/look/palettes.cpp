@@ -79,14 +79,18 @@ class PaletteKeeper : public QObject {
  private:
   void apply() {
     applying_ = true;
-    const QPalette palette = wanted();
-    if (palette != application_.palette()) QApplication::setPalette(palette);
+    if (systemLook().highContrast) {
+      // A palette without any colour of ours is the system's.
+      if (ours_) QApplication::setPalette(QPalette());
+      ours_ = false;
+    } else if (const QPalette palette = wanted(); palette != application_.palette()) {
+      QApplication::setPalette(palette);
+      ours_ = true;
+    }
     applying_ = false;
   }
 
   [[nodiscard]] QPalette wanted() const {
-    // The palette without any colour of ours is the system's.
-    if (systemLook().highContrast) return {};
     const std::unique_ptr<QStyle> fallback(QStyleFactory::create(QStringLiteral("Fusion")));
     const Scheme scheme = requestedScheme();
     const bool systemDark =
@@ -98,6 +102,7 @@ class PaletteKeeper : public QObject {
 
   QApplication& application_;
   QPalette system_;
+  bool ours_ = false;
   bool applying_ = false;
 };
 
