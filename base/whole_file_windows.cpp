@@ -80,7 +80,9 @@ DWORD whyNotWritable(const fs::path& target) {
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), GENERIC_WRITE, shared, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-  if (file.isOpen()) return ERROR_SUCCESS;
+  BY_HANDLE_FILE_INFORMATION about{};
+  if (file.isOpen() && GetFileInformationByHandle(file.get(), &about) != 0)
+    return (about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
   const DWORD number = GetLastError();
   return number == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : number;
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
 #include "db/embedded/audit_schema.h"
 
 namespace korvel::test {
@@ -26,7 +27,8 @@ struct AuditEntry {
 class DatabaseWriter {
  public:
   explicit DatabaseWriter(const std::filesystem::path& file) {
-    if (sqlite3_open(file.c_str(), &handle_) != SQLITE_OK) throw std::runtime_error("cannot write " + file.string());
+    if (sqlite3_open(utf8FromPath(pathForCalls(file)).c_str(), &handle_) != SQLITE_OK)
+      throw std::runtime_error("cannot write " + utf8FromPath(file));
     run("PRAGMA synchronous=OFF");  // the tests survive no power failure, and need not
   }
   ~DatabaseWriter() { sqlite3_close(handle_); }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -187,6 +188,14 @@ TEST_F(OtherPrograms, readingDoesNotStopAWriter) {
   connection->execute("SELECT 1 FROM Korvel_Audit_Trails", stopped);
   EXPECT_NO_THROW(writer.insert(second));
   EXPECT_EQ(test::answerText(*connection, "SELECT Nr FROM Korvel_Audit_Trails"), "Nr\n1\n2\n");
+}
+
+TEST(EmbeddedPipe, isNoDatabase) {
+  const test::TemporaryFolder folder;
+  ASSERT_EQ(::mkfifo((folder / "P.db").c_str(), 0600), 0);
+  const auto error = test::errorOf([&] { (void)openEmbedded(folder.path(), "P"); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->number() & 0xff, SQLITE_CANTOPEN);
 }
 
 }  // namespace

@@ -8,14 +8,17 @@
 #include <string>
 #include <vector>
 
+#include "base/paths.h"
+
 namespace korvel::test {
 
 /// A database file opened for reading, asked in plain SQL.
 class OpenedDatabase {
  public:
   explicit OpenedDatabase(const std::filesystem::path& file) {
-    if (sqlite3_open_v2(file.c_str(), &database_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
-      throw std::runtime_error("cannot open " + file.string());
+    if (sqlite3_open_v2(utf8FromPath(pathForCalls(file)).c_str(), &database_, SQLITE_OPEN_READONLY, nullptr) !=
+        SQLITE_OK)
+      throw std::runtime_error("cannot open " + utf8FromPath(file));
   }
   ~OpenedDatabase() { sqlite3_close(database_); }
   OpenedDatabase(const OpenedDatabase&) = delete;

@@ -1,9 +1,7 @@
 #include "output/text_export.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -99,14 +97,6 @@ TEST_F(TextExportFile, GivenUpOnTheWayLeavesTheEarlierOne) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(TextExportFile, ReplacesALinkInItsPlace) {
-  writeWholeFile(folder / "victim", "untouched");
-  fs::create_symlink("victim", file);
-  EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
-  EXPECT_EQ(readWholeFile(folder / "victim"), "untouched");
-  EXPECT_FALSE(fs::is_symlink(file));
-}
-
 TEST_F(TextExportFile, FailuresCarryTheNumbersOfWindows) {
   EXPECT_EQ(failureOf(abc, folder / "absent" / textExportName), errorPathNotFound);
   EXPECT_EQ(description, "Path not found");
@@ -115,23 +105,6 @@ TEST_F(TextExportFile, FailuresCarryTheNumbersOfWindows) {
   EXPECT_EQ(description, "Path/File access error");
   writeWholeFile(folder / "plain", "x");
   EXPECT_EQ(failureOf(abc, folder / "plain" / textExportName), errorPathNotFound);
-}
-
-TEST_F(TextExportFile, OnAFullDiskLeavesTheEarlierOne) {
-  writeWholeFile(file, "earlier");
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  rlimit small = before;
-  small.rlim_cur = 4096;
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  ::setrlimit(RLIMIT_FSIZE, &small);
-  const int number = failureOf(filledList({{"A"}}, {{std::string(100000, 'x')}}), file);
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, oldHandler);
-  EXPECT_EQ(number, errorDiskFull);
-  EXPECT_EQ(description, "Disk full");
-  EXPECT_EQ(readWholeFile(file), "earlier");
-  EXPECT_EQ(filesInFolder(), 1U);
 }
 
 }  // namespace

@@ -2,42 +2,48 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
+#include <system_error>
+
+#include "base/system_errors.h"
 
 namespace korvel::output {
 namespace {
 
-Error raised(int systemNumber, FileTask task) {
-  return asWindowsError(systemError(systemNumber, "cannot do it"), task);
+Error raised(std::errc condition, FileTask task) {
+  return asWindowsError(systemError(systemNumber(condition), "cannot do it"), task);
 }
 
 TEST(WindowsError, HasTheNumberAndTheTextThatWindowsUsersKnow) {
   struct Case {
-    int systemNumber;
+    std::errc condition;
     int number;
     const char* text;
   };
-  for (const auto& [systemNumber, number, text] :
-       {Case{ENOSPC, 61, "Disk full"}, Case{EACCES, 70, "Permission denied"},
-        Case{EISDIR, 75, "Path/File access error"}, Case{ENOTDIR, 76, "Path not found"},
-        Case{EIO, 57, "Device I/O error"}, Case{ENOMEM, 7, "Out of memory"}, Case{EMFILE, 67, "Too many files"},
-        Case{ENODEV, 68, "Device unavailable"}, Case{ESTALE, 71, "Disk not ready"},
-        Case{ENAMETOOLONG, 52, "Bad file name or number"}, Case{EINVAL, 5, "Invalid procedure call or argument"}}) {
-    const Error error = raised(systemNumber, FileTask::write);
+  for (const auto& [condition, number, text] :
+       {Case{std::errc::no_space_on_device, 61, "Disk full"},
+        Case{std::errc::permission_denied, 70, "Permission denied"},
+        Case{std::errc::is_a_directory, 75, "Path/File access error"},
+        Case{std::errc::not_a_directory, 76, "Path not found"}, Case{std::errc::io_error, 57, "Device I/O error"},
+        Case{std::errc::not_enough_memory, 7, "Out of memory"},
+        Case{std::errc::too_many_files_open, 67, "Too many files"},
+        Case{std::errc::no_such_device, 68, "Device unavailable"}, Case{std::errc::timed_out, 71, "Disk not ready"},
+        Case{std::errc::filename_too_long, 52, "Bad file name or number"},
+        Case{std::errc::invalid_argument, 5, "Invalid procedure call or argument"}}) {
+    const Error error = raised(condition, FileTask::write);
     EXPECT_EQ(error.number(), number) << text;
     EXPECT_EQ(error.description(), text);
   }
 }
 
 TEST(WindowsError, WhatIsMissingIsAFileForAReaderAndAPathForAWriter) {
-  EXPECT_EQ(raised(ENOENT, FileTask::read).number(), 53);
-  EXPECT_EQ(raised(ENOENT, FileTask::read).description(), "File not found");
-  EXPECT_EQ(raised(ENOENT, FileTask::write).number(), 76);
+  EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::read).number(), 53);
+  EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::read).description(), "File not found");
+  EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::write).number(), 76);
 }
 
 TEST(WindowsError, FailureWithoutACounterpartStaysItself) {
-  const Error error = raised(ECONNREFUSED, FileTask::write);
-  EXPECT_EQ(error.number(), ECONNREFUSED);
+  const Error error = raised(std::errc::connection_refused, FileTask::write);
+  EXPECT_EQ(error.number(), systemNumber(std::errc::connection_refused));
   EXPECT_EQ(error.description().rfind("cannot do it: ", 0), 0U);
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+
+#include "tests/support/environment_variable.h"
 
 namespace korvel::test {
 
@@ -12,9 +14,16 @@ namespace korvel::test {
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "korvel-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
+    std::random_device random;
+    constexpr int attempts = 100;
+    for (int i = 0; i < attempts; ++i) {
+      path_ = std::filesystem::temp_directory_path() / ("korvel-test-" + std::to_string(random()));
+      std::error_code taken;
+      if (!std::filesystem::create_directory(path_, taken)) continue;
+      std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
+      return;
+    }
+    throw std::runtime_error("no temporary folder");
   }
   ~TemporaryFolder() {
     std::error_code ignored;
@@ -28,38 +37,6 @@ class TemporaryFolder {
 
  private:
   std::filesystem::path path_;
-};
-
-/// Sets (or, without a value, removes) an environment variable and restores it afterwards.
-class EnvironmentVariable {
- public:
-  EnvironmentVariable(std::string name, const std::string& value) : name_(std::move(name)) {
-    remember();
-    ::setenv(name_.c_str(), value.c_str(), 1);
-  }
-  explicit EnvironmentVariable(std::string name) : name_(std::move(name)) {
-    remember();
-    ::unsetenv(name_.c_str());
-  }
-  ~EnvironmentVariable() {
-    if (wasSet_)
-      ::setenv(name_.c_str(), before_.c_str(), 1);
-    else
-      ::unsetenv(name_.c_str());
-  }
-  EnvironmentVariable(const EnvironmentVariable&) = delete;
-  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-
- private:
-  void remember() {
-    const char* value = ::getenv(name_.c_str());
-    wasSet_ = value != nullptr;
-    if (wasSet_) before_ = value;
-  }
-
-  std::string name_;
-  std::string before_;
-  bool wasSet_ = false;
 };
 
 }  // namespace korvel::test

@@ -1,0 +1,68 @@
+#include "output/workbook.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/whole_file.h"
+#include "output/windows_error.h"
+#include "tests/support/filled_list.h"
+#include "tests/support/full_disk.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/zip_part.h"
+
+namespace korvel::output {
+namespace {
+
+namespace fs = std::filesystem;
+using test::filledList;
+
+struct WorkbookOnAFullDisk : testing::Test {
+  std::string part(const std::string& name) { return test::partOfZip(readWholeFile(file), name); }
+  std::string sheet(int number = 1) { return part("xl/worksheets/sheet" + std::to_string(number) + ".xml"); }
+  WorkbookSummary write(const results::ResultList& list) { return writeWorkbook(list, "ALL Audits", file); }
+  test::TemporaryFolder folder;
+  fs::path file = folder / "book.xlsx";
+};
+
+TEST_F(WorkbookOnAFullDisk, LeavesTheEarlierOne) {
+  writeWholeFile(file, "earlier");
+  std::vector<test::ScriptedRow> rows;
+  for (int i = 0; i < 5000; ++i) rows.push_back({std::to_string(i * 7919)});
+  const auto list = filledList({{"A"}}, rows);
+  int number = 0;
+  try {
+    const test::FullDisk disk(4096);
+    write(list);
+  } catch (const Error& error) {
+    number = error.number();
+  }
+  EXPECT_EQ(number, errorDiskFull);
+  EXPECT_EQ(readWholeFile(file), "earlier");
+}
+
+TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
+  // So alike that the workbook is much smaller than what its rows take on their way into it.
+  const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(3000, {"the same text in every row"}));
+  write(list);
+  const std::size_t whole = sheet().size();
+  ASSERT_GT(whole, 3 * readWholeFile(file).size());
+  // The rows, the sheet that they become, and what stands around them: each may be what does not fit.
+  std::vector<std::size_t> sizes = {whole / 2, whole - 5000};
+  for (std::size_t missing = 2000; missing > 0; missing -= 100) sizes.push_back(whole - missing);
+  for (const std::size_t size : sizes) {
+    int number = 0;
+    try {
+      const test::FullDisk disk(size);
+      write(list);
+    } catch (const Error& error) {
+      number = error.number();
+    }
+    EXPECT_EQ(number, errorDiskFull) << whole - size << " bytes too few";
+  }
+}
+
+}  // namespace
+}  // namespace korvel::output

@@ -1,0 +1,60 @@
+#include "query/query_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "base/whole_file.h"
+#include "settings/explained_error.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::query {
+namespace {
+
+struct QueryFileOfPosix : testing::Test {
+  static Error errorOf(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const Error& error) {
+      return error;
+    }
+    return {0, "no error"};
+  }
+
+  test::TemporaryFolder folder;
+  std::filesystem::path file = folder / "query.vqf";
+};
+
+TEST_F(QueryFileOfPosix, NeverReplacesADatabase) {
+  const std::string bytes("SQLite format 3\0and pages", 25);
+  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  std::filesystem::create_symlink(folder / "Korvel_Audit.db", file);
+  EXPECT_EQ(errorOf([&] { saveQueryFile(file, "x"); }).textKey(), "queryFile.isDatabase");
+  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+}
+
+TEST_F(QueryFileOfPosix, ThatCannotBeReadIsSaid) {
+  const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
+  EXPECT_EQ(reading().number(), ENOENT);
+  EXPECT_EQ(reading().textKey(), "queryFile.unreadable");
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(reading().number(), EISDIR);
+  std::filesystem::remove(file);
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  EXPECT_EQ(reading().number(), EINVAL);
+  std::filesystem::remove(file);
+  std::filesystem::create_symlink(file, file);
+  EXPECT_EQ(reading().number(), ELOOP);
+  std::filesystem::remove(file);
+  if (::geteuid() == 0) return;  // who may read everything
+  writeWholeFile(file, "x");
+  std::filesystem::permissions(file, std::filesystem::perms::none);
+  EXPECT_EQ(reading().number(), EACCES);
+}
+
+}  // namespace
+}  // namespace korvel::query
