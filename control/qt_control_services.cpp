@@ -5,7 +5,6 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
-#include <QPrintDialog>
 #include <QPushButton>
 #include <memory>
 
@@ -177,12 +176,7 @@ void QtControlServices::startEditor(const QString& file) {
 
 bool QtControlServices::choosePrinter(QWidget* owner, QPrinter& printer) {
   const PointerForDialog pointer;
-  const QPointer<QPrintDialog> dialog = new QPrintDialog(&printer, owner);
-  // The report is printed whole.
-  dialog->setOption(QAbstractPrintDialog::PrintPageRange, false);
-  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
-  delete dialog;
-  return chosen;
+  return chooseSystemPrinter(owner, printer);
 }
 
 bool QtControlServices::showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) {

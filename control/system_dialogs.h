@@ -4,11 +4,12 @@
 #include <QString>
 #include <optional>
 
+class QPrinter;
 class QWidget;
 
 namespace korvel::control {
 
-/// The dialogs that the platform itself has: its own where there are such, the toolkit's elsewhere. Both return when
+/// The dialogs that the platform itself has: its own where there are such, the toolkit's elsewhere. All return when
 /// they have been answered, with nothing for a cancelled dialog.
 
 /// Fonts for the screen and for printers.
@@ -16,5 +17,9 @@ namespace korvel::control {
 
 /// A folder of the file system; `showFiles` shows the files in it as well.
 [[nodiscard]] std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, bool showFiles);
+
+/// The printer and its options, or a file to print into where there is no printer; false for a cancelled dialog. A
+/// report is printed whole: no range of pages is offered.
+[[nodiscard]] bool chooseSystemPrinter(QWidget* owner, QPrinter& printer);
 
 }  // namespace korvel::control

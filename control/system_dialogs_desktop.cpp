@@ -1,8 +1,9 @@
-// Fonts and folders as the toolkit asks for them.
+// Fonts, folders and printers as the toolkit asks for them.
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QPointer>
 
+#include "control/print_dialog.h"
 #include "control/system_dialogs.h"
 
 namespace korvel::control {
@@ -21,6 +22,11 @@ std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, 
   const QString folder = chosen ? dialog->selectedFiles().value(0) : QString();
   delete dialog;
   return folder.isEmpty() ? std::nullopt : std::optional(folder);
+}
+
+bool chooseSystemPrinter(QWidget* owner, QPrinter& printer) {
+  // Without a printer it offers a file.
+  return showPrintDialog(owner, printer);
 }
 
 }  // namespace korvel::control
