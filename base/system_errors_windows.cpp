@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 
 #include "base/system_errors.h"
 #include "base/wide_text_windows.h"
@@ -74,6 +75,8 @@ int systemNumber(const std::error_code& failure) noexcept {
 }
 
 int systemNumberOfErrno(std::errc otherwise) noexcept {
+  // What the C library has no number for, a pipe that nobody reads any more for one, is "invalid argument" to it.
+  if (errno == EINVAL && _doserrno != 0) return static_cast<int>(_doserrno);
   return systemNumber(errno != 0 ? static_cast<std::errc>(errno) : otherwise);
 }
 

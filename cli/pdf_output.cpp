@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "cli/drawing_platform.h"
 #include "output/list_source.h"
 #include "output/pages/pdf.h"
 
@@ -34,7 +35,7 @@ class TextDrawing {
   QtMessageHandler before_;
   std::string program_ = "korvel-audit";
   std::string option_ = "-platform";
-  std::string platform_ = "offscreen";
+  std::string platform_ = drawingPlatform();
   int count_ = 3;
   std::array<char*, 4> arguments_{program_.data(), option_.data(), platform_.data(), nullptr};
   std::unique_ptr<QGuiApplication> application_;

@@ -1,31 +1,31 @@
 // HTML Help. It is loaded when it is first needed, so that the control runs on systems that have it not.
-#include <windows.h>
+#include <QDir>
+#include <string>
 
-#include <QWidget>
-
-#include "control/help_viewer.h"
+#include "control/html_help_windows.h"
+#include "control/native_window_windows.h"
+#include "settings/code_page.h"
 
 namespace korvel::control {
-namespace {
 
-using HtmlHelpFunction = HWND(WINAPI*)(HWND, LPCSTR, UINT, DWORD_PTR);
-
-/// Null where the system has no HTML Help. The library stays loaded: its windows outlive the call.
-HtmlHelpFunction htmlHelp() {
-  static const HMODULE library = LoadLibraryExA("hhctrl.ocx", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (library == nullptr) return nullptr;
-  return reinterpret_cast<HtmlHelpFunction>(GetProcAddress(library, "HtmlHelpA"));
+HtmlHelpFunction htmlHelpOf(const wchar_t* library) {
+  const HMODULE loaded = LoadLibraryExW(library, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  if (loaded == nullptr) return nullptr;
+  // By way of a pointer without arguments: no cast leads from one function to any other.
+  return reinterpret_cast<HtmlHelpFunction>(reinterpret_cast<void (*)()>(GetProcAddress(loaded, "HtmlHelpA")));
 }
 
-}  // namespace
+HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command) {
+  if (open == nullptr) return file.isEmpty() ? HelpOutcome::done : HelpOutcome::noViewer;
+  const std::string path = settings::toCodePage(QDir::toNativeSeparators(file).toStdString());
+  // The result is deliberately not looked at, nor whether the file is there: HTML Help reports what it misses itself.
+  open(owner, path.c_str(), static_cast<UINT>(command), 0);
+  return HelpOutcome::done;
+}
 
 HelpOutcome openHelpFile(const QWidget* owner, const QString& file, HelpCommand command) {
-  const HtmlHelpFunction open = htmlHelp();
-  if (open == nullptr) return file.isEmpty() ? HelpOutcome::done : HelpOutcome::noViewer;
-  const HWND window = owner == nullptr ? nullptr : reinterpret_cast<HWND>(owner->winId());
-  // The result is deliberately not looked at, nor whether the file is there: HTML Help reports what it misses itself.
-  open(window, file.toLocal8Bit().constData(), static_cast<UINT>(command), 0);
-  return HelpOutcome::done;
+  static const HtmlHelpFunction open = htmlHelpOf(L"hhctrl.ocx");
+  return openHelpWith(open, nativeWindow(owner), file, command);
 }
 
 }  // namespace korvel::control

@@ -1,13 +1,10 @@
 #include "control/qt_control_services.h"
 
 #include <QDialog>
-#include <QFileDialog>
-#include <QFontDialog>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
-#include <QPrintDialog>
 #include <QPushButton>
 #include <memory>
 
@@ -17,6 +14,7 @@
 #include "control/library_state.h"
 #include "control/look/look.h"
 #include "control/look/theme.h"
+#include "control/system_dialogs.h"
 #include "control/text_editor.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
@@ -107,20 +105,12 @@ void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QStri
 
 std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& current) {
   const PointerForDialog pointer;
-  bool chosen = false;
-  const QFont font = QFontDialog::getFont(&chosen, current, owner);
-  return chosen ? std::optional(font) : std::nullopt;
+  return chooseSystemFont(owner, current);
 }
 
 std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
   const PointerForDialog pointer;
-  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title);
-  dialog->setFileMode(QFileDialog::Directory);
-  dialog->setOption(QFileDialog::ShowDirsOnly, !showFiles);
-  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
-  const QString folder = chosen ? dialog->selectedFiles().value(0) : QString();
-  delete dialog;
-  return folder.isEmpty() ? std::nullopt : std::optional(folder);
+  return chooseSystemFolder(owner, title, showFiles);
 }
 
 QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {
@@ -186,12 +176,7 @@ void QtControlServices::startEditor(const QString& file) {
 
 bool QtControlServices::choosePrinter(QWidget* owner, QPrinter& printer) {
   const PointerForDialog pointer;
-  const QPointer<QPrintDialog> dialog = new QPrintDialog(&printer, owner);
-  // The report is printed whole.
-  dialog->setOption(QAbstractPrintDialog::PrintPageRange, false);
-  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
-  delete dialog;
-  return chosen;
+  return chooseSystemPrinter(owner, printer);
 }
 
 bool QtControlServices::showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) {

@@ -1,8 +1,8 @@
 #include <QApplication>
-#include <iostream>
 
 #include "control/look/mark.h"
 #include "control/look/palettes.h"
+#include "host/command_line.h"
 #include "host/host_texts.h"
 #include "host/main_window.h"
 #include "host/options.h"
@@ -15,17 +15,16 @@ namespace {
 using namespace korvel::host;
 
 int run(int argc, char** argv) {
-  QStringList arguments;
-  for (int i = 1; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
+  const QStringList arguments = rawArguments(argc, argv);
   const korvel::settings::LanguageOffset language = currentLanguage();
 
   // Answered before anything needs a display.
   if (mentions(arguments, QStringLiteral("--help"))) {
-    std::cout << helpText(language).toStdString();
+    writeOutput(helpText(language));
     return static_cast<int>(ExitStatus::done);
   }
   if (mentions(arguments, QStringLiteral("--version"))) {
-    std::cout << productName.toStdString() << ' ' << KORVEL_VERSION << '\n';
+    writeOutput(productName + QStringLiteral(" " KORVEL_VERSION "\n"));
     return static_cast<int>(ExitStatus::done);
   }
   switch (choosePlatform(arguments)) {
@@ -35,7 +34,7 @@ int run(int argc, char** argv) {
       qputenv("QT_QPA_PLATFORM", "offscreen");
       break;
     case PlatformChoice::none:
-      std::cerr << hostText("host.noDisplay", language).toStdString() << '\n';
+      writeErrors(hostText("host.noDisplay", language) + QLatin1Char('\n'));
       return static_cast<int>(ExitStatus::wrongUsage);
   }
 
@@ -46,7 +45,7 @@ int run(int argc, char** argv) {
   // What is left once the toolkit has taken its own options out.
   const ParsedOptions parsed = parseOptions(QApplication::arguments().mid(1), language);
   if (!parsed.failure.isEmpty()) {
-    std::cerr << parsed.failure.toStdString() << '\n' << helpText(language).toStdString();
+    writeErrors(parsed.failure + QLatin1Char('\n') + helpText(language));
     return static_cast<int>(ExitStatus::wrongUsage);
   }
 
@@ -68,7 +67,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& failure) {
-    std::cerr << failure.what() << '\n';
+    korvel::host::writeErrors(QString::fromUtf8(failure.what()) + QLatin1Char('\n'));
     return static_cast<int>(korvel::host::ExitStatus::databaseFailed);
   }
 }

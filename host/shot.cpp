@@ -5,15 +5,15 @@
 #include <QMessageBox>
 #include <QPixmap>
 #include <QSaveFile>
-#include <iostream>
 
+#include "host/command_line.h"
 #include "host/host_texts.h"
 
 namespace korvel::host {
 namespace {
 
 void complain(const QString& text) {
-  std::cerr << text.toStdString() << std::endl;
+  writeErrors(text + QLatin1Char('\n'));
 }
 
 QString writePicture(const QPixmap& picture, const QString& path) {

@@ -36,8 +36,12 @@ QVariant SheetList::data(const QModelIndex& index, int role) const {
   if (role != Qt::DecorationRole) return {};
   if (const QImage* const kept = pictures_.object(page)) return *kept;
   try {
+    // Letters of a few points are no letters on some systems: the page is drawn larger, and the picture made small.
+    constexpr int enlargement = 3;
+    const qreal width = width_ * pixelRatio_;
     auto picture = std::make_unique<QImage>(
-        sheets_.picture(page, width_ * pixelRatio_ * pointsPerInch / sheets_.pageSize().width()));
+        sheets_.picture(page, enlargement * width * pointsPerInch / sheets_.pageSize().width())
+            .scaledToWidth(qRound(width), Qt::SmoothTransformation));
     frame(*picture);
     picture->setDevicePixelRatio(pixelRatio_);
     const QImage shown = *picture;

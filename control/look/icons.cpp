@@ -5,10 +5,12 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPixmapCache>
-#include <QSvgRenderer>
 #include <algorithm>
 #include <array>
+#include <optional>
 
+#include "control/look/line_drawing.h"
+#include "control/look/system_look.h"
 #include "control/look/theme.h"
 
 // Outside of any namespace, as the macro wants it: the drawings are part of a static library.
@@ -79,6 +81,7 @@ QColor inkOf(IconTone tone, QIcon::Mode mode) {
   const QPalette fallback = palette != nullptr ? QPalette() : QGuiApplication::palette();
   const Theme& theme = Theme::of(palette != nullptr ? *palette : fallback);
   if (mode == QIcon::Disabled) return theme.disabled;
+  if (systemLook().highContrast) return mode == QIcon::Selected ? theme.onSelection : theme.text;
   if (tone == IconTone::Accent) return theme.accent;
   if (tone == IconTone::OnFill) return theme.onFill;
   // Our own style marks what is selected with a tint and leaves the text as it is; others invert it.
@@ -97,16 +100,13 @@ QPixmap drawn(IconName name, const QColor& ink, const QSize& size) {
   if (QPixmapCache::find(key, &pixmap)) return pixmap;
   QFile file(fileOf(name));
   if (!file.open(QIODevice::ReadOnly)) return {};
-  QByteArray drawing = file.readAll();
-  drawing.replace("currentColor", ink.name(QColor::HexRgb).toLatin1());
-  QSvgRenderer renderer(drawing);
+  const std::optional<LineDrawing> drawing = LineDrawing::read(file.readAll());
+  if (!drawing) return {};
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  painter.setRenderHint(QPainter::Antialiasing);
   const int side = std::min(size.width(), size.height());
-  const QRect square((size.width() - side) / 2, (size.height() - side) / 2, side, side);
-  renderer.render(&painter, square);
+  drawing->paint(painter, QRect((size.width() - side) / 2, (size.height() - side) / 2, side, side), ink);
   painter.end();
   pixmap = QPixmap::fromImage(image);
   QPixmapCache::insert(key, pixmap);

@@ -58,7 +58,8 @@ struct IconFile {
 [[nodiscard]] std::span<const IconFile> iconFiles();
 
 /// What an icon is drawn in: the text colour of what it stands on, the accent, or the colour that is read on a filled
-/// button. Disabled icons are drawn in the disabled text colour whatever the tone.
+/// button. Disabled icons are drawn in the disabled text colour whatever the tone, and all others in that of the text
+/// while the system has a scheme of strong contrast on.
 enum class IconTone { Text, Accent, OnFill };
 
 /// The icon of a command. It is drawn when it is painted, in the colours of that moment's palette: of the widget in

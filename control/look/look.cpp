@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "control/look/look_style.h"
+#include "control/look/system_look.h"
 
 namespace korvel::look {
 namespace {
@@ -21,12 +22,25 @@ QStyle& sharedStyle() {
 }
 
 /// Hands the style on to widgets as they become part of the subtree: Qt itself lets children keep the application's.
+/// While the system has a scheme of strong contrast on, that is what they keep.
 class StyleScope : public QObject {
  public:
-  using QObject::QObject;
+  explicit StyleScope(QWidget& root) : QObject(&root), root_(root) { take(root); }
 
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::ChildAdded) {
+      QObject* child = static_cast<QChildEvent*>(event)->child();
+      if (child->isWidgetType()) take(*static_cast<QWidget*>(child));
+    } else if (event->type() == QEvent::PaletteChange && watched == &root_) {
+      followSystem();
+    }
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
   void take(QWidget& widget) {
-    if (widget.style() != &sharedStyle()) widget.setStyle(&sharedStyle());
+    if (!highContrast_ && widget.style() != &sharedStyle()) widget.setStyle(&sharedStyle());
+    if (highContrast_ && widget.testAttribute(Qt::WA_SetStyle)) widget.setStyle(nullptr);
     widget.removeEventFilter(this);
     widget.installEventFilter(this);
     const QObjectList children = widget.children();
@@ -35,19 +49,22 @@ class StyleScope : public QObject {
     }
   }
 
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::ChildAdded) {
-      QObject* child = static_cast<QChildEvent*>(event)->child();
-      if (child->isWidgetType()) take(*static_cast<QWidget*>(child));
-    }
-    return QObject::eventFilter(watched, event);
+  /// No scheme of contrast comes or goes without a change of colours.
+  void followSystem() {
+    refreshSystemLook();
+    if (systemLook().highContrast == highContrast_) return;
+    highContrast_ = !highContrast_;
+    take(root_);
   }
+
+  QWidget& root_;
+  bool highContrast_ = systemLook().highContrast;
 };
 
 }  // namespace
 
 void applyLook(QWidget& root) {
-  (new StyleScope(&root))->take(root);
+  new StyleScope(root);  // owned by the root
 }
 
 }  // namespace korvel::look

@@ -28,7 +28,7 @@ void paintMark(QPainter& painter, const QRectF& place, const QPalette& palette) 
 
 QIcon markIcon() {
   QIcon mark;
-  for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
+  for (const int side : markSides) {
     QPixmap pixmap(side, side);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);

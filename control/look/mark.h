@@ -2,8 +2,12 @@
 
 #include <QIcon>
 #include <QWidget>
+#include <array>
 
 namespace korvel::look {
+
+/// Lengths of the sign's pictures in pixels, those that systems ask for.
+inline constexpr std::array markSides{16, 24, 32, 48, 64, 256};
 
 /// The viewer's own sign: a list under a lens on a filled tile.
 [[nodiscard]] QIcon markIcon();

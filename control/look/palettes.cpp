@@ -7,6 +7,7 @@
 #include <array>
 #include <memory>
 
+#include "control/look/system_look.h"
 #include "control/look/theme.h"
 
 namespace korvel::look {
@@ -68,25 +69,40 @@ class PaletteKeeper : public QObject {
 
   bool eventFilter(QObject* watched, QEvent* event) override {
     // ThemeChange reaches windows when the platform's theme has changed; the fallback style then knows the new scheme.
-    if (event->type() == QEvent::ThemeChange && !applying_) apply();
+    if (event->type() == QEvent::ThemeChange && !applying_) {
+      refreshSystemLook();
+      apply();
+    }
     return QObject::eventFilter(watched, event);
   }
 
  private:
   void apply() {
     applying_ = true;
+    if (systemLook().highContrast) {
+      // A palette without any colour of ours is the system's.
+      if (ours_) QApplication::setPalette(QPalette());
+      ours_ = false;
+    } else if (const QPalette palette = wanted(); palette != application_.palette()) {
+      QApplication::setPalette(palette);
+      ours_ = true;
+    }
+    applying_ = false;
+  }
+
+  [[nodiscard]] QPalette wanted() const {
     const std::unique_ptr<QStyle> fallback(QStyleFactory::create(QStringLiteral("Fusion")));
     const Scheme scheme = requestedScheme();
-    const bool systemDark = isDark(system_) || (fallback && isDark(fallback->standardPalette()));
+    const bool systemDark =
+        systemLook().dark.value_or(isDark(system_) || (fallback && isDark(fallback->standardPalette())));
     const bool dark = scheme == Scheme::Dark || (scheme == Scheme::System && systemDark);
     const QColor accent = chosenHighlight(system_);
-    const QPalette wanted = dark ? darkPalette(accent) : lightPalette(accent);
-    if (wanted != application_.palette()) QApplication::setPalette(wanted);
-    applying_ = false;
+    return dark ? darkPalette(accent) : lightPalette(accent);
   }
 
   QApplication& application_;
   QPalette system_;
+  bool ours_ = false;
   bool applying_ = false;
 };
 

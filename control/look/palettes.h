@@ -22,8 +22,8 @@ enum class Scheme { System, Light, Dark };
 [[nodiscard]] Scheme requestedScheme();
 
 /// For a program that is nothing but the viewer: gives it the light or the dark palette, as KORVEL_THEME or else the
-/// system wants it, and follows the system when that changes. The control itself never calls this: embedded, it takes
-/// its host's palette.
+/// system wants it, and follows the system when that changes. A scheme of strong contrast keeps the system's own
+/// colours, whatever KORVEL_THEME says. The control itself never calls this: embedded, it takes its host's palette.
 void applyPreferredPalette(QApplication& application);
 
 }  // namespace korvel::look

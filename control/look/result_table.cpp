@@ -66,7 +66,8 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
   const Theme& theme = Theme::of(option.palette);
   const QRect cell = option.rect;
   const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
-  if (option.state.testFlag(QStyle::State_Selected)) {
+  const bool selected = option.state.testFlag(QStyle::State_Selected);
+  if (selected) {
     painter->fillRect(cell, theme.selection);
   } else if (option.features.testFlag(QStyleOptionViewItem::Alternate)) {
     painter->fillRect(cell, theme.alternateRow);
@@ -77,7 +78,8 @@ void RowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     const QString text = shownText(index.data(Qt::DisplayRole).toString());
     if (!text.isEmpty()) {
       painter->setFont(option.font);
-      painter->setPen(option.state.testFlag(QStyle::State_Enabled) ? theme.text : theme.disabled);
+      const QColor& ink = selected ? theme.onSelection : theme.text;
+      painter->setPen(option.state.testFlag(QStyle::State_Enabled) ? ink : theme.disabled);
       painter->drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                         option.fontMetrics.elidedText(text, Qt::ElideRight, line.width()));
     }

@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "control/look/palettes.h"
+#include "control/look/system_look.h"
 
 namespace korvel::look {
 namespace {
@@ -61,7 +62,25 @@ QColor fillOf(const QColor& accent) {
   return fill;
 }
 
+/// The palette's colours as they are: who chose them needs them.
+Theme plain(const QPalette& palette) {
+  const auto color = [&](QPalette::ColorRole role) { return opaque(palette.color(QPalette::Active, role)); };
+  Theme theme;
+  theme.dark = isDark(palette);
+  theme.window = color(QPalette::Window);
+  theme.surface = theme.header = theme.alternateRow = theme.hover = theme.pressed = color(QPalette::Base);
+  theme.text = theme.muted = theme.border = theme.control = color(QPalette::WindowText);
+  theme.disabled = opaque(palette.color(QPalette::Disabled, QPalette::WindowText));
+  theme.selection = theme.accent = color(QPalette::Highlight);
+  theme.onSelection = theme.onAccent = color(QPalette::HighlightedText);
+  // Buttons are the platform's, and none of them is filled.
+  theme.fill = theme.fillHover = theme.fillPressed = color(QPalette::Button);
+  theme.onFill = color(QPalette::ButtonText);
+  return theme;
+}
+
 Theme derive(const QPalette& palette) {
+  if (systemLook().highContrast) return plain(palette);
   Theme theme;
   theme.dark = isDark(palette);
   theme.window = opaque(palette.color(QPalette::Active, QPalette::Window));
@@ -86,6 +105,7 @@ Theme derive(const QPalette& palette) {
   const QColor wantedText = opaque(palette.color(QPalette::Active, QPalette::WindowText));
   theme.text = contrasting(wantedText, end, readable,
                            {theme.window, theme.surface, theme.header, theme.selection, theme.pressed});
+  theme.onSelection = theme.text;
   // Nothing is written in the accent: marks need the contrast of marks, and the blue stays the blue.
   theme.accent =
       contrasting(wantedAccent, end, visible + 0.15, {theme.window, theme.surface, theme.header, theme.selection});
@@ -120,6 +140,7 @@ const Theme& Theme::of(const QPalette& palette) {
   struct Entry {
     qint64 key = 0;
     bool used = false;
+    bool highContrast = false;
     Theme theme;
   };
   // Palettes are told apart by their cache key; a painted window has a handful of them. References stay good until the
@@ -127,12 +148,13 @@ const Theme& Theme::of(const QPalette& palette) {
   static std::array<Entry, 32> entries;
   static std::size_t next = 0;
   const qint64 key = palette.cacheKey();
+  const bool highContrast = systemLook().highContrast;
   for (const Entry& entry : entries) {
-    if (entry.used && entry.key == key) return entry.theme;
+    if (entry.used && entry.key == key && entry.highContrast == highContrast) return entry.theme;
   }
   Entry& entry = entries.at(next);
   next = (next + 1) % entries.size();
-  entry = {key, true, derive(palette)};
+  entry = {key, true, highContrast, derive(palette)};
   return entry.theme;
 }
 

@@ -11,6 +11,7 @@ namespace korvel::look {
 /// The colours of the window. All of them follow from a palette, so that the control looks at home wherever it is
 /// embedded, by day and by night. Every text colour keeps a contrast of at least 4.5:1 to the grounds it is used on,
 /// `disabled` at least 3:1; so do the marks that tell something (tick, page marker, an empty check box, focus).
+/// While the system has a scheme of strong contrast on, they are the palette's own colours, none of them a tint.
 struct Theme {
   bool dark = false;
 
@@ -20,14 +21,15 @@ struct Theme {
   QColor alternateRow;  ///< every second row of a list
   QColor hover;         ///< under the pointer: buttons, tool bar, menu
   QColor pressed;       ///< while held down, and what is switched on
-  QColor selection;     ///< selected row; its text keeps `text`
+  QColor selection;     ///< selected row
 
   QColor border;   ///< quiet lines: frames, separators
   QColor control;  ///< lines that must be seen: an empty check box, the handle of a scroll bar
 
   QColor text;
-  QColor muted;     ///< captions, other pages' tabs, messages in grey
-  QColor disabled;  ///< texts and icons that cannot be used now
+  QColor onSelection;  ///< on `selection`: `text`, unless the system inverts what is selected
+  QColor muted;        ///< captions, other pages' tabs, messages in grey
+  QColor disabled;     ///< texts and icons that cannot be used now
 
   QColor accent;    ///< ticks, page marker, sort arrow, focus
   QColor onAccent;  ///< drawn on `accent`

@@ -63,6 +63,15 @@ bool isSample(std::string_view host) {
                      [&](std::string_view sample) { return equalsIgnoringAsciiCase(host, sample); });
 }
 
+/// What names of this protocol's drivers and of their files hold, case-folded.
+constexpr std::array<std::string_view, 6> driverMarks = {"freetds",   "tdsodbc",  "sql server",
+                                                         "msodbcsql", "sqlsrv32", "sqlncli"};
+
+bool isOurs(std::string_view driver) {
+  return std::any_of(driverMarks.begin(), driverMarks.end(),
+                     [&](std::string_view mark) { return driver.find(mark) != std::string_view::npos; });
+}
+
 std::string typedName(const std::string& host, const std::string& instance, const std::string& port) {
   if (!port.empty() && port != "1433") return host + "," + port;
   return instance.empty() ? host : host + "\\" + instance;
@@ -89,9 +98,7 @@ std::vector<std::string> serversOfOdbcConfiguration(std::string_view text) {
       return;
     // A data source of another product also has a server; only those of this protocol's drivers are ours.
     const std::string driver = caseFolded(valueOf(section, "driver"));
-    const bool ours = driver.find("freetds") != std::string::npos || driver.find("tdsodbc") != std::string::npos ||
-                      driver.find("sql server") != std::string::npos || driver.find("msodbcsql") != std::string::npos;
-    if (ours) servers.push_back(typedName(server, {}, valueOf(section, "port")));
+    if (isOurs(driver)) servers.push_back(typedName(server, {}, valueOf(section, "port")));
   });
   return servers;
 }

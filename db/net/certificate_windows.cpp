@@ -3,6 +3,7 @@
 
 #include "db/net/certificate_windows.h"
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -68,9 +69,9 @@ Engine engineFor(const std::string& file) {
   if (!roots) return nullptr;
   addCertificates(roots.get(), file);
   CERT_CHAIN_ENGINE_CONFIG config{};
-  config.cbSize = sizeof config;
+  // Without the last member, which older systems do not know.
+  config.cbSize = offsetof(CERT_CHAIN_ENGINE_CONFIG, dwExclusiveFlags);
   config.hExclusiveRoot = roots.get();
-  config.dwExclusiveFlags = CERT_CHAIN_EXCLUSIVE_ENABLE_CA_FLAG;
   HCERTCHAINENGINE engine = nullptr;
   ::CertCreateCertificateChainEngine(&config, &engine);
   return Engine(engine);

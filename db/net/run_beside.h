@@ -1,12 +1,11 @@
 #pragma once
 
 #include <future>
-#include <system_error>
-#include <thread>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
-#include "base/error.h"
+#include "db/net/loose_thread.h"
 
 namespace korvel::db::net {
 
@@ -15,13 +14,9 @@ namespace korvel::db::net {
 /// where no thread is to be had.
 template <typename Work>
 [[nodiscard]] std::future<std::invoke_result_t<Work>> runBeside(Work work) {
-  std::packaged_task<std::invoke_result_t<Work>()> task(std::move(work));
-  auto result = task.get_future();
-  try {
-    std::thread(std::move(task)).detach();
-  } catch (const std::system_error& error) {
-    throw systemError(error.code().value(), "cannot start a thread");
-  }
+  const auto task = std::make_shared<std::packaged_task<std::invoke_result_t<Work>()>>(std::move(work));
+  auto result = task->get_future();
+  startLooseThread([task] { (*task)(); });
   return result;
 }
 

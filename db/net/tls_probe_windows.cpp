@@ -21,6 +21,9 @@ namespace korvel::db::net {
 
 namespace {
 
+/// More than any server has to say at once: who goes on wants to fill our memory.
+constexpr std::size_t longestFlight = 1024 * 1024;
+
 [[noreturn]] void refuse(SECURITY_STATUS status) {
   throw systemError(static_cast<int>(status), "the handshake failed");
 }
@@ -83,6 +86,7 @@ class Handshake {
       }
       const bool incomplete = status == SEC_E_INCOMPLETE_MESSAGE;
       if (!incomplete && status != SEC_I_CONTINUE_NEEDED) refuse(status);
+      if (received_.size() > longestFlight) refuse(SEC_E_ILLEGAL_MESSAGE);
       if (incomplete || received_.empty()) received_ += receivePacket(socket_, deadline_).body;
     }
   }

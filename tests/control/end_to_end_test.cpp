@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "base/paths.h"
 #include "db/open_connection.h"
 #include "query/forms/sql_editor.h"
 #include "tests/control/viewer_fixture.h"
@@ -16,7 +17,7 @@ class EndToEnd : public ViewerTest {
   EndToEnd() {
     control::surroundings().connect = &db::openConnection;
     sqlite3* raw = nullptr;
-    EXPECT_EQ(sqlite3_open((folder / "Korvel_Audit.db").c_str(), &raw), SQLITE_OK);
+    EXPECT_EQ(sqlite3_open(utf8FromPath(folder / "Korvel_Audit.db").c_str(), &raw), SQLITE_OK);
     database.reset(raw);
     std::string table = "create table Korvel_Audit_Trails (Nr integer";
     for (std::size_t i = 1; i < query::auditColumnCount; ++i)

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "base/paths.h"
 #include "base/whole_file.h"
 #include "tests/control/command_surfaces.h"
 #include "tests/support/temporary_folder.h"
@@ -29,8 +30,13 @@ class Outputs : public CommandTest {
     click(*viewer, "btQuery");
     return viewer;
   }
-  [[nodiscard]] std::string written(const std::string& name) const { return readWholeFile(folder / name); }
-  [[nodiscard]] QString path(const std::string& name) const { return QString::fromStdString((folder / name).string()); }
+  /// By UTF-8 names below the folder.
+  [[nodiscard]] std::string written(const std::string& name) const {
+    return readWholeFile(folder / pathFromUtf8(name));
+  }
+  [[nodiscard]] QString path(const std::string& name) const {
+    return QString::fromStdString(utf8FromPath(folder / pathFromUtf8(name)));
+  }
   [[nodiscard]] bool folderIsEmpty() const { return std::filesystem::is_empty(folder.path()); }
   [[nodiscard]] int filesInFolder() const {
     int count = 0;
@@ -40,7 +46,14 @@ class Outputs : public CommandTest {
   static QProgressBar* progressBar(const AuditViewer& viewer) { return element<QProgressBar>(viewer, "ProgressBar1"); }
 
   TemporaryFolder folder;
-  EnvironmentVariable windir{"windir", folder.path().string()};
+  EnvironmentVariable windir{"windir", utf8FromPath(folder.path())};
+};
+
+class TextExport : public Outputs {};
+
+class SpreadsheetExport : public Outputs {
+ protected:
+  SpreadsheetExport() { recorder->chosenFolder = QString::fromStdString(utf8FromPath(folder.path())); }
 };
 
 }  // namespace korvel::test

@@ -2,7 +2,6 @@
 #include "base/error.h"
 #include "output/windows_error.h"
 #include "tests/control/exports_fixture.h"
-#include "tests/support/full_disk.h"
 
 namespace korvel::test {
 namespace {
@@ -12,12 +11,6 @@ using control::Pointer;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-class TextExport : public Outputs {};
-class SpreadsheetExport : public Outputs {
- protected:
-  SpreadsheetExport() { recorder->chosenFolder = QString::fromStdString(folder.path().string()); }
-};
 
 const ShownMessage nothing{MessageIcon::information, "KorvelAudit Viewer Message", "Nothing to Export"};
 
@@ -124,16 +117,6 @@ TEST_F(TextExport, AMissingEditorIsAnErrorAndTheFileStays) {
   EXPECT_EQ(written("velview.txt"), "A,B,C,\r\na,b,c\r\n");
 }
 
-TEST_F(TextExport, APlantedLinkIsReplacedAndNotFollowed) {
-  const auto viewer = viewerWith({{"a", "b", "c"}});
-  writeWholeFile(folder / "precious", "kept");
-  std::filesystem::create_symlink(folder / "precious", folder / "velview.txt");
-  viewer->ExportNotepad();
-  EXPECT_EQ(written("precious"), "kept");
-  EXPECT_FALSE(std::filesystem::is_symlink(folder / "velview.txt"));
-  EXPECT_EQ(written("velview.txt"), "A,B,C,\r\na,b,c\r\n");
-}
-
 TEST_F(TextExport, TheProgressBarGoesFromTheFirstRowToTheLast) {
   std::vector<std::array<std::string, 3>> rows(2500, {"a", "b", "c"});
   const auto viewer = viewerWith(rows);
@@ -215,23 +198,6 @@ TEST_F(TextExport, AControlThatDiesWhileTheEditorStartsGivesThePointerBack) {
   EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
-TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
-  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
-  writeWholeFile(folder / "velview.txt", "earlier");
-  {
-    const test::FullDisk full(4096);
-    viewer->ExportNotepad();
-  }
-  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
-                                                           "61:Error in ExportNotpad.  Error Message: Disk full"}));
-  EXPECT_EQ(written("velview.txt"), "earlier");
-  EXPECT_EQ(filesInFolder(), 1);
-  EXPECT_THAT(recorder->edited, IsEmpty());
-  viewer->ExportNotepad();
-  EXPECT_EQ(written("velview.txt").size(), 8 + 2500 * 7);
-  EXPECT_FALSE(progressBar(*viewer)->isVisible());
-}
-
 TEST_F(TextExport, ByNameAndByTheToolbarsKey) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "ExportNotepad"));
@@ -302,22 +268,6 @@ TEST_F(SpreadsheetExport, IntoAFolderWithAForeignName) {
   viewer->ExportExcel();
   EXPECT_EQ(written(foreign + "/velviewex.log"), "A|B|C|\r\na|b|c\r\n");
   EXPECT_EQ(statusPanel(*viewer), "Exported to " + path(foreign) + "/velviewex.log");
-}
-
-TEST_F(SpreadsheetExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
-  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
-  writeWholeFile(folder / "velviewex.log", "earlier");
-  {
-    const test::FullDisk full(4096);
-    viewer->ExportExcel();
-  }
-  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
-                                                           "61:Error in ExportExcel.  Error Message: Disk full\r\n"
-                                                           "Make sure Excel 10.0 or above is installed"}));
-  EXPECT_EQ(written("velviewex.log"), "earlier");
-  EXPECT_EQ(filesInFolder(), 1);
-  viewer->ExportExcel();
-  EXPECT_EQ(written("velviewex.log").size(), 8 + 2500 * 7);
 }
 
 TEST_F(SpreadsheetExport, AFailureTellsItsNumberAndTheHint) {

@@ -1,11 +1,6 @@
 // The report from the print command to the printer: its file, the flags, the dialogs.
-#include <sys/stat.h>
-
-#include <QPrinter>
-
 #include "output/pages/report_sheets.h"
-#include "tests/control/exports_fixture.h"
-#include "tests/support/full_disk.h"
+#include "tests/control/printing_fixture.h"
 
 namespace korvel::test {
 namespace {
@@ -15,20 +10,6 @@ using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-class Printing : public Outputs {
- protected:
-  Printing() {
-    recorder->onPrinter = [this](QPrinter& printer) {
-      printer.setOutputFormat(QPrinter::PdfFormat);
-      printer.setOutputFileName(path("printed.pdf"));
-      return true;
-    };
-  }
-  /// The report viewer says that it has the report when the event loop runs.
-  static void completeDocuments() { QCoreApplication::processEvents(); }
-  [[nodiscard]] std::string printed() const { return written("printed.pdf"); }
-};
 
 TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
   const auto viewer = viewerWith({{"a", "<b>", "c"}});
@@ -207,36 +188,6 @@ TEST_F(Printing, APreviewAlonePrintsOnlyWhereItIsWanted) {
   viewer->PreviewReport();
   completeDocuments();
   EXPECT_EQ(recorder->printerDialogs, 1);
-}
-
-TEST_F(Printing, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
-  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(200, {"a", "b", "c"}));
-  writeWholeFile(folder / "printed.pdf", "earlier");
-  click(*viewer, "btPrint");
-  {
-    const test::FullDisk full(4096);
-    completeDocuments();
-  }
-  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
-                                                           "61:Error in Printing.  Error Message: Disk full\r\n"
-                                                           "Make sure Internet Explorer 6.0 or above is installed"}));
-  EXPECT_EQ(printed(), "earlier");
-  EXPECT_EQ(filesInFolder(), 2);  // the report and what was there before
-  click(*viewer, "btPrint");
-  completeDocuments();
-  EXPECT_EQ(printed().substr(0, 5), "%PDF-");
-  EXPECT_EQ(printed().substr(printed().size() - 6), "%%EOF\n");
-}
-
-TEST_F(Printing, AFileIsReadableByWhomTheUsersMaskAllows) {
-  const auto viewer = viewerWith({{"a", "b", "c"}});
-  const mode_t before = ::umask(0027);
-  click(*viewer, "btPrint");
-  completeDocuments();
-  ::umask(before);
-  struct stat status {};
-  ASSERT_EQ(::stat((folder / "printed.pdf").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777U, 0640U);
 }
 
 TEST_F(Printing, AFileHasThePaperThatWasChosen) {

@@ -3,37 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDir>
-#include <QFileDialog>
-#include <QFontDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 #include <functional>
 
 #include "control/library_state.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/control/when_modal.h"
 
 namespace korvel::control {
 namespace {
-
-/// Waits, without sleeping, for a modal dialog and hands it to `answer` once.
-class WhenModal {
- public:
-  explicit WhenModal(std::function<void(QWidget*)> answer) {
-    QObject::connect(&timer_, &QTimer::timeout, [this, answer = std::move(answer)] {
-      if (QWidget* dialog = QApplication::activeModalWidget()) {
-        timer_.stop();
-        answer(dialog);
-      }
-    });
-    timer_.start(0);
-  }
-
- private:
-  QTimer timer_;
-};
 
 TEST(QtServices, MessagesShowMarkupAsTheTextItIs) {
   QtControlServices services;
@@ -65,53 +44,6 @@ TEST(QtServices, AMessageSurvivesTheDeathOfItsOwner) {
   auto* owner = new QWidget;
   const WhenModal answer([&](QWidget*) { delete owner; });
   services.messageBox(owner, MessageIcon::critical, "", "text");
-}
-
-TEST(QtServices, ACancelledFontIsNone) {
-  QtControlServices services;
-  const WhenModal cancel([](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); });
-  EXPECT_EQ(services.chooseFont(nullptr, QFont()), std::nullopt);
-}
-
-TEST(QtServices, AnAcceptedFontIsTheDialogs) {
-  QtControlServices services;
-  const WhenModal choose([](QWidget* dialog) {
-    qobject_cast<QFontDialog*>(dialog)->setCurrentFont(QFont("DejaVu Sans Mono", 17));
-    qobject_cast<QDialog*>(dialog)->accept();
-  });
-  const auto font = services.chooseFont(nullptr, QFont());
-  ASSERT_TRUE(font.has_value());
-  EXPECT_EQ(font->pointSize(), 17);
-}
-
-TEST(QtServices, AFolderIsChosenAsItIsNamed) {
-  QtControlServices services;
-  const test::TemporaryFolder folder;
-  const QString path = QString::fromStdString(folder.path().string());
-  bool dirsOnly = false;
-  QString title;
-  const WhenModal choose([&](QWidget* dialog) {
-    auto* files = qobject_cast<QFileDialog*>(dialog);
-    ASSERT_NE(files, nullptr);
-    dirsOnly = files->testOption(QFileDialog::ShowDirsOnly);
-    title = files->windowTitle();
-    files->setDirectory(path);
-    QMetaObject::invokeMethod(files, "accept");
-  });
-  EXPECT_EQ(services.chooseFolder(nullptr, "Browse", false), path);
-  EXPECT_EQ(title, "Browse");
-  EXPECT_TRUE(dirsOnly);
-}
-
-TEST(QtServices, FilesAreShownWhereTheyAreAskedForAndACancelledFolderIsNone) {
-  QtControlServices services;
-  bool dirsOnly = true;
-  const WhenModal cancel([&](QWidget* dialog) {
-    dirsOnly = qobject_cast<QFileDialog*>(dialog)->testOption(QFileDialog::ShowDirsOnly);
-    qobject_cast<QDialog*>(dialog)->reject();
-  });
-  EXPECT_EQ(services.chooseFolder(nullptr, "Browse", true), std::nullopt);
-  EXPECT_FALSE(dirsOnly);
 }
 
 TEST(QtServices, ATypedTextIsHandedOver) {
@@ -181,7 +113,6 @@ TEST(QtServices, TheDeathOfTheirOwnerCancelsThem) {
     const WhenModal answer([&](QWidget*) { delete owner; });
     show(owner);
   };
-  dying([&](QWidget* owner) { EXPECT_EQ(services.chooseFolder(owner, "t", false), std::nullopt); });
   dying([&](QWidget* owner) { EXPECT_EQ(services.inputBox(owner, "p", "t"), ""); });
   dying([&](QWidget* owner) { EXPECT_FALSE(services.confirm(owner, "t", "q")); });
 }

@@ -33,9 +33,9 @@ class QueryFiles : public CustomPage {
 TEST_F(QueryFiles, ThePathEndsWithASeparatorAlsoBehindARoot) {
   const auto viewer = newViewer();
   recorder->chosenFolder = "/some/where";
-  EXPECT_EQ(viewer->GetExportPath("Title", 0), "/some/where/");
+  EXPECT_EQ(viewer->GetExportPath("Title", 0), QDir::toNativeSeparators("/some/where/"));
   recorder->chosenFolder = "/";
-  EXPECT_EQ(viewer->GetExportPath("Title", 1), "//");
+  EXPECT_EQ(viewer->GetExportPath("Title", 1), QDir::toNativeSeparators("//"));
   recorder->chosenFolder.reset();
   EXPECT_EQ(viewer->GetExportPath("Other", -1), "");
   EXPECT_EQ(recorder->folderQuestions,
@@ -47,7 +47,7 @@ TEST_F(QueryFiles, ThePathByName) {
   QString path;
   ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "GetExportPath", Q_RETURN_ARG(QString, path),
                                         Q_ARG(QString, "Title"), Q_ARG(int, 0)));
-  EXPECT_EQ(path, *recorder->chosenFolder + "/");
+  EXPECT_EQ(path, QDir::toNativeSeparators(*recorder->chosenFolder + "/"));
 }
 
 TEST_F(QueryFiles, SavingAsksForFolderAndName) {

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "host/main_window.h"
+#include "tests/support/own_settings.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::host {
@@ -100,7 +101,7 @@ TEST_F(FailureBarTest, WrapsLongReasonsAndNeverCrowdsTheWindow) {
 
 TEST(FailureBarInWindow, StandsAboveTheControlUntilTheNextQuery) {
   const test::TemporaryFolder folder;
-  const test::EnvironmentVariable registry("KORVEL_REGISTRY", (folder / "settings.reg").string());
+  const test::OwnSettings settings(folder.path());
   Options options;
   options.formFile = QString::fromStdString((folder / "form.json").string());
   options.server = QString::fromStdString((folder / "nothing here").string());

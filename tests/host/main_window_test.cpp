@@ -1,40 +1,16 @@
-#include "host/main_window.h"
-
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QLabel>
-#include <QMessageBox>
 #include <QScreen>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
 #include <filesystem>
 
-#include "base/whole_file.h"
 #include "host/shot.h"
-#include "settings/registry.h"
-#include "tests/support/opened_files.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/host/main_window_fixture.h"
 
 namespace korvel::host {
 namespace {
-
-const settings::LanguageOffset english;
-
-class MainWindowTest : public ::testing::Test {
- protected:
-  MainWindowTest() { options.formFile = QString::fromStdString((folder / "form.json").string()); }
-  void writeForm(const std::string& text) { writeWholeFile(folder / "form.json", text); }
-  std::string formText() { return readWholeFile(folder / "form.json"); }
-  static void set(const char* key, const std::string& value) {
-    settings::Registry(*settings::platformBackend()).SaveSetting("Molvane", "AuditViewer", key, value);
-  }
-
-  test::TemporaryFolder folder;
-  test::EnvironmentVariable registry{"KORVEL_REGISTRY", (folder / "settings.reg").string()};
-  Options options;
-};
 
 TEST_F(MainWindowTest, TheTitleSaysWhichDatabaseIsSelected) {
   options.server = "AUDITSRV";
@@ -223,74 +199,6 @@ TEST_F(MainWindowPlacement, AWindowThatWasNeverShownLeavesNone) {
   MainWindow window(options, english);
   window.close();
   EXPECT_EQ(stored(), std::nullopt);
-}
-
-TEST_F(MainWindowTest, F1IsHelpContents) {
-  const test::OpenedFiles opened;
-  const std::string help = (folder / "KorvelAuditViewerHelp_Ger.chm").string();
-  writeWholeFile(help, "help");
-  set("Language", "10000");
-  set("ViewerAppPath", (folder / "KorvelAuditViewer.exe").string());
-  MainWindow window(options, english);
-  window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-  QTest::keyClick(window.viewer().findChild<QWidget*>("tvTreeView"), Qt::Key_F1);
-  EXPECT_EQ(opened.files(), QStringList{QString::fromStdString(help)});
-}
-
-TEST_F(MainWindowTest, F1SaysWhichHelpFileIsMissing) {
-  const test::OpenedFiles opened;
-  set("ViewerAppPath", "/nowhere/KorvelAuditViewer.exe");
-  const UnattendedMessages messages(qApp);
-  MainWindow window(options, english);
-  window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-  QTest::keyClick(&window, Qt::Key_F1);
-  EXPECT_EQ(opened.files(), QStringList());
-  EXPECT_EQ(messages.texts(), QStringList{"The help file /nowhere/KorvelAuditViewerHelp_Eng.chm was not found."});
-}
-
-/// Closes every dialog as soon as it stands, and remembers which one it was.
-class ClosedDialogs {
- public:
-  ClosedDialogs() {
-    QObject::connect(&timer_, &QTimer::timeout, [this] {
-      QWidget* const dialog = QApplication::activeModalWidget();
-      if (dialog == nullptr) return;
-      kinds_.append(QString::fromLatin1(dialog->metaObject()->className()));
-      dialog->close();
-    });
-    timer_.start(0);
-  }
-  [[nodiscard]] const QStringList& kinds() const { return kinds_; }
-
- private:
-  QStringList kinds_;
-  QTimer timer_;
-};
-
-TEST_F(MainWindowTest, KeysPrintPreviewAndExport) {
-  const test::EnvironmentVariable windir("windir", folder.path().string());
-  options.server = "S";
-  MainWindow window(options, english);
-  window.show();
-  const auto press = [&window](Qt::Key key, Qt::KeyboardModifiers modifiers) {
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    QTest::keyClick(window.viewer().findChild<QWidget*>("tvTreeView"), key, modifiers);
-  };
-  {
-    const ClosedDialogs dialogs;
-    press(Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return dialogs.kinds().contains("korvel::control::ReportPreview"); }));
-    press(Qt::Key_P, Qt::ControlModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return dialogs.kinds().contains("QPrintDialog"); }));
-  }
-  EXPECT_TRUE(std::filesystem::exists(folder / "report.htm"));
-  const UnattendedMessages messages(qApp);
-  press(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
-  press(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_EQ(messages.texts(), (QStringList{"Nothing to Export", "Nothing to Export"}));
 }
 
 TEST_F(MainWindowTest, KeysPrintNothingWithoutADatabase) {

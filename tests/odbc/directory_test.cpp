@@ -68,6 +68,13 @@ TEST(ConfiguredServers, ofAnOdbcFile) {
       ElementsAre("auditsrv,1444", "tcp:office\\WINCC"));
 }
 
+TEST(ConfiguredServers, ofDataSourcesThatNameTheirDriversFile) {
+  EXPECT_THAT(db::serversOfOdbcConfiguration("[Old]\nDriver=C:\\Windows\\system32\\SQLSRV32.dll\nServer=old\n"
+                                             "[New]\nDriver=C:\\Windows\\system32\\msodbcsql18.dll\nServer=new\n"
+                                             "[Books]\nDriver=C:\\Windows\\system32\\odbcjt32.dll\nServer=books\n"),
+              ElementsAre("old", "new"));
+}
+
 class Directory : public WireTest {
  protected:
   void SetUp() override {

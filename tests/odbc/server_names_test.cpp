@@ -1,5 +1,6 @@
 #include "db/odbc/connection_options.h"
 #include "db/odbc/driver_login.h"
+#include "db/odbc/odbc_drivers.h"
 #include "db/odbc/server_address.h"
 #include "settings/registry_file.h"
 #include "tests/odbc/wire.h"
@@ -64,6 +65,17 @@ TEST(DriverText, ofTheVendorsDriver) {
   EXPECT_FALSE(needsConfiguration(vendor));
 }
 
+TEST(DriverText, ofTheDriverThatEveryWindowsHas) {
+  odbc::LoginRequest old = request(DriverFamily::oldVendor);
+  old.driver.name = "SQL Server";
+  EXPECT_EQ(driverText(old),
+            "Driver={SQL Server};Server={auditsrv.plant,1444};Encrypt={yes};Network={DBMSSOCN};"
+            "Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
+  old.options.trustServerCertificate = true;
+  EXPECT_THAT(driverText(old), Not(HasSubstr("TrustServerCertificate")));
+  EXPECT_FALSE(needsConfiguration(old));
+}
+
 TEST(DriverText, ofFreeTds) {
   odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
   EXPECT_TRUE(needsConfiguration(freeTds));
@@ -102,7 +114,7 @@ TEST(DriverText, aSettingThatTheDriverCannotHeedIsRefused) {
 }
 
 TEST(DriverText, neverHoldsAUserOrAPassword) {
-  for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::freeTds}) {
+  for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::oldVendor, DriverFamily::freeTds}) {
     EXPECT_THAT(driverText(request(family)), Not(HasSubstr("UID")));
     EXPECT_THAT(driverText(request(family)), Not(HasSubstr("PWD")));
   }
@@ -119,6 +131,10 @@ TEST(Drivers, theBestOneIsChosen) {
   EXPECT_EQ(chooseDriver(all, "FreeTDS").family, DriverFamily::freeTds);
   EXPECT_EQ(chooseDriver(all, "/usr/lib/odbc/libtdsodbc.so").family, DriverFamily::freeTds);
   EXPECT_EQ(chooseDriver({}, "Mine").family, DriverFamily::vendor);
+  EXPECT_EQ(chooseDriver({"SQL Server", "FreeTDS"}, "").family, DriverFamily::freeTds);
+  EXPECT_EQ(chooseDriver({"SQL Server", "SQLite3"}, "").family, DriverFamily::oldVendor);
+  EXPECT_EQ(chooseDriver({"SQL Server", "ODBC Driver 18 for SQL Server"}, "").family, DriverFamily::vendor);
+  EXPECT_EQ(chooseDriver({}, "sql server").family, DriverFamily::oldVendor);
   EXPECT_EQ(test::errorOf([] { (void)chooseDriver({"SQLite3"}, ""); })->textKey(), "failure.noDriver");
 }
 

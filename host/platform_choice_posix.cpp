@@ -1,12 +1,10 @@
-#include "host/platform_choice.h"
-
+// Where a display is a matter of the environment.
 #include <QtGlobal>
 
 #include "host/options.h"
+#include "host/platform_choice.h"
 
 namespace korvel::host {
-
-#ifdef Q_OS_UNIX
 namespace {
 
 /// Whether the toolkit is told where the window goes. Its own options have one dash or two, their values stand apart.
@@ -17,19 +15,13 @@ bool asksForAPlatform(const QStringList& arguments) {
 }
 
 }  // namespace
-#endif
 
 PlatformChoice choosePlatform(const QStringList& arguments) {
-#ifdef Q_OS_UNIX
   const auto isSet = [](const char* name) { return !qEnvironmentVariableIsEmpty(name); };
   if (isSet("QT_QPA_PLATFORM") || asksForAPlatform(arguments)) return PlatformChoice::usual;
   // Also where there is a display: a picture does not need one that may turn out not to answer.
   if (mentions(arguments, QStringLiteral("--shot"))) return PlatformChoice::offscreen;
   return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") ? PlatformChoice::usual : PlatformChoice::none;
-#else
-  Q_UNUSED(arguments)
-  return PlatformChoice::usual;
-#endif
 }
 
 }  // namespace korvel::host

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <windows.h>
+
+#include <QString>
+
+#include "control/help_viewer.h"
+
+namespace korvel::control {
+
+/// HTML Help's one function; tests stand in for it.
+using HtmlHelpFunction = HWND(WINAPI*)(HWND, LPCSTR, UINT, DWORD_PTR);
+
+/// Its function in a library of the system folder; null where there is none. The library stays loaded: its windows
+/// outlive the call.
+[[nodiscard]] HtmlHelpFunction htmlHelpOf(const wchar_t* library);
+
+/// Hands a help file to HTML Help, its path in the system's code page. `open` may be null: then only an empty path,
+/// which shows nothing anyway, is not missed.
+HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command);
+
+}  // namespace korvel::control

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+namespace korvel::look {
+
+/// What the system asks of every window beside its palette.
+struct SystemLook {
+  /// A scheme of strong contrast is on: the palette's colours are to be used as they are, in the platform's own style.
+  bool highContrast = false;
+  /// Whether windows are to be dark; nothing where the palette alone tells.
+  std::optional<bool> dark;
+
+  friend bool operator==(const SystemLook&, const SystemLook&) = default;
+};
+
+/// The system's wishes as they are now. Cheap enough to be asked while painting.
+[[nodiscard]] SystemLook systemLook();
+
+/// Asks the system again, after it has said that something has changed.
+void refreshSystemLook();
+
+/// While it lives, the system's wishes are these. For tests.
+class SystemLookOverride {
+ public:
+  explicit SystemLookOverride(const SystemLook& look);
+  ~SystemLookOverride();
+  SystemLookOverride(const SystemLookOverride&) = delete;
+  SystemLookOverride& operator=(const SystemLookOverride&) = delete;
+
+ private:
+  std::optional<SystemLook> outer_;
+};
+
+/// Reads the system's wishes; one sibling a platform.
+[[nodiscard]] SystemLook readSystemLook();
+
+}  // namespace korvel::look

@@ -1,0 +1,10 @@
+// Where the toolkit's palette says all that the desktop has to say.
+#include "control/look/system_look.h"
+
+namespace korvel::look {
+
+SystemLook readSystemLook() {
+  return {};
+}
+
+}  // namespace korvel::look

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <windows.h>
+
+#include <vector>
+
+class QWidget;
+
+namespace korvel::control {
+
+/// The system's window that a widget stands in; null for no widget, and where the toolkit draws into no system windows.
+[[nodiscard]] HWND nativeWindow(const QWidget* widget);
+
+/// While it lives, no window of this thread takes keys or clicks. For dialogs of the system, which know nothing of
+/// windows that are not their owner.
+class WindowsStopped {
+ public:
+  WindowsStopped();
+  ~WindowsStopped();
+  WindowsStopped(const WindowsStopped&) = delete;
+  WindowsStopped& operator=(const WindowsStopped&) = delete;
+
+ private:
+  HWND active_;
+  std::vector<HWND> stopped_;
+};
+
+}  // namespace korvel::control

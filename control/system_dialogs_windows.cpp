@@ -1,0 +1,36 @@
+// Fonts, folders and printers as Windows asks for them.
+#include "control/system_dialogs.h"
+
+#include <QFileDialog>
+#include <QPrinter>
+
+#include "control/folder_browser_windows.h"
+#include "control/font_chooser_windows.h"
+#include "control/native_window_windows.h"
+#include "control/print_dialog.h"
+#include "control/texts.h"
+
+namespace korvel::control {
+
+std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
+  const WindowsStopped stopped;
+  return chooseFontWith(&ChooseFontW, nativeWindow(owner), current);
+}
+
+std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles) {
+  // The dialog deliberately has no owner; nothing behind it may be used all the same.
+  const WindowsStopped stopped;
+  return browseForFolder({&SHBrowseForFolderA, &SHGetPathFromIDListA, &CoTaskMemFree}, title, showFiles);
+}
+
+bool chooseSystemPrinter(QWidget* owner, QPrinter& printer) {
+  // The system's dialog is for printers alone; where there is none it would not even appear.
+  if (printer.outputFormat() == QPrinter::NativeFormat) return showPrintDialog(owner, printer);
+  const QString file = QFileDialog::getSaveFileName(owner, ownText("print.intoFile"), QStringLiteral("report.pdf"),
+                                                    QStringLiteral("PDF (*.pdf)"));
+  if (file.isEmpty()) return false;
+  printer.setOutputFileName(file);
+  return true;
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,56 @@
+// The text export and the exchange file on a full disk, and where somebody has planted a link.
+#include "tests/control/exports_fixture.h"
+#include "tests/support/full_disk.h"
+
+namespace korvel::test {
+namespace {
+
+using control::MessageIcon;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST_F(TextExport, APlantedLinkIsReplacedAndNotFollowed) {
+  const auto viewer = viewerWith({{"a", "b", "c"}});
+  writeWholeFile(folder / "precious", "kept");
+  std::filesystem::create_symlink(folder / "precious", folder / "velview.txt");
+  viewer->ExportNotepad();
+  EXPECT_EQ(written("precious"), "kept");
+  EXPECT_FALSE(std::filesystem::is_symlink(folder / "velview.txt"));
+  EXPECT_EQ(written("velview.txt"), "A,B,C,\r\na,b,c\r\n");
+}
+
+TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  writeWholeFile(folder / "velview.txt", "earlier");
+  {
+    const test::FullDisk full(4096);
+    viewer->ExportNotepad();
+  }
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "61:Error in ExportNotpad.  Error Message: Disk full"}));
+  EXPECT_EQ(written("velview.txt"), "earlier");
+  EXPECT_EQ(filesInFolder(), 1);
+  EXPECT_THAT(recorder->edited, IsEmpty());
+  viewer->ExportNotepad();
+  EXPECT_EQ(written("velview.txt").size(), 8 + 2500 * 7);
+  EXPECT_FALSE(progressBar(*viewer)->isVisible());
+}
+
+TEST_F(SpreadsheetExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
+  const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
+  writeWholeFile(folder / "velviewex.log", "earlier");
+  {
+    const test::FullDisk full(4096);
+    viewer->ExportExcel();
+  }
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                                                           "61:Error in ExportExcel.  Error Message: Disk full\r\n"
+                                                           "Make sure Excel 10.0 or above is installed"}));
+  EXPECT_EQ(written("velviewex.log"), "earlier");
+  EXPECT_EQ(filesInFolder(), 1);
+  viewer->ExportExcel();
+  EXPECT_EQ(written("velviewex.log").size(), 8 + 2500 * 7);
+}
+
+}  // namespace
+}  // namespace korvel::test

@@ -1,0 +1,22 @@
+// The viewer's path where settings are a file and paths of Windows are no full paths.
+#include "base/whole_file.h"
+#include "host/viewer_path.h"
+#include "tests/host/viewer_path_fixture.h"
+
+namespace korvel::host {
+namespace {
+
+TEST_F(ViewerPath, OfAnInstallationStays) {
+  store("C:\\Program\\KorvelAuditViewer.exe");
+  provideViewerPath("/opt/bin");
+  EXPECT_EQ(stored(), "C:\\Program\\KorvelAuditViewer.exe");
+}
+
+TEST_F(ViewerPath, IsNotWorthAFailure) {
+  writeWholeFile(folder / "settings.reg", "no settings at all");
+  provideViewerPath("/opt/bin");
+  EXPECT_EQ(readWholeFile(folder / "settings.reg"), "no settings at all");
+}
+
+}  // namespace
+}  // namespace korvel::host

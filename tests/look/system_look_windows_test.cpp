@@ -1,0 +1,60 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "control/look/system_look.h"
+
+namespace korvel::look {
+namespace {
+
+/// A key that stands in for the user's own while it lives.
+class UsersKey {
+ public:
+  UsersKey() {
+    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, name_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key_, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegOverridePredefKey(HKEY_CURRENT_USER, key_), ERROR_SUCCESS);
+  }
+  ~UsersKey() {
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    RegCloseKey(key_);
+    RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str());
+  }
+  UsersKey(const UsersKey&) = delete;
+  UsersKey& operator=(const UsersKey&) = delete;
+
+  static void setLight(DWORD light) {
+    EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
+                              L"AppsUseLightTheme", REG_DWORD, &light, sizeof(light)),
+              ERROR_SUCCESS);
+  }
+
+ private:
+  std::wstring name_ = L"Software\\korvel-test-look-" + std::to_wstring(GetCurrentProcessId());
+  HKEY key_ = nullptr;
+};
+
+TEST(WindowsLook, IsDarkWhereTheUserWantsDarkApplications) {
+  const UsersKey user;
+  EXPECT_EQ(readSystemLook().dark, std::nullopt);
+  UsersKey::setLight(0);
+  EXPECT_EQ(readSystemLook().dark, true);
+  UsersKey::setLight(1);
+  EXPECT_EQ(readSystemLook().dark, false);
+}
+
+TEST(WindowsLook, TellsAChangeWhenItIsAskedAgain) {
+  const UsersKey user;
+  UsersKey::setLight(0);
+  refreshSystemLook();
+  EXPECT_EQ(systemLook().dark, true);
+  UsersKey::setLight(1);
+  EXPECT_EQ(systemLook().dark, true);
+  refreshSystemLook();
+  EXPECT_EQ(systemLook().dark, false);
+}
+
+}  // namespace
+}  // namespace korvel::look
