@@ -136,6 +136,11 @@ std::vector<fs::path> entries(const fs::path& folder, std::error_code& failure) 
     fail(failure);
     // The root of an empty disk has not even itself in it.
     if (failure.value() == ERROR_FILE_NOT_FOUND) failure.clear();
+    // Of a file, Windows says that there is no such path.
+    std::error_code ignored;
+    const fs::file_status there = files::status(folder, ignored);
+    if (failure && fs::exists(there) && !fs::is_directory(there))
+      failure.assign(ERROR_DIRECTORY, std::system_category());
     return paths;
   }
   failure.clear();

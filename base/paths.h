@@ -14,6 +14,10 @@ namespace korvel {
 /// `path` as UTF-8, with the system's own separators as they stand in it.
 [[nodiscard]] std::string utf8FromPath(const std::filesystem::path& path);
 
+/// Whether `path` says where it leads without the current folder. The library's own answer is wrong for folders of the
+/// network on Windows.
+[[nodiscard]] bool isWhole(const std::filesystem::path& path);
+
 /// `path` in the form in which the system's calls take it however long it is; a relative one means the folder that is
 /// current now. For calls only, never to be shown or kept.
 [[nodiscard]] std::filesystem::path pathForCalls(const std::filesystem::path& path);

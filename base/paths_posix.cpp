@@ -10,6 +10,10 @@ std::string utf8FromPath(const std::filesystem::path& path) {
   return path.string();
 }
 
+bool isWhole(const std::filesystem::path& path) {
+  return path.is_absolute();
+}
+
 std::filesystem::path pathForCalls(const std::filesystem::path& path) {
   return path;
 }

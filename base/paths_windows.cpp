@@ -37,6 +37,10 @@ std::string utf8FromPath(const fs::path& path) {
   return utf8FromWide(path.native());
 }
 
+bool isWhole(const fs::path& path) {
+  return path.is_absolute() || path.native().starts_with(LR"(\\)") || path.native().starts_with(L"//");
+}
+
 fs::path pathForCalls(const fs::path& path) {
   constexpr std::wstring_view verbatim = LR"(\\?\)";
   constexpr std::wstring_view device = LR"(\\.\)";

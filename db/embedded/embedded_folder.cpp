@@ -47,7 +47,7 @@ Error folderFailure(const std::filesystem::path& folder, int systemNumber) {
 }
 
 bool isEmbeddedServer(std::string_view server) {
-  return equalsIgnoringAsciiCase(server, embeddedServerName) || pathFromUtf8(server).is_absolute();
+  return equalsIgnoringAsciiCase(server, embeddedServerName) || isWhole(pathFromUtf8(server));
 }
 
 std::filesystem::path embeddedFolder() {

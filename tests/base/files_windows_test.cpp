@@ -76,6 +76,16 @@ TEST(Files, AreMadeNewOrNotAtAll) {
   EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
+TEST(Files, AreNoFolders) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a", "x");
+  std::error_code failure;
+  EXPECT_TRUE(files::entries(folder / "a", failure).empty());
+  EXPECT_TRUE(means(systemNumber(failure), std::errc::not_a_directory)) << failure.value();
+  EXPECT_TRUE(files::entries(folder / "absent", failure).empty());
+  EXPECT_TRUE(means(systemNumber(failure), std::errc::no_such_file_or_directory)) << failure.value();
+}
+
 TEST(Files, ThatArePipesAndDevicesAreNoFiles) {
   std::error_code failure;
   EXPECT_FALSE(fs::is_regular_file(files::status(L"NUL", failure)));

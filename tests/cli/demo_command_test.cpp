@@ -24,7 +24,7 @@ struct DemoCommand : testing::Test {
 TEST_F(DemoCommand, WritesBothDatabasesAndNamesThem) {
   const ToolRun tool = runTool({"demo", "--folder", at, "--rows", "200"});
   EXPECT_EQ(tool.status, exitDone) << tool.err;
-  EXPECT_EQ(tool.out, at + "/Korvel_Audit.db\n" + at + "/Korvel_Audit_MU.db\n");
+  EXPECT_EQ(tool.out, (folder / "Korvel_Audit.db").string() + "\n" + (folder / "Korvel_Audit_MU.db").string() + "\n");
   EXPECT_TRUE(std::filesystem::exists(folder / "Korvel_Audit.db"));
   EXPECT_TRUE(std::filesystem::exists(folder / "Korvel_Audit_MU.db"));
 }

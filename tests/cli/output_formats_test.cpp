@@ -8,10 +8,8 @@
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "tests/support/audit_rows.h"
-#include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {
@@ -48,42 +46,6 @@ TEST_F(OutputFormats, HtmlIsTheReportFileAndSaysWhatItDoesNotHold) {
   EXPECT_THAT(tool.out, HasSubstr("<p align=\"center\">ALL Audits Audits</p>\r\n"));
   EXPECT_THAT(tool.out, HasSubstr("<td width=\"100\" height=\"26\">??? <b></td>\r\n"));
   EXPECT_THAT(tool.err, HasSubstr("stand as \"?\": 3"));
-}
-
-TEST_F(OutputFormats, PdfShowsTheListAsStored) {
-  const std::string file = (folder / "out.pdf").string();
-  ASSERT_EQ(run("pdf", file).status, exitDone);
-  const std::string text = test::outputOf("pdftotext -raw '" + file + "' -");
-  EXPECT_THAT(text, HasSubstr("ALL Audits"));
-  EXPECT_THAT(text, HasSubstr("ポンプ"));
-  EXPECT_THAT(text, HasSubstr("<b>"));
-  EXPECT_THAT(text, HasSubstr("Page 1 of 1"));
-  EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
-}
-
-TEST_F(OutputFormats, XlsxCarriesEveryColumn) {
-  const std::string file = (folder / "out.xlsx").string();
-  ASSERT_EQ(run("xlsx", file).status, exitDone);
-  const std::string sheet = test::outputOf("unzip -p '" + file + "' xl/worksheets/sheet1.xml");
-  EXPECT_THAT(sheet, HasSubstr("<c r=\"A2\"><v>7</v></c>"));
-  EXPECT_THAT(sheet, HasSubstr("<c r=\"Q2\" t=\"inlineStr\"><is><t>=1+1</t>"));
-}
-
-TEST_F(OutputFormats, ThatAreNoTextAreRefusedOnATerminal) {
-  const test::Terminal terminal;
-  for (const char* format : {"pdf", "xlsx"}) {
-    const test::ToolRun tool = run(format, terminal.name());
-    EXPECT_EQ(tool.status, exitWrongUsage) << format;
-    EXPECT_THAT(tool.err, HasSubstr("nothing for a terminal"));
-  }
-}
-
-TEST_F(OutputFormats, ThatCannotBeWrittenSaySo) {
-  for (const OutputFormat& format : outputFormats()) {
-    const test::ToolRun tool = run(std::string(format.name), "/dev/full");
-    EXPECT_EQ(tool.status, exitOutput) << format.name;
-    EXPECT_THAT(tool.err, HasSubstr("No space left on device")) << format.name;
-  }
 }
 
 }  // namespace

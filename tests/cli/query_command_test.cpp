@@ -161,18 +161,6 @@ TEST_F(QueryCommand, FileThatCannotBeWrittenIsAnOutputFailure) {
   }
 }
 
-TEST_F(QueryCommand, NeverReplacesADatabase) {
-  const std::string bytes("SQLite format 3\0and pages", 25);
-  writeWholeFile(folder / "Korvel_Audit.db", bytes);
-  std::filesystem::create_symlink(folder / "Korvel_Audit.db", folder / "link");
-  for (const char* name : {"Korvel_Audit.db", "link"}) {
-    const ToolRun tool = run({"--output", (folder / name).string()});
-    EXPECT_EQ(tool.status, exitWrongUsage) << name;
-    EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
-  }
-  EXPECT_TRUE(server.opened.empty());
-}
-
 TEST_F(QueryCommand, StandardOutputThatFailsIsAnOutputFailure) {
   std::ostringstream out;
   std::ostringstream err;

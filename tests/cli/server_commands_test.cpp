@@ -52,25 +52,6 @@ TEST_F(ServerCommands, AFolderThatIsNoneIsSaidToBeNone) {
   EXPECT_NE(missing.err.find("does not exist"), std::string::npos) << missing.err;
 }
 
-TEST_F(ServerCommands, AWorkingFolderThatIsGoneIsADatabaseFailure) {
-  const auto before = std::filesystem::current_path();
-  const EnvironmentVariable relative("KORVEL_AUDIT_DATA", "audit");
-  const TemporaryFolder gone;
-  std::filesystem::current_path(gone.path());
-  std::filesystem::remove(gone.path());
-  const ToolRun run = runTool({"databases", "--server", "(embedded)"});
-  std::filesystem::current_path(before);
-  EXPECT_EQ(run.status, 3) << run.err;
-}
-
-TEST_F(ServerCommands, TheHelpNamesEveryVariableAndTheGrant) {
-  const std::string help = runTool({"--help"}).out;
-  for (const char* variable : {"KORVEL_AUDIT_DATA", "KORVEL_REGISTRY", "KORVEL_ODBC_DRIVER"})
-    EXPECT_NE(help.find(variable), std::string::npos) << variable;
-  EXPECT_NE(runTool({"install-procedure", "--help"}).out.find("GRANT EXECUTE ON dbo.QueryAudits TO"),
-            std::string::npos);
-}
-
 TEST_F(ServerCommands, CheckGoesTheWholeWayOfTheEmbeddedEngine) {
   const ToolRun run = runTool({"check", "--server", "(embedded)", "--database", "Korvel_Audit"});
   EXPECT_EQ(run.status, 0) << run.out << run.err;

@@ -9,13 +9,12 @@
 #include <nlohmann/json.hpp>
 #include <streambuf>
 
+#include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
-#include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {
@@ -81,17 +80,6 @@ TEST_F(SqlCommand, NeedsAFileAndAFormatThatThereAre) {
   EXPECT_TRUE(server.opened.empty());
 }
 
-TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
-  writeWholeFile(folder / "q.vqf", "select 1");
-  std::filesystem::create_symlink("q.vqf", folder / "link");
-  for (const char* name : {"q.vqf", "link"}) {
-    const ToolRun tool = run({"--file", file("q.vqf"), "--output", file(name)});
-    EXPECT_EQ(tool.status, exitWrongUsage);
-    EXPECT_NE(tool.err.find("is the query file itself"), std::string::npos) << tool.err;
-  }
-  EXPECT_EQ(readWholeFile(folder / "q.vqf"), "select 1");
-}
-
 TEST_F(SqlCommand, NeedsExactlyOneText) {
   writeWholeFile(folder / "q.vqf", "select 1");
   EXPECT_EQ(run({}).status, exitWrongUsage);
@@ -99,7 +87,10 @@ TEST_F(SqlCommand, NeedsExactlyOneText) {
   EXPECT_EQ(run({"select 1", "select 2"}).status, exitWrongUsage);
   const ToolRun absent = run({"--file", file("absent.vqf")});
   EXPECT_EQ(absent.status, exitWrongUsage);
-  EXPECT_NE(absent.err.find("absent.vqf cannot be read: No such file or directory"), std::string::npos) << absent.err;
+  EXPECT_NE(absent.err.find("absent.vqf cannot be read: " +
+                            systemMessage(systemNumber(std::errc::no_such_file_or_directory))),
+            std::string::npos)
+      << absent.err;
   EXPECT_TRUE(server.opened.empty());
 }
 
@@ -120,14 +111,6 @@ TEST_F(SqlCommand, WritesEveryFormat) {
   EXPECT_EQ(run({"q", "--format", "exchange"}).out, "Nr|Text|Text|\r\n10|a,b|\r\n9||\"x\"\r\n|\r\n");
   EXPECT_EQ(run({"q"}).out, "Nr  Text  Text\n--  ----  --------\n10  a,b\n9         \"x\"\\r\\n|\n");
   EXPECT_EQ(run({"q", "--format", "csv"}).err, "");
-}
-
-TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
-  server.answer.push_back({{{"Other"}}, {{"1"}}, {}});
-  for (const std::string& format : allFormats)
-    EXPECT_EQ(run({"q", "--format", format}).out.find("Other"), std::string::npos) << format;
-  ASSERT_EQ(run({"q", "--format", "xlsx", "--output", file("out.xlsx")}).status, exitDone);
-  EXPECT_EQ(test::outputOf("unzip -p '" + file("out.xlsx") + "'").find("Other"), std::string::npos);
 }
 
 TEST_F(SqlCommand, NoRecordsIsSaid) {
@@ -167,24 +150,6 @@ TEST_F(SqlCommand, FailureHalfWayLeavesFilesAsTheyWere) {
   }
   EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
-}
-
-TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
-  writeWholeFile(folder / "out", "earlier");
-  server.answer[0].rows.assign(100'000, {"1", "x", "y"});
-  server.refusesExecution = [] { std::raise(SIGINT); };
-  for (const std::string& format : allFormats) {
-    server.rowsOffered = 0;
-    const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
-    EXPECT_EQ(tool.status, exitStopped) << format;
-    EXPECT_EQ(tool.err, "korvel-audit: stopped\n");
-    const bool streamed = std::count(streamedFormats.begin(), streamedFormats.end(), format) > 0;
-    EXPECT_TRUE(!streamed || server.rowsOffered < 100) << format;
-  }
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
-  EXPECT_EQ(filesInFolder(), 1U);
-  server.refusesExecution = {};
-  EXPECT_EQ(run({"q", "--format", "csv"}).status, exitDone);
 }
 
 TEST_F(SqlCommand, WritesAFileWhole) {
@@ -265,67 +230,9 @@ TEST_F(SqlCommand, AReportIsThatOfTheCustomPage) {
   EXPECT_NE(run({"q", "--format", "html"}).err.find("stand as \"?\": 1"), std::string::npos);
 }
 
-TEST_F(SqlCommand, PagesShowTheAnswer) {
-  ASSERT_EQ(run({"q", "--format", "pdf", "--output", file("out.pdf")}).status, exitDone);
-  const std::string text = test::outputOf("pdftotext -raw '" + file("out.pdf") + "' -");
-  for (const char* part : {"Custom", "Nr", "10", "a,b", "Page 1 of 1"})
-    EXPECT_NE(text.find(part), std::string::npos) << part << text;
-}
-
-TEST_F(SqlCommand, AWorkbookCarriesTypesColumnsAndLosses) {
-  server.answer[0].fields = {{"Nr", db::ColumnKind::number}, {"Text"}, {"Text"}};
-  server.answer[0].rows.push_back({"11", std::string("\xFF"), "=1"});
-  const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
-  ASSERT_EQ(tool.status, exitDone) << tool.err;
-  EXPECT_NE(tool.err.find("the first one in row 3, column 2, has bytes that are no text"), std::string::npos);
-  const std::string sheet = test::outputOf("unzip -p '" + file("out.xlsx") + "' xl/worksheets/sheet1.xml");
-  EXPECT_NE(sheet.find("<c r=\"A2\"><v>10</v></c>"), std::string::npos) << sheet;
-  EXPECT_NE(sheet.find("<c r=\"C4\" t=\"inlineStr\"><is><t>=1</t>"), std::string::npos) << sheet;
-  EXPECT_NE(test::outputOf("unzip -p '" + file("out.xlsx") + "' xl/workbook.xml").find("name=\"Custom\""),
-            std::string::npos);
-}
-
-TEST_F(SqlCommand, AWorkbookThatCannotBeKeptIsAFailureOfTheOutput) {
-  const test::EnvironmentVariable noPlace("TMPDIR", (folder / "absent").string());
-  const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
-  EXPECT_EQ(tool.status, exitOutput) << tool.err;
-  EXPECT_EQ(filesInFolder(), 0U);
-}
-
 TEST_F(SqlCommand, APlaceThatCannotBeWrittenToIsToldBeforeTheQuery) {
   for (const std::string& format : allFormats)
     EXPECT_EQ(run({"q", "--format", format, "--output", file("absent/out")}).status, exitOutput) << format;
-  EXPECT_TRUE(server.opened.empty());
-}
-
-TEST_F(SqlCommand, EveryRequestToEndStopsIt) {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    // Started without a terminal, the tests may have been told to ignore some.
-    const auto before = std::signal(signal, SIG_DFL);
-    server.refusesExecution = [signal] { std::raise(signal); };
-    EXPECT_EQ(run({"q", "--format", "csv", "--output", file("out")}).status, exitStopped) << signal;
-    static_cast<void>(std::signal(signal, before));
-  }
-  EXPECT_EQ(filesInFolder(), 0U);
-}
-
-TEST_F(SqlCommand, StoppedWhileItIsWrittenLeavesNoFile) {
-  server.onClose = [] { std::raise(SIGINT); };
-  for (const std::string& format : allFormats) {
-    const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
-    EXPECT_EQ(tool.status, exitStopped) << format;
-    EXPECT_EQ(tool.err, "korvel-audit: stopped\n") << format;
-  }
-  EXPECT_EQ(filesInFolder(), 0U);
-}
-
-TEST_F(SqlCommand, WhatIsNoTextIsRefusedOnATerminal) {
-  const test::Terminal terminal;
-  for (const std::string& format : formatsThat([](const OutputFormat& f) { return f.isBinary; })) {
-    const ToolRun tool = run({"q", "--format", format, "--output", terminal.name()});
-    EXPECT_EQ(tool.status, exitWrongUsage) << format;
-    EXPECT_NE(tool.err.find(format + " is nothing for a terminal"), std::string::npos) << tool.err;
-  }
   EXPECT_TRUE(server.opened.empty());
 }
 

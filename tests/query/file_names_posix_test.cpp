@@ -15,13 +15,7 @@ namespace korvel::query {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
-
-std::string problemOf(std::string_view name) {
-  const auto problem = fileNameProblem(name);
-  return problem ? problem->textKey() : "";
-}
 
 struct ListedFilesOfPosix : testing::Test {
   void file(const std::string& name) const { writeWholeFile(folder / name, "x"); }

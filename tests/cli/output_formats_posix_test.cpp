@@ -1,0 +1,75 @@
+#include "cli/output_formats.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/whole_file.h"
+#include "cli/exit_status.h"
+#include "tests/support/audit_rows.h"
+#include "tests/support/program_output.h"
+#include "tests/support/scripted_connection.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/terminal.h"
+#include "tests/support/tool_run.h"
+
+namespace korvel::cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct OutputFormatsOfPosix : testing::Test {
+  OutputFormatsOfPosix() {
+    auto row = test::auditRow("7", "CS");
+    row[9] = "ポンプ <b>";
+    row[16] = "=1+1";
+    server.answer = {{test::auditFields(), {row}, {}}};
+  }
+  test::ToolRun run(const std::string& format, const std::string& output = "-") {
+    return test::runTool({"query", "--format", format, "--output", output}, server.connector());
+  }
+
+  test::ScriptedServer server;
+  test::TemporaryFolder folder;
+};
+
+TEST_F(OutputFormatsOfPosix, PdfShowsTheListAsStored) {
+  const std::string file = (folder / "out.pdf").string();
+  ASSERT_EQ(run("pdf", file).status, exitDone);
+  const std::string text = test::outputOf("pdftotext -raw '" + file + "' -");
+  EXPECT_THAT(text, HasSubstr("ALL Audits"));
+  EXPECT_THAT(text, HasSubstr("ポンプ"));
+  EXPECT_THAT(text, HasSubstr("<b>"));
+  EXPECT_THAT(text, HasSubstr("Page 1 of 1"));
+  EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
+}
+
+TEST_F(OutputFormatsOfPosix, XlsxCarriesEveryColumn) {
+  const std::string file = (folder / "out.xlsx").string();
+  ASSERT_EQ(run("xlsx", file).status, exitDone);
+  const std::string sheet = test::outputOf("unzip -p '" + file + "' xl/worksheets/sheet1.xml");
+  EXPECT_THAT(sheet, HasSubstr("<c r=\"A2\"><v>7</v></c>"));
+  EXPECT_THAT(sheet, HasSubstr("<c r=\"Q2\" t=\"inlineStr\"><is><t>=1+1</t>"));
+}
+
+TEST_F(OutputFormatsOfPosix, ThatAreNoTextAreRefusedOnATerminal) {
+  const test::Terminal terminal;
+  for (const char* format : {"pdf", "xlsx"}) {
+    const test::ToolRun tool = run(format, terminal.name());
+    EXPECT_EQ(tool.status, exitWrongUsage) << format;
+    EXPECT_THAT(tool.err, HasSubstr("nothing for a terminal"));
+  }
+}
+
+TEST_F(OutputFormatsOfPosix, ThatCannotBeWrittenSaySo) {
+  for (const OutputFormat& format : outputFormats()) {
+    const test::ToolRun tool = run(std::string(format.name), "/dev/full");
+    EXPECT_EQ(tool.status, exitOutput) << format.name;
+    EXPECT_THAT(tool.err, HasSubstr("No space left on device")) << format.name;
+  }
+}
+
+}  // namespace
+}  // namespace korvel::cli
