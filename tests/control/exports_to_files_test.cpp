@@ -1,4 +1,6 @@
 // The text export and the exchange file, from the command to the file and what is said of it.
+#include <QDir>
+
 #include "base/error.h"
 #include "output/windows_error.h"
 #include "tests/control/exports_fixture.h"
@@ -263,11 +265,11 @@ TEST_F(SpreadsheetExport, IntoAFolderWithAForeignName) {
   const std::string foreign =
       "Pr\xC3\xBC"
       "fung \xE7\x9B\xA3\xE6\x9F\xBB #%20";
-  std::filesystem::create_directory(folder / foreign);
+  std::filesystem::create_directory(folder / pathFromUtf8(foreign));
   recorder->chosenFolder = path(foreign);
   viewer->ExportExcel();
   EXPECT_EQ(written(foreign + "/velviewex.log"), "A|B|C|\r\na|b|c\r\n");
-  EXPECT_EQ(statusPanel(*viewer), "Exported to " + path(foreign) + "/velviewex.log");
+  EXPECT_EQ(statusPanel(*viewer), "Exported to " + path(foreign) + QDir::separator() + "velviewex.log");
 }
 
 TEST_F(SpreadsheetExport, AFailureTellsItsNumberAndTheHint) {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <type_traits>
 
 #include "tests/control/recorder.h"
 #include "tests/support/temporary_folder.h"
@@ -113,6 +114,7 @@ TEST_F(FileList, EveryWayOutButOkChoosesNothing) {
 }
 
 TEST_F(FileList, ANameThatIsNoTextStillOpensItsFile) {
+  if (!std::is_same_v<std::filesystem::path::value_type, char>) GTEST_SKIP() << "every name is a text here";
   file("caf\xE9.vqf");
   ASSERT_EQ(list().count(), 1);
   list().setCurrentRow(0);

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "base/paths.h"
+#include "base/whole_file.h"
+#include "tests/control/custom_page_fixture.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::test {
+
+/// The custom page, with a folder of the test's own to choose query files from.
+class QueryFiles : public CustomPage {
+ protected:
+  QueryFiles() {
+    recorder->chosenFolder = QString::fromStdString(utf8FromPath(folder.path()));
+    recorder->typedText = "My query";
+  }
+  [[nodiscard]] std::string saved(const std::string& name = "My query.vqf") const {
+    return readWholeFile(folder / name);
+  }
+  [[nodiscard]] bool folderIsEmpty() const { return std::filesystem::is_empty(folder.path()); }
+  void choose(const std::string& name) {
+    recorder->onForm = [name] { control::libraryState().queryChoices.fileName = name; };
+  }
+
+  TemporaryFolder folder;
+};
+
+}  // namespace korvel::test
