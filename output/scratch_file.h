@@ -22,7 +22,7 @@ class ScratchFile {
   std::filesystem::path path_;
 };
 
-/// A folder's name as functions of the C library take it.
+/// The name of a file or folder that is there, as functions of the C library take it; empty where they cannot take it.
 [[nodiscard]] std::string nameForTheLibrary(const std::filesystem::path& folder);
 
 }  // namespace korvel::output

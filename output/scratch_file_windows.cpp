@@ -2,6 +2,8 @@
 // ntsecapi.h needs its types.
 #include <ntsecapi.h>
 
+#include <algorithm>
+
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
@@ -74,15 +76,19 @@ void ScratchFile::checkRoom(std::uint64_t bytes) const {
   if (failure != ERROR_SUCCESS) fail(failure);
 }
 
-std::string nameForTheLibrary(const fs::path& folder) {
-  std::string name = inTheLibrarysCodePage(folder.native());
-  if (!name.empty()) return name;
-  // The short form, where the disk has one, is plain.
-  std::wstring shortName(GetShortPathNameW(folder.c_str(), nullptr, 0), L'\0');
-  shortName.resize(GetShortPathNameW(folder.c_str(), shortName.data(), static_cast<DWORD>(shortName.size())));
-  name = inTheLibrarysCodePage(shortName);
-  // Without a name the library looks for a folder of its own.
-  return name;
+std::string nameForTheLibrary(const fs::path& path) {
+  // Some of its functions take UTF-8 and some the code page: a name that is the same in both suits all.
+  const auto isPlain = [](const std::wstring& name) {
+    return std::all_of(name.begin(), name.end(), [](wchar_t unit) { return unit < 0x80; });
+  };
+  std::wstring name = path.native();
+  if (!isPlain(name)) {
+    // The short form is plain, where the disk has one.
+    name.resize(GetShortPathNameW(path.c_str(), nullptr, 0));
+    name.resize(GetShortPathNameW(path.c_str(), name.data(), static_cast<DWORD>(name.size())));
+    if (name.empty() || !isPlain(name)) name = path.native();
+  }
+  return inTheLibrarysCodePage(name);
 }
 
 }  // namespace korvel::output

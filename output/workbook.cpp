@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "base/files.h"
-#include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "output/export_file.h"
@@ -106,7 +105,7 @@ struct Workbook::Impl {
     options.constant_memory = LXW_TRUE;
     options.tmpdir = temporaryFolder.empty() ? nullptr : temporaryFolder.data();
     options.use_zip64 = LXW_FALSE;
-    book = workbook_new_opt(utf8FromPath(pathForCalls(scratch.path())).c_str(), &options);
+    book = workbook_new_opt(nameForTheLibrary(scratch.path()).c_str(), &options);
     if (book == nullptr) throw windowsError(errorOutOfMemory);
     headerFormat = workbook_add_format(book);
     format_set_bold(headerFormat);
