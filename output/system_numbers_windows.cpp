@@ -25,7 +25,7 @@ std::span<const SystemNumber> systemNumbers() noexcept {
       SystemNumber{ERROR_LOCK_VIOLATION, errorPermissionDenied, errorPermissionDenied},
       SystemNumber{ERROR_WRITE_PROTECT, errorPathFileAccess, errorPathFileAccess},
       SystemNumber{ERROR_ALREADY_EXISTS, errorPathFileAccess, errorPathFileAccess},
-      SystemNumber{ERROR_DIRECTORY, errorPathFileAccess, errorPathFileAccess},
+      SystemNumber{ERROR_DIRECTORY, errorPathNotFound, errorPathNotFound},
       SystemNumber{directoryNotSupported, errorPathFileAccess, errorPathFileAccess},
       SystemNumber{ERROR_FILE_EXISTS, errorPathFileAccess, errorPathFileAccess},
       SystemNumber{ERROR_INVALID_NAME, errorBadFileName, errorBadFileName},

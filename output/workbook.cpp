@@ -113,7 +113,11 @@ struct Workbook::Impl {
     format_set_num_format(dateTimeFormat, dateFormat);
   }
   ~Impl() {
-    if (book != nullptr) lxw_workbook_free(book);
+    if (book == nullptr) return;
+    // The library closes the file of a sheet's rows only when it assembles the book.
+    for (lxw_worksheet* each = STAILQ_FIRST(book->worksheets); each != nullptr; each = STAILQ_NEXT(each, list_pointers))
+      if (each->optimize_tmpfile != nullptr) static_cast<void>(std::fclose(each->optimize_tmpfile));
+    lxw_workbook_free(book);
   }
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
