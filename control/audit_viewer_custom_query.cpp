@@ -158,7 +158,8 @@ void AuditViewer::Members::btSave_Click() {
     const bool wanted = services->confirm(&viewer_, messageTitle(), ownText("custom.replaceCharacters"));
     if (!alive || !wanted) return;
   }
-  query::saveQueryFile(pathFromUtf8((folder + name).toStdString() + "." + std::string(query::queryFileExtension)), text);
+  query::saveQueryFile(pathFromUtf8((folder + name).toStdString() + "." + std::string(query::queryFileExtension)),
+                       text);
 }
 
 void AuditViewer::Members::btOpen_Click() {

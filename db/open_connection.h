@@ -27,9 +27,9 @@ struct ConnectionTarget {
 inline constexpr std::string_view embeddedServerName = "(embedded)";
 /// Whether a server name means the embedded engine: "(embedded)" or the absolute path of a folder.
 [[nodiscard]] bool isEmbeddedServer(std::string_view server);
-/// The folder of the embedded databases: KORVEL_AUDIT_DATA, else korvel/audit among the user's data (the XDG data folder;
-/// on Windows, the local data of applications). Throws
-/// Error for a relative KORVEL_AUDIT_DATA where the working folder is gone.
+/// The folder of the embedded databases: KORVEL_AUDIT_DATA, else korvel/audit among the user's data (the XDG data
+/// folder; on Windows, the local data of applications). Throws Error for a relative KORVEL_AUDIT_DATA where the working
+/// folder is gone.
 [[nodiscard]] std::filesystem::path embeddedFolder();
 /// The folder that an embedded server name stands for.
 [[nodiscard]] std::filesystem::path embeddedFolderOf(std::string_view server);
