@@ -1,15 +1,13 @@
 #include "control/folder_browser_windows.h"
 
 #include <array>
-#include <string>
 #include <string_view>
-
-#include "settings/code_page.h"
 
 namespace korvel::control {
 namespace {
 
-// Numbers that the dialog has always been called with. The second adds one that it ignores today to the first.
+// Numbers that the dialog has always been called with. The second adds one to the first that newer
+// systems take for another wish; the number is deliberate.
 constexpr UINT foldersOnly = 1;
 constexpr UINT foldersAndFiles = 8193;
 
@@ -18,11 +16,12 @@ using PathBuffer = std::array<char, MAX_PATH>;
 }  // namespace
 
 std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles) {
-  const std::string titleBytes = settings::toCodePage(title.toStdString());
+  // Narrow calls speak the process's code page, which need not be the system's.
+  const QByteArray titleBytes = title.toLocal8Bit();
   PathBuffer displayName{};
   BROWSEINFOA request{};
   request.pszDisplayName = displayName.data();
-  request.lpszTitle = titleBytes.c_str();
+  request.lpszTitle = titleBytes.constData();
   request.ulFlags = showFiles ? foldersAndFiles : foldersOnly;
   const LPITEMIDLIST item = shell.browse(&request);
   if (item == nullptr) return std::nullopt;
@@ -33,7 +32,8 @@ std::optional<QString> browseForFolder(const FolderShell& shell, const QString& 
   // What has no path, or one that is longer than the shell's buffers, cannot be written to.
   if (!found || path.front() == '\0') return std::nullopt;
   const std::string_view whole(path.data(), path.size());
-  return QString::fromStdString(settings::fromCodePage(whole.substr(0, whole.find('\0'))));
+  const std::string_view bytes = whole.substr(0, whole.find('\0'));
+  return QString::fromLocal8Bit(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 
 }  // namespace korvel::control

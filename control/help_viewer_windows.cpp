@@ -1,10 +1,8 @@
 // HTML Help. It is loaded when it is first needed, so that the control runs on systems that have it not.
 #include <QDir>
-#include <string>
 
 #include "control/html_help_windows.h"
 #include "control/native_window_windows.h"
-#include "settings/code_page.h"
 
 namespace korvel::control {
 
@@ -17,9 +15,9 @@ HtmlHelpFunction htmlHelpOf(const wchar_t* library) {
 
 HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command) {
   if (open == nullptr) return file.isEmpty() ? HelpOutcome::done : HelpOutcome::noViewer;
-  const std::string path = settings::toCodePage(QDir::toNativeSeparators(file).toStdString());
+  const QByteArray path = QDir::toNativeSeparators(file).toLocal8Bit();
   // The result is deliberately not looked at, nor whether the file is there: HTML Help reports what it misses itself.
-  open(owner, path.c_str(), static_cast<UINT>(command), 0);
+  open(owner, path.constData(), static_cast<UINT>(command), 0);
   return HelpOutcome::done;
 }
 

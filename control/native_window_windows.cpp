@@ -20,15 +20,17 @@ HWND nativeWindow(const QWidget* widget) {
   return reinterpret_cast<HWND>(widget->window()->winId());
 }
 
-WindowsStopped::WindowsStopped() : active_(GetActiveWindow()) {
+WindowsStopped::WindowsStopped(HWND owner) : active_(GetActiveWindow()) {
   EnumThreadWindows(GetCurrentThreadId(), &noteUsable, reinterpret_cast<LPARAM>(&stopped_));
+  std::erase(stopped_, owner);
   for (const HWND window : stopped_) EnableWindow(window, FALSE);
 }
 
 WindowsStopped::~WindowsStopped() {
   for (const HWND window : stopped_) EnableWindow(window, TRUE);
-  // The system could find no window of ours to activate when the dialog went.
-  if (active_ != nullptr) SetActiveWindow(active_);
+  // A dialog without an owner left while none of our windows could take its place, so the system may have taken another
+  // program's. Within the moment after it, ours may still come to the front.
+  if (active_ != nullptr) SetForegroundWindow(active_);
 }
 
 }  // namespace korvel::control

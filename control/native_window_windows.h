@@ -11,11 +11,11 @@ namespace korvel::control {
 /// The system's window that a widget stands in; null for no widget, and where the toolkit draws into no system windows.
 [[nodiscard]] HWND nativeWindow(const QWidget* widget);
 
-/// While it lives, no window of this thread takes keys or clicks. For dialogs of the system, which know nothing of
-/// windows that are not their owner.
+/// While it lives, no window of this thread takes keys or clicks, but for `owner`, which the dialog stops and wakes
+/// itself. For dialogs of the system, which know nothing of windows that are not their owner.
 class WindowsStopped {
  public:
-  WindowsStopped();
+  explicit WindowsStopped(HWND owner = nullptr);
   ~WindowsStopped();
   WindowsStopped(const WindowsStopped&) = delete;
   WindowsStopped& operator=(const WindowsStopped&) = delete;

@@ -13,8 +13,9 @@
 namespace korvel::control {
 
 std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
-  const WindowsStopped stopped;
-  return chooseFontWith(&ChooseFontW, nativeWindow(owner), current);
+  const HWND window = nativeWindow(owner);
+  const WindowsStopped stopped(window);
+  return chooseFontWith(&ChooseFontW, window, current);
 }
 
 std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles) {

@@ -83,7 +83,8 @@ QColor inkOf(IconTone tone, QIcon::Mode mode) {
   if (mode == QIcon::Disabled) return theme.disabled;
   if (systemLook().highContrast) return mode == QIcon::Selected ? theme.onSelection : theme.text;
   if (tone == IconTone::Accent) return theme.accent;
-  if (tone == IconTone::OnFill) return theme.onFill;
+  // The platform's own buttons are not filled with the accent.
+  if (tone == IconTone::OnFill) return systemLook().native ? theme.accent : theme.onFill;
   // Our own style marks what is selected with a tint and leaves the text as it is; others invert it.
   if (mode == QIcon::Selected && palette == nullptr) return fallback.color(QPalette::HighlightedText);
   return theme.text;

@@ -22,7 +22,7 @@ QStyle& sharedStyle() {
 }
 
 /// Hands the style on to widgets as they become part of the subtree: Qt itself lets children keep the application's.
-/// While the system has a scheme of strong contrast on, that is what they keep.
+/// While the system's own look is wanted, or it has a scheme of strong contrast on, that is what they keep.
 class StyleScope : public QObject {
  public:
   explicit StyleScope(QWidget& root) : QObject(&root), root_(root) { take(root); }
@@ -39,8 +39,8 @@ class StyleScope : public QObject {
 
  private:
   void take(QWidget& widget) {
-    if (!highContrast_ && widget.style() != &sharedStyle()) widget.setStyle(&sharedStyle());
-    if (highContrast_ && widget.testAttribute(Qt::WA_SetStyle)) widget.setStyle(nullptr);
+    if (!platform_ && widget.style() != &sharedStyle()) widget.setStyle(&sharedStyle());
+    if (platform_ && widget.testAttribute(Qt::WA_SetStyle)) widget.setStyle(nullptr);
     widget.removeEventFilter(this);
     widget.installEventFilter(this);
     const QObjectList children = widget.children();
@@ -52,13 +52,13 @@ class StyleScope : public QObject {
   /// No scheme of contrast comes or goes without a change of colours.
   void followSystem() {
     refreshSystemLook();
-    if (systemLook().highContrast == highContrast_) return;
-    highContrast_ = !highContrast_;
+    if (systemLook().keepsPlatform() == platform_) return;
+    platform_ = !platform_;
     take(root_);
   }
 
   QWidget& root_;
-  bool highContrast_ = systemLook().highContrast;
+  bool platform_ = systemLook().keepsPlatform();
 };
 
 }  // namespace

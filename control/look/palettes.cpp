@@ -56,7 +56,7 @@ QPalette fromShades(const Shades& shades, const QColor& accent) {
 }
 
 /// What the toolkit, or a platform that has no opinion, takes for a highlight.
-constexpr std::array<QRgb, 4> nobodysChoice{0xff308cc6, 0xff000080, lightShades.accent, darkShades.accent};
+constexpr std::array<QRgb, 5> nobodysChoice{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent, darkShades.accent};
 
 /// Applies the palette and applies it again when the system changes its mind. Lives as long as the application.
 class PaletteKeeper : public QObject {
@@ -79,7 +79,7 @@ class PaletteKeeper : public QObject {
  private:
   void apply() {
     applying_ = true;
-    if (systemLook().highContrast) {
+    if (systemLook().keepsPlatform()) {
       // A palette without any colour of ours is the system's.
       if (ours_) QApplication::setPalette(QPalette());
       ours_ = false;
@@ -133,6 +133,7 @@ Scheme requestedScheme() {
   const QByteArray wish = qgetenv("KORVEL_THEME").trimmed().toLower();
   if (wish == "light") return Scheme::Light;
   if (wish == "dark") return Scheme::Dark;
+  if (wish == "native") return Scheme::Native;
   return Scheme::System;
 }
 

@@ -16,9 +16,10 @@ namespace korvel::look {
 /// is no colour at all (grey, black, white).
 [[nodiscard]] QColor chosenHighlight(const QPalette& palette);
 
-enum class Scheme { System, Light, Dark };
+enum class Scheme { System, Light, Dark, Native };
 
-/// What the environment variable KORVEL_THEME asks for: "light" or "dark" in any case; anything else is the system's.
+/// What the environment variable KORVEL_THEME asks for: "light", "dark" or "native" in any case; anything else leaves
+/// it to the system: its own style and colours on Windows, ours in light or dark elsewhere.
 [[nodiscard]] Scheme requestedScheme();
 
 /// For a program that is nothing but the viewer: gives it the light or the dark palette, as KORVEL_THEME or else the

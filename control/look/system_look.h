@@ -10,6 +10,12 @@ struct SystemLook {
   bool highContrast = false;
   /// Whether windows are to be dark; nothing where the palette alone tells.
   std::optional<bool> dark;
+  /// Windows are to look like all others of the system, in its style and its colours, as far as KORVEL_THEME does not
+  /// ask for our own.
+  bool native = false;
+
+  /// Whether our own style and palette step aside.
+  [[nodiscard]] bool keepsPlatform() const noexcept { return highContrast || native; }
 
   friend bool operator==(const SystemLook&, const SystemLook&) = default;
 };

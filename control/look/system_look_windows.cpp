@@ -1,6 +1,7 @@
 // What Windows tells beside its colours: a scheme of strong contrast, and whether applications are to be dark.
 #include <windows.h>
 
+#include "control/look/palettes.h"
 #include "control/look/system_look.h"
 
 namespace korvel::look {
@@ -26,7 +27,8 @@ std::optional<bool> isDark() {
 }  // namespace
 
 SystemLook readSystemLook() {
-  return {isHighContrast(), isDark()};
+  const Scheme scheme = requestedScheme();
+  return {isHighContrast(), isDark(), scheme == Scheme::System || scheme == Scheme::Native};
 }
 
 }  // namespace korvel::look
