@@ -32,6 +32,10 @@ target_compile_options(korvel_flags INTERFACE
   # Inlined library code makes gcc 12 see overlaps, overflows and unset members that are not there, which ones depends on the
   # level of optimisation. clang, clang-tidy and the sanitizers find the real ones.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-Wno-maybe-uninitialized;-Wno-mismatched-new-delete>)
+if(WIN32)
+  # What is packed names no folders of the machine that it was built on.
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+endif()
 if(KORVEL_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
   add_link_options(-fsanitize=address,undefined)

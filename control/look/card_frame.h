@@ -6,13 +6,17 @@ namespace korvel::look {
 
 /// A frame of the side strip: rounded border on the surface colour, small semi-bold caption in grey, 8 px all around.
 /// A group box to assistive technology. The 8 px and the caption's room are the frame's own: layouts on it start with
-/// zero margins; whoever places children by hand uses contentsRect().
+/// zero margins; whoever places children by hand uses contentsRect(). In another style, which draws its border right
+/// around the contents, layouts keep a distance.
 class CardFrame : public QGroupBox {
   Q_OBJECT
 
  public:
   explicit CardFrame(QWidget* parent = nullptr);
   explicit CardFrame(const QString& title, QWidget* parent = nullptr);
+
+ protected:
+  bool event(QEvent* event) override;
 };
 
 }  // namespace korvel::look

@@ -9,7 +9,7 @@ struct SystemLook {
   /// A scheme of strong contrast is on: the palette's colours are to be used as they are, in the platform's own style.
   bool highContrast = false;
   /// Whether windows are to be dark; nothing where the palette alone tells.
-  std::optional<bool> dark;
+  std::optional<bool> dark{};
   /// Windows are to look like all others of the system, in its style and its colours, as far as KORVEL_THEME does not
   /// ask for our own.
   bool native = false;

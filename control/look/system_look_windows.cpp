@@ -28,7 +28,10 @@ std::optional<bool> isDark() {
 
 SystemLook readSystemLook() {
   const Scheme scheme = requestedScheme();
-  return {isHighContrast(), isDark(), scheme == Scheme::System || scheme == Scheme::Native};
+  const std::optional<bool> dark = isDark();
+  // The toolkit's Windows style is never dark; who wants dark windows gets ours.
+  const bool native = scheme == Scheme::Native || (scheme == Scheme::System && dark != true);
+  return {isHighContrast(), dark, native};
 }
 
 }  // namespace korvel::look

@@ -10,7 +10,9 @@
 #include <QPushButton>
 #include <QStandardItemModel>
 #include <QStyleOptionViewItem>
+#include <QVBoxLayout>
 
+#include "control/look/card_frame.h"
 #include "control/look/icons.h"
 #include "control/look/look.h"
 #include "control/look/palettes.h"
@@ -76,6 +78,40 @@ TEST(StrongContrast, LeavesWidgetsThePlatformsStyle) {
     EXPECT_EQ(widget->style(), QApplication::style());
 }
 
+TEST(NativeLook, LeavesThePlatformsStyleAndKeepsTheColoursOfThePalette) {
+  const QPalette palette = lightPalette();
+  const QColor tint = Theme::of(palette).header;
+  const SystemLookOverride native({.native = true});
+  QWidget root;
+  applyLook(root);
+  EXPECT_EQ((new QPushButton(&root))->style(), QApplication::style());
+  EXPECT_EQ(Theme::of(palette).header, tint);
+}
+
+TEST(NativeLook, KeepsAFramesContentsOffItsBorder) {
+  for (const bool native : {true, false}) {
+    const SystemLookOverride look({.native = native});
+    QWidget root;
+    applyLook(root);
+    auto* frame = new CardFrame(QStringLiteral("Frame"), &root);
+    auto* layout = new QVBoxLayout(frame);
+    frame->ensurePolished();
+    EXPECT_EQ(layout->contentsMargins().isNull(), !native);
+  }
+}
+
+TEST(NativeLook, GivesTheIconOfTheMainButtonAColourThatIsSeenOnPlainButtons) {
+  const QPalette palette = lightPalette();
+  const IconPalette painting(palette);
+  const auto accent = [&] {
+    const QImage image = icon(IconName::Query, IconTone::OnFill).pixmap(QSize(32, 32), 1.0).toImage();
+    return count(image.convertToFormat(QImage::Format_ARGB32), Theme::of(palette).accent);
+  };
+  EXPECT_EQ(accent(), 0);
+  const SystemLookOverride native({.native = true});
+  EXPECT_GT(accent(), 50);
+}
+
 TEST(StrongContrast, ComesAndGoesWithTheColoursOfTheSystem) {
   QWidget root;
   applyLook(root);
@@ -122,9 +158,12 @@ class PreferredPalette : public ::testing::Test {
     for (QObject* child : qApp->children())
       if (!known_.contains(child)) delete child;
     QApplication::setPalette(before_);
+    if (!theme_.isNull()) qputenv("KORVEL_THEME", theme_);
+    refreshSystemLook();
   }
 
  private:
+  QByteArray theme_ = qgetenv("KORVEL_THEME");
   QObjectList known_ = qApp->children();
   QPalette before_;
 };
@@ -138,6 +177,7 @@ TEST_F(PreferredPalette, IsDarkOrLightAsTheSystemSays) {
 }
 
 TEST_F(PreferredPalette, IsTheSystemsOwnInStrongContrast) {
+  const SystemLookOverride ours({});
   const QPalette systems = QApplication::palette();
   applyPreferredPalette(*qApp);
   EXPECT_NE(QApplication::palette(), systems);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
+#include <QtGlobal>
 #include <string>
 
 #include "control/look/system_look.h"
@@ -43,6 +45,23 @@ TEST(WindowsLook, IsDarkWhereTheUserWantsDarkApplications) {
   EXPECT_EQ(readSystemLook().dark, true);
   UsersKey::setLight(1);
   EXPECT_EQ(readSystemLook().dark, false);
+}
+
+TEST(WindowsLook, IsThatOfWindowsUnlessOursIsAskedForOrDarkWindowsAre) {
+  const UsersKey user;
+  const auto isNative = [](const QByteArray& theme) {
+    const QByteArray before = qgetenv("KORVEL_THEME");
+    qputenv("KORVEL_THEME", theme);
+    const bool native = readSystemLook().native;
+    qputenv("KORVEL_THEME", before);
+    return native;
+  };
+  EXPECT_TRUE(isNative(""));
+  EXPECT_FALSE(isNative("light"));
+  EXPECT_FALSE(isNative("dark"));
+  UsersKey::setLight(0);
+  EXPECT_FALSE(isNative(""));
+  EXPECT_TRUE(isNative("native"));
 }
 
 TEST(WindowsLook, TellsAChangeWhenItIsAskedAgain) {

@@ -138,6 +138,7 @@ TEST(Scheme, IsWhatTheEnvironmentAsksFor) {
   EXPECT_EQ(asked("dark"), Scheme::Dark);
   EXPECT_EQ(asked("Light"), Scheme::Light);
   EXPECT_EQ(asked(" DARK "), Scheme::Dark);
+  EXPECT_EQ(asked("Native"), Scheme::Native);
   EXPECT_EQ(asked("purple"), Scheme::System);
   EXPECT_EQ(asked(""), Scheme::System);
   qunsetenv("KORVEL_THEME");
