@@ -49,7 +49,7 @@ std::optional<std::int32_t> windowsErrorNumber(std::int32_t systemNumber, FileTa
 }
 
 bool isOfTheDisk(std::int32_t systemNumber) noexcept {
-  const auto number = windowsErrorNumber(systemNumber, FileTask::write);
+  const std::int32_t number = windowsErrorNumber(systemNumber, FileTask::write).value_or(0);
   return number == errorDiskFull || number == errorDeviceInputOutput ||
          means(systemNumber, std::errc::read_only_file_system);
 }
