@@ -33,10 +33,9 @@ Error failed(const std::string& what, const fs::path& file, DWORD number = GetLa
   return systemError(static_cast<int>(number), what + " " + utf8FromPath(file));
 }
 
-/// Whether the system or a disk knows no such call.
-bool isUnknownCall(DWORD number) noexcept {
-  return number == ERROR_INVALID_PARAMETER || number == ERROR_NOT_SUPPORTED || number == ERROR_INVALID_FUNCTION ||
-         number == ERROR_INVALID_LEVEL || number == ERROR_CALL_NOT_IMPLEMENTED;
+/// Whether a renaming was refused for the sake of what is there, not because a disk knows no such renaming.
+bool isRefusal(DWORD number) noexcept {
+  return number == ERROR_ACCESS_DENIED || number == ERROR_SHARING_VIOLATION;
 }
 
 HANDLE handleOf(std::intptr_t file) noexcept {
@@ -163,7 +162,7 @@ DWORD renameOpen(HANDLE file, const std::wstring& to) {
     if (SetFileInformationByHandle(file, way.kind, request.data(), static_cast<DWORD>(request.size())) != 0)
       return ERROR_SUCCESS;
     number = GetLastError();
-    if (!isUnknownCall(number)) break;
+    if (isRefusal(number)) break;
   }
   return number;
 }
@@ -174,7 +173,7 @@ DWORD patiently(Rename rename) {
   constexpr std::array<DWORD, 4> pauses = {10, 20, 40, 80};  // milliseconds
   DWORD number = rename();
   for (const DWORD pause : pauses) {
-    if (number != ERROR_ACCESS_DENIED && number != ERROR_SHARING_VIOLATION) break;
+    if (!isRefusal(number)) break;
     Sleep(pause);
     number = rename();
   }
@@ -187,7 +186,9 @@ DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& tar
   std::error_code failure;
   const fs::path to = pathForCalls(wholeForm(target, failure));
   DWORD number = patiently([&] { return renameOpen(file.get(), to.native()); });
-  if (isUnknownCall(number)) {
+  if (number == ERROR_SUCCESS) {
+    FlushFileBuffers(file.get());  // the new name too; the bytes are on the disk already
+  } else if (!isRefusal(number)) {
     file = SystemHandle();
     const fs::path from = pathForCalls(written);
     number = patiently([&] {
@@ -195,8 +196,6 @@ DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& tar
                  ? ERROR_SUCCESS
                  : GetLastError();
     });
-  } else if (number == ERROR_SUCCESS) {
-    FlushFileBuffers(file.get());  // the new name too; the bytes are on the disk already
   }
   if (number != ERROR_ACCESS_DENIED) return number;
   // Windows says so of a file that another program has open, too.
