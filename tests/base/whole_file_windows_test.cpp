@@ -140,6 +140,11 @@ TEST(WholeFileOnWindows, KeepsItsRightsWhereItIsWrittenThroughOnly) {
   giveRights(file, L"D:P(A;;FA;;;" + userIdentity() + L")");
   const std::wstring ownRights = rightsOf(file);
   if (ownRights == rightsOfANewFile) GTEST_SKIP() << "no rights of its own to be had here";
+  {
+    const WholeFile unfinished(file);
+    for (const auto& entry : fs::directory_iterator(folder.path()))
+      EXPECT_EQ(rightsOf(entry.path()), ownRights) << "before the first byte, too";
+  }
   writeWholeFile(file, "two");
   EXPECT_EQ(rightsOf(file), ownRights);
   WholeFile other(file, AtLink::replace);
