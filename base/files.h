@@ -27,6 +27,8 @@ namespace korvel::files {
 void createFolders(const std::filesystem::path& folder, std::error_code& failure);
 /// Makes an empty file; fails where anything is there, a link to nowhere among it.
 void createNew(const std::filesystem::path& file, std::error_code& failure);
+/// Whether the file `target`, if it is there, can be replaced by another: `failure` says why not. A folder cannot.
+void checkReplaceable(const std::filesystem::path& target, std::error_code& failure);
 /// Puts a file in the place of another or of none, on the same disk.
 void rename(const std::filesystem::path& from, const std::filesystem::path& to, std::error_code& failure);
 /// Removes a file or an empty folder; nothing there is no failure.

@@ -52,6 +52,12 @@ void createNew(const fs::path& file, std::error_code& failure) {
     failure.assign(errno, std::generic_category());
 }
 
+void checkReplaceable(const fs::path& target, std::error_code& failure) {
+  const fs::file_status there = linkStatus(target, failure);
+  if (!fs::exists(there) && there.type() != fs::file_type::unknown) failure.clear();
+  if (fs::is_directory(there)) failure = std::make_error_code(std::errc::is_a_directory);
+}
+
 void rename(const fs::path& from, const fs::path& to, std::error_code& failure) {
   fs::rename(from, to, failure);
 }

@@ -7,6 +7,9 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_handle_windows.h"
+#include "base/text.h"
+#include "base/whole_path_windows.h"
+#include "base/wide_text_windows.h"
 
 namespace korvel::files {
 
@@ -61,6 +64,30 @@ Search searchFor(const fs::path& pattern, WIN32_FIND_DATAW& found) {
   return Search(search == INVALID_HANDLE_VALUE ? nullptr : search);
 }
 
+/// Whether `path` leads to something that is no file, on this computer or another: it must not be opened to be looked
+/// at.
+bool isPipeOrDevice(const fs::path& path) {
+  constexpr std::wstring_view device = LR"(\\.\)";
+  constexpr std::wstring_view verbatim = LR"(\\?\)";
+  constexpr std::wstring_view verbatimNetwork = LR"(UNC\)";
+  constexpr std::wstring_view network = LR"(\\)";
+  std::wstring whole = wholePath(path.native());
+  if (whole.starts_with(device)) return true;
+  if (whole.starts_with(verbatim)) {
+    whole.erase(0, verbatim.size());
+    const std::string start = utf8FromWide(whole.substr(0, verbatimNetwork.size()));
+    const bool isDisk = whole.size() > 1 && whole[1] == L':';
+    if (!equalsIgnoringAsciiCase(start, utf8FromWide(std::wstring(verbatimNetwork))))
+      return !isDisk && !equalsIgnoringAsciiCase(utf8FromWide(whole.substr(0, whole.find(L'{'))), "Volume");
+    whole.replace(0, verbatimNetwork.size(), network);
+  }
+  if (!whole.starts_with(network)) return false;
+  const std::size_t share = whole.find(L'\\', network.size());
+  if (share == std::wstring::npos) return false;
+  const std::string name = utf8FromWide(whole.substr(share + 1, whole.find(L'\\', share + 1) - share - 1));
+  return equalsIgnoringAsciiCase(name, "pipe") || equalsIgnoringAsciiCase(name, "mailslot");
+}
+
 fs::file_type typeOf(DWORD attributes) noexcept {
   return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? fs::file_type::directory : fs::file_type::regular;
 }
@@ -69,7 +96,7 @@ fs::file_type typeOf(DWORD attributes) noexcept {
 
 fs::file_status status(const fs::path& path, std::error_code& failure) {
   // To open a pipe is to take the place of the one for whom it waits.
-  if (path.native().starts_with(LR"(\\.\)")) {
+  if (isPipeOrDevice(path)) {
     failure.clear();
     return fs::file_status(fs::file_type::character);
   }
@@ -167,6 +194,21 @@ void createNew(const fs::path& file, std::error_code& failure) {
   const SystemHandle made(
       CreateFileW(pathForCalls(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
   went(made.isOpen() ? TRUE : FALSE, failure);
+}
+
+void checkReplaceable(const fs::path& target, std::error_code& failure) {
+  // What the system asks of a file when another takes its name.
+  constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), DELETE | FILE_READ_ATTRIBUTES, shared, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+                                      nullptr));
+  BY_HANDLE_FILE_INFORMATION about{};
+  if (!went(file.isOpen() ? GetFileInformationByHandle(file.get(), &about) : FALSE, failure)) {
+    if (isMissing(static_cast<DWORD>(failure.value()))) failure.clear();
+    return;
+  }
+  if ((about.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0)
+    failure.assign(ERROR_ACCESS_DENIED, std::system_category());
 }
 
 void rename(const fs::path& from, const fs::path& to, std::error_code& failure) {

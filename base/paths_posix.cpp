@@ -14,6 +14,15 @@ bool isWhole(const std::filesystem::path& path) {
   return path.is_absolute();
 }
 
+std::filesystem::path wholeForm(const std::filesystem::path& path, std::error_code& failure) {
+  std::filesystem::path whole = std::filesystem::absolute(path, failure);
+  return failure ? path : whole;
+}
+
+bool hasExtension(const std::filesystem::path& file, std::string_view extension) {
+  return file.extension() == extension;
+}
+
 std::filesystem::path pathForCalls(const std::filesystem::path& path) {
   return path;
 }

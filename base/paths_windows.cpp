@@ -1,6 +1,8 @@
 #include <windows.h>
 
 #include "base/paths.h"
+#include "base/text.h"
+#include "base/whole_path_windows.h"
 #include "base/wide_text_windows.h"
 
 namespace korvel {
@@ -12,7 +14,12 @@ namespace {
 /// Folders may be this long; files a few characters more.
 constexpr std::size_t longestPlainPath = 247;
 
-/// The whole path with the system's separators; empty where the system makes none of it.
+bool isSeparator(wchar_t c) noexcept {
+  return c == L'\\' || c == L'/';
+}
+
+}  // namespace
+
 std::wstring wholePath(const std::wstring& path) {
   std::wstring whole;
   // The working folder may change between two calls; each tells how much it needs, its terminator counted.
@@ -27,8 +34,6 @@ std::wstring wholePath(const std::wstring& path) {
   return whole;
 }
 
-}  // namespace
-
 fs::path pathFromUtf8(std::string_view text) {
   return {anyWideFromUtf8(text)};
 }
@@ -38,7 +43,21 @@ std::string utf8FromPath(const fs::path& path) {
 }
 
 bool isWhole(const fs::path& path) {
-  return path.is_absolute() || path.native().starts_with(LR"(\\)") || path.native().starts_with(L"//");
+  const std::wstring& text = path.native();
+  return path.is_absolute() || (text.size() >= 2 && isSeparator(text[0]) && isSeparator(text[1]));
+}
+
+fs::path wholeForm(const fs::path& path, std::error_code& failure) {
+  failure.clear();
+  if (isWhole(path)) return path;
+  std::wstring whole = wholePath(path.native());
+  if (!whole.empty()) return {std::move(whole)};
+  failure.assign(static_cast<int>(GetLastError()), std::system_category());
+  return path;
+}
+
+bool hasExtension(const fs::path& file, std::string_view extension) {
+  return equalsIgnoringAsciiCase(utf8FromPath(file.extension()), extension);
 }
 
 fs::path pathForCalls(const fs::path& path) {

@@ -14,8 +14,8 @@ enum class AtLink {
 };
 
 /// A file that is written whole or not at all: bytes go to a temporary file beside the target, `commit` syncs it and
-/// renames it over the target. A replacement keeps who may read and write the target. Without `commit` the target is
-/// left as it was and the temporary file is removed. All members throw Error with the system's error number.
+/// renames it over the target. A file that is written through keeps who may read and write it. Without `commit` the
+/// target is left as it was and the temporary file is removed. All members throw Error with the system's error number.
 class WholeFile {
  public:
   explicit WholeFile(std::filesystem::path target, AtLink atLink = AtLink::writeThrough);

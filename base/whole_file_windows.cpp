@@ -5,16 +5,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <utility>
 
 #include "base/error.h"
+#include "base/file_rights_windows.h"
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_handle_windows.h"
 #include "base/whole_file.h"
+#include "base/whole_path_windows.h"
 
 namespace korvel {
 
@@ -23,29 +27,48 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t chunkBytes = std::size_t{1} << 18U;
+constexpr DWORD sharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 Error failed(const std::string& what, const fs::path& file, DWORD number = GetLastError()) {
   return systemError(static_cast<int>(number), what + " " + utf8FromPath(file));
+}
+
+/// Whether a renaming was refused for the sake of what is there, not because a disk knows no such renaming.
+bool isRefusal(DWORD number) noexcept {
+  return number == ERROR_ACCESS_DENIED || number == ERROR_SHARING_VIOLATION;
 }
 
 HANDLE handleOf(std::intptr_t file) noexcept {
   return reinterpret_cast<HANDLE>(file);  // NOLINT(performance-no-int-to-ptr): the system's own way of numbering
 }
 
-/// Where a link leads; `target` itself where it is none, or leads nowhere.
+/// What the system says of where an open file is, as a person knows it.
+fs::path plainForm(const std::wstring& name) {
+  constexpr std::wstring_view network = LR"(\\?\UNC\)";
+  constexpr std::wstring_view verbatim = LR"(\\?\)";
+  std::wstring plain = name;
+  if (plain.starts_with(network))
+    plain.replace(0, network.size(), LR"(\\)");
+  else if (plain.starts_with(verbatim))
+    plain.erase(0, verbatim.size());
+  // Names of some programs' making, and disks without a letter, mean something in the system's own form only.
+  return wholePath(plain) == plain ? fs::path(plain) : fs::path(name);
+}
+
+/// Where a link leads; `target` itself where it is none. Throws Error for a link that leads nowhere: what was meant
+/// cannot be told.
 fs::path followedLinks(const fs::path& target) {
   std::error_code ignored;
   if (files::linkStatus(target, ignored).type() != fs::file_type::symlink) return target;
-  constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), FILE_READ_ATTRIBUTES, shared, nullptr,
+  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), FILE_READ_ATTRIBUTES, sharedByAll, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-  if (!file.isOpen()) return target;
+  if (!file.isOpen()) throw failed("cannot follow the link", target);
   std::wstring name(GetFinalPathNameByHandleW(file.get(), nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
   const DWORD length =
       GetFinalPathNameByHandleW(file.get(), name.data(), static_cast<DWORD>(name.size()), FILE_NAME_NORMALIZED);
-  if (length == 0 || length >= name.size()) return target;
+  if (length == 0 || length >= name.size()) throw failed("cannot follow the link", target);
   name.resize(length);
-  return {name};
+  return plainForm(name);
 }
 
 /// Six characters that no other writer is likely to choose. Whether a file of that name is new, the system decides.
@@ -59,7 +82,7 @@ std::wstring randomSuffix() {
 }
 
 /// Creates a new file beside `target`, which no other program opens meanwhile, and puts its name into `created`.
-SystemHandle createBeside(const fs::path& target, fs::path& created) {
+SystemHandle createBeside(const fs::path& target, DWORD attributes, DWORD access, fs::path& created) {
   // One collision would be a wonder; so many are a folder that somebody fills on purpose.
   for (int attempts = 0; attempts < 100; ++attempts) {
     const std::wstring suffix = randomSuffix();
@@ -67,46 +90,141 @@ SystemHandle createBeside(const fs::path& target, fs::path& created) {
     fs::path name = target;
     name += suffix;
     SystemHandle file(
-        CreateFileW(pathForCalls(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        CreateFileW(pathForCalls(name).c_str(), GENERIC_WRITE | access, 0, nullptr, CREATE_NEW, attributes, nullptr));
     if (file.isOpen()) created = std::move(name);
     if (file.isOpen() || GetLastError() != ERROR_FILE_EXISTS) return file;
   }
   return SystemHandle();
 }
 
-/// Whether the person may write what stands in the target's place, as far as it is a plain file: a file that is marked
-/// as not to be written, or that another program keeps to itself, is not replaced either. A number of the system, or 0.
-DWORD whyNotWritable(const fs::path& target) {
-  constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), GENERIC_WRITE, shared, nullptr, OPEN_EXISTING,
+/// What stands in the target's place.
+struct Standing {
+  bool isThere = false;
+  DWORD attributes = FILE_ATTRIBUTE_NORMAL;
+  FileRights rights;
+};
+
+/// Looks at what stands in the target's place, and whether the person may write it, as far as it is a plain file: a
+/// file that is marked as not to be written, or that another program keeps to itself, is not replaced either. A number
+/// of the system, or 0.
+DWORD whyNotWritable(const fs::path& target, Standing& standing) {
+  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), GENERIC_WRITE, sharedByAll, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   BY_HANDLE_FILE_INFORMATION about{};
-  if (file.isOpen() && GetFileInformationByHandle(file.get(), &about) != 0)
-    return (about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
-  const DWORD number = GetLastError();
-  return number == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : number;
+  if (!file.isOpen() || GetFileInformationByHandle(file.get(), &about) == 0) {
+    const DWORD number = GetLastError();
+    return number == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : number;
+  }
+  standing.isThere = true;
+  standing.attributes = about.dwFileAttributes;
+  if ((about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return ERROR_ACCESS_DENIED;
+  return standing.rights.take(file.get());
 }
 
-/// Puts `written` in the place of `target`, which keeps its rights where it is there.
-bool putInPlace(const fs::path& written, const fs::path& target) {
-  const fs::path from = pathForCalls(written);
-  const fs::path to = pathForCalls(target);
-  std::error_code ignored;
-  if (files::linkStatus(target, ignored).type() == fs::file_type::regular &&
-      ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0)
-    return true;
-  // Some disks of others know no such replacing; what hinders replacing at all hinders this too, and says why.
-  return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+/// Sees to it that the new file has `rights`, as far as they are not simply those of its folder. A number of the
+/// system, or 0.
+DWORD keepRights(const FileRights& rights, HANDLE file, bool maySet) {
+  if (maySet) return rights.giveTo(file);
+  if (!rights.areTheFilesOwn()) return ERROR_SUCCESS;
+  FileRights given;
+  const DWORD number = given.take(file);
+  if (number != ERROR_SUCCESS) return number;
+  return given == rights ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+/// Those of a file's attributes that its replacement keeps.
+DWORD keptAttributes(DWORD attributes) noexcept {
+  constexpr DWORD kept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
+                         FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
+  return (attributes & kept) != 0 ? attributes & kept : FILE_ATTRIBUTE_NORMAL;
+}
+
+/// Renames an open file, so that nobody can come between its end and its name, over what has the name `to`. A number of
+/// the system, or 0.
+DWORD renameOpen(HANDLE file, const std::wstring& to) {
+  struct Way {
+    FILE_INFO_BY_HANDLE_CLASS kind;
+    DWORD flags;
+  };
+  // FileRenameInfoEx, which the compiler's headers hide.
+  constexpr auto renameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
+  // The first is younger, and gets past readers that share all.
+  constexpr std::array ways = {Way{renameInfoEx, FILE_RENAME_FLAG_REPLACE_IF_EXISTS | FILE_RENAME_FLAG_POSIX_SEMANTICS},
+                               Way{FileRenameInfo, TRUE}};
+  const std::size_t nameBytes = to.size() * sizeof(wchar_t);
+  std::string request(sizeof(FILE_RENAME_INFO) + nameBytes, '\0');
+  const auto nameSize = static_cast<DWORD>(nameBytes);
+  std::memcpy(&request[offsetof(FILE_RENAME_INFO, FileNameLength)], &nameSize, sizeof nameSize);
+  std::memcpy(&request[offsetof(FILE_RENAME_INFO, FileName)], to.data(), nameBytes);
+  DWORD number = ERROR_SUCCESS;
+  for (const Way& way : ways) {
+    std::memcpy(request.data(), &way.flags, sizeof way.flags);
+    if (SetFileInformationByHandle(file, way.kind, request.data(), static_cast<DWORD>(request.size())) != 0)
+      return ERROR_SUCCESS;
+    number = GetLastError();
+    if (isRefusal(number)) break;
+  }
+  return number;
+}
+
+/// Calls `rename` again while it is refused for another's sake: programs that look at every new file do not look long.
+template <typename Rename>
+DWORD patiently(Rename rename) {
+  constexpr std::array<DWORD, 4> pauses = {10, 20, 40, 80};  // milliseconds
+  DWORD number = rename();
+  for (const DWORD pause : pauses) {
+    if (!isRefusal(number)) break;
+    Sleep(pause);
+    number = rename();
+  }
+  return number;
+}
+
+/// Puts the open file `written` in the place of `target`. On a failure, both are as they were. A number of the system,
+/// or 0.
+DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& target) {
+  std::error_code failure;
+  const fs::path to = pathForCalls(wholeForm(target, failure));
+  DWORD number = patiently([&] { return renameOpen(file.get(), to.native()); });
+  if (number == ERROR_SUCCESS) {
+    FlushFileBuffers(file.get());  // the new name too; the bytes are on the disk already
+  } else if (!isRefusal(number)) {
+    file = SystemHandle();
+    const fs::path from = pathForCalls(written);
+    number = patiently([&] {
+      return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0
+                 ? ERROR_SUCCESS
+                 : GetLastError();
+    });
+  }
+  if (number != ERROR_ACCESS_DENIED) return number;
+  // Windows says so of a file that another program has open, too.
+  files::checkReplaceable(target, failure);
+  return failure.value() == ERROR_SHARING_VIOLATION ? ERROR_SHARING_VIOLATION : number;
 }
 
 }  // namespace
 
 WholeFile::WholeFile(fs::path target, AtLink atLink)
     : target_(atLink == AtLink::writeThrough ? followedLinks(target) : std::move(target)) {
-  if (const DWORD number = whyNotWritable(target_); number != ERROR_SUCCESS)
+  Standing standing;
+  if (const DWORD number = whyNotWritable(target_, standing); number != ERROR_SUCCESS)
     throw failed("cannot write", target_, number);
-  SystemHandle file = createBeside(target_, temporary_);
+  // What somebody else left in the place of a file says nothing about who may read the new one.
+  const bool keeps = atLink == AtLink::writeThrough && standing.isThere;
+  const DWORD attributes = keeps ? keptAttributes(standing.attributes) : FILE_ATTRIBUTE_NORMAL;
+  SystemHandle file = createBeside(target_, attributes, keeps ? DELETE | WRITE_DAC : DELETE, temporary_);
+  // Many folders of the network let nobody set rights, but give all their files the same.
+  const bool maySetRights = file.isOpen() || !keeps || GetLastError() != ERROR_ACCESS_DENIED;
+  if (!maySetRights) file = createBeside(target_, attributes, DELETE, temporary_);
   if (!file.isOpen()) throw failed("cannot create a file beside", target_);
+  // Before the first byte.
+  if (const DWORD number = keeps ? keepRights(standing.rights, file.get(), maySetRights) : ERROR_SUCCESS;
+      number != ERROR_SUCCESS) {
+    file = SystemHandle();
+    DeleteFileW(pathForCalls(temporary_).c_str());
+    throw failed("cannot keep the rights of", target_, number);
+  }
   file_ = reinterpret_cast<std::intptr_t>(file.release());
 }
 
@@ -129,14 +247,13 @@ void WholeFile::flush() {
 void WholeFile::commit() {
   flush();
   if (FlushFileBuffers(handleOf(file_)) == 0) throw failed("cannot write", target_);
-  if (CloseHandle(handleOf(std::exchange(file_, -1))) == 0) throw failed("cannot write", target_);
-  if (!putInPlace(temporary_, target_)) throw failed("cannot replace", target_);
+  const DWORD number = putInPlace(SystemHandle(handleOf(std::exchange(file_, -1))), temporary_, target_);
+  if (number != ERROR_SUCCESS) throw failed("cannot replace", target_, number);
   temporary_.clear();
 }
 
 std::string readWholeFile(const fs::path& file) {
-  constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const SystemHandle opened(CreateFileW(pathForCalls(file).c_str(), GENERIC_READ, shared, nullptr, OPEN_EXISTING,
+  const SystemHandle opened(CreateFileW(pathForCalls(file).c_str(), GENERIC_READ, sharedByAll, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
   if (!opened.isOpen()) throw failed("cannot open", file);
   std::string bytes;

@@ -60,22 +60,38 @@ class UnfinishedFile {
   [[nodiscard]] const fs::path& path() const { return path_; }
   [[nodiscard]] const fs::path& target() const { return target_; }
 
+  /// Throws Error where the file, or what belongs to it, would not make room for this one.
+  void checkPlace() const {
+    std::error_code code;
+    for (const char* suffix : {"", "-journal", "-wal", "-shm"}) {
+      const fs::path there = besideTarget(suffix);
+      files::checkReplaceable(there, code);
+      if (code) throw fileError("cannot replace", there, code);
+    }
+  }
+
   /// Gives the finished file its name, in place of what stands there.
   void putInPlace() {
     std::error_code code;
-    // A journal left by the file that stood there would be taken for the new one's.
-    for (const std::string_view suffix : {"-journal", "-wal", "-shm"}) {
-      fs::path leftover = target_;
-      leftover += suffix;
-      files::remove(leftover, code);
-      if (code) throw fileError("cannot remove", leftover, code);
-    }
     files::rename(path_, target_, code);
     if (code) throw fileError("cannot replace", target_, code);
     path_.clear();
+    // A journal left by the file that stood there would be taken for the new one's. While that one stood, it may have
+    // held the last of it.
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+      const fs::path leftover = besideTarget(suffix);
+      files::remove(leftover, code);
+      if (code) throw fileError("cannot remove", leftover, code);
+    }
   }
 
  private:
+  [[nodiscard]] fs::path besideTarget(const char* suffix) const {
+    fs::path beside = target_;
+    beside += suffix;
+    return beside;
+  }
+
   fs::path target_;
   fs::path path_;
 };
@@ -189,6 +205,9 @@ void writeDemoDatabases(const Options& options) {
   // Somebody may have been faster.
   if (!options.force)
     for (const fs::path& target : targets) refuseToReplace(target);
+  // Both or neither: what would hinder the second is asked before the first is replaced.
+  single.checkPlace();
+  multi.checkPlace();
   single.putInPlace();
   multi.putInPlace();
 }
@@ -197,6 +216,7 @@ void writeDemoDatabase(const fs::path& file, std::uint64_t rows, std::uint64_t s
   checkRows(rows);
   UnfinishedFile unfinished(file);
   fill(unfinished.path(), Trail(singleUserPlant(), rows, seed, dairyStory()));
+  unfinished.checkPlace();
   unfinished.putInPlace();
 }
 

@@ -11,7 +11,8 @@ namespace fs = std::filesystem;
 
 fs::path exportPath(std::string_view name) {
   const std::string windir = settings::GetEnvironment("windir");
-  if (!windir.empty()) return pathFromUtf8(windir) / name;
+  // Put together as text: a disk alone means its root, not the folder that is current on it.
+  if (!windir.empty()) return pathFromUtf8(windir + "\\" + std::string(name));
   // The profile's folders are the user's alone already.
   const std::string profile = settings::GetEnvironment("LOCALAPPDATA");
   if (profile.empty()) throw windowsError(errorPathNotFound);

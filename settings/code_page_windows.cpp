@@ -18,10 +18,11 @@ constexpr char32_t firstBeyondAscii = 0x80;
 unsigned systemCodePage() {
   constexpr std::size_t longestNumber = 16;
   std::array<wchar_t, longestNumber> digits{};
-  const int length = GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE, digits.data(),
-                                    static_cast<int>(digits.size()));
-  const unsigned long number = length > 0 ? std::wcstoul(digits.data(), nullptr, 10) : 0;
-  // Languages that never had a code page have 0.
+  DWORD bytes = sizeof digits;
+  // The system's own note: the language's default does not tell of a system that is set to UTF-8.
+  const LSTATUS read = RegGetValueW(HKEY_LOCAL_MACHINE, LR"(SYSTEM\CurrentControlSet\Control\Nls\CodePage)", L"ACP",
+                                    RRF_RT_REG_SZ, nullptr, digits.data(), &bytes);
+  const unsigned long number = read == ERROR_SUCCESS ? std::wcstoul(digits.data(), nullptr, 10) : 0;
   return number == 0 ? GetACP() : static_cast<unsigned>(number);
 }
 

@@ -57,7 +57,7 @@ std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
     std::error_code ignored;
     const std::string name = utf8FromPath(entry.stem());
     // What cannot be opened by its name is not offered.
-    if (entry.extension() == ".db" && isEmbeddedDatabaseName(name) &&
+    if (hasExtension(entry, ".db") && isEmbeddedDatabaseName(name) &&
         fs::is_regular_file(files::status(entry, ignored)))
       databases.push_back({name, false, utf8FromPath(entry)});
   }

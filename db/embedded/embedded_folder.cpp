@@ -53,7 +53,7 @@ bool isEmbeddedServer(std::string_view server) {
 std::filesystem::path embeddedFolder() {
   if (const auto named = pathFromUtf8(settings::GetEnvironment("KORVEL_AUDIT_DATA")); !named.empty()) {
     std::error_code noWorkingFolder;
-    auto folder = std::filesystem::absolute(named, noWorkingFolder);
+    auto folder = wholeForm(named, noWorkingFolder);
     if (noWorkingFolder) throw folderFailure(named, systemNumber(noWorkingFolder));
     return folder;
   }

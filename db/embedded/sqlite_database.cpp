@@ -32,7 +32,8 @@ bool usesWriteAheadLog(const std::filesystem::path& file) {
 }
 
 std::string fileUri(const std::filesystem::path& file, std::string_view parameters) {
-  constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._/";
+  // Not the separators: two of them at the beginning would be taken for those of a server's name.
+  constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._";
   constexpr std::string_view hexDigits = "0123456789abcdef";
   std::string uri = "file:";
   for (const char c : utf8FromPath(pathForCalls(file))) {
@@ -75,7 +76,7 @@ void SqliteFinalizer::operator()(sqlite3_stmt* statement) const noexcept {
 SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout) : file_(file) {
   std::error_code failure;
   // Without a working folder a relative path leads nowhere; it is said below.
-  if (auto whole = std::filesystem::absolute(file, failure); !failure) file_ = std::move(whole);
+  file_ = wholeForm(file, failure);
   const auto status = files::status(file_, failure);
   if (status.type() == std::filesystem::file_type::not_found)
     throw settings::explainedError(SQLITE_CANTOPEN, "db.fileMissing", {utf8FromPath(file_)});

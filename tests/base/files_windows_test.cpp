@@ -90,7 +90,47 @@ TEST(Files, ThatArePipesAndDevicesAreNoFiles) {
   std::error_code failure;
   EXPECT_FALSE(fs::is_regular_file(files::status(L"NUL", failure)));
   EXPECT_TRUE(fs::exists(files::status(L"NUL", failure)));
-  EXPECT_FALSE(fs::is_regular_file(files::status(L"\\\\.\\pipe\\nobody", failure)));
+  for (const wchar_t* pipe :
+       {LR"(\\.\pipe\nobody)", L"//./pipe/nobody", LR"(\\server\pipe\nobody)", LR"(//server/PIPE/nobody)",
+        LR"(\\?\pipe\nobody)", LR"(\\?\unc\server\pipe\nobody)", LR"(\\server\mailslot\nobody)"}) {
+    EXPECT_EQ(files::status(pipe, failure).type(), fs::file_type::character) << fs::path(pipe);
+    EXPECT_FALSE(failure);
+  }
+}
+
+TEST(Files, ThatAreLookedAtTakeNoPipesPlace) {
+  const SystemHandle pipe(
+      CreateNamedPipeW(LR"(\\.\pipe\korvel test)", PIPE_ACCESS_INBOUND, PIPE_NOWAIT, 1, 0, 0, 0, nullptr));
+  ASSERT_TRUE(pipe.isOpen());
+  ConnectNamedPipe(pipe.get(), nullptr);
+  std::error_code failure;
+  static_cast<void>(files::status(L"//./pipe/korvel test", failure));
+  static_cast<void>(files::status(LR"(\\?\pipe\korvel test)", failure));
+  EXPECT_EQ(ConnectNamedPipe(pipe.get(), nullptr), 0);
+  EXPECT_EQ(GetLastError(), ERROR_PIPE_LISTENING) << "it still waits for the one that it is there for";
+}
+
+TEST(Files, WithVerbatimNamesAreFiles) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a", "x");
+  std::error_code failure;
+  const fs::path verbatim = LR"(\\?\)" + wholeForm(folder / "a", failure).make_preferred().native();
+  EXPECT_EQ(files::status(verbatim, failure).type(), fs::file_type::regular) << verbatim;
+}
+
+TEST(Files, CanBeReplacedUnlessSomethingHindersIt) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a", "x");
+  std::error_code failure;
+  files::checkReplaceable(folder / "absent", failure);
+  EXPECT_FALSE(failure);
+  files::checkReplaceable(folder / "a", failure);
+  EXPECT_FALSE(failure);
+  files::checkReplaceable(folder.path(), failure);
+  EXPECT_EQ(failure.value(), ERROR_ACCESS_DENIED);
+  const test::LockedFile held(folder / "a", FILE_SHARE_READ | FILE_SHARE_WRITE);
+  files::checkReplaceable(folder / "a", failure);
+  EXPECT_EQ(failure.value(), ERROR_SHARING_VIOLATION);
 }
 
 TEST(Files, TellWhenTheyWereWritten) {

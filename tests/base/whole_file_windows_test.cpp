@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
+// Behind it.
+#include <aclapi.h>
+#include <sddl.h>
 
 #include <filesystem>
 #include <string>
@@ -15,14 +18,59 @@ namespace {
 
 namespace fs = std::filesystem;
 
-int writingFailure(const fs::path& file) {
+/// The number that writing `file` ends with, and says `named` with, in the form in which a person knows it.
+int writingFailure(const fs::path& file, const fs::path& named) {
   try {
     writeWholeFile(file, "two");
     return 0;
   } catch (const Error& error) {
-    EXPECT_NE(error.description().find(utf8FromPath(file)), std::string::npos) << error.description();
+    EXPECT_NE(error.description().find(" " + utf8FromPath(named)), std::string::npos) << error.description();
     return error.number();
   }
+}
+
+int writingFailure(const fs::path& file) {
+  return writingFailure(file, file);
+}
+
+/// The rights of a file in the system's words.
+std::wstring rightsOf(const fs::path& file) {
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  wchar_t* words = nullptr;
+  std::wstring rights;
+  if (GetNamedSecurityInfoW(file.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
+                            &descriptor) == ERROR_SUCCESS &&
+      ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION,
+                                                           &words, nullptr) != 0)
+    rights = words;
+  LocalFree(words);
+  LocalFree(descriptor);
+  return rights;
+}
+
+/// The user's identity in the system's words.
+std::wstring userIdentity() {
+  HANDLE opened = nullptr;
+  OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened);
+  const SystemHandle token(opened);
+  DWORD size = 0;
+  GetTokenInformation(token.get(), TokenUser, nullptr, 0, &size);
+  std::string user(size, '\0');
+  wchar_t* words = nullptr;
+  std::wstring identity;
+  if (GetTokenInformation(token.get(), TokenUser, user.data(), size, &size) != 0 &&
+      ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid, &words) != 0)
+    identity = words;
+  LocalFree(words);
+  return identity;
+}
+
+void giveRights(const fs::path& file, const std::wstring& words) {
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  ASSERT_NE(ConvertStringSecurityDescriptorToSecurityDescriptorW(words.c_str(), SDDL_REVISION_1, &descriptor, nullptr),
+            0);
+  EXPECT_NE(SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, descriptor), 0) << GetLastError();
+  LocalFree(descriptor);
 }
 
 std::size_t filesIn(const fs::path& folder) {
@@ -71,6 +119,74 @@ TEST(WholeFileOnWindows, InPlaceOfAFolderIsAFailure) {
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
+TEST(WholeFileOnWindows, ThatAProgramHasOpenWithoutSharingItsRemovalIsInUse) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "a.txt";
+  writeWholeFile(file, "one");
+  {
+    const test::LockedFile held(file, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    ASSERT_TRUE(held.isLocked());
+    EXPECT_EQ(writingFailure(file), ERROR_SHARING_VIOLATION);
+  }
+  EXPECT_EQ(readWholeFile(file), "one");
+  EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
+TEST(WholeFileOnWindows, KeepsItsRightsWhereItIsWrittenThroughOnly) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "a.txt";
+  writeWholeFile(file, "one");
+  const std::wstring rightsOfANewFile = rightsOf(file);
+  giveRights(file, L"D:P(A;;FA;;;" + userIdentity() + L")");
+  const std::wstring ownRights = rightsOf(file);
+  if (ownRights == rightsOfANewFile) GTEST_SKIP() << "no rights of its own to be had here";
+  {
+    const WholeFile unfinished(file);
+    for (const auto& entry : fs::directory_iterator(folder.path()))
+      EXPECT_EQ(rightsOf(entry.path()), ownRights) << "before the first byte, too";
+  }
+  writeWholeFile(file, "two");
+  EXPECT_EQ(rightsOf(file), ownRights);
+  WholeFile other(file, AtLink::replace);
+  other.write("three");
+  other.commit();
+  EXPECT_EQ(rightsOf(file), rightsOfANewFile) << "what lay there says nothing about the new one";
+  EXPECT_EQ(readWholeFile(file), "three");
+}
+
+TEST(WholeFileOnWindows, KeepsItsMarks) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "a.txt";
+  constexpr DWORD marks = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  writeWholeFile(file, "one");
+  ASSERT_NE(SetFileAttributesW(file.c_str(), marks), 0);
+  writeWholeFile(file, "two");
+  EXPECT_EQ(GetFileAttributesW(file.c_str()) & marks, marks);
+  EXPECT_EQ(readWholeFile(file), "two");
+}
+
+TEST(WholeFileOnWindows, MayBeNamedFromTheCurrentFolder) {
+  const test::TemporaryFolder folder;
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.path());
+  writeWholeFile("a.txt", "one");
+  writeWholeFile("a.txt", "two");
+  fs::current_path(before);
+  EXPECT_EQ(readWholeFile(folder / "a.txt"), "two");
+}
+
+TEST(WholeFileOnWindows, IsNotPutInPlaceOfALinkThatLeadsNowhere) {
+  const test::TemporaryFolder folder;
+  const fs::path link = folder / "link.txt";
+  constexpr DWORD withoutPrivilege = 2;
+  CreateSymbolicLinkW(link.c_str(), (folder / "absent.txt").c_str(), withoutPrivilege);
+  const DWORD attributes = GetFileAttributesW(link.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+    GTEST_SKIP() << "no links to be had here: error " << GetLastError();
+  EXPECT_EQ(writingFailure(link), ERROR_FILE_NOT_FOUND);
+  EXPECT_NE(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
+}
+
 TEST(WholeFileOnWindows, HoldsBytesAsTheyAre) {
   const test::TemporaryFolder folder;
   const std::string bytes("a\nb\r\nc\x1A\0d", 9);
@@ -91,6 +207,10 @@ TEST(WholeFileOnWindows, KeepsALinkOrReplacesItAsItIsTold) {
   writeWholeFile(link, "two");
   EXPECT_NE(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
   EXPECT_EQ(readWholeFile(real), "two");
+  {
+    const test::LockedFile locked(real);
+    EXPECT_EQ(writingFailure(link, real), ERROR_SHARING_VIOLATION);
+  }
   WholeFile file(link, AtLink::replace);
   file.write("three");
   file.commit();

@@ -69,6 +69,15 @@ TEST(EmbeddedFolder, withoutAWorkingFolderIsAFailureInWords) {
   EXPECT_EQ(embeddedFolder(), before / "audit");
 }
 
+TEST(EmbeddedFolder, mayBeginWithTwoSeparators) {
+  const test::TemporaryFolder folder;
+  test::writeAuditDatabase(folder / "D.db", {});
+  // What has a log is opened by an address, in which two of them stand before the name of a server.
+  test::DatabaseWriter(folder / "D.db").run("PRAGMA journal_mode=WAL");
+  const auto connection = openEmbedded("/" + folder.path().string(), "D");
+  EXPECT_EQ(test::answerText(*connection, "SELECT count(*) AS n FROM Korvel_Audit_Trails"), "n\n0\n");
+}
+
 TEST(EmbeddedDatabaseFile, isTheNameWithItsEnding) {
   EXPECT_EQ(embeddedDatabaseFile("/srv/audit", "Korvel_Audit"), "/srv/audit/Korvel_Audit.db");
   EXPECT_EQ(embeddedDatabaseFile("/srv/audit", "Anlage Süd (alt)"), "/srv/audit/Anlage Süd (alt).db");

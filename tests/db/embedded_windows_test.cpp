@@ -9,6 +9,7 @@
 #include "base/whole_file.h"
 #include "db/connection_state.h"
 #include "db/discovery/configured_servers.h"
+#include "db/discovery/network_directory.h"
 #include "db/embedded/embedded_connection.h"
 #include "db/open_connection.h"
 #include "tests/db/audit_database.h"
@@ -37,6 +38,30 @@ TEST(EmbeddedOnWindows, FolderIsAmongTheUsersData) {
   EXPECT_TRUE(utf8FromPath(folder).ends_with("\\korvel\\audit")) << utf8FromPath(folder);
   const EnvironmentVariable named("KORVEL_AUDIT_DATA", "C:\\Prüfpfade");
   EXPECT_EQ(utf8FromPath(embeddedFolder()), "C:\\Prüfpfade");
+}
+
+TEST(EmbeddedOnWindows, FolderMayBeOneOfTheNetwork) {
+  for (const char* folder : {"\\\\server\\share\\audit", "//server/share/audit"}) {
+    const EnvironmentVariable named("KORVEL_AUDIT_DATA", folder);
+    EXPECT_EQ(utf8FromPath(embeddedFolder()), folder);
+  }
+}
+
+TEST(EmbeddedOnWindows, DatabaseOfTheNetworkIsNamedAsItIs) {
+  const auto error = test::errorOf([] { (void)openEmbedded(L"\\\\?\\C:\\absent", "D"); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->textKey(), "db.fileMissing");
+  EXPECT_EQ(error->textArguments().at(0), "\\\\?\\C:\\absent\\D.db");
+}
+
+TEST(EmbeddedOnWindows, DatabasesAreOfferedWhateverTheCaseOfTheirExtension) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "Alt.DB", "");
+  writeWholeFile(folder / "Neu.db", "");
+  const auto found = makeServerDirectory()->databases(utf8FromPath(folder.path()), browserOptions(false));
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found[0].name, "Alt");
+  EXPECT_EQ(found[1].name, "Neu");
 }
 
 TEST(EmbeddedOnWindows, DatabaseFileIsInItsFolder) {

@@ -61,6 +61,25 @@ TEST(DemoFailure, ReplacesWithForceAndDropsTheJournalsOfTheOldFile) {
   EXPECT_EQ(OpenedDatabase(folder / "Korvel_Audit.db").count("true"), 10);
 }
 
+TEST(DemoFailure, ReplacesBothWithForceOrNeither) {
+  const TemporaryFolder folder;
+  for (const char* name : {"Korvel_Audit.db", "Korvel_Audit.db-journal"}) writeWholeFile(folder / name, "old");
+  fs::create_directory(folder / "Korvel_Audit_MU.db");
+  const Error error = errorOf([&] { writeDemoDatabases({.folder = folder.path(), .rows = 10, .force = true}); });
+  EXPECT_NE(error.number(), 0);
+  EXPECT_THAT(error.description(), HasSubstr(utf8FromPath(folder / "Korvel_Audit_MU.db")));
+  for (const char* name : {"Korvel_Audit.db", "Korvel_Audit.db-journal"})
+    EXPECT_EQ(readWholeFile(folder / name), "old") << name;
+}
+
+TEST(DemoFailure, KeepsTheJournalOfAFileThatStays) {
+  const TemporaryFolder folder;
+  writeWholeFile(folder / "D.db-journal", "old");
+  fs::create_directory(folder / "D.db");
+  EXPECT_NE(errorOf([&] { writeDemoDatabase(folder / "D.db", 10, 1); }).number(), 0);
+  EXPECT_EQ(readWholeFile(folder / "D.db-journal"), "old");
+}
+
 TEST(DemoFailure, SaysThatAFolderCannotBeMade) {
   const TemporaryFolder folder;
   writeWholeFile(folder / "file", "");

@@ -50,6 +50,11 @@ TEST_F(OutputsOnWindows, GoIntoTheFolderOfWindows) {
   EXPECT_EQ(readWholeFile(file), "A,B,\r\n1,\xE4\r\n");
 }
 
+TEST_F(OutputsOnWindows, GoToTheRootOfADiskThatStandsAlone) {
+  const test::EnvironmentVariable windir("windir", "D:");
+  EXPECT_EQ(utf8FromPath(exportPath(textExportName)), "D:\\velview.txt");
+}
+
 TEST_F(OutputsOnWindows, WithoutItGoAmongTheUsersData) {
   const test::TemporaryFolder folder;
   const test::EnvironmentVariable windir("windir");

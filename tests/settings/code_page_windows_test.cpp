@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "tests/support/command_output_windows.h"
 
 namespace korvel::settings {
 namespace {
@@ -65,9 +66,12 @@ TEST(WindowsCodePage, MayBeUtf8) {
 }
 
 TEST(WindowsCodePage, OfTheSystemIsNotThatOfTheProcess) {
-  std::array<wchar_t, 8> digits{};
-  ASSERT_GT(GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE, digits.data(), 8), 0);
-  EXPECT_EQ(std::to_wstring(WindowsCodePage::ofTheSystem().number()), digits.data());
+  const std::string noted =
+      test::commandOutput(R"(reg query HKLM\SYSTEM\CurrentControlSet\Control\Nls\CodePage /v ACP)");
+  const std::string type = "REG_SZ";
+  const std::size_t at = noted.find(type);
+  ASSERT_NE(at, std::string::npos) << noted;
+  EXPECT_EQ(WindowsCodePage::ofTheSystem().number(), std::stoul(noted.substr(at + type.size())));
 }
 
 }  // namespace
