@@ -73,10 +73,10 @@ TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
   access_.options.certificateAuthorities = (folder_ / "other.pem").string();
   EXPECT_EQ(connectKey(), "failure.certificate");
   access_.options.certificateAuthorities = (folder_ / "nowhere.pem").string();
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
   writeWholeFile(folder_ / "nonsense.pem", "no certificate");
   access_.options.certificateAuthorities = (folder_ / "nonsense.pem").string();
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
 }
 
 TEST_F(OdbcLogin, refusesACertificateForAnotherHost) {
