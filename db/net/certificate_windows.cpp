@@ -121,6 +121,9 @@ std::string problemOf(const Certificate& certificate, const std::string& host, c
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how the system names its policies
   if (::CertVerifyCertificateChainPolicy(CERT_CHAIN_POLICY_SSL, chain.get(), &policy, &status) == 0)
     return lastMessage();
+  // Not every system's policy minds a chain that ends before an authority.
+  if (status.dwError == 0 && (chain->TrustStatus.dwErrorStatus & CERT_TRUST_IS_PARTIAL_CHAIN) != 0)
+    return systemMessage(static_cast<int>(CERT_E_CHAINING));
   return status.dwError == 0 ? std::string{} : systemMessage(static_cast<int>(status.dwError));
 }
 

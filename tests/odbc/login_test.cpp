@@ -218,7 +218,7 @@ TEST_F(OdbcLogin, noServersNameCanAddWordsOfItsOwn) {
 
 TEST_F(OdbcLogin, noSettingCanAddLinesOfItsOwn) {
   access_.options.certificateAuthorities = "x\n\thost = elsewhere";
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
   access_.options.certificateAuthorities.clear();
   access_.options.trustServerCertificate = true;
   access_.options.driver = "FreeTDS};UID=evil;x={";
