@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "cli/interruption.h"
+#include "cli/interruption_windows.h"
 
 namespace korvel::cli {
 
@@ -19,8 +20,9 @@ std::atomic<bool>& ended() noexcept {
   return flag;
 }
 
-/// Runs in a thread of its own.
-BOOL WINAPI note(DWORD event) {
+}  // namespace
+
+BOOL WINAPI noteConsoleEvent(DWORD event) {
   const bool wasNoted = noted().exchange(true);
   if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return wasNoted ? FALSE : TRUE;
   // The window is closed, or the session: the process is gone as soon as this returns, or after a few seconds.
@@ -28,20 +30,19 @@ BOOL WINAPI note(DWORD event) {
   return TRUE;
 }
 
-}  // namespace
-
 struct Interruption::Before {};
 
 Interruption::Interruption() {
   noted() = false;
   ended() = false;
-  SetConsoleCtrlHandler(note, TRUE);
+  SetConsoleCtrlHandler(noteConsoleEvent, TRUE);
 }
 
 Interruption::~Interruption() {
-  SetConsoleCtrlHandler(note, FALSE);
+  // First: the system removes no handler while one runs, and this one waits for us.
   ended() = true;
   ended().notify_all();
+  SetConsoleCtrlHandler(noteConsoleEvent, FALSE);
 }
 
 bool Interruption::requested() noexcept {

@@ -2,9 +2,11 @@
 // entries as values.
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
+#include "base/text.h"
 #include "base/wide_text_windows.h"
 #include "db/discovery/configured_servers.h"
 
@@ -17,9 +19,10 @@ struct CloseKey {
 };
 using Key = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
 
-Key opened(HKEY above, const wchar_t* path) {
+/// `half` says whether the entries of programs of 64 or of 32 bits are meant, where the system keeps them apart.
+Key opened(HKEY above, const wchar_t* path, REGSAM half = 0) {
   HKEY key = nullptr;
-  return Key(RegOpenKeyExW(above, path, 0, KEY_READ, &key) == ERROR_SUCCESS ? key : nullptr);
+  return Key(RegOpenKeyExW(above, path, 0, KEY_READ | half, &key) == ERROR_SUCCESS ? key : nullptr);
 }
 
 /// A line of the section for a value that is a text of one line; nothing for others.
@@ -35,9 +38,17 @@ std::string lineOf(HKEY key, const wchar_t* name) {
   return utf8FromWide(name) + "=" + utf8FromWide(text) + "\n";
 }
 
-std::string sectionsBelow(HKEY root) {
+struct Sources {
+  HKEY root;
+  REGSAM half;
+};
+/// Plants run many a program of 32 bits, whose data sources the machine keeps apart; those of a user are the same.
+const std::array<Sources, 3> allSources = {
+    {{HKEY_CURRENT_USER, 0}, {HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY}, {HKEY_LOCAL_MACHINE, KEY_WOW64_32KEY}}};
+
+std::string sectionsBelow(const Sources& where) {
   constexpr std::size_t longestKeyName = 256;
-  const Key sources = opened(root, L"SOFTWARE\\ODBC\\ODBC.INI");
+  const Key sources = opened(where.root, L"SOFTWARE\\ODBC\\ODBC.INI", where.half);
   std::string sections;
   if (!sources) return sections;
   std::array<wchar_t, longestKeyName> name{};
@@ -56,8 +67,14 @@ std::string sectionsBelow(HKEY root) {
 
 std::vector<std::string> configuredServers() {
   std::vector<std::string> servers;
-  for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
-    for (std::string& server : serversOfOdbcConfiguration(sectionsBelow(root))) servers.push_back(std::move(server));
+  for (const Sources& sources : allSources) {
+    for (std::string& server : serversOfOdbcConfiguration(sectionsBelow(sources))) {
+      const bool isKnown = std::any_of(servers.begin(), servers.end(), [&](const std::string& known) {
+        return equalsIgnoringAsciiCase(known, server);
+      });
+      if (!isKnown) servers.push_back(std::move(server));
+    }
+  }
   return servers;
 }
 

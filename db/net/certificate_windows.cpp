@@ -12,6 +12,7 @@
 #include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "base/wide_text_windows.h"
+#include "db/net/authorities.h"
 
 namespace korvel::db::net {
 
@@ -37,29 +38,32 @@ std::string lastMessage() {
   return systemMessage(static_cast<int>(::GetLastError()));
 }
 
-/// The certificates of a file, each between its two lines. A file that cannot be read has none.
-void addCertificates(HCERTSTORE store, const std::string& file) {
+/// Adds the certificates of a file, each between its two lines, and says how many. A file that cannot be read has none.
+int addCertificates(HCERTSTORE store, const std::string& file) {
   constexpr std::string_view begin = "-----BEGIN CERTIFICATE-----";
   constexpr std::string_view end = "-----END CERTIFICATE-----";
   std::string text;
   try {
     text = readWholeFile(pathFromUtf8(file));
   } catch (const Error&) {
-    return;
+    return 0;
   }
+  int added = 0;
   std::string_view rest = text;
   for (;;) {
     const auto from = rest.find(begin);
-    if (from == std::string_view::npos) return;
+    if (from == std::string_view::npos) return added;
     const auto to = rest.find(end, from);
-    if (to == std::string_view::npos) return;
+    if (to == std::string_view::npos) return added;
     const std::string_view one = rest.substr(from, to + end.size() - from);
     rest.remove_prefix(to + end.size());
     std::vector<BYTE> bytes(one.size());
     auto size = static_cast<DWORD>(bytes.size());
     if (::CryptStringToBinaryA(one.data(), static_cast<DWORD>(one.size()), CRYPT_STRING_BASE64HEADER, bytes.data(),
-                               &size, nullptr, nullptr) != 0)
-      ::CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, bytes.data(), size, CERT_STORE_ADD_ALWAYS, nullptr);
+                               &size, nullptr, nullptr) != 0 &&
+        ::CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, bytes.data(), size, CERT_STORE_ADD_ALWAYS,
+                                           nullptr) != 0)
+      ++added;
   }
 }
 
@@ -67,7 +71,8 @@ void addCertificates(HCERTSTORE store, const std::string& file) {
 Engine engineFor(const std::string& file) {
   const Store roots(::CertOpenStore(CERT_STORE_PROV_MEMORY, 0, 0, 0, nullptr));
   if (!roots) return nullptr;
-  addCertificates(roots.get(), file);
+  // Nobody promises that an engine with no roots at all trusts none.
+  if (addCertificates(roots.get(), file) == 0) refuseAuthorities(file);
   CERT_CHAIN_ENGINE_CONFIG config{};
   // Without the last member, which older systems do not know.
   config.cbSize = offsetof(CERT_CHAIN_ENGINE_CONFIG, dwExclusiveFlags);
@@ -116,6 +121,9 @@ std::string problemOf(const Certificate& certificate, const std::string& host, c
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how the system names its policies
   if (::CertVerifyCertificateChainPolicy(CERT_CHAIN_POLICY_SSL, chain.get(), &policy, &status) == 0)
     return lastMessage();
+  // Not every system's policy minds a chain that ends before an authority.
+  if (status.dwError == 0 && (chain->TrustStatus.dwErrorStatus & CERT_TRUST_IS_PARTIAL_CHAIN) != 0)
+    return systemMessage(static_cast<int>(CERT_E_CHAINING));
   return status.dwError == 0 ? std::string{} : systemMessage(static_cast<int>(status.dwError));
 }
 

@@ -28,6 +28,9 @@ void startSockets() noexcept {
   (void)started;
 }
 
+/// SIO_UDP_NETRESET, which the compiler's headers lack.
+constexpr DWORD udpNetReset = _WSAIOW(IOC_VENDOR, 15);
+
 SOCKET socketOf(const Socket& socket) noexcept {
   return static_cast<SOCKET>(socket.handle());
 }
@@ -82,11 +85,13 @@ Socket openSocket(int family, SocketKind kind, int& error) noexcept {
 void speakToEverybody(const Socket& socket) noexcept {
   const BOOL on = TRUE;
   ::setsockopt(socketOf(socket), SOL_SOCKET, SO_BROADCAST, reinterpret_cast<const char*>(&on), sizeof on);
-  // One port where nobody listens would otherwise be told in the place of the next answer.
-  BOOL tellRefusals = FALSE;
-  DWORD returned = 0;
-  ::WSAIoctl(socketOf(socket), SIO_UDP_CONNRESET, &tellRefusals, sizeof tellRefusals, nullptr, 0, &returned, nullptr,
-             nullptr);
+  // One port where nobody listens, or one question that died on its way, would otherwise be told in the place of the
+  // next answer.
+  for (const DWORD tellings : {DWORD{SIO_UDP_CONNRESET}, udpNetReset}) {
+    BOOL tell = FALSE;
+    DWORD returned = 0;
+    ::WSAIoctl(socketOf(socket), tellings, &tell, sizeof tell, nullptr, 0, &returned, nullptr, nullptr);
+  }
 }
 
 CallResult startConnect(const Socket& socket, const Endpoint& endpoint) noexcept {

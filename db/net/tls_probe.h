@@ -14,10 +14,10 @@ struct TlsAnswer {
 
 /// Shakes hands with a server that has just answered the pre-login, and looks at the certificate it shows: who issued
 /// it, until when, for which host. Drivers check it too, but keep the reason to themselves. `authorities` is a file of
-/// certificates to trust, empty for the system's own; one that cannot be read trusts nobody. The handshake travels
-/// inside packets of the protocol, as do all words before the login. Nothing is sent over the connection afterwards.
-/// Throws Error where no encryption comes about: a timeout, a closed connection, two sides that have no method in
-/// common.
+/// certificates to trust, empty for the system's own. The handshake travels inside packets of the protocol, as do all
+/// words before the login. Nothing is sent over the connection afterwards. Throws Error where no encryption comes
+/// about: a timeout, a closed connection, two sides that have no method in common; and, with a sentence of its own, for
+/// a file in which no certificate can be read.
 [[nodiscard]] TlsAnswer shakeHands(const Socket& socket, const std::string& host, const std::string& authorities,
                                    const Deadline& deadline);
 

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "base/error.h"
+#include "db/net/authorities.h"
 #include "db/net/packet.h"
 
 namespace korvel::db::net {
@@ -41,8 +42,8 @@ Context makeContext(const std::string& authorities) {
   SSL_CTX_set_verify(context.get(), SSL_VERIFY_NONE, nullptr);  // the handshake goes on, the result is asked for below
   const int loaded = authorities.empty() ? SSL_CTX_set_default_verify_paths(context.get())
                                          : SSL_CTX_load_verify_file(context.get(), authorities.c_str());
-  // A file that cannot be read trusts nobody; the result of the check then says so.
   if (loaded != 1) ERR_clear_error();
+  if (loaded != 1 && !authorities.empty()) refuseAuthorities(authorities);
   return context;
 }
 

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "base/whole_file.h"
 #include "db/odbc/driver_configuration.h"
+#include "db/odbc/driver_platform.h"
 
 namespace korvel::db::odbc {
 
@@ -23,6 +24,10 @@ void setVariable(const char* value) noexcept {
 }
 
 }  // namespace
+
+const DriverPlatform& driverPlatform() noexcept {
+  return posixDrivers;
+}
 
 DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
   if (!needsConfiguration(request)) return;

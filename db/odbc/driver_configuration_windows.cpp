@@ -1,9 +1,15 @@
 #include "db/odbc/driver_configuration.h"
 
+#include "db/odbc/driver_platform.h"
+
 namespace korvel::db::odbc {
 
-// The drivers of this system check certificates by themselves. FreeTDS, where somebody chose it, finds no section for
-// the server and refuses to log in unless the settings trust every certificate.
+const DriverPlatform& driverPlatform() noexcept {
+  return windowsDrivers;
+}
+
+// The drivers of this system check certificates by themselves. FreeTDS, where somebody chose it, cannot be told to:
+// driverText() refuses what it would need a configuration for.
 DriverConfiguration::DriverConfiguration(const LoginRequest& /*request*/) {}
 
 DriverConfiguration::~DriverConfiguration() = default;

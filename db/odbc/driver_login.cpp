@@ -39,9 +39,12 @@ std::string joined(const Attributes& attributes) {
   return text;
 }
 
-Attributes freeTdsAttributes(const LoginRequest& request) {
+Attributes freeTdsAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   Attributes attributes;
   if (needsConfiguration(request)) {
+    // Without our section it would read somebody else's, which may ask for less, or trust everybody.
+    if (!platform.givesConfiguration)
+      throw settings::explainedError(invalidParameter, "failure.driverChecksNothing", {request.driver.name});
     attributes.emplace_back("Servername", request.address.host);
   } else {
     // Host and port apart: together they would leave a NUL in the server name of the login.
@@ -54,25 +57,28 @@ Attributes freeTdsAttributes(const LoginRequest& request) {
   return attributes;
 }
 
-Attributes commonVendorAttributes(const LoginRequest& request) {
+Attributes commonVendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   const ConnectionOptions& options = request.options;
   // This driver knows the system's authorities only, and would refuse the server without a word about the setting.
   if (options.encrypt && !options.trustServerCertificate && !options.certificateAuthorities.empty())
-    throw settings::explainedError(invalidParameter, "failure.authoritiesNotForDriver", {request.driver.name});
+    throw settings::explainedError(
+        invalidParameter,
+        platform.givesConfiguration ? "failure.authoritiesNotForDriver" : "failure.authoritiesNotForSystem",
+        {request.driver.name});
   return {{"Server", request.address.host + "," + std::to_string(request.address.port)},
           {"Encrypt", options.encrypt ? "yes" : "no"}};
 }
 
-Attributes vendorAttributes(const LoginRequest& request) {
-  Attributes attributes = commonVendorAttributes(request);
+Attributes vendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
+  Attributes attributes = commonVendorAttributes(request, platform);
   attributes.emplace_back("TrustServerCertificate", request.options.trustServerCertificate ? "yes" : "no");
   return attributes;
 }
 
 /// Without a choice about certificates: it always checks the one that it encrypts with. Named pipes, which it might
 /// try, have no port.
-Attributes oldVendorAttributes(const LoginRequest& request) {
-  Attributes attributes = commonVendorAttributes(request);
+Attributes oldVendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
+  Attributes attributes = commonVendorAttributes(request, platform);
   attributes.emplace_back("Network", "DBMSSOCN");
   return attributes;
 }
@@ -80,24 +86,28 @@ Attributes oldVendorAttributes(const LoginRequest& request) {
 /// The words of each family.
 struct Words {
   DriverFamily family;
-  Attributes (*of)(const LoginRequest& request);
+  Attributes (*of)(const LoginRequest& request, const DriverPlatform& platform);
 };
 constexpr std::array<Words, 3> words = {{{DriverFamily::vendor, vendorAttributes},
                                          {DriverFamily::oldVendor, oldVendorAttributes},
                                          {DriverFamily::freeTds, freeTdsAttributes}}};
 
-Attributes attributesOf(const LoginRequest& request) {
+Attributes attributesOf(const LoginRequest& request, const DriverPlatform& platform) {
   const auto* const found = std::find_if(words.begin(), words.end(),
                                          [&](const Words& entry) { return entry.family == request.driver.family; });
-  return found->of(request);
+  return found->of(request, platform);
 }
 
 }  // namespace
 
 std::string driverText(const LoginRequest& request) {
+  return driverTextOn(driverPlatform(), request);
+}
+
+std::string driverTextOn(const DriverPlatform& platform, const LoginRequest& request) {
   if (toUtf16(request.database).size() > longestName)
     throw settings::explainedError(invalidParameter, "failure.notInConnection", {request.database});
-  Attributes attributes = attributesOf(request);
+  Attributes attributes = attributesOf(request, platform);
   attributes.insert(attributes.begin(), {"Driver", request.driver.name});
   if (!request.database.empty()) attributes.emplace_back("Database", request.database);
   attributes.emplace_back("Trusted_Connection", "yes");

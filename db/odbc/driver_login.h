@@ -4,6 +4,7 @@
 
 #include "db/odbc/connection_options.h"
 #include "db/odbc/driver_family.h"
+#include "db/odbc/driver_platform.h"
 #include "db/odbc/server_address.h"
 
 namespace korvel::db::odbc {
@@ -19,8 +20,11 @@ struct LoginRequest {
 
 /// The text that the driver manager connects with: the running user's own login, never a name or a password. The one
 /// place that knows the words of each driver. Values stand in braces, so that none can add words of its own; throws
-/// Error for one that braces cannot hold, and for authorities that the driver would not heed.
+/// Error for one that braces cannot hold, for authorities that the driver would not heed, and for a certificate that it
+/// would not check.
 [[nodiscard]] std::string driverText(const LoginRequest& request);
+/// The same on a system of these drivers.
+[[nodiscard]] std::string driverTextOn(const DriverPlatform& platform, const LoginRequest& request);
 
 /// Whether this driver checks certificates only when a configuration file tells it to.
 [[nodiscard]] bool needsConfiguration(const LoginRequest& request);

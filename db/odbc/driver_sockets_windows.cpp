@@ -14,6 +14,9 @@ namespace korvel::db::odbc {
 
 namespace {
 
+/// The system promises nothing about the upper half of a port.
+constexpr DWORD portBits = 0xFFFF;
+
 /// A connection as the system's table names it: by both of its ends, in network order.
 struct Ends {
   DWORD localAddress = 0;
@@ -45,8 +48,8 @@ std::vector<Ends> connectionsTo(std::uint16_t port) {
   if (result != NO_ERROR || bytes.size() < sizeof(MIB_TCPTABLE_OWNER_PID)) return found;
   const auto* const table = reinterpret_cast<const MIB_TCPTABLE_OWNER_PID*>(bytes.data());
   for (const MIB_TCPROW_OWNER_PID& row : std::span(table->table, table->dwNumEntries))
-    if (row.dwOwningPid == ::GetCurrentProcessId() && row.dwRemotePort == ::htons(port))
-      found.push_back({row.dwLocalAddr, row.dwLocalPort, row.dwRemoteAddr, row.dwRemotePort});
+    if (row.dwOwningPid == ::GetCurrentProcessId() && (row.dwRemotePort & portBits) == ::htons(port))
+      found.push_back({row.dwLocalAddr, row.dwLocalPort & portBits, row.dwRemoteAddr, row.dwRemotePort & portBits});
   return found;
 }
 

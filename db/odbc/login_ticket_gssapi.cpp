@@ -116,12 +116,13 @@ void getTicket(const std::string& servicePrincipal) {
 
 }  // namespace
 
-void requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
+TicketState requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
   // The login library waits for silent login services as long as it likes.
   std::future<void> answer = net::runBeside([servicePrincipal] { getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
     throw settings::explainedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
   answer.get();
+  return TicketState::valid;
 }
 
 }  // namespace korvel::db::odbc

@@ -2,8 +2,9 @@
 
 namespace korvel::db::odbc {
 
-void requireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
+TicketState requireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
   // Who has signed in to Windows can prove it, by a ticket or otherwise; the driver leaves the choice to the system.
+  return TicketState::leftToSystem;
 }
 
 }  // namespace korvel::db::odbc

@@ -5,40 +5,9 @@
 #include <algorithm>
 #include <array>
 
-#include "base/text.h"
 #include "db/odbc/odbc_text.h"
-#include "settings/explained_error.h"
 
 namespace korvel::db::odbc {
-
-namespace {
-
-constexpr std::int32_t driverNotFound = 126;
-
-struct KnownDriver {
-  std::string_view name;
-  DriverFamily family;
-};
-
-/// Best first.
-constexpr std::array<KnownDriver, 4> knownDrivers = {{{"ODBC Driver 18 for SQL Server", DriverFamily::vendor},
-                                                      {"ODBC Driver 17 for SQL Server", DriverFamily::vendor},
-                                                      {"FreeTDS", DriverFamily::freeTds},
-                                                      {"SQL Server", DriverFamily::oldVendor}}};
-
-bool contains(std::string_view text, std::string_view part) {
-  return caseFolded(text).find(part) != std::string::npos;
-}
-
-/// The family of a driver that nobody has told us of, by its name or its file's.
-DriverFamily familyOf(std::string_view driver) {
-  for (const auto& known : knownDrivers)
-    if (equalsIgnoringAsciiCase(driver, known.name)) return known.family;
-  const bool freeTds = contains(driver, "freetds") || contains(driver, "tdsodbc");
-  return freeTds ? DriverFamily::freeTds : DriverFamily::vendor;
-}
-
-}  // namespace
 
 std::vector<std::string> installedDrivers(const Environment& environment) {
   std::vector<std::string> names;
@@ -54,18 +23,6 @@ std::vector<std::string> installedDrivers(const Environment& environment) {
     const auto units = std::min<std::size_t>(static_cast<std::size_t>(nameLength), name.size() - 1);
     names.push_back(toUtf8({reinterpret_cast<const char16_t*>(name.data()), units}));
   }
-}
-
-Driver chooseDriver(const std::vector<std::string>& installed, std::string_view wanted) {
-  if (!wanted.empty()) {
-    return {std::string(wanted), familyOf(wanted)};
-  }
-  for (const auto& known : knownDrivers) {
-    const auto found = std::find_if(installed.begin(), installed.end(),
-                                    [&](const std::string& name) { return equalsIgnoringAsciiCase(name, known.name); });
-    if (found != installed.end()) return {*found, known.family};
-  }
-  throw settings::explainedError(driverNotFound, "failure.noDriver");
 }
 
 }  // namespace korvel::db::odbc

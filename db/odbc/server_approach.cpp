@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "db/odbc/driver_choice.h"
 #include "db/odbc/odbc_connection.h"
 #include "db/odbc/odbc_drivers.h"
 #include "db/odbc/odbc_failures.h"
@@ -81,13 +82,13 @@ void ServerApproach::encrypt() {
   socket_.reset();
 }
 
-void ServerApproach::proveUser() {
-  access_.requireTicket(servicePrincipal_, deadline_);
+TicketState ServerApproach::proveUser() {
+  return access_.requireTicket(servicePrincipal_, deadline_);
 }
 
 std::unique_ptr<Connection> ServerApproach::logIn(const std::string& database) {
   LoginRequest request;
-  request.driver = chooseDriver(installedDrivers(makeEnvironment()), access_.options.driver);
+  request.driver = chooseDriver(installedDrivers(makeEnvironment()), access_.options.driver, driverPlatform());
   request.address = address_;
   request.database = database;
   request.servicePrincipal = servicePrincipal_;

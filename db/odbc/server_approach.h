@@ -24,7 +24,8 @@ struct ServerAccess {
   ConnectionOptions options;
   ResolutionClient resolver;
   // Tests without a login service put something else in the place of these two.
-  std::function<void(const std::string& servicePrincipal, const net::Deadline&)> requireTicket = odbc::requireTicket;
+  std::function<TicketState(const std::string& servicePrincipal, const net::Deadline&)> requireTicket =
+      odbc::requireTicket;
   std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
   /// Told what happens on the connections that are opened; on the thread that uses them.
   ServerListener onEvent;
@@ -48,8 +49,8 @@ class ServerApproach {
   void greet();
   /// Shakes hands and looks at the certificate, where the options ask for it.
   void encrypt();
-  /// Makes sure that the running user can prove who he is.
-  void proveUser();
+  /// Makes sure that the running user can prove who he is, where the system does not see to that.
+  TicketState proveUser();
   /// Logs in. `database` may be empty.
   [[nodiscard]] std::unique_ptr<Connection> logIn(const std::string& database);
 

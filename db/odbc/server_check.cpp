@@ -178,7 +178,8 @@ std::vector<CheckStep> checkNetworkServer(const std::string& server, const std::
                      return encryptionFound(approach, access.options);
                    }});
   steps.push_back({"ticket", [&] {
-                     approach.proveUser();
+                     if (approach.proveUser() == odbc::TicketState::leftToSystem)
+                       return Found{"check.ticket.leftToSystem", {}};
                      return Found{"check.ticket.found", {approach.servicePrincipal()}};
                    }});
   steps.push_back({"login", [&] {

@@ -2,14 +2,20 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <csignal>
+#include <future>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "base/paths.h"
 #include "base/whole_file.h"
 #include "base/wide_text_windows.h"
 #include "cli/console_buffer_windows.h"
 #include "cli/exit_status.h"
+#include "cli/interruption.h"
+#include "cli/interruption_windows.h"
 #include "cli/output_target.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
@@ -49,6 +55,20 @@ TEST(ProgramOnWindows, WritesThroughADevice) {
   EXPECT_EQ(test::runTool({"sql", "--server", utf8FromPath(folder.path()), "--output", "NUL", "select 1 as a"}).status,
             exitDone);
   EXPECT_FALSE(isTerminal("NUL", std::cout));
+}
+
+TEST(InterruptionOnWindows, HoldsTheEndOfTheWindowUntilTheWorkHasEnded) {
+  std::atomic<bool> workHasEnded{false};
+  std::optional<Interruption> interruption(std::in_place);
+  // As the system does it, in a thread of its own.
+  auto handler = std::async(std::launch::async, [&] {
+    const BOOL isHandled = noteConsoleEvent(CTRL_CLOSE_EVENT);
+    return isHandled != 0 && workHasEnded;
+  });
+  while (!Interruption::requested()) SwitchToThread();
+  workHasEnded = true;
+  interruption.reset();
+  EXPECT_TRUE(handler.get());
 }
 
 TEST(ConsoleBuffer, NeverWritesHalfACharacter) {

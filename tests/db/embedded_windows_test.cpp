@@ -2,6 +2,7 @@
 #include <sqlite3.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <optional>
 
 #include "base/error.h"
@@ -98,21 +99,62 @@ TEST(EmbeddedOnWindows, SaysWhereAnotherProgramKeepsTheFileToItself) {
   EXPECT_NE(error->description().find(utf8FromPath(folder / "D.db")), std::string::npos) << error->description();
 }
 
-TEST(ConfiguredServersOnWindows, AreThoseOfTheUsersDataSources) {
-  const std::wstring path = L"SOFTWARE\\ODBC\\ODBC.INI\\KorvelTestSource";
-  HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr),
-            ERROR_SUCCESS);
-  const auto set = [key](const wchar_t* name, const std::wstring& value) {
-    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                   static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-  };
-  set(L"Driver", L"C:\\Windows\\system32\\msodbcsql18.dll");
-  set(L"Server", L"PLANTSRV\\AUDIT");
-  RegCloseKey(key);
+/// A data source in the registry, removed with the object.
+class DataSource {
+ public:
+  DataSource(HKEY root, const std::wstring& server, REGSAM half = 0) : root_(root), half_(half) {
+    HKEY key = nullptr;
+    isThere_ = RegCreateKeyExW(root, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | half, nullptr, &key, nullptr) ==
+               ERROR_SUCCESS;
+    if (!isThere_) return;
+    const auto set = [key](const wchar_t* name, const std::wstring& value) {
+      RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                     static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    };
+    set(L"Driver", L"C:\\Windows\\system32\\msodbcsql18.dll");
+    set(L"Server", server);
+    RegCloseKey(key);
+  }
+  ~DataSource() {
+    if (isThere_) RegDeleteKeyExW(root_, path_.c_str(), half_, 0);
+  }
+  DataSource(const DataSource&) = delete;
+  DataSource& operator=(const DataSource&) = delete;
+
+  [[nodiscard]] bool isThere() const { return isThere_; }
+
+ private:
+  HKEY root_;
+  REGSAM half_;
+  std::wstring path_ = L"SOFTWARE\\ODBC\\ODBC.INI\\KorvelTestSource";
+  bool isThere_ = false;
+};
+
+auto timesConfigured(const std::string& server) {
   const auto servers = configuredServers();
-  RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
-  EXPECT_NE(std::find(servers.begin(), servers.end(), "PLANTSRV\\AUDIT"), servers.end());
+  return std::count(servers.begin(), servers.end(), server);
+}
+
+TEST(ConfiguredServersOnWindows, AreThoseOfTheUsersDataSources) {
+  const DataSource source(HKEY_CURRENT_USER, L"PLANTSRV\\AUDIT");
+  ASSERT_TRUE(source.isThere());
+  EXPECT_EQ(timesConfigured("PLANTSRV\\AUDIT"), 1);
+}
+
+TEST(ConfiguredServersOnWindows, AreAlsoThoseOfTheMachinesProgramsOf32Bits) {
+  const DataSource source(HKEY_LOCAL_MACHINE, L"PLANTSRV\\AUDIT32", KEY_WOW64_32KEY);
+  if (!source.isThere()) GTEST_SKIP() << "only administrators give the machine data sources";
+  EXPECT_EQ(timesConfigured("PLANTSRV\\AUDIT32"), 1);
+}
+
+TEST(ConfiguredServersOnWindows, AreNamedOnce) {
+  const DataSource users(HKEY_CURRENT_USER, L"PLANTSRV\\AUDIT");
+  const DataSource machines(HKEY_LOCAL_MACHINE, L"PLANTSRV\\AUDIT", KEY_WOW64_64KEY);
+  const DataSource ofOldPrograms(HKEY_LOCAL_MACHINE, L"plantsrv\\audit", KEY_WOW64_32KEY);
+  if (!machines.isThere() || !ofOldPrograms.isThere())
+    GTEST_SKIP() << "only administrators give the machine data sources";
+  EXPECT_EQ(timesConfigured("PLANTSRV\\AUDIT"), 1);
+  EXPECT_EQ(timesConfigured("plantsrv\\audit"), 0);
 }
 
 }  // namespace

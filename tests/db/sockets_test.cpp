@@ -117,8 +117,13 @@ TEST(Hosts, thatNobodyKnowsAreAnErrorWithItsReason) {
 }
 
 TEST(Hosts, areNotWaitedForBeyondTheDeadline) {
-  const auto error = errorOf([] { (void)resolveHost("no-such-computer.invalid", 1, Deadline(0ms)); });
+  // A busy machine may let the answer come first once in a while.
+  constexpr int mostAttempts = 20;
+  std::optional<Error> error;
+  for (int i = 0; i < mostAttempts && !(error && isTimeout(error->number())); ++i)
+    error = errorOf([] { (void)resolveHost("no-such-computer.invalid", 1, Deadline(0ms)); });
   ASSERT_TRUE(error);
+  EXPECT_TRUE(isTimeout(error->number())) << error->number() << ' ' << error->description();
 }
 
 TEST(DatagramSockets, hearTheirAnswer) {

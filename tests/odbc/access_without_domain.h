@@ -12,7 +12,7 @@ namespace korvel::test {
 /// and a password.
 inline db::odbc::ServerAccess accessWithoutDomain() {
   db::odbc::ServerAccess access;
-  access.requireTicket = [](const std::string&, const db::net::Deadline&) {};
+  access.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
   access.driverText = [](const db::odbc::LoginRequest& request) {
     return replaceAll(db::odbc::driverText(request), "Trusted_Connection={yes};", "UID={reader};PWD={secret};");
   };

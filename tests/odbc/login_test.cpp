@@ -73,10 +73,10 @@ TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
   access_.options.certificateAuthorities = (folder_ / "other.pem").string();
   EXPECT_EQ(connectKey(), "failure.certificate");
   access_.options.certificateAuthorities = (folder_ / "nowhere.pem").string();
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
   writeWholeFile(folder_ / "nonsense.pem", "no certificate");
   access_.options.certificateAuthorities = (folder_ / "nonsense.pem").string();
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
 }
 
 TEST_F(OdbcLogin, refusesACertificateForAnotherHost) {
@@ -218,7 +218,7 @@ TEST_F(OdbcLogin, noServersNameCanAddWordsOfItsOwn) {
 
 TEST_F(OdbcLogin, noSettingCanAddLinesOfItsOwn) {
   access_.options.certificateAuthorities = "x\n\thost = elsewhere";
-  EXPECT_EQ(connectKey(), "failure.certificate");
+  EXPECT_EQ(connectKey(), "failure.noAuthorities");
   access_.options.certificateAuthorities.clear();
   access_.options.trustServerCertificate = true;
   access_.options.driver = "FreeTDS};UID=evil;x={";

@@ -77,6 +77,13 @@ TEST_F(ServerCheck, goesTheWholeWay) {
   EXPECT_THAT(peer_.record().complaints, IsEmpty());
 }
 
+TEST_F(ServerCheck, claimsNoTicketThatNobodyLookedAt) {
+  access_.requireTicket = [](const std::string&, const db::net::Deadline&) {
+    return db::odbc::TicketState::leftToSystem;
+  };
+  EXPECT_THAT(printed(check(), true), HasSubstr("\nok ticket: left to Windows at login\nok login: accepted\n"));
+}
+
 TEST_F(ServerCheck, endsWithTheLoginWhereNoDatabaseIsNamed) {
   EXPECT_EQ(printed(check("")), "ok name\nok port\nok protocol\nok encryption\nok ticket\nok login\n");
 }
@@ -108,11 +115,11 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
   EXPECT_EQ(failure(), "encryption failure.certificate");
   access_.options.certificateAuthorities = authorities;
 
-  access_.requireTicket = [](const std::string& principal, const db::net::Deadline&) {
+  access_.requireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::TicketState {
     throw settings::explainedError(18452, "failure.noTicket", {principal});
   };
   EXPECT_EQ(failure(), "ticket failure.noTicket");
-  access_.requireTicket = [](const std::string&, const db::net::Deadline&) {};
+  access_.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
 
   peer_.refuseLogin({{18456, "Login failed.", 14}});
   EXPECT_EQ(failure(), "login failure.loginRefused");

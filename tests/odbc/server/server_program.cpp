@@ -60,15 +60,10 @@ int serve(const std::filesystem::path& folder) {
   peer.answerOthers(answerTo);
 
   const std::string authorities = (folder / "authorities.pem").string();
-  const std::string drivers = (folder / "freetds.conf").string();
   writeWholeFile(authorities, peer.certificatePem());
-  writeWholeFile(drivers, "[localhost]\n\thost = localhost\n\tport = " + port +
-                              "\n\ttds version = 7.4\n\tencryption = require\n\tca file = " + authorities +
-                              "\n\tcheck certificate hostname = yes\n");
   writeWholeFile(folder / "surroundings", "export KORVEL_TEST_SERVER=localhost," + port + "\nexport KRB5_CONFIG='" +
                                               (realm.ticketCache().parent_path() / "krb5.conf").string() +
-                                              "'\nexport KRB5CCNAME='FILE:" + realm.ticketCache().string() +
-                                              "'\nexport FREETDSCONF='" + drivers + "'\n");
+                                              "'\nexport KRB5CCNAME='FILE:" + realm.ticketCache().string() + "'\n");
   while (std::getchar() != EOF) {
   }
   return 0;

@@ -1,15 +1,20 @@
-#include "db/odbc/connection_options.h"
 #include "db/odbc/driver_login.h"
-#include "db/odbc/odbc_drivers.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "db/odbc/driver_choice.h"
 #include "db/odbc/server_address.h"
-#include "settings/registry_file.h"
-#include "tests/odbc/wire.h"
+#include "tests/db/collected_answer.h"
 
 namespace korvel::db {
 namespace {
 
-using namespace std::chrono_literals;
 using odbc::DriverFamily;
+using odbc::posixDrivers;
+using odbc::windowsDrivers;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -55,31 +60,31 @@ odbc::LoginRequest request(DriverFamily family) {
 
 TEST(DriverText, ofTheVendorsDriver) {
   odbc::LoginRequest vendor = request(DriverFamily::vendor);
-  EXPECT_EQ(driverText(vendor),
+  EXPECT_EQ(driverTextOn(posixDrivers, vendor),
             "Driver={ODBC Driver 18 for SQL Server};Server={auditsrv.plant,1444};Encrypt={yes};"
             "TrustServerCertificate={no};Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
   vendor.options.trustServerCertificate = true;
-  EXPECT_THAT(driverText(vendor), HasSubstr("Encrypt={yes};TrustServerCertificate={yes};"));
+  EXPECT_THAT(driverTextOn(posixDrivers, vendor), HasSubstr("Encrypt={yes};TrustServerCertificate={yes};"));
   vendor.options.encrypt = false;
-  EXPECT_THAT(driverText(vendor), HasSubstr("Encrypt={no};"));
+  EXPECT_THAT(driverTextOn(posixDrivers, vendor), HasSubstr("Encrypt={no};"));
   EXPECT_FALSE(needsConfiguration(vendor));
 }
 
 TEST(DriverText, ofTheDriverThatEveryWindowsHas) {
   odbc::LoginRequest old = request(DriverFamily::oldVendor);
   old.driver.name = "SQL Server";
-  EXPECT_EQ(driverText(old),
+  EXPECT_EQ(driverTextOn(windowsDrivers, old),
             "Driver={SQL Server};Server={auditsrv.plant,1444};Encrypt={yes};Network={DBMSSOCN};"
             "Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
   old.options.trustServerCertificate = true;
-  EXPECT_THAT(driverText(old), Not(HasSubstr("TrustServerCertificate")));
+  EXPECT_THAT(driverTextOn(windowsDrivers, old), Not(HasSubstr("TrustServerCertificate")));
   EXPECT_FALSE(needsConfiguration(old));
 }
 
 TEST(DriverText, ofFreeTds) {
   odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
   EXPECT_TRUE(needsConfiguration(freeTds));
-  EXPECT_EQ(driverText(freeTds),
+  EXPECT_EQ(driverTextOn(posixDrivers, freeTds),
             "Driver={FreeTDS};Servername={auditsrv.plant};ServerSPN={MSSQLSvc/auditsrv.plant:1444};"
             "Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
   EXPECT_EQ(freeTdsConfiguration(freeTds),
@@ -87,22 +92,23 @@ TEST(DriverText, ofFreeTds) {
             "\tca file = system\n\tcheck certificate hostname = yes\n");
   freeTds.options.trustServerCertificate = true;
   EXPECT_FALSE(needsConfiguration(freeTds));
-  EXPECT_EQ(driverText(freeTds),
+  EXPECT_EQ(driverTextOn(posixDrivers, freeTds),
             "Driver={FreeTDS};Server={auditsrv.plant};Port={1444};Encryption={require};TDS_Version={7.4};"
             "ServerSPN={MSSQLSvc/auditsrv.plant:1444};Database={Korvel_Audit};Trusted_Connection={yes};"
             "APP={Korvel Audit Viewer};");
   freeTds.options.encrypt = false;
-  EXPECT_THAT(driverText(freeTds), HasSubstr("Encryption={request};"));
+  EXPECT_THAT(driverTextOn(posixDrivers, freeTds), HasSubstr("Encryption={request};"));
 }
 
 TEST(DriverText, aSettingThatTheDriverCannotHeedIsRefused) {
   odbc::LoginRequest vendor = request(DriverFamily::vendor);
   vendor.options.certificateAuthorities = "/etc/plant/ca.pem";
-  const auto reason = [&] {
-    const auto error = test::errorOf([&] { (void)driverText(vendor); });
+  const auto reason = [&](const odbc::DriverPlatform& platform = posixDrivers) {
+    const auto error = test::errorOf([&] { (void)driverTextOn(platform, vendor); });
     return error ? error->textKey() : "none";
   };
   EXPECT_EQ(reason(), "failure.authoritiesNotForDriver");
+  EXPECT_EQ(reason(windowsDrivers), "failure.authoritiesNotForSystem") << "there FreeTDS is no way out";
   vendor.options.trustServerCertificate = true;
   EXPECT_EQ(reason(), "none");
   vendor.options.trustServerCertificate = false;
@@ -110,87 +116,71 @@ TEST(DriverText, aSettingThatTheDriverCannotHeedIsRefused) {
   EXPECT_EQ(reason(), "none");
   odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
   freeTds.options.certificateAuthorities = "/etc/plant/ca.pem";
-  EXPECT_FALSE(test::errorOf([&] { (void)driverText(freeTds); }));
+  EXPECT_FALSE(test::errorOf([&] { (void)driverTextOn(posixDrivers, freeTds); }));
+}
+
+TEST(DriverText, ofFreeTdsWithoutAConfigurationOfOursDependsOnNobodyElses) {
+  odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
+  const auto error = test::errorOf([&] { (void)driverTextOn(windowsDrivers, freeTds); });
+  ASSERT_TRUE(error) << "nobody would check the certificate";
+  EXPECT_EQ(error->textKey(), "failure.driverChecksNothing");
+  EXPECT_THAT(error->description(), HasSubstr("FreeTDS"));
+  freeTds.options.trustServerCertificate = true;
+  EXPECT_THAT(driverTextOn(windowsDrivers, freeTds),
+              HasSubstr(";Server={auditsrv.plant};Port={1444};Encryption={require};TDS_Version={7.4};"));
+  freeTds.options.trustServerCertificate = false;
+  freeTds.options.encrypt = false;
+  EXPECT_THAT(driverTextOn(windowsDrivers, freeTds), HasSubstr(";Server={auditsrv.plant};Port={1444};"));
+}
+
+TEST(DriverText, isThatOfTheSystem) {
+  const odbc::LoginRequest vendor = request(DriverFamily::vendor);
+  EXPECT_EQ(driverText(vendor), driverTextOn(odbc::driverPlatform(), vendor));
 }
 
 TEST(DriverText, neverHoldsAUserOrAPassword) {
   for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::oldVendor, DriverFamily::freeTds}) {
-    EXPECT_THAT(driverText(request(family)), Not(HasSubstr("UID")));
-    EXPECT_THAT(driverText(request(family)), Not(HasSubstr("PWD")));
+    EXPECT_THAT(driverTextOn(posixDrivers, request(family)), Not(HasSubstr("UID")));
+    EXPECT_THAT(driverTextOn(posixDrivers, request(family)), Not(HasSubstr("PWD")));
   }
 }
 
 TEST(Drivers, theBestOneIsChosen) {
-  using odbc::chooseDriver;
   const std::vector<std::string> all = {"SQLite3", "FreeTDS", "ODBC Driver 17 for SQL Server",
                                         "ODBC Driver 18 for SQL Server"};
-  EXPECT_EQ(chooseDriver(all, "").name, "ODBC Driver 18 for SQL Server");
-  EXPECT_EQ(chooseDriver({"freetds", "ODBC Driver 17 for SQL Server"}, "").name, "ODBC Driver 17 for SQL Server");
-  EXPECT_EQ(chooseDriver({"SQLite3", "freetds"}, "").name, "freetds");
-  EXPECT_EQ(chooseDriver({"SQLite3", "freetds"}, "").family, DriverFamily::freeTds);
-  EXPECT_EQ(chooseDriver(all, "FreeTDS").family, DriverFamily::freeTds);
-  EXPECT_EQ(chooseDriver(all, "/usr/lib/odbc/libtdsodbc.so").family, DriverFamily::freeTds);
-  EXPECT_EQ(chooseDriver({}, "Mine").family, DriverFamily::vendor);
-  EXPECT_EQ(chooseDriver({"SQL Server", "FreeTDS"}, "").family, DriverFamily::freeTds);
-  EXPECT_EQ(chooseDriver({"SQL Server", "SQLite3"}, "").family, DriverFamily::oldVendor);
-  EXPECT_EQ(chooseDriver({"SQL Server", "ODBC Driver 18 for SQL Server"}, "").family, DriverFamily::vendor);
-  EXPECT_EQ(chooseDriver({}, "sql server").family, DriverFamily::oldVendor);
-  EXPECT_EQ(test::errorOf([] { (void)chooseDriver({"SQLite3"}, ""); })->textKey(), "failure.noDriver");
+  for (const odbc::DriverPlatform& platform : {posixDrivers, windowsDrivers}) {
+    const auto chosen = [&](const std::vector<std::string>& installed, std::string_view wanted = "") {
+      return odbc::chooseDriver(installed, wanted, platform);
+    };
+    EXPECT_EQ(chosen(all).name, "ODBC Driver 18 for SQL Server");
+    EXPECT_EQ(chosen({"freetds", "ODBC Driver 17 for SQL Server"}).name, "ODBC Driver 17 for SQL Server");
+    EXPECT_EQ(chosen({"SQL Server", "ODBC Driver 18 for SQL Server"}).family, DriverFamily::vendor);
+    EXPECT_EQ(chosen({"SQLite3", "freetds"}).name, "freetds");
+    EXPECT_EQ(chosen({"SQLite3", "freetds"}).family, DriverFamily::freeTds);
+    EXPECT_EQ(chosen(all, "FreeTDS").family, DriverFamily::freeTds);
+    EXPECT_EQ(chosen(all, "/usr/lib/odbc/libtdsodbc.so").family, DriverFamily::freeTds);
+    EXPECT_EQ(chosen({}, "Mine").family, DriverFamily::vendor);
+    EXPECT_EQ(test::errorOf([&] { (void)chosen({"SQLite3"}); })->textKey(), "failure.noDriver");
+  }
 }
 
-class Options : public ::testing::Test {
- protected:
-  void set(const std::string& name, const std::string& value) {
-    settings::Registry(backend_).SaveSetting("Molvane", "AuditViewer", name, value);
-  }
-  ConnectionOptions load() { return loadConnectionOptions(settings::Registry(backend_)); }
-
-  test::TemporaryFolder folder_;
-  settings::RegistryFile backend_{folder_ / "settings.reg"};
-};
-
-TEST_F(Options, haveTheDefaultsThatUsersKnow) {
-  const test::EnvironmentVariable driver("KORVEL_ODBC_DRIVER");
-  const ConnectionOptions options = load();
-  EXPECT_EQ(options.connectionTimeout, 15s);
-  EXPECT_EQ(options.commandTimeout, 30s);
-  EXPECT_TRUE(options.encrypt);
-  EXPECT_FALSE(options.trustServerCertificate);
-  EXPECT_EQ(options.certificateAuthorities, "");
-  EXPECT_EQ(options.driver, "");
+TEST(Drivers, ofOneNameMeanWhatTheSystemMeansByIt) {
+  const auto chosen = [](const std::vector<std::string>& installed, std::string_view wanted,
+                         const odbc::DriverPlatform& platform) {
+    return odbc::chooseDriver(installed, wanted, platform).family;
+  };
+  EXPECT_EQ(chosen({}, "sql server", windowsDrivers), DriverFamily::oldVendor);
+  EXPECT_EQ(chosen({}, "SQL Server", posixDrivers), DriverFamily::vendor) << "an alias of the vendor's own";
+  EXPECT_EQ(chosen({"SQL Server", "SQLite3"}, "", windowsDrivers), DriverFamily::oldVendor);
+  EXPECT_EQ(chosen({"SQL Server", "FreeTDS"}, "", windowsDrivers), DriverFamily::oldVendor);
+  EXPECT_EQ(chosen({"SQL Server", "FreeTDS"}, "", posixDrivers), DriverFamily::freeTds);
 }
 
-TEST_F(Options, areReadFromTheSettingsStoreAndTheEnvironment) {
-  set("ConnectionTimeout", "5");
-  set("CommandTimeout", "0");
-  set("Encrypt", "0");
-  set("TrustServerCertificate", "1");
-  set("CertificateAuthorities", "/etc/plant/ca.pem");
-  const test::EnvironmentVariable driver("KORVEL_ODBC_DRIVER", "Mine");
-  const ConnectionOptions options = load();
-  EXPECT_EQ(options.connectionTimeout, 5s);
-  EXPECT_EQ(options.commandTimeout, 0s);
-  EXPECT_FALSE(options.encrypt);
-  EXPECT_TRUE(options.trustServerCertificate);
-  EXPECT_EQ(options.certificateAuthorities, "/etc/plant/ca.pem");
-  EXPECT_EQ(options.driver, "Mine");
-}
-
-TEST_F(Options, nonsenseKeepsTheDefaults) {
-  for (const char* nonsense : {"", "0", "-1", "soon", "5 ", "1e3", "999999999999999999999", "86401"}) {
-    set("ConnectionTimeout", nonsense);
-    EXPECT_EQ(load().connectionTimeout, 15s) << nonsense;
-  }
-  for (const char* nonsense : {"", "-1", "never", "99999999"}) {
-    set("CommandTimeout", nonsense);
-    EXPECT_EQ(load().commandTimeout, 30s) << nonsense;
-  }
-  for (const char* text : {"", "1", "yes", "false"}) {
-    set("Encrypt", text);
-    set("TrustServerCertificate", text == std::string("1") ? "" : text);
-    EXPECT_TRUE(load().encrypt) << text;
-    EXPECT_FALSE(load().trustServerCertificate) << text;
-  }
+TEST(Drivers, namedAsTheOldOneGetTheWordsOfTheNewOneElsewhere) {
+  odbc::LoginRequest named = request(DriverFamily::vendor);
+  named.driver = odbc::chooseDriver({}, "SQL Server", posixDrivers);
+  EXPECT_THAT(driverTextOn(posixDrivers, named), HasSubstr("TrustServerCertificate={no};"));
+  EXPECT_THAT(driverTextOn(posixDrivers, named), Not(HasSubstr("Network=")));
 }
 
 }  // namespace

@@ -1,0 +1,14 @@
+#include "db/net/authorities.h"
+
+#include <cstdint>
+
+#include "settings/explained_error.h"
+
+namespace korvel::db::net {
+
+void refuseAuthorities(const std::string& file) {
+  constexpr std::int32_t invalidParameter = 87;
+  throw settings::explainedError(invalidParameter, "failure.noAuthorities", {file});
+}
+
+}  // namespace korvel::db::net
