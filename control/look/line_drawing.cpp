@@ -49,9 +49,9 @@ class DrawingReader {
 
   using Outline = bool (DrawingReader::*)(QPainterPath& path);
   struct Element {
-    const char* name;
-    std::initializer_list<const char*> attributes;  ///< beside those of the manner
-    Outline outline;
+    const char* name = nullptr;
+    std::initializer_list<const char*> attributes{};  ///< beside those of the manner
+    Outline outline = nullptr;
   };
 
   bool drawing() {
