@@ -12,6 +12,6 @@ int main(int argc, char** argv) {
   QFile file(QGuiApplication::arguments().value(1));
   const QByteArray bytes = korvel::look::iconFile(korvel::look::markIcon(), korvel::look::markSides);
   if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()) return 0;
-  std::fprintf(stderr, "usage: korvel_write_mark FILE\n%s\n", qPrintable(file.errorString()));
+  static_cast<void>(std::fprintf(stderr, "usage: korvel_write_mark FILE\n%s\n", qPrintable(file.errorString())));
   return 1;
 }
