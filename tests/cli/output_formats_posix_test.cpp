@@ -7,6 +7,7 @@
 
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
+#include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
@@ -20,22 +21,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct OutputFormatsOfPosix : testing::Test {
-  OutputFormatsOfPosix() {
-    auto row = test::auditRow("7", "CS");
-    row[9] = "ポンプ <b>";
-    row[16] = "=1+1";
-    server.answer = {{test::auditFields(), {row}, {}}};
-  }
-  test::ToolRun run(const std::string& format, const std::string& output = "-") {
-    return test::runTool({"query", "--format", format, "--output", output}, server.connector());
-  }
-
-  test::ScriptedServer server;
-  test::TemporaryFolder folder;
-};
-
-TEST_F(OutputFormatsOfPosix, PdfShowsTheListAsStored) {
+TEST_F(OutputFormats, PdfShowsTheListAsStored) {
   const std::string file = (folder / "out.pdf").string();
   ASSERT_EQ(run("pdf", file).status, exitDone);
   const std::string text = test::outputOf("pdftotext -raw '" + file + "' -");
@@ -46,7 +32,7 @@ TEST_F(OutputFormatsOfPosix, PdfShowsTheListAsStored) {
   EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
 }
 
-TEST_F(OutputFormatsOfPosix, XlsxCarriesEveryColumn) {
+TEST_F(OutputFormats, XlsxCarriesEveryColumn) {
   const std::string file = (folder / "out.xlsx").string();
   ASSERT_EQ(run("xlsx", file).status, exitDone);
   const std::string sheet = test::outputOf("unzip -p '" + file + "' xl/worksheets/sheet1.xml");
@@ -54,7 +40,7 @@ TEST_F(OutputFormatsOfPosix, XlsxCarriesEveryColumn) {
   EXPECT_THAT(sheet, HasSubstr("<c r=\"Q2\" t=\"inlineStr\"><is><t>=1+1</t>"));
 }
 
-TEST_F(OutputFormatsOfPosix, ThatAreNoTextAreRefusedOnATerminal) {
+TEST_F(OutputFormats, ThatAreNoTextAreRefusedOnATerminal) {
   const test::Terminal terminal;
   for (const char* format : {"pdf", "xlsx"}) {
     const test::ToolRun tool = run(format, terminal.name());
@@ -63,7 +49,7 @@ TEST_F(OutputFormatsOfPosix, ThatAreNoTextAreRefusedOnATerminal) {
   }
 }
 
-TEST_F(OutputFormatsOfPosix, ThatCannotBeWrittenSaySo) {
+TEST_F(OutputFormats, ThatCannotBeWrittenSaySo) {
   for (const OutputFormat& format : outputFormats()) {
     const test::ToolRun tool = run(std::string(format.name), "/dev/full");
     EXPECT_EQ(tool.status, exitOutput) << format.name;

@@ -7,6 +7,7 @@
 
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
+#include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
@@ -17,21 +18,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-
-struct OutputFormats : testing::Test {
-  OutputFormats() {
-    auto row = test::auditRow("7", "CS");
-    row[9] = "ポンプ <b>";
-    row[16] = "=1+1";
-    server.answer = {{test::auditFields(), {row}, {}}};
-  }
-  test::ToolRun run(const std::string& format, const std::string& output = "-") {
-    return test::runTool({"query", "--format", format, "--output", output}, server.connector());
-  }
-
-  test::ScriptedServer server;
-  test::TemporaryFolder folder;
-};
 
 TEST_F(OutputFormats, HaveNamesInAnyCaseOfLetters) {
   for (const OutputFormat& format : outputFormats()) EXPECT_EQ(outputFormatNamed(format.name), &format);

@@ -8,6 +8,7 @@
 
 #include "base/error.h"
 #include "base/whole_file.h"
+#include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::cli {
@@ -15,36 +16,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct OutputTargetOfPosix : testing::Test {
-  void write(const std::string& target) {
-    writeTo(target, out, [](const output::ByteSink& sink) {
-      sink("one ");
-      sink("two");
-    });
-  }
-
-  /// The number of the failure to write there, 0 for none.
-  int failureOf(const std::string& target) {
-    try {
-      write(target);
-      return 0;
-    } catch (const Error& error) {
-      return error.number();
-    }
-  }
-
-  std::ostringstream out;
-  test::TemporaryFolder folder;
-};
-
-TEST_F(OutputTargetOfPosix, DeviceIsWrittenThroughAndStays) {
+TEST_F(OutputTarget, DeviceIsWrittenThroughAndStays) {
   ASSERT_TRUE(fs::is_character_file("/dev/null"));
   EXPECT_EQ(failureOf("/dev/null"), 0);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
   EXPECT_EQ(failureOf("/dev/full"), ENOSPC);
 }
 
-TEST_F(OutputTargetOfPosix, FailuresCarryTheNumberOfTheSystem) {
+TEST_F(OutputTarget, FailuresCarryTheNumberOfTheSystem) {
   EXPECT_EQ(failureOf(folder.path().string()), EISDIR);
   EXPECT_EQ(failureOf((folder / "absent/file").string()), ENOENT);
   writeWholeFile(folder / "file", "x");

@@ -9,34 +9,13 @@
 #include "base/error.h"
 #include "base/system_errors.h"
 #include "base/whole_file.h"
+#include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct OutputTarget : testing::Test {
-  void write(const std::string& target) {
-    writeTo(target, out, [](const output::ByteSink& sink) {
-      sink("one ");
-      sink("two");
-    });
-  }
-
-  /// The number of the failure to write there, 0 for none.
-  int failureOf(const std::string& target) {
-    try {
-      write(target);
-      return 0;
-    } catch (const Error& error) {
-      return error.number();
-    }
-  }
-
-  std::ostringstream out;
-  test::TemporaryFolder folder;
-};
 
 TEST_F(OutputTarget, DashIsStandardOutput) {
   write("-");

@@ -12,6 +12,7 @@
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
+#include "tests/cli/sql_command_fixture.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
@@ -24,37 +25,7 @@ namespace {
 using nlohmann::json;
 using test::ToolRun;
 
-/// Runs `sql` against a scripted server with two records.
-struct SqlCommandOfPosix : testing::Test {
-  SqlCommandOfPosix() {
-    server.answer = {{{{"Nr"}, {"Text"}, {"Text"}}, {{"10", " a,b ", std::nullopt}, {"9", "", "\"x\"\r\n|"}}, {}}};
-  }
-
-  ToolRun run(std::vector<std::string> options) {
-    options.insert(options.begin(), "sql");
-    return test::runTool(options, server.connector());
-  }
-  std::string file(const char* name) const { return (folder / name).string(); }
-  std::size_t filesInFolder() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.path()), {}));
-  }
-
-  test::ScriptedServer server;
-  test::TemporaryFolder folder;
-};
-
-std::vector<std::string> formatsThat(bool (*are)(const OutputFormat& format)) {
-  std::vector<std::string> names;
-  for (const OutputFormat& format : outputFormats())
-    if (are(format)) names.emplace_back(format.name);
-  return names;
-}
-const std::vector<std::string> allFormats = formatsThat([](const OutputFormat&) { return true; });
-const std::vector<std::string> streamedFormats = formatsThat([](const OutputFormat& f) { return f.stream != nullptr; });
-/// Those whose bytes leave while the rows come; a workbook's parts are put together at the end.
-const std::vector<std::string> flowingFormats = {"csv", "json", "text", "exchange"};
-
-TEST_F(SqlCommandOfPosix, NeverReplacesItsOwnQueryFile) {
+TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
   writeWholeFile(folder / "q.vqf", "select 1");
   std::filesystem::create_symlink("q.vqf", folder / "link");
   for (const char* name : {"q.vqf", "link"}) {
@@ -65,7 +36,7 @@ TEST_F(SqlCommandOfPosix, NeverReplacesItsOwnQueryFile) {
   EXPECT_EQ(readWholeFile(folder / "q.vqf"), "select 1");
 }
 
-TEST_F(SqlCommandOfPosix, WritesOnlyTheFirstResultSet) {
+TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
   server.answer.push_back({{{"Other"}}, {{"1"}}, {}});
   for (const std::string& format : allFormats)
     EXPECT_EQ(run({"q", "--format", format}).out.find("Other"), std::string::npos) << format;
@@ -73,7 +44,7 @@ TEST_F(SqlCommandOfPosix, WritesOnlyTheFirstResultSet) {
   EXPECT_EQ(test::outputOf("unzip -p '" + file("out.xlsx") + "'").find("Other"), std::string::npos);
 }
 
-TEST_F(SqlCommandOfPosix, StoppedHalfWayLeavesFilesAsTheyWere) {
+TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
   writeWholeFile(folder / "out", "earlier");
   server.answer[0].rows.assign(100'000, {"1", "x", "y"});
   server.refusesExecution = [] { std::raise(SIGINT); };
@@ -91,14 +62,14 @@ TEST_F(SqlCommandOfPosix, StoppedHalfWayLeavesFilesAsTheyWere) {
   EXPECT_EQ(run({"q", "--format", "csv"}).status, exitDone);
 }
 
-TEST_F(SqlCommandOfPosix, PagesShowTheAnswer) {
+TEST_F(SqlCommand, PagesShowTheAnswer) {
   ASSERT_EQ(run({"q", "--format", "pdf", "--output", file("out.pdf")}).status, exitDone);
   const std::string text = test::outputOf("pdftotext -raw '" + file("out.pdf") + "' -");
   for (const char* part : {"Custom", "Nr", "10", "a,b", "Page 1 of 1"})
     EXPECT_NE(text.find(part), std::string::npos) << part << text;
 }
 
-TEST_F(SqlCommandOfPosix, AWorkbookCarriesTypesColumnsAndLosses) {
+TEST_F(SqlCommand, AWorkbookCarriesTypesColumnsAndLosses) {
   server.answer[0].fields = {{"Nr", db::ColumnKind::number}, {"Text"}, {"Text"}};
   server.answer[0].rows.push_back({"11", std::string("\xFF"), "=1"});
   const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
@@ -111,14 +82,14 @@ TEST_F(SqlCommandOfPosix, AWorkbookCarriesTypesColumnsAndLosses) {
             std::string::npos);
 }
 
-TEST_F(SqlCommandOfPosix, AWorkbookThatCannotBeKeptIsAFailureOfTheOutput) {
+TEST_F(SqlCommand, AWorkbookThatCannotBeKeptIsAFailureOfTheOutput) {
   const test::EnvironmentVariable noPlace("TMPDIR", (folder / "absent").string());
   const ToolRun tool = run({"q", "--format", "xlsx", "--output", file("out.xlsx")});
   EXPECT_EQ(tool.status, exitOutput) << tool.err;
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
-TEST_F(SqlCommandOfPosix, EveryRequestToEndStopsIt) {
+TEST_F(SqlCommand, EveryRequestToEndStopsIt) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     // Started without a terminal, the tests may have been told to ignore some.
     const auto before = std::signal(signal, SIG_DFL);
@@ -129,7 +100,7 @@ TEST_F(SqlCommandOfPosix, EveryRequestToEndStopsIt) {
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
-TEST_F(SqlCommandOfPosix, StoppedWhileItIsWrittenLeavesNoFile) {
+TEST_F(SqlCommand, StoppedWhileItIsWrittenLeavesNoFile) {
   server.onClose = [] { std::raise(SIGINT); };
   for (const std::string& format : allFormats) {
     const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
@@ -139,7 +110,7 @@ TEST_F(SqlCommandOfPosix, StoppedWhileItIsWrittenLeavesNoFile) {
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
-TEST_F(SqlCommandOfPosix, WhatIsNoTextIsRefusedOnATerminal) {
+TEST_F(SqlCommand, WhatIsNoTextIsRefusedOnATerminal) {
   const test::Terminal terminal;
   for (const std::string& format : formatsThat([](const OutputFormat& f) { return f.isBinary; })) {
     const ToolRun tool = run({"q", "--format", format, "--output", terminal.name()});

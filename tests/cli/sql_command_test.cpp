@@ -13,6 +13,7 @@
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
+#include "tests/cli/sql_command_fixture.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
@@ -22,36 +23,6 @@ namespace {
 
 using nlohmann::json;
 using test::ToolRun;
-
-/// Runs `sql` against a scripted server with two records.
-struct SqlCommand : testing::Test {
-  SqlCommand() {
-    server.answer = {{{{"Nr"}, {"Text"}, {"Text"}}, {{"10", " a,b ", std::nullopt}, {"9", "", "\"x\"\r\n|"}}, {}}};
-  }
-
-  ToolRun run(std::vector<std::string> options) {
-    options.insert(options.begin(), "sql");
-    return test::runTool(options, server.connector());
-  }
-  std::string file(const char* name) const { return (folder / name).string(); }
-  std::size_t filesInFolder() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder.path()), {}));
-  }
-
-  test::ScriptedServer server;
-  test::TemporaryFolder folder;
-};
-
-std::vector<std::string> formatsThat(bool (*are)(const OutputFormat& format)) {
-  std::vector<std::string> names;
-  for (const OutputFormat& format : outputFormats())
-    if (are(format)) names.emplace_back(format.name);
-  return names;
-}
-const std::vector<std::string> allFormats = formatsThat([](const OutputFormat&) { return true; });
-const std::vector<std::string> streamedFormats = formatsThat([](const OutputFormat& f) { return f.stream != nullptr; });
-/// Those whose bytes leave while the rows come; a workbook's parts are put together at the end.
-const std::vector<std::string> flowingFormats = {"csv", "json", "text", "exchange"};
 
 TEST_F(SqlCommand, SendsTheTextAsItIs) {
   const std::string text = "select 'ä' -- x\r\n";

@@ -9,6 +9,7 @@
 #include "base/error.h"
 #include "base/whole_file.h"
 #include "demo/demo_database.h"
+#include "tests/demo/failures.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/temporary_folder.h"
 
@@ -22,25 +23,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
-  return names;
-}
-
 /// Less than the databases of these tests take.
 constexpr rlim_t diskBytes = 262144;
-
-/// The error that an action ends with; number 0 where it ends well.
-template <typename Action>
-Error errorOf(Action action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error;
-  }
-  return {0, "no error"};
-}
 
 TEST(DemoFailure, CountsALinkToNowhereAsSomebodysFile) {
   const TemporaryFolder folder;

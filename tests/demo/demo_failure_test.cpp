@@ -10,6 +10,7 @@
 #include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "demo/demo_database.h"
+#include "tests/demo/failures.h"
 #include "tests/demo/opened_database.h"
 #include "tests/support/temporary_folder.h"
 
@@ -22,23 +23,6 @@ using test::TemporaryFolder;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
-
-std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
-  return names;
-}
-
-/// The error that an action ends with; number 0 where it ends well.
-template <typename Action>
-Error errorOf(Action action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error;
-  }
-  return {0, "no error"};
-}
 
 TEST(DemoFailure, NeverReplacesWithoutForce) {
   for (const char* name : {"Korvel_Audit.db", "Korvel_Audit_MU.db"}) {

@@ -9,6 +9,7 @@
 
 #include "base/whole_file.h"
 #include "output/windows_error.h"
+#include "tests/output/text_export_fixture.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/temporary_folder.h"
 
@@ -17,31 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::filledList;
-
-struct TextExportFile : testing::Test {
-  std::string text(const results::ResultList& list) {
-    replaced = writeTextExport(list, file);
-    return readWholeFile(file);
-  }
-  int failureOf(const results::ResultList& list, const fs::path& path) {
-    try {
-      writeTextExport(list, path);
-      return 0;
-    } catch (const Error& error) {
-      description = error.description();
-      return error.number();
-    }
-  }
-  std::size_t filesInFolder() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()));
-  }
-
-  test::TemporaryFolder folder;
-  fs::path file = folder / textExportName;
-  std::size_t replaced = 0;
-  std::string description;
-  results::ResultList abc = filledList({{"A"}, {"B"}, {"C"}}, {{"a", "b", "c"}});
-};
 
 TEST_F(TextExportFile, HoldsTwoLinesForOneRow) {
   EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");

@@ -10,26 +10,13 @@
 
 #include "base/whole_file.h"
 #include "settings/explained_error.h"
+#include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::query {
 namespace {
 
-struct QueryFileOfPosix : testing::Test {
-  static Error errorOf(const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const Error& error) {
-      return error;
-    }
-    return {0, "no error"};
-  }
-
-  test::TemporaryFolder folder;
-  std::filesystem::path file = folder / "query.vqf";
-};
-
-TEST_F(QueryFileOfPosix, NeverReplacesADatabase) {
+TEST_F(QueryFile, NeverReplacesADatabase) {
   const std::string bytes("SQLite format 3\0and pages", 25);
   writeWholeFile(folder / "Korvel_Audit.db", bytes);
   std::filesystem::create_symlink(folder / "Korvel_Audit.db", file);
@@ -37,7 +24,7 @@ TEST_F(QueryFileOfPosix, NeverReplacesADatabase) {
   EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
 }
 
-TEST_F(QueryFileOfPosix, ThatCannotBeReadIsSaid) {
+TEST_F(QueryFile, ThatCannotBeReadIsSaid) {
   const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
   EXPECT_EQ(reading().number(), ENOENT);
   EXPECT_EQ(reading().textKey(), "queryFile.unreadable");

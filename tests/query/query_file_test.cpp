@@ -9,24 +9,11 @@
 #include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "settings/explained_error.h"
+#include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::query {
 namespace {
-
-struct QueryFile : testing::Test {
-  static Error errorOf(const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const Error& error) {
-      return error;
-    }
-    return {0, "no error"};
-  }
-
-  test::TemporaryFolder folder;
-  std::filesystem::path file = folder / "query.vqf";
-};
 
 TEST_F(QueryFile, HoldsTheTextInTheCodePageAndALineEnd) {
   EXPECT_EQ(queryFileBytes("Select 'Größe €'\r\n from x"),
