@@ -23,6 +23,6 @@ class ScratchFile {
 };
 
 /// The name of a file or folder that is there, as functions of the C library take it; empty where they cannot take it.
-[[nodiscard]] std::string nameForTheLibrary(const std::filesystem::path& folder);
+[[nodiscard]] std::string nameForTheLibrary(const std::filesystem::path& path);
 
 }  // namespace korvel::output

@@ -42,8 +42,8 @@ void ScratchFile::checkRoom(std::uint64_t bytes) const {
   if (!emptied) fail(failure);
 }
 
-std::string nameForTheLibrary(const fs::path& folder) {
-  return folder.string();
+std::string nameForTheLibrary(const fs::path& path) {
+  return path.string();
 }
 
 }  // namespace korvel::output

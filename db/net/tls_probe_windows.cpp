@@ -22,7 +22,7 @@ namespace korvel::db::net {
 namespace {
 
 /// More than any server has to say at once: who goes on wants to fill our memory.
-constexpr std::size_t longestFlight = 1024 * 1024;
+constexpr std::size_t longestFlight = std::size_t{1024} * 1024;
 
 [[noreturn]] void refuse(SECURITY_STATUS status) {
   throw systemError(static_cast<int>(status), "the handshake failed");
