@@ -29,7 +29,7 @@ if(KORVEL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     CCACHE_SLOPPINESS=pch_defines,time_macros "${KORVEL_CCACHE}")
 endif()
 
-# Links in a third of the time. It writes no programs for Windows.
+# mold links faster than the default linker. It writes no programs for Windows.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=mold KORVEL_HAS_MOLD)
 if(KORVEL_HAS_MOLD AND NOT WIN32)
