@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <chrono>
 #include <fstream>
+#include <functional>
+#include <utility>
 
 #include "base/whole_file.h"
 #include "db/embedded/embedded_connection.h"
@@ -168,6 +171,61 @@ TEST_F(EmbeddedFailures, lockedWhileTheConnectionIsOpen) {
   EXPECT_EQ(kindOf(test::errorOfText(*connection, "SELECT * FROM Korvel_Audit_Trails")), SQLITE_BUSY);
   writer.run("COMMIT");
   EXPECT_FALSE(test::errorOfText(*connection, "SELECT * FROM Korvel_Audit_Trails"));
+}
+
+/// The library's own system layer, whose pauses take no time: they are added up, and may do something meanwhile.
+class Pauses {
+ public:
+  Pauses() : layer_(*sqlite3_vfs_find(nullptr)) {
+    layer_.zName = "pauses";
+    layer_.pNext = nullptr;
+    layer_.xSleep = [](sqlite3_vfs*, int microseconds) {
+      total_ += std::chrono::microseconds(microseconds);
+      if (meanwhile_) meanwhile_();
+      return microseconds;
+    };
+    total_ = {};
+    sqlite3_vfs_register(&layer_, 1);
+  }
+  ~Pauses() {
+    sqlite3_vfs_unregister(&layer_);
+    meanwhile_ = nullptr;
+  }
+  Pauses(const Pauses&) = delete;
+  Pauses& operator=(const Pauses&) = delete;
+
+  static std::chrono::microseconds total() { return total_; }
+  static void meanwhile(std::function<void()> action) { meanwhile_ = std::move(action); }
+
+ private:
+  sqlite3_vfs layer_;
+  static inline std::chrono::microseconds total_{};
+  static inline std::function<void()> meanwhile_;
+};
+
+TEST_F(EmbeddedFailures, aLockIsWaitedForUntilItGoes) {
+  test::writeAuditDatabase(folder_ / "D.db", {{7, "2004-03-07", "T", "E", "CS"}});
+  test::DatabaseWriter writer(folder_ / "D.db");
+  writer.run("BEGIN EXCLUSIVE");
+  const Pauses pauses;
+  Pauses::meanwhile([&] {
+    if (sqlite3_get_autocommit(writer.handle()) == 0) writer.run("COMMIT");
+  });
+  const auto connection = openEmbedded(folder_.path(), "D");
+  EXPECT_GT(Pauses::total(), std::chrono::microseconds(0)) << "the database was locked";
+  writer.run("BEGIN EXCLUSIVE");
+  EXPECT_EQ(test::answerText(*connection, "SELECT Nr FROM Korvel_Audit_Trails"), "Nr\n7\n");
+}
+
+TEST_F(EmbeddedFailures, aLockThatStaysIsWaitedForAsLongAsWasAsked) {
+  test::writeAuditDatabase(folder_ / "D.db", {});
+  test::DatabaseWriter writer(folder_ / "D.db");
+  writer.run("BEGIN EXCLUSIVE");
+  for (const auto wanted : {EmbeddedOptions().busyTimeout, std::chrono::milliseconds(3000)}) {
+    const Pauses pauses;
+    EXPECT_EQ(kindOf(test::errorOf([&] { (void)openEmbedded(folder_.path(), "D", {wanted}); })), SQLITE_BUSY);
+    EXPECT_EQ(Pauses::total(), wanted);
+  }
 }
 
 }  // namespace

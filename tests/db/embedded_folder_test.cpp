@@ -35,6 +35,13 @@ TEST(EmbeddedDatabaseFile, refusesMoreThanAName) {
   }
 }
 
+TEST(EmbeddedDatabaseFile, aNameMayBeAsLongAsAServersDatabase) {
+  const std::string longest(128, 'a');
+  EXPECT_TRUE(isEmbeddedDatabaseName(longest));
+  EXPECT_EQ(embeddedDatabaseFile("/srv/audit", longest), std::filesystem::path("/srv/audit") / (longest + ".db"));
+  EXPECT_FALSE(isEmbeddedDatabaseName(longest + "a"));
+}
+
 TEST(OpenConnection, opensTheEmbeddedEngineByItsNameOrFolder) {
   const test::TemporaryFolder folder;
   test::writeAuditDatabase(folder / "Korvel_Audit.db", {{7, "2004-03-07 13:45:59.123", "T", "E", "CS"}});

@@ -79,6 +79,15 @@ TEST_F(OtherPrograms, closedWriteAheadLog) {
   EXPECT_EQ(numbersWithoutATrace(), "Nr\n1\n");
 }
 
+TEST_F(OtherPrograms, emptyWriteAheadLog) {
+  {
+    test::DatabaseWriter writer(file_);
+    makeWithLog(writer);
+  }
+  writeWholeFile(folder_ / "D.db-wal", "");
+  EXPECT_EQ(numbersWithoutATrace(), "Nr\n1\n") << "an empty log holds nothing that the file lacks";
+}
+
 TEST_F(OtherPrograms, writeAheadLogOfARunningProgram) {
   int toChild[2];
   int toParent[2];

@@ -95,6 +95,14 @@ TEST_F(EmbeddedValues, nullIsNotTheEmptyText) {
   EXPECT_EQ(rows.at(0).at(1), "");
 }
 
+TEST_F(EmbeddedValues, aNullSaysNothingAboutTheRowsBelow) {
+  EXPECT_EQ(answer("SELECT NULL AS a UNION ALL SELECT 1 UNION ALL SELECT NULL UNION ALL SELECT 'x'"),
+            "a\nNULL\n1\nNULL\nx\n");
+  EXPECT_EQ(answer("SELECT NULL AS a UNION ALL SELECT 0.5 UNION ALL SELECT NULL UNION ALL SELECT x'00ff'"),
+            "a\nNULL\n0.5\nNULL\n00ff\n");
+  EXPECT_EQ(answer("SELECT NULL AS a UNION ALL SELECT '' UNION ALL SELECT x''"), "a\nNULL\n\n\n");
+}
+
 TEST_F(EmbeddedValues, textsOfADatabaseInAnotherEncoding) {
   std::filesystem::remove(folder_ / "D.db");
   write("PRAGMA encoding='UTF-16'; CREATE TABLE t (a TEXT); INSERT INTO t VALUES ('Ölstand 🙂')");

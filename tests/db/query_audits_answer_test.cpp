@@ -249,7 +249,8 @@ TEST_F(QueryAuditsAnswer, flagsAreSetOnlyByTrueInAnyCase) {
   const auto results = [&](const std::string& flag) {
     return test::resultsOf(*connection, "QueryAudits '" + flag + "','','','','','','','','','','','',''").size();
   };
-  for (const char* flag : {"True", "true", "TRUE", "True  ", "True       x"}) EXPECT_EQ(results(flag), 1U) << flag;
+  for (const char* flag : {"True", "true", "TRUE", "True  ", "True      x", "True       x"})
+    EXPECT_EQ(results(flag), 1U) << flag;
   for (const char* flag : {"", "False", "1", "yes", " True", "Truex", "True.", "True     x"})
     EXPECT_EQ(results(flag), 0U) << flag;
 }

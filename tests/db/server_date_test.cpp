@@ -31,6 +31,12 @@ TEST(ServerDate, readsWhatAPersonTypes) {
   EXPECT_EQ(canonical("2004-02-29"), "2004-02-29 00:00:00.000");
 }
 
+TEST(ServerDate, beginsWhereTheServersCalendarBegins) {
+  EXPECT_EQ(canonical("1753-01-01"), "1753-01-01 00:00:00.000");
+  EXPECT_EQ(canonical("1753-01-01 00:00:00.000"), "1753-01-01 00:00:00.000");
+  EXPECT_EQ(refusal("1752-12-31 23:59:59.999"), 242);
+}
+
 TEST(ServerDate, theEmptyTextIsTheServersFirstOfJanuary) {
   EXPECT_EQ(canonical(""), "1900-01-01 00:00:00.000");
   EXPECT_EQ(canonical("  "), "1900-01-01 00:00:00.000");
