@@ -79,6 +79,30 @@ bool makeText(std::string& text) {
   return changed;
 }
 
+/// Whether the four bytes from `at` on are hexadecimal digits.
+bool isCodeAt(std::string_view text, std::size_t at) noexcept {
+  constexpr std::size_t digits = 4;
+  constexpr std::string_view hexadecimal = "0123456789abcdefABCDEF";
+  return at + digits <= text.size() && text.substr(at, digits).find_first_not_of(hexadecimal) == std::string_view::npos;
+}
+
+/// Readers take _x0041_ for the character of that code, also where a value holds just these seven characters. The code
+/// of the underscore before it keeps it what it is. A control character is written as such a code, so it ends one, too.
+void keepWhatLooksLikeACode(std::string& text) {
+  constexpr std::string_view beginning = "_x";
+  constexpr std::size_t end = 6;  // of _x0041, without what closes it
+  std::string kept;
+  std::size_t taken = 0;
+  for (auto at = text.find(beginning); at != std::string::npos; at = text.find(beginning, at + 1)) {
+    if (!isCodeAt(text, at + beginning.size()) || at + end >= text.size()) continue;
+    const char last = text[at + end];
+    if (last != '_' && static_cast<unsigned char>(last) >= ' ') continue;
+    kept.append(text, taken, at - taken).append("_x005F_");
+    taken = at + 1;
+  }
+  if (taken > 0) text = kept.append(text, taken);
+}
+
 /// A name that sheets may have, at most `length` characters of `text`.
 std::string sheetName(const std::string& text, std::size_t number) {
   constexpr std::string_view refused = "[]:*?/\\'";
@@ -177,6 +201,7 @@ struct Workbook::Impl {
   void writeText(std::size_t column, std::string_view value, lxw_format* format) {
     text.assign(value);
     if (makeText(text)) lost(WorkbookLoss::Kind::notText, column);
+    keepWhatLooksLikeACode(text);
     if (cutToUnits(text)) lost(WorkbookLoss::Kind::tooLong, column);
     check(worksheet_write_string(sheet, nextRow, static_cast<lxw_col_t>(column), text.c_str(), format));
   }

@@ -106,6 +106,58 @@ TEST_F(WorkbookFile, CarriesHostileTextsAsText) {
   EXPECT_THAT(xml, HasSubstr("größer € é"));
 }
 
+/// What readers make of the codes in a text, from the left to the right.
+std::string decoded(const std::string& text) {
+  static const std::regex code("_x([0-9A-Fa-f]{4})_");
+  std::string plain;
+  std::string rest = text;
+  for (std::smatch found; std::regex_search(rest, found, code); rest = found.suffix())
+    plain += found.prefix().str() + static_cast<char>(std::stoi(found.str(1), nullptr, 16));
+  return plain + rest;
+}
+
+TEST_F(WorkbookFile, KeepsTextsThatLookLikeCodes) {
+  const std::vector<std::string> texts = {"_x000D_",  "_x0041_",       "a_x0041_b_x0042_", "_x0041_x0042_",
+                                          "__x0041_", "_x0041\x1B[2J", "_x005F_x",         "_x004_",
+                                          "_x0041",   "_xyz1_",        "_x00e4_",          "_X0041_"};
+  for (const std::string& text : texts) {
+    EXPECT_EQ(write(filledList({{text}}, {{text}})).lossCount, 0U) << text;
+    const std::string xml = sheet();
+    static const std::regex cell("<t>([^<]*)</t>");
+    int cells = 0;
+    for (std::sregex_iterator found(xml.begin(), xml.end(), cell), end; found != end; ++found, ++cells)
+      EXPECT_EQ(decoded((*found)[1]), text) << (*found)[1];
+    EXPECT_EQ(cells, 2) << "the header's and the row's";
+  }
+  write(filledList({{"A"}}, {{"_x000D_"}}));
+  EXPECT_THAT(sheet(), HasSubstr("<t>_x005F_x000D_</t>"));
+  write(filledList({{"A"}}, {{"_x0041"}, {"_xyz1_"}, {"snake_x1_case"}}));
+  EXPECT_THAT(sheet(), Not(HasSubstr("_x005F_"))) << "only where it is needed";
+}
+
+TEST_F(WorkbookFile, CutsACodeThatNoLongerFits) {
+  const auto done = write(filledList({{"A"}}, {{std::string(32760, 'x') + "_x0041_"}}));
+  ASSERT_EQ(done.lossCount, 1U);
+  EXPECT_EQ(done.losses.at(0).kind, WorkbookLoss::Kind::tooLong);
+}
+
+TEST_F(WorkbookFile, DatesHaveTheRoomThatTheyNeed) {
+  write(filledList({{"T"}, {"D", ColumnKind::dateTime}, {"N", ColumnKind::number}},
+                   {{"a", "2004-03-07 12:00:00.000", "1"}}));
+  const std::string xml = sheet();
+  const auto widthOf = [&xml](int column) {
+    const std::string number = std::to_string(column);
+    std::smatch found;
+    const std::regex col("<col min=\"" + number + "\" max=\"" + number + "\" width=\"([0-9.]+)\"");
+    return std::regex_search(xml, found, col) ? std::stod(found[1]) : 0.0;
+  };
+  const auto characters = static_cast<double>(std::string_view("2004-03-07 12:00:00.000").size());
+  EXPECT_GE(widthOf(2), characters) << "a narrower one would show ####";
+  EXPECT_LT(widthOf(1), characters);
+  EXPECT_GT(widthOf(1), 0);
+  EXPECT_EQ(widthOf(1), widthOf(3));
+}
+
 TEST_F(WorkbookFile, ReportsWhatACellCannotHold) {
   std::string smileys;
   for (int i = 0; i < 20000; ++i) smileys += "\xF0\x9F\x98\x80";
