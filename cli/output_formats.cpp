@@ -8,7 +8,9 @@
 #include "base/text.h"
 #include "cli/messages.h"
 #include "cli/pdf_output.h"
+#include "output/json_row_writer.h"
 #include "output/list_writers.h"
+#include "output/record_copies.h"
 #include "output/report.h"
 #include "output/workbook.h"
 
@@ -20,6 +22,35 @@ template <output::ListFormat format>
 void writeText(const CaptionedList& list, const output::ByteSink& sink, std::ostream& /*err*/) {
   output::writeList(format, list.list, sink);
 }
+
+void sayReplacements(const output::JsonReplacements& replaced, std::ostream& err) {
+  if (replaced.names) say(err, "note: column names have bytes that are no text; each stands as U+FFFD");
+  if (replaced.values > 0)
+    say(err, "note: values with bytes that are no text, which stand as U+FFFD: " + std::to_string(replaced.values) +
+                 "; the first one in row " + std::to_string(replaced.firstRow + 1) + ", column " +
+                 std::to_string(replaced.firstColumn + 1));
+}
+
+void writeJson(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
+  sayReplacements(output::writeJson(list.list, sink), err);
+}
+
+/// Says at the end what JSON could not carry.
+class JsonWriter final : public output::RowWriter {
+ public:
+  JsonWriter(const output::ByteSink& sink, std::ostream& err) : records_(sink), err_(err) {}
+
+  void begin(std::span<const db::Field> fields) override { records_.begin(fields); }
+  void row(std::span<const db::Cell> cells) override { records_.row(cells); }
+  void end() override {
+    records_.end();
+    sayReplacements(records_.replacements(), err_);
+  }
+
+ private:
+  output::JsonRowWriter records_;
+  std::ostream& err_;
+};
 
 void writeHtml(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
   const output::ReportList reported{list.caption, &list.list};
@@ -68,6 +99,10 @@ RowWriterPointer streamXlsx(std::string_view caption, const output::ByteSink& si
   return std::make_unique<XlsxWriter>(caption, sink, err);
 }
 
+RowWriterPointer streamJson(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& err) {
+  return std::make_unique<JsonWriter>(sink, err);
+}
+
 template <output::ListFormat format>
 RowWriterPointer streamText(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& /*err*/) {
   return output::rowWriterOf(format, sink);
@@ -79,7 +114,7 @@ constexpr std::array formats = {
     OutputFormat{"text", false, writeText<ListFormat::text>, streamText<ListFormat::text>},
     OutputFormat{"exchange", false, writeText<ListFormat::exchange>, streamText<ListFormat::exchange>},
     OutputFormat{"csv", false, writeText<ListFormat::csv>, streamText<ListFormat::csv>},
-    OutputFormat{"json", false, writeText<ListFormat::json>, streamText<ListFormat::json>},
+    OutputFormat{"json", false, writeJson, streamJson},
     OutputFormat{"html", false, writeHtml, nullptr},
     OutputFormat{"pdf", true, writePdf, nullptr},
     OutputFormat{"xlsx", true, writeXlsx, streamXlsx},

@@ -41,7 +41,7 @@ constexpr const char* footer =
     "  csv        full copy: every column, values as stored, after RFC 4180; null is an empty\n"
     "             field, an empty text is \"\"\n"
     "  json       full copy: an array of objects keyed by column name; all values are strings,\n"
-    "             null is null\n"
+    "             null is null; bytes that are no text become U+FFFD and are counted\n"
     "  html       the list as displayed, as the viewer's report file: in windows-1252, values as\n"
     "             they stand, also where they look like markup\n"
     "  pdf        the list as displayed, on pages\n"

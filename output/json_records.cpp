@@ -48,17 +48,22 @@ bool isPlain(std::string_view value) noexcept {
   });
 }
 
-void appendJsonText(std::string_view value, std::string& out) {
-  if (isPlain(value))
+/// Whether all of the value is there: false where bytes that are not UTF-8 had to be replaced.
+bool appendJsonText(std::string_view value, std::string& out) {
+  if (isPlain(value)) {
     ((out += '"') += value) += '"';
-  else if (isValidUtf8(value))
+    return true;
+  }
+  if (isValidUtf8(value)) {
     appendJsonString(value, out);
-  else
-    appendJsonString(replaceInvalidUtf8(value), out);
+    return true;
+  }
+  appendJsonString(replaceInvalidUtf8(value), out);
+  return false;
 }
 
-/// The members' beginnings, `"name":`, of the records of one result set.
-std::vector<std::string> jsonNames(std::span<const db::Field> fields) {
+/// The members' beginnings, `"name":`, of the records of one result set; `whole` becomes false where a name is not.
+std::vector<std::string> jsonNames(std::span<const db::Field> fields, bool& whole) {
   std::vector<std::string> taken;
   std::vector<std::string> members;
   for (const db::Field& field : fields) {
@@ -67,7 +72,7 @@ std::vector<std::string> jsonNames(std::span<const db::Field> fields) {
       name = field.name + "_" + std::to_string(number);
     taken.push_back(name);
     std::string member;
-    appendJsonText(name, member);
+    whole = appendJsonText(name, member) && whole;
     member += ':';
     members.push_back(std::move(member));
   }
@@ -77,25 +82,29 @@ std::vector<std::string> jsonNames(std::span<const db::Field> fields) {
 }  // namespace
 
 void JsonRecords::setFields(std::span<const db::Field> fields) {
-  members_ = jsonNames(fields);
+  bool whole = true;
+  members_ = jsonNames(fields, whole);
+  replacements_.names = replacements_.names || !whole;
 }
 
 void JsonRecords::appendRecord(std::span<const db::Cell> cells, std::string& out) {
-  out += any_ ? ",\n{" : "[\n{";
-  any_ = true;
+  out += rows_ > 0 ? ",\n{" : "[\n{";
   for (std::size_t i = 0; i < std::min(cells.size(), members_.size()); ++i) {
     if (i > 0) out += ',';
     out += members_[i];
     if (cells[i].isNull)
       out += "null";
-    else
-      appendJsonText(cells[i].text, out);
+    else if (!appendJsonText(cells[i].text, out) && replacements_.values++ == 0) {
+      replacements_.firstRow = rows_;
+      replacements_.firstColumn = i;
+    }
   }
   out += '}';
+  ++rows_;
 }
 
 void JsonRecords::appendEnd(std::string& out) const {
-  out += any_ ? "\n]\n" : "[]\n";
+  out += rows_ > 0 ? "\n]\n" : "[]\n";
 }
 
 }  // namespace korvel::output

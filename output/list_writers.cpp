@@ -31,7 +31,8 @@ void writeList(ListFormat format, const results::ResultList& list, const ByteSin
     case ListFormat::csv:
       return writeCsv(list, sink);
     case ListFormat::json:
-      return writeJson(list, sink);
+      writeJson(list, sink);
+      return;
   }
 }
 

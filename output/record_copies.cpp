@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "output/csv_rows.h"
-#include "output/json_records.h"
 
 namespace korvel::output {
 
@@ -47,7 +46,7 @@ void writeCsv(const results::ResultList& list, const ByteSink& sink) {
   out.flush();
 }
 
-void writeJson(const results::ResultList& list, const ByteSink& sink) {
+JsonReplacements writeJson(const results::ResultList& list, const ByteSink& sink) {
   ChunkedText chunks(sink);
   JsonRecords records;
   const db::Field* namedFields = nullptr;
@@ -66,6 +65,7 @@ void writeJson(const results::ResultList& list, const ByteSink& sink) {
   }
   records.appendEnd(chunks.text());
   chunks.flush();
+  return records.replacements();
 }
 
 }  // namespace korvel::output

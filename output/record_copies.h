@@ -1,6 +1,7 @@
 #pragma once
 
 #include "output/byte_sink.h"
+#include "output/json_records.h"
 #include "results/result_list.h"
 
 namespace korvel::output {
@@ -15,7 +16,7 @@ void writeCsv(const results::ResultList& list, const ByteSink& sink);
 
 /// A JSON array with one object a record, one record a line. Every value is a string, so that no reader rounds a
 /// number; null is null. A name that a record holds twice becomes NAME_2, NAME_3. Bytes that are not UTF-8, which JSON
-/// cannot carry, become U+FFFD.
-void writeJson(const results::ResultList& list, const ByteSink& sink);
+/// cannot carry, become U+FFFD; returns where they did.
+JsonReplacements writeJson(const results::ResultList& list, const ByteSink& sink);
 
 }  // namespace korvel::output

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "output/csv_rows.h"
-#include "output/json_records.h"
+#include "output/json_row_writer.h"
 #include "output/separated_lines.h"
 
 namespace korvel::output {
@@ -19,24 +19,6 @@ class CsvWriter final : public RowWriter {
 
  private:
   RowBuffer out_;
-};
-
-class JsonWriter final : public RowWriter {
- public:
-  explicit JsonWriter(const ByteSink& sink) : chunks_(sink) {}
-  void begin(std::span<const db::Field> fields) override { records_.setFields(fields); }
-  void row(std::span<const db::Cell> cells) override {
-    records_.appendRecord(cells, chunks_.text());
-    chunks_.endLine();
-  }
-  void end() override {
-    records_.appendEnd(chunks_.text());
-    chunks_.flush();
-  }
-
- private:
-  ChunkedText chunks_;
-  JsonRecords records_;
 };
 
 class LineWriter final : public RowWriter {
@@ -59,7 +41,7 @@ class LineWriter final : public RowWriter {
 std::unique_ptr<RowWriter> rowWriterOf(ListFormat format, const ByteSink& sink) {
   switch (format) {
     case ListFormat::json:
-      return std::make_unique<JsonWriter>(sink);
+      return std::make_unique<JsonRowWriter>(sink);
     case ListFormat::text:
       return std::make_unique<LineWriter>(sink, textExportSeparator);
     case ListFormat::exchange:

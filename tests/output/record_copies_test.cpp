@@ -41,6 +41,12 @@ TEST(Csv, KeepsBlanksAndBytes) {
   EXPECT_EQ(csv({{std::string("a\0b", 3), "c"}}), std::string("A,B\r\na\0b,c\r\n", 12));
 }
 
+TEST(Csv, QuotesABlankOnEitherSideAlone) {
+  EXPECT_EQ(csv({{" x", "x "}}), "A,B\r\n\" x\",\"x \"\r\n");
+  EXPECT_EQ(csv({{" a longer text", "a longer text "}}), "A,B\r\n\" a longer text\",\"a longer text \"\r\n");
+  EXPECT_EQ(csv({{"a b", "a longer text"}}), "A,B\r\na b,a longer text\r\n");
+}
+
 TEST(Csv, QuotesNames) {
   EXPECT_EQ(csv({{"a", "b"}}, {{"x,y"}, {""}}), "\"x,y\",\"\"\r\na,b\r\n");
 }
@@ -128,6 +134,19 @@ TEST(Json, ReplacesBytesThatAreNotUtf8) {
   const json records = json::parse(written(ListFormat::json, list));
   EXPECT_EQ(records[0]["n\uFFFD"], "a\uFFFDz\uFFFD");
   EXPECT_EQ(records[2]["n\uFFFD"], "\uFFFD");
+}
+
+TEST(Json, CountsTheValuesWithSuchBytes) {
+  const auto list =
+      filledList({{"A"}, {"n\xFF"}}, {{"a", std::nullopt}, {"ok", "a\xFFz\xC3"}, {"\xED\xA0\x80", "\xC2"}});
+  const JsonReplacements replaced = writeJson(list, [](std::string_view) {});
+  EXPECT_EQ(replaced.values, 3U);
+  EXPECT_EQ(replaced.firstRow, 1U);
+  EXPECT_EQ(replaced.firstColumn, 1U);
+  EXPECT_TRUE(replaced.names);
+  const JsonReplacements none = writeJson(filledList({{"\"größe\""}}, {{"\x1B ポンプ"}}), [](std::string_view) {});
+  EXPECT_EQ(none.values, 0U);
+  EXPECT_FALSE(none.names);
 }
 
 TEST(Json, KeepsColumnsOfTheSameNameApart) {

@@ -41,6 +41,22 @@ TEST(CodePage, EveryByteComesBack) {
   EXPECT_EQ(fromCodePage("\x80\x99\xE9"), "\xE2\x82\xAC\xE2\x84\xA2\xC3\xA9");
 }
 
+TEST(CodePage, TheBytesOf0x80To0x9FAreThoseOfWindows1252) {
+  // The five that it leaves open stand for the control characters of their numbers.
+  const char* const characters[] = {"\u20AC", "\u0081", "\u201A", "\u0192", "\u201E", "\u2026", "\u2020", "\u2021",
+                                    "\u02C6", "\u2030", "\u0160", "\u2039", "\u0152", "\u008D", "\u017D", "\u008F",
+                                    "\u0090", "\u2018", "\u2019", "\u201C", "\u201D", "\u2022", "\u2013", "\u2014",
+                                    "\u02DC", "\u2122", "\u0161", "\u203A", "\u0153", "\u009D", "\u017E", "\u0178"};
+  int byte = 0x80;
+  for (const char* const character : characters) {
+    const std::string one(1, static_cast<char>(byte));
+    EXPECT_EQ(toCodePage(character), one) << byte;
+    EXPECT_EQ(fromCodePage(one), character) << byte;
+    ++byte;
+  }
+  EXPECT_EQ(byte, 0xA0);
+}
+
 TEST(CodePage, NothingGivesNothing) {
   EXPECT_EQ(toCodePage(""), "");
   EXPECT_EQ(fromCodePage(""), "");
