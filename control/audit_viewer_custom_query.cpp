@@ -17,6 +17,8 @@
 
 namespace korvel {
 
+using control::AnswerState;
+using control::failureText;
 using control::fromUtf8;
 using control::libraryState;
 using control::MessageIcon;
@@ -102,7 +104,9 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
   setLastFailure({});
   if (!alive) return;
   surface.txtAdvancedQuery->setErrorLine(std::nullopt);
-  if (!std::exchange(notice_, {}).isEmpty()) showRestingText();
+  notice_.clear();
+  answered(customAnswer_, {.state = AnswerState::querying});
+  control::ShownAnswer shown{.connectionString = libraryState().connection.AdvancedConnectionString};
   control::ResultListModel& model = *surface.models.at(query::customList);
   model.clear();
   DisplayNoOfRecords();
@@ -118,17 +122,26 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
       surface.lvListView[query::customList]->applyColumnWidths();
       surface.lvListView[query::customList]->showSortIcon();
       DisplayNoOfRecords();
+      shown.state = AnswerState::filled;
+      answered(customAnswer_, std::move(shown));
       break;
     case query::CustomOutcome::noRecords:
+      shown.state = AnswerState::nothingFound;
+      answered(customAnswer_, std::move(shown));
       message(MessageIcon::information, noRecordsTitle(), noRecordsText);
       break;
     case query::CustomOutcome::stopped:
+      answered(customAnswer_, {.state = AnswerState::stopped});
       notice_ = ownText("custom.stopped");
       showRestingText();
       break;
     case query::CustomOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
       if (surface.txtAdvancedQuery->queryText() == QueryString) surface.txtAdvancedQuery->setErrorLine(failure.line());
+      answered(customAnswer_, {.state = AnswerState::failed, .failure = failureText(failure)});
+      // Before the box, which may stand for hours.
+      queryFailed(failure);
+      if (!alive) return;
       trapped("TriggerAdvancedQuery", [&failure] { throw Error(failure); });
       break;
     }

@@ -9,11 +9,13 @@
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
-#include "settings/explained_error.h"
+#include "query/alarm_dates.h"
 #include "settings/stored_language.h"
 
 namespace korvel {
 
+using control::AnswerState;
+using control::failureText;
 using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
@@ -81,8 +83,7 @@ void AuditViewer::Members::trapped(std::string_view operationName, const std::fu
     return;
   } catch (const Error& error) {
     number = error.number();
-    description = fromUtf8(settings::describe(error, libraryState().language));
-    if (error.line()) description = control::ownText("error.atLine").arg(description, QString::number(*error.line()));
+    description = failureText(error);
   } catch (const std::exception& failure) {
     number = unspecifiedFailure;
     description = QString::fromLocal8Bit(failure.what());
@@ -155,6 +156,8 @@ void AuditViewer::Members::connectHandlers() {
       showRestingText();
     });
   }
+  QObject::connect(surface.tvTreeView, &control::FilterTreeView::checksChanged, &viewer_,
+                   [this] { followRestingText(); });
   QObject::connect(surface.SSTab1, &QTabWidget::currentChanged, &viewer_,
                    [this] { trapped("SSTab1_Click", [this] { SSTab1_Click(); }); });
 }
@@ -217,57 +220,59 @@ void AuditViewer::Members::TriggerQuery() {
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
-  const bool noticeWasShown = !std::exchange(notice_, {}).isEmpty();
+  notice_.clear();
+  answered(standardAnswer_, {.state = AnswerState::querying});
   const bool customPage = surface.currentTab() == query::customList;
+  // What is asked now: a host may choose otherwise before the answer is told.
+  const query::DateRange range = libraryState().dateRange;
+  const query::CategoryFlags flags = filterTree.flags();
+  control::ShownAnswer answer{.question = standardQuestion(),
+                              .connectionString = libraryState().connection.ConnectionString};
   query::QueryReport report;
   {
     std::array<std::optional<Change>, query::standardListCount> changes;
     for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface.models.at(i));
     // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
     const std::size_t sorted = customPage ? query::listCount : surface.currentTab();
-    report = query::runStandardQuery(filterTree, libraryState().dateRange, libraryState().connection.ConnectionString,
-                                     surroundings().connect, lists, sorted);
+    report = query::runStandardQuery(filterTree, range, answer.connectionString, surroundings().connect, lists, sorted);
   }
   if (customPage && report.outcome == query::QueryOutcome::filled)
     skipFailing([&] { surface.models.at(query::customList)->sortRows(); });
   for (control::ResultListView* list : surface.lvListView) list->showSortIcon();
 
-  const bool limitWasShown = std::exchange(rowLimitReached_, report.fullResults > 0);
-
   switch (report.outcome) {
     case query::QueryOutcome::noCriteria:
+      answered(standardAnswer_, {});
       message(MessageIcon::information, messageTitle(), loadText(noCriteria));
       break;
     case query::QueryOutcome::noRecords:
+      answer.state = AnswerState::nothingFound;
+      answered(standardAnswer_, std::move(answer));
       message(MessageIcon::information, noRecordsTitle(), loadText(noRecords));
       break;
     case query::QueryOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
-      setLastFailure({failure.number(), fromUtf8(settings::describe(failure, libraryState().language)),
-                      QDateTime::currentDateTime()});
+      answered(standardAnswer_, {.state = AnswerState::failed, .failure = failureText(failure)});
+      queryFailed(failure);
       break;
     }
     case query::QueryOutcome::filled:
+      answer.state = AnswerState::filled;
+      answer.alarmsOfAllDates = query::alarmsComeFromAllDates(flags, range);
+      answer.rowLimitReached = report.fullResults > 0;
+      answered(standardAnswer_, std::move(answer));
       break;
   }
-  if (alive && (rowLimitReached_ || limitWasShown || noticeWasShown)) showRestingText();
+}
+
+void AuditViewer::Members::queryFailed(const Error& failure) {
+  setLastFailure({failure.number(), failureText(failure), QDateTime::currentDateTime()});
 }
 
 void AuditViewer::Members::setLastFailure(LastFailure failure) {
   const bool changed = failure.time != lastFailure.time;
   lastFailure = std::move(failure);
   if (changed) Q_EMIT viewer_.LastFailureChanged();
-}
-
-/// An answer that the server cut off looks like a whole one: the status panel says so until the next query.
-QString AuditViewer::Members::restingText() const {
-  if (!rowLimitReached_) return notice_;
-  const QString limit = control::ownText("status.rowLimit");
-  return notice_.isEmpty() ? limit : notice_ + QStringLiteral(". ") + limit;
-}
-
-void AuditViewer::Members::showRestingText() {
-  surface.StatusBar1->setStatus(restingText());
 }
 
 void AuditViewer::Members::ViewTools(bool visable) {
@@ -295,8 +300,9 @@ void AuditViewer::Members::ListViewColSetup() {
 
 void AuditViewer::Members::clearAllLists() {
   for (const auto& model : surface.models) model->clear();
-  const bool noticeWasShown = !std::exchange(notice_, {}).isEmpty();
-  if (std::exchange(rowLimitReached_, false) || noticeWasShown) showRestingText();
+  notice_.clear();
+  answered(customAnswer_, {});
+  answered(standardAnswer_, {});
 }
 
 void AuditViewer::Members::OpenDefaultSQLServer() {
@@ -311,10 +317,12 @@ void AuditViewer::Members::SelectDatabase() {
   services->showForm(&viewer_, browserForm);
   if (!alive) return;
   // Deliberately also after Cancel, where an earlier selection is announced once more and its lists are cleared.
-  if (!libraryState().connection.ConnectionString.empty())
+  if (!libraryState().connection.ConnectionString.empty()) {
     announceSelection();
-  else
-    LockControls();
+    return;
+  }
+  LockControls();
+  followSelectionEverywhere();
 }
 
 void AuditViewer::Members::announceSelection() {
@@ -325,6 +333,7 @@ void AuditViewer::Members::announceSelection() {
   UnlockControls();
   clearAllLists();
   DisplayNoOfRecords();
+  followSelectionEverywhere();
 }
 
 void AuditViewer::Members::btQuery_Click() {
@@ -392,7 +401,8 @@ void AuditViewer::Members::lvListView_DblClick(control::ResultListView& list, in
 void AuditViewer::Members::SSTab1_Click() {
   offerCustomQuery();
   // What was noticed was about the page that was left.
-  if (!std::exchange(notice_, {}).isEmpty()) showRestingText();
+  notice_.clear();
+  followRestingText();
   // The panel speaks of the current tab: it follows when that changes.
   DisplayNoOfRecords();
 }

@@ -10,9 +10,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/error.h"
 #include "control/commands/command_item.h"
 #include "control/forms/record_view.h"
 #include "control/library_state.h"
+#include "control/shown_answer.h"
 #include "control/stored_properties.h"
 #include "control/surface.h"
 #include "korvel/AuditViewer.h"
@@ -172,9 +174,28 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void clearAllLists();
   void announceSelection();
   void setLastFailure(LastFailure failure);
+  /// Tells the host of a query that failed; the control may be gone afterwards.
+  void queryFailed(const Error& failure);
   /// What the status panel says while nothing goes on and no command is highlighted.
   [[nodiscard]] QString restingText() const;
   void showRestingText();
+  /// Brings the resting text up to date where the panel shows it.
+  void followRestingText();
+  /// The selected database is everybody's.
+  static void followSelectionEverywhere();
+  /// Whether a database has been selected that this instance can query.
+  [[nodiscard]] bool hasDatabase() const;
+  /// What the standard query would ask at present.
+  [[nodiscard]] std::string standardQuestion() const;
+  /// Whether the current page shows the answer to another question than would be asked at present.
+  [[nodiscard]] bool isOutOfDate() const;
+  /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
+  [[nodiscard]] QString alarmRemark() const;
+  [[nodiscard]] QString emptyText(const control::ShownAnswer& answer, bool custom) const;
+  /// What empty lists say in the place of records.
+  void showEmptyTexts();
+  /// From now on these lists show `answer`.
+  void answered(control::ShownAnswer& shown, control::ShownAnswer answer);
   [[nodiscard]] control::ResultListView& currentList();
   void message(control::MessageIcon icon, const QString& title, const QString& text);
 
@@ -188,7 +209,10 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   QPointer<control::ResultListView> popupList_;
   std::vector<LockedElement> lockTable_;
   bool locked_ = false;
-  bool rowLimitReached_ = false;
+  /// What the lists of the five standard pages show, and that of the custom page.
+  control::ShownAnswer standardAnswer_;
+  control::ShownAnswer customAnswer_;
+  QString shownRestingText_;
   bool customQueryRuns_ = false;
   /// How often a database was selected: an answer that was asked for before the last time is not shown.
   int selections_ = 0;

@@ -52,10 +52,7 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([&] { chooseHelpFile(); });
   skipFailing([&] { nameForAssistance(); });
   skipFailing([&] { nameCustomPage(); });
-  skipFailing([&] {
-    const QString noRecordsYet = control::ownText("list.empty");
-    for (control::ResultListView* list : surface.lvListView) list->setEmptyText(noRecordsYet);
-  });
+  skipFailing([&] { showEmptyTexts(); });
 }
 
 void AuditViewer::Members::chooseHelpFile() {
@@ -99,7 +96,10 @@ void AuditViewer::Members::showDateRange() {
 }
 
 void AuditViewer::Members::showDateRangeEverywhere() {
-  for (Members* instance : instances()) instance->showDateRange();
+  for (Members* instance : instances()) {
+    instance->showDateRange();
+    instance->followRestingText();
+  }
 }
 
 }  // namespace korvel

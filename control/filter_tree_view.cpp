@@ -42,11 +42,13 @@ void FilterTreeView::fill() {
 void FilterTreeView::checkAll() {
   tree_.selectAll();
   showChecks();
+  Q_EMIT checksChanged();
 }
 
 void FilterTreeView::uncheckAll() {
   tree_.unselectAll();
   showChecks();
+  Q_EMIT checksChanged();
 }
 
 void FilterTreeView::expandNodes() {
@@ -68,6 +70,7 @@ void FilterTreeView::nodeChecked(QTreeWidgetItem* item) {
   if (tree_.isChecked(node) == checked) return;
   tree_.setChecked(node, checked);
   showChecks();
+  Q_EMIT checksChanged();
 }
 
 void FilterTreeView::showChecks() {

@@ -22,6 +22,10 @@ class FilterTreeView final : public QTreeWidget {
   void uncheckAll();
   void expandNodes();
 
+ Q_SIGNALS:
+  /// Boxes were ticked or cleared.
+  void checksChanged();
+
  private:
   void nodeChecked(QTreeWidgetItem* item);
   void showChecks();

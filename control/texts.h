@@ -3,7 +3,9 @@
 #include <QString>
 #include <string_view>
 
+#include "base/error.h"
 #include "control/library_state.h"
+#include "settings/explained_error.h"
 
 namespace korvel::control {
 
@@ -19,6 +21,12 @@ namespace korvel::control {
 /// A text of our own in the current language, by its key.
 [[nodiscard]] inline QString ownText(std::string_view key) {
   return fromUtf8(settings::ownText(key, libraryState().language));
+}
+
+/// What a failure says in the current language, with the line of the text that failed where it names one.
+[[nodiscard]] inline QString failureText(const Error& error) {
+  const QString description = fromUtf8(settings::describe(error, libraryState().language));
+  return error.line() ? ownText("error.atLine").arg(description, QString::number(*error.line())) : description;
 }
 
 }  // namespace korvel::control

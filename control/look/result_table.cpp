@@ -142,7 +142,10 @@ ResultHeader* ResultTable::header() const {
 }
 
 void ResultTable::setEmptyText(const QString& text) {
+  if (text == emptyText_) return;
   emptyText_ = text;
+  // Painted text is nothing to who cannot see it.
+  setAccessibleDescription(text);
   viewport()->update();
 }
 

@@ -34,7 +34,8 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   /// The server to connect to when the control is shown; "(None)" or "" for none. Setting it connects to nothing.
   Q_PROPERTY(QString DefaultSQLServer READ DefaultSQLServer WRITE setDefaultSQLServer)
 
-  // Not among the stored properties: why the last query failed. The control itself is silent about it.
+  // Not among the stored properties: why the last query failed, a custom one too. Standard queries that fail show no
+  // message box; their lists say it where the records would be.
   /// The number of the failure, 0 while there is none.
   Q_PROPERTY(int LastFailureNumber READ LastFailureNumber NOTIFY LastFailureChanged STORED false)
   /// What went wrong, in the user's language or the server's words; empty while there is none.

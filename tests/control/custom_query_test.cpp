@@ -97,7 +97,11 @@ TEST_F(CustomQuery, AFailureIsSaidAndItsLineIsMarked) {
   editor(*viewer).setQueryText("select\r\nfrom x");
   server.failure = Error(208, "Invalid object name 'x'.", 2);
   QString statusBehindTheBox;
-  recorder->onMessage = [&] { statusBehindTheBox = statusPanel(*viewer); };
+  QString failureBehindTheBox;
+  recorder->onMessage = [&] {
+    statusBehindTheBox = statusPanel(*viewer);
+    failureBehindTheBox = lastFailure(*viewer);
+  };
   click(*viewer, "btQuery");
   EXPECT_THAT(recorder->messages,
               ElementsAre(ShownMessage{MessageIcon::critical, "",
@@ -110,11 +114,13 @@ TEST_F(CustomQuery, AFailureIsSaidAndItsLineIsMarked) {
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
   EXPECT_EQ(statusPanel(*viewer), "");
   EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
-  // Said already: nothing for the host to say again.
-  EXPECT_EQ(lastFailure(*viewer), "");
+  // The host hears of it too, and does not have to wait until the box is closed.
+  EXPECT_EQ(failureBehindTheBox, "208:Invalid object name 'x'. (line 2)");
+  EXPECT_EQ(lastFailure(*viewer), failureBehindTheBox);
 
   server.failure.reset();
   click(*viewer, "btQuery");
+  EXPECT_EQ(lastFailure(*viewer), "");
   EXPECT_EQ(editor(*viewer).errorLine(), std::nullopt);
 }
 
@@ -125,6 +131,15 @@ TEST_F(CustomQuery, ALineIsMarkedInTheTextThatFailedOnly) {
   viewer->TriggerAdvancedQuery("other");
   EXPECT_EQ(editor(*viewer).errorLine(), std::nullopt);
   EXPECT_EQ(recorder->messages.at(0).text, "102:Error in TriggerAdvancedQuery.  Error Message: %1 %2 (line 1)");
+}
+
+TEST_F(CustomQuery, AViewerMayDieWhileItsFailureIsAnnounced) {
+  auto viewer = customPage();
+  server.failure = Error(208, "Invalid object name 'x'.");
+  QObject::connect(viewer.get(), &AuditViewer::LastFailureChanged, [&] { viewer.reset(); });
+  viewer->TriggerAdvancedQuery("x");
+  EXPECT_EQ(viewer, nullptr);
+  EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
 TEST_F(CustomQuery, WithoutADatabaseItSaysSo) {

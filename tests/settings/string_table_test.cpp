@@ -162,9 +162,9 @@ TEST(StringTable, TheDateButtonsTextsFitTheirButtons) {
 }
 
 TEST(OwnTexts, LoadByKey) {
-  EXPECT_EQ(ownText("list.empty", LanguageOffset()), "No records yet");
-  EXPECT_EQ(ownText("list.empty", LanguageOffset("10000")), "Noch keine Datensätze");
-  EXPECT_EQ(ownText("list.empty", LanguageOffset("nonsense")), "No records yet");
+  EXPECT_EQ(ownText("list.nothingFound", LanguageOffset()), "No records found");
+  EXPECT_EQ(ownText("list.nothingFound", LanguageOffset("10000")), "Keine Datensätze gefunden");
+  EXPECT_EQ(ownText("list.nothingFound", LanguageOffset("nonsense")), "No records found");
   EXPECT_THROW(static_cast<void>(ownText("list.nothing", LanguageOffset())), std::out_of_range);
   EXPECT_THROW(static_cast<void>(ownText("", LanguageOffset())), std::out_of_range);
 }
@@ -173,9 +173,9 @@ TEST(OwnTexts, ManyThreadsMayAskFirst) {
   std::vector<std::thread> threads;
   std::vector<std::string> answers(8);
   for (auto& answer : answers)
-    threads.emplace_back([&answer] { answer = ownText("list.empty", LanguageOffset("40000")); });
+    threads.emplace_back([&answer] { answer = ownText("list.nothingFound", LanguageOffset("40000")); });
   for (auto& thread : threads) thread.join();
-  EXPECT_EQ(answers, std::vector<std::string>(8, "Ancora nessun record"));
+  EXPECT_EQ(answers, std::vector<std::string>(8, "Nessun record trovato"));
 }
 
 TEST(Filled, PutsValuesIntoTheirPlaces) {

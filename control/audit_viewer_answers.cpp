@@ -1,0 +1,116 @@
+// What the control says of the answers that its lists show: in the status panel, and where records would be.
+#include <QStringList>
+#include <utility>
+
+#include "control/audit_viewer_members.h"
+#include "control/texts.h"
+#include "query/alarm_dates.h"
+
+namespace korvel {
+
+using control::AnswerState;
+using control::libraryState;
+using control::loadText;
+using control::ownText;
+using control::ShownAnswer;
+
+namespace {
+
+/// Alarm rows are changes of the configuration: the other pages have none.
+bool showsAlarms(std::size_t page) {
+  constexpr std::size_t allAudits = 0;
+  constexpr std::size_t configuration = 1;
+  return page == allAudits || page == configuration;
+}
+
+}  // namespace
+
+bool AuditViewer::Members::hasDatabase() const {
+  return selections_ > 0 && !libraryState().connection.ConnectionString.empty();
+}
+
+std::string AuditViewer::Members::standardQuestion() const {
+  return query::queryAuditsText(filterTree.flags(), libraryState().dateRange);
+}
+
+bool AuditViewer::Members::isOutOfDate() const {
+  const db::ConnectionState& connection = libraryState().connection;
+  if (surface.currentTab() == query::customList)
+    return customAnswer_.isAnswer() && customAnswer_.connectionString != connection.AdvancedConnectionString;
+  return standardAnswer_.isAnswer() && (standardAnswer_.connectionString != connection.ConnectionString ||
+                                        standardAnswer_.question != standardQuestion());
+}
+
+QString AuditViewer::Members::alarmRemark() const {
+  return standardAnswer_.alarmsOfAllDates && showsAlarms(surface.currentTab()) ? ownText(query::alarmsOfAllDatesText)
+                                                                               : QString();
+}
+
+/// An answer that the server cut off looks like a whole one, and one that is out of date like the present one: the
+/// status panel says so until the next query.
+QString AuditViewer::Members::restingText() const {
+  QStringList sentences;
+  const auto say = [&](const QString& sentence) {
+    if (!sentence.isEmpty()) sentences.append(sentence);
+  };
+  say(notice_);
+  if (isOutOfDate()) say(ownText("status.outOfDate"));
+  say(alarmRemark());
+  // Another range would change nothing about alarm rows of all dates.
+  if (standardAnswer_.rowLimitReached)
+    say(ownText(standardAnswer_.alarmsOfAllDates ? "status.rowLimitOfFilter" : "status.rowLimit"));
+  return sentences.join(QStringLiteral(". "));
+}
+
+void AuditViewer::Members::showRestingText() {
+  shownRestingText_ = restingText();
+  surface.StatusBar1->setStatus(shownRestingText_);
+}
+
+void AuditViewer::Members::followRestingText() {
+  // The progress of a query and the help of a command stay until they end; what is to be said then is asked anew.
+  if (surface.StatusBar1->status() == shownRestingText_) showRestingText();
+}
+
+void AuditViewer::Members::followSelectionEverywhere() {
+  for (Members* instance : instances()) {
+    instance->followRestingText();
+    instance->showEmptyTexts();
+  }
+}
+
+QString AuditViewer::Members::emptyText(const ShownAnswer& answer, bool custom) const {
+  constexpr int selectDatabase = 10044;
+  constexpr int runQuery = 10046;
+  constexpr int noRecords = 10061;
+  switch (answer.state) {
+    case AnswerState::notQueried:
+      if (!hasDatabase()) return ownText("list.noDatabase").arg(loadText(selectDatabase));
+      return ownText(custom ? "list.customNotQueried" : "list.notQueried").arg(loadText(runQuery));
+    case AnswerState::querying:
+      return ownText("list.querying");
+    case AnswerState::filled:
+    case AnswerState::nothingFound:
+      return custom ? ownText("list.nothingFound") : loadText(noRecords);
+    case AnswerState::stopped:
+      return ownText("custom.stopped");
+    case AnswerState::failed:
+      return ownText("list.failed").arg(answer.failure);
+  }
+  return {};
+}
+
+void AuditViewer::Members::showEmptyTexts() {
+  for (std::size_t page = 0; page < surface.lvListView.size(); ++page) {
+    const bool custom = page == query::customList;
+    surface.lvListView.at(page)->setEmptyText(emptyText(custom ? customAnswer_ : standardAnswer_, custom));
+  }
+}
+
+void AuditViewer::Members::answered(ShownAnswer& shown, ShownAnswer answer) {
+  shown = std::move(answer);
+  showEmptyTexts();
+  followRestingText();
+}
+
+}  // namespace korvel
