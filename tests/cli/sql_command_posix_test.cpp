@@ -25,6 +25,20 @@ namespace {
 using nlohmann::json;
 using test::ToolRun;
 
+/// While it lives, a signal does what it is told to here: started in the background or without a terminal, the tests
+/// may have been told to ignore some.
+class SignalSetting {
+ public:
+  SignalSetting(int signal, void (*handler)(int)) : signal_(signal), before_(std::signal(signal, handler)) {}
+  ~SignalSetting() { static_cast<void>(std::signal(signal_, before_)); }
+  SignalSetting(const SignalSetting&) = delete;
+  SignalSetting& operator=(const SignalSetting&) = delete;
+
+ private:
+  int signal_;
+  void (*before_)(int);
+};
+
 TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
   writeWholeFile(folder / "q.vqf", "select 1");
   std::filesystem::create_symlink("q.vqf", folder / "link");
@@ -47,6 +61,7 @@ TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
 TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
   writeWholeFile(folder / "out", "earlier");
   server.answer[0].rows.assign(100'000, {"1", "x", "y"});
+  const SignalSetting heard(SIGINT, SIG_DFL);
   server.refusesExecution = [] { std::raise(SIGINT); };
   for (const std::string& format : allFormats) {
     server.rowsOffered = 0;
@@ -91,16 +106,23 @@ TEST_F(SqlCommand, AWorkbookThatCannotBeKeptIsAFailureOfTheOutput) {
 
 TEST_F(SqlCommand, EveryRequestToEndStopsIt) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    // Started without a terminal, the tests may have been told to ignore some.
-    const auto before = std::signal(signal, SIG_DFL);
+    const SignalSetting heard(signal, SIG_DFL);
     server.refusesExecution = [signal] { std::raise(signal); };
     EXPECT_EQ(run({"q", "--format", "csv", "--output", file("out")}).status, exitStopped) << signal;
-    static_cast<void>(std::signal(signal, before));
   }
   EXPECT_EQ(filesInFolder(), 0U);
 }
 
+TEST_F(SqlCommand, WhatItWasStartedToIgnoreDoesNotStopIt) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const SignalSetting ignored(signal, SIG_IGN);
+    server.refusesExecution = [signal] { std::raise(signal); };
+    EXPECT_EQ(run({"q", "--format", "csv"}).status, exitDone) << signal;
+  }
+}
+
 TEST_F(SqlCommand, StoppedWhileItIsWrittenLeavesNoFile) {
+  const SignalSetting heard(SIGINT, SIG_DFL);
   server.onClose = [] { std::raise(SIGINT); };
   for (const std::string& format : allFormats) {
     const ToolRun tool = run({"q", "--format", format, "--output", file("out")});

@@ -41,7 +41,8 @@ TEST(ConnectionString, readsEnclosedValues) {
 TEST(ConnectionString, refusesWhatIsNone) {
   for (const char* text : {"", "   ", ";;", "Server", "Server;Database=D", "=S;Database=D", "Server=S", "Database=D",
                            "Server=;Database=D", "Server=S;Database=", "Server='S;Database=D", "Server={S;Database=D",
-                           "Server='S' T;Database=D", "hello world"}) {
+                           "Server='S' T;Database=D", "Server=S;Database=D;stray;Workstation ID=X",
+                           "stray;Server=S;Database=D", "Server=S;Database=D;stray", "hello world"}) {
     const auto error = test::errorOf([&] { (void)parseConnectionString(text); });
     ASSERT_TRUE(error) << text;
     EXPECT_NE(error->number(), 0) << text;

@@ -55,10 +55,26 @@ TEST(QueryAuditsCall, readsValuesByName) {
 }
 
 TEST(QueryAuditsCall, leavesOtherTextsAlone) {
-  for (const char* text : {"", "   ", ";", "SELECT * FROM Korvel_Audit_Trails", "Select 'QueryAudits'",
-                           "QueryAuditsOld '1'", "QueryAudits2", "xQueryAudits '1'", "EXEC OtherProcedure '1'",
-                           "other.QueryAudits '1'", "dbo.QueryAudits.x", "EXEC", "exec sp_help", "'QueryAudits'",
-                           "-- QueryAudits", "/* QueryAudits", "[QueryAudits", "QueryAudits(1)", "1 QueryAudits"})
+  for (const char* text : {"",
+                           "   ",
+                           ";",
+                           "SELECT * FROM Korvel_Audit_Trails",
+                           "Select 'QueryAudits'",
+                           "QueryAuditsOld '1'",
+                           "QueryAudits2",
+                           "QueryAudits$Old '1'",
+                           "xQueryAudits '1'",
+                           "EXEC OtherProcedure '1'",
+                           "other.QueryAudits '1'",
+                           "dbo.QueryAudits.x",
+                           "EXEC",
+                           "exec sp_help",
+                           "'QueryAudits'",
+                           "-- QueryAudits",
+                           "/* QueryAudits",
+                           "[QueryAudits",
+                           "QueryAudits(1)",
+                           "1 QueryAudits"})
     EXPECT_EQ(values(text), "-") << text;
 }
 

@@ -39,6 +39,7 @@ TEST(WindowsError, WhatIsMissingIsAFileForAReaderAndAPathForAWriter) {
   EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::read).number(), 53);
   EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::read).description(), "File not found");
   EXPECT_EQ(raised(std::errc::no_such_file_or_directory, FileTask::write).number(), 76);
+  EXPECT_EQ(raised(std::errc::not_a_directory, FileTask::read).number(), 76) << "a path through a file";
 }
 
 TEST(WindowsError, FailureWithoutACounterpartStaysItself) {

@@ -39,6 +39,7 @@ TEST(SqlTokens, WordsAreKeywordsInAnyCaseOrNames) {
   EXPECT_EQ(tokens(u"Select * from Korvel_Audit_Trails"),
             "keyword:Select|other:*|keyword:from|name:Korvel_Audit_Trails");
   EXPECT_EQ(tokens(u"sElEcT selects a#b _x #temp"), "keyword:sElEcT|name:selects|name:a#b|name:_x|name:#temp");
+  EXPECT_EQ(tokens(u"Old$Value x$ _$1"), "name:Old$Value|name:x$|name:_$1");
   EXPECT_EQ(tokens(u"Größe \u4E2D"), "name:Gr??e|name:?");
 }
 

@@ -332,6 +332,7 @@ TEST(PlatformBackend, KeepsSettingsInTheNamedFile) {
 
 TEST(SystemErrorNumber, AreThoseThatUsersKnow) {
   EXPECT_EQ(systemErrorNumber(ENOENT), 2U);
+  EXPECT_EQ(systemErrorNumber(ENOTDIR), 3U) << "a path through a file is no setting that was never written";
   EXPECT_EQ(systemErrorNumber(EACCES), 5U);
   EXPECT_EQ(systemErrorNumber(EROFS), 19U);
   EXPECT_EQ(systemErrorNumber(ENOSPC), 112U);
