@@ -5,6 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "base/whole_file.h"
+#include "db/procedure/audit_conditions.h"
+
 namespace korvel {
 namespace {
 
@@ -32,6 +35,10 @@ TEST(ComponentLibrary, ExportsTheControlAndNothingElse) {
     EXPECT_EQ(symbol.find("AuditViewer::Members"), std::string::npos) << symbol;
     begin = end + 1;
   }
+}
+
+TEST(ComponentLibrary, CarriesTheInstallationTextOfTheProcedureWhole) {
+  EXPECT_NE(readWholeFile(KORVEL_LIBRARY).find(db::queryAuditsScript()), std::string::npos);
 }
 
 }  // namespace
