@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "db/embedded/server_date.h"
+#include "db/embedded/stored_times.h"
 
 namespace korvel::db {
 namespace {
@@ -57,18 +58,13 @@ std::string conjunctionText(Conjunction conjunction) {
   return text;
 }
 
-/// The date condition. Stored times may lack milliseconds, seconds or the whole time, or have a "T" in the middle;
-/// those that the first and last day do not settle are brought to the canonical form. The outer bounds are what an
-/// index on DateTime serves: "~" sorts behind everything that can follow a day.
+/// The date condition. The outer bounds are what an index on DateTime serves: "~" sorts behind everything that can
+/// follow a day. Whether a text between them is a time at all, and one of the first and the last day within the range,
+/// its characters tell one by one.
 std::string dateText(const std::string& from, const std::string& to) {
   constexpr std::size_t dayLength = 10;
-  const std::string firstDay = from.substr(0, dayLength);
-  const std::string lastDay = to.substr(0, dayLength);
-  const std::string canonical =
-      "substr(rtrim(replace(DateTime, 'T', ' '), ' Z') || "
-      "substr(' 00:00:00.000', length(rtrim(DateTime, ' Z')) - 9), 1, 23)";
-  return "DateTime >= '" + firstDay + "' AND DateTime < '" + lastDay + "~' AND (DateTime > '" + firstDay +
-         "~' AND DateTime < '" + lastDay + "' OR " + canonical + " BETWEEN '" + from + "' AND '" + to + "')";
+  return "DateTime >= '" + from.substr(0, dayLength) + "' AND DateTime < '" + to.substr(0, dayLength) + "~' AND " +
+         std::string(storedTimeFunction) + "(DateTime, '" + from + "', '" + to + "')";
 }
 
 std::string selection(std::string_view columns, const std::string& condition, std::string_view tableOrder) {

@@ -1,7 +1,8 @@
 #include "db/embedded/server_date.h"
 
 #include <chrono>
-#include <optional>
+#include <cstddef>
+#include <limits>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -42,6 +43,7 @@ class Digits {
     }
     return text_.size() < before;
   }
+  [[nodiscard]] bool startsWithDigit() const { return !text_.empty() && text_[0] >= '0' && text_[0] <= '9'; }
   [[nodiscard]] bool atEnd() const { return text_.empty(); }
 
  private:
@@ -60,7 +62,7 @@ bool readDate(Digits& digits, Moment& moment) {
   return readInto(moment.month, digits, 1, 2) && digits.take('-') && readInto(moment.day, digits, 1, 2);
 }
 
-bool readFraction(Digits& digits, Moment& moment) {
+bool readFraction(Digits& digits, Moment& moment, std::size_t mostDigits) {
   int scale = 100;
   std::size_t count = 0;
   while (const auto digit = digits.number(1, 1)) {
@@ -68,15 +70,14 @@ bool readFraction(Digits& digits, Moment& moment) {
     scale /= 10;
     ++count;
   }
-  constexpr std::size_t mostFractionDigits = 7;
-  return count > 0 && count <= mostFractionDigits;
+  return count > 0 && count <= mostDigits;
 }
 
-bool readTime(Digits& digits, Moment& moment) {
+bool readTime(Digits& digits, Moment& moment, std::size_t mostFractionDigits) {
   if (!readInto(moment.hour, digits, 1, 2) || !digits.take(':') || !readInto(moment.minute, digits, 1, 2)) return false;
   if (!digits.take(':')) return true;
   if (!readInto(moment.second, digits, 1, 2)) return false;
-  return !digits.take('.') || readFraction(digits, moment);
+  return !digits.take('.') || readFraction(digits, moment, mostFractionDigits);
 }
 
 bool readMoment(std::string_view text, Moment& moment) {
@@ -84,7 +85,35 @@ bool readMoment(std::string_view text, Moment& moment) {
   Digits digits(text);
   if (!readDate(digits, moment)) return false;
   if (digits.atEnd()) return true;
-  return (digits.take('T') || digits.takeBlanks()) && readTime(digits, moment) && digits.atEnd();
+  constexpr std::size_t mostFractionDigits = 7;
+  return (digits.take('T') || digits.takeBlanks()) && readTime(digits, moment, mostFractionDigits) && digits.atEnd();
+}
+
+/// The date of a stored time, in ten characters.
+bool readWholeDate(Digits& digits, Moment& moment) {
+  return readInto(moment.year, digits, 4, 4) && digits.take('-') && readInto(moment.month, digits, 2, 2) &&
+         digits.take('-') && readInto(moment.day, digits, 2, 2);
+}
+
+/// How far a clock is from that of Greenwich, where it is said: "Z", "+01:00", "-0330".
+bool passOverOffset(Digits& digits) {
+  digits.takeBlanks();
+  if (digits.take('Z') || !(digits.take('+') || digits.take('-'))) return true;
+  if (!digits.number(2, 2)) return false;
+  digits.take(':');
+  return digits.number(2, 2).has_value();
+}
+
+bool readStored(std::string_view text, Moment& moment) {
+  Digits digits(text);
+  if (!readWholeDate(digits, moment)) return false;
+  if (digits.take('T') || (digits.takeBlanks() && digits.startsWithDigit())) {
+    constexpr std::size_t anyNumberOfDigits = std::numeric_limits<std::size_t>::max();
+    if (!readTime(digits, moment, anyNumberOfDigits)) return false;
+  }
+  if (!passOverOffset(digits)) return false;
+  digits.takeBlanks();
+  return digits.atEnd();
 }
 
 bool exists(const Moment& moment) {
@@ -94,11 +123,23 @@ bool exists(const Moment& moment) {
   return date.ok() && moment.year >= firstServerYear && moment.hour < 24 && moment.minute < 60 && moment.second < 60;
 }
 
-void appendPadded(std::string& text, int value, std::size_t width, char separator) {
-  const std::string digits = std::to_string(value);
-  text.append(width - digits.size(), '0');
-  text += digits;
-  if (separator != '\0') text += separator;
+CanonicalTime canonical(const Moment& moment) noexcept {
+  struct Part {
+    int value;
+    std::size_t width;
+    char separator;
+  };
+  CanonicalTime text{};
+  std::size_t at = 0;
+  for (const auto& [value, width, separator] :
+       {Part{moment.year, 4, '-'}, Part{moment.month, 2, '-'}, Part{moment.day, 2, ' '}, Part{moment.hour, 2, ':'},
+        Part{moment.minute, 2, ':'}, Part{moment.second, 2, '.'}, Part{moment.millisecond, 3, '\0'}}) {
+    int rest = value;
+    for (std::size_t digit = width; digit-- > 0; rest /= 10) text.at(at + digit) = static_cast<char>('0' + rest % 10);
+    at += width;
+    if (separator != '\0') text.at(at++) = separator;
+  }
+  return text;
 }
 
 }  // namespace
@@ -111,15 +152,14 @@ std::string canonicalServerDate(std::string_view text, std::string_view paramete
   if (!exists(moment))
     throw Error(dateOutOfRange, "\"" + std::string(text) + "\" is a date or time that does not exist (@" +
                                     std::string(parameter) + " of QueryAudits).");
-  std::string canonical;
-  appendPadded(canonical, moment.year, 4, '-');
-  appendPadded(canonical, moment.month, 2, '-');
-  appendPadded(canonical, moment.day, 2, ' ');
-  appendPadded(canonical, moment.hour, 2, ':');
-  appendPadded(canonical, moment.minute, 2, ':');
-  appendPadded(canonical, moment.second, 2, '.');
-  appendPadded(canonical, moment.millisecond, 3, '\0');
-  return canonical;
+  const CanonicalTime time = canonical(moment);
+  return {time.begin(), time.end()};
+}
+
+std::optional<CanonicalTime> canonicalStoredTime(std::string_view text) noexcept {
+  Moment moment;
+  if (!readStored(text, moment) || !exists(moment)) return std::nullopt;
+  return canonical(moment);
 }
 
 }  // namespace korvel::db

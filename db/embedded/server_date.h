@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,5 +13,13 @@ namespace korvel::db {
 /// text is 1900-01-01, as there. A fraction is cut after the milliseconds. Throws Error with the server's number: 241
 /// for a text that is no date, 242 for a date that no calendar has.
 [[nodiscard]] std::string canonicalServerDate(std::string_view text, std::string_view parameter);
+
+/// A moment in the same form.
+using CanonicalTime = std::array<char, 23>;
+
+/// A stored time in the same form. It begins with the whole date, year-month-day in ten characters; hours:minutes,
+/// seconds and a fraction may follow, after blanks or "T", and behind them "Z" or an offset, which is passed over: what
+/// counts is the clock on the wall. Nothing for a text that is no such time, or one that no calendar has.
+[[nodiscard]] std::optional<CanonicalTime> canonicalStoredTime(std::string_view text) noexcept;
 
 }  // namespace korvel::db

@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "db/embedded/stored_times.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -146,6 +147,7 @@ void SqliteDatabase::lockDown(std::chrono::milliseconds busyTimeout) {
   // No memory mapping: a file that another program cuts short would end the process instead of giving an error.
   run("PRAGMA mmap_size=0");
   run("SELECT count(*) FROM sqlite_schema");
+  if (const int code = addStoredTimeFunction(handle); code != SQLITE_OK) throw error(code);
   guard_.install(handle);
 }
 
