@@ -13,9 +13,16 @@ constexpr UINT foldersAndFiles = 8193;
 
 using PathBuffer = std::array<char, MAX_PATH>;
 
+/// Selects the folder whose path is `data` as soon as the dialog has its tree.
+int CALLBACK selectBeginning(HWND dialog, UINT message, LPARAM /*parameter*/, LPARAM data) {
+  if (message == BFFM_INITIALIZED) SendMessageA(dialog, BFFM_SETSELECTIONA, TRUE, data);
+  return 0;
+}
+
 }  // namespace
 
-std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles) {
+std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles,
+                                       const QString& beginning) {
   // Narrow calls speak the process's code page, which need not be the system's.
   const QByteArray titleBytes = title.toLocal8Bit();
   PathBuffer displayName{};
@@ -23,6 +30,11 @@ std::optional<QString> browseForFolder(const FolderShell& shell, const QString& 
   request.pszDisplayName = displayName.data();
   request.lpszTitle = titleBytes.constData();
   request.ulFlags = showFiles ? foldersAndFiles : foldersOnly;
+  const QByteArray beginningBytes = beginning.toLocal8Bit();
+  if (!beginning.isEmpty()) {
+    request.lpfn = &selectBeginning;
+    request.lParam = reinterpret_cast<LPARAM>(beginningBytes.constData());
+  }
   const LPITEMIDLIST item = shell.browse(&request);
   if (item == nullptr) return std::nullopt;
 

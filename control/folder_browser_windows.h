@@ -17,7 +17,9 @@ struct FolderShell {
 };
 
 /// Shows the shell's dialog under `title`. The path is the shell's to the letter: that of a drive ends in a backslash.
-/// Nothing for a cancelled dialog, and for what the shell gives no path for. Texts go through the system's code page.
-[[nodiscard]] std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles);
+/// Begins at the folder `beginning`, unless that is empty. Nothing for a cancelled dialog, and for what the shell gives
+/// no path for. Texts go through the system's code page.
+[[nodiscard]] std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles,
+                                                     const QString& beginning = {});
 
 }  // namespace korvel::control

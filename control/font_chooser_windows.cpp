@@ -39,6 +39,7 @@ LOGFONTW described(const QFont& font) {
 
 std::optional<QFont> chooseFontWith(FontDialog dialog, HWND owner, const QFont& current) {
   LOGFONTW description = described(current);
+  const double offeredPoints = -description.lfHeight * pointsOfAnInch / resolution();
   CHOOSEFONTW request{};
   request.lStructSize = sizeof(request);
   request.hwndOwner = owner;
@@ -47,7 +48,11 @@ std::optional<QFont> chooseFontWith(FontDialog dialog, HWND owner, const QFont& 
   if (dialog(&request) == 0) return std::nullopt;
 
   QFont chosen(QString::fromWCharArray(description.lfFaceName));
-  chosen.setPointSizeF(request.iPointSize / stepsOfAPoint);
+  // The dialog counts in pixels and tells tenths of a point: a size that it was only offered stays what it was.
+  const double size = request.iPointSize / stepsOfAPoint;
+  const auto isNear = [size](double points) { return std::abs(size - points) < 1 / stepsOfAPoint; };
+  const bool untouched = isNear(current.pointSizeF()) || isNear(offeredPoints);
+  chosen.setPointSizeF(untouched && current.pointSizeF() > 0 ? current.pointSizeF() : size);
   chosen.setBold(description.lfWeight >= FW_SEMIBOLD);
   chosen.setItalic(description.lfItalic != 0);
   return chosen;

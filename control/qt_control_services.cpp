@@ -110,7 +110,9 @@ std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& 
 
 std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
   const PointerForDialog pointer;
-  return chooseSystemFolder(owner, title, showFiles);
+  const std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, lastFolder_);
+  if (folder) lastFolder_ = *folder;
+  return folder;
 }
 
 QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {

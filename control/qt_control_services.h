@@ -31,6 +31,7 @@ class QtControlServices final : public ControlServices {
 
  private:
   QHash<QString, FormMaker> forms_;
+  QString lastFolder_;  ///< that was chosen
   bool hourglass_ = false;
 };
 

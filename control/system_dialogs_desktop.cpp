@@ -1,5 +1,6 @@
 // Fonts, folders and printers as the toolkit asks for them.
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDialog>
 #include <QPointer>
 
@@ -9,13 +10,23 @@
 namespace korvel::control {
 
 std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
-  bool chosen = false;
-  const QFont font = QFontDialog::getFont(&chosen, current, owner);
-  return chosen ? std::optional(font) : std::nullopt;
+  const QPointer<QFontDialog> dialog = new QFontDialog(current, owner);
+  const QFont offered = dialog->currentFont();
+  const bool accepted = dialog->exec() == QDialog::Accepted && dialog;
+  QFont chosen = accepted ? dialog->selectedFont() : QFont();
+  delete dialog;
+  if (!accepted) return std::nullopt;
+  if (chosen == offered) return current;
+  if (chosen.families() == offered.families()) chosen.setFamilies(current.families());
+  if (chosen.pointSizeF() == offered.pointSizeF() && current.pointSizeF() > 0)
+    chosen.setPointSizeF(current.pointSizeF());
+  return chosen;
 }
 
-std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, bool showFiles) {
+std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, bool showFiles,
+                                          const QString& beginning) {
   const QPointer<QFileDialog> dialog = new QFileDialog(owner, title);
+  if (QFileInfo(beginning).isDir()) dialog->setDirectory(beginning);
   dialog->setFileMode(QFileDialog::Directory);
   dialog->setOption(QFileDialog::ShowDirsOnly, !showFiles);
   const bool chosen = dialog->exec() == QDialog::Accepted && dialog;

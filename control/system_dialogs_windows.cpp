@@ -18,10 +18,11 @@ std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
   return chooseFontWith(&ChooseFontW, window, current);
 }
 
-std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles) {
+std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles,
+                                          const QString& beginning) {
   // The dialog deliberately has no owner; nothing behind it may be used all the same.
   const WindowsStopped stopped;
-  return browseForFolder({&SHBrowseForFolderA, &SHGetPathFromIDListA, &CoTaskMemFree}, title, showFiles);
+  return browseForFolder({&SHBrowseForFolderA, &SHGetPathFromIDListA, &CoTaskMemFree}, title, showFiles, beginning);
 }
 
 bool chooseSystemPrinter(QWidget* owner, QPrinter& printer) {

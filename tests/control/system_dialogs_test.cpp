@@ -4,6 +4,8 @@
 #include <QDialog>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <filesystem>
+#include <functional>
 
 #include "control/qt_control_services.h"
 #include "tests/control/when_modal.h"
@@ -27,6 +29,71 @@ TEST(SystemDialogs, AnAcceptedFontIsTheDialogs) {
   const auto font = services.chooseFont(nullptr, QFont());
   ASSERT_TRUE(font.has_value());
   EXPECT_EQ(font->pointSize(), 17);
+}
+
+TEST(SystemDialogs, AFontThatIsLeftAsItIsOfferedStays) {
+  QtControlServices services;
+  // Neither the name nor the size is one that the dialog has.
+  QFont current("no such font");
+  current.setPointSizeF(9.75);
+  const WhenModal accept([](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->accept(); });
+  const auto font = services.chooseFont(nullptr, current);
+  ASSERT_TRUE(font.has_value());
+  EXPECT_EQ(font->family(), "no such font");
+  EXPECT_EQ(font->pointSizeF(), 9.75);
+}
+
+TEST(SystemDialogs, OfAFontOnlyWhatIsChangedIsAnother) {
+  QtControlServices services;
+  QFont current("no such font");
+  current.setPointSizeF(9.75);
+  const auto changed = [&](const std::function<void(QFontDialog&, QFont)>& change) {
+    const WhenModal choose([&](QWidget* dialog) {
+      auto& fonts = *qobject_cast<QFontDialog*>(dialog);
+      change(fonts, fonts.currentFont());
+      fonts.accept();
+    });
+    return services.chooseFont(nullptr, current).value_or(QFont());
+  };
+  const QFont larger = changed([](QFontDialog& fonts, QFont font) {
+    font.setPointSize(17);
+    fonts.setCurrentFont(font);
+  });
+  EXPECT_EQ(larger.family(), "no such font");
+  EXPECT_EQ(larger.pointSizeF(), 17);
+  const QFont other = changed([](QFontDialog& fonts, QFont font) {
+    font.setFamilies({"DejaVu Serif"});
+    fonts.setCurrentFont(font);
+  });
+  EXPECT_EQ(other.family(), "DejaVu Serif");
+  EXPECT_EQ(other.pointSizeF(), 9.75);
+}
+
+TEST(SystemDialogs, AFolderBeginsWhereTheLastOneEnded) {
+  QtControlServices services;
+  const test::TemporaryFolder folder;
+  std::filesystem::create_directory(folder / "first");
+  const QString first = QString::fromStdString((folder / "first").string());
+  QString begun;
+  const auto choose = [&](bool accepted) {
+    const WhenModal answer([&](QWidget* dialog) {
+      auto* files = qobject_cast<QFileDialog*>(dialog);
+      ASSERT_NE(files, nullptr);
+      begun = files->directory().absolutePath();
+      if (begun != first) files->setDirectory(accepted ? first : QDir::rootPath());
+      QMetaObject::invokeMethod(files, accepted ? "accept" : "reject");
+    });
+    return services.chooseFolder(nullptr, "Browse", false);
+  };
+  EXPECT_EQ(choose(true), first);
+  EXPECT_NE(begun, first);
+  EXPECT_EQ(choose(false), std::nullopt);
+  EXPECT_EQ(begun, first);
+  EXPECT_EQ(choose(true), first) << "a cancelled one was no end";
+  EXPECT_EQ(begun, first);
+  std::filesystem::remove(folder / "first");
+  choose(false);
+  EXPECT_TRUE(QFileInfo::exists(begun)) << begun.toStdString();
 }
 
 TEST(SystemDialogs, AFolderIsChosenAsItIsNamed) {

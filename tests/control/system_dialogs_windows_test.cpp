@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -20,6 +21,7 @@ struct Shell {
   bool rooted = true;
   std::string displayName;
   std::string path;  ///< what the item is called; empty for one without a path
+  std::string beginning;
   bool cancelled = false;
   int released = 0;
 };
@@ -31,6 +33,7 @@ LPITEMIDLIST WINAPI browse(LPBROWSEINFOA request) {
   shell->flags = request->ulFlags;
   shell->owned = request->hwndOwner != nullptr;
   shell->rooted = request->pidlRoot != nullptr;
+  shell->beginning = request->lpfn == nullptr ? "" : reinterpret_cast<const char*>(request->lParam);
   // As long as the shell may make it, its terminator counted.
   shell->displayName.assign(request->pszDisplayName, MAX_PATH);
   std::fill_n(request->pszDisplayName, MAX_PATH, 'x');
@@ -53,8 +56,8 @@ class FolderBrowser : public ::testing::Test {
  protected:
   FolderBrowser() { shell = &played; }
   ~FolderBrowser() override { shell = nullptr; }
-  std::optional<QString> answerFor(const QString& title, bool showFiles) {
-    return browseForFolder({&browse, &pathOf, &release}, title, showFiles);
+  std::optional<QString> answerFor(const QString& title, bool showFiles, const QString& beginning = {}) {
+    return browseForFolder({&browse, &pathOf, &release}, title, showFiles, beginning);
   }
 
   Shell played;
@@ -70,6 +73,13 @@ TEST_F(FolderBrowser, IsCalledWithItsNumbersAndWithoutOwnerOrRoot) {
   EXPECT_EQ(played.displayName, std::string(MAX_PATH, '\0'));
   answerFor("Browse", true);
   EXPECT_EQ(played.flags, 8193U);
+}
+
+TEST_F(FolderBrowser, BeginsWhereItIsTold) {
+  answerFor("t", false, "D:\\Exports");
+  EXPECT_EQ(played.beginning, "D:\\Exports");
+  answerFor("t", false);
+  EXPECT_EQ(played.beginning, "");
 }
 
 TEST_F(FolderBrowser, GivesTheItemBackWhateverBecameOfIt) {
@@ -103,6 +113,7 @@ struct Fonts {
   DWORD flags = 0;
   LOGFONTW offered{};
   bool cancelled = false;
+  INT answeredSize = 98;
 };
 Fonts* fonts = nullptr;
 
@@ -115,7 +126,7 @@ BOOL WINAPI chooseFont(LPCHOOSEFONTW request) {
   std::wcscpy(request->lpLogFont->lfFaceName, L"Courier New");
   request->lpLogFont->lfWeight = FW_BOLD;
   request->lpLogFont->lfItalic = TRUE;
-  request->iPointSize = 98;
+  request->iPointSize = fonts->answeredSize;
   return TRUE;
 }
 
@@ -149,6 +160,22 @@ TEST_F(FontChooser, TakesNameSizeBoldAndItalic) {
   EXPECT_DOUBLE_EQ(chosen->pointSizeF(), 9.8);
   EXPECT_TRUE(chosen->bold());
   EXPECT_TRUE(chosen->italic());
+}
+
+TEST_F(FontChooser, ASizeThatIsLeftAsItIsOfferedStays) {
+  QFont current("Tahoma");
+  for (const double size : {9.75, 10.3, 11.25}) {
+    current.setPointSizeF(size);
+    // The dialog tells the size of as many whole pixels.
+    const HDC screen = GetDC(nullptr);
+    const int resolution = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    const double pixels = std::round(size * resolution / 72);
+    played.answeredSize = static_cast<INT>(std::lround(pixels * 720 / resolution));
+    const auto chosen = chooseFontWith(&chooseFont, nullptr, current);
+    ASSERT_TRUE(chosen);
+    EXPECT_EQ(chosen->pointSizeF(), size);
+  }
 }
 
 TEST_F(FontChooser, ACancelIsNoFontAndALongNameFits) {

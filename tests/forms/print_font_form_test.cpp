@@ -10,6 +10,7 @@
 
 #include "control/qt_control_services.h"
 #include "tests/control/recorder.h"
+#include "tests/control/when_modal.h"
 
 namespace korvel::test {
 namespace {
@@ -53,6 +54,23 @@ TEST_F(PrintFontForm, ChangingTakesTheChosenFont) {
   EXPECT_EQ(font.name, "DejaVu Serif");
   EXPECT_EQ(font.size, 11.25);
   EXPECT_EQ(labels(), "DejaVu Serif 11.25");
+}
+
+TEST_F(PrintFontForm, ChangingNothingInTheDialogOfFontsChangesNothing) {
+  font = {"Courier", 9.75};
+  form = std::make_unique<output::frmPrintFont>(
+      output::PrintFontSurroundings{font, language, std::make_shared<control::QtControlServices>()}, nullptr);
+  form->show();
+  bool accepted = false;
+  const control::WhenModal accept([&](QWidget* dialog) {
+    accepted = dialog != form.get();
+    qobject_cast<QDialog*>(dialog)->accept();
+  });
+  click("btChangeFont");
+  EXPECT_TRUE(accepted);
+  EXPECT_EQ(font.name, "Courier");
+  EXPECT_EQ(font.size, 9.75);
+  EXPECT_EQ(labels(), "Courier 9.75");
 }
 
 TEST_F(PrintFontForm, CancellingChangesNothing) {
