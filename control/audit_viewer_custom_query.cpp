@@ -82,7 +82,7 @@ query::CustomReport AuditViewer::Members::runWatched(const QString& text, result
     control::QueryWatch watch;
     const query::QueryProgress progress = [&](std::size_t rows) {
       if (isStale()) return false;
-      if (rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(rows));
+      if (rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(control::countText(rows)));
       return watch.goOn() && !isStale();
     };
     report = query::runCustomQuery(command, connectionString, surroundings().connect, answer, progress,

@@ -156,11 +156,15 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void connectOutput();
   /// Whether the current list has rows; says so where it has none.
   bool hasSomethingToExport();
-  /// The steps that both exports share. `write` returns how many characters the file does not hold, `finish` what the
-  /// status panel says of the export.
+  /// A file that was written, and how many characters it does not hold.
+  struct Exported {
+    QString file;
+    std::size_t replaced;
+  };
+  /// The steps that both exports share; `open` comes when the file is there and the status panel says so.
   void exportCurrentList(
-      const std::function<std::size_t(const results::ResultList& list, const output::RowProgress& progress)>& write,
-      const std::function<QString()>& finish);
+      const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
+      const std::function<void(const QString& file)>& open = {});
   void writeReport();
   void WebBrowser1_DocumentComplete();
   void fillLockTable();

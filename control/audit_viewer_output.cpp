@@ -10,9 +10,11 @@
 #include "output/export_folder.h"
 #include "output/report.h"
 #include "output/text_export.h"
+#include "settings/explained_error.h"
 
 namespace korvel {
 
+using control::countText;
 using control::ExecOption;
 using control::fromUtf8;
 using control::libraryState;
@@ -41,6 +43,16 @@ std::filesystem::path toPath(const QString& text) {
   return std::filesystem::path(text.toStdU16String());
 }
 
+/// The file is written, whatever becomes of the editor: a failure says where it lies.
+void openInEditor(const QString& file) {
+  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  try {
+    services->startEditor(file);
+  } catch (const Error& error) {
+    throw settings::explainedError(error.number(), "export.noEditor", {file.toStdString()});
+  }
+}
+
 }  // namespace
 
 void AuditViewer::Members::connectOutput() {
@@ -57,8 +69,8 @@ bool AuditViewer::Members::hasSomethingToExport() {
 }
 
 void AuditViewer::Members::exportCurrentList(
-    const std::function<std::size_t(const results::ResultList& list, const output::RowProgress& progress)>& write,
-    const std::function<QString()>& finish) {
+    const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
+    const std::function<void(const QString& file)>& open) {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   QProgressBar& bar = *surface.StatusBar1->ProgressBar1;
@@ -70,7 +82,7 @@ void AuditViewer::Members::exportCurrentList(
   surface.StatusBar1->paintNow();
   // Painted at once, without a look into the event queue: a call of the host that waits there could give the list other
   // rows in the middle of the file, or remove the control.
-  const std::size_t replaced = write(list, [&](std::size_t rows) {
+  const Exported exported = write(list, [&](std::size_t rows) {
     bar.setValue(static_cast<int>(rows));
     // Now and then all of the window, parts of which another one may have covered meanwhile.
     if (rows % rowsPerWindow == 0)
@@ -78,14 +90,14 @@ void AuditViewer::Members::exportCurrentList(
     else
       surface.StatusBar1->paintNow();
   });
-  QString told = finish();
+  notice_ = ownText("export.written").arg(exported.file);
+  if (exported.replaced > 0)
+    notice_ += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
+  showRestingText();
+  if (open) open(exported.file);
   if (alive) bar.hide();
   // The pointer is the program's, whoever has died meanwhile.
   services->setPointer(Pointer::standard);
-  if (!alive) return;
-  if (replaced > 0) told += QStringLiteral(". ") + ownText("export.replaced").arg(replaced);
-  notice_ = told;
-  showRestingText();
 }
 
 // A failure deliberately leaves pointer and progress bar as they were when it happened; the next export resets both.
@@ -93,17 +105,12 @@ void AuditViewer::Members::ExportNotepad() {
   if (!hasSomethingToExport()) return;
   // The name in the message is deliberately spelt so.
   trapped("ExportNotpad", [this] {
-    std::filesystem::path file;
     exportCurrentList(
-        [&](const results::ResultList& list, const output::RowProgress& progress) {
-          file = output::exportPath(output::textExportName);
-          return output::writeTextExport(list, file, progress);
+        [](const results::ResultList& list, const output::RowProgress& progress) {
+          const std::filesystem::path file = output::exportPath(output::textExportName);
+          return Exported{shownPath(file), output::writeTextExport(list, file, progress)};
         },
-        [&] {
-          const std::shared_ptr<control::ControlServices> services = surroundings().services;
-          services->startEditor(shownPath(file));
-          return ownText("export.written").arg(shownPath(file));
-        });
+        &openInEditor);
   });
 }
 
@@ -120,11 +127,9 @@ void AuditViewer::Members::ExportExcel() {
           return;
         }
         const QString file = folder + fromUtf8(output::exchangeFileName);
-        exportCurrentList(
-            [&](const results::ResultList& list, const output::RowProgress& progress) {
-              return output::writeExchangeFile(list, toPath(file), progress);
-            },
-            [&] { return ownText("export.written").arg(file); });
+        exportCurrentList([&](const results::ResultList& list, const output::RowProgress& progress) {
+          return Exported{file, output::writeExchangeFile(list, toPath(file), progress)};
+        });
       },
       spreadsheetHint);
 }

@@ -26,7 +26,7 @@ output::pages::PageTexts pageTexts(const output::ReportNotes& notes) {
       ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
   texts.pageOf = ownText("print.pageOf");
   // Paper goes to people who never saw the list.
-  if (notes.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(notes.replacedCharacters);
+  if (notes.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes.replacedCharacters));
   return texts;
 }
 

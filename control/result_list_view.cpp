@@ -149,16 +149,17 @@ std::vector<RowSpan> ResultListView::selectedSpans() const {
 void ResultListView::copySelection() {
   const std::vector<RowSpan> rows = selectedSpans();
   if (rows.empty()) return;
-  std::int64_t count = 0;
-  for (const RowSpan& span : rows) count += std::int64_t{span.last} - span.first + 1;
+  std::size_t count = 0;
+  for (const RowSpan& span : rows)
+    count += static_cast<std::size_t>(span.last) - static_cast<std::size_t>(span.first) + 1;
   QString refusal;
   try {
     if (const auto copy = copyRows(model_, shownColumns(), rows, copyLimit_))
       QGuiApplication::clipboard()->setMimeData(copy->mimeData());
     else
-      refusal = ownText("list.copyTooMany").arg(count);
+      refusal = ownText("list.copyTooMany").arg(countText(count));
   } catch (const std::bad_alloc&) {
-    refusal = ownText("list.copyNoMemory").arg(count);
+    refusal = ownText("list.copyNoMemory").arg(countText(count));
   }
   if (!refusal.isEmpty()) Q_EMIT refused(refusal);
 }
@@ -174,7 +175,7 @@ void ResultListView::restoreSelection() {
   const std::size_t count = kept_.count();
   kept_ = {};
   if (spans.size() > mostPieces) {
-    Q_EMIT noticed(ownText("list.selectionScattered").arg(count));
+    Q_EMIT noticed(ownText("list.selectionScattered").arg(countText(count)));
     return;
   }
   QItemSelection selection;

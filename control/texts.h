@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QLocale>
 #include <QString>
+#include <cstddef>
 #include <string_view>
 
 #include "base/error.h"
@@ -27,6 +29,12 @@ namespace korvel::control {
 [[nodiscard]] inline QString failureText(const Error& error) {
   const QString description = fromUtf8(settings::describe(error, libraryState().language));
   return error.line() ? ownText("error.atLine").arg(description, QString::number(*error.line())) : description;
+}
+
+/// A number of records or characters in a text of our own, its digits grouped as the locale has it. Texts that are
+/// fixed to the letter take plain digits.
+[[nodiscard]] inline QString countText(std::size_t count) {
+  return QLocale().toString(static_cast<qulonglong>(count));
 }
 
 }  // namespace korvel::control

@@ -249,7 +249,9 @@ void RecordView::fill() {
     field.value->setValue(fromUtf8(cell.text), ownText(cell.isNull ? "record.null" : "record.empty"));
     field.note->setVisible(field.value->isCut());
     if (field.value->isCut())
-      field.note->setText(ownText("record.cut").arg(ValueField::shownCharacters).arg(field.value->value().size()));
+      field.note->setText(ownText("record.cut")
+                              .arg(countText(ValueField::shownCharacters),
+                                   countText(static_cast<std::size_t>(field.value->value().size()))));
   }
   fillFoot();
 }
@@ -257,7 +259,9 @@ void RecordView::fill() {
 void RecordView::fillFoot() {
   if (list_.isNull() || !record_.isValid()) return;
   const int count = list_->listModel().rowCount();
-  const QString place = ownText("record.place").arg(record_.row() + 1).arg(count);
+  const QString place =
+      ownText("record.place")
+          .arg(countText(static_cast<std::size_t>(record_.row()) + 1), countText(static_cast<std::size_t>(count)));
   setWindowTitle(place);
   lblPlace_->setText(place);
   const bool hadFocus = btNext_->hasFocus() || btPrevious_->hasFocus();

@@ -113,10 +113,13 @@ TEST_F(TextExport, AMissingEditorIsAnErrorAndTheFileStays) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   recorder->onEditor = [] { throw output::windowsError(output::errorFileNotFound); };
   viewer->ExportNotepad();
-  EXPECT_THAT(recorder->messages,
-              ElementsAre(ShownMessage{MessageIcon::critical, QString(),
-                                       "53:Error in ExportNotpad.  Error Message: File not found"}));
+  EXPECT_THAT(
+      recorder->messages,
+      ElementsAre(ShownMessage{MessageIcon::critical, QString(),
+                               "53:Error in ExportNotpad.  Error Message: The text was exported to " +
+                                   path("velview.txt") + ", but no program opened it. Open the file yourself."}));
   EXPECT_EQ(written("velview.txt"), "A,B,C,\r\na,b,c\r\n");
+  EXPECT_EQ(statusPanel(*viewer), "Exported to " + path("velview.txt"));
 }
 
 TEST_F(TextExport, TheProgressBarGoesFromTheFirstRowToTheLast) {

@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include "tests/control/custom_page_fixture.h"
+#include "tests/control/default_locale.h"
 
 namespace korvel::test {
 namespace {
@@ -80,6 +81,21 @@ TEST_F(WhileItLoads, TheStatusPanelSaysHowFarItIs) {
   EXPECT_EQ(first, "Querying Database Please Wait....");
   EXPECT_EQ(later, "1234 records so far; Esc stops the query");
   EXPECT_EQ(statusPanel(*viewer), "");
+}
+
+TEST_F(WhileItLoads, TheNumberOfRowsIsGroupedAsTheLocaleHasIt) {
+  const DefaultLocale german(QLocale(QLocale::German, QLocale::Germany));
+  const auto viewer = customPage();
+  QString soFar;
+  server.answer = [&](db::ResultSink& sink) {
+    begin(sink, {"a"});
+    for (int i = 0; i < 1234; ++i) row(sink, {"x"});
+    sink.goOn();
+    soFar = statusPanel(*viewer);
+    sink.endResult();
+  };
+  click(*viewer, "btQuery");
+  EXPECT_EQ(soFar, "1.234 records so far; Esc stops the query");
 }
 
 TEST_F(WhileItLoads, WindowsArePainted) {
