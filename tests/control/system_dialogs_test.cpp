@@ -75,24 +75,32 @@ TEST(SystemDialogs, AFolderBeginsWhereTheLastOneEnded) {
   std::filesystem::create_directory(folder / "first");
   const QString first = QString::fromStdString((folder / "first").string());
   QString begun;
-  const auto choose = [&](bool accepted) {
-    const WhenModal answer([&](QWidget* dialog) {
-      auto* files = qobject_cast<QFileDialog*>(dialog);
-      ASSERT_NE(files, nullptr);
-      begun = files->directory().absolutePath();
-      if (begun != first) files->setDirectory(accepted ? first : QDir::rootPath());
-      QMetaObject::invokeMethod(files, accepted ? "accept" : "reject");
+  const auto asked = [&](const std::function<void(QFileDialog&)>& answer) {
+    const WhenModal choose([&](QWidget* dialog) {
+      auto& files = *qobject_cast<QFileDialog*>(dialog);
+      begun = files.directory().absolutePath();
+      answer(files);
     });
     return services.chooseFolder(nullptr, "Browse", false);
   };
-  EXPECT_EQ(choose(true), first);
+  const auto cancelElsewhere = [](QFileDialog& files) {
+    files.setDirectory(QDir::rootPath());
+    files.reject();
+  };
+  // The folder is clicked, not entered.
+  EXPECT_EQ(asked([&](QFileDialog& files) {
+              files.setDirectory(QString::fromStdString(folder.path().string()));
+              files.selectFile(first);
+              QMetaObject::invokeMethod(&files, "accept");
+            }),
+            first);
   EXPECT_NE(begun, first);
-  EXPECT_EQ(choose(false), std::nullopt);
+  EXPECT_EQ(asked(cancelElsewhere), std::nullopt);
   EXPECT_EQ(begun, first);
-  EXPECT_EQ(choose(true), first) << "a cancelled one was no end";
-  EXPECT_EQ(begun, first);
+  EXPECT_EQ(asked(cancelElsewhere), std::nullopt);
+  EXPECT_EQ(begun, first) << "a cancelled one was no end";
   std::filesystem::remove(folder / "first");
-  choose(false);
+  asked(cancelElsewhere);
   EXPECT_TRUE(QFileInfo::exists(begun)) << begun.toStdString();
 }
 
