@@ -43,7 +43,9 @@ void AuditViewer::setViewSideTools(bool value) {
   const QPointer<AuditViewer> alive(this);
   members_->properties.ViewSideTools = value;
   Q_EMIT PropertyChanged(QStringLiteral("ViewSideTools"));
-  if (alive) ViewTools(value);
+  if (!alive) return;
+  members_->appliedSideTools = value;
+  ViewTools(value);
 }
 
 bool AuditViewer::ViewToolBar() const {
@@ -57,7 +59,7 @@ void AuditViewer::setViewToolBar(bool value) {
   if (!alive) return;
   members_->surface.SmartToolbar->setVisible(value);
   // A toolbar that is hidden leaves its room to what lies below it.
-  members_->surface.arrange(members_->properties.ViewSideTools);
+  members_->arrange();
   updateGeometry();
 }
 
@@ -103,7 +105,7 @@ QSize AuditViewer::sizeHint() const {
   return members_->surface.preferredSize();
 }
 QSize AuditViewer::minimumSizeHint() const {
-  return members_->surface.smallestSize(members_->properties.ViewSideTools);
+  return members_->surface.smallestSize(members_->appliedSideTools);
 }
 
 void AuditViewer::SelectALL() {
@@ -213,12 +215,12 @@ void AuditViewer::showEvent(QShowEvent* event) {
 
 void AuditViewer::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  members_->surface.arrange(members_->properties.ViewSideTools);
+  members_->arrange();
 }
 
 void AuditViewer::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && members_) members_->surface.arrange(members_->properties.ViewSideTools);
+  if (event->type() == QEvent::FontChange && members_) members_->arrange();
 }
 
 }  // namespace korvel

@@ -122,7 +122,8 @@ void AuditViewer::Members::Initialize() {
 void AuditViewer::Members::Show() {
   showDateRange();
   surface.SmartToolbar->setVisible(properties.ViewToolBar);
-  ViewTools(properties.ViewSideTools);
+  appliedSideTools = properties.ViewSideTools;
+  ViewTools(appliedSideTools);
   if (db::namesAServer(properties.DefaultSQLServer.toStdString())) OpenDefaultSQLServer();
 }
 
@@ -280,7 +281,7 @@ void AuditViewer::Members::ViewTools(bool visable) {
                                 surface.btClearDateRange, surface.frameTools};
   for (QWidget* element : sideTools) element->setVisible(visable);
   // The resize routine asks the property, not this call's argument.
-  surface.arrange(properties.ViewSideTools);
+  arrange();
   viewer_.updateGeometry();
 }
 

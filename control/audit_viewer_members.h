@@ -37,6 +37,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
 
   void Initialize();
   void Show();
+  /// Places the elements for the control's present size.
+  void arrange() { surface.arrange(appliedSideTools); }
 
   void ChangeFont();
   void DisplayNoOfRecords();
@@ -86,6 +88,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void mnupopupitem_Click(int index);
 
   control::StoredProperties properties;
+  /// ViewSideTools as the elements are placed by it: a value that was read takes effect at the next show only.
+  bool appliedSideTools = true;
 
   /// Why the last query failed; empty where it did not.
   struct LastFailure {

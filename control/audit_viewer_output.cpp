@@ -159,7 +159,7 @@ void AuditViewer::Members::writeReport() {
       const control::BusyPointer busy(*services);
       notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
     }
-    surface.WebBrowser1->Navigate(shownPath(file), std::move(notes));
+    surface.WebBrowser1->Navigate(shownPath(file), std::move(notes), alarmRemark());
   } catch (...) {
     // Nothing will be there to be printed; the next report is not to find this one's flags.
     libraryState().pendingReport = {};

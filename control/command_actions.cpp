@@ -1,6 +1,7 @@
 #include "control/command_actions.h"
 
 #include <QMenu>
+#include <QMouseEvent>
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -44,6 +45,21 @@ bool isSeparator(const CommandItem& item) {
 bool isMenu(const CommandItem& item) {
   return item.kind == ItemKind::topLevelMenu || item.kind == ItemKind::submenu;
 }
+
+/// A menu that tells of every item under the pointer.
+class TellingMenu final : public QMenu {
+ public:
+  TellingMenu(QWidget* parent, std::function<void(QAction*)> reached) : QMenu(parent), reached_(std::move(reached)) {}
+
+ protected:
+  void mouseMoveEvent(QMouseEvent* event) override {
+    QMenu::mouseMoveEvent(event);
+    if (QAction* const action = actionAt(event->position().toPoint())) reached_(action);
+  }
+
+ private:
+  std::function<void(QAction*)> reached_;
+};
 
 /// Marks the actions that an adapter made for an item: what they were made for.
 constexpr const char* keyProperty = "korvelCommandKey";
@@ -95,6 +111,7 @@ void CommandActions::dismantle(QWidget& container) {
   const QList<QAction*> actions = container.actions();
   for (QAction* action : actions) {
     container.removeAction(action);
+    if (QWidget* const control = container_.parentWidget()) control->removeAction(action);
     // Later: it may be this very action, or one in this menu, that is at work.
     if (QMenu* menu = action->menu()) {
       menu->setObjectName(QString());
@@ -115,7 +132,7 @@ void CommandActions::build(QWidget& container, const Items& items) {
 }
 
 QMenu* CommandActions::makeMenu(QWidget& container, const CommandItem& item) {
-  auto* menu = new QMenu(&container);
+  auto* menu = new TellingMenu(&container, [this](QAction* action) { reach(action); });
   menu->setObjectName(fromUtf8(item.key));
   build(*menu, item.children);
   QAction* const action = menu->menuAction();
@@ -150,11 +167,19 @@ void CommandActions::bind(QWidget& container, const Items& items) {
     bound_.insert(action, item);
     if (isSeparator(*item)) continue;
     action->setText(actionText(*item));
-    action->setShortcut(QKeySequence(fromUtf8(item->shortcutText)));
+    setShortcut(*action, QKeySequence(fromUtf8(item->shortcutText)));
     action->setChecked(item->checked);
     action->setIcon(item->kind == ItemKind::topLevelMenu ? QIcon() : commandIcon(*item));
     if (QMenu* menu = action->menu()) bind(*menu, item->children);
   }
+}
+
+/// A key belongs to the control that carries the menu: a window may hold another one with the same keys.
+void CommandActions::setShortcut(QAction& action, const QKeySequence& key) {
+  action.setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  action.setShortcut(key);
+  QWidget* const control = container_.parentWidget();
+  if (!key.isEmpty() && control != nullptr) control->addAction(&action);
 }
 
 void CommandActions::refresh() {

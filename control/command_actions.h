@@ -17,7 +17,7 @@ namespace korvel::control {
 struct CommandHooks {
   /// A command was chosen; a check command has just been toggled. The surface may be gone afterwards.
   std::function<void(CommandItem&)> clicked;
-  /// An item was reached with the pointer or the keyboard.
+  /// An item was reached with the pointer or the keyboard; separators and what cannot be chosen with the pointer only.
   std::function<void(const CommandItem&)> highlighted = nullptr;
   /// Nothing is highlighted any more, or at least not in the menu that is now closed.
   std::function<void()> closed = nullptr;
@@ -41,12 +41,15 @@ class CommandActions {
   void mirror(const Items& items);
   /// Asks anew which commands are available.
   void refresh();
+  /// The pointer is on this action of the container. Containers themselves tell only of what can be chosen.
+  void reach(QAction* action) const { highlight(action); }
 
  private:
   [[nodiscard]] bool fits(const QWidget& container, const Items& items) const;
   void build(QWidget& container, const Items& items);
   void bind(QWidget& container, const Items& items);
   void dismantle(QWidget& container);
+  void setShortcut(QAction& action, const QKeySequence& key);
   QAction* makeAction(QWidget& container, const CommandItem& item);
   QMenu* makeMenu(QWidget& container, const CommandItem& item);
   void click(QAction* action);

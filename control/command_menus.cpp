@@ -1,8 +1,20 @@
 #include "control/command_menus.h"
 
+#include <QApplication>
+#include <QMouseEvent>
 #include <utility>
 
 namespace korvel::control {
+namespace {
+
+/// The menu bar of the control that has the focus.
+CommandMenuBar* barOfFocus() {
+  for (QWidget* element = QApplication::focusWidget(); element != nullptr; element = element->parentWidget())
+    if (auto* bar = element->findChild<CommandMenuBar*>(QString(), Qt::FindDirectChildrenOnly)) return bar;
+  return nullptr;
+}
+
+}  // namespace
 
 CommandMenuBar::CommandMenuBar(QWidget* parent) : QMenuBar(parent) {
   // The control carries its menu itself, wherever it is embedded.
@@ -27,10 +39,38 @@ void CommandMenuBar::openFirstMenu() {
   const QList<QAction*> menus = actions();
   for (QAction* menu : menus) {
     if (!menu->isEnabled() || menu->menu() == nullptr) continue;
-    setActiveAction(menu);
-    menu->menu()->setActiveAction(menu->menu()->actions().value(0));
+    openMenu(menu);
     return;
   }
+}
+
+void CommandMenuBar::openMenu(QAction* menu) {
+  setActiveAction(menu);
+  menu->menu()->setActiveAction(menu->menu()->actions().value(0));
+}
+
+// The letters of the menus are keys of the whole window. Where two controls share one, they are meant for the control
+// that has the focus; the toolkit would give them to both in turn.
+bool CommandMenuBar::event(QEvent* event) {
+  if (event->type() == QEvent::Shortcut) {
+    const auto& key = static_cast<const QShortcutEvent&>(*event);
+    CommandMenuBar* const meant = key.isAmbiguous() ? barOfFocus() : nullptr;
+    if (meant != nullptr && meant != this) {
+      const QList<QAction*> menus = meant->actions();
+      for (QAction* menu : menus) {
+        if (!menu->isEnabled() || QKeySequence::mnemonic(menu->text()) != key.key()) continue;
+        meant->openMenu(menu);
+        return true;
+      }
+    }
+  }
+  return QMenuBar::event(event);
+}
+
+// Also while one of its menus is open: pointer events are passed on to the bar then.
+void CommandMenuBar::mouseMoveEvent(QMouseEvent* event) {
+  QMenuBar::mouseMoveEvent(event);
+  if (QAction* const action = actionAt(event->position().toPoint())) actions_->reach(action);
 }
 
 // Its own entries are highlighted without any menu being open: by a pointer that crosses the bar, or after Esc.

@@ -22,11 +22,14 @@ class CommandMenuBar final : public QMenuBar {
   void openFirstMenu();
 
  protected:
+  bool event(QEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void leaveEvent(QEvent* event) override;
 
  private:
   void announceClosed();
+  void openMenu(QAction* menu);
 
   std::function<void()> closed_;
   std::unique_ptr<CommandActions> actions_;

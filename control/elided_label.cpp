@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStyle>
 
+#include "control/look/shown_text.h"
+
 namespace korvel::control {
 
 ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
@@ -16,11 +18,11 @@ void ElidedLabel::setContent(const QString& content) {
 }
 
 QString ElidedLabel::shownText() const {
-  return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+  return fontMetrics().elidedText(look::visibleFormats(text()), Qt::ElideRight, contentsRect().width());
 }
 
 void ElidedLabel::updateToolTip() {
-  setToolTip(shownText() == text() ? QString() : text());
+  setToolTip(shownText() == text() ? QString() : look::plainToolTip(text()));
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {

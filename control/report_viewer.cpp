@@ -18,20 +18,6 @@
 #include "output/report_reader.h"
 
 namespace korvel::control {
-namespace {
-
-output::pages::PageTexts pageTexts(const output::ReportNotes& notes) {
-  output::pages::PageTexts texts;
-  texts.printedAt =
-      ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
-  texts.pageOf = ownText("print.pageOf");
-  // Paper goes to people who never saw the list.
-  if (notes.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes.replacedCharacters));
-  return texts;
-}
-
-}  // namespace
-
 ReportViewer::ReportViewer(QWidget& owner) : QObject(&owner), owner_(owner) {}
 
 ReportViewer::~ReportViewer() {
@@ -39,9 +25,10 @@ ReportViewer::~ReportViewer() {
   if (announced_) libraryState().pendingReport = {};
 }
 
-void ReportViewer::Navigate(const QString& path, output::ReportNotes notes) {
+void ReportViewer::Navigate(const QString& path, output::ReportNotes notes, const QString& remark) {
   path_ = path;
   notes_ = std::move(notes);
+  remark_ = remark;
   if (std::exchange(announced_, true)) return;
   QMetaObject::invokeMethod(
       this,
@@ -69,6 +56,17 @@ std::unique_ptr<output::ReportReader> ReportViewer::openReport() const {
   return report;
 }
 
+output::pages::PageTexts ReportViewer::pageTexts() const {
+  output::pages::PageTexts texts;
+  texts.printedAt =
+      ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
+  texts.pageOf = ownText("print.pageOf");
+  // Paper goes to people who never saw the list.
+  if (notes_.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes_.replacedCharacters));
+  texts.remark = remark_;
+  return texts;
+}
+
 void ReportViewer::print(ExecOption option) {
   const std::unique_ptr<output::ReportReader> report = openReport();
   const QPointer<ReportViewer> alive(this);
@@ -87,7 +85,7 @@ void ReportViewer::print(ExecOption option) {
   }
   try {
     const output::pages::PaintedPages painted =
-        output::pages::paintReport(*report, printer, pageTexts(notes_), output::pages::Orientation::asFits, progress);
+        output::pages::paintReport(*report, printer, pageTexts(), output::pages::Orientation::asFits, progress);
     if (painted.cancelled) printer.abort();
   } catch (...) {
     printer.abort();
@@ -100,13 +98,13 @@ void ReportViewer::printIntoFile(output::ReportReader& report, const QPrinter& p
                                  const output::pages::PageProgress& progress) const {
   output::ExportFile file(std::filesystem::path(printer.outputFileName().toStdU16String()));
   const output::pages::PaintedPages painted = output::pages::writePdf(
-      report, pageTexts(notes_), [&file](std::string_view bytes) { file.write(bytes); }, progress,
+      report, pageTexts(), [&file](std::string_view bytes) { file.write(bytes); }, progress,
       printer.pageLayout().pageSize());
   if (!painted.cancelled) file.commit();
 }
 
 void ReportViewer::preview() {
-  auto sheets = std::make_unique<output::pages::ReportSheets>(openReport(), pageTexts(notes_));
+  auto sheets = std::make_unique<output::pages::ReportSheets>(openReport(), pageTexts());
   const QPointer<ReportViewer> alive(this);
   {
     PagesWindow window(owner_);

@@ -29,7 +29,8 @@ class ReportViewer final : public QObject {
 
   /// Takes the report file; DocumentComplete follows when the event loop runs next, once, also where Navigate is called
   /// again before.
-  void Navigate(const QString& path, output::ReportNotes notes);
+  /// `remark` stands at the head of its pages.
+  void Navigate(const QString& path, output::ReportNotes notes, const QString& remark = {});
   /// Prints, after the print dialog with promptUser, or shows the preview. A cancelled dialog does nothing. Throws
   /// Error: the file cannot be read or is not the one that was written, the printer does not take it.
   void ExecWB(ReportCommand command, ExecOption option);
@@ -40,6 +41,7 @@ class ReportViewer final : public QObject {
  private:
   /// The report's reader, after all of the file has proved to be what was written.
   [[nodiscard]] std::unique_ptr<output::ReportReader> openReport() const;
+  [[nodiscard]] output::pages::PageTexts pageTexts() const;
   void print(ExecOption option);
   void printIntoFile(output::ReportReader& report, const QPrinter& printer,
                      const output::pages::PageProgress& progress) const;
@@ -48,6 +50,7 @@ class ReportViewer final : public QObject {
   QWidget& owner_;
   QString path_;
   output::ReportNotes notes_;
+  QString remark_;
   bool announced_ = false;
 };
 

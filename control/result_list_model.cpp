@@ -5,6 +5,7 @@
 #include <exception>
 #include <limits>
 
+#include "control/look/shown_text.h"
 #include "control/texts.h"
 
 namespace korvel::control {
@@ -41,7 +42,8 @@ QVariant ResultListModel::data(const QModelIndex& index, int role) const {
 QVariant ResultListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
-  return fromUtf8(list_.columns()[static_cast<std::size_t>(section)].caption);
+  const QString caption = fromUtf8(list_.columns()[static_cast<std::size_t>(section)].caption);
+  return role == Qt::ToolTipRole ? look::plainToolTip(caption) : caption;
 }
 
 void ResultListModel::clear() {

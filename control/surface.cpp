@@ -17,7 +17,7 @@
 namespace korvel::control {
 namespace {
 
-// The card of a strip frame is drawn this far inside of the strip's left and right edge.
+// The card of a strip frame is drawn this far inside of the frame, which is as wide as the strip.
 constexpr Twips cardInset{120};
 
 QString name(const char* text) {
@@ -180,9 +180,12 @@ void Surface::arrange(bool viewSideTools) {
   const StripBoxes strip =
       layoutStrip(boxes_.SSTab1.top, bottom, measure.verticalTwips(frameTools->sizeHint().height()),
                   measure.verticalTwips(frameFilter->minimumSizeHint().height()));
-  const int inset = measure.horizontal(cardInset);
-  frameFilter->setGeometry(measure.rectangle(strip.frameFilter).adjusted(inset, 0, -inset, 0));
-  frameTools->setGeometry(measure.rectangle(strip.frameTools).adjusted(inset, 0, -inset, 0));
+  const std::pair<look::CardFrame*, const Box&> frames[] = {{frameFilter, strip.frameFilter},
+                                                            {frameTools, strip.frameTools}};
+  for (const auto& [frame, box] : frames) {
+    frame->setSideInset(measure.horizontal(cardInset));
+    frame->setGeometry(measure.rectangle(box));
+  }
 
   SSTab1->setGeometry(measure.rectangle(boxes_.SSTab1));
   placeLists();

@@ -64,7 +64,8 @@ float WidestText::otherAdvance(char32_t before, char32_t at) {
   const quint64 key = quint64{before} << 32U | at;
   const auto known = others_.constFind(key);
   if (known != others_.constEnd()) return *known;
-  const QString alone = QString::fromUcs4(&at, 1);
+  // As a cell shows it: some characters are written out.
+  const QString alone = RowDelegate::shownText(QString::fromUcs4(&at, 1));
   qreal advance = metrics_.horizontalAdvance(alone);
   if (before != noCharacter) {
     const QString first = QString::fromUcs4(&before, 1);

@@ -15,8 +15,17 @@ class CardFrame : public QGroupBox {
   explicit CardFrame(QWidget* parent = nullptr);
   explicit CardFrame(const QString& title, QWidget* parent = nullptr);
 
+  /// Draws the frame, and lays out what is in it, so many pixels inside of the left and right edge of the element.
+  void setSideInset(int pixels);
+
  protected:
   bool event(QEvent* event) override;
+  void initStyleOption(QStyleOptionGroupBox* option) const override;
+
+ private:
+  void setDistances();
+
+  int sideInset_ = 0;
 };
 
 }  // namespace korvel::look

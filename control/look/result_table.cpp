@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "control/look/dialogs.h"
+#include "control/look/shown_text.h"
 #include "control/look/theme.h"
 
 namespace korvel::look {
@@ -46,6 +47,11 @@ ResultHeader::ResultHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent
   setMinimumSectionSize(px(this, 24));
 }
 
+void ResultHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {
+  QHeaderView::initStyleOptionForIndex(option, logicalIndex);
+  if (option != nullptr) option->text = visibleFormats(option->text);
+}
+
 void ResultHeader::showSort(int column, Qt::SortOrder order) {
   setSortIndicatorShown(column >= 0);
   setSortIndicator(column, order);
@@ -54,8 +60,8 @@ void ResultHeader::showSort(int column, Qt::SortOrder order) {
 RowDelegate::RowDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
 QString RowDelegate::shownText(const QString& value) {
-  if (value.size() <= shownCharacters) return oneLine(value);
-  return oneLine(value.left(shownCharacters)) + QChar(0x2026);
+  if (value.size() <= shownCharacters) return oneLine(visibleFormats(value));
+  return oneLine(visibleFormats(value.left(shownCharacters))) + QChar(0x2026);
 }
 
 int RowDelegate::cellWidth(const QWidget* widget, qreal textWidth) {
@@ -106,16 +112,13 @@ bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
   const QString whole = index.data(Qt::DisplayRole).toString();
   const QFontMetrics metrics(view->font());
   const int room = view->visualRect(index).width() - 2 * px(view, cellInset);
-  const bool cut = whole.size() > shownCharacters || oneLine(whole) != whole || metrics.horizontalAdvance(whole) > room;
+  const QString shown = shownText(whole);
+  const bool cut = shown != whole || metrics.horizontalAdvance(shown) > room;
   if (!cut) {
     QToolTip::hideText();
     return true;
   }
-  constexpr qsizetype tipCharacters = 2000;
-  const QString shown = whole.size() > tipCharacters ? whole.left(tipCharacters) + QChar(0x2026) : whole;
-  // Escaped, and marked up only so that long lines wrap: a value that looks like markup is shown as it was audited.
-  QToolTip::showText(event->globalPos(),
-                     QStringLiteral("<div style='white-space:pre-wrap'>%1</div>").arg(shown.toHtmlEscaped()), view);
+  QToolTip::showText(event->globalPos(), plainToolTip(whole), view);
   return true;
 }
 

@@ -17,6 +17,10 @@ class ResultHeader : public QHeaderView {
 
   /// The arrow points up or down beside the column's caption; column -1 shows none.
   void showSort(int column, Qt::SortOrder order);
+
+ protected:
+  /// Captions are shown as values are.
+  void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
 };
 
 /// Paints the cells of a list: one line, ellipsis at the right, no vertical lines, selection as a tint that keeps the
@@ -30,7 +34,8 @@ class RowDelegate : public QStyledItemDelegate {
 
   explicit RowDelegate(QObject* parent = nullptr);
 
-  /// What a cell paints of a value: one line, an ellipsis in the place of what goes beyond the shown characters.
+  /// What a cell paints of a value: one line, what would turn its direction made visible, an ellipsis in the place of
+  /// what goes beyond the shown characters.
   [[nodiscard]] static QString shownText(const QString& value);
   /// Width of a cell that shows a text of that width uncut.
   [[nodiscard]] static int cellWidth(const QWidget* widget, qreal textWidth);

@@ -67,7 +67,8 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   /// with the first value that cannot be read (its predecessors have been taken then) or with a bag that is no map, or
   /// an empty text.
   [[nodiscard]] QString ReadProperties(const QVariant& bag);
-  /// The stored properties as a map of names to values, without those that equal their default.
+  /// The stored properties as a map of names to values. DefaultSQLServer and DatabaseType are left out where they equal
+  /// their default; the two booleans are always there.
   [[nodiscard]] QVariant WriteProperties() const;
 
   [[nodiscard]] int LastFailureNumber() const;
@@ -92,9 +93,11 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   QString GetExportPath(const QString& dialogtext, int files);
   /// Lets the user pick the font of the result lists.
   void ChangeFont();
-  /// Shows the row count of the current list in the status bar.
+  /// Shows the row count of the current list in the status bar. A host must call it after TriggerQuery, which leaves
+  /// the count as it was. Everything else brings the count up to date itself: the query and clear commands, another
+  /// page, another database, TriggerAdvancedQuery.
   void DisplayNoOfRecords();
-  /// Runs the standard query of the filter tree.
+  /// Runs the standard query of the filter tree. Call DisplayNoOfRecords afterwards.
   void TriggerQuery();
   /// Expands every node of the filter tree.
   void ExpandAll();

@@ -1,6 +1,7 @@
 #include "output/pages/report_flow.h"
 
 #include <QFont>
+#include <QFontMetricsF>
 #include <QMarginsF>
 #include <QPageLayout>
 #include <QPagedPaintDevice>
@@ -27,6 +28,8 @@ constexpr qreal captionSize = 11;
 constexpr qreal cellPadding = 2.5;
 constexpr qreal rowPadding = 1.5;
 constexpr qreal captionRoom = 20;
+constexpr qreal remarkTop = 15;
+constexpr qreal remarkRoom = 9;
 constexpr qreal footerRoom = 16;
 constexpr qreal pointsPerInch = 72;
 constexpr qreal pageMarginMillimetres = 12;
@@ -135,6 +138,9 @@ qreal ReportFlow::unit() const {
 qreal ReportFlow::pageWidth() const {
   return device_.width();
 }
+qreal ReportFlow::top() const {
+  return (captionRoom + (texts_.remark.isEmpty() ? 0 : remarkRoom)) * unit();
+}
 qreal ReportFlow::bottom() const {
   return device_.height() - footerRoom * unit();
 }
@@ -227,7 +233,7 @@ void ReportFlow::beginPage() {
   ++page_;
   y_ = 0;
   if (out_ != nullptr) margins();
-  y_ = captionRoom * unit();
+  y_ = top();
   if (!plan_.headers.empty()) headerRow();
   freshY_ = y_;
 }
@@ -246,10 +252,21 @@ void ReportFlow::margins() {
   QFont caption = bodyFont(captionSize);
   caption.setBold(true);
   out_->text(above, Qt::AlignLeft | Qt::AlignTop, caption, plan_.caption);
+  remark();
   const QFont small = bodyFont(marginSize);
   out_->text(above, Qt::AlignRight | Qt::AlignTop, small, texts_.printedAt);
   out_->text(below, Qt::AlignLeft | Qt::AlignBottom, small, texts_.note);
   out_->text(below, Qt::AlignRight | Qt::AlignBottom, small, texts_.pageOf.arg(page_).arg(pages_));
+}
+
+void ReportFlow::remark() {
+  if (texts_.remark.isEmpty()) return;
+  QFont font = bodyFont(marginSize);
+  // Small on small paper rather than cut: it is about all of the rows.
+  const qreal width = QFontMetricsF(font, &device_).horizontalAdvance(texts_.remark);
+  if (width > pageWidth()) font.setPointSizeF(marginSize * pageWidth() / width);
+  const qreal at = remarkTop * unit();
+  out_->text({0, at, pageWidth(), top() - at}, Qt::AlignLeft | Qt::AlignTop, font, texts_.remark);
 }
 
 void ReportFlow::headerRow() {

@@ -54,6 +54,8 @@ class ReportFlow {
 
   [[nodiscard]] qreal unit() const;
   [[nodiscard]] qreal pageWidth() const;
+  /// Where the table begins, below the caption.
+  [[nodiscard]] qreal top() const;
   [[nodiscard]] qreal bottom() const;
   [[nodiscard]] qreal padding() const;
   [[nodiscard]] qreal tableWidth() const;
@@ -68,6 +70,7 @@ class ReportFlow {
   void beginPage();
   void endPage();
   void margins();
+  void remark();
   void headerRow();
   /// Lays out a row from line `first` on.
   void row(const std::vector<std::string_view>& cells, std::size_t first = 0);

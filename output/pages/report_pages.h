@@ -14,6 +14,7 @@ struct PageTexts {
   QString printedAt;                                 ///< right above: when it is printed
   QString pageOf = QStringLiteral("Page %1 of %2");  ///< right below
   QString note;                                      ///< left below
+  QString remark = {};                               ///< under the caption: what a reader of the rows must know
 };
 
 enum class Orientation {

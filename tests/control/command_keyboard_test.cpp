@@ -1,3 +1,5 @@
+#include <QHBoxLayout>
+
 #include "tests/control/command_surfaces.h"
 
 namespace korvel::test {
@@ -39,6 +41,41 @@ TEST_F(Keyboard, AltXLeaves) {
   element(*viewer, "tvTreeView")->setFocus();
   QTest::keyClick(element(*viewer, "tvTreeView"), Qt::Key_X, Qt::AltModifier);
   EXPECT_EQ(exit.count(), 1);
+}
+
+TEST_F(Keyboard, KeysBelongToTheControlThatHasTheFocus) {
+  QWidget window;
+  auto* row = new QHBoxLayout(&window);
+  AuditViewer* controls[2];
+  std::vector<std::unique_ptr<QSignalSpy>> exits;
+  for (AuditViewer*& control : controls) {
+    control = new AuditViewer(&window);
+    control->setDefaultSQLServer("S");
+    row->addWidget(control);
+    exits.push_back(std::make_unique<QSignalSpy>(control, &AuditViewer::ExitApp));
+  }
+  window.resize(1800, 800);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  // More than once: keys that two have in common are given to both in turn.
+  for (int round = 1; round <= 3; ++round) {
+    for (const std::size_t mine : {std::size_t{0}, std::size_t{1}}) {
+      SCOPED_TRACE(QStringLiteral("round %1, control %2").arg(round).arg(mine).toStdString());
+      element(*controls[mine], "tvTreeView")->setFocus();
+      QTest::keyClick(element(*controls[mine], "tvTreeView"), Qt::Key_X, Qt::AltModifier);
+      EXPECT_EQ(exits[mine]->count(), round);
+      EXPECT_EQ(exits[1 - mine]->count(), mine == 0 ? round - 1 : round);
+      QTest::keyClick(element(*controls[mine], "tvTreeView"), Qt::Key_T, Qt::AltModifier);
+      QMenu* menu = entry(*controls[mine], "TOOLS")->menu();
+      EXPECT_TRUE(menu->isVisible());
+      EXPECT_FALSE(entry(*controls[1 - mine], "TOOLS")->menu()->isVisible());
+      menu->close();
+      entry(*controls[1 - mine], "TOOLS")->menu()->close();
+      menuBar(*controls[mine])->setActiveAction(nullptr);
+      menuBar(*controls[1 - mine])->setActiveAction(nullptr);
+    }
+  }
 }
 
 TEST_F(Keyboard, TabReachesTheToolbarBeforeTheTree) {

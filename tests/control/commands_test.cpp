@@ -162,6 +162,37 @@ TEST_F(StatusHelp, AHighlightedItemTellsWhatItDoes) {
   EXPECT_EQ(statusPanel(*viewer), "");
 }
 
+TEST_F(StatusHelp, TellsOfEveryItemUnderThePointer) {
+  const auto viewer = shownViewer();
+  QMenuBar* bar = menuBar(*viewer);
+  QAction* file = entry(*viewer, "FILE");
+  QMenu* menu = file->menu();
+  QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(file).center());
+  const auto moveTo = [&](QAction* action) {
+    QTest::mouseMove(menu, menu->actionGeometry(action).center());
+    QCoreApplication::processEvents();
+  };
+  QAction* const select = entry(*viewer, "FILE/SELECT");
+  QAction* const disabled = entry(*viewer, "FILE/PAGESETUP");
+  ASSERT_FALSE(disabled->isEnabled());
+  moveTo(select);
+  ASSERT_EQ(statusPanel(*viewer), tableText(10003, 0));
+  moveTo(menu->actions().at(1));
+  ASSERT_TRUE(menu->actions().at(1)->isSeparator());
+  EXPECT_EQ(statusPanel(*viewer), "");
+  moveTo(select);
+  EXPECT_EQ(statusPanel(*viewer), tableText(10003, 0));
+  moveTo(disabled);
+  EXPECT_EQ(statusPanel(*viewer), tableText(10007, 0));
+  moveTo(select);
+  // As the window system sends it while a menu is open: to the menu, in whose coordinates the bar lies above.
+  QTest::mouseMove(menu, menu->mapFromGlobal(bar->mapToGlobal(bar->actionGeometry(file).center())));
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(menu->isVisible());
+  EXPECT_EQ(statusPanel(*viewer), "");
+  menu->close();
+}
+
 TEST_F(StatusHelp, AClosedMenuGivesTheWarningOfATruncatedAnswerBack) {
   const auto viewer = shownViewer();
   server.resultSets = {std::vector<CannedRow>(5000, record("1", "CS"))};

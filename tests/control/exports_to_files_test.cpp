@@ -141,7 +141,7 @@ class PaintCount final : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     // At the place where it is to be seen, not where it was created.
-    if (event->type() == QEvent::Paint && qobject_cast<QWidget*>(watched)->x() > 0) ++count;
+    if (event->type() == QEvent::Paint && !qobject_cast<QWidget*>(watched)->pos().isNull()) ++count;
     return false;
   }
 };

@@ -323,6 +323,34 @@ TEST_F(Properties, AReadValueTakesEffectAtTheNextShow) {
   EXPECT_FALSE(element(*viewer, "frameFilter")->isVisible());
 }
 
+TEST_F(Properties, UntilThenElementsAreLaidOutByTheValueThatWasAppliedLast) {
+  const auto viewer = shownViewer();
+  const QWidget* tabs = element(*viewer, "SSTab1");
+  const int beside = tabs->x();
+  const QSize smallest = viewer->minimumSizeHint();
+  EXPECT_EQ(viewer->ReadProperties(QVariantMap{{"ViewSideTools", false}}), "");
+  viewer->resize(1100, 700);
+  EXPECT_EQ(tabs->x(), beside);
+  EXPECT_EQ(viewer->minimumSizeHint(), smallest);
+  viewer->setViewToolBar(false);
+  EXPECT_EQ(tabs->x(), beside);
+  QFont font = viewer->font();
+  font.setPointSize(font.pointSize() + 1);
+  viewer->setFont(font);
+  EXPECT_EQ(tabs->x(), beside);
+  viewer->ViewTools(true);
+  EXPECT_EQ(tabs->x(), beside);
+  viewer->hide();
+  viewer->show();
+  const int alone = tabs->x();
+  EXPECT_LT(alone, beside);
+  viewer->InitProperties();
+  viewer->resize(1000, 600);
+  EXPECT_EQ(tabs->x(), alone);
+  viewer->setViewSideTools(true);
+  EXPECT_EQ(tabs->x(), beside);
+}
+
 TEST_F(Properties, ABagRoundTripKeepsAllFour) {
   const auto viewer = newViewer();
   viewer->setViewSideTools(false);

@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTabBar>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include "control/elided_label.h"
@@ -23,6 +24,14 @@ int pixels(const QWidget& widget, int twips) {
   return qRound(double(twips) * widget.logicalDpiX() / 1440);
 }
 
+/// What a person reads in a tooltip.
+QString textOfToolTip(const QString& toolTip) {
+  if (!Qt::mightBeRichText(toolTip)) return toolTip;
+  QTextDocument shown;
+  shown.setHtml(toolTip);
+  return shown.toPlainText();
+}
+
 TEST_F(Surface, TestsAreDrawnInTheFontOfTheFontPackage) {
   // Without any font every letter is a box, and tests that look at sizes prove nothing.
   EXPECT_EQ(QFontInfo(QApplication::font()).family(), "DejaVu Sans");
@@ -35,7 +44,7 @@ TEST_F(Surface, ElementsLieWhereTheResizeRoutinePutsThem) {
   for (const QSize size : {QSize(1280, 800), QSize(1000, 600), QSize(1601, 903)}) {
     viewer->resize(size);
     EXPECT_EQ(tabs->x(), pixels(*viewer, 3720));
-    EXPECT_NEAR(tabs->width(), size.width() - pixels(*viewer, 3720 + 100), 1);
+    EXPECT_NEAR(tabs->width(), size.width() - element(*viewer, "frameTools")->width() - pixels(*viewer, 100), 1);
     const int bars = element(*viewer, "SmartMenu")->height() + element(*viewer, "SmartToolbar")->height();
     EXPECT_NEAR(tabs->height(), size.height() - status->height() - pixels(*viewer, 150) - bars, 1);
     EXPECT_EQ(status->geometry(), QRect(0, size.height() - status->height(), size.width(), status->height()));
@@ -43,6 +52,28 @@ TEST_F(Surface, ElementsLieWhereTheResizeRoutinePutsThem) {
       EXPECT_NEAR(list(*viewer, i)->width(), tabs->width() - pixels(*viewer, 250), 1) << i;
       EXPECT_NEAR(list(*viewer, i)->height(), tabs->height() - pixels(*viewer, 600), 1) << i;
     }
+  }
+}
+
+TEST_F(Surface, TheStripsFramesAreAsWideAsTheStripAndTheirContentsLieInside) {
+  const auto viewer = shownViewer();
+  const int inset = pixels(*viewer, 120);
+  const std::pair<const char*, const char*> contents[] = {{"frameFilter", "tvTreeView"}, {"frameTools", "btQuery"}};
+  for (const auto& [frame, content] : contents) {
+    const QRect whole = element(*viewer, frame)->geometry();
+    EXPECT_EQ(whole.left(), 0) << frame;
+    EXPECT_EQ(whole.right() + 1, element(*viewer, "SSTab1")->x()) << frame;
+    EXPECT_GT(inViewer(element(*viewer, content), *viewer).left(), inset) << frame;
+    EXPECT_LT(inViewer(element(*viewer, content), *viewer).right(), whole.right() - inset) << frame;
+    // The card stands inside of it: beside it the frame looks like the control.
+    const QImage image = viewer->grab().toImage();
+    const QPoint middle = whole.center();
+    const QColor ground = image.pixelColor(1, middle.y());
+    for (int x = 0; x < inset; ++x) {
+      EXPECT_EQ(image.pixelColor(x, middle.y()), ground) << frame << ' ' << x;
+      EXPECT_EQ(image.pixelColor(whole.right() - x, middle.y()), ground) << frame << ' ' << x;
+    }
+    EXPECT_NE(image.pixelColor(inset, middle.y()), ground) << frame;
   }
 }
 
@@ -99,7 +130,7 @@ TEST_F(Surface, HidingTheSideToolsGivesTheirStripToTheTabs) {
   const QRect beside = tabs->geometry();
   viewer->setViewSideTools(false);
   EXPECT_EQ(tabs->x(), pixels(*viewer, 50));
-  EXPECT_NEAR(tabs->width(), beside.width() + pixels(*viewer, 3720), 1);
+  EXPECT_NEAR(tabs->width(), beside.width() + element(*viewer, "frameTools")->width(), 1);
   viewer->setViewSideTools(true);
   EXPECT_EQ(tabs->geometry(), beside);
 }
@@ -207,7 +238,7 @@ TEST_F(Surface, AStatusTextThatIsCutEndsInDotsAndIsWholeInItsTooltip) {
   viewer->resize(400, 600);
   QCoreApplication::processEvents();
   EXPECT_EQ(bar.status(), text);
-  EXPECT_EQ(label.toolTip(), text);
+  EXPECT_EQ(textOfToolTip(label.toolTip()), text);
   const QString shown = label.shownText();
   EXPECT_TRUE(shown.endsWith(QChar(0x2026))) << shown.toStdString();
   EXPECT_TRUE(text.startsWith(shown.chopped(1))) << shown.toStdString();
@@ -218,6 +249,17 @@ TEST_F(Surface, AStatusTextThatIsCutEndsInDotsAndIsWholeInItsTooltip) {
   EXPECT_EQ(label.grab().toImage(), cut);
   bar.setStatus("");
   EXPECT_NE(label.grab().toImage(), cut);
+}
+
+TEST_F(Surface, APathInTheStatusTextIsNoMarkup) {
+  const QString path = "Exported to <img src='/somewhere/picture.png'> & <b>a path</b> that is too long for the bar";
+  const auto viewer = shownViewer();
+  viewer->resize(400, 600);
+  QCoreApplication::processEvents();
+  element<control::StatusPanels>(*viewer, "StatusBar1")->setStatus(path);
+  const QString tip = element<control::ElidedLabel>(*viewer, "Status")->toolTip();
+  EXPECT_EQ(textOfToolTip(tip), path);
+  EXPECT_FALSE(tip.contains("<img"));
 }
 
 TEST_F(Surface, SideTextsFitInEveryLanguage) {
@@ -235,6 +277,22 @@ TEST_F(Surface, SideTextsFitInEveryLanguage) {
     const QWidget* label = element(*viewer, "lblDateRange");
     EXPECT_GE(label->height(), label->heightForWidth(label->width())) << offset;
   }
+}
+
+TEST_F(Surface, ACaptionIsNoMarkupInItsHeadersTooltip) {
+  const auto viewer = shownViewer();
+  const QString name = QString::fromUtf8("<img src='/somewhere/picture.png'>\u202Egnp");
+  server.answer = [&](db::ResultSink& sink) {
+    const std::vector<db::Field> fields{{name.toStdString()}};
+    sink.beginResult(fields);
+    sink.row(std::vector<db::Cell>{{"1"}});
+    sink.endResult();
+  };
+  viewer->TriggerAdvancedQuery("x");
+  const QAbstractItemModel& model = *list(*viewer, 5)->model();
+  ASSERT_EQ(model.headerData(0, Qt::Horizontal).toString(), name);
+  EXPECT_EQ(textOfToolTip(model.headerData(0, Qt::Horizontal, Qt::ToolTipRole).toString()),
+            "<img src='/somewhere/picture.png'>\\u202Egnp");
 }
 
 TEST_F(Surface, EmptyPagesSaySoInTheLanguage) {

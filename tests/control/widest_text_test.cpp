@@ -39,6 +39,9 @@ TEST(WidestText, ReadsLettersOfEveryKind) {
 TEST(WidestText, MeasuresWhatACellPaints) {
   const QFont font;
   EXPECT_EQ(widestOf(font, {"two\nlines"}), shaped(font, QStringLiteral("two lines")));
+  EXPECT_EQ(widestOf(font, {"wwwwwwwwwwwww", "ab\u202Ecd\u2066\u2069"}),
+            std::max(shaped(font, QStringLiteral("wwwwwwwwwwwww")),
+                     shaped(font, QStringLiteral("ab\\u202Ecd\\u2066\\u2069"))));
   const std::string endless(100000, 'x');
   EXPECT_EQ(widestOf(font, {endless}), shaped(font, QString(1000, QLatin1Char('x')) + QChar(0x2026)));
 }

@@ -6,12 +6,14 @@
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTextCharFormat>
+#include <QTextDocument>
 #include <QTreeWidget>
 
 #include "control/look/dialogs.h"
 #include "control/look/filter_tree_look.h"
 #include "control/look/look.h"
 #include "control/look/result_table.h"
+#include "control/look/shown_text.h"
 #include "tests/look/painted.h"
 
 namespace korvel::look {
@@ -113,6 +115,44 @@ TEST(ResultTableTest, LongAndBrokenValuesStayInOneLine) {
   EXPECT_EQ(count(image, list.theme().text, next), 0) << "nothing runs into the next cell";
   EXPECT_EQ(list.table.itemDelegate()->sizeHint({}, list.model.index(1, 1)).height(),
             list.table.itemDelegate()->sizeHint({}, list.model.index(1, 0)).height());
+}
+
+TEST(ResultTableTest, WhatTurnsTheDirectionOfWritingIsVisible) {
+  EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("invoice\u202Efdp.exe")), "invoice\\u202Efdp.exe");
+  EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("a\u200Eb\u2066c\uFEFF")), "a\\u200Eb\\u2066c\\uFEFF");
+  EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("x\U000E0041")), "x\\U000E0041");
+  // Joiners and soft hyphens shape words, and other scripts and pictures are what they are.
+  for (const char* kept : {"a\u00ADb", "a\u200Cb\u200Dc", "\u05E9\u05DC\u05D5\u05DD", "\U0001F600 done", "\\u202E"})
+    EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8(kept)), QString::fromUtf8(kept));
+
+  List list(2);
+  list.model.setItem(0, 1, new QStandardItem(QString::fromUtf8("abc\u202Edef")));
+  list.model.setItem(1, 1, new QStandardItem("abc\\u202Edef"));
+  list.model.setHorizontalHeaderItem(1, new QStandardItem(QString::fromUtf8("abc\u202Edef")));
+  list.model.setHorizontalHeaderItem(2, new QStandardItem("abc\\u202Edef"));
+  for (const int column : {1, 2}) list.table.setColumnWidth(column, 130);
+  list.table.clearFocus();
+  list.table.setAlternatingRowColors(false);
+  QImage rows[2];
+  QImage captions[2];
+  for (const int i : {0, 1}) {
+    const QRect cell = list.table.visualRect(list.model.index(i, 1));
+    rows[i] = list.rows().copy(cell);
+    const QHeaderView& header = *list.table.header();
+    captions[i] = painted(*header.viewport()).copy(header.sectionViewportPosition(1 + i), 0, 120, header.height());
+  }
+  EXPECT_EQ(rows[0], rows[1]);
+  EXPECT_EQ(captions[0], captions[1]);
+}
+
+TEST(ResultTableTest, ATooltipShowsItsTextToTheLetter) {
+  const QString hostile = QString::fromUtf8("first\n<img src='x'> & &lt;b&gt; \u202Efdp");
+  QTextDocument shown;
+  shown.setHtml(plainToolTip(hostile));
+  EXPECT_EQ(shown.toPlainText(), QString::fromUtf8("first\n<img src='x'> & &lt;b&gt; \\u202Efdp"));
+  EXPECT_TRUE(Qt::mightBeRichText(plainToolTip("plain"))) << "its own markup, and nothing else's, is read";
+  shown.setHtml(plainToolTip(QString(1'000'000, QLatin1Char('x'))));
+  EXPECT_EQ(shown.toPlainText().size(), 2001);
 }
 
 TEST(ResultHeaderTest, ArrowIsInTheAccentBesideTheSortedColumnOnly) {

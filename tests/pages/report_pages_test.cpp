@@ -57,6 +57,21 @@ struct ReportPages : testing::Test {
   /// The text of the pages, as a reader that selects it gets it.
   std::string text() { return test::outputOf("pdftotext -raw '" + (folder / "pages.pdf").string() + "' -"); }
 
+  /// Where the first such word stands, in points: an edge of its box, or an extent of the page.
+  double edgeOf(const std::string& word, const std::string& edge) {
+    const std::string boxes = test::outputOf("pdftotext -bbox '" + (folder / "pages.pdf").string() + "' -");
+    const auto at = boxes.find(">" + word + "</word>");
+    if (at == std::string::npos) throw std::runtime_error("no word " + word);
+    const auto begin = boxes.rfind("<word", at);
+    return std::stod(boxes.substr(boxes.find(edge + "=\"", begin) + edge.size() + 2));
+  }
+  double topOf(const std::string& word) { return edgeOf(word, "yMin"); }
+  double bottomOf(const std::string& word) { return edgeOf(word, "yMax"); }
+  double pageWidth() {
+    const std::string boxes = test::outputOf("pdftotext -bbox '" + (folder / "pages.pdf").string() + "' -");
+    return std::stod(boxes.substr(boxes.find("<page width=\"") + 13));
+  }
+
   test::TemporaryFolder folder;
   PageTexts texts{QStringLiteral("Printed 2004-03-07"), QStringLiteral("Page %1 of %2"), QStringLiteral("the note")};
 };
@@ -66,6 +81,26 @@ TEST_F(ReportPages, OfAnEmptyListAreOneWithCaptionAndHeader) {
   const std::string shown = text();
   for (const char* part : {"ALL Audits Audits", "First", "Second", "Printed 2004-03-07", "Page 1 of 1", "the note"})
     EXPECT_THAT(shown, HasSubstr(part));
+}
+
+TEST_F(ReportPages, CarryTheirRemarkBetweenCaptionAndTableOnEveryPage) {
+  const auto list = filledList({{"Alpha"}, {"Beta"}}, numberedRows(200, 2));
+  const int without = write(list).pages;
+  ASSERT_GT(without, 1);
+  const double tableBefore = topOf("Alpha");
+  texts.remark = QStringLiteral("REMARK of all dates");
+  const int pages = write(list).pages;
+  EXPECT_GE(pages, without);
+  EXPECT_EQ(count(text(), "REMARK of all dates"), static_cast<std::size_t>(pages));
+  EXPECT_GT(topOf("REMARK"), topOf("ALL"));
+  EXPECT_GT(topOf("Alpha"), bottomOf("REMARK"));
+  EXPECT_GT(topOf("Alpha"), tableBefore);
+  for (int i = 0; i < 200; ++i) ASSERT_EQ(count(text(), "N" + std::to_string(i) + "E"), 1U) << i;
+
+  // Too long for the page: it is small, and whole.
+  texts.remark = QString(40, QLatin1Char('W')) + QString(200, QLatin1Char('m')) + QStringLiteral("END");
+  write(list);
+  EXPECT_LT(edgeOf(texts.remark.toStdString(), "xMax"), pageWidth());
 }
 
 TEST_F(ReportPages, HoldEveryRowAndRepeatTheHeader) {
