@@ -18,6 +18,7 @@
 #include "output/report_reader.h"
 
 namespace korvel::control {
+
 ReportViewer::ReportViewer(QWidget& owner) : QObject(&owner), owner_(owner) {}
 
 ReportViewer::~ReportViewer() {
