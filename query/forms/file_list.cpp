@@ -31,6 +31,12 @@ class NamesList final : public QListWidget {
   QString emptyText;
 
  protected:
+  void focusInEvent(QFocusEvent* event) override {
+    QListWidget::focusInEvent(event);
+    // The toolkit makes the first name the current one without selecting it: it would look chosen, and the arrow keys
+    // would go on from there, to no other name where it is the only one.
+    if (selectedItems().isEmpty()) selectionModel()->clearCurrentIndex();
+  }
   void paintEvent(QPaintEvent* event) override {
     QListWidget::paintEvent(event);
     if (count() == 0) look::paintEmptyMessage(*this, emptyText);

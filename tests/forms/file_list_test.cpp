@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -82,6 +82,36 @@ TEST_F(FileList, OkWithoutASelectionDoesNothing) {
   EXPECT_TRUE(form().isVisible());
   EXPECT_EQ(choices.fileName, "before.vqf");
   EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(FileList, ASingleFileIsChosenByAnArrowKeyAndDoesNotLookChosenBefore) {
+  for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up}) {
+    form_.reset();
+    choices.fileName.clear();
+    file("a.vqf");
+    QApplication::setActiveWindow(&form());
+    list().setFocus();
+    ASSERT_TRUE(list().hasFocus());
+    EXPECT_EQ(list().currentRow(), -1);
+    QTest::keyClick(&list(), key);
+    EXPECT_THAT(list().selectedItems(), SizeIs(1));
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_EQ(choices.fileName, "a.vqf");
+    EXPECT_FALSE(form().isVisible());
+  }
+}
+
+TEST_F(FileList, ArrowKeysGoOnFromWhatIsSelected) {
+  for (const char* name : {"a.vqf", "b.vqf", "c.vqf"}) file(name);
+  QApplication::setActiveWindow(&form());
+  list().setFocus();
+  QTest::keyClick(&list(), Qt::Key_Down);
+  EXPECT_EQ(list().row(list().selectedItems().value(0)), 0);
+  // Another window in between changes nothing.
+  QApplication::setActiveWindow(nullptr);
+  QApplication::setActiveWindow(&form());
+  QTest::keyClick(&list(), Qt::Key_Down);
+  EXPECT_EQ(list().row(list().selectedItems().value(0)), 1);
 }
 
 TEST_F(FileList, ADoubleClickAndEnterAreOk) {
