@@ -1,7 +1,9 @@
 #include "query/forms/field_picker.h"
 
 #include <QDialogButtonBox>
+#include <QKeyEvent>
 #include <QListWidget>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 #include <array>
 #include <utility>
@@ -21,12 +23,53 @@ QString fromUtf8(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+/// Shows what is selected as ticked.
+class TickDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const auto* view = qobject_cast<const QAbstractItemView*>(option->widget);
+    const bool selected = view != nullptr && view->selectionModel()->isSelected(index);
+    option->features |= QStyleOptionViewItem::HasCheckIndicator;
+    option->checkState = selected ? Qt::Checked : Qt::Unchecked;
+  }
+};
+
+bool movesOn(int key) {
+  return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_Home || key == Qt::Key_End ||
+         key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+}
+
+/// A list in which a click, or space, selects a name or takes it back and leaves the others as they are.
+class TickedList final : public QListWidget {
+ public:
+  TickedList() {
+    setSelectionMode(MultiSelection);
+    setItemDelegate(new TickDelegate(this));
+  }
+
+ protected:
+  [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                                     const QEvent* event) const override {
+    // With Shift all that lies between is selected, as in other lists.
+    const bool press = event != nullptr && event->type() == QEvent::MouseButtonPress;
+    const bool move =
+        event != nullptr && event->type() == QEvent::KeyPress && movesOn(static_cast<const QKeyEvent*>(event)->key());
+    if ((press || move) && static_cast<const QInputEvent*>(event)->modifiers().testFlag(Qt::ShiftModifier))
+      return QItemSelectionModel::Select | QItemSelectionModel::Current;
+    return QListWidget::selectionCommand(index, event);
+  }
+};
+
 }  // namespace
 
 frmFields::frmFields(QueryFormSurroundings surroundings, QWidget* owner)
     : QDialog(owner),
       surroundings_(std::move(surroundings)),
-      ListView1_(new QListWidget),
+      ListView1_(new TickedList),
       Command1_(new look::PrimaryButton) {
   setObjectName(QStringLiteral("frmFields"));
   // Deliberately English in every language, as the button's caption is.
@@ -37,7 +80,6 @@ frmFields::frmFields(QueryFormSurroundings surroundings, QWidget* owner)
 
   ListView1_->setObjectName(QStringLiteral("ListView1"));
   ListView1_->setAccessibleName(windowTitle());
-  ListView1_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   for (const std::string_view field : pickableFields()) ListView1_->addItem(fromUtf8(field));
   column->addWidget(ListView1_, 1);
 

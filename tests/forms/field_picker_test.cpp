@@ -3,12 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QListWidget>
 #include <QPushButton>
+#include <QStyleOptionViewItem>
 #include <QTest>
 #include <stdexcept>
 
-#include "control/qt_control_services.h"
 #include "tests/control/recorder.h"
 
 namespace korvel::test {
@@ -70,6 +71,49 @@ TEST_F(FieldPicker, SelectedFieldsBecomeAQueryInTheOrderOfTheList) {
   EXPECT_FALSE(form().isVisible());
 }
 
+TEST_F(FieldPicker, ClickingSeveralKeepsThemAllAndASecondClickTakesOneBack) {
+  for (const char* field : {"UserName", "Nr", "DateTime", "T1", "Nr"}) click(field);
+  add();
+  EXPECT_EQ(choices.pickedQuery, "Select DateTime,UserName,T1 from Korvel_Audit_Trails");
+}
+
+TEST_F(FieldPicker, SpaceSelectsAndMovingSelectsNothing) {
+  QApplication::setActiveWindow(&form());
+  fields().setFocus();
+  QTest::keyClick(&fields(), Qt::Key_Down);
+  QTest::keyClick(&fields(), Qt::Key_Space);
+  QTest::keyClick(&fields(), Qt::Key_Down);
+  QTest::keyClick(&fields(), Qt::Key_Down);
+  QTest::keyClick(&fields(), Qt::Key_Space);
+  add();
+  EXPECT_EQ(choices.pickedQuery, "Select DateTime,DatabaseName from Korvel_Audit_Trails");
+}
+
+TEST_F(FieldPicker, ShiftTakesAlongWhatLiesBetweenAndKeepsTheRest) {
+  click("T1");
+  click("DateTime");
+  click("DatabaseName", Qt::ShiftModifier);
+  add();
+  EXPECT_EQ(choices.pickedQuery, "Select DateTime,ProjectGUID,DatabaseName,T1 from Korvel_Audit_Trails");
+}
+
+TEST_F(FieldPicker, WhatIsSelectedIsShownAsTicked) {
+  click("Nr");
+  const auto tick = [&](int row) {
+    QStyleOptionViewItem option;
+    option.initFrom(&fields());
+    option.rect = fields().visualItemRect(fields().item(row));
+    option.features = QStyleOptionViewItem::HasCheckIndicator;
+    const QRect box = fields().style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &fields());
+    return fields().viewport()->grab(box).toImage();
+  };
+  EXPECT_NE(tick(0), tick(1));
+  EXPECT_EQ(tick(2), tick(3));
+  click("Nr");
+  click("DateTime");
+  EXPECT_NE(tick(0), tick(1));
+}
+
 TEST_F(FieldPicker, AllFieldsByKeyboard) {
   fields().setFocus();
   QTest::keyClick(&fields(), Qt::Key_A, Qt::ControlModifier);
@@ -118,12 +162,6 @@ TEST_F(FieldPicker, ClosingItPicksNothing) {
   EXPECT_FALSE(form().isVisible());
   EXPECT_EQ(choices.pickedQuery, "");
   EXPECT_THAT(recorder->messages, IsEmpty());
-}
-
-TEST(QueryForms, AreThere) {
-  const control::QtControlServices services;
-  EXPECT_TRUE(services.hasForm("frmFields"));
-  EXPECT_TRUE(services.hasForm("frmFileList"));
 }
 
 }  // namespace
