@@ -85,6 +85,10 @@ class frmSQLServerBrowser final : public QDialog {
   void imgSplitterV_MouseMove(int x);
   void imgSplitterV_MouseUp();
   [[nodiscard]] int withinLimits(int x) const;
+  /// The header of the list and one row of it.
+  [[nodiscard]] int leastListHeight() const;
+  /// What the pane on the right needs for all that it holds, the explaining text included.
+  [[nodiscard]] int leastPaneHeight(int width) const;
 
   /// A new server object in the place of the one before.
   void openServerObject();
@@ -121,6 +125,8 @@ class frmSQLServerBrowser final : public QDialog {
   Twips splitter_;
   bool loaded_ = false;
   bool dragging_ = false;
+  /// How often the window was made larger since its size was last in order.
+  int snaps_ = 0;
 };
 
 }  // namespace korvel::db

@@ -28,6 +28,8 @@ constexpr Twips feedbackWidth{40};
 constexpr Twips feedbackShorter{20};
 constexpr Twips firstSplitter{3600};
 constexpr Twips nameColumn{2900};
+/// How often a window system that has made the window too small is asked for more before it gets its way.
+constexpr int mostSnaps = 3;
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 460;
 
@@ -119,6 +121,8 @@ void frmSQLServerBrowser::buildRightPane() {
   lvListView_->header()->setSectionsMovable(false);
   lvListView_->header()->setSectionsClickable(false);
   lvListView_->header()->setStretchLastSection(true);
+  // Its own least height is more than the smallest window has.
+  lvListView_->setMinimumHeight(leastListHeight());
   lvListView_->setColumnWidth(0, ScreenMeasure(*this).horizontal(nameColumn));
   lvListView_->installEventFilter(this);
   connect(lvListView_, &QTableView::doubleClicked, this, [this] { cmdOK_Click(); });
@@ -165,15 +169,38 @@ void frmSQLServerBrowser::buildFoot() {
 
 void frmSQLServerBrowser::resizeEvent(QResizeEvent* event) {
   QDialog::resizeEvent(event);
+  if (event->spontaneous() && size() == size().expandedTo(minimumSize())) snaps_ = 0;
   Form_Resize();
 }
 
 void frmSQLServerBrowser::Form_Resize() {
   if (isMinimized()) return;
   const ScreenMeasure measure(*this);
-  // Raises a smaller size at once, and keeps the window system from offering one.
+  // Keeps the window system from offering a smaller size.
   setMinimumSize(measure.horizontal(smallestWidth), measure.vertical(smallestHeight));
-  SizeControls(splitter_);
+  // Some force one all the same. The new size comes back here.
+  const QSize raised = size().expandedTo(minimumSize());
+  if (size() != raised && snaps_ < mostSnaps) {
+    ++snaps_;
+    resize(raised);
+    return;
+  }
+  // The list keeps its room where the window has become too narrow for the splitter, which comes back with the room.
+  const Twips chosen = splitter_;
+  const int room = width() - look::px(this, look::space::dialog) - look::px(this, look::space::between);
+  SizeControls(std::min(chosen, measure.horizontalTwips(room - rightPane_->minimumSizeHint().width())));
+  splitter_ = chosen;
+}
+
+int frmSQLServerBrowser::leastListHeight() const {
+  return lvListView_->header()->sizeHint().height() + lvListView_->verticalHeader()->defaultSectionSize() +
+         2 * lvListView_->frameWidth();
+}
+
+int frmSQLServerBrowser::leastPaneHeight(int width) const {
+  const int lines = ServerLocation_[0]->sizeHint().height() + txtServer_->sizeHint().height();
+  return lblInfo_->heightForWidth(width) + lines + lvListView_->minimumHeight() +
+         3 * look::px(this, look::space::between);
 }
 
 int frmSQLServerBrowser::withinLimits(int x) const {
@@ -191,12 +218,20 @@ void frmSQLServerBrowser::SizeControls(Twips x) {
   splitter_ = x;
 
   const int footTop = height() - statusHeight - between - footHeight;
-  const int paneHeight = std::max(0, footTop - look::px(this, look::space::dialog) - around);
   // The pane on the right begins where the grip ends.
   const int right = split + between;
+  const int paneWidth = std::max(0, width() - around - right);
+  const int roomyHeight = footTop - 2 * around;
+  // Where not all of it fits, what only explains goes first, then distances, and the bar that would cover a row.
+  const bool fits = leastPaneHeight(paneWidth) <= roomyHeight;
+  const int close = look::px(this, look::space::inGroup);
+  const int paneHeight = std::max(0, fits ? roomyHeight : footTop - around - close);
+  lblInfo_->setVisible(fits);
+  rightPane_->layout()->setSpacing(fits ? between : close);
+  lvListView_->setHorizontalScrollBarPolicy(fits ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
   SmartViewBar_->setGeometry(around, around, std::max(0, split - around), paneHeight);
   imgSplitterV_->setGeometry(split, around, between, paneHeight);
-  rightPane_->setGeometry(right, around, std::max(0, width() - around - right), paneHeight);
+  rightPane_->setGeometry(right, around, paneWidth, paneHeight);
   Controlspic_->setGeometry(around, footTop, std::max(0, width() - 2 * around), footHeight);
   StatusBar1_->setGeometry(0, height() - statusHeight, width(), statusHeight);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -13,6 +14,7 @@
 #include <QStatusBar>
 #include <QTableView>
 #include <QTest>
+#include <QWindow>
 #include <stdexcept>
 
 #include "control/screen_measure.h"
@@ -382,6 +384,50 @@ TEST_F(Browser, ItIsNeverSmallerThanItsMinimum) {
   EXPECT_EQ(form().size(), QSize(twips(5000), twips(3000)));
   EXPECT_LE(element("cmdCancel").mapTo(&form(), QPoint()).x() + element("cmdCancel").width(), form().width());
   EXPECT_LE(element("Controlspic").geometry().bottom(), element("StatusBar1").y());
+}
+
+TEST_F(Browser, ASmallSizeThatIsForcedSnapsBackAndShowsItsLists) {
+  form();
+  for (const QSize forced : {QSize(60, 40), QSize(900, 40), QSize(60, 700)}) {
+    // As a window system does it, past the window's own least size.
+    const QSize expected = forced.expandedTo({twips(5000), twips(3000)});
+    for (int time = 0; time < 10; ++time) {
+      form().windowHandle()->resize(forced);
+      QCoreApplication::processEvents();
+      ASSERT_EQ(form().size(), expected) << time;
+      form().windowHandle()->resize(900, 700);
+      QCoreApplication::processEvents();
+    }
+    form().windowHandle()->resize(forced);
+    QCoreApplication::processEvents();
+    const auto seen = [&](const QAbstractItemView& list) {
+      const QWidget& viewport = *list.viewport();
+      return viewport.rect() & QRect(viewport.mapFrom(&form(), QPoint()), form().size()) &
+             QRect(viewport.mapFrom(list.parentWidget(), QPoint()), list.parentWidget()->size());
+    };
+    EXPECT_GE(seen(databases()).height(), databases().verticalHeader()->defaultSectionSize()) << forced.width();
+    EXPECT_GE(seen(databases()).width(), 100) << forced.width();
+    EXPECT_GE(seen(servers()).height(), servers().sizeHintForRow(0)) << forced.width();
+    EXPECT_GE(seen(servers()).width(), 40) << forced.width();
+    EXPECT_LE(databases().mapTo(&form(), QPoint(0, databases().height())).y(), element("Controlspic").y());
+  }
+  // With its room the splitter and what explains come back.
+  form().resize(900, 700);
+  EXPECT_NEAR(element("imgSplitterV").x(), twips(3600), 1);
+  EXPECT_TRUE(element("lblInfo").isVisible());
+}
+
+TEST_F(Browser, AWindowSystemThatInsistsOnASmallSizeIsNotAskedForEver) {
+  form();
+  int asked = 0;
+  for (int i = 0; i < 20; ++i) {
+    const QSize before(60, 40);
+    form().windowHandle()->resize(before);
+    QCoreApplication::processEvents();
+    if (form().size() != before) ++asked;
+  }
+  EXPECT_GT(asked, 0);
+  EXPECT_LT(asked, 20);
 }
 
 TEST_F(Browser, WhileMinimisedNothingIsPlaced) {
