@@ -3,7 +3,6 @@
 #include <QDialog>
 #include <QGuiApplication>
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <memory>
@@ -13,6 +12,7 @@
 #include "control/help_viewer.h"
 #include "control/library_state.h"
 #include "control/look/look.h"
+#include "control/look/message_box.h"
 #include "control/look/theme.h"
 #include "control/system_dialogs.h"
 #include "control/text_editor.h"
@@ -96,9 +96,7 @@ QtControlServices::QtControlServices()
 void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
   // On the heap: whoever destroys the owner while the box waits takes the box along.
-  const QPointer<QMessageBox> box = new QMessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
-  // A server's error text may hold anything; it is shown to the letter.
-  box->setTextFormat(Qt::PlainText);
+  const QPointer<look::MessageBox> box = new look::MessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
   box->exec();
   delete box;
 }
@@ -131,8 +129,8 @@ QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const
 
 bool QtControlServices::confirm(QWidget* owner, const QString& title, const QString& text) {
   const PointerForDialog pointer;
-  const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
-  box->setTextFormat(Qt::PlainText);
+  const QPointer<look::MessageBox> box =
+      new look::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
   const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
   QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
   // Nothing is lost by a hasty Enter.

@@ -2,21 +2,19 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QMessageBox>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "control/look/message_box.h"
 #include "host/host_texts.h"
 
 namespace korvel::host {
 namespace {
 
 void warn(QWidget* owner, const QString& text) {
-  QMessageBox box(QMessageBox::Warning, productName, text, QMessageBox::Ok, owner);
-  // File names may hold anything; they are shown to the letter.
-  box.setTextFormat(Qt::PlainText);
+  look::MessageBox box(QMessageBox::Warning, productName, text, QMessageBox::Ok, owner);
   box.exec();
 }
 

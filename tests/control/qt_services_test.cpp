@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 #include <functional>
 
 #include "control/library_state.h"
@@ -37,6 +39,50 @@ TEST(QtServices, MessagesShowMarkupAsTheTextItIs) {
   EXPECT_EQ(title, "Title");
   EXPECT_EQ(format, Qt::PlainText);
   EXPECT_EQ(icon, QMessageBox::Information);
+}
+
+TEST(QtServices, CtrlCCopiesTitleAndTextOfAMessage) {
+  QtControlServices services;
+  QString copied;
+  const auto copy = [&](QWidget* dialog) {
+    QGuiApplication::clipboard()->setText("before");
+    QTest::keyClick(dialog, Qt::Key_C, Qt::ControlModifier);
+    copied = QGuiApplication::clipboard()->text();
+    dialog->close();
+  };
+  {
+    const WhenModal answer(copy);
+    services.messageBox(nullptr, MessageIcon::information, "Title", "<b>1</b>\n&2");
+    EXPECT_EQ(copied, "Title\n\n<b>1</b>\n&2");
+  }
+  {
+    const WhenModal answer(copy);
+    services.messageBox(nullptr, MessageIcon::critical, "", "5:Error in X");
+    EXPECT_EQ(copied, "5:Error in X");
+  }
+  {
+    const WhenModal answer(copy);
+    services.confirm(nullptr, "Title", "Question?");
+    EXPECT_EQ(copied, "Title\n\nQuestion?");
+  }
+}
+
+TEST(QtServices, AMessageIsAsWideAsItsTitleAndWhatStandsBesideIt) {
+  QtControlServices services;
+  const auto widthOf = [&](const QString& title) {
+    int width = 0;
+    const WhenModal answer([&](QWidget* dialog) {
+      width = dialog->width();
+      dialog->close();
+    });
+    services.messageBox(nullptr, MessageIcon::none, title, "x");
+    return width;
+  };
+  const QFontMetrics metrics(QApplication::font("QMdiSubWindowTitleBar"));
+  for (const char* title : {"KorvelAudit Viewer Message", "SQLServer Object Event and a few words more"})
+    EXPECT_GE(widthOf(title), metrics.horizontalAdvance(title) + 150) << title;
+  // Without a title it is no wider than it was.
+  EXPECT_LT(widthOf(""), 150);
 }
 
 TEST(QtServices, AMessageSurvivesTheDeathOfItsOwner) {
