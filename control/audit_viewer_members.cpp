@@ -147,6 +147,8 @@ void AuditViewer::Members::connectHandlers() {
     };
     QObject::connect(list->header(), &QHeaderView::sectionClicked, &viewer_, columnClick);
     QObject::connect(list, &control::ResultListView::sortRequested, &viewer_, columnClick);
+    QObject::connect(list, &control::ResultListView::fitRequested, &viewer_,
+                     [this, list](int column) { trapped("AutoSizeColumns", [&] { AutoSizeColumns(*list, column); }); });
     QObject::connect(list, &control::ResultListView::recordRequested, &viewer_, [this, list](int row) {
       trapped("lvListView_DblClick", [&] { lvListView_DblClick(*list, row); });
     });

@@ -47,6 +47,9 @@ ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : Result
   connect(&model_, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { keepSelection(); });
   setModel(&model_);
   connect(&model_, &QAbstractItemModel::layoutChanged, this, [this] { restoreSelection(); });
+  // The toolkit would size the column by itself; how columns are sized is the owner's business.
+  disconnect(header(), &QHeaderView::sectionHandleDoubleClicked, this, nullptr);
+  connect(header(), &QHeaderView::sectionHandleDoubleClicked, this, &ResultListView::fitRequested);
 }
 
 void ResultListView::applyColumnWidths() {

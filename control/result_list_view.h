@@ -28,7 +28,7 @@ class ResultListView final : public look::ResultTable {
   void setColumnTwips(int column, Twips width);
   [[nodiscard]] Twips columnTwips(int column) const;
   /// Makes a column as wide as its widest entry, its caption with a sort arrow included. A hidden column stays hidden.
-  /// Measures the column's different texts, not its rows. A double click on the edge of a header does the same.
+  /// Measures the column's different texts, not its rows.
   void autoSizeColumn(int column);
   /// A click on the header of a column: sorts, and keeps in sight the current record if it was. Throws Error when
   /// memory runs out; the rows then stay as they were.
@@ -53,6 +53,8 @@ class ResultListView final : public look::ResultTable {
  Q_SIGNALS:
   /// A person wants to see the whole record in this row.
   void recordRequested(int row);
+  /// A person has asked, by a double click on the edge of its header, for a column as wide as its widest entry.
+  void fitRequested(int column);
   /// A person has asked by keyboard for what a click on the header of this column does.
   void sortRequested(int column);
   /// A person has asked by keyboard for the menu of the header; `place` is where this column's header ends, on the

@@ -1,3 +1,5 @@
+#include <QHeaderView>
+
 #include "base/error.h"
 #include "control/command_menus.h"
 #include "control/command_toolbar.h"
@@ -462,6 +464,31 @@ TEST_F(Dispatch, FittingTheColumnsHidesTheKeyAgainWhereTheMenuSaysSo) {
   choose(*viewer, "VIEW/KEY");
   press(*viewer, "ADJUSTCOL");
   EXPECT_EQ(shown.columnWidth(0), pixels(*viewer, 1000));
+}
+
+TEST_F(Dispatch, ADoubleClickOnAColumnsEdgeFitsItAndSetsTheKeyColumnAsTheMenuSays) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("1", "CS", "an area with a name that needs a good deal more room than a column has")}};
+  click(*viewer, "btQuery");
+  QTableView& shown = *list(*viewer, 0);
+  const int before = shown.columnWidth(1);
+  shown.setColumnWidth(0, 40);
+  list(*viewer, 3)->setColumnWidth(0, 40);
+  const auto clickEdge = [&](int column) {
+    QHeaderView& header = *shown.horizontalHeader();
+    const int edge = header.sectionViewportPosition(column) + header.sectionSize(column) - 1;
+    QTest::mouseDClick(header.viewport(), Qt::LeftButton, {}, {edge, header.height() / 2});
+  };
+  clickEdge(5);
+  EXPECT_GT(shown.columnWidth(5), 300);
+  for (const int other : {1, 4, 6}) EXPECT_EQ(shown.columnWidth(other), before) << other;
+  EXPECT_EQ(shown.columnWidth(0), pixels(*viewer, 1000));
+  EXPECT_EQ(list(*viewer, 3)->columnWidth(0), pixels(*viewer, 1000));
+  // A key column that is off in the menu stays hidden.
+  choose(*viewer, "VIEW/KEY");
+  clickEdge(1);
+  EXPECT_TRUE(shown.isColumnHidden(0));
+  EXPECT_NE(shown.columnWidth(1), before);
 }
 
 TEST_F(Dispatch, FittingTheColumnsLooksAtTheCurrentPage) {

@@ -363,10 +363,15 @@ TEST_F(ListManners, AHiddenColumnStaysHiddenAndOthersAreNotTouched) {
   EXPECT_EQ(view.columnWidth(1), other);
 }
 
-TEST_F(ListManners, ADoubleClickOnAHeadersEdgeFitsTheColumn) {
+TEST_F(ListManners, ADoubleClickOnAHeadersEdgeAsksForAFitAndDoesNothingElse) {
   fill({{"1", "a rather long text that needs more than an inch"}});
-  Q_EMIT view.header()->sectionHandleDoubleClicked(1);
-  EXPECT_TRUE(showsWhole(0, 1));
+  QSignalSpy asked(&view, &ResultListView::fitRequested);
+  const int width = view.columnWidth(1);
+  const int edge = view.header()->sectionViewportPosition(1) + width - 1;
+  QTest::mouseDClick(view.header()->viewport(), Qt::LeftButton, {}, {edge, view.header()->height() / 2});
+  ASSERT_EQ(asked.size(), 1);
+  EXPECT_EQ(asked[0][0].toInt(), 1);
+  EXPECT_EQ(view.columnWidth(1), width);
 }
 
 // --- records -----------------------------------------------------------------------------------------------------
