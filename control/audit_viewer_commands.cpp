@@ -124,6 +124,15 @@ void AuditViewer::Members::connectCommands() {
   auto* menuKey = new QShortcut(Qt::Key_F10, &viewer_);
   menuKey->setContext(Qt::WidgetWithChildrenShortcut);
   QObject::connect(menuKey, &QShortcut::activated, &viewer_, [this] { surface.SmartMenu->openFirstMenu(); });
+  // The text box of custom queries takes the key itself.
+  auto* queryKey = new QShortcut(Qt::Key_F5, &viewer_);
+  queryKey->setContext(Qt::WidgetWithChildrenShortcut);
+  queryKey->setAutoRepeat(false);
+  QObject::connect(queryKey, &QShortcut::activated, &viewer_, [this] { runQueryByKey(); });
+}
+
+void AuditViewer::Members::runQueryByKey() {
+  if (surface.btQuery->isEnabled()) trapped("btQuery_Click", [this] { btQuery_Click(); });
 }
 
 void AuditViewer::Members::BuildMenu() {

@@ -1,6 +1,5 @@
 // The page of custom queries: what runs them, and the buttons beside their text.
 #include <QDir>
-#include <QShortcut>
 #include <array>
 #include <utility>
 
@@ -42,15 +41,7 @@ void AuditViewer::Members::connectCustomPage() {
   onClick(surface.btClearAdvQuery, &Members::btClearAdvQuery_Click, "btClearAdvQuery_Click");
   onClick(surface.btEmunFields, &Members::btEmunFields_Click, "btEmunFields_Click");
 
-  const auto run = [this] {
-    if (surface.btQuery->isEnabled()) trapped("btQuery_Click", [this] { btQuery_Click(); });
-  };
-  QObject::connect(surface.txtAdvancedQuery, &query::SqlEditor::runRequested, &viewer_, run);
-  // Beside the text the key works as it does in it.
-  auto* runKey = new QShortcut(Qt::Key_F5, surface.lvListView[query::customList]->parentWidget());
-  runKey->setContext(Qt::WidgetWithChildrenShortcut);
-  runKey->setAutoRepeat(false);
-  QObject::connect(runKey, &QShortcut::activated, &viewer_, run);
+  QObject::connect(surface.txtAdvancedQuery, &query::SqlEditor::runRequested, &viewer_, [this] { runQueryByKey(); });
 }
 
 void AuditViewer::Members::nameCustomPage() {

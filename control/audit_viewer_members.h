@@ -135,6 +135,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   [[nodiscard]] bool isAvailable(std::span<const CommandAction> actions, const control::CommandItem& item) const;
 
   void connectCommands();
+  /// The query of the page in front, as its button runs it; nothing while the button is disabled.
+  void runQueryByKey();
   void connectContextMenus();
   void SmartMenu_Click(const control::CommandItem& item);
   void SmartMenu_Highlight(const control::CommandItem& item);

@@ -182,6 +182,36 @@ TEST_F(CustomQuery, MenuToolbarAndKeysRunItToo) {
   EXPECT_EQ(server.commands.size(), 3U);
 }
 
+TEST_F(CustomQuery, F5RunsTheQueryOfThePageInFrontWhereverTheFocusIs) {
+  const auto viewer = customPage();
+  answerWith({"a"}, {{"1"}});
+  ASSERT_TRUE(QTest::qWaitForWindowActive(viewer.get()));
+  const auto pressOn = [&](QWidget& focus) {
+    focus.setFocus();
+    const std::size_t before = server.commands.size();
+    QTest::keyClick(&focus, Qt::Key_F5);
+    const bool once = server.commands.size() == before + 1;
+    return once ? QString::fromStdString(server.commands.back()) : QStringLiteral("none, or more than one");
+  };
+  for (const int page : {0, 1, 4}) {
+    selectTab(*viewer, page);
+    for (QWidget* focus :
+         {static_cast<QWidget*>(list(*viewer, page)), element(*viewer, "tvTreeView"), element(*viewer, "btClear")})
+      EXPECT_TRUE(pressOn(*focus).startsWith("QueryAudits ")) << page << focus->objectName().toStdString();
+  }
+  selectTab(*viewer, 5);
+  for (const char* focus : {"tvTreeView", "btClear", "txtAdvancedQuery", "lvListView5"})
+    EXPECT_EQ(pressOn(*element(*viewer, focus)), "Select * from Korvel_Audit_Trails") << focus;
+  // Without a database it does nothing, and says nothing.
+  selectTab(*viewer, 0);
+  viewer->LockControls();
+  viewer->setFocus();
+  const std::size_t before = server.commands.size();
+  QTest::keyClick(viewer.get(), Qt::Key_F5);
+  EXPECT_EQ(server.commands.size(), before);
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
 TEST_F(CustomQuery, SortingRecordViewAndClearingKnowItsColumns) {
   const auto viewer = customPage();
   answerWith({"Area", "Nr"}, {{"b", "10"}, {"a", "9"}});
