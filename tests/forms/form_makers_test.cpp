@@ -1,0 +1,114 @@
+// The dialogs as the viewer opens them: made by the real services, bound to what all viewers share.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <fstream>
+
+#include "control/library_state.h"
+#include "control/qt_control_services.h"
+#include "output/forms/print_font_form.h"
+#include "query/forms/field_picker.h"
+#include "query/forms/file_list.h"
+#include "tests/control/recorder.h"
+#include "tests/control/when_modal.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::test {
+namespace {
+
+using control::libraryState;
+using control::MessageIcon;
+using control::WhenModal;
+using ::testing::ElementsAre;
+
+class FormMakers : public ::testing::Test {
+ protected:
+  FormMakers() : realSurroundings_(control::surroundings()) {
+    control::surroundings().services = recorder;
+    libraryState() = control::LibraryState();
+    libraryState().language = settings::LanguageOffset("10000");
+    owner.show();
+  }
+  ~FormMakers() override {
+    control::surroundings() = realSurroundings_;
+    libraryState() = control::LibraryState();
+  }
+
+  /// Opens the form and hands it to `use` when it is modal. Whether it was a `Form` that belongs to its owner.
+  template <typename Form>
+  bool open(const char* name, const std::function<void(Form&)>& use) {
+    bool right = false;
+    const WhenModal answer([&](QWidget* dialog) {
+      auto* form = qobject_cast<Form*>(dialog);
+      right = form != nullptr && form->objectName() == QLatin1String(name) && form->parentWidget() == &owner;
+      if (right) use(*form);
+      dialog->close();
+    });
+    EXPECT_TRUE(services.hasForm(name));
+    services.showForm(&owner, name);
+    return right;
+  }
+  static void press(QWidget& form, const char* button) {
+    QTest::mouseClick(form.findChild<QPushButton*>(button), Qt::LeftButton);
+  }
+  static void choose(QListWidget& list, const QString& text) {
+    QListWidgetItem* const item = list.findItems(text, Qt::MatchExactly).value(0);
+    ASSERT_NE(item, nullptr) << text.toStdString();
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(item).center());
+  }
+
+  QWidget owner;
+  control::QtControlServices services;
+  std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
+
+ private:
+  control::Surroundings realSurroundings_;
+};
+
+TEST_F(FormMakers, TheFieldPickerHandsItsQueryToTheViewers) {
+  EXPECT_TRUE(open<query::frmFields>("frmFields", [](query::frmFields& form) {
+    auto& fields = *form.findChild<QListWidget*>("ListView1");
+    press(form, "Command1");
+    choose(fields, "UserName");
+    choose(fields, "DateTime");
+    press(form, "Command1");
+  }));
+  EXPECT_EQ(libraryState().queryChoices.pickedQuery, "Select DateTime,UserName from Korvel_Audit_Trails");
+  // What it says of an empty selection goes the viewer's way, in its language.
+  EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::information, "KorvelAudit Viewer Message",
+                                                           "Wählen Sie mindestens eine Spalte aus."}));
+}
+
+TEST_F(FormMakers, TheFileListShowsTheChosenFolderAndHandsTheFileOver) {
+  const TemporaryFolder folder;
+  for (const char* name : {"a.vqf", "b.vqf"}) std::ofstream(folder.path() / name) << "x";
+  libraryState().queryChoices.folder = folder.path().string() + "/";
+  EXPECT_TRUE(open<query::frmFileList>("frmFileList", [](query::frmFileList& form) {
+    auto& names = *form.findChild<QListWidget*>("List1");
+    EXPECT_EQ(names.count(), 2);
+    choose(names, "b.vqf");
+    press(form, "btOK");
+  }));
+  EXPECT_EQ(libraryState().queryChoices.fileName, "b.vqf");
+}
+
+TEST_F(FormMakers, PageSetupSetsThePrintFontOfTheViewers) {
+  libraryState().printFont = {"Some Font", 7};
+  QFont chosen("DejaVu Serif");
+  chosen.setPointSizeF(11.25);
+  EXPECT_TRUE(open<output::frmPrintFont>("frmPrintFont", [&](output::frmPrintFont& form) {
+    recorder->chosenFont = chosen;
+    press(form, "btChangeFont");
+    EXPECT_EQ(form.findChild<QPushButton*>("btChangeFont")->text().toStdString(),
+              settings::ownText("printFont.change", settings::LanguageOffset("10000")));
+  }));
+  EXPECT_EQ(recorder->offeredFont.family(), "Some Font");
+  EXPECT_EQ(libraryState().printFont.name, "DejaVu Serif");
+  EXPECT_EQ(libraryState().printFont.size, 11.25);
+}
+
+}  // namespace
+}  // namespace korvel::test
