@@ -21,7 +21,7 @@ static void loadDrawings() {
 namespace korvel::look {
 namespace {
 
-constexpr std::array<IconFile, 39> files{{
+constexpr std::array<IconFile, 44> files{{
     {IconName::Select, "select"},
     {IconName::Info, "info"},
     {IconName::Query, "query"},
@@ -59,6 +59,11 @@ constexpr std::array<IconFile, 39> files{{
     {IconName::PreviousPage, "previouspage"},
     {IconName::NextPage, "nextpage"},
     {IconName::LastPage, "lastpage"},
+    {IconName::PreviousYear, "previousyear"},
+    {IconName::NextYear, "nextyear"},
+    {IconName::PageMark, "pagemark"},
+    {IconName::SortAscending, "sortascending"},
+    {IconName::SortDescending, "sortdescending"},
     {IconName::Viewer, "viewer"},
     {IconName::More, "more"},
 }};

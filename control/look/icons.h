@@ -46,6 +46,11 @@ enum class IconName {
   PreviousPage,
   NextPage,
   LastPage,
+  PreviousYear,
+  NextYear,
+  PageMark,
+  SortAscending,
+  SortDescending,
   Viewer,
   More,
 };

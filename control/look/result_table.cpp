@@ -8,6 +8,8 @@
 #include <cmath>
 
 #include "control/look/dialogs.h"
+#include "control/look/icons.h"
+#include "control/look/look_style.h"
 #include "control/look/shown_text.h"
 #include "control/look/theme.h"
 
@@ -49,7 +51,13 @@ ResultHeader::ResultHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent
 
 void ResultHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {
   QHeaderView::initStyleOptionForIndex(option, logicalIndex);
-  if (option != nullptr) option->text = visibleFormats(option->text);
+  if (option == nullptr) return;
+  option->text = visibleFormats(option->text);
+  if (qobject_cast<const LookStyle*>(style()) != nullptr || option->sortIndicator == QStyleOptionHeader::None) return;
+  // Styles do not agree on which way an ascending arrow points: in theirs a picture of ours takes its place.
+  option->sortIndicator = QStyleOptionHeader::None;
+  const bool ascending = sortIndicatorOrder() == Qt::AscendingOrder;
+  option->icon = icon(ascending ? IconName::SortAscending : IconName::SortDescending);
 }
 
 void ResultHeader::showSort(int column, Qt::SortOrder order) {

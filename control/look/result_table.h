@@ -19,7 +19,7 @@ class ResultHeader : public QHeaderView {
   void showSort(int column, Qt::SortOrder order);
 
  protected:
-  /// Captions are shown as values are.
+  /// Captions are shown as values are, and arrows alike in all styles.
   void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
 };
 

@@ -23,7 +23,9 @@
 #include "control/look/card_frame.h"
 #include "control/look/dialogs.h"
 #include "control/look/look.h"
+#include "control/look/look_style.h"
 #include "control/look/page_strip.h"
+#include "control/look/system_look.h"
 #include "tests/look/painted.h"
 
 namespace korvel::look {
@@ -312,6 +314,35 @@ TEST(PageStripTest, CurrentPageIsMarkedAndNothingMovesWhenItChanges) {
     EXPECT_GT(count(image, theme.accent, second), 20) << scheme.name;
     EXPECT_EQ(pages->tabBar()->tabRect(0), first);
     EXPECT_EQ(pages->tabBar()->tabRect(1), second);
+  }
+}
+
+TEST(PageStripTest, ThePlatformsStyleMarksTheCurrentPageToo) {
+  const SystemLookOverride native({.native = true});
+  QWidget window;
+  applyLook(window);
+  auto* pages = new PageStrip(&window);
+  for (const char* caption : {"ALL Audits", "Runtime", "Custom"}) pages->addTab(new QWidget, caption);
+  pages->setGeometry(0, 0, 400, 150);
+  window.resize(400, 150);
+  window.show();
+  ASSERT_EQ(qobject_cast<const LookStyle*>(pages->style()), nullptr);
+  const QColor accent = Theme::of(QApplication::palette()).accent;
+  std::vector<QRect> tabs;
+  for (int page = 0; page < pages->count(); ++page) tabs.push_back(pages->tabBar()->tabRect(page));
+  for (const int current : {0, 2, 1}) {
+    pages->setCurrentIndex(current);
+    const QImage image = painted(*pages);
+    for (int page = 0; page < pages->count(); ++page) {
+      const QRect tab = tabs.at(static_cast<std::size_t>(page));
+      // A dot: a style that colours a tab's edge has other shapes.
+      const int dot = count(image, accent, tab.adjusted(4, 4, -4, -4));
+      if (page == current)
+        EXPECT_GT(dot, 20) << page;
+      else
+        EXPECT_EQ(dot, 0) << page;
+      EXPECT_EQ(pages->tabBar()->tabRect(page), tab) << "nothing moves when the page changes";
+    }
   }
 }
 

@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QStandardItemModel>
+#include <QStyleFactory>
 #include <QTextCharFormat>
 #include <QTextDocument>
 #include <QTreeWidget>
@@ -12,8 +13,10 @@
 #include "control/look/dialogs.h"
 #include "control/look/filter_tree_look.h"
 #include "control/look/look.h"
+#include "control/look/look_style.h"
 #include "control/look/result_table.h"
 #include "control/look/shown_text.h"
+#include "control/look/system_look.h"
 #include "tests/look/painted.h"
 
 namespace korvel::look {
@@ -189,6 +192,38 @@ TEST(ResultHeaderTest, AscendingPointsUp) {
   EXPECT_LT(widthOfRow(true), widthOfRow(false));
   list.table.header()->showSort(0, Qt::DescendingOrder);
   EXPECT_GT(widthOfRow(true), widthOfRow(false));
+}
+
+TEST(ResultHeaderTest, AscendingPointsUpInEveryStyleOfThePlatform) {
+  const SystemLookOverride native({.native = true});
+  for (const QString& name : QStyleFactory::keys()) {
+    List list(1, QApplication::palette());
+    ResultHeader& header = *list.table.header();
+    ASSERT_EQ(qobject_cast<const LookStyle*>(header.style()), nullptr);
+    const std::unique_ptr<QStyle> style(QStyleFactory::create(name));
+    header.setStyle(style.get());
+    list.table.setColumnWidth(0, 200);
+    const auto picture = [&] { return painted(*header.viewport()).copy(0, 0, 200, header.height()); };
+    header.showSort(-1, Qt::AscendingOrder);
+    // An arrow is what it adds to a header that has no text to move aside.
+    list.model.setHorizontalHeaderItem(0, new QStandardItem(QString()));
+    const QImage plain = picture();
+    const auto pointsUp = [&](Qt::SortOrder order) {
+      header.showSort(0, order);
+      const QImage image = picture();
+      std::vector<int> widths;
+      for (int y = 0; y < image.height(); ++y) {
+        int width = 0;
+        for (int x = 0; x < image.width(); ++x) width += image.pixel(x, y) != plain.pixel(x, y) ? 1 : 0;
+        if (width > 0) widths.push_back(width);
+      }
+      EXPECT_GE(widths.size(), 4U) << name.toStdString();
+      return !widths.empty() && widths.front() < widths.back();
+    };
+    EXPECT_TRUE(pointsUp(Qt::AscendingOrder)) << name.toStdString();
+    EXPECT_FALSE(pointsUp(Qt::DescendingOrder)) << name.toStdString();
+    header.setStyle(nullptr);
+  }
 }
 
 TEST(ResultHeaderTest, PersonMayMoveAndResizeAndAClickAloneDoesNotSort) {
