@@ -1,5 +1,6 @@
 #include "control/audit_viewer_members.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "control/texts.h"
 #include "db/connection_state.h"
 #include "query/alarm_dates.h"
+#include "query/newest_day.h"
 #include "settings/stored_language.h"
 
 namespace korvel {
@@ -381,10 +383,20 @@ void AuditViewer::Members::btDBInfo_Click() {
 
 void AuditViewer::Members::btDateRangeFilter_Click() {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  libraryState().newestDay = newestDayShown();
   services->showForm(&viewer_, dateRangeForm);
   // However the dialog was closed, and whoever lives still: the range is in force from now on.
   libraryState().dateRange.DateRangeActive = true;
   showDateRangeEverywhere();
+}
+
+std::optional<std::chrono::year_month_day> AuditViewer::Members::newestDayShown() const {
+  std::optional<std::chrono::year_month_day> newest;
+  // Where memory has run out it is not known.
+  skipFailing([&] {
+    for (std::size_t i = 0; i < query::standardListCount; ++i) newest = std::max(newest, query::newestDay(lists.at(i)));
+  });
+  return newest;
 }
 
 void AuditViewer::Members::btClearDateRange_Click() {

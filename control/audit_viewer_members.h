@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QPointer>
+#include <chrono>
 #include <exception>
 #include <functional>
 #include <optional>
@@ -179,6 +180,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void chooseHelpFile();
   void openHelp(control::HelpCommand command);
   void showDateRange();
+  /// The last day of which one of the standard lists shows a row.
+  [[nodiscard]] std::optional<std::chrono::year_month_day> newestDayShown() const;
   /// The range is everybody's: no instance may go on showing another one than its next query sends.
   static void showDateRangeEverywhere();
   void clearAllLists();

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "control/control_services.h"
 #include "db/connection_state.h"
@@ -26,6 +28,8 @@ struct PendingReport {
 struct LibraryState {
   db::ConnectionState connection;
   query::DateRange dateRange;
+  /// The last day that the viewer shows records of which opens the date range dialog; nothing where it shows none.
+  std::optional<std::chrono::year_month_day> newestDay;
   query::QueryChoices queryChoices;
   settings::LanguageOffset language;
   output::PrintFont printFont;

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <memory>
+#include <utility>
 
 #include "control/forms/about.h"
 #include "control/forms/report_preview.h"
@@ -65,7 +66,9 @@ QDialog* makeServerBrowser(QWidget* owner) {
 
 QDialog* makeDateRange(QWidget* owner) {
   LibraryState& state = libraryState();
-  return new query::frmAdvancedFilters({state.dateRange, state.language, surroundings().services}, owner);
+  query::DateRangeSurroundings range{state.dateRange, state.language, surroundings().services};
+  range.newestDay = state.newestDay;
+  return new query::frmAdvancedFilters(std::move(range), owner);
 }
 
 template <typename Form>

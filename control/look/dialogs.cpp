@@ -11,6 +11,7 @@
 #include <QTextCharFormat>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "control/look/icons.h"
 #include "control/look/theme.h"
@@ -57,6 +58,33 @@ void dressCalendar(QCalendarWidget& calendar) {
     bar->setBackgroundRole(QPalette::Base);
   }
   if (auto* days = calendar.findChild<QTableView*>()) days->setFrameShape(QFrame::NoFrame);
+}
+
+void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next) {
+  // The names are the toolkit's own.
+  auto* bar = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"));
+  const auto* month = calendar.findChild<QToolButton*>(QStringLiteral("qt_calendar_prevmonth"));
+  auto* row = bar != nullptr ? qobject_cast<QBoxLayout*>(bar->layout()) : nullptr;
+  if (row == nullptr || month == nullptr) return;
+  const auto add = [&](int place, const char* name, IconName drawing, const QString& text, int years) {
+    auto* button = new QToolButton(bar);
+    button->setObjectName(QLatin1String(name));
+    button->setAutoRaise(true);
+    button->setAutoRepeat(true);
+    button->setFocusPolicy(month->focusPolicy());
+    button->setIcon(icon(drawing));
+    button->setIconSize(month->iconSize());
+    button->setToolTip(text);
+    button->setAccessibleName(text);
+    QObject::connect(button, &QToolButton::clicked, &calendar, [&calendar, years] {
+      const int year =
+          std::clamp(calendar.yearShown() + years, calendar.minimumDate().year(), calendar.maximumDate().year());
+      calendar.setCurrentPage(year, calendar.monthShown());
+    });
+    row->insertWidget(place, button);
+  };
+  add(0, "previousYear", IconName::PreviousYear, previous, -1);
+  add(row->count(), "nextYear", IconName::NextYear, next, 1);
 }
 
 void setMuted(QLabel& label, bool muted) {

@@ -20,6 +20,9 @@ void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
 /// A calendar without grid in the colours of the theme: chosen day filled, today semi-bold, week-ends not red.
 void dressCalendar(QCalendarWidget& calendar);
 
+/// Puts two arrows around those of the months, which turn the page by a year and choose nothing. The texts name them.
+void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next);
+
 /// Grey explanatory text.
 void setMuted(QLabel& label, bool muted = true);
 

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "control/look/buttons.h"
@@ -26,6 +27,19 @@ template <typename Element>
 Element* named(Element* element, const char* name) {
   element->setObjectName(QLatin1String(name));
   return element;
+}
+
+bool movesOn(int key) {
+  return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down ||
+         key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+}
+
+/// Keys go on from the chosen day: where the page shows another month, that becomes the same day of it.
+void chooseOnPage(QCalendarWidget& calendar) {
+  const QDate chosen = calendar.selectedDate();
+  const QDate page(calendar.yearShown(), calendar.monthShown(), 1);
+  if (chosen.year() == page.year() && chosen.month() == page.month()) return;
+  calendar.setSelectedDate(page.addDays(std::min(chosen.day(), page.daysInMonth()) - 1));
 }
 
 QDate toQDate(const std::chrono::year_month_day& day) {
@@ -89,6 +103,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   side.calendar->setDateEditEnabled(false);
   side.calendar->setAccessibleName(caption);
   look::dressCalendar(*side.calendar);
+  look::addYearArrows(*side.calendar, text("dates.previousYear"), text("dates.nextYear"));
   QTableView* const days = daysOf(*side.calendar);
   days->setAccessibleName(caption);
   days->installEventFilter(this);
@@ -122,9 +137,19 @@ void frmAdvancedFilters::Form_Activate() {
     const QDate stored = toQDate(surroundings_.range.*side.day);
     side.calendar->setSelectedDate(surroundings_.range.DateRangeActive && stored.isValid() ? stored : today);
     side.calendar->showSelectedDate();
+    // The days stay today's: it is the page that spares the way back to the records.
+    if (!surroundings_.range.DateRangeActive && surroundings_.newestDay) {
+      const QDate newest = std::clamp(toQDate(*surroundings_.newestDay), earliestDay, latestDay);
+      side.calendar->setCurrentPage(newest.year(), newest.month());
+    }
     store(side, side.calendar->selectedDate());
   }
   btOK_->setFocus();
+}
+
+QString frmAdvancedFilters::text(const char* key) const {
+  const std::string_view text = settings::ownText(key, surroundings_.language);
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 void frmAdvancedFilters::store(const Side& side, const QDate& date) {
@@ -168,6 +193,7 @@ bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool frmAdvancedFilters::calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers) {
+  if (movesOn(key)) chooseOnPage(*side.calendar);
   if (key == Qt::Key_Space) {
     DateClick(side, side.calendar->selectedDate());
     return true;

@@ -5,6 +5,7 @@
 #include <QLocale>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "control/control_services.h"
 #include "query/date_range.h"
@@ -28,6 +29,9 @@ struct DateRangeSurroundings {
   /// Short dates, names of months, first day of the week.
   QLocale locale = QLocale::system();
   std::function<QDate()> today = &QDate::currentDate;
+  /// The last day of which records are shown, where that is known: without a range in force the calendars show its
+  /// month.
+  std::optional<std::chrono::year_month_day> newestDay{};
 };
 
 /// The dialog in which the first and the last day of the date range are picked. It writes days into the range as they
@@ -62,6 +66,7 @@ class frmAdvancedFilters final : public QDialog {
   /// A day was clicked, or chosen by key.
   void DateClick(const Side& side, const QDate& date);
   void store(const Side& side, const QDate& date);
+  [[nodiscard]] QString text(const char* key) const;
   /// Keys that the days of a calendar do not know themselves: space picks a day, Ctrl with a page key moves by a year.
   bool calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers);
 

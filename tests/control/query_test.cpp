@@ -115,6 +115,26 @@ TEST_F(FilterTreeTest, ACollapsedNodeOpensAgain) {
   EXPECT_TRUE(node(*viewer, "Document Control")->isExpanded());
 }
 
+TEST_F(DateRangeTest, TheDialogIsToldTheNewestDayThatTheListsShow) {
+  using namespace std::chrono_literals;
+  recorder->forms.insert("frmAdvancedFilters");
+  const auto viewer = shownViewer();
+  std::vector<std::optional<std::chrono::year_month_day>> told;
+  recorder->onForm = [&] { told.push_back(libraryState().newestDay); };
+  click(*viewer, "btDateRangeFilter");
+  CannedRow early = record("1", "CS");
+  early[1] = "2003-12-31 10:00:00.000";
+  CannedRow late = record("2", "");
+  late[1] = "2004-03-07 10:00:00.000";
+  server.resultSets = {{early, late}};
+  click(*viewer, "btQuery");
+  selectTab(*viewer, 1);
+  click(*viewer, "btDateRangeFilter");
+  click(*viewer, "btClear");
+  click(*viewer, "btDateRangeFilter");
+  EXPECT_THAT(told, ElementsAre(std::nullopt, std::chrono::year_month_day{2004y / 3 / 7}, std::nullopt));
+}
+
 TEST_F(DateRangeTest, ClearingMakesTheRangeInactive) {
   using namespace std::chrono;
   libraryState().dateRange = {2004y / 3 / 1, 2004y / 3 / 7, true};

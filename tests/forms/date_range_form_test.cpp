@@ -32,7 +32,7 @@ class DateRangeForm : public ::testing::Test {
   query::frmAdvancedFilters& form() {
     if (!form_) {
       form_ = std::make_unique<query::frmAdvancedFilters>(
-          query::DateRangeSurroundings{range, language, recorder, locale, [this] { return today; }}, nullptr);
+          query::DateRangeSurroundings{range, language, recorder, locale, [this] { return today; }, newest}, nullptr);
       form_->setModal(true);
       form_->show();
       QApplication::setActiveWindow(form_.get());
@@ -78,6 +78,7 @@ class DateRangeForm : public ::testing::Test {
   settings::LanguageOffset language;
   QLocale locale = QLocale(QLocale::English, QLocale::UnitedStates);
   QDate today{2004, 3, 7};
+  std::optional<std::chrono::year_month_day> newest;
   std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
   std::unique_ptr<query::frmAdvancedFilters> form_;
 };
@@ -191,6 +192,86 @@ TEST_F(DateRangeForm, CtrlWithAPageKeyMovesByAYear) {
   key("FromDate", Qt::Key_PageDown, Qt::ControlModifier);
   key("FromDate", Qt::Key_PageDown, Qt::ControlModifier);
   EXPECT_EQ(calendar("FromDate").selectedDate(), QDate(2005, 3, 7));
+}
+
+TEST_F(DateRangeForm, YearsMoveByArrowsAsMonthsDo) {
+  language = settings::LanguageOffset("10000");
+  form();
+  auto& back = *calendar("FromDate").findChild<QToolButton*>("previousYear");
+  auto& forth = *calendar("FromDate").findChild<QToolButton*>("nextYear");
+  EXPECT_EQ(back.toolTip(), "Voriges Jahr");
+  EXPECT_EQ(forth.accessibleName(), "Nächstes Jahr");
+  const auto page = [&](const char* name) {
+    return QStringLiteral("%1-%2").arg(calendar(name).yearShown()).arg(calendar(name).monthShown());
+  };
+  const auto press = [](QToolButton& button) { QTest::mouseClick(&button, Qt::LeftButton); };
+  press(back);
+  press(back);
+  EXPECT_EQ(page("FromDate"), "2002-3");
+  EXPECT_EQ(page("ToDate"), "2004-3");
+  press(forth);
+  EXPECT_EQ(page("FromDate"), "2003-3");
+  // They turn pages and choose nothing.
+  EXPECT_EQ(calendar("FromDate").selectedDate(), today);
+  EXPECT_EQ(from(), "2004-3-7");
+  clickDay("FromDate", 31);
+  EXPECT_EQ(from(), "2003-3-31");
+  // They stand around the arrows of the months, and stop where the calendar does.
+  const QWidget& month = *calendar("FromDate").findChild<QToolButton*>("qt_calendar_prevmonth");
+  EXPECT_LE(back.geometry().right(), month.geometry().left());
+  EXPECT_GE(forth.geometry().left(),
+            calendar("FromDate").findChild<QToolButton*>("qt_calendar_nextmonth")->geometry().right());
+  calendar("FromDate").setCurrentPage(1753, 1);
+  press(back);
+  EXPECT_EQ(page("FromDate"), "1753-1");
+  calendar("FromDate").setCurrentPage(9999, 12);
+  press(forth);
+  EXPECT_EQ(page("FromDate"), "9999-12");
+}
+
+TEST_F(DateRangeForm, WithoutARangeTheNewestMonthWithRecordsIsShownAndTheDaysAreTodays) {
+  today = QDate(2026, 11, 22);
+  newest = year_month_day{2004y / 3 / 31};
+  form();
+  for (const char* name : {"FromDate", "ToDate"}) {
+    EXPECT_EQ(calendar(name).yearShown(), 2004) << name;
+    EXPECT_EQ(calendar(name).monthShown(), 3) << name;
+    EXPECT_EQ(calendar(name).selectedDate(), today) << name;
+  }
+  EXPECT_EQ(text("txtFromDate"), "11/22/26");
+  EXPECT_EQ(from(), "2026-11-22");
+  EXPECT_EQ(to(), "2026-11-22");
+  clickDay("FromDate", 7);
+  EXPECT_EQ(from(), "2004-3-7");
+}
+
+TEST_F(DateRangeForm, KeysGoOnFromTheMonthThatIsShown) {
+  today = QDate(2026, 11, 30);
+  newest = year_month_day{2004y / 2 / 1};
+  form();
+  key("FromDate", Qt::Key_Left);
+  EXPECT_EQ(calendar("FromDate").selectedDate(), QDate(2004, 2, 28));
+  key("FromDate", Qt::Key_Space);
+  EXPECT_EQ(from(), "2004-2-28");
+  key("ToDate", Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(calendar("ToDate").selectedDate(), QDate(2003, 2, 28));
+  EXPECT_EQ(to(), "2026-11-30");
+}
+
+TEST_F(DateRangeForm, AnActiveRangeComesBeforeTheNewestMonth) {
+  activeRange(year_month_day{2003y / 6 / 1}, year_month_day{2003y / 12 / 31});
+  newest = year_month_day{2004y / 3 / 31};
+  form();
+  EXPECT_EQ(calendar("FromDate").monthShown(), 6);
+  EXPECT_EQ(calendar("ToDate").monthShown(), 12);
+  EXPECT_EQ(calendar("ToDate").yearShown(), 2003);
+}
+
+TEST_F(DateRangeForm, RecordsOfYearsThatNoCalendarHasAreNoReasonToFail) {
+  newest = year_month_day{100y / 1 / 1};
+  form();
+  EXPECT_EQ(calendar("FromDate").yearShown(), 1753);
+  EXPECT_EQ(from(), "2004-3-7");
 }
 
 TEST_F(DateRangeForm, ATypedYearIsEnteredWithoutClosingTheDialog) {

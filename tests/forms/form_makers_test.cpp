@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QCalendarWidget>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -10,6 +11,7 @@
 #include "control/library_state.h"
 #include "control/qt_control_services.h"
 #include "output/forms/print_font_form.h"
+#include "query/forms/date_range_form.h"
 #include "query/forms/field_picker.h"
 #include "query/forms/file_list.h"
 #include "tests/control/recorder.h"
@@ -93,6 +95,15 @@ TEST_F(FormMakers, TheFileListShowsTheChosenFolderAndHandsTheFileOver) {
     press(form, "btOK");
   }));
   EXPECT_EQ(libraryState().queryChoices.fileName, "b.vqf");
+}
+
+TEST_F(FormMakers, TheDateRangeKnowsTheNewestDayOfTheViewerThatOpensIt) {
+  using namespace std::chrono_literals;
+  libraryState().newestDay = std::chrono::year_month_day{2004y / 3 / 7};
+  EXPECT_TRUE(open<query::frmAdvancedFilters>("frmAdvancedFilters", [](query::frmAdvancedFilters& form) {
+    EXPECT_EQ(form.findChild<QCalendarWidget*>("FromDate")->yearShown(), 2004);
+    EXPECT_EQ(form.findChild<QCalendarWidget*>("FromDate")->monthShown(), 3);
+  }));
 }
 
 TEST_F(FormMakers, PageSetupSetsThePrintFontOfTheViewers) {
