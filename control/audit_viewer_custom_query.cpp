@@ -11,6 +11,7 @@
 #include "control/texts.h"
 #include "query/custom_query.h"
 #include "query/file_names.h"
+#include "query/forms/query_file_drop.h"
 #include "query/query_file.h"
 #include "settings/explained_error.h"
 
@@ -42,6 +43,10 @@ void AuditViewer::Members::connectCustomPage() {
   onClick(surface.btEmunFields, &Members::btEmunFields_Click, "btEmunFields_Click");
 
   QObject::connect(surface.txtAdvancedQuery, &query::SqlEditor::runRequested, &viewer_, [this] { runQueryByKey(); });
+  auto* drop = new query::QueryFileDrop(*surface.lvListView[query::customList]->parentWidget());
+  QObject::connect(drop, &query::QueryFileDrop::dropped, &viewer_, [this](const QString& path) {
+    trapped("btOpen_Click", [&] { openQueryFile(path.toStdString()); });
+  });
 }
 
 void AuditViewer::Members::nameCustomPage() {
@@ -176,8 +181,12 @@ void AuditViewer::Members::btOpen_Click() {
   choices.fileName.clear();
   services->showForm(&viewer_, fileListForm);
   if (!alive || choices.fileName.empty()) return;
+  openQueryFile(choices.folder + choices.fileName);
+}
+
+void AuditViewer::Members::openQueryFile(const std::string& path) {
   // What cannot be read leaves the text as it was.
-  const std::string text = query::loadQueryFile(pathFromUtf8(choices.folder + choices.fileName));
+  const std::string text = query::loadQueryFile(pathFromUtf8(path));
   surface.txtAdvancedQuery->setQueryText(fromUtf8(text));
 }
 

@@ -136,6 +136,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   [[nodiscard]] bool isAvailable(std::span<const CommandAction> actions, const control::CommandItem& item) const;
 
   void connectCommands();
+  /// Puts a query file into the query text. Throws Error where it cannot be read.
+  void openQueryFile(const std::string& path);
   /// The query of the page in front, as its button runs it; nothing while the button is disabled.
   void runQueryByKey();
   void connectContextMenus();

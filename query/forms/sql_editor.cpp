@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "control/look/theme.h"
+#include "query/forms/query_file_drop.h"
 #include "query/forms/sql_highlighter.h"
 #include "query/sql_tokens.h"
 
@@ -180,6 +181,11 @@ void SqlEditor::keyPressEvent(QKeyEvent* event) {
     return;
   }
   QPlainTextEdit::keyPressEvent(event);
+}
+
+bool SqlEditor::canInsertFromMimeData(const QMimeData* source) const {
+  // A query file is opened by the page; its path is no text of a query.
+  return !draggedQueryFile(*source) && QPlainTextEdit::canInsertFromMimeData(source);
 }
 
 void SqlEditor::insertFromMimeData(const QMimeData* source) {
