@@ -164,7 +164,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
                                                             db::buildConnectionString(options.server, options.database),
                                                             connect, lists, options.list);
   if (report.failure) {
-    say(err, "database error " + std::to_string(report.failure->number()) + ": " + report.failure->description());
+    say(err, "database error " + errorText(*report.failure));
     return exitDatabase;
   }
   if (report.outcome == QueryOutcome::noCriteria)
@@ -188,7 +188,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
       options.format->write({list, query::pageCaptions[options.list]}, sink, err);
     });
   } catch (const Error& error) {
-    say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+    say(err, "error " + errorText(error));
     return exitOutput;
   } catch (const std::exception& exception) {
     say(err, exception.what());

@@ -43,7 +43,7 @@ int reporting(std::ostream& out, std::ostream& err, const Work& work) {
     const int status = work();
     return out.flush() ? status : exitOutput;
   } catch (const Error& error) {
-    say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+    say(err, "error " + errorText(error));
     return exitDatabase;
   } catch (const std::exception& exception) {
     say(err, exception.what());

@@ -69,11 +69,11 @@ struct Stopped {};
 std::string databaseText(const Error& error) {
   std::string text = "database error " + std::to_string(error.number());
   if (error.line()) text += " in line " + std::to_string(*error.line());
-  return text + ": " + error.description();
+  return text + ": " + settings::describe(error, settings::LanguageOffset{});
 }
 
 int outputFailed(std::ostream& err, const Error& error) {
-  say(err, "error " + std::to_string(error.number()) + ": " + error.description());
+  say(err, "error " + errorText(error));
   return exitOutput;
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "settings/system_error_number.h"
 
 namespace korvel::settings {
 
@@ -18,8 +19,20 @@ constexpr std::uint32_t keyEmpty = 1002;
 /// A failed call's system error number, or a value's type, is added to this.
 constexpr std::uint32_t platformBase = 2000;
 
+constexpr std::int32_t codeOf(std::uint32_t code) noexcept {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(objectErrorBase) + code);
+}
+
 [[noreturn]] void raise(std::uint32_t code, const char* description) {
-  throw Error(static_cast<std::int32_t>(static_cast<std::uint32_t>(objectErrorBase) + code), description);
+  throw Error(codeOf(code), description);
+}
+
+/// A section that could not be opened. Whoever reads of a file that is not understood learns which one, and what to do.
+[[noreturn]] void raiseUnopened(const SettingsBackend& backend, std::uint32_t failure, const char* description) {
+  Error error(codeOf(platformBase + failure), description);
+  const std::string file = backend.file();
+  if (failure == errorBadDatabase && !file.empty()) error.setText("settings.notUnderstood", {description, file});
+  throw error;
 }
 
 void checkArguments(const std::string& appName, const std::string& section, const std::string& key) {
@@ -43,9 +56,9 @@ auto trapped(const Operation& operation) {
   std::unique_ptr<SettingsKey> key;
   try {
     return operation(key);
-  } catch (const Error& error) {
+  } catch (const Error&) {
     key.reset();
-    throw Error(error.number(), error.description());
+    throw;
   } catch (const std::exception& error) {
     key.reset();
     throw Error(unspecifiedFailure, error.what());
@@ -60,7 +73,7 @@ std::string Registry::GetSetting(const std::string& appName, const std::string& 
     checkArguments(appName, section, key);
     const std::uint32_t failure = backend_.openForReading(keyPath(appName, section), opened);
     if (failure == errorFileNotFound) return fallback;
-    if (failure != errorSuccess) raise(platformBase + failure, "Could not open registry section");
+    if (failure != errorSuccess) raiseUnopened(backend_, failure, "Could not open registry section");
 
     std::uint32_t type = 0;
     std::uint32_t size = 0;
@@ -80,7 +93,7 @@ void Registry::SaveSetting(const std::string& appName, const std::string& sectio
   trapped([&](std::unique_ptr<SettingsKey>& opened) {
     checkArguments(appName, section, key);
     std::uint32_t failure = backend_.createOrOpen(keyPath(appName, section), opened);
-    if (failure != errorSuccess) raise(platformBase + failure, "Could not open/create registry section");
+    if (failure != errorSuccess) raiseUnopened(backend_, failure, "Could not open/create registry section");
     failure = opened->setString(key, value);
     if (failure != errorSuccess) raise(platformBase + failure, "Could not set key value");
   });

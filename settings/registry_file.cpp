@@ -39,6 +39,11 @@ std::uint32_t load(const SharedFile& file, RegistryDocument& document) {
   std::string bytes;
   const std::uint32_t failure = file.read(bytes);
   if (failure != errorSuccess) return failure;
+  // Made by somebody who meant to fill it, or cut off by a full disk: there is nothing in it that could be lost.
+  if (bytes.empty()) {
+    document = RegistryDocument();
+    return errorSuccess;
+  }
   auto parsed = RegistryDocument::parse(std::move(bytes));
   if (!parsed) return errorBadDatabase;
   document = *std::move(parsed);
@@ -123,6 +128,10 @@ std::uint32_t RegistryFile::createOrOpen(const std::string& keyPath, std::unique
   if (failure != errorSuccess) return failure;
   key = std::make_unique<FileKey>(std::move(document), std::move(path), &file_);
   return errorSuccess;
+}
+
+std::string RegistryFile::file() const {
+  return file_.path().string();
 }
 
 std::filesystem::path registryFilePath() {

@@ -12,8 +12,8 @@ namespace korvel::settings {
 /// machine-wide hive. Programs that write at once lose nothing of each other's: every change reads the file anew and
 /// replaces it whole, under a lock. A section opened for reading shows the file as it was when it was opened.
 ///
-/// A file that is missing is a missing section (2). One that cannot be read, or not be understood (1009), is a failure
-/// to open, never an empty store.
+/// A file that is missing is a missing section (2), and one without a byte an empty store. One that cannot be read, or
+/// not be understood (1009), is a failure to open, never an empty store.
 class RegistryFile : public SettingsBackend {
  public:
   /// `file` and its folders need not be there until something is written. An empty path has no settings and takes none.
@@ -24,6 +24,7 @@ class RegistryFile : public SettingsBackend {
 
   std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
   std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  [[nodiscard]] std::string file() const override;
 
  private:
   SharedFile file_;

@@ -35,6 +35,8 @@ class SettingsBackend {
   virtual ~SettingsBackend() = default;
   virtual std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) = 0;
   virtual std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) = 0;
+  /// The file that holds the settings, for messages about it; empty where they are no file of the user's.
+  [[nodiscard]] virtual std::string file() const { return {}; }
 };
 
 }  // namespace korvel::settings

@@ -18,6 +18,7 @@ class SharedFile {
   /// A relative `path` means the folder that is current now.
   explicit SharedFile(const std::filesystem::path& path, std::chrono::milliseconds patience = usualPatience);
 
+  [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
   /// The whole file as some writer left it, never half of two. Only a regular file is read: a pipe would block.
   [[nodiscard]] std::uint32_t read(std::string& bytes) const;
 

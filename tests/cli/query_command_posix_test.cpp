@@ -31,5 +31,20 @@ TEST_F(QueryCommand, NeverReplacesADatabase) {
   EXPECT_TRUE(server.opened.empty());
 }
 
+TEST_F(QueryCommand, NamesASettingsFileThatIsNotUnderstood) {
+  const std::string settings = (folder / "settings.reg").string();
+  writeWholeFile(settings, "not a registry");
+  const test::EnvironmentVariable named("KORVEL_REGISTRY", settings);
+  for (const char* command : {"query", "databases"}) {
+    const ToolRun tool = test::runTool({command, "--server", "AUDITSRV"});
+    EXPECT_EQ(tool.status, exitDatabase) << command;
+    EXPECT_NE(tool.err.find("Could not open registry section. The settings file " + settings + " cannot be understood"),
+              std::string::npos)
+        << tool.err;
+  }
+  const ToolRun custom = test::runTool({"sql", "--server", "AUDITSRV", "select 1"});
+  EXPECT_NE(custom.err.find(settings), std::string::npos) << custom.err;
+}
+
 }  // namespace
 }  // namespace korvel::cli

@@ -208,6 +208,17 @@ TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {
   EXPECT_TRUE(viewer->isVisible());
 }
 
+TEST_F(Lifecycle, ASettingsFileThatIsNotUnderstoodIsNamed) {
+  settings.openFailure = 1009;
+  settings.file = "/home/plant/settings.reg";
+  const auto viewer = newViewer();
+  ASSERT_EQ(recorder->messages.size(), 1U);
+  EXPECT_EQ(recorder->messages[0].text,
+            QString::number(static_cast<int>(0x80040000U + 3009U)) +
+                ":Error in Initialize.  Error Message: Could not open registry section. The settings file "
+                "/home/plant/settings.reg cannot be understood. Correct it, or rename it: then a new one is written");
+}
+
 TEST_F(Lifecycle, AStepThatFailsLaterLeavesWhatWasBuiltAndEndsTheRest) {
   libraryState().printFont.name = "untouched";
   recorder->onFormAsked = [] { throw Error(57, "device unavailable"); };

@@ -26,12 +26,14 @@ class MemorySettings final : public settings::SettingsBackend {
   struct Content {
     std::map<std::string, std::string> values;
     std::uint32_t openFailure = settings::errorSuccess;
+    std::string file;
   };
   explicit MemorySettings(Content& content) : content_(content) {}
   std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override;
   std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override {
     return openForReading(keyPath, key);
   }
+  [[nodiscard]] std::string file() const override { return content_.file; }
 
  private:
   Content& content_;

@@ -11,9 +11,11 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "base/error.h"
 #include "base/whole_file.h"
+#include "settings/explained_error.h"
 #include "settings/registry.h"
 #include "settings/system_error_number.h"
 #include "tests/support/temporary_folder.h"
@@ -169,13 +171,59 @@ TEST(RegistryFile, AKeyOpenedForReadingIsASnapshotAndTakesNothing) {
 
 TEST(RegistryFile, ADamagedFileIsAFailureAndStaysAsItIs) {
   const test::TemporaryFolder folder;
-  const std::string damaged[] = {"", "not a registry", header + "\"Language\"=\"100", header + "\x80",
+  const std::string damaged[] = {"not a registry", "\n", header + "\"Language\"=\"100", header + "\x80",
                                  std::string(3, '\0')};
   for (const std::string& bytes : damaged) {
     writeWholeFile(folder / "a.reg", bytes);
     EXPECT_EQ(readingRaises(folder / "a.reg"), "Could not open registry section 1009");
     EXPECT_EQ(writingRaises(folder / "a.reg"), "Could not open/create registry section 1009");
     EXPECT_EQ(readWholeFile(folder / "a.reg"), bytes);
+  }
+}
+
+TEST(RegistryFile, AFileWithoutAByteIsAnEmptyStore) {
+  const test::TemporaryFolder folder;
+  writeWholeFile(folder / "a.reg", "");
+  EXPECT_EQ(get(folder / "a.reg", "Language"), "default");
+  EXPECT_EQ(readWholeFile(folder / "a.reg"), "") << "reading writes nothing";
+  save(folder / "a.reg", "Language", "20000");
+  EXPECT_EQ(get(folder / "a.reg", "Language"), "20000");
+  EXPECT_TRUE(readWholeFile(folder / "a.reg").starts_with("Windows Registry Editor Version 5.00\n"));
+}
+
+TEST(RegistryFile, AFileThatIsNotUnderstoodIsNamedWithWhatToDo) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "a.reg";
+  writeWholeFile(file, "not a registry");
+  const std::pair<std::function<void()>, std::string> operations[] = {
+      {[&] { get(file, "Language"); }, "Could not open registry section"},
+      {[&] { save(file, "Language", "0"); }, "Could not open/create registry section"}};
+  for (const auto& [operation, description] : operations) {
+    try {
+      operation();
+      ADD_FAILURE() << description;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.description(), description);
+      EXPECT_EQ(describe(error, LanguageOffset("0")), description + ". The settings file " + file.string() +
+                                                          " cannot be understood. Correct it, or rename it: then a new "
+                                                          "one is written");
+      for (const char* offset : {"10000", "20000", "30000", "40000"}) {
+        const std::string text = describe(error, LanguageOffset(offset));
+        EXPECT_TRUE(text.starts_with(description + ". ")) << text;
+        EXPECT_NE(text.find(file.string()), std::string::npos) << text;
+      }
+    }
+  }
+}
+
+TEST(RegistryFile, OtherFailuresToOpenHaveTheirDescriptionAlone) {
+  const test::TemporaryFolder folder;
+  fs::create_directory(folder / "a.reg");
+  try {
+    get(folder / "a.reg", "Language");
+    ADD_FAILURE();
+  } catch (const Error& error) {
+    EXPECT_EQ(describe(error, LanguageOffset("0")), "Could not open registry section");
   }
 }
 
