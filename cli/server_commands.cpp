@@ -93,7 +93,7 @@ CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
       ->check(readableBy(connectionName, "no name of a server"));
   addDatabase(*command, options.database);
   command->footer(
-      "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched.\n"
+      "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched; a database without one is refused.\n"
       "\n"
       "Other people may run queries once an administrator allows it (again after each\ninstallation):\n"
       "  " +
@@ -127,6 +127,10 @@ CLI::App* addCheck(CLI::App& app, ServerOptions& options) {
   CLI::App* command = app.add_subcommand("check", "Say step by step how far the way to a server leads");
   addServer(*command, options.server);
   addDatabase(*command, options.database);
+  command->footer(
+      "Without --database it goes on with one that the server lists and that is named like\n"
+      "an audit database. Custom queries (sql) need the right to read the table, SELECT;\n"
+      "standard queries (query) only the right to call the procedure, EXECUTE.\n");
   return command;
 }
 

@@ -1,5 +1,9 @@
 -- Installs the standard query of the Korvel audit viewer. Run it in the audit database.
 -- This file is generated from the viewer's own table of conditions; changes made here are lost.
+--
+-- Running it again replaces the procedure and drops every permission that was granted on it. This line brings
+-- them back, once for each login or group that runs standard queries; no right on the table is needed:
+--     GRANT EXECUTE ON dbo.QueryAudits TO [DOMAIN\group]
 
 IF EXISTS (
     SELECT * FROM dbo.sysobjects

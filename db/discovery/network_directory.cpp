@@ -50,6 +50,34 @@ class DatabaseSink final : public ResultSink {
   std::vector<DatabaseInfo> databases;
 };
 
+/// Sorted by name, each name once, whatever its case.
+std::vector<std::string> tidied(const std::vector<std::string>& names) {
+  std::map<std::string, std::string> byName;
+  for (const auto& name : names) byName.emplace(caseFolded(name), name);
+  std::vector<std::string> sorted;
+  sorted.reserve(byName.size());
+  for (auto& [folded, name] : byName) sorted.push_back(std::move(name));
+  return sorted;
+}
+
+void addNames(std::vector<std::string>& names, const std::vector<InstanceInfo>& instances) {
+  for (const auto& instance : instances) names.push_back(instance.displayName());
+}
+
+/// The computers that configured servers name: they may stand in a subnet that no broadcast reaches.
+std::vector<std::string> hostsOf(const std::vector<std::string>& servers) {
+  std::vector<std::string> hosts;
+  for (const auto& server : servers) {
+    try {
+      hosts.push_back(parseServerName(server).host);
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a name that is none has no computer
+    }
+  }
+  return tidied(hosts);
+}
+
+}  // namespace
+
 std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
   std::vector<DatabaseInfo> databases;
   std::error_code error;
@@ -78,34 +106,6 @@ std::vector<DatabaseInfo> serverDatabases(Connection& connection) {
     }
   }
 }
-
-/// Sorted by name, each name once, whatever its case.
-std::vector<std::string> tidied(const std::vector<std::string>& names) {
-  std::map<std::string, std::string> byName;
-  for (const auto& name : names) byName.emplace(caseFolded(name), name);
-  std::vector<std::string> sorted;
-  sorted.reserve(byName.size());
-  for (auto& [folded, name] : byName) sorted.push_back(std::move(name));
-  return sorted;
-}
-
-void addNames(std::vector<std::string>& names, const std::vector<InstanceInfo>& instances) {
-  for (const auto& instance : instances) names.push_back(instance.displayName());
-}
-
-/// The computers that configured servers name: they may stand in a subnet that no broadcast reaches.
-std::vector<std::string> hostsOf(const std::vector<std::string>& servers) {
-  std::vector<std::string> hosts;
-  for (const auto& server : servers) {
-    try {
-      hosts.push_back(parseServerName(server).host);
-    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a name that is none has no computer
-    }
-  }
-  return tidied(hosts);
-}
-
-}  // namespace
 
 NetworkDirectory::NetworkDirectory(ResolutionClient resolver, Connect connect)
     : resolver_(resolver), connect_(std::move(connect)) {}

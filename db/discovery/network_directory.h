@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -24,6 +25,11 @@ class NetworkDirectory final : public ServerDirectory {
   ResolutionClient resolver_;
   Connect connect_;
 };
+
+/// The databases of the server behind a connection, sorted by name.
+[[nodiscard]] std::vector<DatabaseInfo> serverDatabases(Connection& connection);
+/// The databases of a folder of the embedded engine, sorted by name. Throws Error for a folder that cannot be listed.
+[[nodiscard]] std::vector<DatabaseInfo> embeddedDatabases(const std::filesystem::path& folder);
 
 /// The directory with the platform's own resolver port and the user's own login.
 [[nodiscard]] std::unique_ptr<ServerDirectory> makeServerDirectory();

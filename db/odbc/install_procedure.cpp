@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/audit_table.h"
 #include "db/trimmed_line.h"
 #include "settings/explained_error.h"
 
@@ -29,6 +30,17 @@ void undo(const Run& run) {
   try {
     run("IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION");
   } catch (const Error&) {  // NOLINT(bugprone-empty-catch): with the connection goes what was not committed
+  }
+}
+
+/// Throws Error for a database without an audit trail. Who may create procedures need not be allowed to read it.
+template <typename Run>
+void requireAuditTable(const Run& run) {
+  try {
+    run(auditTableProbe);
+  } catch (const Error& error) {
+    if (error.number() == nameUnknownNumber) throw settings::explainedError(error.number(), "failure.tableMissing");
+    if (error.number() != rightMissingNumber) throw;
   }
 }
 
@@ -58,6 +70,7 @@ std::vector<std::string> scriptBatches(std::string_view script) {
 void installQueryAudits(Connection& connection) {
   IgnoringSink sink;
   const auto run = [&](std::string_view batch) { connection.execute(batch, sink); };
+  requireAuditTable(run);
   // The old procedure stays where the new one cannot be created.
   run("BEGIN TRANSACTION");
   try {

@@ -13,7 +13,8 @@ namespace korvel::db {
 [[nodiscard]] std::vector<std::string> scriptBatches(std::string_view script);
 
 /// Runs queryAuditsScript() batch by batch in one transaction: the old procedure is dropped, the new one created, or
-/// all stays as it was. Permissions on the old one go with it. Throws Error.
+/// all stays as it was. Permissions on the old one go with it. Throws Error, also for a database without the table of
+/// the audit trail, which is looked for first.
 void installQueryAudits(Connection& connection);
 
 /// The same on a server of that name, under the running user's own login, who must be allowed to create procedures

@@ -1,6 +1,8 @@
 #include "db/odbc/server_check.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -12,10 +14,14 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
+#include "base/text.h"
+#include "db/connection_state.h"
+#include "db/discovery/network_directory.h"
 #include "db/embedded/embedded_connection.h"
 #include "db/odbc/odbc_failures.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/audit_table.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -27,38 +33,50 @@ struct Remedy {
   std::int32_t number;
   const char* sentence;
 };
-constexpr Remedy tableMissing{208, "failure.tableMissing"};
-constexpr Remedy tableDenied{229, "failure.tableDenied"};
+constexpr Remedy tableMissing{nameUnknownNumber, "failure.tableMissing"};
+constexpr Remedy tableDenied{rightMissingNumber, "failure.tableDenied"};
 constexpr Remedy procedureMissing{2812, "failure.procedureMissing"};
-constexpr Remedy procedureDenied{229, "failure.procedureDenied"};
+constexpr Remedy procedureDenied{rightMissingNumber, "failure.procedureDenied"};
 
 /// What a step found, to be said where it went well.
 struct Found {
   std::string key;
   std::vector<std::string> arguments;
+  bool endsHere = false;  ///< there is nothing that the steps behind could look at
 };
 
 struct Step {
   const char* key;
   std::function<Found()> run;
+  /// An earlier step without which this one has nothing to look at, beside those that bar the way.
+  const char* needs = nullptr;
+  /// Whether a failure leaves the way to later steps open.
+  bool (*leavesWayOpen)(const Error& error) = nullptr;
 };
+
+bool wentWell(const std::vector<CheckStep>& checked, std::string_view key) {
+  return std::any_of(checked.begin(), checked.end(),
+                     [&](const CheckStep& step) { return step.key == key && step.outcome == CheckOutcome::ok; });
+}
 
 std::vector<CheckStep> runAll(const std::vector<Step>& steps) {
   std::vector<CheckStep> checked;
   bool reached = true;
   for (const Step& step : steps) {
+    const bool hasGround = reached && (step.needs == nullptr || wentWell(checked, step.needs));
     CheckStep& result = checked.emplace_back();
     result.key = step.key;
-    if (!reached) continue;
+    if (!hasGround) continue;
     try {
       Found found = step.run();
       result.outcome = CheckOutcome::ok;
       result.detailKey = std::move(found.key);
       result.detailArguments = std::move(found.arguments);
+      if (found.endsHere) break;
     } catch (const Error& error) {
       result.outcome = CheckOutcome::failed;
       result.failure = error;
-      reached = false;
+      reached = step.leavesWayOpen != nullptr && step.leavesWayOpen(error);
     }
   }
   return checked;
@@ -112,24 +130,49 @@ FirstValueSink askTable(Connection& connection, std::string_view command) {
   return explainedAnswer(connection, command, std::array{tableMissing, tableDenied});
 }
 
+/// Who may not read the table may still be allowed to call the procedure, and needs no more for standard queries.
+bool isDenial(const Error& error) {
+  return error.textKey() == tableDenied.sentence;
+}
+
 /// The steps inside a database, the same for every engine.
 void addDatabaseSteps(std::vector<Step>& steps, std::unique_ptr<Connection>& connection) {
-  steps.push_back({"table", [&] {
-                     const auto answer = askTable(*connection, "SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0");
+  steps.push_back({"table",
+                   [&] {
+                     const auto answer = askTable(*connection, auditTableProbe);
                      return Found{"check.table.found", {std::to_string(answer.columns)}};
-                   }});
+                   },
+                   nullptr, isDenial});
   steps.push_back(
       {"procedure", [&] {
          explainedAnswer(*connection, emptyCall(), std::array{tableMissing, procedureMissing, procedureDenied});
          return Found{"check.procedure.found", {}};
        }});
-  steps.push_back({"rows", [&] {
+  steps.push_back({"rows",
+                   [&] {
                      const auto answer = askTable(*connection, "SELECT COUNT(*) AS n FROM Korvel_Audit_Trails");
                      return Found{"check.rows.found", {answer.value}};
-                   }});
+                   },
+                   "table"});
 }
 
-std::vector<CheckStep> checkEmbedded(const std::string& server, const std::string& database) {
+/// Where no database is named: what the server lists, and the one of it that `database` then names. Preferred is the
+/// one that queries take unless told otherwise; any other must be named like it.
+Found chooseDatabase(const std::vector<DatabaseInfo>& listed, std::string& database) {
+  const std::string usual(databaseName(static_cast<int>(DatabaseTypeEnum::Korvel_Audit)));
+  std::size_t count = 0;
+  for (const DatabaseInfo& each : listed) {
+    if (each.isSystem) continue;
+    ++count;
+    const bool isUsual = equalsIgnoringAsciiCase(each.name, usual);
+    if (isUsual || (database.empty() && caseFolded(each.name).find(caseFolded(usual)) != std::string::npos))
+      database = each.name;
+  }
+  if (database.empty()) return {"check.databases.noneChosen", {std::to_string(count)}, true};
+  return {"check.databases.found", {std::to_string(count), database}};
+}
+
+std::vector<CheckStep> checkEmbedded(const std::string& server, std::string database) {
   const std::filesystem::path folder = embeddedFolderOf(server);
   std::unique_ptr<Connection> connection;
   std::vector<Step> steps;
@@ -141,13 +184,13 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, const std::strin
                      if (error) throw folderFailure(folder, systemNumber(error));
                      return Found{"check.name.embedded", {utf8FromPath(folder)}};
                    }});
-  if (!database.empty()) {
-    steps.push_back({"database", [&] {
-                       connection = openEmbedded(folder, database);
-                       return Found{"check.database.found", {database}};
-                     }});
-    addDatabaseSteps(steps, connection);
-  }
+  if (database.empty())
+    steps.push_back({"databases", [&] { return chooseDatabase(embeddedDatabases(folder), database); }});
+  steps.push_back({"database", [&] {
+                     connection = openEmbedded(folder, database);
+                     return Found{"check.database.found", {database}};
+                   }});
+  addDatabaseSteps(steps, connection);
   return runAll(steps);
 }
 
@@ -156,7 +199,7 @@ Found encryptionFound(const odbc::ServerApproach& approach, const ConnectionOpti
   return {options.encrypt ? "check.encryption.unchecked" : "check.encryption.optional", {}};
 }
 
-std::vector<CheckStep> checkNetworkServer(const std::string& server, const std::string& database,
+std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string database,
                                           const odbc::ServerAccess& access) {
   odbc::ServerApproach approach(server, access);
   std::unique_ptr<Connection> connection;
@@ -186,14 +229,14 @@ std::vector<CheckStep> checkNetworkServer(const std::string& server, const std::
                      connection = approach.logIn({});
                      return Found{"check.login.found", {}};
                    }});
-  if (!database.empty()) {
-    steps.push_back({"database", [&] {
-                       approach.restartClock();
-                       connection = approach.logIn(database);
-                       return Found{"check.database.found", {database}};
-                     }});
-    addDatabaseSteps(steps, connection);
-  }
+  if (database.empty())
+    steps.push_back({"databases", [&] { return chooseDatabase(serverDatabases(*connection), database); }});
+  steps.push_back({"database", [&] {
+                     approach.restartClock();
+                     connection = approach.logIn(database);
+                     return Found{"check.database.found", {database}};
+                   }});
+  addDatabaseSteps(steps, connection);
   return runAll(steps);
 }
 

@@ -88,6 +88,11 @@ std::string eachCategory(bool withDates) {
 std::string queryAuditsScript() {
   return "-- Installs the standard query of the Korvel audit viewer. Run it in the audit database.\n"
          "-- This file is generated from the viewer's own table of conditions; changes made here are lost.\n"
+         "--\n"
+         "-- Running it again replaces the procedure and drops every permission that was granted on it. This line "
+         "brings\n"
+         "-- them back, once for each login or group that runs standard queries; no right on the table is needed:\n"
+         "--     GRANT EXECUTE ON dbo.QueryAudits TO [DOMAIN\\group]\n"
          "\n"
          "IF EXISTS (\n"
          "    SELECT * FROM dbo.sysobjects\n"

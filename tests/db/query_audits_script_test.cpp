@@ -23,6 +23,17 @@ TEST(QueryAuditsScript, isTheCommittedFile) {
   EXPECT_EQ(readWholeFile(scriptFile), queryAuditsScript());
 }
 
+TEST(QueryAuditsScript, saysInItsHeadThatPermissionsAreDroppedAndHowTheyComeBack) {
+  const std::string script = queryAuditsScript();
+  const std::string head = script.substr(0, script.find("\n\n"));
+  EXPECT_NE(head.find("drops every permission"), std::string::npos) << head;
+  EXPECT_NE(head.find("\n--     GRANT EXECUTE ON dbo.QueryAudits TO [DOMAIN\\group]"), std::string::npos) << head;
+  for (std::size_t at = 0; at < head.size(); at = head.find('\n', at) + 1) {
+    EXPECT_EQ(head.substr(at, 2), "--") << "all of it is a comment: " << head;
+    if (head.find('\n', at) == std::string::npos) break;
+  }
+}
+
 TEST(QueryAuditsScript, dropsBeforeItCreates) {
   const std::string script = queryAuditsScript();
   const auto drop = script.find("DROP PROCEDURE dbo.QueryAudits\nGO\n");

@@ -84,8 +84,42 @@ TEST_F(ServerCheck, claimsNoTicketThatNobodyLookedAt) {
   EXPECT_THAT(printed(check(), true), HasSubstr("\nok ticket: left to Windows at login\nok login: accepted\n"));
 }
 
-TEST_F(ServerCheck, endsWithTheLoginWhereNoDatabaseIsNamed) {
-  EXPECT_EQ(printed(check("")), "ok name\nok port\nok protocol\nok encryption\nok ticket\nok login\n");
+TEST_F(ServerCheck, goesOnWithAListedDatabaseWhereNoneIsNamed) {
+  using Names = std::vector<std::pair<std::string, int>>;
+  const auto databasesStep = [&](const Names& names) {
+    Answer answer = Answer().result({{"name", "nvarchar(128)"}, {"is_system", "bit"}, {"file", "nvarchar(260)"}});
+    for (const auto& [name, isSystem] : names) answer.row({name, isSystem, "C:\\x.mdf"});
+    peer_.answerOthers([answer](const tds::Command&) { return answer; });
+    const std::string steps = printed(check(""), true);
+    return steps.substr(steps.find("ok databases: "));
+  };
+  const std::string theRest =
+      "ok table: readable, 2 columns\nok procedure: present and callable\nok rows: 4711 in the audit trail\n";
+  EXPECT_EQ(databasesStep({{"master", 1}, {"KORVEL_AUDIT", 0}, {"Korvel_Audit_MU", 0}, {"Pumps", 0}}),
+            "ok databases: 3 listed, looking at KORVEL_AUDIT; --database names another one\n"
+            "ok database: KORVEL_AUDIT can be opened\n" +
+                theRest);
+  EXPECT_EQ(peer_.record().logins.back().database, "KORVEL_AUDIT");
+  EXPECT_EQ(databasesStep({{"Korvel_Audit_System", 1}, {"Old korvel_audit 2003", 0}, {"Pumps", 0}}),
+            "ok databases: 2 listed, looking at Old korvel_audit 2003; --database names another one\n"
+            "ok database: Old korvel_audit 2003 can be opened\n" +
+                theRest);
+  EXPECT_EQ(databasesStep({{"master", 1}, {"Pumps", 0}}),
+            "ok databases: 1 listed, none named like an audit database; name one with --database\n");
+}
+
+TEST_F(ServerCheck, whoMayNotReadTheTableMayStillCallTheProcedure) {
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({229, "The SELECT permission was denied.", 14}));
+  const std::string login = "ok name\nok port\nok protocol\nok encryption\nok ticket\nok login\nok database\n";
+  EXPECT_EQ(printed(check()), login + "failed table\nok procedure\n- rows\n");
+  EXPECT_THAT(printed(check(), true), HasSubstr("Custom queries need this right, the standard query does not."));
+  peer_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
+  EXPECT_EQ(printed(check()), login + "failed table\nfailed procedure\n- rows\n");
+  EXPECT_THAT(printed(check(), true), HasSubstr("The standard query needs this right, and no other."));
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  EXPECT_EQ(printed(check()), login + "failed table\n- procedure\n- rows\n") << "there is nothing to call it for";
 }
 
 TEST_F(ServerCheck, everyTitleAndSentenceHasItsText) {
@@ -156,7 +190,12 @@ TEST(EmbeddedCheck, hasTheStepsThatApply) {
             "ok name: embedded engine, folder " + folder.path().string() +
                 "\nok database: Korvel_Audit can be opened\nok table: readable, 18 columns\nok procedure: present and "
                 "callable\nok rows: 1 in the audit trail\n");
-  EXPECT_EQ(printed(db::checkServer(folder.path().string(), "", access)), "ok name\n");
+  EXPECT_EQ(printed(db::checkServer(folder.path().string(), "", access)),
+            "ok name\nok databases\nok database\nok table\nok procedure\nok rows\n");
+  const TemporaryFolder empty;
+  EXPECT_EQ(printed(db::checkServer(empty.path().string(), "", access), true),
+            "ok name: embedded engine, folder " + empty.path().string() +
+                "\nok databases: 0 listed, none named like an audit database; name one with --database\n");
   EXPECT_EQ(printed(db::checkServer(folder.path().string(), "Nowhere", access)),
             "ok name\nfailed database\n- table\n- procedure\n- rows\n");
   EXPECT_EQ(printed(db::checkServer((folder / "nowhere").string(), "Korvel_Audit", access)),
@@ -186,7 +225,7 @@ TEST_F(InstallProcedure, runsTheScriptBatchByBatchInOneTransaction) {
   ASSERT_EQ(expected.size(), 4U);
   EXPECT_THAT(expected[0], HasSubstr("DROP PROCEDURE dbo.QueryAudits"));
   EXPECT_TRUE(expected[3].starts_with("\nCREATE PROCEDURE dbo.QueryAudits")) << expected[3].substr(0, 40);
-  expected.insert(expected.begin(), "BEGIN TRANSACTION");
+  expected.insert(expected.begin(), {"SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", "BEGIN TRANSACTION"});
   expected.emplace_back("COMMIT TRANSACTION");
   EXPECT_EQ(texts, expected);
   EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
@@ -201,10 +240,34 @@ TEST_F(InstallProcedure, aFailureTakesBackWhatWasDone) {
   const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
   EXPECT_EQ(error->number(), 262);
   const auto texts = peer_.texts();
-  ASSERT_EQ(texts.size(), 6U);
-  EXPECT_EQ(texts.front(), "BEGIN TRANSACTION");
-  EXPECT_THAT(texts[4], HasSubstr("CREATE PROCEDURE"));
+  ASSERT_EQ(texts.size(), 7U);
+  EXPECT_EQ(texts[1], "BEGIN TRANSACTION");
+  EXPECT_THAT(texts[5], HasSubstr("CREATE PROCEDURE"));
   EXPECT_EQ(texts.back(), "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION");
+}
+
+TEST_F(InstallProcedure, aDatabaseWithoutTheTableIsRefusedAndLeftAsItIs) {
+  peer_.answerOthers([](const tds::Command&) { return Answer(); });
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->textKey(), "failure.tableMissing");
+  EXPECT_THAT(peer_.texts(), ElementsAre("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0"));
+}
+
+TEST_F(InstallProcedure, whoMayNotReadTheTableMayInstall) {
+  peer_.answerOthers([](const tds::Command&) { return Answer(); });
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+               Answer().error({229, "The SELECT permission was denied.", 14}));
+  db::installQueryAudits(serverName(), "Korvel_Audit", access_);
+  EXPECT_EQ(peer_.texts().back(), "COMMIT TRANSACTION");
+}
+
+TEST_F(InstallProcedure, anyOtherFailureOfTheLookIsToldAsItIs) {
+  peer_.answerOthers([](const tds::Command&) { return Answer(); });
+  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
+  EXPECT_EQ(errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); })->number(), 823);
 }
 
 TEST_F(InstallProcedure, theReasonIsKeptWhereNothingCanBeTakenBack) {
