@@ -491,6 +491,29 @@ TEST_F(Dispatch, ADoubleClickOnAColumnsEdgeFitsItAndSetsTheKeyColumnAsTheMenuSay
   EXPECT_NE(shown.columnWidth(1), before);
 }
 
+TEST_F(Dispatch, FittingTheColumnsOfTheCustomPageLooksAfterTheKeysOfTheOthers) {
+  const auto viewer = shownViewer();
+  server.answer = [](db::ResultSink& sink) {
+    const std::vector<db::Field> fields{{"a"}, {"b"}};
+    sink.beginResult(fields);
+    sink.row(std::vector<db::Cell>{{"1"}, {"2"}});
+    sink.endResult();
+  };
+  selectTab(*viewer, 5);
+  click(*viewer, "btQuery");
+  list(*viewer, 5)->setColumnWidth(0, 700);
+  for (int i = 0; i < 5; ++i) list(*viewer, i)->setColumnWidth(0, 333);
+  press(*viewer, "ADJUSTCOL");
+  EXPECT_LT(list(*viewer, 5)->columnWidth(0), 200);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(list(*viewer, i)->columnWidth(0), pixels(*viewer, 1000)) << i;
+  // A key column that something else has shown goes back to what the menu says.
+  choose(*viewer, "VIEW/KEY");
+  for (int i = 0; i < 5; ++i) list(*viewer, i)->setColumnHidden(0, false);
+  press(*viewer, "ADJUSTCOL");
+  for (int i = 0; i < 5; ++i) EXPECT_TRUE(list(*viewer, i)->isColumnHidden(0)) << i;
+  EXPECT_FALSE(list(*viewer, 5)->isColumnHidden(0)) << "the custom list has no key column";
+}
+
 TEST_F(Dispatch, FittingTheColumnsLooksAtTheCurrentPage) {
   const auto viewer = shownViewer();
   server.resultSets = {{record("1", "CS")}};

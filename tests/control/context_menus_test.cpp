@@ -4,6 +4,7 @@
 
 #include "control/commands/command_tables.h"
 #include "tests/control/command_surfaces.h"
+#include "tests/support/watched_allocations.h"
 
 namespace korvel::test {
 namespace {
@@ -191,6 +192,27 @@ TEST_F(ContextMenu, ThatCouldBeBuiltLeavesTheFixedMenuShut) {
   EXPECT_TRUE(popup(*viewer)->isVisible());
   EXPECT_FALSE(element<QMenu>(*viewer, "mnupopup")->isVisible());
   popup(*viewer)->close();
+}
+
+TEST_F(ContextMenu, ThatCouldNotBeBuiltGivesWayToTheFixedMenu) {
+  const auto viewer = shownViewer();
+  auto* fixed = element<QMenu>(*viewer, "mnupopup");
+  auto* menu = popup(*viewer);
+  // Which allocation is that of the menu's entry is found out.
+  for (std::size_t successes = 1; successes < 20 && !fixed->isVisible(); ++successes) {
+    {
+      const FailingAllocations fails(successes, 1);
+      Q_EMIT list(*viewer, 0)->customContextMenuRequested(QPoint(5, 5));
+    }
+    EXPECT_NE(menu->isVisible(), fixed->isVisible()) << successes;
+    menu->close();
+  }
+  ASSERT_TRUE(fixed->isVisible());
+  recorder->chosenFont = QFont("DejaVu Sans Mono", 21);
+  QTest::mouseClick(fixed, Qt::LeftButton, {}, fixed->actionGeometry(fixed->actions().first()).center());
+  EXPECT_EQ(list(*viewer, 0)->font().pointSizeF(), 21);
+  rightClickList(*viewer, 0);
+  EXPECT_TRUE(menu->isVisible()) << "the next one can be built again";
 }
 
 TEST_F(ContextMenu, IsBuiltByName) {

@@ -32,6 +32,14 @@ TEST_F(Languages, WithoutADatabaseEverythingStaysLocked) {
   EXPECT_EQ(entry(*viewer, "FILE")->text(), "File");
 }
 
+TEST_F(Languages, WhatTheStoreGivesBackCounts) {
+  const auto viewer = shownViewer();
+  settings.storesInstead = "20000";
+  choose(*viewer, "Language/LANGUAGE/GERMAN");
+  EXPECT_EQ(libraryState().language.text(), "20000");
+  EXPECT_EQ(entry(*viewer, "TOOLS")->text(), "&Outils");
+}
+
 TEST_F(Languages, AreSwitchedByName) {
   const auto viewer = shownViewer();
   libraryState().language = settings::LanguageOffset("20000");

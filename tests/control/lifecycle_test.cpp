@@ -3,6 +3,7 @@
 #include <QMetaProperty>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <optional>
 
 #include "base/error.h"
 #include "control/qt_control_services.h"
@@ -91,6 +92,25 @@ TEST_F(PublicFace, ExpandAllByName) {
   ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "ExpandAll"));
   for (const char* root : {"Configuration", "Runtime", "Document Control"})
     EXPECT_TRUE(node(*viewer, root)->isExpanded()) << root;
+}
+
+TEST_F(PublicFace, ExpandAllPassesOverNodesOfCertainKeysAndImagesAndTheLast) {
+  const auto viewer = shownViewer();
+  auto* tree = element<QTreeWidget>(*viewer, "tvTreeView");
+  QTreeWidgetItem* const last = node(*viewer, "Document Control/Restore");
+  const QSignalBlocker quiet(tree);
+  // Leaves have nothing to expand: the last node gets a child, and so does the one before it.
+  QTreeWidgetItem* const lastButOne = node(*viewer, "Document Control/Rollback");
+  for (QTreeWidgetItem* leaf : {last, lastButOne}) leaf->addChild(new QTreeWidgetItem);
+  node(*viewer, "Configuration")->setData(0, Qt::UserRole, "root");
+  node(*viewer, "Runtime")->setData(0, Qt::UserRole + 2, "pix");
+  tree->collapseAll();
+  viewer->ExpandAll();
+  EXPECT_FALSE(node(*viewer, "Configuration")->isExpanded());
+  EXPECT_FALSE(node(*viewer, "Runtime")->isExpanded());
+  EXPECT_TRUE(node(*viewer, "Document Control")->isExpanded());
+  EXPECT_TRUE(lastButOne->isExpanded());
+  EXPECT_FALSE(last->isExpanded());
 }
 
 TEST_F(PublicFace, DisplayNoOfRecordsByName) {
@@ -236,6 +256,23 @@ TEST_F(Lifecycle, AStepThatFailsLaterLeavesWhatWasBuiltAndEndsTheRest) {
   EXPECT_TRUE(viewer->isVisible());
 }
 
+TEST_F(Lifecycle, InitializeSetsThePrintFont) {
+  libraryState().printFont = {"Arial", 20};
+  const auto viewer = newViewer();
+  EXPECT_EQ(libraryState().printFont.name, "Courier");
+  EXPECT_EQ(libraryState().printFont.size, 9);
+}
+
+TEST_F(Lifecycle, ShowAppliesTheSideToolsBeforeItConnects) {
+  const auto viewer = newViewer();
+  EXPECT_EQ(viewer->ReadProperties(QVariantMap{{"ViewSideTools", false}, {"DefaultSQLServer", "S"}}), "");
+  std::optional<bool> hidden;
+  QObject::connect(viewer.get(), &AuditViewer::DatabaseSelected,
+                   [&] { hidden = element(*viewer, "frameFilter")->isHidden(); });
+  viewer->show();
+  EXPECT_EQ(hidden, true);
+}
+
 TEST_F(Lifecycle, ShowConnectsToNothingWithoutAServer) {
   for (const char* none : {"", "(None)"}) {
     const auto viewer = newViewer();
@@ -309,6 +346,21 @@ TEST_F(Properties, EachSettingAnnouncesItself) {
   QStringList names;
   for (const QList<QVariant>& call : changed) names.append(call[0].toString());
   EXPECT_EQ(names, (QStringList{"ViewSideTools", "ViewToolBar", "DefaultSQLServer", "DatabaseType", "DatabaseType"}));
+}
+
+TEST_F(Properties, AreStoredBeforeTheyAreAnnouncedAndShownAfterwards) {
+  const auto viewer = shownViewer();
+  QStringList values;
+  QObject::connect(viewer.get(), &AuditViewer::PropertyChanged, [&](const QString& name) {
+    values.append(name + '=' + viewer->property(name.toUtf8().constData()).toString());
+    EXPECT_TRUE(element(*viewer, "frameFilter")->isVisible()) << name.toStdString();
+    EXPECT_EQ(element(*viewer, "SmartToolbar")->isVisible(), values.size() < 3) << name.toStdString();
+  });
+  viewer->setDefaultSQLServer("T");
+  viewer->setViewToolBar(false);
+  viewer->setDatabaseType(1);
+  viewer->setViewSideTools(false);
+  EXPECT_EQ(values, (QStringList{"DefaultSQLServer=T", "ViewToolBar=false", "DatabaseType=1", "ViewSideTools=false"}));
 }
 
 TEST_F(Properties, SideToolsFollowTheirPropertyAtOnce) {

@@ -65,6 +65,21 @@ TEST_F(ConnectionTest, SelectingClearsAllLists) {
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
 }
 
+TEST_F(ConnectionTest, SelectingAnnouncesThenUnlocksThenClears) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("1", "CS")}};
+  click(*viewer, "btQuery");
+  viewer->LockControls();
+  QStringList steps;
+  const auto note = [&](const QString& step) {
+    steps.append(step + (element(*viewer, "btQuery")->isEnabled() ? " unlocked " : " locked ") + column(*viewer, 0));
+  };
+  QObject::connect(viewer.get(), &AuditViewer::DatabaseSelected, [&] { note("event"); });
+  QObject::connect(list(*viewer, 0)->model(), &QAbstractItemModel::modelReset, viewer.get(), [&] { note("cleared"); });
+  viewer->OpenDefaultSQLServer();
+  EXPECT_EQ(steps, (QStringList{"event locked 1", "cleared unlocked "}));
+}
+
 TEST_F(ConnectionTest, TheInformationBoxMixesFixedAndTranslatedLabels) {
   settings.values["Language"] = "10000";
   const auto viewer = shownViewer();

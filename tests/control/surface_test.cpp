@@ -314,6 +314,22 @@ TEST_F(Surface, KeyColumnIsHiddenAndComesBackNarrower) {
   EXPECT_EQ(list(*viewer, 0)->columnWidth(0), pixels(*viewer, 1000));
 }
 
+TEST_F(Surface, TheCustomListHasNoKeyColumn) {
+  const auto viewer = shownViewer();
+  server.answer = [](db::ResultSink& sink) {
+    const std::vector<db::Field> fields{{"a"}, {"b"}};
+    sink.beginResult(fields);
+    sink.row(std::vector<db::Cell>{{"1"}, {"2"}});
+    sink.endResult();
+  };
+  viewer->TriggerAdvancedQuery("x");
+  list(*viewer, 5)->setColumnWidth(0, 234);
+  viewer->ShowKeyField(false);
+  EXPECT_EQ(list(*viewer, 5)->columnWidth(0), 234);
+  viewer->ShowKeyField(true);
+  EXPECT_EQ(list(*viewer, 5)->columnWidth(0), 234);
+}
+
 TEST_F(Surface, ColumnSetupRestoresWidthsAndTouchesNoRows) {
   const auto viewer = shownViewer();
   server.resultSets = {{record("1", "CS"), record("2", "CS")}};

@@ -8,7 +8,7 @@ namespace {
 
 class MemoryKey final : public settings::SettingsKey {
  public:
-  explicit MemoryKey(std::map<std::string, std::string>& values) : values_(values) {}
+  explicit MemoryKey(MemorySettings::Content& content) : content_(content), values_(content.values) {}
   std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
     const auto found = values_.find(valueName);
     if (found == values_.end()) return settings::errorFileNotFound;
@@ -22,11 +22,12 @@ class MemoryKey final : public settings::SettingsKey {
     return settings::errorSuccess;
   }
   std::uint32_t setString(const std::string& valueName, const std::string& value) override {
-    values_[valueName] = value;
+    values_[valueName] = content_.storesInstead.value_or(value);
     return settings::errorSuccess;
   }
 
  private:
+  MemorySettings::Content& content_;
   std::map<std::string, std::string>& values_;
 };
 
@@ -35,7 +36,7 @@ class MemoryKey final : public settings::SettingsKey {
 std::uint32_t MemorySettings::openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) {
   EXPECT_EQ(keyPath, "SOFTWARE\\Molvane\\AuditViewer");
   if (content_.openFailure != settings::errorSuccess) return content_.openFailure;
-  key = std::make_unique<MemoryKey>(content_.values);
+  key = std::make_unique<MemoryKey>(content_);
   return settings::errorSuccess;
 }
 

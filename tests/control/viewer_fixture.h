@@ -11,6 +11,7 @@
 #include <QTreeWidget>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "control/library_state.h"
 #include "korvel/AuditViewer.h"
@@ -27,6 +28,8 @@ class MemorySettings final : public settings::SettingsBackend {
     std::map<std::string, std::string> values;
     std::uint32_t openFailure = settings::errorSuccess;
     std::string file;
+    /// What the store holds after a write, whatever was written.
+    std::optional<std::string> storesInstead;
   };
   explicit MemorySettings(Content& content) : content_(content) {}
   std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override;
