@@ -107,6 +107,10 @@ void AuditViewer::Members::showEmptyTexts() {
   }
 }
 
+void AuditViewer::Members::endAnswer(ShownAnswer& shown) {
+  if (shown.state == AnswerState::querying) answered(shown, {});
+}
+
 void AuditViewer::Members::answered(ShownAnswer& shown, ShownAnswer answer) {
   shown = std::move(answer);
   showEmptyTexts();

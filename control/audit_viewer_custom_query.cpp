@@ -1,5 +1,6 @@
 // The page of custom queries: what runs them, and the buttons beside their text.
 #include <QDir>
+#include <QScopeGuard>
 #include <array>
 #include <utility>
 
@@ -102,6 +103,9 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
   surface.txtAdvancedQuery->setErrorLine(std::nullopt);
   notice_.clear();
   answered(customAnswer_, {.state = AnswerState::querying});
+  const auto over = qScopeGuard([&] {
+    if (alive) endAnswer(customAnswer_);
+  });
   control::ShownAnswer shown{.connectionString = libraryState().connection.AdvancedConnectionString};
   control::ResultListModel& model = *surface.models.at(query::customList);
   model.clear();

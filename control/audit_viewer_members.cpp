@@ -1,5 +1,6 @@
 #include "control/audit_viewer_members.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -227,6 +228,9 @@ void AuditViewer::Members::TriggerQuery() {
   if (!alive) return;
   notice_.clear();
   answered(standardAnswer_, {.state = AnswerState::querying});
+  const auto over = qScopeGuard([&] {
+    if (alive) endAnswer(standardAnswer_);
+  });
   const bool customPage = surface.currentTab() == query::customList;
   // What is asked now: a host may choose otherwise before the answer is told.
   const query::DateRange range = libraryState().dateRange;

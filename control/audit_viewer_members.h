@@ -211,6 +211,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void showEmptyTexts();
   /// From now on these lists show `answer`.
   void answered(control::ShownAnswer& shown, control::ShownAnswer answer);
+  /// The query is over, also where a failure of the control itself kept its end from being noted.
+  void endAnswer(control::ShownAnswer& shown);
   [[nodiscard]] control::ResultListView& currentList();
   void message(control::MessageIcon icon, const QString& title, const QString& text);
 

@@ -162,7 +162,10 @@ void ResultTable::setEmptyText(const QString& text) {
 
 void ResultTable::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
-  if (model() == nullptr || model()->rowCount(rootIndex()) == 0) paintEmptyMessage(*this, emptyText_);
+  // It may hold a server's words: as much as there is room for, to the letter.
+  constexpr qsizetype mostCharacters = 2000;
+  if (model() == nullptr || model()->rowCount(rootIndex()) == 0)
+    paintEmptyMessage(*this, visibleFormats(emptyText_.left(mostCharacters)));
 }
 
 void ResultTable::changeEvent(QEvent* event) {

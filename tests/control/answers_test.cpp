@@ -40,7 +40,7 @@ TEST_F(Answers, AnEmptyListTellsItsFourStatesApart) {
   viewer->setDefaultSQLServer("S");
   viewer->OpenDefaultSQLServer();
   for (int i = 0; i < 5; ++i)
-    EXPECT_EQ(emptyText(*viewer, i), "Not queried yet. \"Run Query\" shows the records.") << i;
+    EXPECT_EQ(emptyText(*viewer, i), "Not queried yet. \"Run Query\" or F5 shows the records.") << i;
   EXPECT_EQ(emptyText(*viewer, 5), "Not queried yet. \"Run Query\" or F5 runs the query above.");
 
   server.resultSets = {{}};
@@ -56,7 +56,7 @@ TEST_F(Answers, AnEmptyListTellsItsFourStatesApart) {
   EXPECT_EQ(recorder->messages.size(), 1U) << "a failure shows no message box";
 
   click(*viewer, "btClear");
-  EXPECT_EQ(emptyText(*viewer, 0), "Not queried yet. \"Run Query\" shows the records.");
+  EXPECT_EQ(emptyText(*viewer, 0), "Not queried yet. \"Run Query\" or F5 shows the records.");
   libraryState().connection = {};
   viewer->SelectDatabase();
   EXPECT_EQ(emptyText(*viewer, 0), noDatabase);
@@ -69,7 +69,7 @@ TEST_F(Answers, APageWithoutRecordsOfAnAnswerSaysThatNothingWasFound) {
   EXPECT_EQ(emptyText(*viewer, 3), "No records found for filter criteria");
   viewer->UnselectALL();
   click(*viewer, "btQuery");
-  EXPECT_EQ(emptyText(*viewer, 3), "Not queried yet. \"Run Query\" shows the records.");
+  EXPECT_EQ(emptyText(*viewer, 3), "Not queried yet. \"Run Query\" or F5 shows the records.");
 }
 
 TEST_F(Answers, TheCustomListTellsItsStatesToo) {
@@ -83,7 +83,7 @@ TEST_F(Answers, TheCustomListTellsItsStatesToo) {
   click(*viewer, "btQuery");
   EXPECT_EQ(behindTheBox, "The query failed. Invalid object name 'x'. (line 2)");
   EXPECT_EQ(emptyText(*viewer, 5), behindTheBox);
-  EXPECT_EQ(emptyText(*viewer, 0), "Not queried yet. \"Run Query\" shows the records.");
+  EXPECT_EQ(emptyText(*viewer, 0), "Not queried yet. \"Run Query\" or F5 shows the records.");
   server.failure.reset();
   QString meanwhile;
   answerSlowly([&] {
@@ -93,6 +93,18 @@ TEST_F(Answers, TheCustomListTellsItsStatesToo) {
   click(*viewer, "btQuery");
   EXPECT_EQ(meanwhile, ownText("list.querying"));
   EXPECT_EQ(emptyText(*viewer, 5), "The query was stopped; no records are shown");
+}
+
+TEST_F(Answers, AQueryThatTheControlItselfCannotEndIsOver) {
+  const auto viewer = shownViewer();
+  const auto failing = [] { throw Error(7, "out of something"); };
+  for (const int index : {0, 5})
+    QObject::connect(list(*viewer, index)->model(), &QAbstractItemModel::modelAboutToBeReset, viewer.get(), failing);
+  viewer->TriggerQuery();
+  viewer->TriggerAdvancedQuery("x");
+  EXPECT_THAT(recorder->messages, ::testing::SizeIs(2));
+  EXPECT_EQ(emptyText(*viewer, 0), "Not queried yet. \"Run Query\" or F5 shows the records.");
+  EXPECT_EQ(emptyText(*viewer, 5), "Not queried yet. \"Run Query\" or F5 runs the query above.");
 }
 
 TEST_F(Answers, WhatEmptyListsSayFollowsTheLanguage) {

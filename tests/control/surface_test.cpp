@@ -299,7 +299,7 @@ TEST_F(Surface, EmptyPagesSaySoInTheLanguage) {
   settings.values["Language"] = "30000";
   const auto viewer = shownViewer();
   EXPECT_EQ(static_cast<const look::ResultTable*>(list(*viewer, 0))->emptyText(),
-            QString::fromUtf8("Aún no se ha consultado. \"Ejecutar consulta\" muestra los registros."));
+            QString::fromUtf8("Aún no se ha consultado. \"Ejecutar consulta\" o F5 muestra los registros."));
 }
 
 TEST_F(Surface, KeyColumnIsHiddenAndComesBackNarrower) {

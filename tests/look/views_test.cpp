@@ -95,6 +95,20 @@ TEST(ResultTableTest, EmptyListSaysSoInItsMiddle) {
   }
 }
 
+TEST(ResultTableTest, AnEmptyListSaysAForeignTextToTheLetter) {
+  List list(0);
+  list.table.setEmptyText(QString::fromUtf8("failed: \u202Efdp <b>x</b>"));
+  EXPECT_EQ(list.table.accessibleDescription(), list.table.emptyText());
+  const QImage hostile = list.rows();
+  list.table.setEmptyText("failed: \\u202Efdp <b>x</b>");
+  EXPECT_EQ(hostile, list.rows());
+  // An enormous one is neither laid out nor painted whole.
+  list.table.setEmptyText(QString(2000, QLatin1Char('x')));
+  const QImage whole = list.rows();
+  list.table.setEmptyText(QString(50'000'000, QLatin1Char('x')));
+  EXPECT_EQ(whole, list.rows());
+}
+
 TEST(ResultTableTest, FocusIsSeenOnTheWholeCurrentRow) {
   List list(5);
   list.table.activateWindow();
