@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "base/paths.h"
+#include "base/system_errors.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/names.h"
@@ -11,6 +12,7 @@
 #include "cli/read_option.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
+#include "query/query_failure.h"
 
 namespace korvel::cli {
 
@@ -33,10 +35,12 @@ void addConnection(CLI::App& command, std::string& server, std::string& database
   server = db::embeddedServerName;
   database = db::databaseName(static_cast<int>(db::DatabaseTypeEnum::Korvel_Audit));
   const std::string complaint = "no name: it is empty or holds a semicolon";
-  addReadOption(command,
-                {"--server", "NAME",
-                 "Server; the absolute path of a folder means the\ndatabases in it (default: " + server + ")"},
-                connectionName, complaint, [&server](const std::string& name) { server = name; });
+  addReadOption(
+      command,
+      {"--server", "NAME",
+       "Server; the path of a folder means the databases\nin it, that of a database file this one\n(default: " +
+           server + ")"},
+      connectionName, complaint, [&server](const std::string& name) { server = name; });
   addReadOption(command, {"--database", "NAME", "Database (default: " + database + ")"}, connectionName, complaint,
                 [&database](const std::string& name) { database = name; });
 }
@@ -56,6 +60,18 @@ std::optional<std::string> targetProblem(const OutputFormat& format, const std::
   if (format.isBinary && isTerminal(output, out))
     return std::string(format.name) + " is nothing for a terminal; name a file with --output";
   return std::nullopt;
+}
+
+int outputFailed(std::ostream& err, const Error& error) {
+  if (means(error.number(), std::errc::broken_pipe)) return exitDone;
+  say(err, "error " + errorText(error));
+  return exitOutput;
+}
+
+int writeText(std::ostream& out, std::ostream& err, std::string_view text, int status) {
+  const auto failure =
+      query::failureOf([&] { writeTo("-", out, [text](const output::ByteSink& sink) { sink(text); }); });
+  return failure ? outputFailed(err, *failure) : status;
 }
 
 int refused(std::ostream& err, std::string_view why) {

@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/paths.h"
+#include "cli/common_options.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/platform_help.h"
@@ -66,9 +67,10 @@ int runDemo(const DemoOptions& options, std::ostream& out, std::ostream& err) {
   try {
     const std::filesystem::path folder = options.folder.empty() ? db::embeddedFolder() : pathFromUtf8(options.folder);
     demo::writeDemoDatabases({folder, options.rows, options.seed, options.force});
+    std::string names;
     for (const char* name : {"Korvel_Audit.db", "Korvel_Audit_MU.db"})
-      out << output::terminalText(utf8FromPath(folder / name)) << '\n';
-    return out.flush() ? exitDone : exitOutput;
+      names += output::terminalText(utf8FromPath(folder / name)) + '\n';
+    return writeText(out, err, names, exitDone);
   } catch (const Error& error) {
     say(err, "error " + std::to_string(error.number()) + ": " + error.description());
   } catch (const std::exception& exception) {

@@ -12,4 +12,14 @@ enum ExitStatus : int {
   exitStopped = 130    ///< ended by Ctrl+C; a file was not written
 };
 
+/// The same for every command's help.
+inline constexpr const char* exitStatusHelp =
+    "Exit status:\n"
+    "  0  done; also where the reader of a pipe has left, head for one\n"
+    "  1  no records; nothing was written\n"
+    "  2  wrong usage; nothing was tried\n"
+    "  3  the database failed; number and text on standard error\n"
+    "  4  the output could not be written\n"
+    "  130  stopped by Ctrl+C; no file was written\n";
+
 }  // namespace korvel::cli

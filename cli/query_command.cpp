@@ -1,6 +1,7 @@
 #include "cli/query_command.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <ostream>
 
 #include "base/text.h"
@@ -11,6 +12,8 @@
 #include "cli/read_option.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
+#include "query/alarm_dates.h"
+#include "query/query_failure.h"
 #include "settings/string_table.h"
 
 namespace korvel::cli {
@@ -21,7 +24,8 @@ constexpr settings::TextId noCriteriaText{10060};
 constexpr settings::TextId noRecordsText{10061};
 
 constexpr const char* footer =
-    "Categories (--category takes the key or the name; a group's key stands for all of the group):\n"
+    "Categories (--category takes the key, the name or the viewer's caption; a group's key or\n"
+    "caption stands for all of the group):\n"
     "  A  Configuration       C1 KorvelExplorer  C2 Alarms    C3 TagLogging  C4 UAcs\n"
     "  B  Runtime             R1 CustomActions   R2 UArt\n"
     "  C  Document Control    D1 CheckIN         D2 CheckOUT  D3 Rollback    D4 Restore\n"
@@ -50,7 +54,9 @@ constexpr const char* footer =
     "As displayed means: outer blanks removed, Comments and Summer Time left empty. Only csv, json\n"
     "and xlsx carry these two.\n"
     "\n"
-    "Row counts of all lists go to standard error. Where the list that was asked for is empty,\n"
+    "Row counts of all lists go to standard error (not with --quiet), and notes on what the answer\n"
+    "holds beyond the question or may lack: with dates, alarm rows of the vel_Alg tables come from\n"
+    "all dates, unless all ten categories are asked for. Where the list that was asked for is empty,\n"
     "nothing is written and the exit status is 1.\n"
     "\n"
     "Examples:\n"
@@ -58,6 +64,50 @@ constexpr const char* footer =
     "  korvel-audit query --from 2024-03-01 --to 2024-03-07 --sort \"Date Time\" --descending\n"
     "  korvel-audit query --category D1 --category D2 --format csv --output checks.csv\n"
     "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
+
+/// Ends the writing of an output that is not to be.
+struct NothingToWrite {};
+
+/// The first year that a server's dates have.
+constexpr std::chrono::year firstYear{1753};
+
+/// "C1 KorvelExplorer", or "A Configuration" for a group.
+std::string categoryText(const query::FilterNode& node) {
+  return std::string(node.key) + " " +
+         std::string(node.argument == 0 ? node.caption : db::categoryConditions()[node.argument - 1].parameter);
+}
+
+/// Why a text is no category; empty where it is one.
+std::string categoryProblem(const std::string& text) {
+  if (categoryNamed(text)) return {};
+  std::string sharing;
+  std::string known;
+  for (const query::FilterNode& node : query::filterNodes()) {
+    known.append(known.empty() ? "" : ", ") += categoryText(node);
+    if (equalsIgnoringAsciiCase(text, node.caption))
+      sharing.append(sharing.empty() ? "" : " and ") += categoryText(node);
+  }
+  const std::string quoted = "'" + output::terminalText(text) + "' is ";
+  return quoted + (sharing.empty() ? "no category; there are " + known : "the caption of " + sharing);
+}
+
+/// Why a text is no day to ask for; empty where it is one.
+std::string dayProblem(const std::string& text) {
+  const auto day = query::parseDay(text);
+  const std::string quoted = "'" + output::terminalText(text) + "' is ";
+  if (!day) return quoted + "no day of the calendar in the form YYYY-MM-DD";
+  if (day->year() < firstYear)
+    return quoted + "too early: dates begin in " + std::to_string(static_cast<int>(firstYear));
+  return {};
+}
+
+CLI::Option* addDay(CLI::App& command, const OptionHelp& help, std::chrono::year_month_day& day) {
+  return command
+      .add_option_function<std::string>(
+          help.name, [&day](const std::string& text) { day = query::parseDay(text).value(); }, help.text)
+      ->option_text(help.value)
+      ->check(dayProblem);
+}
 
 std::optional<std::size_t> standardListNumbered(const std::string& text) {
   if (text.size() != 1 || text[0] < '0' || text[0] >= '0' + static_cast<char>(query::standardListCount))
@@ -75,14 +125,11 @@ void addFilters(CLI::App& command, QueryOptions& options) {
           "Category of audits, may be repeated (default: all)")
       ->option_text("KEY")
       ->delimiter(',')
-      ->check(readableBy(categoryNamed, "no category"));
-  const std::string complaint = "no day of the calendar in the form YYYY-MM-DD";
+      ->check(categoryProblem);
   CLI::Option* from =
-      addReadOption(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, query::parseDay,
-                    complaint, [&options](auto day) { options.range.RangeFromDate = day; });
+      addDay(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, options.range.RangeFromDate);
   CLI::Option* to =
-      addReadOption(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, query::parseDay,
-                    complaint, [&options](auto day) { options.range.RangeToDate = day; });
+      addDay(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, options.range.RangeToDate);
   from->needs(to);
   to->needs(from);
 }
@@ -96,6 +143,7 @@ void addOutput(CLI::App& command, QueryOptions& options) {
       columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
   command.add_flag("--descending", options.descending, "Sort from the last to the first");
   addTarget(command, options.format, options.output);
+  command.add_flag("--quiet", options.quiet, "Leave out the row counts on standard error");
 }
 
 std::string recordsText(std::size_t count) {
@@ -106,9 +154,16 @@ std::string listText(std::size_t list) {
   return "list " + std::to_string(list) + " (" + std::string(query::pageCaptions[list]) + ")";
 }
 
-void sayCounts(const query::ResultLists& lists, const query::QueryReport& report, std::ostream& err) {
+void sayCounts(const query::ResultLists& lists, std::ostream& err) {
   for (std::size_t i = 0; i < query::standardListCount; ++i)
     err << listText(i) << ": " << recordsText(lists[i].rowCount()) << '\n';
+}
+
+/// What whoever reads the answer would not expect.
+void sayNotes(const query::FilterTree& tree, const query::DateRange& range, const query::QueryReport& report,
+              std::ostream& err) {
+  if (query::alarmsComeFromAllDates(tree.flags(), range))
+    err << "note: " << settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{}) << ".\n";
   if (report.fullResults > 0)
     err << "note: " << report.fullResults << (report.fullResults == 1 ? " answer holds " : " answers hold ")
         << db::rowLimitPerResult << " records, the most that the procedure returns; there may be more.\n";
@@ -121,6 +176,38 @@ query::FilterTree treeOf(const QueryOptions& options) {
   return tree;
 }
 
+/// Runs the query and says how it came out; the exit status.
+int fillLists(const QueryOptions& options, const query::Connector& connect, query::ResultLists& lists,
+              std::ostream& err) {
+  using query::QueryOutcome;
+  const query::FilterTree tree = treeOf(options);
+  const query::QueryReport report = query::runStandardQuery(
+      tree, options.range, db::buildConnectionString(options.server, options.database), connect, lists, options.list);
+  if (report.failure) {
+    say(err, "database error " + errorText(*report.failure));
+    return exitDatabase;
+  }
+  if (report.outcome == QueryOutcome::noCriteria)
+    return refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{}));
+  if (report.outcome == QueryOutcome::noRecords) {
+    say(err, settings::loadText(noRecordsText, settings::LanguageOffset{}));
+    return exitNoRecords;
+  }
+  if (!options.quiet) sayCounts(lists, err);
+  sayNotes(tree, options.range, report, err);
+  if (lists[options.list].rowCount() > 0) return exitDone;
+  say(err, listText(options.list) + " is empty; nothing was written");
+  return exitNoRecords;
+}
+
+void writeList(const QueryOptions& options, results::ResultList& list, const output::ByteSink& sink,
+               std::ostream& err) {
+  if (options.sort || options.descending)
+    list.sortBy(options.sort.value_or(list.sortKey()),
+                options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
+  options.format->write({list, query::pageCaptions[options.list]}, sink, err);
+}
+
 }  // namespace
 
 std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
@@ -131,7 +218,13 @@ std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
         node.argument != 0 && equalsIgnoringAsciiCase(key, db::categoryConditions()[node.argument - 1].parameter);
     if (named || equalsIgnoringAsciiCase(key, node.key)) return query::NodeIndex{i + 1};
   }
-  return std::nullopt;
+  std::optional<query::NodeIndex> captioned;
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (!equalsIgnoringAsciiCase(key, nodes[i].caption)) continue;
+    if (captioned) return std::nullopt;  // that of two: which one is meant?
+    captioned = query::NodeIndex{i + 1};
+  }
+  return captioned;
 }
 
 std::optional<results::ColumnIndex> columnNamed(std::string_view column) {
@@ -154,47 +247,25 @@ CLI::App* addQueryCommand(CLI::App& app, QueryOptions& options) {
 }
 
 int runQuery(const QueryOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
-  using query::QueryOutcome;
   if (options.range.DateRangeActive && !query::isInOrder(options.range))
     return refused(err, "the day of --to lies before the day of --from");
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
   query::ResultLists lists = query::makeResultLists();
-  const query::QueryReport report = query::runStandardQuery(treeOf(options), options.range,
-                                                            db::buildConnectionString(options.server, options.database),
-                                                            connect, lists, options.list);
-  if (report.failure) {
-    say(err, "database error " + errorText(*report.failure));
-    return exitDatabase;
-  }
-  if (report.outcome == QueryOutcome::noCriteria)
-    return refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{}));
-  if (report.outcome == QueryOutcome::noRecords) {
-    say(err, settings::loadText(noRecordsText, settings::LanguageOffset{}));
-    return exitNoRecords;
-  }
-
-  sayCounts(lists, report, err);
-  results::ResultList& list = lists[options.list];
-  if (list.rowCount() == 0) {
-    say(err, listText(options.list) + " is empty; nothing was written");
-    return exitNoRecords;
-  }
-  try {
-    if (options.sort || options.descending)
-      list.sortBy(options.sort.value_or(list.sortKey()),
-                  options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
-    writeTo(options.output, out, [&](const output::ByteSink& sink) {
-      options.format->write({list, query::pageCaptions[options.list]}, sink, err);
-    });
-  } catch (const Error& error) {
-    say(err, "error " + errorText(error));
-    return exitOutput;
-  } catch (const std::exception& exception) {
-    say(err, exception.what());
-    return exitOutput;
-  }
-  return exitDone;
+  int status = exitDone;
+  const auto failure = query::failureOf([&] {
+    try {
+      // The target is there before the query runs: a place that cannot be written to costs nobody a long wait.
+      writeTo(options.output, out, [&](const output::ByteSink& sink) {
+        status = fillLists(options, connect, lists, err);
+        // Leaves a file as it was.
+        if (status != exitDone) throw NothingToWrite{};
+        writeList(options, lists[options.list], sink, err);
+      });
+    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
+    }
+  });
+  return failure ? outputFailed(err, *failure) : status;
 }
 
 }  // namespace korvel::cli

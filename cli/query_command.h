@@ -22,12 +22,13 @@ struct QueryOptions {
   std::size_t list = 0;
   std::optional<results::ColumnIndex> sort;
   bool descending = false;
+  bool quiet = false;  ///< no row counts
   const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
 };
 
-/// The node of the filter tree that a key (A, B, C, C1 .. D4) or a parameter name (KorvelExplorer .. Restore) names, in
-/// any case of letters.
+/// The node of the filter tree that a key (A, B, C, C1 .. D4), a parameter name (KorvelExplorer .. Restore) or a
+/// caption that is only its own names, in any case of letters.
 [[nodiscard]] std::optional<query::NodeIndex> categoryNamed(std::string_view key);
 /// The column that a caption, a column name or a number counted from 1 names, in any case of letters.
 [[nodiscard]] std::optional<results::ColumnIndex> columnNamed(std::string_view column);

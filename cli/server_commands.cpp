@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <ostream>
+#include <sstream>
 
 #include "base/error.h"
+#include "cli/common_options.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/names.h"
@@ -36,12 +38,14 @@ CLI::Option* addDatabase(CLI::App& command, std::string& database) {
       ->check(readableBy(connectionName, "no name of a database"));
 }
 
-/// Runs `work`; what the database reports goes to the person.
+/// Runs `work`, which fills a text and gives the exit status, and writes the text; what the database reports goes to
+/// the person.
 template <typename Work>
 int reporting(std::ostream& out, std::ostream& err, const Work& work) {
   try {
-    const int status = work();
-    return out.flush() ? status : exitOutput;
+    std::ostringstream text;
+    const int status = work(text);
+    return writeText(out, err, text.str(), status);
   } catch (const Error& error) {
     say(err, "error " + errorText(error));
     return exitDatabase;
@@ -58,10 +62,10 @@ CLI::App* addServers(CLI::App& app, ServerOptions& options) {
 }
 
 int runServers(const ServerOptions& options, std::ostream& out, std::ostream& err) {
-  return reporting(out, err, [&] {
+  return reporting(out, err, [&](std::ostream& text) {
     const auto directory = db::makeServerDirectory();
     const auto names = options.all ? directory->networkServers() : directory->localServers();
-    for (const auto& name : names) out << output::terminalText(name) << '\n';
+    for (const auto& name : names) text << output::terminalText(name) << '\n';
     return names.empty() ? exitNoRecords : exitDone;
   });
 }
@@ -73,12 +77,12 @@ CLI::App* addDatabases(CLI::App& app, ServerOptions& options) {
 }
 
 int runDatabases(const ServerOptions& options, std::ostream& out, std::ostream& err) {
-  return reporting(out, err, [&] {
+  return reporting(out, err, [&](std::ostream& text) {
     int status = exitNoRecords;
     const auto directory = db::makeServerDirectory();
     for (const auto& database : directory->databases(options.server, db::browserOptions(false))) {
       if (database.isSystem) continue;
-      out << output::terminalText(database.name) << '\t' << output::terminalText(database.path) << '\n';
+      text << output::terminalText(database.name) << '\t' << output::terminalText(database.path) << '\n';
       status = exitDone;
     }
     return status;
@@ -93,7 +97,8 @@ CLI::App* addInstall(CLI::App& app, ServerOptions& options) {
       ->check(readableBy(connectionName, "no name of a server"));
   addDatabase(*command, options.database);
   command->footer(
-      "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched; a database without one is refused.\n"
+      "Your own login must be allowed to create procedures there.\nThe audit trail itself is not touched; a database "
+      "without one is refused.\n"
       "\n"
       "Other people may run queries once an administrator allows it (again after each\ninstallation):\n"
       "  " +
@@ -111,13 +116,13 @@ int runInstall(const ServerOptions& options, std::ostream& out, std::ostream& er
     say(err, "install-procedure needs --server and --database, or --print");
     return exitWrongUsage;
   }
-  return reporting(out, err, [&] {
+  return reporting(out, err, [&](std::ostream& text) {
     if (options.print) {
-      out << db::queryAuditsScript();
+      text << db::queryAuditsScript();
     } else {
       db::installQueryAudits(options.server, options.database, db::odbc::userAccess());
-      out << "dbo.QueryAudits is installed in " << output::terminalText(options.database)
-          << ". Permissions on an earlier one are gone; give those who run queries theirs:\n  " << grant << '\n';
+      text << "dbo.QueryAudits is installed in " << output::terminalText(options.database)
+           << ". Permissions on an earlier one are gone; give those who run queries theirs:\n  " << grant << '\n';
     }
     return exitDone;
   });
@@ -147,7 +152,7 @@ std::string_view outcomeText(db::CheckOutcome outcome) {
 }
 
 int runCheck(const ServerOptions& options, std::ostream& out, std::ostream& err) {
-  return reporting(out, err, [&] {
+  return reporting(out, err, [&](std::ostream& text) {
     const auto steps = db::checkServer(options.server, options.database, db::odbc::userAccess());
     std::size_t width = 0;
     for (const auto& step : steps) width = std::max(width, db::checkTitle(step, english).size());
@@ -156,7 +161,7 @@ int runCheck(const ServerOptions& options, std::ostream& out, std::ostream& err)
       title.resize(width, ' ');
       std::string outcome(outcomeText(step.outcome));
       outcome.resize(6, ' ');
-      out << title << "  " << outcome << "  " << output::terminalText(db::checkDetail(step, english)) << '\n';
+      text << title << "  " << outcome << "  " << output::terminalText(db::checkDetail(step, english)) << '\n';
     }
     const bool reached =
         std::all_of(steps.begin(), steps.end(), [](const auto& step) { return step.outcome == db::CheckOutcome::ok; });

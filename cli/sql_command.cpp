@@ -72,11 +72,6 @@ std::string databaseText(const Error& error) {
   return text + ": " + settings::describe(error, settings::LanguageOffset{});
 }
 
-int outputFailed(std::ostream& err, const Error& error) {
-  say(err, "error " + errorText(error));
-  return exitOutput;
-}
-
 int stopped(std::ostream& err) {
   say(err, "stopped");
   return exitStopped;
@@ -237,6 +232,8 @@ int runSql(const SqlOptions& options, const query::Connector& connect, std::ostr
   if (options.fromFile)
     if (const auto failure = query::failureOf([&] { text = query::loadQueryFile(pathFromUtf8(options.file)); }))
       return refused(err, failure->description());
+  if (text.find_first_not_of(" \t\r\n") == std::string::npos)
+    return refused(err, options.fromFile ? options.file + " holds no query" : "the query is empty");
   const Interruption interruption;
   return SqlRun(options, connect, std::move(text), err).run(out);
 }

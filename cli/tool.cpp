@@ -4,14 +4,17 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <optional>
 #include <ostream>
 
+#include "cli/common_options.h"
 #include "cli/demo_command.h"
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/platform_help.h"
 #include "cli/query_command.h"
 #include "cli/server_commands.h"
+#include "cli/server_path.h"
 #include "cli/sql_command.h"
 
 namespace korvel::cli {
@@ -31,18 +34,45 @@ constexpr const char* footer =
     "                                            run a query of your own\n"
     "  korvel-audit servers --all                find servers\n"
     "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
-    "\n"
-    "Exit status:\n"
-    "  0  done, rows were written\n"
-    "  1  no records; nothing was written\n"
-    "  2  wrong usage\n"
-    "  3  the database failed; number and text on standard error\n"
-    "  4  the output could not be written\n"
-    "  130  stopped by Ctrl+C; no file was written\n"
-    "\n"
-    "Environment:\n";
+    "\n";
+constexpr const char* environmentHeading = "\nEnvironment:\n";
 
 constexpr std::array serverCommands = {&serversCommand, &databasesCommand, &installCommand, &checkCommand};
+
+std::string commandNames(const CLI::App& app) {
+  std::string names;
+  for (const CLI::App* command : app.get_subcommands({}))
+    names.append(names.empty() ? "" : ", ") += command->get_name();
+  return names;
+}
+
+/// What the parser would only say to be missing: which word of the command line it does not know as a command.
+std::optional<std::string> commandProblem(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty()) return "no command was given; there are " + commandNames(app);
+  const std::string& first = arguments.front();
+  if (first.starts_with('-')) {
+    if (app.get_option_no_throw(first) != nullptr) return std::nullopt;
+    return "'" + first + "' is no option here, and comes before a command; there are " + commandNames(app);
+  }
+  const auto commands = app.get_subcommands({});
+  const bool known = std::any_of(commands.begin(), commands.end(),
+                                 [&](const CLI::App* command) { return command->get_name() == first; });
+  if (known) return std::nullopt;
+  return "'" + first + "' is no command; there are " + commandNames(app);
+}
+
+/// Runs a command that names a server, which may be a path.
+template <typename Options, typename Run>
+int runOnServer(Options& options, const CLI::App& command, std::ostream& err, const Run& run) {
+  const CLI::Option* const database = command.get_option_no_throw("--database");
+  std::string* const named = database == nullptr ? nullptr : &options.database;
+  if (const auto problem = resolveServerPath(options.server, named, database != nullptr && database->count() > 0))
+    return refused(err, *problem);
+  const int status = run();
+  if (status == exitDatabase)
+    if (const auto note = folderNote(options.server)) say(err, *note);
+  return status;
+}
 
 int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
                 const query::Connector& connect) {
@@ -50,18 +80,24 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   app.set_version_flag("--version", std::string("korvel-audit ") + KORVEL_VERSION, "Show the version");
   app.set_help_flag("-h,--help", "Show this help");
   app.get_formatter()->column_width(28);
-  app.footer(std::string(footer) + environmentHelp);
+  app.footer(std::string(footer) + exitStatusHelp + environmentHeading + environmentHelp);
   app.require_subcommand(1);
   DemoOptions demoOptions;
   QueryOptions queryOptions;
   const CLI::App* demo = addDemoCommand(app, demoOptions);
-  addQueryCommand(app, queryOptions);
+  const CLI::App* query = addQueryCommand(app, queryOptions);
   SqlOptions sqlOptions;
   const CLI::App* sql = addSqlCommand(app, sqlOptions);
   ServerOptions serverOptions;
   std::array<const CLI::App*, serverCommands.size()> added{};
   for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
 
+  for (CLI::App* command : app.get_subcommands({})) {
+    const std::string before = command->get_footer();
+    command->footer(before + (before.empty() ? "" : "\n") + exitStatusHelp);
+  }
+
+  if (const auto problem = commandProblem(app, arguments)) return refused(err, *problem);
   std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them off
   try {
     app.parse(std::move(arguments));
@@ -70,9 +106,12 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     return asked ? exitDone : exitWrongUsage;
   }
   for (std::size_t i = 0; i < added.size(); ++i)
-    if (added.at(i)->parsed()) return serverCommands.at(i)->run(serverOptions, out, err);
-  if (sql->parsed()) return runSql(sqlOptions, connect, out, err);
-  return demo->parsed() ? runDemo(demoOptions, out, err) : runQuery(queryOptions, connect, out, err);
+    if (added.at(i)->parsed())
+      return runOnServer(serverOptions, *added.at(i), err,
+                         [&] { return serverCommands.at(i)->run(serverOptions, out, err); });
+  if (sql->parsed()) return runOnServer(sqlOptions, *sql, err, [&] { return runSql(sqlOptions, connect, out, err); });
+  if (demo->parsed()) return runDemo(demoOptions, out, err);
+  return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
 }
 
 }  // namespace

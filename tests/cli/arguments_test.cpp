@@ -118,6 +118,47 @@ TEST_F(Arguments, WrongUsageIsRefusedBeforeAnythingIsTried) {
   EXPECT_TRUE(server.opened.empty());
 }
 
+TEST_F(Arguments, WhatIsNotKnownIsNamed) {
+  const std::string commands = "demo, query, sql, servers, databases, install-procedure, check";
+  const auto errorOf = [&](const std::vector<std::string>& arguments) {
+    const std::string text = run(arguments).err;
+    return text.substr(0, text.find('\n'));
+  };
+  EXPECT_EQ(errorOf({}), "korvel-audit: no command was given; there are " + commands);
+  EXPECT_EQ(errorOf({"quer", "--list", "1"}), "korvel-audit: 'quer' is no command; there are " + commands);
+  EXPECT_EQ(errorOf({"--nonsense"}),
+            "korvel-audit: '--nonsense' is no option here, and comes before a command; there are " + commands);
+  EXPECT_NE(errorOf({"query", "--nonsense"}).find("--nonsense"), std::string::npos);
+  EXPECT_NE(errorOf({"servers", "stray"}).find("stray"), std::string::npos);
+  EXPECT_EQ(
+      errorOf({"query", "--category", "Nope"}),
+      "--category: 'Nope' is no category; there are A Configuration, C1 KorvelExplorer, C2 Alarms, C3 TagLogging, "
+      "C4 UAcs, B Runtime, R1 CustomActions, R2 UArt, C Document Control, D1 CheckIN, D2 CheckOUT, D3 Rollback, "
+      "D4 Restore");
+  EXPECT_EQ(errorOf({"query", "--category", "user archives"}),
+            "--category: 'user archives' is the caption of C4 UAcs and R2 UArt");
+}
+
+TEST_F(Arguments, EveryCommandsHelpHasTheExitStates) {
+  for (const char* command : {"demo", "query", "sql", "servers", "databases", "install-procedure", "check"}) {
+    const std::string help = run({command, "--help"}).out;
+    for (const char* state : {"Exit status:", "  0  done", "  1  no records", "  2  wrong usage", "  3  the database",
+                              "  4  the output", "  130  stopped"})
+      EXPECT_NE(help.find(state), std::string::npos) << command << state;
+  }
+}
+
+TEST_F(Arguments, DatesBeginWhereThoseOfAServerDo) {
+  const ToolRun early = run({"query", "--from", "1700-01-01", "--to", "2004-01-01"});
+  EXPECT_EQ(early.status, exitWrongUsage);
+  EXPECT_NE(early.err.find("--from: '1700-01-01' is too early: dates begin in 1753"), std::string::npos) << early.err;
+  EXPECT_EQ(run({"query", "--from", "1752-12-31", "--to", "2004-01-01"}).status, exitWrongUsage);
+  EXPECT_EQ(run({"query", "--from", "1752-01-01", "--to", "1752-12-31"}).status, exitWrongUsage);
+  EXPECT_TRUE(server.opened.empty());
+  EXPECT_EQ(callOf({"--from", "1753-01-01", "--to", "1753-01-01"}),
+            callWith("1111111111", "'True','1753-01-01 00:00:00.000','1753-01-01 23:59:59.999'"));
+}
+
 TEST_F(Arguments, AllCategoriesAndNoDatesAreTheDefault) {
   EXPECT_EQ(callOf({}), callWith("1111111111"));
   EXPECT_EQ(server.opened,
@@ -140,6 +181,9 @@ TEST_F(Arguments, CategoriesGoByKeyNameOrGroup) {
   EXPECT_EQ(callOf({"--category", "A"}), callWith("1111000000"));
   EXPECT_EQ(callOf({"--category", "b", "--category", "D1"}), callWith("0000111000"));
   EXPECT_EQ(callOf({"--category", "C"}), callWith("0000001111"));
+  EXPECT_EQ(callOf({"--category", "Custom Operator Actions"}), callWith("0000100000"));
+  EXPECT_EQ(callOf({"--category", "check in,korvel explorer"}), callWith("1000001000"));
+  EXPECT_EQ(callOf({"--category", "Document Control"}), callWith("0000001111"));
   EXPECT_EQ(callOf({"--category", "A", "--category", "B", "--category", "C"}), callWith("1111111111"));
 }
 

@@ -41,13 +41,31 @@ TEST_F(Program, FullDiskBehindStandardOutputIsSaid) {
   ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
   EXPECT_EQ(run("audit query --format csv >/dev/full"), exitOutput);
   EXPECT_NE(err().find("cannot write standard output: No space left on device"), std::string::npos) << err();
+  for (const char* command : {"databases --server '(embedded)'", "install-procedure --print"}) {
+    EXPECT_EQ(run(std::string("audit ") + command + " >/dev/full"), exitOutput) << command;
+    EXPECT_NE(err().find("cannot write standard output: No space left on device"), std::string::npos) << err();
+  }
 }
 
-TEST_F(Program, ReaderThatGoesAwayIsSaid) {
+TEST_F(Program, AReaderThatLeavesIsNoFailure) {
   ASSERT_EQ(run("audit demo --rows 3000"), exitDone) << err();
-  EXPECT_EQ(run("{ audit query --format json; echo $? >status; } | true"), 0);
-  EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitOutput) + "\n");
-  EXPECT_NE(err().find("cannot write standard output"), std::string::npos) << err();
+  // The reader has left before the first byte: it opens the way for the tool by leaving.
+  const auto leftAlone = [&](const std::string& command) {
+    EXPECT_EQ(run("mkfifo gone; { read -r line <gone; " + command +
+                  "; echo $? >status; } | { exec <&-; echo >gone; }; rm gone"),
+              0)
+        << command;
+    EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitDone) + "\n") << command;
+    EXPECT_EQ(err(), "") << command;
+  };
+  leftAlone("audit query --quiet --format json");
+  leftAlone("audit query --quiet");
+  leftAlone("audit sql 'select * from Korvel_Audit_Trails' --format csv");
+  leftAlone("audit sql 'select * from Korvel_Audit_Trails' --format table");
+  leftAlone("audit databases --server '(embedded)'");
+  leftAlone("audit check --server '(embedded)'");
+  leftAlone("audit install-procedure --print");
+  leftAlone("audit demo --rows 10 --force");
 }
 
 constexpr const char* endless = "\"with recursive c(n) as (select 1 union all select n + 1 from c) select n from c\"";
@@ -56,7 +74,8 @@ TEST_F(Program, AnEndlessQueryEndsWithItsReader) {
   ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
   EXPECT_EQ(run("{ audit sql " + std::string(endless) + " --format csv; echo $? >status; } | head -n 2"), 0);
   EXPECT_EQ(out(), "n\r\n1\r\n");
-  EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitOutput) + "\n");
+  EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitDone) + "\n");
+  EXPECT_EQ(err(), "");
 }
 
 TEST_F(Program, AnEndlessQueryEndsWhenItIsTold) {
@@ -78,6 +97,22 @@ TEST_F(Program, RunsAQueryOfOnesOwn) {
                 "exchange --output result; cat result"),
             0);
   EXPECT_EQ(out(), "n|\r\n300\r\n");
+}
+
+TEST_F(Program, AServerMayBeARelativePathOrADatabaseFile) {
+  ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
+  const std::string count = " 'select count(*) as n from Korvel_Audit_Trails' --format csv";
+  for (const char* server :
+       {"./data", "data/", "./data/../data", "data/Korvel_Audit.db", "./data/Korvel_Audit_MU.db"}) {
+    EXPECT_EQ(run("audit sql --server " + std::string(server) + count), exitDone) << server << err();
+    EXPECT_EQ(out(), "n\r\n300\r\n") << server;
+  }
+  EXPECT_EQ(run("cd data; audit query --quiet --server . --format csv >/dev/null; audit databases --server ."), 0)
+      << err();
+  EXPECT_EQ(out(), "Korvel_Audit\t" + (folder / "data/Korvel_Audit.db").string() + "\nKorvel_Audit_MU\t" +
+                       (folder / "data/Korvel_Audit_MU.db").string() + "\n");
+  EXPECT_EQ(run("audit check --server data/Korvel_Audit_MU.db"), exitDone) << out();
+  EXPECT_NE(out().find("Korvel_Audit_MU can be opened"), std::string::npos) << out();
 }
 
 }  // namespace

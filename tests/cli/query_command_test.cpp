@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "base/whole_file.h"
@@ -116,6 +118,48 @@ TEST_F(QueryCommand, SaysWhenTheServerMayHoldMore) {
             std::string::npos);
   server.answer[0].rows.pop_back();
   EXPECT_EQ(run({"--format", "csv"}).err.find("note:"), std::string::npos);
+}
+
+TEST_F(QueryCommand, QuietLeavesOutTheCountsAndNothingElse) {
+  EXPECT_EQ(run({"--quiet"}).err, "");
+  EXPECT_EQ(run({"--quiet"}).out, run({}).out);
+  server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
+  const ToolRun full = run({"--quiet", "--format", "csv"});
+  EXPECT_EQ(full.err.find("note: 1 answer holds 5000 records"), 0U) << full.err;
+  server.answer[0].rows.clear();
+  EXPECT_EQ(run({"--quiet"}).err, "korvel-audit: No records found for filter criteria\n");
+}
+
+TEST_F(QueryCommand, SaysThatAlarmRowsOfAllDatesCome) {
+  const std::string note =
+      "note: Rows of the alarm tables (vel_Alg...) come from all dates, whatever the date range.\n";
+  const std::vector<std::string> day = {"--from", "2004-03-07", "--to", "2004-03-07"};
+  const auto saysSo = [&](std::vector<std::string> options, bool withDates) {
+    if (withDates) options.insert(options.end(), day.begin(), day.end());
+    const ToolRun tool = run(options);
+    EXPECT_EQ(tool.status, exitDone) << tool.err;
+    return tool.err.find(note) != std::string::npos;
+  };
+  EXPECT_TRUE(saysSo({"--category", "Alarms"}, true));
+  EXPECT_TRUE(saysSo({"--category", "A", "--category", "D1"}, true));
+  EXPECT_TRUE(saysSo({"--category", "Alarms", "--quiet"}, true)) << "a note is no count";
+  EXPECT_FALSE(saysSo({"--category", "Alarms"}, false)) << "without dates nothing is unexpected";
+  EXPECT_FALSE(saysSo({"--category", "TagLogging"}, true));
+  EXPECT_FALSE(saysSo({}, true)) << "all ten: the procedure limits the whole trail";
+}
+
+TEST_F(QueryCommand, APlaceThatCannotBeWrittenToIsToldBeforeTheQuery) {
+  EXPECT_EQ(run({"--output", (folder / "absent/out").string()}).status, exitOutput);
+  EXPECT_TRUE(server.opened.empty());
+}
+
+TEST_F(QueryCommand, WhatHasNothingToWriteLeavesAFileAsItWas) {
+  writeWholeFile(folder / "out", "earlier");
+  EXPECT_EQ(run({"--list", "3", "--output", (folder / "out").string()}).status, exitNoRecords);
+  server.refusesExecution = [] { throw Error(208, "Invalid object name"); };
+  EXPECT_EQ(run({"--output", (folder / "out").string()}).status, exitDatabase);
+  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1) << "nothing stands beside it";
 }
 
 TEST_F(QueryCommand, WritesAFileWhole) {

@@ -65,6 +65,19 @@ TEST_F(SqlCommand, NeedsExactlyOneText) {
   EXPECT_TRUE(server.opened.empty());
 }
 
+TEST_F(SqlCommand, AnEmptyTextIsNoQuery) {
+  writeWholeFile(folder / "empty.vqf", "\r\n");
+  for (const char* text : {"", "  ", "\t\r\n"}) {
+    const ToolRun tool = run({text});
+    EXPECT_EQ(tool.status, exitWrongUsage);
+    EXPECT_EQ(tool.err.find("korvel-audit: the query is empty\n"), 0U) << tool.err;
+  }
+  const ToolRun fromFile = run({"--file", file("empty.vqf")});
+  EXPECT_EQ(fromFile.status, exitWrongUsage);
+  EXPECT_NE(fromFile.err.find("empty.vqf holds no query"), std::string::npos) << fromFile.err;
+  EXPECT_TRUE(server.opened.empty());
+}
+
 TEST_F(SqlCommand, HelpTeaches) {
   const ToolRun tool = run({"--help"});
   EXPECT_EQ(tool.status, exitDone);

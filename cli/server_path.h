@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace korvel::cli {
+
+/// Makes what a person names as a server into a name that the engine knows. A path (it holds a slash or begins with a
+/// dot) counts from the working folder. The path of a database file stands for its folder and, in `database`, for its
+/// name; null where the command asks for no database. `databaseNamed` says that a name was given beside. Gives the
+/// reason where the command line cannot be obeyed.
+[[nodiscard]] std::optional<std::string> resolveServerPath(std::string& server, std::string* database,
+                                                           bool databaseNamed);
+
+/// What to say when a server of this name failed: that there is a folder of that name, and how it is named. Nothing
+/// where there is none.
+[[nodiscard]] std::optional<std::string> folderNote(const std::string& server);
+
+}  // namespace korvel::cli
