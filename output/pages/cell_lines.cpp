@@ -71,6 +71,7 @@ qsizetype endOfPart(const QString& text, qsizetype start) {
 void breakShaped(CellLines& cell, qreal width, const QFont& font, QPaintDevice& device) {
   QTextOption option;
   option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  option.setTextDirection(cell.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
   for (qsizetype start = 0; start <= cell.text.size();) {
     const qsizetype end = endOfPart(cell.text, start);
     if (start == end) cell.lines.push_back({start, 0});
@@ -104,6 +105,7 @@ void breakIntoLines(QString text, qreal width, GlyphFace& face, QPaintDevice& de
   cell.text = std::move(text);
   cell.lines.clear();
   cell.plain = face.draws(cell.text);
+  cell.rightToLeft = !cell.plain && cell.text.isRightToLeft();
   if (cell.plain)
     breakPlain(cell, width, face);
   else

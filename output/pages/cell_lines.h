@@ -19,7 +19,8 @@ struct CellLines {
 
   QString text;
   std::vector<Line> lines;
-  bool plain = true;  ///< the face draws it glyph by glyph; otherwise it is shaped
+  bool plain = true;         ///< the face draws it glyph by glyph; otherwise it is shaped
+  bool rightToLeft = false;  ///< the direction of all of the text, and so of each of its lines
 
   [[nodiscard]] QStringView line(std::size_t i) const { return QStringView(text).mid(lines[i].start, lines[i].length); }
 };

@@ -11,9 +11,6 @@ constexpr qreal step = 0.95;
 constexpr qreal widestColumnPart = 0.4;  ///< of the page, before room is left over
 constexpr qreal longestWordPart = 0.12;  ///< of the page: longer words are broken
 
-/// Rounding must not break a word that just fits.
-constexpr qreal slack = 1.002;
-
 struct Needs {
   std::vector<qreal> least;   ///< no word is broken
   std::vector<qreal> wanted;  ///< no line is broken, as long as the column takes no more than its part
@@ -26,9 +23,9 @@ Needs needsAt(const std::vector<ColumnWish>& wishes, qreal available, qreal padd
     const qreal word = std::max(wish.header.word * plan.headerScale,
                                 std::min(wish.body.word * plan.bodyScale, available * longestWordPart));
     const qreal line = std::max(wish.header.word * plan.headerScale, wish.body.line * plan.bodyScale);
-    needs.least.push_back(word * slack + padding);
-    needs.wanted.push_back(std::max(word, std::min(line, available * widestColumnPart)) * slack + padding);
-    needs.whole.push_back(std::max(word, line) * slack + padding);
+    needs.least.push_back(word * wordSlack + padding);
+    needs.wanted.push_back(std::max(word, std::min(line, available * widestColumnPart)) * wordSlack + padding);
+    needs.whole.push_back(std::max(word, line) * wordSlack + padding);
   }
   return needs;
 }
@@ -74,11 +71,9 @@ ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, q
   ColumnPlan plan;
   Needs needs = needsAt(wishes, available, padding, plan);
   while (sum(needs.least) > available) {
-    const bool bodyShrinks = plan.bodyScale * step >= leastBodyScale;
-    const bool headerShrinks = plan.headerScale * step >= leastHeaderScale;
-    if (!bodyShrinks && !headerShrinks) break;
-    if (bodyShrinks) plan.bodyScale *= step;
-    if (headerShrinks) plan.headerScale *= step;
+    if (plan.bodyScale <= leastBodyScale && plan.headerScale <= leastHeaderScale) break;
+    plan.bodyScale = std::max(plan.bodyScale * step, leastBodyScale);
+    plan.headerScale = std::max(plan.headerScale * step, leastHeaderScale);
     needs = needsAt(wishes, available, padding, plan);
   }
   if (sum(needs.least) > available)

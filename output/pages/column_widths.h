@@ -7,6 +7,9 @@
 
 namespace korvel::output::pages {
 
+/// Rounding must not break a word that just fits.
+inline constexpr qreal wordSlack = 1.002;
+
 /// What a column wants, measured at the sizes that fonts have before they are scaled.
 struct ColumnWish {
   TextExtent header;

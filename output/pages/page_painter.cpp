@@ -37,7 +37,9 @@ void PagePainter::cell(const CellLines& cell, std::size_t first, std::size_t cou
   for (std::size_t i = first; i < end; ++i) {
     const qreal y = at.y() + face.ascent() + static_cast<qreal>(i - first) * face.lineHeight();
     if (run == nullptr) {
-      shaped(cell.line(i), {at.x(), y - face.ascent()}, width, face, ink);
+      const Qt::LayoutDirection direction = cell.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight;
+      shaped_.push_back(
+          {cell.line(i).toString(), {at.x(), y - face.ascent()}, width, face.font(), face.ascent(), direction, ink});
       continue;
     }
     qreal x = at.x();
@@ -50,45 +52,49 @@ void PagePainter::cell(const CellLines& cell, std::size_t first, std::size_t cou
   }
 }
 
-void PagePainter::shaped(QStringView line, QPointF at, qreal width, const GlyphFace& face, Ink ink) {
-  QTextOption option;
-  option.setWrapMode(QTextOption::NoWrap);
-  option.setTextDirection(Qt::LayoutDirectionAuto);
-  QTextLayout layout(line.toString(), face.font(), painter_.device());
-  layout.setTextOption(option);
-  layout.beginLayout();
-  QTextLine only = layout.createLine();
-  if (only.isValid()) {
-    only.setLineWidth(width);
-    only.setPosition({0, face.ascent() - only.ascent()});
-  }
-  layout.endLayout();
-  painter_.setPen(colourOf(ink));
-  layout.draw(&painter_, at);
-}
-
 void PagePainter::text(const QRectF& where, Qt::Alignment alignment, const QFont& font, const QString& text) {
-  painter_.setFont(font);
-  painter_.setPen(colourOf(Ink::normal));
-  painter_.drawText(where, static_cast<int>(alignment | Qt::TextSingleLine), text);
+  texts_.push_back({where, alignment, font, text});
 }
 
 void PagePainter::fill(const QRectF& where) {
-  painter_.fillRect(where, headerColour);
+  fills_.push_back(where);
 }
 
 void PagePainter::line(QPointF from, QPointF to) {
   lines_.push_back({from, to});
 }
 
-void PagePainter::finishPage() {
+void PagePainter::paintShaped(const ShapedLine& line) {
+  QTextOption option;
+  option.setWrapMode(QTextOption::NoWrap);
+  option.setTextDirection(line.direction);
+  QTextLayout layout(line.text, line.font, painter_.device());
+  layout.setTextOption(option);
+  layout.beginLayout();
+  QTextLine only = layout.createLine();
+  if (only.isValid()) {
+    only.setLineWidth(line.width);
+    only.setPosition({0, line.ascent - only.ascent()});
+  }
+  layout.endLayout();
+  painter_.setPen(colourOf(line.ink));
+  layout.draw(&painter_, line.at);
+}
+
+void PagePainter::paint() {
+  for (const QRectF& where : fills_) painter_.fillRect(where, headerColour);
+  for (const MarginText& each : texts_) {
+    painter_.setFont(each.font);
+    painter_.setPen(colourOf(Ink::normal));
+    painter_.drawText(each.where, static_cast<int>(each.alignment | Qt::TextSingleLine), each.text);
+  }
+  for (const ShapedLine& line : shaped_) paintShaped(line);
   QPen pen(gridColour);
   pen.setWidthF(lineWidthPoints * painter_.device()->logicalDpiX() / pointsPerInch);
   pen.setCapStyle(Qt::FlatCap);
   painter_.setPen(pen);
   painter_.drawLines(lines_);
-  lines_.clear();
-  for (Collected& run : runs_) {
+  for (const Collected& run : runs_) {
     if (run.glyphs.isEmpty()) continue;
     QGlyphRun glyphs;
     glyphs.setRawFont(run.face->rawFont());
@@ -96,9 +102,15 @@ void PagePainter::finishPage() {
     glyphs.setPositions(run.positions);
     painter_.setPen(colourOf(run.ink));
     painter_.drawGlyphRun({0, 0}, glyphs);
-    run.glyphs.clear();
-    run.positions.clear();
   }
+}
+
+void PagePainter::clear() {
+  fills_.clear();
+  texts_.clear();
+  shaped_.clear();
+  lines_.clear();
+  runs_.clear();
 }
 
 }  // namespace korvel::output::pages

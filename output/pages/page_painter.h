@@ -12,7 +12,8 @@
 
 namespace korvel::output::pages {
 
-/// Draws the parts of a page. Plain text is collected and drawn at once, which keeps both the time and the file small.
+/// Collects the parts of a page and draws them at once, as often as the page is wanted. Plain text of one face is drawn
+/// in one go, which keeps both the time and the file small.
 class PagePainter {
  public:
   explicit PagePainter(QPainter& painter) : painter_(painter) {}
@@ -26,10 +27,10 @@ class PagePainter {
   void text(const QRectF& where, Qt::Alignment alignment, const QFont& font, const QString& text);
   void fill(const QRectF& where);
   void line(QPointF from, QPointF to);
-  /// Draws what has been collected; before the page ends.
-  void finishPage();
-  /// Faces that were used so far may go; between pages only.
-  void forgetFaces() { runs_.clear(); }
+  /// Draws what has been collected.
+  void paint();
+  /// The next page begins; faces that were used so far may go.
+  void clear();
 
  private:
   struct Collected {
@@ -38,10 +39,29 @@ class PagePainter {
     QList<quint32> glyphs;
     QList<QPointF> positions;
   };
+  struct MarginText {
+    QRectF where;
+    Qt::Alignment alignment;
+    QFont font;
+    QString text;
+  };
+  /// A line of a cell that is not drawn glyph by glyph.
+  struct ShapedLine {
+    QString text;
+    QPointF at;
+    qreal width;
+    QFont font;
+    qreal ascent;
+    Qt::LayoutDirection direction;
+    Ink ink;
+  };
   Collected& collected(GlyphFace& face, Ink ink);
-  void shaped(QStringView line, QPointF at, qreal width, const GlyphFace& face, Ink ink);
+  void paintShaped(const ShapedLine& line);
 
   QPainter& painter_;
+  std::vector<QRectF> fills_;
+  std::vector<MarginText> texts_;
+  std::vector<ShapedLine> shaped_;
   std::vector<Collected> runs_;
   QList<QLineF> lines_;
 };

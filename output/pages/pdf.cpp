@@ -41,16 +41,16 @@ class SinkDevice : public QIODevice {
 }  // namespace
 
 PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink, const PageProgress& progress,
-                      const QPageSize& paper) {
+                      const QPageSize& paper, const PageSelection& selection) {
   SinkDevice device(sink);
   QPdfWriter writer(&device);
   writer.setPageSize(paper);
   writer.setResolution(pdfDotsPerInch);
   writer.setTitle(QStringLiteral("KorvelAudit Report"));
   writer.setCreator(QStringLiteral("KorvelAudit Viewer"));
-  const PaintedPages painted = paintReport(report, writer, texts, Orientation::asFits, [&](int page, int pages) {
-    return !device.failed() && (!progress || progress(page, pages));
-  });
+  const PaintedPages painted = paintReport(
+      report, writer, texts, Orientation::asFits,
+      [&](int page, int pages) { return !device.failed() && (!progress || progress(page, pages)); }, selection);
   device.rethrow();
   return painted;
 }

@@ -11,9 +11,11 @@ namespace korvel::output::pages {
 inline constexpr int pdfDotsPerInch = 1200;
 
 /// Writes the report as a PDF document on pages of the size of `paper`, byte by byte as they come. What the sink or the
-/// source throws comes through; the output is then incomplete, as it is where `progress` cancels. Needs a
+/// source throws comes through; the output is then incomplete, as it is where `progress` cancels or the selection holds
+/// no page of the report. Needs a
 /// QGuiApplication.
 PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSink& sink,
-                      const PageProgress& progress = {}, const QPageSize& paper = QPageSize(QPageSize::A4));
+                      const PageProgress& progress = {}, const QPageSize& paper = QPageSize(QPageSize::A4),
+                      const PageSelection& selection = {});
 
 }  // namespace korvel::output::pages

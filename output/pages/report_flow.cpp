@@ -6,8 +6,10 @@
 #include <QPageLayout>
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <QScopeGuard>
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "output/pages/cell_text.h"
@@ -27,6 +29,7 @@ constexpr qreal marginSize = 8;
 constexpr qreal captionSize = 11;
 constexpr qreal cellPadding = 2.5;
 constexpr qreal rowPadding = 1.5;
+constexpr qreal leastColumnSize = 20;
 constexpr qreal captionRoom = 20;
 constexpr qreal remarkTop = 15;
 constexpr qreal remarkRoom = 9;
@@ -55,7 +58,7 @@ QFont headerFont(const PrintFont& font, qreal scale) {
 }
 
 struct Cancelled {};
-/// The page that was asked for is drawn.
+/// The pages that were asked for are drawn.
 struct PageDone {};
 
 std::size_t mostLines(const std::vector<CellLines>& cells) {
@@ -77,7 +80,7 @@ bool ReportFlow::count(Orientation orientation) {
     device_.setPageMargins({pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres},
                            QPageLayout::Millimeter);
     measureSections(orientation);
-    layOut();
+    layOut({});
     pages_ = page_;
     return true;
   } catch (const Cancelled&) {
@@ -85,51 +88,52 @@ bool ReportFlow::count(Orientation orientation) {
   }
 }
 
-bool ReportFlow::drawAll() {
+bool ReportFlow::draw(const PageSelection& selection) {
+  std::vector<QPageRanges::Range> spans;
+  for (const QPageRanges::Range& range : selection.ranges.toRangeList())
+    if (range.from <= pages_) spans.push_back({std::max(1, range.from), std::min(range.to, pages_)});
+  if (selection.ranges.isEmpty()) spans.push_back({1, pages_});
+  if (spans.empty()) return true;
+  const int copies = std::max(1, selection.copies);
+  pageCopies_ = selection.collated ? 1 : copies;
+  toDraw_ = 0;
+  for (const QPageRanges::Range& span : spans) toDraw_ += (span.to - span.from + 1) * copies;
+
   QPainter painter;
   if (!painter.begin(&device_)) throw windowsError(errorDeviceUnavailable);
   PagePainter out(painter);
   out_ = &out;
+  painted_ = 0;
+  const auto forgetPainter = qScopeGuard([this] { out_ = nullptr; });
   try {
-    layOut();
+    for (int copy = 0; copy < (selection.collated ? copies : 1); ++copy)
+      for (const QPageRanges::Range& span : spans) drawPages(span.from, span.to);
   } catch (const Cancelled&) {
-    out_ = nullptr;
     return false;
-  } catch (...) {
-    out_ = nullptr;
-    throw;
   }
-  out_ = nullptr;
   if (!painter.end()) throw windowsError(errorDeviceInputOutput);
   return true;
 }
 
 void ReportFlow::drawPage(int page, QPainter& painter) {
-  const PageStart start = starts_.at(static_cast<std::size_t>(page) - 1);
   PagePainter out(painter);
   out_ = &out;
-  single_ = true;
-  page_ = page - 1;
+  painted_ = 0;
+  const auto forgetPainter = qScopeGuard([this] { out_ = nullptr; });
+  drawPages(page, page);
+}
+
+/// Draws neighbouring pages. What stands on earlier ones is passed over, not laid out again.
+void ReportFlow::drawPages(int first, int last) {
+  const PageStart start = starts_.at(static_cast<std::size_t>(first) - 1);
+  page_ = first - 1;
+  lastPage_ = last;
+  out_->clear();
   try {
-    SectionHead head;
-    std::vector<std::string_view> cells;
-    report_.rewind();
-    plan_ = {};
-    for (std::size_t section = 0; section <= start.section && report_.nextSection(head); ++section)
-      if (section == start.section) plan_ = planOf(head, measures_.at(section));
-    for (std::size_t passed = 0; passed < start.row && report_.nextRow(cells); ++passed) continue;
-    beginPage();
-    for (std::size_t line = start.line; !plan_.headers.empty() && report_.nextRow(cells); line = 0) row(cells, line);
-    endPage();
+    layOut(start);
   } catch (const PageDone&) {
-    // The page is full.
-  } catch (...) {
-    out_ = nullptr;
-    single_ = false;
-    throw;
+    // The last page is full.
   }
-  out_ = nullptr;
-  single_ = false;
 }
 
 qreal ReportFlow::unit() const {
@@ -149,7 +153,7 @@ qreal ReportFlow::padding() const {
 }
 
 void ReportFlow::report(int page) {
-  if (progress_ && !progress_(page, pages_)) throw Cancelled{};
+  if (progress_ && !progress_(page, toDraw_)) throw Cancelled{};
 }
 void ReportFlow::countRow() {
   if (++rowsSeen_ % rowsBetweenReports == 0 && pages_ == 0) report(0);
@@ -181,55 +185,87 @@ void ReportFlow::measureSections(Orientation orientation) {
     }
 }
 
-ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, const std::vector<ColumnWish>& measured) {
+bool ReportFlow::openSection(std::size_t section, SectionHead& head) {
+  report_.rewind();
+  for (std::size_t passed = 0; passed <= section; ++passed)
+    if (!report_.nextSection(head)) return false;
+  return true;
+}
+
+ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, std::size_t section, std::size_t strip) {
+  const std::vector<ColumnWish>& measured = measures_.at(section);
+  const qreal leastHeaderScale = std::min(qreal{1}, leastSize / headerFont(head.font, 1).pointSizeF());
+  // As soon as the pages have their width.
+  if (strips_.size() == section)
+    strips_.push_back(shareColumns(measured, pageWidth(), padding(),
+                                   {leastColumnSize * unit(), leastSize / bodySize, leastHeaderScale}));
+  const std::vector<ColumnStrip>& strips = strips_.at(section);
+
   SectionPlan plan;
+  plan.columns = strips.at(strip);
   // As in the report's file: also behind a caption that ends so itself.
   plan.caption = shownOnPaper(head.caption) + QStringLiteral(" Audits");
-  const qreal headerSize = headerFont(head.font, 1).pointSizeF();
-  const ColumnPlan columns =
-      planColumns(measured, pageWidth(), padding(), leastSize / bodySize, std::min(qreal{1}, leastSize / headerSize));
+  std::vector<ColumnWish> wishes;
+  for (const std::size_t column : plan.columns) wishes.push_back(measured[column]);
+  if (strips.size() > 1) {
+    // The first column stands in front of every further strip, too.
+    const std::size_t first = plan.columns[strip > 0 && plan.columns.front() == 0 ? 1 : 0];
+    plan.caption +=
+        QStringLiteral(": ") + texts_.columnsOf.arg(first + 1).arg(plan.columns.back() + 1).arg(measured.size());
+  }
+  const ColumnPlan columns = planColumns(wishes, pageWidth(), padding(), leastSize / bodySize, leastHeaderScale);
   plan.widths = columns.widths;
   plan.headerFace = std::make_unique<GlyphFace>(headerFont(head.font, columns.headerScale), device_);
   plan.bodyFace = std::make_unique<GlyphFace>(bodyFont(bodySize * columns.bodyScale), device_);
-  plan.headers.resize(head.headers.size());
+  plan.headers.resize(plan.columns.size());
   for (std::size_t i = 0; i < plan.headers.size(); ++i)
-    breakIntoLines(shownOnPaper(head.headers[i]), plan.widths[i] - padding(), *plan.headerFace, device_,
+    breakIntoLines(shownOnPaper(head.headers[plan.columns[i]]), plan.widths[i] - padding(), *plan.headerFace, device_,
                    plan.headers[i]);
   return plan;
 }
 
-/// Goes through the whole report, with or without a page to draw on.
-void ReportFlow::layOut() {
-  page_ = 0;
-  here_ = {};
+/// Goes through the report from the beginning of a page on, with or without a page to draw on.
+void ReportFlow::layOut(const PageStart& start) {
+  here_ = start;
   if (out_ == nullptr) starts_.clear();
   SectionHead head;
-  std::vector<std::string_view> cells;
-  std::size_t section = 0;
-  report_.rewind();
-  while (report_.nextSection(head)) {
-    here_ = {section, 0, 0};
-    plan_ = planOf(head, measures_.at(section++));
-    if (out_ != nullptr) out_->forgetFaces();
-    beginPage();
-    while (report_.nextRow(cells)) {
-      row(cells);
-      ++here_.row;
-      here_.line = 0;
-      countRow();
-    }
-    endPage();
-  }
-  if (section == 0) {  // a report without sections is a page that says so by being empty
+  if (!openSection(start.section, head)) {  // a report without sections is a page that says so by being empty
     plan_ = {};
     beginPage();
     endPage();
+    return;
   }
+  std::size_t passedRows = start.row;
+  do {
+    plan_ = planOf(head, here_.section, here_.strip);
+    for (;;) {
+      layOutStrip(std::exchange(passedRows, 0));
+      if (here_.strip + 1 == strips_.at(here_.section).size()) break;
+      here_ = {here_.section, here_.strip + 1, 0, 0};
+      openSection(here_.section, head);
+      plan_ = planOf(head, here_.section, here_.strip);
+    }
+    here_ = {here_.section + 1, 0, 0, 0};
+  } while (report_.nextSection(head));
+}
+
+/// Lays out the columns of one strip, behind rows that stand on earlier pages.
+void ReportFlow::layOutStrip(std::size_t passedRows) {
+  std::vector<std::string_view> cells;
+  for (std::size_t passed = 0; passed < passedRows && report_.nextRow(cells); ++passed) continue;
+  std::size_t line = here_.line;
+  beginPage();
+  while (report_.nextRow(cells)) {
+    row(cells, std::exchange(line, 0));
+    ++here_.row;
+    here_.line = 0;
+    countRow();
+  }
+  endPage();
 }
 
 void ReportFlow::beginPage() {
   if (out_ == nullptr) starts_.push_back(here_);
-  if (out_ != nullptr && !single_ && page_ > 0 && !device_.newPage()) throw windowsError(errorDeviceInputOutput);
   ++page_;
   y_ = 0;
   if (out_ != nullptr) margins();
@@ -240,10 +276,15 @@ void ReportFlow::beginPage() {
 
 void ReportFlow::endPage() {
   if (out_ == nullptr) return;
-  out_->finishPage();
-  if (single_) throw PageDone{};
-  ++drawn_;
-  report(drawn_);
+  for (int copy = 0; copy < pageCopies_; ++copy) {
+    if (painted_++ > 0 && !device_.newPage()) throw windowsError(errorDeviceInputOutput);
+    out_->paint();
+    ++drawn_;
+    report(drawn_);
+  }
+  out_->clear();
+  // Behind the report's last page its source tells whether it was whole.
+  if (page_ == lastPage_ && page_ < pages_) throw PageDone{};
 }
 
 void ReportFlow::margins() {
@@ -290,9 +331,10 @@ qreal ReportFlow::tableWidth() const {
 }
 
 void ReportFlow::row(const std::vector<std::string_view>& cells, std::size_t first) {
-  row_.resize(cells.size());
-  for (std::size_t i = 0; i < cells.size(); ++i)
-    breakIntoLines(shownOnPaper(cells[i]), plan_.widths[i] - padding(), *plan_.bodyFace, device_, row_[i]);
+  row_.resize(plan_.columns.size());
+  for (std::size_t i = 0; i < row_.size(); ++i)
+    breakIntoLines(shownOnPaper(cells[plan_.columns[i]]), plan_.widths[i] - padding(), *plan_.bodyFace, device_,
+                   row_[i]);
   const qreal lineHeight = plan_.bodyFace->lineHeight();
   const qreal paddings = 2 * rowPadding * unit();
   const std::size_t lines = mostLines(row_);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "output/pages/cell_lines.h"
+#include "output/pages/column_strips.h"
 #include "output/pages/column_widths.h"
 #include "output/pages/glyph_face.h"
 #include "output/pages/report_pages.h"
@@ -30,8 +31,8 @@ class ReportFlow {
   /// Measures the columns, turns the device's pages as they fit, and counts them. False where `progress` cancelled.
   bool count(Orientation orientation);
   [[nodiscard]] int pages() const noexcept { return pages_; }
-  /// Draws all pages on the device. False where `progress` cancelled.
-  bool drawAll();
+  /// Draws pages on the device. False where `progress` cancelled.
+  bool draw(const PageSelection& selection);
   [[nodiscard]] int drawn() const noexcept { return drawn_; }
   /// Draws one page, from 1, in the device's units. What stands on earlier pages is passed over, not laid out again.
   void drawPage(int page, QPainter& painter);
@@ -40,6 +41,7 @@ class ReportFlow {
   /// One section, ready to be laid out.
   struct SectionPlan {
     QString caption;
+    ColumnStrip columns;
     std::vector<CellLines> headers;
     std::vector<qreal> widths;
     std::unique_ptr<GlyphFace> headerFace;
@@ -48,6 +50,7 @@ class ReportFlow {
   /// What a page begins with.
   struct PageStart {
     std::size_t section = 0;
+    std::size_t strip = 0;  ///< of the section's columns
     std::size_t row = 0;
     std::size_t line = 0;  ///< of that row
   };
@@ -65,15 +68,19 @@ class ReportFlow {
   void report(int page);
   void countRow();
   void measureSections(Orientation orientation);
-  [[nodiscard]] SectionPlan planOf(const SectionHead& head, const std::vector<ColumnWish>& measured);
-  void layOut();
+  [[nodiscard]] SectionPlan planOf(const SectionHead& head, std::size_t section, std::size_t strip);
+  /// Goes to a section, wherever the report stands; false where there is none.
+  bool openSection(std::size_t section, SectionHead& head);
+  void layOut(const PageStart& start);
+  void layOutStrip(std::size_t passedRows);
+  void drawPages(int first, int last);
   void beginPage();
   void endPage();
   void margins();
   void remark();
   void headerRow();
   /// Lays out a row from line `first` on.
-  void row(const std::vector<std::string_view>& cells, std::size_t first = 0);
+  void row(const std::vector<std::string_view>& cells, std::size_t first);
   void drawCells(const std::vector<CellLines>& cells, std::size_t first, std::size_t count, GlyphFace& face,
                  qreal height);
 
@@ -81,18 +88,22 @@ class ReportFlow {
   QPagedPaintDevice& device_;
   const PageTexts& texts_;
   const PageProgress& progress_;
-  std::vector<std::vector<ColumnWish>> measures_;
+  std::vector<std::vector<ColumnWish>> measures_;  ///< of each section
+  std::vector<std::vector<ColumnStrip>> strips_;   ///< likewise
   std::vector<PageStart> starts_;
   PageStart here_;
   SectionPlan plan_;
   std::vector<CellLines> row_;
   PagePainter* out_ = nullptr;
-  bool single_ = false;  ///< one page is drawn and nothing after it
+  int lastPage_ = 0;    ///< nothing is drawn after it; 0: all there is
+  int pageCopies_ = 1;  ///< of every page, one behind the other
   qreal y_ = 0;
   qreal freshY_ = 0;  ///< where the first row of a page begins
   int page_ = 0;
   int pages_ = 0;
+  int toDraw_ = 0;
   int drawn_ = 0;
+  int painted_ = 0;  ///< pages, on the painter that is in use
   std::size_t rowsSeen_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPageRanges>
 #include <QString>
 #include <functional>
 
@@ -15,6 +16,15 @@ struct PageTexts {
   QString pageOf = QStringLiteral("Page %1 of %2");  ///< right below
   QString note;                                      ///< left below
   QString remark = {};                               ///< under the caption: what a reader of the rows must know
+  /// Behind the caption of a sheet that holds some of the columns only.
+  QString columnsOf = QStringLiteral("columns %1 to %2 of %3");
+};
+
+/// Which pages of a report are wanted, and how often.
+struct PageSelection {
+  QPageRanges ranges;    ///< none: all of them
+  int copies = 1;        ///< that the device does not make by itself
+  bool collated = true;  ///< copies of the whole, not of one page after the other
 };
 
 enum class Orientation {
@@ -22,20 +32,24 @@ enum class Orientation {
   asGiven  ///< as the device has it
 };
 
-/// Hears of every page that is drawn, and now and then while pages are still counted (page 0 of 0). False cancels.
+/// Hears of every page that is drawn, copies counted, and now and then while pages are still counted (page 0 of 0).
+/// False cancels.
 using PageProgress = std::function<bool(int page, int pages)>;
 
 /// How it ended.
 struct PaintedPages {
-  int pages = 0;  ///< that were drawn
+  int pages = 0;  ///< that were drawn, copies counted
   bool cancelled = false;
+  int ofPages = 0;  ///< that the report has; 0 where it was cancelled before that was known
 };
 
 /// Lays the report out on the pages of `device`, which must not be painted on yet: every section on pages of its own,
 /// its column headers in the section's font on each of them. Nothing is cut: lines are wrapped, rows that are higher
-/// than a page go on on the next. Takes the memory of one page and one row. What the source throws comes through.
-/// Needs a QGuiApplication. A device that cannot be painted on is Error with errorDeviceUnavailable.
+/// than a page go on on the next, columns for which there is no room stand on further sheets. A selection without a
+/// page of the report leaves the device alone. Takes the memory of one page and one row. What the source throws comes
+/// through. Needs a QGuiApplication. A device that cannot be painted on is Error with errorDeviceUnavailable.
 PaintedPages paintReport(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts,
-                         Orientation orientation = Orientation::asFits, const PageProgress& progress = {});
+                         Orientation orientation = Orientation::asFits, const PageProgress& progress = {},
+                         const PageSelection& selection = {});
 
 }  // namespace korvel::output::pages

@@ -88,6 +88,30 @@ TEST_F(BrokenText, LosesNothingOfALongText) {
   }
 }
 
+TEST_F(BrokenText, NeverCutsACharacterInTwo) {
+  // Long texts are shaped in parts; wherever a part ends, it may not be between the halves of a character.
+  for (const std::string& before : {std::string(), std::string("x"), std::string("xy")}) {
+    std::string text = before;
+    for (int i = 0; i < 3000; ++i) text += "\xF0\x9F\x98\x80";
+    broken(text, 10);
+    for (std::size_t i = 0; i < cell.lines.size(); ++i) {
+      ASSERT_FALSE(cell.line(i).front().isLowSurrogate()) << before << i;
+      ASSERT_FALSE(cell.line(i).back().isHighSurrogate()) << before << i;
+    }
+  }
+}
+
+TEST_F(BrokenText, HasTheDirectionOfAllOfIt) {
+  broken("שלום\nabc", 40);
+  EXPECT_TRUE(cell.rightToLeft);
+  broken("12 שלום abc", 40);
+  EXPECT_TRUE(cell.rightToLeft);
+  broken("abc\nשלום", 40);
+  EXPECT_FALSE(cell.rightToLeft);
+  broken("ポンプ", 40);
+  EXPECT_FALSE(cell.rightToLeft);
+}
+
 TEST_F(BrokenText, FitsItsColumn) {
   const qreal width = face->width(QStringLiteral("0000000000"));
   breakIntoLines(QStringLiteral("some words and a-very-long_one/with.separators and WWWWWWWWWWWWWWWWWWWWWWWWWW"), width,

@@ -37,12 +37,25 @@ TEST(ColumnWidths, FontsShrinkBeforeWordsAreBroken) {
   EXPECT_LE(sumOf(plan), 450);
 }
 
+TEST(ColumnWidths, FontsShrinkToTheirLeastSizeAndNoFurther) {
+  const ColumnPlan plan = planColumns(std::vector<ColumnWish>(10, wish(50, 50, 50)), 100, 2, 0.72, 0.83);
+  EXPECT_DOUBLE_EQ(plan.bodyScale, 0.72);
+  EXPECT_DOUBLE_EQ(plan.headerScale, 0.83);
+}
+
 TEST(ColumnWidths, WhereNothingHelpsTheWidestGiveWay) {
   std::vector<ColumnWish> wishes(50, wish(100, 100, 100));
   wishes.front() = wish(2, 2, 2);
   const auto plan = planColumns(wishes, 500, 2, 0.9, 0.9);
   EXPECT_NEAR(sumOf(plan), 500, 0.01);
   EXPECT_NEAR(plan.widths.front(), 4, 0.5);
+}
+
+TEST(ColumnWidths, DoNotFitWhereTheirPaddingDoesNot) {
+  const std::vector<ColumnWish> wishes(10, wish(50, 50, 50));
+  EXPECT_TRUE(fitsUnbroken(wishes, 510, 0));
+  EXPECT_FALSE(fitsUnbroken(wishes, 510, 4));
+  EXPECT_TRUE(fitsUnbroken(wishes, 550, 4));
 }
 
 TEST(ColumnWidths, OfNoColumnsAreNone) {

@@ -6,57 +6,23 @@
 #include <QBuffer>
 #include <QPageLayout>
 #include <QPdfWriter>
+#include <QRectF>
+#include <regex>
 #include <stdexcept>
 #include <string>
 
-#include "base/whole_file.h"
-#include "output/list_source.h"
-#include "output/pages/pdf.h"
 #include "output/report_reader.h"
-#include "tests/support/filled_list.h"
+#include "tests/pages/written_pages.h"
 #include "tests/support/hostile_texts.h"
-#include "tests/support/program_output.h"
-#include "tests/support/temporary_folder.h"
 
 namespace korvel::output::pages {
 namespace {
 
 using test::filledList;
+using testing::ContainsRegex;
 using testing::HasSubstr;
-using testing::Not;
 
-std::size_t count(const std::string& text, const std::string& part) {
-  std::size_t found = 0;
-  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++found;
-  return found;
-}
-
-std::vector<test::ScriptedRow> numberedRows(int rows, std::size_t columns) {
-  std::vector<test::ScriptedRow> made;
-  for (int i = 0; i < rows; ++i) {
-    test::ScriptedRow row{"N" + std::to_string(i) + "E"};
-    while (row.size() < columns) row.emplace_back("value " + std::to_string(i));
-    made.push_back(std::move(row));
-  }
-  return made;
-}
-
-struct ReportPages : testing::Test {
-  PaintedPages write(ReportSource& source, const PageProgress& progress = {}) {
-    std::string bytes;
-    const PaintedPages painted = writePdf(
-        source, texts, [&](std::string_view chunk) { bytes += chunk; }, progress);
-    writeWholeFile(folder / "pages.pdf", bytes);
-    return painted;
-  }
-  PaintedPages write(const results::ResultList& list, const PageProgress& progress = {}) {
-    const ReportList reported{"ALL Audits", &list};
-    ListSource source({&reported, 1}, {"Courier", 9});
-    return write(source, progress);
-  }
-  /// The text of the pages, as a reader that selects it gets it.
-  std::string text() { return test::outputOf("pdftotext -raw '" + (folder / "pages.pdf").string() + "' -"); }
-
+struct ReportPages : WrittenPages {
   /// Where the first such word stands, in points: an edge of its box, or an extent of the page.
   double edgeOf(const std::string& word, const std::string& edge) {
     const std::string boxes = test::outputOf("pdftotext -bbox '" + (folder / "pages.pdf").string() + "' -");
@@ -71,9 +37,6 @@ struct ReportPages : testing::Test {
     const std::string boxes = test::outputOf("pdftotext -bbox '" + (folder / "pages.pdf").string() + "' -");
     return std::stod(boxes.substr(boxes.find("<page width=\"") + 13));
   }
-
-  test::TemporaryFolder folder;
-  PageTexts texts{QStringLiteral("Printed 2004-03-07"), QStringLiteral("Page %1 of %2"), QStringLiteral("the note")};
 };
 
 TEST_F(ReportPages, OfAnEmptyListAreOneWithCaptionAndHeader) {
@@ -122,6 +85,46 @@ TEST_F(ReportPages, SplitARowThatIsHigherThanAPage) {
   for (int i = 0; i < 4000; ++i) ASSERT_EQ(count(shown, "w" + std::to_string(i) + "e"), 1U) << i;
   EXPECT_EQ(count(shown, "N1E"), static_cast<std::size_t>(pages)) << "each part names its row";
   EXPECT_EQ(count(shown, "after"), 1U);
+}
+
+TEST_F(ReportPages, NameARowOnEveryPageThatHoldsSomeOfIt) {
+  std::string longText;
+  for (int i = 0; i < 200; ++i) longText += "line\n";
+  // However many lines the first column has itself: as many as a page holds, too.
+  std::string key;
+  for (int lines = 1; lines < 80; ++lines) {
+    key += (lines > 1 ? "\nK" : "K") + std::to_string(lines) + "E";
+    ASSERT_GT(write(filledList({{"A"}, {"B"}}, {{key, longText}})).pages, 2);
+    for (int page = 1; page <= 3; ++page) ASSERT_THAT(text(page), ContainsRegex("K[0-9]+E")) << lines << ' ' << page;
+  }
+}
+
+TEST_F(ReportPages, BeginALongRowWithThreeLinesOrOnTheNextPage) {
+  std::string longText;
+  for (int i = 0; i < 200; ++i) longText += (i > 0 ? "\nL" : "L") + std::to_string(i) + "E";
+  bool begun = false;
+  bool moved = false;
+  for (int before = 40; before < 70; ++before) {
+    auto rows = numberedRows(before, 2);
+    rows.push_back({"long", longText});
+    write(filledList({{"A"}, {"B"}}, rows));
+    const std::string first = text(1);
+    if (count(first, "N" + std::to_string(before - 1) + "E") == 0) break;  // the rows before fill it
+    std::size_t lines = 0;
+    while (count(first, "L" + std::to_string(lines) + "E") > 0) ++lines;
+    EXPECT_TRUE(lines == 0 || lines >= 3) << before << ": " << lines;
+    begun = begun || lines >= 3;
+    moved = moved || lines == 0;
+  }
+  EXPECT_TRUE(begun);
+  EXPECT_TRUE(moved);
+}
+
+TEST_F(ReportPages, TellWhatTheDocumentIs) {
+  write(filledList({{"A"}}, {{"a"}}));
+  const std::string about = test::outputOf("pdfinfo '" + (folder / "pages.pdf").string() + "'");
+  EXPECT_THAT(about, ContainsRegex("Title: +KorvelAudit Report\n"));
+  EXPECT_THAT(about, ContainsRegex("Creator: +KorvelAudit Viewer\n"));
 }
 
 TEST_F(ReportPages, TakeAValueOfAMegabyte) {
@@ -192,6 +195,10 @@ TEST_F(ReportPages, AreTurnedWhereThatFitsBetter) {
   EXPECT_EQ(orientationOf(narrow, Orientation::asFits), QPageLayout::Portrait);
   EXPECT_EQ(orientationOf(wide, Orientation::asFits), QPageLayout::Landscape);
   EXPECT_EQ(orientationOf(wide, Orientation::asGiven), QPageLayout::Portrait);
+  // The values alone would stand in portrait, not so with the room around each.
+  const std::vector<test::ScriptedRow> digits{test::ScriptedRow(45, "00")};
+  EXPECT_EQ(orientationOf(filledList(std::vector<db::Field>(45, db::Field{"n"}), digits), Orientation::asFits),
+            QPageLayout::Landscape);
 }
 
 TEST_F(ReportPages, TellTheirProgressAndCanBeCancelled) {
@@ -219,6 +226,66 @@ TEST_F(ReportPages, OfAnyFontAndAnyNumberOfColumnsEnd) {
       ListSource source({&reported, 1}, {"no such font", size});
       EXPECT_GE(write(source).pages, 1) << size << ' ' << columns;
     }
+}
+
+/// A word on a page, and where it stands.
+struct Word {
+  QRectF box;
+  std::string text;
+};
+
+std::vector<std::vector<Word>> wordsOf(const std::filesystem::path& file) {
+  const std::string xml = test::outputOf("pdftotext -bbox '" + file.string() + "' -");
+  static const std::regex tag(
+      "<page |<word xMin=\"([0-9.-]+)\" yMin=\"([0-9.-]+)\" xMax=\"([0-9.-]+)\" yMax=\"([0-9.-]+)\">([^<]*)</word>");
+  std::vector<std::vector<Word>> pages;
+  for (std::sregex_iterator found(xml.begin(), xml.end(), tag), end; found != end; ++found) {
+    const std::smatch& match = *found;
+    if (match[1].length() == 0)
+      pages.emplace_back();
+    else
+      pages.back().push_back(
+          {{QPointF(std::stod(match[1]), std::stod(match[2])), QPointF(std::stod(match[3]), std::stod(match[4]))},
+           match[5]});
+  }
+  return pages;
+}
+
+TEST_F(ReportPages, SpreadManyColumnsOverSheetsAndNeverOverprint) {
+  constexpr std::size_t columns = 400;
+  std::vector<db::Field> fields;
+  const std::string letters = "xyz";
+  std::vector<test::ScriptedRow> rows(letters.size());
+  const auto numbered = [](char letter, std::size_t column) {
+    return letter + std::to_string(1000 + column).substr(1);
+  };
+  for (std::size_t i = 0; i < columns; ++i) {
+    fields.push_back({numbered('h', i)});
+    for (std::size_t row = 0; row < rows.size(); ++row) rows[row].emplace_back(numbered(letters[row], i));
+  }
+  const int pages = write(filledList(fields, rows)).pages;
+  EXPECT_GT(pages, 5);
+  EXPECT_LT(pages, 40);
+  const std::string shown = text();
+  for (std::size_t i = 0; i < columns; ++i) {
+    const auto times = static_cast<std::size_t>(i == 0 ? pages : 1);
+    for (const char letter : letters + "h") ASSERT_EQ(count(shown, numbered(letter, i)), times) << letter << i;
+  }
+  EXPECT_THAT(text(1), ContainsRegex("ALL Audits Audits: columns 1 to [0-9]+ of 400"));
+  EXPECT_THAT(text(pages), ContainsRegex("columns [0-9]+ to 400 of 400"));
+  for (const std::vector<Word>& words : wordsOf(folder / "pages.pdf"))
+    for (std::size_t i = 0; i < words.size(); ++i)
+      for (std::size_t j = i + 1; j < words.size(); ++j) {
+        const QRectF shared = words[i].box & words[j].box;
+        ASSERT_FALSE(shared.width() > 0.5 && shared.height() > 4) << words[i].text << ' ' << words[j].text;
+      }
+}
+
+TEST_F(ReportPages, OfARecordsColumnsAreOneSheetWide) {
+  const std::vector<db::Field> fields(18, db::Field{"Application User"});
+  const std::vector<test::ScriptedRow> rows{test::ScriptedRow(18, "a value of many words that is broken")};
+  EXPECT_EQ(write(filledList(fields, rows)).pages, 1);
+  EXPECT_EQ(count(text(), "columns"), 0U);
 }
 
 TEST_F(ReportPages, LetTheFailureOfTheSinkThrough) {
