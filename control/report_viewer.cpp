@@ -10,6 +10,8 @@
 
 #include "control/forms/pages_window.h"
 #include "control/library_state.h"
+#include "control/message_titles.h"
+#include "control/print_dialog.h"
 #include "control/texts.h"
 #include "output/export_file.h"
 #include "output/pages/pdf.h"
@@ -62,6 +64,7 @@ output::pages::PageTexts ReportViewer::pageTexts() const {
   texts.printedAt =
       ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
   texts.pageOf = ownText("print.pageOf");
+  texts.columnsOf = ownText("print.columnsOf");
   // Paper goes to people who never saw the list.
   if (notes_.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes_.replacedCharacters));
   texts.remark = remark_;
@@ -78,16 +81,25 @@ void ReportViewer::print(ExecOption option) {
   if (option == ExecOption::promptUser && !services->choosePrinter(&owner_, printer)) return;
   if (!alive) return;
 
-  PagesWindow window(owner_);
-  const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
-  if (!printer.outputFileName().isEmpty()) {
-    printIntoFile(*report, printer, progress);
-    return;
+  output::pages::PaintedPages painted;
+  {
+    PagesWindow window(owner_);
+    const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
+    painted = printer.outputFileName().isEmpty() ? printOn(printer, *report, progress)
+                                                 : printIntoFile(*report, printer, progress);
   }
+  if (alive && !painted.cancelled && painted.pages == 0)
+    services->messageBox(&owner_, MessageIcon::information, messageTitle(),
+                         ownText("print.noSuchPages").arg(painted.ofPages));
+}
+
+output::pages::PaintedPages ReportViewer::printOn(QPrinter& printer, output::ReportReader& report,
+                                                  const output::pages::PageProgress& progress) const {
   try {
-    const output::pages::PaintedPages painted =
-        output::pages::paintReport(*report, printer, pageTexts(), output::pages::Orientation::asFits, progress);
+    const output::pages::PaintedPages painted = output::pages::paintReport(
+        report, printer, pageTexts(), output::pages::Orientation::asFits, progress, pageSelection(printer));
     if (painted.cancelled) printer.abort();
+    return painted;
   } catch (...) {
     printer.abort();
     throw;
@@ -95,13 +107,14 @@ void ReportViewer::print(ExecOption option) {
 }
 
 /// A printer that writes a file itself does not say when the disk is full, and leaves what it has.
-void ReportViewer::printIntoFile(output::ReportReader& report, const QPrinter& printer,
-                                 const output::pages::PageProgress& progress) const {
+output::pages::PaintedPages ReportViewer::printIntoFile(output::ReportReader& report, const QPrinter& printer,
+                                                        const output::pages::PageProgress& progress) const {
   output::ExportFile file(std::filesystem::path(printer.outputFileName().toStdU16String()));
   const output::pages::PaintedPages painted = output::pages::writePdf(
       report, pageTexts(), [&file](std::string_view bytes) { file.write(bytes); }, progress,
-      printer.pageLayout().pageSize());
-  if (!painted.cancelled) file.commit();
+      printer.pageLayout().pageSize(), pageSelection(printer));
+  if (!painted.cancelled && painted.pages > 0) file.commit();
+  return painted;
 }
 
 void ReportViewer::preview() {

@@ -21,8 +21,7 @@ namespace korvel::control {
 [[nodiscard]] std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, bool showFiles,
                                                         const QString& beginning);
 
-/// The printer and its options, or a file to print into where there is no printer; false for a cancelled dialog. A
-/// report is printed whole: no range of pages is offered.
+/// The printer and its options, or a file to print into where there is no printer; false for a cancelled dialog.
 [[nodiscard]] bool chooseSystemPrinter(QWidget* owner, QPrinter& printer);
 
 }  // namespace korvel::control

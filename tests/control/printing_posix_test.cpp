@@ -1,8 +1,11 @@
-// Printing on a full disk, and whom the printed file is for.
+// Printing on a full disk, whom the printed file is for, and which pages are in it.
 #include <sys/stat.h>
+
+#include <regex>
 
 #include "tests/control/printing_fixture.h"
 #include "tests/support/full_disk.h"
+#include "tests/support/program_output.h"
 
 namespace korvel::test {
 namespace {
@@ -38,6 +41,75 @@ TEST_F(Printing, AFileIsReadableByWhomTheUsersMaskAllows) {
   struct stat status {};
   ASSERT_EQ(::stat((folder / "printed.pdf").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0640U);
+}
+
+class PrintedPages : public Printing {
+ protected:
+  /// Whoever is asked for a printer chooses a file, pages and copies.
+  void choosePages(const char* ranges, int copies, bool collated) {
+    const auto intoFile = recorder->onPrinter;
+    recorder->onPrinter = [=](QPrinter& printer) {
+      printer.setPrintRange(QPrinter::PageRange);
+      printer.setPageRanges(QPageRanges::fromString(QLatin1String(ranges)));
+      printer.setCopyCount(copies);
+      printer.setCollateCopies(collated);
+      return intoFile(printer);
+    };
+  }
+  /// The numbers of the printed pages, in their order.
+  [[nodiscard]] std::string printedNumbers() const {
+    const std::string text = outputOf("pdftotext -raw '" + (folder / "printed.pdf").string() + "' -");
+    static const std::regex mark("Page ([0-9]+) of [0-9]+");
+    std::string numbers;
+    for (std::sregex_iterator found(text.begin(), text.end(), mark), end; found != end; ++found)
+      numbers += (*found)[1].str() + ' ';
+    return numbers;
+  }
+
+  std::unique_ptr<AuditViewer> viewer = viewerWith(std::vector<std::array<std::string, 3>>(300, {"a", "b", "c"}));
+};
+
+TEST_F(PrintedPages, AreThoseThatWereChosen) {
+  choosePages("2,4", 1, true);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(printedNumbers(), "2 4 ");
+}
+
+TEST_F(PrintedPages, AreCopiedAsOftenAsWasChosen) {
+  choosePages("2-3", 2, true);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(printedNumbers(), "2 3 2 3 ");
+}
+
+TEST_F(PrintedPages, AreCopiedOneByOneWhereTheyAreNotCollated) {
+  choosePages("2-3", 2, false);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_EQ(printedNumbers(), "2 2 3 3 ");
+}
+
+TEST_F(PrintedPages, FromThePreviewAreThoseThatWereChosen) {
+  choosePages("3", 2, true);
+  recorder->printFromPreview = true;
+  viewer->PreviewReport();
+  completeDocuments();
+  EXPECT_EQ(printedNumbers(), "3 3 ");
+}
+
+TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreSaidAndAnEarlierFileStays) {
+  writeWholeFile(folder / "printed.pdf", "earlier");
+  choosePages("50-60", 1, true);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  ASSERT_EQ(recorder->messages.size(), 1U);
+  EXPECT_EQ(recorder->messages[0].icon, MessageIcon::information);
+  EXPECT_EQ(recorder->messages[0].title, "KorvelAudit Viewer Message");
+  EXPECT_TRUE(recorder->messages[0].text.startsWith("The report has no page of the chosen range: it ends with page "))
+      << recorder->messages[0].text.toStdString();
+  EXPECT_EQ(printed(), "earlier");
+  EXPECT_EQ(filesInFolder(), 2);
 }
 
 }  // namespace
