@@ -43,13 +43,16 @@ class TextDrawing {
 
 }  // namespace
 
+QString printedAt(const QDateTime& time) {
+  return QStringLiteral("Printed ") + time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
 void writePdf(const CaptionedList& list, const output::ByteSink& sink, std::ostream& /*err*/) {
   const TextDrawing drawing;
   const output::ReportList reported{list.caption, &list.list};
   output::ListSource source({&reported, 1}, {});
   output::pages::PageTexts texts;
-  texts.printedAt =
-      QStringLiteral("Printed ") + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+  texts.printedAt = printedAt(QDateTime::currentDateTime());
   texts.note = QStringLiteral("KorvelAudit Report");
   output::pages::writePdf(source, texts, sink);
 }

@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDateTime>
+#include <QString>
 #include <string>
 
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
+#include "cli/pdf_output.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/program_output.h"
@@ -30,6 +33,19 @@ TEST_F(OutputFormats, PdfShowsTheListAsStored) {
   EXPECT_THAT(text, HasSubstr("<b>"));
   EXPECT_THAT(text, HasSubstr("Page 1 of 1"));
   EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
+}
+
+TEST_F(OutputFormats, PdfSaysWhenItWasPrinted) {
+  // A minute that is no month, and a month that is no minute.
+  EXPECT_EQ(printedAt(QDateTime(QDate(2026, 11, 22), QTime(4, 49, 7))), "Printed 2026-11-22 04:49:07");
+  const std::string file = (folder / "out.pdf").string();
+  const QString before = printedAt(QDateTime::currentDateTime());
+  ASSERT_EQ(run("pdf", file).status, exitDone);
+  const QString after = printedAt(QDateTime::currentDateTime());
+  const QString text = QString::fromStdString(test::outputOf("pdftotext -raw '" + file + "' -"));
+  const QString mark = text.mid(text.indexOf("Printed "), before.size());
+  EXPECT_LE(before, mark);
+  EXPECT_LE(mark, after);
 }
 
 TEST_F(OutputFormats, XlsxCarriesEveryColumn) {
