@@ -2,7 +2,6 @@
 
 #include <QPointer>
 #include <QPrintDialog>
-#include <QPrinter>
 
 namespace korvel::control {
 
@@ -14,14 +13,6 @@ bool showPrintDialog(QWidget* owner, QPrinter& printer) {
   const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
   delete dialog;
   return chosen;
-}
-
-output::pages::PageSelection pageSelection(const QPrinter& printer) {
-  output::pages::PageSelection selection;
-  if (printer.printRange() == QPrinter::PageRange) selection.ranges = printer.pageRanges();
-  if (!printer.supportsMultipleCopies()) selection.copies = printer.copyCount();
-  selection.collated = printer.collateCopies();
-  return selection;
 }
 
 }  // namespace korvel::control

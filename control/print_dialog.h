@@ -1,7 +1,5 @@
 #pragma once
 
-#include "output/pages/report_pages.h"
-
 class QPrinter;
 class QWidget;
 
@@ -9,8 +7,5 @@ namespace korvel::control {
 
 /// The toolkit's dialog for a printer and its options; false for a cancelled one.
 [[nodiscard]] bool showPrintDialog(QWidget* owner, QPrinter& printer);
-
-/// The pages and copies that were chosen for a printer, as far as it does not see to them by itself.
-[[nodiscard]] output::pages::PageSelection pageSelection(const QPrinter& printer);
 
 }  // namespace korvel::control

@@ -11,7 +11,7 @@
 #include "control/forms/pages_window.h"
 #include "control/library_state.h"
 #include "control/message_titles.h"
-#include "control/print_dialog.h"
+#include "control/printer_pages.h"
 #include "control/texts.h"
 #include "output/export_file.h"
 #include "output/pages/pdf.h"
@@ -85,25 +85,12 @@ void ReportViewer::print(ExecOption option) {
   {
     PagesWindow window(owner_);
     const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
-    painted = printer.outputFileName().isEmpty() ? printOn(printer, *report, progress)
+    painted = printer.outputFileName().isEmpty() ? printPages(*report, printer, pageTexts(), progress)
                                                  : printIntoFile(*report, printer, progress);
   }
   if (alive && !painted.cancelled && painted.pages == 0)
     services->messageBox(&owner_, MessageIcon::information, messageTitle(),
                          ownText("print.noSuchPages").arg(painted.ofPages));
-}
-
-output::pages::PaintedPages ReportViewer::printOn(QPrinter& printer, output::ReportReader& report,
-                                                  const output::pages::PageProgress& progress) const {
-  try {
-    const output::pages::PaintedPages painted = output::pages::paintReport(
-        report, printer, pageTexts(), output::pages::Orientation::asFits, progress, pageSelection(printer));
-    if (painted.cancelled) printer.abort();
-    return painted;
-  } catch (...) {
-    printer.abort();
-    throw;
-  }
 }
 
 /// A printer that writes a file itself does not say when the disk is full, and leaves what it has.

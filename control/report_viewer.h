@@ -43,8 +43,6 @@ class ReportViewer final : public QObject {
   [[nodiscard]] std::unique_ptr<output::ReportReader> openReport() const;
   [[nodiscard]] output::pages::PageTexts pageTexts() const;
   void print(ExecOption option);
-  output::pages::PaintedPages printOn(QPrinter& printer, output::ReportReader& report,
-                                      const output::pages::PageProgress& progress) const;
   output::pages::PaintedPages printIntoFile(output::ReportReader& report, const QPrinter& printer,
                                             const output::pages::PageProgress& progress) const;
   void preview();

@@ -134,9 +134,9 @@ TEST_F(RenderedPages, HaveTheCaptionAboveAShadedHeader) {
   const QRect caption = page.inkIn(page.aboveHeader());
   EXPECT_GT(caption.height(), dotsPerInch / 20) << "whole letters";
   EXPECT_LT(caption.bottom(), page.header().top());
-  EXPECT_EQ(page.textLines(page.aboveHeader()).size(), 1U);
+  ASSERT_EQ(page.textLines(page.aboveHeader()).size(), 1U);
   // Nothing but the headers stands on the ground, and it ends with them.
-  EXPECT_EQ(page.textLines(page.header()).size(), 1U);
+  ASSERT_EQ(page.textLines(page.header()).size(), 1U);
   EXPECT_GT(page.header().height(), page.textLines(page.header()).front().height());
   EXPECT_EQ(page.grey(page.body().left() + 3, page.body().top() + 2), 255);
 }
@@ -165,8 +165,9 @@ TEST_F(RenderedPages, KeepTextOffTheLines) {
   const std::vector<int> edges = page.columnEdges();
   ASSERT_EQ(edges.size(), 3U);
   for (std::size_t i = 0; i < 2; ++i) {
-    const QRect ink = page.inkIn(page.column(i));
-    const int leastDistance = dotsPerInch / 72;  // a point
+    // From line to line: the lines themselves are no ink.
+    const QRect ink = page.inkIn({QPoint(edges[i], page.body().top()), QPoint(edges[i + 1], page.body().bottom())});
+    const int leastDistance = 3 * dotsPerInch / 72 / 2;  // a point and a half
     EXPECT_GT(ink.left() - edges[i], leastDistance) << i;
     EXPECT_GT(edges[i + 1] - ink.right(), leastDistance) << i;
   }
