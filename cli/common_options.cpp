@@ -35,12 +35,11 @@ void addConnection(CLI::App& command, std::string& server, std::string& database
   server = db::embeddedServerName;
   database = db::databaseName(static_cast<int>(db::DatabaseTypeEnum::Korvel_Audit));
   const std::string complaint = "no name: it is empty or holds a semicolon";
-  addReadOption(
-      command,
-      {"--server", "NAME",
-       "Server; the path of a folder means the databases\nin it, that of a database file this one\n(default: " +
-           server + ")"},
-      connectionName, complaint, [&server](const std::string& name) { server = name; });
+  addReadOption(command,
+                {"--server", "NAME",
+                 "Server; the path of a folder means its databases,\nthat of a database file this one (default:\n" +
+                     server + ")"},
+                connectionName, complaint, [&server](const std::string& name) { server = name; });
   addReadOption(command, {"--database", "NAME", "Database (default: " + database + ")"}, connectionName, complaint,
                 [&database](const std::string& name) { database = name; });
 }
