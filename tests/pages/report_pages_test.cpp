@@ -286,8 +286,15 @@ TEST_F(ReportPages, SpreadManyColumnsOverSheetsAndNeverOverprint) {
 TEST_F(ReportPages, OfARecordsColumnsAreOneSheetWide) {
   const std::vector<db::Field> fields(18, db::Field{"Application User"});
   const std::vector<test::ScriptedRow> rows{test::ScriptedRow(18, "a value of many words that is broken")};
-  EXPECT_EQ(write(filledList(fields, rows)).pages, 1);
+  const auto list = filledList(fields, rows);
+  EXPECT_EQ(write(list).pages, 1);
   EXPECT_EQ(count(text(), "columns"), 0U);
+  QBuffer buffer;
+  buffer.open(QIODevice::WriteOnly);
+  QPdfWriter upright(&buffer);
+  const ReportList reported{"x", &list};
+  ListSource source({&reported, 1}, {});
+  EXPECT_EQ(paintReport(source, upright, texts, Orientation::asGiven).pages, 1);
 }
 
 TEST_F(ReportPages, LetTheFailureOfTheSinkThrough) {
