@@ -20,6 +20,8 @@ struct Record {
   std::size_t connections = 0;
   std::size_t openConnections = 0;
   std::size_t attentions = 0;
+  /// What clients asked of their transactions, in order: "begin", "commit", "rollback".
+  std::vector<std::string> transactions;
 };
 
 /// The peer's journal: connections write, the test reads and waits.

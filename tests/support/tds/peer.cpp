@@ -43,6 +43,14 @@ void TdsPeer::refuseLogin(const std::vector<Message>& reasons) {
   script_.change([&](Manners& manners) { manners.refusal = reasons; });
 }
 
+void TdsPeer::ignoreAttentions() {
+  script_.change([](Manners& manners) { manners.attentions = AttentionManners::ignored; });
+}
+
+void TdsPeer::answerAttentionsAt(const Gate& gate) {
+  script_.change([&](Manners& manners) { manners.attentionGate = gate; });
+}
+
 void TdsPeer::limitPackets(std::size_t bytes) {
   script_.change([&](Manners& manners) { manners.packetLimit = bytes; });
 }

@@ -44,6 +44,10 @@ class TdsPeer {
   void setEncryption(Encryption encryption);
   /// Refuses every login with these errors; none: welcomes them again.
   void refuseLogin(const std::vector<Message>& reasons);
+  /// Connections from here on read a client's wish to end an answer and say nothing any more.
+  void ignoreAttentions();
+  /// They answer it when the gate is opened.
+  void answerAttentionsAt(const Gate& gate);
   void limitPackets(std::size_t bytes);
   /// Looks at the tickets of integrated logins with the keys of this keytab.
   void checkTickets(const std::filesystem::path& keytab);

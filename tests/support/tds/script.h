@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,10 +27,16 @@ enum class Moment {
   loggedIn,
 };
 
+/// What a connection does when its client wants no more of an answer.
+enum class AttentionManners { answered, ignored };
+
 /// How the peer treats a connection; each connection keeps what held when it came.
 struct Manners {
   Encryption encryption = Encryption::available;
   std::map<Moment, Steps> moments;
+  AttentionManners attentions = AttentionManners::answered;
+  /// Where there is one, attentions are answered when it is opened.
+  std::optional<Gate> attentionGate;
   /// What a login is refused with; empty: it is welcome.
   std::vector<Message> refusal;
   /// Packets are at most this large, and as large as the client asks for below that.

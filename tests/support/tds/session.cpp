@@ -159,7 +159,10 @@ void Session::serve(const Received& message) {
       return;
     }
     case PacketType::attention:
-      acknowledgeAttention();
+      heedAttention();
+      return;
+    case PacketType::transaction:
+      manageTransaction(message.body);
       return;
     default:
       throw ProtocolError("a message that the peer does not know: " + std::to_string(static_cast<int>(message.type)));
@@ -184,8 +187,36 @@ void Session::reply(const Command& command) {
     channel_.send(answer->ending(command.isCall(), handle));
     channel_.endMessage();
   } catch (const Attention&) {
-    acknowledgeAttention();
+    heedAttention();
   }
+}
+
+void Session::manageTransaction(std::string_view body) {
+  constexpr unsigned begin = 5;
+  constexpr unsigned commit = 7;
+  constexpr unsigned rollback = 8;
+  constexpr unsigned beginsAnother = 1;
+  ByteReader in(body);
+  in.raw(in.little<std::uint32_t>() - 4);  // all the headers that travel before a request
+  const auto request = in.little<unsigned>(2);
+  ByteWriter out;
+  const auto beginOne = [&] {
+    writeTransactionChange(out, Change::begun, ++transaction_);
+    journal_.note([](Record& record) { record.transactions.emplace_back("begin"); });
+  };
+  if (request == begin) {
+    beginOne();
+  } else if (request == commit || request == rollback) {
+    writeTransactionChange(out, request == commit ? Change::committed : Change::rolledBack, transaction_);
+    journal_.note([&](Record& record) { record.transactions.emplace_back(request == commit ? "commit" : "rollback"); });
+    in.raw(in.byte());  // a name
+    if ((in.byte() & beginsAnother) != 0) beginOne();
+  } else {
+    throw ProtocolError("a request about transactions that the peer does not know: " + std::to_string(request));
+  }
+  writeDone(out, {DoneToken::batch, 0, 0});
+  channel_.send(out.bytes());
+  channel_.endMessage();
 }
 
 void Session::perform(const Step& step) {
@@ -209,12 +240,17 @@ void Session::perform(const Step& step) {
              step);
 }
 
-void Session::acknowledgeAttention() {
+void Session::heedAttention() {
+  journal_.note([](Record& record) { ++record.attentions; });
+  if (manners_.attentions == AttentionManners::ignored) channel_.ignoreEverything();
+  if (manners_.attentionGate) {
+    manners_.attentionGate->noteReached();
+    channel_.waitFor(manners_.attentionGate->descriptor());
+  }
   ByteWriter out;
   writeDone(out, {DoneToken::batch, doneAttention, 0});
   channel_.send(out.bytes());
   channel_.endMessage();
-  journal_.note([](Record& record) { ++record.attentions; });
 }
 
 void Session::readInterruption() {

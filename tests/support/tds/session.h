@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <string_view>
+
 #include "tests/support/tds/channel.h"
 #include "tests/support/tds/journal.h"
 #include "tests/support/tds/script.h"
@@ -26,7 +29,8 @@ class Session {
   void serve(const Received& message);
   void reply(const Command& command);
   void perform(const Step& step);
-  void acknowledgeAttention();
+  void heedAttention();
+  void manageTransaction(std::string_view body);
   /// Reads what the client sends in the middle of an answer, which can only be the wish to stop.
   void readInterruption();
   void atMoment(Moment moment);
@@ -38,6 +42,7 @@ class Session {
   const std::size_t number_;
   const Manners manners_;
   Prepared prepared_;
+  std::uint64_t transaction_ = 0;
 };
 
 }  // namespace korvel::test::tds

@@ -96,6 +96,16 @@ void writeChange(ByteWriter& out, Change change, const std::string& now, const s
   writeCountedToken(out, changeToken, body);
 }
 
+void writeTransactionChange(ByteWriter& out, Change change, std::uint64_t transaction) {
+  ByteWriter number;
+  number.little(transaction);
+  const std::string_view now = change == Change::begun ? std::string_view(number.bytes()) : std::string_view{};
+  const std::string_view before = change == Change::begun ? std::string_view{} : std::string_view(number.bytes());
+  ByteWriter body;
+  body.byte(static_cast<unsigned>(change)).counted(now, 1).counted(before, 1);
+  writeCountedToken(out, changeToken, body);
+}
+
 void writeCollationChange(ByteWriter& out) {
   const Column usual("", "char(1)");
   ByteWriter collation;

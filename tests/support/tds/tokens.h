@@ -28,7 +28,15 @@ struct Done {
   std::uint64_t rowCount = 0;
 };
 
-enum class Change : std::uint8_t { database = 1, language = 2, packetSize = 4, collation = 7 };
+enum class Change : std::uint8_t {
+  database = 1,
+  language = 2,
+  packetSize = 4,
+  collation = 7,
+  begun = 8,
+  committed = 9,
+  rolledBack = 10
+};
 
 // Each appends one token.
 void writeColumns(ByteWriter& out, std::span<const Column> columns);
@@ -44,6 +52,8 @@ void writeReturnStatus(ByteWriter& out, std::int32_t status);
 /// An output parameter of type int: the handle of a prepared statement.
 void writeReturnHandle(ByteWriter& out, std::int32_t handle);
 void writeChange(ByteWriter& out, Change change, const std::string& now, const std::string& before);
+/// A transaction has begun, or ended, which the server names by a number.
+void writeTransactionChange(ByteWriter& out, Change change, std::uint64_t transaction);
 void writeCollationChange(ByteWriter& out);
 void writeLoginAcknowledged(ByteWriter& out, const std::string& programName);
 void writeUtf8Acknowledged(ByteWriter& out);
