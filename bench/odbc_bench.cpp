@@ -104,7 +104,10 @@ void standardQueryOverTheWire(benchmark::State& state) {
     query::QueryReport report;
     state.SetIterationTime(queryTime.measure([&] {
       report = query::runStandardQuery(
-          tree, noRange, {}, [&](std::string_view) { return db::odbc::openServer(server, "Korvel_Audit", access); },
+          {tree, noRange, {}},
+          [&](std::string_view, const std::stop_token&) {
+            return db::odbc::openServer(server, "Korvel_Audit", access);
+          },
           lists, 0);
     }));
     if (report.outcome != query::QueryOutcome::filled || lists[0].rowCount() != wantedRows ||

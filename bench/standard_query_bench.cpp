@@ -64,8 +64,9 @@ void standardQuery(benchmark::State& state) {
     });
     query::ResultLists lists = query::makeResultLists();
     query::QueryReport report;
-    state.SetIterationTime(queryTime.measure(
-        [&] { report = query::runStandardQuery(tree, noRange, connectionString, db::openConnection, lists, 0); }));
+    state.SetIterationTime(queryTime.measure([&] {
+      report = query::runStandardQuery({tree, noRange, connectionString}, db::openConnection, lists, 0);
+    }));
     if (report.outcome != query::QueryOutcome::filled || lists[0].rowCount() != bareRows || bareRows != wantedRows)
       return state.SkipWithError("not the 45,000 rows that were to be measured");
   }

@@ -1,8 +1,14 @@
+#include <cstdlib>
 #include <iostream>
 
 #include "cli/program_start.h"
 #include "cli/tool.h"
+#include "db/attended_work.h"
 
 int main(int count, char** arguments) {
-  return korvel::cli::runTool(korvel::cli::startProgram(count, arguments), std::cout, std::cerr);
+  const int status = korvel::cli::runTool(korvel::cli::startProgram(count, arguments), std::cout, std::cerr);
+  std::cout.flush();
+  // What a query that was left behind still uses is not taken from it.
+  if (korvel::db::workIsLeftBehind()) std::_Exit(status);
+  return status;
 }

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "cli/common_options.h"
 #include "cli/exit_status.h"
+#include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
 #include "cli/read_option.h"
@@ -181,8 +182,13 @@ int fillLists(const QueryOptions& options, const query::Connector& connect, quer
               std::ostream& err) {
   using query::QueryOutcome;
   const query::FilterTree tree = treeOf(options);
-  const query::QueryReport report = query::runStandardQuery(
-      tree, options.range, db::buildConnectionString(options.server, options.database), connect, lists, options.list);
+  const std::string connectionString = db::buildConnectionString(options.server, options.database);
+  const query::QueryReport report = query::runStandardQuery({tree, options.range, connectionString}, connect, lists,
+                                                            options.list, [] { return !Interruption::requested(); });
+  if (report.outcome == QueryOutcome::stopped) {
+    say(err, "stopped");
+    return exitStopped;
+  }
   if (report.failure) {
     say(err, "database error " + errorText(*report.failure));
     return exitDatabase;
@@ -251,6 +257,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
     return refused(err, "the day of --to lies before the day of --from");
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
+  const Interruption interruption;
   query::ResultLists lists = query::makeResultLists();
   int status = exitDone;
   const auto failure = query::failureOf([&] {

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <ostream>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
+#include "db/attended_work.h"
 #include "db/connection_state.h"
 #include "output/record_stream.h"
 #include "query/audit_record.h"
@@ -98,12 +100,17 @@ bool wanted() {
   return !Interruption::requested();
 }
 
-/// Writes an answer while it arrives, and looks after the machine's memory meanwhile: a server's rows take none, but
-/// the embedded engine sorts in it.
+/// Writes an answer while it arrives, on the thread of the query, and looks after the machine's memory meanwhile: a
+/// server's rows take none, but the embedded engine sorts in it.
 class WatchedStream final : public db::ResultSink {
  public:
-  explicit WatchedStream(std::unique_ptr<output::RowWriter> writer)
-      : stream_(std::move(writer), wanted), look_(noProgress_, surroundings_) {}
+  /// Once `close` was called nothing is written to `target` any more, and nobody else's is used.
+  WatchedStream(const OutputFormat& format, std::string_view caption, const output::ByteSink& target, std::ostream& err)
+      : outlet_([this, &target](std::string_view bytes) {
+          const std::lock_guard lock(mutex_);
+          if (!closed_) target(bytes);
+        }),
+        stream_(format.stream(caption, outlet_, err), wanted) {}
 
   void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
   /// A failure to write ends the answer in good order and is kept for throwUnwritten(): it is none of the engine's.
@@ -116,7 +123,17 @@ class WatchedStream final : public db::ResultSink {
     }
   }
   void endResult() override { stream_.endResult(); }
-  bool goOn() override { return !unwritten_ && look_.look(stream_.rowCount(), memory_) && stream_.goOn(); }
+  bool goOn() override {
+    if (unwritten_) return false;
+    look_.look(memory_);
+    return stream_.goOn();
+  }
+
+  /// The query is left behind, with this stream: waits until the byte that is being written is written.
+  void close() {
+    const std::lock_guard lock(mutex_);
+    closed_ = true;
+  }
 
   void throwUnwritten() const {
     if (unwritten_) std::rethrow_exception(unwritten_);
@@ -126,10 +143,11 @@ class WatchedStream final : public db::ResultSink {
   [[nodiscard]] bool stopped() const noexcept { return stream_.stopped(); }
 
  private:
+  std::mutex mutex_;
+  bool closed_ = false;
+  output::ByteSink outlet_;
   output::RecordStream stream_;
-  query::QueryProgress noProgress_;
-  query::QuerySurroundings surroundings_;
-  query::PacedLook look_;
+  query::PacedLook look_{query::QuerySurroundings{}};
   results::MemoryWatch memory_;
   std::exception_ptr unwritten_;
 };
@@ -181,17 +199,25 @@ class SqlRun {
 
   /// Writes the answer while it arrives.
   query::CustomReport stream(const output::ByteSink& sink) {
-    WatchedStream stream(format_.stream(caption, sink, err_));
-    const auto failure = query::failureOf([&] {
-      const auto connection = connect_(connectionString_);
-      if (!connection) throw query::internalFailure();
-      connection->execute(text_, stream);
-    });
-    stream.throwUnwritten();
-    if (stream.stopped()) return {CustomOutcome::stopped, std::nullopt};
-    if (failure) return {CustomOutcome::failed, failure};
-    if (stream.rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
-    stream.finish();
+    const auto stream = std::make_shared<WatchedStream>(format_, caption, sink, err_);
+    const auto work = [stream, connect = connect_, text = text_,
+                       connectionString = connectionString_](const std::stop_token& stop) {
+      return query::failureOf([&] {
+        const auto connection = connect(connectionString, stop);
+        if (!connection) throw query::internalFailure();
+        connection->executeUndone(text, *stream);
+      });
+    };
+    const auto result = db::runAttended(work, wanted);
+    if (!result) {
+      stream->close();
+      return {CustomOutcome::stopped, std::nullopt};
+    }
+    stream->throwUnwritten();
+    if (!wanted() || stream->stopped()) return {CustomOutcome::stopped, std::nullopt};
+    if (*result) return {CustomOutcome::failed, *result};
+    if (stream->rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
+    stream->finish();
     return {CustomOutcome::filled, std::nullopt};
   }
 

@@ -7,7 +7,6 @@
 #include "base/paths.h"
 #include "control/audit_viewer_members.h"
 #include "control/message_titles.h"
-#include "control/query_watch.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "query/custom_query.h"
@@ -64,39 +63,8 @@ void AuditViewer::Members::offerCustomQuery() {
     surface.txtAdvancedQuery->setQueryText(everythingQuery);
 }
 
-query::CustomReport AuditViewer::Members::runWatched(const QString& text, results::ResultList& answer) {
-  const QPointer<AuditViewer> alive(&viewer_);
-  // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
-  // without a look whether it lives.
-  const std::string connectionString = libraryState().connection.AdvancedConnectionString;
-  const std::string command = text.toStdString();
-  const int selection = selections_;
-  const auto isStale = [&] { return !alive || selections_ != selection; };
-  const QString statusBefore = surface.StatusBar1->status();
-  customQueryRuns_ = true;
-  query::CustomReport report;
-  {
-    control::QueryWatch watch;
-    const query::QueryProgress progress = [&](std::size_t rows) {
-      if (isStale()) return false;
-      if (rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(control::countText(rows)));
-      return watch.goOn() && !isStale();
-    };
-    report = query::runCustomQuery(command, connectionString, surroundings().connect, answer, progress,
-                                   surroundings().queryMachine);
-    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
-    static_cast<void>(watch.goOn());
-  }
-  if (!alive) return report;
-  customQueryRuns_ = false;
-  // Rows of a database that is not the selected one any more are nobody's: the lists were cleared of them.
-  if (isStale()) report = {query::CustomOutcome::stopped, std::nullopt};
-  surface.StatusBar1->setStatus(statusBefore);
-  return report;
-}
-
 void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
-  if (customQueryRuns_) return;
+  if (queryRuns_) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -113,8 +81,18 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
 
   // Apart from the list that is shown, which stays whole whatever is painted meanwhile.
   results::ResultList answer(results::RowFilling::whole);
-  query::CustomReport report = runWatched(QueryString, answer);
-  if (!alive) return;
+  query::CustomReport report;
+  const std::string text = QueryString.toStdString();
+  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
+    const query::QueryProgress progress = [&](std::size_t rows) {
+      if (alive && rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(control::countText(rows)));
+      return goOn();
+    };
+    report = query::runCustomQuery(text, shown.connectionString, surroundings().connect, answer, progress,
+                                   surroundings().queryMachine);
+  });
+  if (use == AnswerUse::controlIsGone) return;
+  if (use == AnswerUse::nobodys) report = {query::CustomOutcome::stopped, std::nullopt};
 
   switch (report.outcome) {
     case query::CustomOutcome::filled:

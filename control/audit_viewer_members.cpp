@@ -8,6 +8,7 @@
 #include "base/error.h"
 #include "control/commands/command_tables.h"
 #include "control/message_titles.h"
+#include "control/query_watch.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
@@ -216,13 +217,35 @@ void AuditViewer::Members::DisplayNoOfRecords() {
       fromUtf8(results::recordCountText(count, loadText(recordsOnCurrentTab).toStdString())));
 }
 
+AuditViewer::Members::AnswerUse AuditViewer::Members::runWatched(
+    const std::function<void(const db::Attendance& goOn)>& ask) {
+  const QPointer<AuditViewer> alive(&viewer_);
+  // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
+  // without a look whether it lives.
+  const int selection = selections_;
+  const auto isStale = [&] { return !alive || selections_ != selection; };
+  const QString statusBefore = surface.StatusBar1->status();
+  queryRuns_ = true;
+  {
+    control::QueryWatch watch;
+    ask([&] { return !isStale() && watch.goOn() && !isStale(); });
+    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
+    static_cast<void>(watch.goOn());
+  }
+  if (!alive) return AnswerUse::controlIsGone;
+  queryRuns_ = false;
+  surface.StatusBar1->setStatus(statusBefore);
+  // Rows of a database that is not the selected one any more are nobody's: the lists were cleared of them.
+  return isStale() ? AnswerUse::nobodys : AnswerUse::shown;
+}
+
 void AuditViewer::Members::TriggerQuery() {
   constexpr int noCriteria = 10060;
   constexpr int noRecords = 10061;
   using Change = control::ResultListModel::RowsChange;
 
-  // A call that was queued while a custom query loads: it would run inside of that.
-  if (customQueryRuns_) return;
+  // A call that was queued while a query runs: it would run inside of that.
+  if (queryRuns_) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -237,14 +260,24 @@ void AuditViewer::Members::TriggerQuery() {
   const query::CategoryFlags flags = filterTree.flags();
   control::ShownAnswer answer{.question = standardQuestion(),
                               .connectionString = libraryState().connection.ConnectionString};
-  query::QueryReport report;
-  {
+  const auto changeLists = [&](const auto& change) {
     std::array<std::optional<Change>, query::standardListCount> changes;
     for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface.models.at(i));
-    // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
-    const std::size_t sorted = customPage ? query::listCount : surface.currentTab();
-    report = query::runStandardQuery(filterTree, range, answer.connectionString, surroundings().connect, lists, sorted);
-  }
+    change();
+  };
+  changeLists([&] { query::clearStandardLists(lists); });
+  DisplayNoOfRecords();
+  query::StandardAnswer whole;
+  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
+    whole = query::askStandardQuestion({filterTree, range, answer.connectionString}, surroundings().connect, goOn,
+                                       surroundings().queryMachine);
+  });
+  if (use == AnswerUse::controlIsGone) return;
+  if (use == AnswerUse::nobodys) whole = query::StandardAnswer::stopped();
+  query::QueryReport report;
+  // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
+  const std::size_t sorted = customPage ? query::listCount : surface.currentTab();
+  changeLists([&] { report = whole.fill(lists, sorted); });
   if (customPage && report.outcome == query::QueryOutcome::filled)
     skipFailing([&] { surface.models.at(query::customList)->sortRows(); });
   for (control::ResultListView* list : surface.lvListView) list->showSortIcon();
@@ -258,6 +291,11 @@ void AuditViewer::Members::TriggerQuery() {
       answer.state = AnswerState::nothingFound;
       answered(standardAnswer_, std::move(answer));
       message(MessageIcon::information, noRecordsTitle(), loadText(noRecords));
+      break;
+    case query::QueryOutcome::stopped:
+      answered(standardAnswer_, {.state = AnswerState::stopped});
+      notice_ = control::ownText("custom.stopped");
+      showRestingText();
       break;
     case query::QueryOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
@@ -346,7 +384,7 @@ void AuditViewer::Members::announceSelection() {
 }
 
 void AuditViewer::Members::btQuery_Click() {
-  if (customQueryRuns_) return;
+  if (queryRuns_) return;
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {

@@ -160,8 +160,15 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   void nameCustomPage();
   /// An empty query text on the page that is shown becomes the query for everything.
   void offerCustomQuery();
-  /// Runs the query; the control may be gone afterwards.
-  query::CustomReport runWatched(const QString& text, results::ResultList& answer);
+  /// What may be done with an answer.
+  enum class AnswerUse {
+    controlIsGone,  ///< nothing of the control may be used any more
+    nobodys,        ///< another database was selected meanwhile
+    shown
+  };
+  /// Runs what asks a database; windows are painted meanwhile, Esc stops it, and nothing else happens. The control may
+  /// be gone afterwards.
+  [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::Attendance& goOn)>& ask);
   void connectOutput();
   /// Whether the current list has rows; says so where it has none.
   bool hasSomethingToExport();
@@ -230,7 +237,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::ShownAnswer standardAnswer_;
   control::ShownAnswer customAnswer_;
   QString shownRestingText_;
-  bool customQueryRuns_ = false;
+  bool queryRuns_ = false;
   /// How often a database was selected: an answer that was asked for before the last time is not shown.
   int selections_ = 0;
   /// What a list told last; until the next query, a change of the page or the end of the rows that it is about.

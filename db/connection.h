@@ -44,6 +44,9 @@ class Connection {
   /// Runs `commandText` and pushes its whole answer. Throws Error where the engine reports a failure, also when part of
   /// the answer has already been pushed: the sink's owner must then drop what it got.
   virtual void execute(std::string_view commandText, ResultSink& sink) = 0;
+  /// The same, and takes back whatever the text has changed, also when it fails or is stopped: for texts that somebody
+  /// typed. A text that commits by itself is beyond it. Engines that cannot write have nothing to take back.
+  virtual void executeUndone(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
 };
 
 }  // namespace korvel::db

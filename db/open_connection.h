@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -34,7 +35,9 @@ inline constexpr std::string_view embeddedServerName = "(embedded)";
 /// The folder that an embedded server name stands for.
 [[nodiscard]] std::filesystem::path embeddedFolderOf(std::string_view server);
 
-/// Opens a connection; the server name chooses the engine. Throws Error with the engine's number and text.
-[[nodiscard]] std::unique_ptr<Connection> openConnection(std::string_view connectionString);
+/// Opens a connection; the server name chooses the engine. `stop` ends what is under way on a connection to a server,
+/// now or later; the embedded engine asks its sink. Throws Error with the engine's number and text.
+[[nodiscard]] std::unique_ptr<Connection> openConnection(std::string_view connectionString,
+                                                         const std::stop_token& stop = {});
 
 }  // namespace korvel::db

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -42,8 +43,10 @@ struct BrowserOptions {
 class ServerDirectory {
  public:
   virtual ~ServerDirectory() = default;
-  /// Told of events where somebody listens; called on the caller's thread, within the call that lists.
+  /// Told of events where somebody listens; called on the thread that lists, within the call that does so.
   ServerListener onEvent;
+  /// Ends what is under way on connections to servers. Set before the call that lists.
+  std::stop_token stop;
   /// The servers of the network, those that the user's configuration names and those of this computer; by name, each
   /// once.
   virtual std::vector<std::string> networkServers() = 0;

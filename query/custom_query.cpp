@@ -1,8 +1,8 @@
 #include "query/custom_query.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
-#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -17,8 +17,9 @@ namespace {
 /// Keeps the first result set.
 class FirstResultSink final : public db::ResultSink {
  public:
-  FirstResultSink(const QueryProgress& progress, const QuerySurroundings& surroundings)
-      : filler_(surroundings.memory), pace_(progress, surroundings) {}
+  /// The rows so far are written to `rowsSoFar`, which others read.
+  FirstResultSink(const QuerySurroundings& surroundings, std::stop_token stop, std::atomic<std::size_t>& rowsSoFar)
+      : filler_(surroundings.memory), look_(surroundings), stop_(std::move(stop)), rowsSoFar_(rowsSoFar) {}
 
   void beginResult(std::span<const db::Field> fields) override {
     if (begun_) {
@@ -34,7 +35,7 @@ class FirstResultSink final : public db::ResultSink {
     if (complete_) return false;
     filler_.append(cells);
     ++rowCount_;
-    return rowCount_ % rowsBetweenLooks != 0 || pace_.look(rowCount_, filler_.memory());
+    return rowCount_ % rowsBetweenLooks != 0 || mayGoOn();
   }
 
   void endResult() override {
@@ -42,9 +43,8 @@ class FirstResultSink final : public db::ResultSink {
   }
 
   /// Engines that have sent the first result set send no other.
-  bool goOn() override { return !complete_ && pace_.look(rowCount_, filler_.memory()); }
+  bool goOn() override { return !complete_ && mayGoOn(); }
 
-  [[nodiscard]] bool stopped() const noexcept { return pace_.stopped(); }
   [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
 
   /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
@@ -66,12 +66,27 @@ class FirstResultSink final : public db::ResultSink {
   /// A look at the clock costs as much as a cell. Engines ask oftener where rows come slowly.
   static constexpr std::size_t rowsBetweenLooks = 64;
 
+  bool mayGoOn() {
+    rowsSoFar_.store(rowCount_, std::memory_order_relaxed);
+    if (stop_.stop_requested()) return false;
+    look_.look(filler_.memory());
+    return true;
+  }
+
   results::StoreFiller filler_;
-  PacedLook pace_;
+  PacedLook look_;
+  std::stop_token stop_;
+  std::atomic<std::size_t>& rowsSoFar_;
   std::vector<db::Field> fields_;
   std::size_t rowCount_ = 0;
   bool begun_ = false;
   bool complete_ = false;
+};
+
+/// What the thread of the query hands over once.
+struct CustomAnswer {
+  std::unique_ptr<FirstResultSink> sink;
+  std::optional<Error> failure;
 };
 
 }  // namespace
@@ -80,23 +95,37 @@ CustomReport runCustomQuery(const std::string& text, const std::string& connecti
                             results::ResultList& list, const QueryProgress& progress,
                             const QuerySurroundings& surroundings) {
   list.clear();
-  std::optional<FirstResultSink> sink;
-  // The connection lives inside this step: it is closed before the list is filled, also when the answer breaks off.
-  const auto broken = failureOf([&] {
-    sink.emplace(progress, surroundings);
-    if (!sink->goOn()) return;
-    const auto connection = connect(connectionString);
-    if (!connection) throw internalFailure();
-    if (sink->goOn()) connection->execute(text, *sink);
+  // Shared with the query's thread, which may be left behind.
+  const auto rowsSoFar = std::make_shared<std::atomic<std::size_t>>(0);
+  bool stopped = false;
+  const db::Attendance attendance = [&] {
+    stopped = progress && !progress(rowsSoFar->load(std::memory_order_relaxed));
+    return !stopped;
+  };
+  std::optional<CustomAnswer> answer;
+  auto broken = failureOf([&] {
+    if (!attendance()) return;
+    const auto work = [text, connectionString, connect, surroundings, rowsSoFar](const std::stop_token& stop) {
+      CustomAnswer whole;
+      // The connection lives inside this step: it is closed before the list is filled, also when the answer breaks off.
+      whole.failure = failureOf([&] {
+        whole.sink = std::make_unique<FirstResultSink>(surroundings, stop, *rowsSoFar);
+        const auto connection = connect(connectionString, stop);
+        if (!connection) throw internalFailure();
+        if (whole.sink->goOn()) connection->executeUndone(text, *whole.sink);
+        whole.sink->finish();
+      });
+      return whole;
+    };
+    answer = db::runAttended(work, progress ? attendance : db::Attendance{}, surroundings.pace);
   });
-  if (sink && sink->stopped()) return {CustomOutcome::stopped, std::nullopt};
+  if (stopped) return {CustomOutcome::stopped, std::nullopt};
+  if (!broken && answer) broken = std::move(answer->failure);
   if (broken) return {CustomOutcome::failed, broken};
-  if (sink->rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
+  if (!answer) return {CustomOutcome::stopped, std::nullopt};
+  if (answer->sink->rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
 
-  const auto unfilled = failureOf([&] {
-    sink->finish();
-    sink->fill(list);
-  });
+  const auto unfilled = failureOf([&] { answer->sink->fill(list); });
   if (!unfilled) return {CustomOutcome::filled, std::nullopt};
   list.clear();
   return {CustomOutcome::failed, unfilled};

@@ -13,7 +13,7 @@ namespace korvel::query {
 enum class CustomOutcome {
   failed,     ///< connection or execution failed, at whatever point of the answer
   noRecords,  ///< no result set with columns, or the first of them without rows
-  stopped,    ///< progress said so
+  stopped,    ///< progress said so; the query's connection may end later, on a thread of its own
   filled
 };
 
@@ -23,11 +23,12 @@ struct CustomReport {
   std::optional<Error> failure;
 };
 
-/// Runs any text over a connection of its own (`connectionString` is the AdvancedConnectionString) and fills the custom
-/// list with the first result set that has columns; later ones are not looked at. The list's rows are cleared first.
-/// Only an answer that has arrived whole and has rows is shown: it brings its own columns, one a field under the
-/// field's name, 1440 twips wide, unsorted, for the order of the rows is the query's. Otherwise the list keeps the
-/// columns that it had, without rows. Nothing that is thrown below leaves it.
+/// Runs any text over a connection of its own (`connectionString` is the AdvancedConnectionString), on a thread of its
+/// own, takes back what the text has changed (db::Connection::executeUndone) and fills the custom list with the first
+/// result set that has columns; later ones are not looked at. The list's rows are cleared first. Only an answer that
+/// has arrived whole and has rows is shown: it brings its own columns, one a field under the field's name, 1440 twips
+/// wide, unsorted, for the order of the rows is the query's. Otherwise the list keeps the columns that it had, without
+/// rows. Nothing that is thrown below leaves it.
 CustomReport runCustomQuery(const std::string& text, const std::string& connectionString, const Connector& connect,
                             results::ResultList& list, const QueryProgress& progress = {},
                             const QuerySurroundings& surroundings = {});

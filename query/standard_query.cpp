@@ -23,65 +23,6 @@ constexpr std::string_view withoutPadding(std::string_view code) noexcept {
   return code.substr(0, code.find_last_not_of(' ') + 1);
 }
 
-/// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
-class SpreadingSink final : public db::ResultSink {
- public:
-  explicit SpreadingSink(const results::MemoryGauge& memory) : filler_(memory) {}
-
-  void beginResult(std::span<const db::Field> fields) override {
-    noteEmptyFirst();
-    if (firstResultEmpty_) return;
-    ++resultCount_;
-    rowsOfResult_ = 0;
-    auditType_.reset();
-    for (std::size_t i = 0; i < fields.size() && !auditType_; ++i)
-      if (equalsIgnoringAsciiCase(fields[i].name, routingColumn)) auditType_ = i;
-    filler_.beginResult(fields);
-  }
-
-  bool row(std::span<const db::Cell> cells) override {
-    if (firstResultEmpty_) return false;
-    const results::RowId id = filler_.append(cells);
-    rows_[0].push_back(id);
-    if (auditType_ && *auditType_ < cells.size())
-      if (const auto list = listOfAuditType(withoutPadding(cells[*auditType_].text))) rows_[*list].push_back(id);
-    if (++rowsOfResult_ == db::rowLimitPerResult) ++fullResults_;
-    return true;
-  }
-
-  void endResult() override { noteEmptyFirst(); }
-
-  /// The answer is decided: whatever follows is not looked at.
-  [[nodiscard]] bool firstResultEmpty() const noexcept { return firstResultEmpty_; }
-  [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
-  [[nodiscard]] std::size_t fullResults() const noexcept { return fullResults_; }
-
-  /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
-  void finish() { filler_.finish(); }
-
-  void fill(ResultLists& lists) {
-    const std::shared_ptr<const results::RowStore> store = filler_.takeStore();
-    for (std::size_t i = 0; i < rows_.size(); ++i) lists[i].setRows(store, std::move(rows_[i]));
-  }
-
- private:
-  void noteEmptyFirst() noexcept {
-    if (resultCount_ == 1 && rowsOfResult_ == 0) firstResultEmpty_ = true;
-  }
-
-  results::StoreFiller filler_;
-  std::array<std::vector<results::RowId>, standardListCount> rows_;
-  std::optional<std::size_t> auditType_;
-  std::size_t resultCount_ = 0;
-  std::size_t rowsOfResult_ = 0;
-  std::size_t fullResults_ = 0;
-  bool firstResultEmpty_ = false;
-};
-
-void clearStandardLists(ResultLists& lists) noexcept {
-  for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
-}
-
 }  // namespace
 
 std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
@@ -109,37 +50,135 @@ ResultLists makeResultLists() {
   return lists;
 }
 
-QueryReport runStandardQuery(const FilterTree& tree, const DateRange& range, const std::string& connectionString,
-                             const Connector& connect, ResultLists& lists, std::size_t currentList,
-                             const results::MemoryGauge& memory) {
-  clearStandardLists(lists);
-  if (!tree.anyRootChecked()) return {QueryOutcome::noCriteria, std::nullopt, 0};
+/// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
+class StandardAnswer::Sink final : public db::ResultSink {
+ public:
+  Sink(const results::MemoryGauge& memory, std::stop_token stop) : filler_(memory), stop_(std::move(stop)) {}
 
-  std::optional<SpreadingSink> sink;
-  // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
-  const auto broken = failureOf([&] {
-    sink.emplace(memory);
-    const std::string call = queryAuditsText(tree.flags(), range);
-    const auto connection = connect(connectionString);
-    if (!connection) throw internalFailure();
-    connection->execute(call, *sink);
-    sink->finish();
-  });
-  if (sink && sink->firstResultEmpty()) return {QueryOutcome::noRecords, std::nullopt, 0};
-  if (broken) return {QueryOutcome::failed, broken, 0};
-  if (!sink->hasRows()) return {QueryOutcome::noRecords, std::nullopt, 0};
+  void beginResult(std::span<const db::Field> fields) override {
+    noteEmptyFirst();
+    if (firstResultEmpty_) return;
+    ++resultCount_;
+    rowsOfResult_ = 0;
+    auditType_.reset();
+    for (std::size_t i = 0; i < fields.size() && !auditType_; ++i)
+      if (equalsIgnoringAsciiCase(fields[i].name, routingColumn)) auditType_ = i;
+    filler_.beginResult(fields);
+  }
 
-  const std::size_t fullResults = sink->fullResults();
+  bool row(std::span<const db::Cell> cells) override {
+    if (firstResultEmpty_) return false;
+    const results::RowId id = filler_.append(cells);
+    rows_[0].push_back(id);
+    if (auditType_ && *auditType_ < cells.size())
+      if (const auto list = listOfAuditType(withoutPadding(cells[*auditType_].text))) rows_[*list].push_back(id);
+    if (++rowsOfResult_ == db::rowLimitPerResult) ++fullResults_;
+    return true;
+  }
+
+  void endResult() override { noteEmptyFirst(); }
+
+  /// After an empty first result nothing that follows is waited for.
+  bool goOn() override { return !firstResultEmpty_ && !stop_.stop_requested(); }
+
+  [[nodiscard]] bool firstResultEmpty() const noexcept { return firstResultEmpty_; }
+  [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
+  [[nodiscard]] std::size_t fullResults() const noexcept { return fullResults_; }
+
+  /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
+  void finish() { filler_.finish(); }
+
+  void fill(ResultLists& lists) {
+    const std::shared_ptr<const results::RowStore> store = filler_.takeStore();
+    for (std::size_t i = 0; i < rows_.size(); ++i) lists[i].setRows(store, std::move(rows_[i]));
+  }
+
+ private:
+  void noteEmptyFirst() noexcept {
+    if (resultCount_ == 1 && rowsOfResult_ == 0) firstResultEmpty_ = true;
+  }
+
+  results::StoreFiller filler_;
+  std::stop_token stop_;
+  std::array<std::vector<results::RowId>, standardListCount> rows_;
+  std::optional<std::size_t> auditType_;
+  std::size_t resultCount_ = 0;
+  std::size_t rowsOfResult_ = 0;
+  std::size_t fullResults_ = 0;
+  bool firstResultEmpty_ = false;
+};
+
+StandardAnswer::StandardAnswer() = default;
+StandardAnswer::StandardAnswer(QueryReport report) : report_(std::move(report)) {}
+StandardAnswer::StandardAnswer(StandardAnswer&&) noexcept = default;
+StandardAnswer& StandardAnswer::operator=(StandardAnswer&&) noexcept = default;
+StandardAnswer::~StandardAnswer() = default;
+
+StandardAnswer StandardAnswer::stopped() {
+  return StandardAnswer({QueryOutcome::stopped, std::nullopt, 0});
+}
+
+QueryReport StandardAnswer::fill(ResultLists& lists, std::size_t currentList) {
+  if (!sink_) return report_;
   const auto unfilled = failureOf([&] {
-    sink->fill(lists);
+    sink_->fill(lists);
     // A list whose sorting is on has sorted its new rows already.
     if (currentList < lists.size() && !lists[currentList].isSorted()) lists[currentList].sort();
   });
-  if (unfilled) {
-    clearStandardLists(lists);
-    return {QueryOutcome::failed, unfilled, 0};
-  }
-  return {QueryOutcome::filled, std::nullopt, fullResults};
+  sink_.reset();
+  if (!unfilled) return report_;
+  clearStandardLists(lists);
+  return {QueryOutcome::failed, unfilled, 0};
+}
+
+void clearStandardLists(ResultLists& lists) noexcept {
+  for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
+}
+
+StandardAnswer askStandardQuestion(const StandardQuestion& question, const Connector& connect,
+                                   const db::Attendance& attendance, const QuerySurroundings& surroundings) {
+  if (!question.tree.anyRootChecked()) return StandardAnswer({QueryOutcome::noCriteria, std::nullopt, 0});
+
+  bool stopped = false;
+  std::optional<StandardAnswer> answer;
+  const auto broken = failureOf([&] {
+    // Everything is the work's own: it may be left behind.
+    const auto work = [call = queryAuditsText(question.tree.flags(), question.range),
+                       connectionString = question.connectionString, connect,
+                       memory = surroundings.memory](const std::stop_token& stop) {
+      StandardAnswer whole;
+      // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
+      const auto failure = failureOf([&] {
+        whole.sink_ = std::make_unique<StandardAnswer::Sink>(memory, stop);
+        const auto connection = connect(connectionString, stop);
+        if (!connection) throw internalFailure();
+        connection->execute(call, *whole.sink_);
+        whole.sink_->finish();
+      });
+      const bool noRecords = whole.sink_ && (whole.sink_->firstResultEmpty() || (!failure && !whole.sink_->hasRows()));
+      if (noRecords) return StandardAnswer({QueryOutcome::noRecords, std::nullopt, 0});
+      if (failure) return StandardAnswer({QueryOutcome::failed, failure, 0});
+      whole.report_ = {QueryOutcome::filled, std::nullopt, whole.sink_->fullResults()};
+      return whole;
+    };
+    db::Attendance noted;
+    if (attendance)
+      noted = [&] {
+        stopped = !attendance();
+        return !stopped;
+      };
+    answer = db::runAttended(work, noted, surroundings.pace);
+  });
+  if (broken) return StandardAnswer({QueryOutcome::failed, broken, 0});
+  if (stopped || !answer) return StandardAnswer::stopped();
+  return std::move(*answer);
+}
+
+QueryReport runStandardQuery(const StandardQuestion& question, const Connector& connect, ResultLists& lists,
+                             std::size_t currentList, const db::Attendance& attendance,
+                             const QuerySurroundings& surroundings) {
+  clearStandardLists(lists);
+  return askStandardQuestion(question, connect, attendance, surroundings).fill(lists, currentList);
 }
 
 }  // namespace korvel::query

@@ -128,9 +128,10 @@ std::vector<std::string> NetworkDirectory::networkServers() {
 std::vector<DatabaseInfo> NetworkDirectory::databases(const std::string& server, const BrowserOptions& options) {
   if (isEmbeddedServer(server)) return embeddedDatabases(embeddedFolderOf(server));
   const auto list = [&] {
-    return serverDatabases(*connect_(server, [this](const ServerEvent& event) {
+    const ServerListener listener = [this](const ServerEvent& event) {
       if (onEvent) onEvent(event);
-    }));
+    };
+    return serverDatabases(*connect_(server, listener, stop));
   };
   try {
     return list();
@@ -141,12 +142,13 @@ std::vector<DatabaseInfo> NetworkDirectory::databases(const std::string& server,
 }
 
 std::unique_ptr<ServerDirectory> makeServerDirectory() {
-  return std::make_unique<NetworkDirectory>(ResolutionClient(),
-                                            [](const std::string& server, const ServerListener& listener) {
-                                              odbc::ServerAccess access = odbc::userAccess();
-                                              access.onEvent = listener;
-                                              return odbc::openServer(server, {}, access);
-                                            });
+  return std::make_unique<NetworkDirectory>(
+      ResolutionClient(), [](const std::string& server, const ServerListener& listener, const std::stop_token& stop) {
+        odbc::ServerAccess access = odbc::userAccess();
+        access.onEvent = listener;
+        access.stop = stop;
+        return odbc::openServer(server, {}, access);
+      });
 }
 
 }  // namespace korvel::db

@@ -13,8 +13,9 @@ namespace korvel::db {
 /// The real directory: the resolution protocol, the user's configuration, this computer, the embedded folder.
 class NetworkDirectory final : public ServerDirectory {
  public:
-  /// Opens a connection to a server's default database, which tells the listener what happens on it.
-  using Connect = std::function<std::unique_ptr<Connection>(const std::string& server, const ServerListener& listener)>;
+  /// Opens a connection to a server's default database, which tells the listener what happens on it and heeds a stop.
+  using Connect = std::function<std::unique_ptr<Connection>(const std::string& server, const ServerListener& listener,
+                                                            const std::stop_token& stop)>;
   NetworkDirectory(ResolutionClient resolver, Connect connect);
 
   std::vector<std::string> networkServers() override;

@@ -11,9 +11,13 @@
 #include <QToolButton>
 #include <cstdint>
 #include <exception>
+#include <mutex>
 #include <utility>
+#include <vector>
 
 #include "control/look/result_table.h"
+#include "control/query_watch.h"
+#include "db/attended_work.h"
 #include "db/forms/event_echo.h"
 #include "db/open_connection.h"
 #include "settings/explained_error.h"
@@ -54,6 +58,30 @@ std::optional<Error> failureOf(const Work& work) {
   }
 }
 
+/// What the thread that lists hands over once.
+template <typename Result>
+struct Listed {
+  Result result;
+  std::optional<Error> failure;
+};
+
+/// What happens on the connections of a listing, on its way to the thread of the windows.
+class EventQueue {
+ public:
+  void push(const ServerEvent& event) {
+    const std::lock_guard lock(mutex_);
+    events_.push_back(event);
+  }
+  std::vector<ServerEvent> takeAll() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(events_, {});
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<ServerEvent> events_;
+};
+
 }  // namespace
 
 frmSQLServerBrowser::~frmSQLServerBrowser() = default;
@@ -61,7 +89,10 @@ frmSQLServerBrowser::~frmSQLServerBrowser() = default;
 void frmSQLServerBrowser::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   Form_Resize();
-  if (!std::exchange(loaded_, true)) Form_Load();
+  // Asking takes its time: the window is seen before.
+  if (!std::exchange(loaded_, true))
+    QMetaObject::invokeMethod(
+        this, [this] { Form_Load(); }, Qt::QueuedConnection);
 }
 
 void frmSQLServerBrowser::done(int result) {
@@ -80,26 +111,72 @@ void frmSQLServerBrowser::Form_Load() {
 
 void frmSQLServerBrowser::openServerObject() {
   oSQLServer_ = openDirectory_();
-  oSQLServer_->onEvent = [this](const ServerEvent& happened) { oSQLServer_Event(happened); };
+}
+
+template <typename Result>
+frmSQLServerBrowser::Listing frmSQLServerBrowser::list(const std::function<Result(ServerDirectory&)>& ask,
+                                                       Result& result, std::optional<Error>& failure) {
+  const QPointer<frmSQLServerBrowser> alive(this);
+  listing_ = true;
+  control::QueryWatch watch;
+  bool wanted = true;
+  failure = failureOf([&] {
+    openServerObject();
+    const auto events = std::make_shared<EventQueue>();
+    oSQLServer_->onEvent = [events](const ServerEvent& event) { events->push(event); };
+    const auto tellEvents = [&] {
+      for (const ServerEvent& event : events->takeAll())
+        if (alive) oSQLServer_Event(event);
+    };
+    const auto work = [directory = oSQLServer_, ask](const std::stop_token& stop) {
+      directory->stop = stop;
+      Listed<Result> listed;
+      listed.failure = failureOf([&] { listed.result = ask(*directory); });
+      return listed;
+    };
+    const Attendance attendance = [&] {
+      tellEvents();
+      return wanted = watch.goOn() && alive;
+    };
+    std::optional<Listed<Result>> listed = runAttended(work, attendance);
+    tellEvents();
+    // What impatience has sent was meant for this listing and shall not start another one.
+    static_cast<void>(watch.goOn());
+    if (!listed || !wanted) return;
+    if (listed->failure) throw Error(*listed->failure);
+    result = std::move(listed->result);
+  });
+  if (alive) listing_ = false;
+  if (!wanted || !alive) {
+    failure.reset();
+    return Listing::stopped;
+  }
+  return failure ? Listing::failed : Listing::done;
 }
 
 void frmSQLServerBrowser::DisplayServers() {
+  // A call that was queued: it would list inside of a listing.
+  if (listing_) return;
+  const QPointer<frmSQLServerBrowser> alive(this);
+  const std::shared_ptr<control::ControlServices> services = services_;
   std::optional<Error> failure;
   {
-    const BusyPointer busy(*services_);
+    const BusyPointer busy(*services);
     SmartViewBar_->clear();
     SmartViewBar_->setEmptyText({});
     say(ownText("browser.findingServers"));
     switches.eventEcho = false;
-    failure = failureOf([&] {
-      openServerObject();
-      const bool local = ServerLocation_[localServers]->isChecked();
-      for (const std::string& server : local ? oSQLServer_->localServers() : oSQLServer_->networkServers())
-        SmartViewBar_->addItem(fromUtf8(server));
-    });
+    const bool local = ServerLocation_[localServers]->isChecked();
+    std::vector<std::string> servers;
+    const Listing listing = list<std::vector<std::string>>(
+        [local](ServerDirectory& directory) { return local ? directory.localServers() : directory.networkServers(); },
+        servers, failure);
+    if (!alive) return;
+    for (const std::string& server : servers) SmartViewBar_->addItem(fromUtf8(server));
     SmartViewBar_->highlightItems();
     SmartViewBar_->setEmptyText(ownText("browser.noServers"));
-    say(ownText("browser.servers", QString::number(SmartViewBar_->count())));
+    say(listing == Listing::stopped ? ownText("browser.stopped")
+                                    : ownText("browser.servers", QString::number(SmartViewBar_->count())));
   }
   if (failure) reportFailure(ownText("browser.serversFailed"), *failure);
 }
@@ -116,28 +193,31 @@ void frmSQLServerBrowser::SmartViewBar_SelectionMove() {
 
 void frmSQLServerBrowser::SmartViewBar_ItemClick() {
   const QString server = SmartViewBar_->selectedCaption();
-  if (server.isEmpty()) return;
+  if (server.isEmpty() || listing_) return;
+  const QPointer<frmSQLServerBrowser> alive(this);
+  const std::shared_ptr<control::ControlServices> services = services_;
   std::optional<Error> failure;
   {
-    const BusyPointer busy(*services_);
+    const BusyPointer busy(*services);
     clearDatabases();
     say(ownText("browser.asking", server));
-    failure = failureOf([&] {
-      openServerObject();
-      const BrowserOptions options = browserOptions(switches.connectionOption);
-      for (const DatabaseInfo& database : oSQLServer_->databases(server.toStdString(), options)) {
-        const QString name = fromUtf8(database.name);
-        if (database.isSystem || !name.contains(auditName, Qt::CaseInsensitive)) continue;
-        databases_.appendRow({new QStandardItem(name), new QStandardItem(fromUtf8(database.path))});
-      }
-      const QString count = QString::number(databases_.rowCount());
+    std::vector<DatabaseInfo> all;
+    const Listing listing = list<std::vector<DatabaseInfo>>(
+        [name = server.toStdString(), options = browserOptions(switches.connectionOption)](ServerDirectory& directory) {
+          return directory.databases(name, options);
+        },
+        all, failure);
+    if (!alive) return;
+    for (const DatabaseInfo& database : all) {
+      const QString name = fromUtf8(database.name);
+      if (database.isSystem || !name.contains(auditName, Qt::CaseInsensitive)) continue;
+      databases_.appendRow({new QStandardItem(name), new QStandardItem(fromUtf8(database.path))});
+    }
+    if (listing == Listing::done) {
       lvListView_->setEmptyText(ownText("browser.noDatabases", server));
-      say(ownText("browser.databases", server, count));
-    });
-    if (failure) {
-      // Half a list would look like a whole one.
-      clearDatabases();
-      say({});
+      say(ownText("browser.databases", server, QString::number(databases_.rowCount())));
+    } else {
+      say(listing == Listing::stopped ? ownText("browser.stopped") : QString());
     }
   }
   if (failure) reportFailure(ownText("browser.databasesFailed", server), *failure);
@@ -208,7 +288,6 @@ void frmSQLServerBrowser::reportFailure(const QString& sentence, const Error& er
 
 void frmSQLServerBrowser::say(const QString& text) {
   StatusBar1_->showMessage(text);
-  // Listing blocks: what is not painted now is not seen before it has ended.
   if (isVisible()) repaint();
 }
 

@@ -92,6 +92,11 @@ class frmSQLServerBrowser final : public QDialog {
 
   /// A new server object in the place of the one before.
   void openServerObject();
+  enum class Listing { done, failed, stopped };
+  /// Has a new server object list something, apart from this thread: windows are painted meanwhile, Esc stops it, and
+  /// nothing else happens. The dialog may be gone afterwards.
+  template <typename Result>
+  Listing list(const std::function<Result(ServerDirectory&)>& ask, Result& result, std::optional<Error>& failure);
   void clearDatabases();
   void reportFailure(const QString& sentence, const Error& error);
   void say(const QString& text);
@@ -105,7 +110,7 @@ class frmSQLServerBrowser final : public QDialog {
   const settings::LanguageOffset& language_;
   std::shared_ptr<control::ControlServices> services_;
   std::function<std::unique_ptr<ServerDirectory>()> openDirectory_;
-  std::unique_ptr<ServerDirectory> oSQLServer_;
+  std::shared_ptr<ServerDirectory> oSQLServer_;  // a listing that was stopped may still use it
   QStandardItemModel databases_;
 
   db::SmartViewBar* SmartViewBar_ = nullptr;
@@ -127,6 +132,7 @@ class frmSQLServerBrowser final : public QDialog {
   bool dragging_ = false;
   /// How often the window was made larger since its size was last in order.
   int snaps_ = 0;
+  bool listing_ = false;
 };
 
 }  // namespace korvel::db

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "base/text.h"
+
 namespace korvel::db {
 
 namespace {
@@ -30,6 +32,7 @@ ConnectionOptions loadConnectionOptions(const settings::Registry& registry) {
   readSeconds(registry, "ConnectionTimeout", 1, options.connectionTimeout);
   readSeconds(registry, "CommandTimeout", 0, options.commandTimeout);
   options.encrypt = setting(registry, "Encrypt") != "0";
+  options.readOnlyIntent = equalsIgnoringAsciiCase(setting(registry, "ApplicationIntent"), "ReadOnly");
   options.certificateAuthorities = setting(registry, "CertificateAuthorities");
   options.trustServerCertificate = setting(registry, "TrustServerCertificate") == "1";
   options.driver = settings::GetEnvironment("KORVEL_ODBC_DRIVER");

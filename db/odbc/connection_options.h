@@ -15,6 +15,7 @@ namespace korvel::db {
 /// | "CommandTimeout"         | seconds until a running query is given up, 0 for never           | 30      |
 /// | "Encrypt"                | "0" also talks to servers that cannot encrypt                    | "1"     |
 /// | "TrustServerCertificate" | "1" accepts a certificate that this computer does not know       | "0"     |
+/// | "ApplicationIntent"      | "ReadOnly" lets an availability group serve from a secondary     | ""      |
 /// | "CertificateAuthorities" | file of the certificate authorities to trust, empty for the      | ""      |
 /// |                          | system's own                                                     |         |
 ///
@@ -25,6 +26,7 @@ struct ConnectionOptions {
   bool encrypt = true;
   bool trustServerCertificate = false;
   std::string certificateAuthorities;
+  bool readOnlyIntent = false;
   std::string driver;  ///< empty for the best one that is installed
 };
 

@@ -54,6 +54,7 @@ Attributes freeTdsAttributes(const LoginRequest& request, const DriverPlatform& 
     attributes.emplace_back("TDS_Version", "7.4");
   }
   if (!request.servicePrincipal.empty()) attributes.emplace_back("ServerSPN", request.servicePrincipal);
+  if (request.options.readOnlyIntent) attributes.emplace_back("ApplicationIntent", "ReadOnly");
   return attributes;
 }
 
@@ -72,12 +73,18 @@ Attributes commonVendorAttributes(const LoginRequest& request, const DriverPlatf
 Attributes vendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   Attributes attributes = commonVendorAttributes(request, platform);
   attributes.emplace_back("TrustServerCertificate", request.options.trustServerCertificate ? "yes" : "no");
+  // The listener of an availability group may stand in several subnets: all its addresses are tried at once.
+  attributes.emplace_back("MultiSubnetFailover", "yes");
+  if (request.options.readOnlyIntent) attributes.emplace_back("ApplicationIntent", "ReadOnly");
   return attributes;
 }
 
 /// Without a choice about certificates: it always checks the one that it encrypts with. Named pipes, which it might
 /// try, have no port.
 Attributes oldVendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
+  // It would take the word for a mistake and connect to the primary: readers were to be kept off that.
+  if (request.options.readOnlyIntent)
+    throw settings::explainedError(invalidParameter, "failure.noIntentForDriver", {request.driver.name});
   Attributes attributes = commonVendorAttributes(request, platform);
   attributes.emplace_back("Network", "DBMSSOCN");
   return attributes;
@@ -118,6 +125,10 @@ std::string driverTextOn(const DriverPlatform& platform, const LoginRequest& req
 bool needsConfiguration(const LoginRequest& request) {
   return request.driver.family == DriverFamily::freeTds && request.options.encrypt &&
          !request.options.trustServerCertificate;
+}
+
+bool checksCertificates(const LoginRequest& request) {
+  return request.driver.family != DriverFamily::freeTds || needsConfiguration(request);
 }
 
 std::string freeTdsConfiguration(const LoginRequest& request) {

@@ -28,6 +28,8 @@ struct LoginRequest {
 
 /// Whether this driver checks certificates only when a configuration file tells it to.
 [[nodiscard]] bool needsConfiguration(const LoginRequest& request);
+/// Whether the driver itself refuses a server whose certificate is not to be trusted.
+[[nodiscard]] bool checksCertificates(const LoginRequest& request);
 /// The text of that file for FreeTDS: address, encryption, and the certificates to trust, in a section named after the
 /// host. Throws Error for a file name that could add lines of its own.
 [[nodiscard]] std::string freeTdsConfiguration(const LoginRequest& request);

@@ -1,36 +1,99 @@
 #include "db/odbc/driver_watch.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace korvel::db::odbc {
 
-DriverWatch::DriverWatch(const DriverSockets& sockets, std::optional<std::chrono::milliseconds> patience)
-    : sockets_(sockets), lastWord_(now()) {
-  if (patience) thread_ = std::thread([this, limit = *patience] { watch(limit); });
-}
+namespace {
+
+/// A driver may try the host's next address after one was closed under it, and a statement that has not begun yet
+/// cannot be cancelled: what ends it is done again until all is over.
+constexpr std::chrono::milliseconds again{50};
+
+}  // namespace
+
+DriverWatch::DriverWatch(const DriverSockets& sockets, DriverPatience patience, const std::stop_token& stop)
+    : sockets_(sockets),
+      patience_(patience),
+      stop_(stop),
+      lastWord_(now()),
+      thread_([this] { watch(); }),
+      onStop_(stop, Waker{this}) {}
 
 DriverWatch::~DriverWatch() {
-  if (!thread_.joinable()) return;
   {
     const std::lock_guard lock(mutex_);
     done_ = true;
   }
-  over_.notify_all();
+  changed_.notify_all();
   thread_.join();
 }
 
-void DriverWatch::watch(std::chrono::milliseconds patience) {
-  // A driver may try the host's next address after one was closed under it: shut down again until all is over.
-  constexpr std::chrono::milliseconds again{50};
-  std::unique_lock lock(mutex_);
-  for (Clock::time_point end = lastWord() + patience; !over_.wait_until(lock, end, [this] { return done_; });) {
-    const Clock::time_point latest = lastWord() + patience;
-    if (!expired_ && latest > Clock::now()) {
-      end = latest;
-      continue;
-    }
-    expired_ = true;
-    sockets_.shutDown();
-    end = Clock::now() + again;
+void DriverWatch::answerIsDecided() {
+  decided_ = true;
+  wake();
+}
+
+void DriverWatch::wake() {
+  {
+    const std::lock_guard lock(mutex_);
+    woken_ = true;
   }
+  changed_.notify_all();
+}
+
+void DriverWatch::setCancel(std::function<void()> cancel) {
+  const std::lock_guard lock(cancelMutex_);
+  cancel_ = std::move(cancel);
+}
+
+void DriverWatch::cancel() {
+  const std::lock_guard lock(cancelMutex_);
+  if (cancel_) cancel_();
+}
+
+void DriverWatch::watch() {
+  std::unique_lock lock(mutex_);
+  while (!done_) {
+    woken_ = false;
+    lock.unlock();
+    const std::optional<Clock::time_point> next = act();
+    lock.lock();
+    const auto isDue = [this] { return done_ || woken_; };
+    if (next)
+      changed_.wait_until(lock, *next, isDue);
+    else
+      changed_.wait(lock, isDue);
+  }
+}
+
+std::optional<DriverWatch::Clock::time_point> DriverWatch::act() {
+  const Clock::time_point time = Clock::now();
+  std::optional<Clock::time_point> next;
+  const auto atTheLatest = [&next](Clock::time_point moment) { next = next ? std::min(*next, moment) : moment; };
+  const bool stopped = stop_.stop_requested();
+  if (stopped || decided_) {
+    if (!ending_) ending_ = time + patience_.afterStop;
+    if (time >= *ending_) {
+      sockets_.shutDown();
+    } else {
+      if (stopped) cancel();
+      atTheLatest(*ending_);
+    }
+    atTheLatest(time + again);
+  }
+  if (patience_.silence) {
+    const Clock::time_point end = lastWord() + *patience_.silence;
+    if (expired_ || end <= time) {
+      expired_ = true;
+      sockets_.shutDown();
+      atTheLatest(time + again);
+    } else {
+      atTheLatest(end);
+    }
+  }
+  return next;
 }
 
 }  // namespace korvel::db::odbc

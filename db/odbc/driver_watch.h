@@ -3,46 +3,89 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <thread>
 
 #include "db/odbc/driver_sockets.h"
 
 namespace korvel::db::odbc {
 
-/// Ends what a driver waits for when the server has said nothing for too long, from a thread of its own, for as long as
-/// the object lives.
+/// When a driver's wait is ended from outside.
+struct DriverPatience {
+  /// Time without a word of the server after which the driver's connections are shut down; nothing: never.
+  std::optional<std::chrono::milliseconds> silence;
+  /// Time after a stop, in which the statement is cancelled again and again, until the connections are shut down.
+  std::chrono::milliseconds afterStop{0};
+};
+
+/// Ends what a driver waits for when the server has said nothing for too long or nobody wants the answer any more, from
+/// a thread of its own, for as long as the object lives.
 class DriverWatch {
  public:
-  /// `sockets` stay as they are while they are watched. `patience` is the time without a word after which the driver's
-  /// connections are shut down; nothing: never.
-  DriverWatch(const DriverSockets& sockets, std::optional<std::chrono::milliseconds> patience);
+  /// `sockets` stay as they are while they are watched.
+  DriverWatch(const DriverSockets& sockets, DriverPatience patience, const std::stop_token& stop);
   ~DriverWatch();
   DriverWatch(const DriverWatch&) = delete;
   DriverWatch& operator=(const DriverWatch&) = delete;
 
   /// The server has said something: patience begins anew.
   void heard() noexcept { lastWord_.store(now(), std::memory_order_relaxed); }
-  /// Whether the driver's connections had to be shut down.
+  /// Nobody wants the rest of the answer, which the driver may still wait for when it is to end.
+  void answerIsDecided();
+  /// Whether the driver's connections had to be shut down because the server was silent.
   [[nodiscard]] bool expired() const noexcept { return expired_.load(); }
+
+  /// While it lives, a stop calls `cancel` first, on the watching thread.
+  class Cancelling {
+   public:
+    Cancelling(DriverWatch& watch, std::function<void()> cancel) : watch_(watch) {
+      watch_.setCancel(std::move(cancel));
+    }
+    ~Cancelling() { watch_.setCancel({}); }
+    Cancelling(const Cancelling&) = delete;
+    Cancelling& operator=(const Cancelling&) = delete;
+
+   private:
+    DriverWatch& watch_;
+  };
 
  private:
   using Clock = std::chrono::steady_clock;
+  /// Wakes the watching thread, from whichever thread a stop comes.
+  struct Waker {
+    DriverWatch* watch;
+    void operator()() const { watch->wake(); }
+  };
 
   static Clock::rep now() noexcept { return Clock::now().time_since_epoch().count(); }
   [[nodiscard]] Clock::time_point lastWord() const noexcept {
     return Clock::time_point(Clock::duration(lastWord_.load(std::memory_order_relaxed)));
   }
-  void watch(std::chrono::milliseconds patience);
+  void setCancel(std::function<void()> cancel);
+  void cancel();
+  void wake();
+  void watch();
+  /// Does what is due and says when the next thing is; nothing: when somebody wakes the thread.
+  std::optional<Clock::time_point> act();
 
   const DriverSockets& sockets_;
+  const DriverPatience patience_;
+  const std::stop_token stop_;
   std::atomic<Clock::rep> lastWord_;
   std::atomic<bool> expired_{false};
+  std::atomic<bool> decided_{false};
+  std::optional<Clock::time_point> ending_;  // the watching thread's
+  std::mutex cancelMutex_;
+  std::function<void()> cancel_;
   std::mutex mutex_;
-  std::condition_variable over_;
+  std::condition_variable changed_;
   bool done_ = false;
-  std::thread thread_;  // last: it uses all of the above
+  bool woken_ = false;
+  std::thread thread_;
+  std::stop_callback<Waker> onStop_;  // last: it uses all of the above
 };
 
 }  // namespace korvel::db::odbc

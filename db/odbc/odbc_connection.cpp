@@ -22,6 +22,9 @@ namespace {
 /// in better order, but a server that sends half a packet makes it wait twice as long.
 constexpr std::chrono::milliseconds driversGrace{500};
 
+/// How long a driver may take to end a statement that nobody wants any more.
+constexpr std::chrono::seconds patienceAfterStop{2};
+
 SQLPOINTER asAttribute(std::chrono::seconds value) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how ODBC takes numbers
   return reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(value.count()));
@@ -59,8 +62,9 @@ bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
 }  // namespace
 
 OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
-                               ServerListener onEvent)
+                               ServerListener onEvent, std::stop_token stop)
     : onEvent_(std::move(onEvent)),
+      stop_(std::move(stop)),
       address_(request.address),
       commandTimeout_(request.options.commandTimeout),
       environment_(makeEnvironment()),
@@ -79,7 +83,8 @@ std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const
   const std::lock_guard oneLoginAtATime(loginMutex());
   sockets_.expect(address_.port);
   {
-    const DriverWatch watch(sockets_, deadline.left());
+    // What a login has begun nobody needs: a stop shuts it down at once.
+    const DriverWatch watch(sockets_, {deadline.left()}, stop_);
     try {
       logIn(request, text);
       if (onEvent_) diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection_.get());
@@ -107,11 +112,44 @@ OdbcConnection::~OdbcConnection() {
 }
 
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
+  runWatched(commandText, [&](DriverWatch& watch) { run(commandText, sink, watch); });
+}
+
+void OdbcConnection::executeUndone(std::string_view commandText, ResultSink& sink) {
+  runWatched(commandText, [&](DriverWatch& watch) {
+    beginTransaction();
+    try {
+      run(commandText, sink, watch);
+    } catch (...) {
+      rollBack();
+      throw;
+    }
+    rollBack();
+  });
+}
+
+void OdbcConnection::beginTransaction() {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): how ODBC takes numbers
+  const auto off = reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_AUTOCOMMIT_OFF));
+  check(SQLSetConnectAttrW(connection_.get(), SQL_ATTR_AUTOCOMMIT, off, SQL_IS_UINTEGER), SQL_HANDLE_DBC,
+        connection_.get());
+}
+
+void OdbcConnection::rollBack() noexcept {
+  // Where it fails the connection is broken, and the server rolls back by itself.
+  SQLEndTran(SQL_HANDLE_DBC, connection_.get(), SQL_ROLLBACK);
+}
+
+template <typename Run>
+void OdbcConnection::runWatched(std::string_view commandText, const Run& run) {
   const bool limited = commandTimeout_.count() > 0;
-  DriverWatch watch(sockets_, limited ? std::optional(commandTimeout_ + driversGrace) : std::nullopt);
+  DriverPatience patience;
+  if (limited) patience.silence = commandTimeout_ + driversGrace;
+  patience.afterStop = patienceAfterStop;
+  DriverWatch watch(sockets_, patience, stop_);
   if (onEvent_) tell(ServerEvent{ServerEventKind::commandSent, std::string(commandText)});
   try {
-    run(commandText, sink, watch);
+    run(watch);
     // A driver whose connection was shut down may take that for the end of the answer.
     if (watch.expired()) throw DriverFailure({});
   } catch (const DriverFailure& failure) {
@@ -137,15 +175,19 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   if (!sink.goOn()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
+  // From the watching thread: while the driver is busy inside a call, this is what it hears.
+  const DriverWatch::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
   std::u16string text = toUtf16(commandText);
   SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
+  // A statement that has changed no row may answer so; its batch goes on behind it.
+  if (result == SQL_NO_DATA) result = SQLMoreResults(handle);
   while (result != SQL_NO_DATA) {
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
     watch.heard();
-    // The driver is busy inside its calls: between them is where it can be stopped.
     if (!pushResult(handle, sink, watch) || !sink.goOn()) {
+      watch.answerIsDecided();
       SQLCancel(handle);
       return;
     }

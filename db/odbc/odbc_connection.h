@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,27 +22,34 @@ class OdbcConnection final : public Connection {
  public:
   /// Logs in by `deadline`, with `text` as the driver manager takes it (driverText() of the request); throws Error.
   /// Logins wait for each other. `onEvent`, where there is one, is told of commands, messages and failures within the
-  /// calls in which they happen.
+  /// calls in which they happen. A `stop` ends the login at once, and a command as soon as the driver lets it, at the
+  /// latest when the connection is given up: two seconds later.
   OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
-                 ServerListener onEvent = {});
+                 ServerListener onEvent = {}, std::stop_token stop = {});
   ~OdbcConnection() override;
   OdbcConnection(const OdbcConnection&) = delete;
   OdbcConnection& operator=(const OdbcConnection&) = delete;
 
   void execute(std::string_view commandText, ResultSink& sink) override;
+  void executeUndone(std::string_view commandText, ResultSink& sink) override;
 
  private:
   /// Logs in, alone in the process. Gives what failed, where something did; `diagnostics` get what was said.
   std::optional<Error> tryLogin(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
                                 std::vector<Diagnostic>& diagnostics);
   void logIn(const LoginRequest& request, const std::string& text);
+  template <typename Run>
+  void runWatched(std::string_view commandText, const Run& run);
   void run(std::string_view commandText, ResultSink& sink, DriverWatch& watch);
+  void beginTransaction();
+  void rollBack() noexcept;
 
   void tell(const std::optional<ServerEvent>& event) const;
   /// Tells of what the server said beside its answer.
   void tellMessages(const std::vector<Diagnostic>& diagnostics) const;
 
   ServerListener onEvent_;
+  std::stop_token stop_;
   ServerAddress address_;
   std::chrono::seconds commandTimeout_;
   DriverSockets sockets_;

@@ -1,6 +1,10 @@
 #include "db/odbc/server_approach.h"
 
+#include <algorithm>
+#include <array>
+#include <chrono>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "db/odbc/driver_choice.h"
@@ -26,6 +30,24 @@ auto explained(const char* silentKey, const char* failedKey, const std::string& 
     throw settings::explainedError(error.number(), net::isTimeout(error.number()) ? silentKey : failedKey,
                                    {what, error.description()});
   }
+}
+
+/// Of the whole timeout, what is kept for the steps that say why a driver has failed.
+net::Deadline leavingTimeToExplain(const net::Deadline& deadline) {
+  const auto left = deadline.left();
+  return net::Deadline(left - std::min<std::chrono::milliseconds>(left / 4, std::chrono::seconds{2}));
+}
+
+/// Whether a failed login is explained by itself: by the server's own words, or because there is no driver to log in with.
+bool explainsItself(const Error& failure) {
+  // The driver's own numbers, which look like a server's.
+  constexpr std::int32_t firstDriversNumber = 20000;
+  constexpr std::int32_t lastDriversNumber = 20999;
+  constexpr std::array<std::string_view, 3> sentences = {"failure.loginRefused", "failure.databaseRefused",
+                                                         "failure.driverUnusable"};
+  if (failure.textKey().empty())
+    return failure.number() < firstDriversNumber || failure.number() > lastDriversNumber;
+  return std::find(sentences.begin(), sentences.end(), failure.textKey()) != sentences.end();
 }
 
 ServerAddress locate(const ServerName& name, const net::HostEntry& host, const ResolutionClient& resolver,
@@ -86,25 +108,58 @@ TicketState ServerApproach::proveUser() {
   return access_.requireTicket(servicePrincipal_, deadline_);
 }
 
-std::unique_ptr<Connection> ServerApproach::logIn(const std::string& database) {
+LoginRequest ServerApproach::requestFor(const std::string& database) const {
   LoginRequest request;
   request.driver = chooseDriver(installedDrivers(makeEnvironment()), access_.options.driver, driverPlatform());
   request.address = address_;
   request.database = database;
   request.servicePrincipal = servicePrincipal_;
   request.options = access_.options;
-  return std::make_unique<OdbcConnection>(request, access_.driverText(request), deadline_, access_.onEvent);
+  return request;
+}
+
+std::unique_ptr<Connection> ServerApproach::logInBy(const net::Deadline& deadline, const LoginRequest& request) const {
+  return std::make_unique<OdbcConnection>(request, access_.driverText(request), deadline, access_.onEvent,
+                                          access_.stop);
+}
+
+std::unique_ptr<Connection> ServerApproach::logIn(const std::string& database) {
+  return logInBy(deadline_, requestFor(database));
+}
+
+void ServerApproach::explain() {
+  reachPort();
+  greet();
+  encrypt();
+}
+
+std::unique_ptr<Connection> ServerApproach::connect(const std::string& database) {
+  const LoginRequest request = requestFor(database);
+  // Nobody else would look at the certificate.
+  const ConnectionOptions& options = access_.options;
+  const bool looksFirst = options.encrypt && !options.trustServerCertificate && !checksCertificates(request);
+  if (looksFirst) explain();
+  const net::Deadline deadline = leavingTimeToExplain(deadline_);
+  try {
+    access_.requireTicket(servicePrincipal_, deadline);
+  } catch (const Error&) {
+    if (!looksFirst) explain();
+    throw;
+  }
+  try {
+    return logInBy(deadline, request);
+  } catch (const Error& failure) {
+    if (looksFirst || access_.stop.stop_requested() || explainsItself(failure)) throw;
+    explain();
+    throw;
+  }
 }
 
 std::unique_ptr<Connection> openServer(const std::string& server, const std::string& database,
                                        const ServerAccess& access) {
   ServerApproach approach(server, access);
   approach.findServer();
-  approach.reachPort();
-  approach.greet();
-  approach.encrypt();
-  approach.proveUser();
-  return approach.logIn(database);
+  return approach.connect(database);
 }
 
 }  // namespace korvel::db::odbc

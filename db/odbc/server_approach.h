@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include "db/connection.h"
@@ -29,14 +30,16 @@ struct ServerAccess {
   std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
   /// Told what happens on the connections that are opened; on the thread that uses them.
   ServerListener onEvent;
+  /// Ends what is under way on the connections that are opened.
+  std::stop_token stop;
 };
 
 /// The running user's own access, with what the settings store adjusts. Throws Error for a store that cannot be read.
 [[nodiscard]] ServerAccess userAccess();
 
-/// The way to a server, step by step, each with its own sentence when it fails (all throw Error). Connecting takes the
-/// steps in this order; checking a server names them one by one. One timeout for all of them together, from the
-/// construction on.
+/// The way to a server, step by step, each with its own sentence when it fails (all throw Error). Checking a server
+/// names the steps one by one; connecting looks at them where the driver has failed, for drivers make one sentence of
+/// all that can happen. One timeout for all of them together, from the construction on.
 class ServerApproach {
  public:
   ServerApproach(std::string server, ServerAccess access);
@@ -54,6 +57,10 @@ class ServerApproach {
   /// Logs in. `database` may be empty.
   [[nodiscard]] std::unique_ptr<Connection> logIn(const std::string& database);
 
+  /// All of it, with the driver's connection as the only one where everything goes well; after findServer(). A driver
+  /// that fails without a word of the server, or that hears none, leaves time for the steps, which then say why.
+  [[nodiscard]] std::unique_ptr<Connection> connect(const std::string& database);
+
   [[nodiscard]] const ServerAddress& address() const { return address_; }
   [[nodiscard]] const net::PreLoginAnswer& greeting() const { return greeting_; }
   /// Nothing where the connection is not encrypted or the certificate is not looked at.
@@ -63,6 +70,11 @@ class ServerApproach {
   void restartClock() { deadline_ = net::Deadline(access_.options.connectionTimeout); }
 
  private:
+  [[nodiscard]] LoginRequest requestFor(const std::string& database) const;
+  [[nodiscard]] std::unique_ptr<Connection> logInBy(const net::Deadline& deadline, const LoginRequest& request) const;
+  /// The steps before the login, for what they say when they fail.
+  void explain();
+
   ServerAccess access_;
   net::Deadline deadline_;
   std::string server_;

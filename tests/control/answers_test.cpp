@@ -189,7 +189,7 @@ TEST_F(Answers, ARunningQueryKeepsItsStatusTextWhateverChangesMeanwhile) {
     meanwhile = statusPanel(*viewer);
   });
   click(*viewer, "btQuery");
-  EXPECT_EQ(meanwhile, "1 records so far; Esc stops the query");
+  EXPECT_EQ(meanwhile, "Querying Database Please Wait....");
 }
 
 TEST_F(Answers, AlarmRowsOfAllDatesAreTold) {

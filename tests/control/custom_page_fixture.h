@@ -6,6 +6,7 @@
 
 #include "query/forms/sql_editor.h"
 #include "tests/control/viewer_fixture.h"
+#include "tests/control/window_thread.h"
 
 namespace korvel::test {
 
@@ -16,7 +17,7 @@ class CustomPage : public ViewerTest {
 
   CustomPage() {
     // Every look at a query is told: no test waits for a clock.
-    control::surroundings().queryMachine.interval = {};
+    control::surroundings().queryMachine.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   }
 
   std::unique_ptr<AuditViewer> customPage() {
@@ -52,14 +53,22 @@ class CustomPage : public ViewerTest {
       sink.endResult();
     };
   }
-  /// Rows of one field; `meanwhile` runs while they load, and what it sets off has its chance before the last one.
+  /// Rows of one field; `meanwhile` happens in the windows while they load.
   void answerSlowly(const std::function<void()>& meanwhile) {
     server.answer = [=](db::ResultSink& sink) {
       begin(sink, {"a"});
-      bool wanted = row(sink, {"1"}) && sink.goOn();
-      if (wanted) meanwhile();
-      wanted = wanted && sink.goOn() && sink.goOn() && row(sink, {"2"});
-      if (wanted) sink.endResult();
+      row(sink, {"1"});
+      onWindowThread(meanwhile);
+      if (row(sink, {"2"})) sink.endResult();
+    };
+  }
+  /// The same for what ends the query.
+  void answerUntilStopped(const std::function<void()>& meanwhile) {
+    server.answer = [=](db::ResultSink& sink) {
+      begin(sink, {"a"});
+      row(sink, {"1"});
+      onWindowThread(meanwhile);
+      EXPECT_TRUE(waitUntilUnwanted(sink));
     };
   }
 };

@@ -6,7 +6,9 @@
 #include <QPainter>
 #include <QTest>
 #include <QTimer>
+#include <future>
 
+#include "db/attended_work.h"
 #include "tests/control/custom_page_fixture.h"
 #include "tests/control/default_locale.h"
 
@@ -37,7 +39,7 @@ TEST_F(WhileItLoads, EscapeStopsTheQueryAndClearsTheList) {
   const auto viewer = customPage();
   answerWith({"a"}, {{"before"}});
   click(*viewer, "btQuery");
-  answerSlowly([&] { postKey(&editor(*viewer), Qt::Key_Escape); });
+  answerUntilStopped([&] { postKey(&editor(*viewer), Qt::Key_Escape); });
   click(*viewer, "btQuery");
   EXPECT_EQ(list(*viewer, 5)->model()->rowCount(), 0);
   EXPECT_EQ(headers(*viewer), "a");
@@ -54,11 +56,62 @@ TEST_F(WhileItLoads, EscapeStopsTheQueryAndClearsTheList) {
   EXPECT_EQ(statusPanel(*viewer), "");
 }
 
+TEST_F(WhileItLoads, EscapeStopsAStandardQueryToo) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("1", "CS")}};
+  click(*viewer, "btQuery");
+  ASSERT_EQ(column(*viewer, 0), "1");
+  server.answer = [&](db::ResultSink& sink) {
+    begin(sink, {"Nr", "AuditType"});
+    row(sink, {"2", "CS"});
+    onWindowThread([&] {
+      // What is seen meanwhile holds no record of the earlier answer.
+      EXPECT_EQ(column(*viewer, 0), "");
+      EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
+      EXPECT_EQ(statusPanel(*viewer), "Querying Database Please Wait....");
+      postKey(viewer.get(), Qt::Key_Escape);
+    });
+    EXPECT_TRUE(waitUntilUnwanted(sink));
+  };
+  click(*viewer, "btQuery");
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(list(*viewer, i)->model()->rowCount(), 0) << i;
+  EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
+  EXPECT_EQ(lastFailure(*viewer), "");
+  EXPECT_THAT(recorder->messages, IsEmpty());
+  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+
+  server.answer = nullptr;
+  click(*viewer, "btQuery");
+  EXPECT_EQ(column(*viewer, 0), "1");
+  EXPECT_EQ(statusPanel(*viewer), "");
+}
+
+TEST_F(WhileItLoads, TheWindowDoesNotWaitForAServerThatDoesNotComeBack) {
+  control::surroundings().queryMachine.pace.grace = {};
+  const auto viewer = shownViewer();
+  std::promise<void> comesBack;
+  server.answer = [&](db::ResultSink&) {
+    postKey(viewer.get(), Qt::Key_Escape);
+    comesBack.get_future().wait();
+  };
+  click(*viewer, "btQuery");
+  EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
+  EXPECT_TRUE(db::workIsLeftBehind());
+  // The next query does not wait for it either.
+  server.answer = nullptr;
+  server.resultSets = {{record("1", "CS")}};
+  click(*viewer, "btQuery");
+  EXPECT_EQ(column(*viewer, 0), "1");
+  comesBack.set_value();
+  EXPECT_TRUE(comesAbout([] { return !db::workIsLeftBehind(); }));
+  EXPECT_EQ(column(*viewer, 0), "1");
+}
+
 TEST_F(WhileItLoads, EscapeBeforeTheFirstRowStopsItToo) {
   const auto viewer = customPage();
   server.answer = [&](db::ResultSink& sink) {
     postKey(viewer.get(), Qt::Key_Escape);
-    EXPECT_FALSE(sink.goOn());
+    EXPECT_TRUE(waitUntilUnwanted(sink));
   };
   viewer->TriggerAdvancedQuery("x");
   EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
@@ -70,11 +123,13 @@ TEST_F(WhileItLoads, TheStatusPanelSaysHowFarItIs) {
   QString later;
   server.answer = [&](db::ResultSink& sink) {
     begin(sink, {"a"});
-    sink.goOn();
-    first = statusPanel(*viewer);
+    onWindowThread([&] { first = statusPanel(*viewer); });
     for (int i = 0; i < 1234; ++i) row(sink, {"x"});
-    sink.goOn();
-    later = statusPanel(*viewer);
+    EXPECT_TRUE(sink.goOn());
+    comesAbout([&] {
+      onWindowThread([&] { later = statusPanel(*viewer); });
+      return later != first;
+    });
     sink.endResult();
   };
   click(*viewer, "btQuery");
@@ -90,8 +145,12 @@ TEST_F(WhileItLoads, TheNumberOfRowsIsGroupedAsTheLocaleHasIt) {
   server.answer = [&](db::ResultSink& sink) {
     begin(sink, {"a"});
     for (int i = 0; i < 1234; ++i) row(sink, {"x"});
-    sink.goOn();
-    soFar = statusPanel(*viewer);
+    EXPECT_TRUE(sink.goOn());
+    const QString atFirst = QStringLiteral("Querying Database Please Wait....");
+    comesAbout([&] {
+      onWindowThread([&] { soFar = statusPanel(*viewer); });
+      return soFar != atFirst;
+    });
     sink.endResult();
   };
   click(*viewer, "btQuery");
@@ -174,10 +233,12 @@ TEST_F(WhileItLoads, TimersOfTheHostWait) {
   once.setSingleShot(true);
   QObject::connect(&once, &QTimer::timeout, [&] { fired = true; });
   server.answer = [&](db::ResultSink& sink) {
-    timer.start(0);
-    once.start(0);
+    onWindowThread([&] {
+      timer.start(0);
+      once.start(0);
+    });
     begin(sink, {"a"});
-    for (int i = 0; i < 10; ++i) sink.goOn();
+    for (int i = 0; i < 10; ++i) onWindowThread([] {});
     ticksMeanwhile = ticks;
     EXPECT_FALSE(fired);
     row(sink, {"1"});
@@ -233,7 +294,7 @@ TEST_F(WhileItLoads, AnotherDatabaseThatIsSelectedMeanwhileEndsIt) {
     begin(sink, {"a"});
     row(sink, {"1"});
     QMetaObject::invokeMethod(viewer.get(), "SelectDatabase", Qt::QueuedConnection);
-    wentOn = sink.goOn();
+    wentOn = !waitUntilUnwanted(sink);
   };
   click(*viewer, "btQuery");
   EXPECT_FALSE(wentOn);
@@ -260,7 +321,7 @@ TEST_F(WhileItLoads, TheControlMayBeDeletedByAQueuedCall) {
     row(sink, {"1"});
     QMetaObject::invokeMethod(
         qApp, [&] { viewer.reset(); }, Qt::QueuedConnection);
-    wentOn = sink.goOn();
+    wentOn = !waitUntilUnwanted(sink);
   };
   viewer->findChild<QAbstractButton*>("btQuery")->click();
   EXPECT_EQ(viewer, nullptr);

@@ -43,7 +43,9 @@ std::uint32_t MemorySettings::openForReading(const std::string& keyPath, std::un
 ViewerTest::ViewerTest() : realSurroundings_(control::surroundings()) {
   control::surroundings().services = recorder;
   control::surroundings().openSettings = [this] { return std::make_unique<MemorySettings>(settings); };
-  control::surroundings().connect = [this](std::string_view text) { return server.connect(text); };
+  control::surroundings().connect = [this](std::string_view text, const std::stop_token&) {
+    return server.connect(text);
+  };
   control::libraryState() = control::LibraryState();
 }
 

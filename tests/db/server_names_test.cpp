@@ -62,12 +62,28 @@ TEST(DriverText, ofTheVendorsDriver) {
   odbc::LoginRequest vendor = request(DriverFamily::vendor);
   EXPECT_EQ(driverTextOn(posixDrivers, vendor),
             "Driver={ODBC Driver 18 for SQL Server};Server={auditsrv.plant,1444};Encrypt={yes};"
-            "TrustServerCertificate={no};Database={Korvel_Audit};Trusted_Connection={yes};APP={Korvel Audit Viewer};");
+            "TrustServerCertificate={no};MultiSubnetFailover={yes};Database={Korvel_Audit};Trusted_Connection={yes};"
+            "APP={Korvel Audit Viewer};");
   vendor.options.trustServerCertificate = true;
   EXPECT_THAT(driverTextOn(posixDrivers, vendor), HasSubstr("Encrypt={yes};TrustServerCertificate={yes};"));
   vendor.options.encrypt = false;
   EXPECT_THAT(driverTextOn(posixDrivers, vendor), HasSubstr("Encrypt={no};"));
   EXPECT_FALSE(needsConfiguration(vendor));
+}
+
+TEST(DriverText, asksForTheIntentToReadOnlyWhereTheSettingSaysSo) {
+  for (const DriverFamily family : {DriverFamily::vendor, DriverFamily::freeTds}) {
+    odbc::LoginRequest asked = request(family);
+    EXPECT_THAT(driverTextOn(posixDrivers, asked), Not(HasSubstr("ApplicationIntent")));
+    asked.options.readOnlyIntent = true;
+    EXPECT_THAT(driverTextOn(posixDrivers, asked), HasSubstr("ApplicationIntent={ReadOnly};"));
+  }
+  // The old driver does not know the word, and would connect to the primary without one.
+  odbc::LoginRequest old = request(DriverFamily::oldVendor);
+  old.options.readOnlyIntent = true;
+  const auto error = test::errorOf([&] { (void)driverTextOn(windowsDrivers, old); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->textKey(), "failure.noIntentForDriver");
 }
 
 TEST(DriverText, ofTheDriverThatEveryWindowsHas) {

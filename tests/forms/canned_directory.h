@@ -21,6 +21,7 @@ struct CannedNetwork {
   int open = 0;                             ///< directories that live
   int opened = 0;                           ///< directories that ever lived
   std::function<void()> whileListing;
+  std::stop_token stop;  ///< that of the last listing
 };
 
 class CannedDirectory final : public db::ServerDirectory {
@@ -48,6 +49,7 @@ class CannedDirectory final : public db::ServerDirectory {
  private:
   void ask(const std::string& what) {
     network_.asked.push_back(what);
+    network_.stop = stop;
     if (network_.whileListing) network_.whileListing();
   }
   std::vector<std::string> list(const std::string& what, const std::vector<std::string>& names) {

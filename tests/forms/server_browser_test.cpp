@@ -18,8 +18,10 @@
 #include <stdexcept>
 
 #include "control/screen_measure.h"
+#include "db/attended_work.h"
 #include "settings/explained_error.h"
 #include "tests/control/recorder.h"
+#include "tests/control/window_thread.h"
 #include "tests/forms/canned_directory.h"
 
 namespace korvel::test {
@@ -49,6 +51,7 @@ class Browser : public ::testing::Test {
                                   [this] { return std::make_unique<CannedDirectory>(network); }},
           nullptr);
       form_->show();
+      QCoreApplication::processEvents();
     }
     return *form_;
   }
@@ -275,6 +278,36 @@ TEST_F(Browser, OkWithoutAChoiceClearsBothStringsAndStays) {
   press("cmdCancel");
   EXPECT_FALSE(form().isVisible());
   EXPECT_EQ(connection.ConnectionString, "");
+}
+
+TEST_F(Browser, IsSeenBeforeItsServersAreAskedFor) {
+  db::frmSQLServerBrowser own(
+      {connection, language, recorder, [this] { return std::make_unique<CannedDirectory>(network); }}, nullptr);
+  bool visible = false;
+  network.whileListing = [&] { onWindowThread([&] { visible = own.isVisible(); }); };
+  own.show();
+  EXPECT_THAT(network.asked, IsEmpty());
+  QCoreApplication::processEvents();
+  EXPECT_THAT(network.asked, ElementsAre("local"));
+  EXPECT_TRUE(visible);
+}
+
+TEST_F(Browser, EscapeStopsAListingAndLeavesTheDialogOpen) {
+  form();
+  network.whileListing = [&] {
+    QCoreApplication::postEvent(&databases(), new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+    EXPECT_TRUE(comesAbout([&] { return network.stop.stop_requested(); }));
+  };
+  clickServer(1);
+  EXPECT_TRUE(form().isVisible());
+  EXPECT_EQ(listed(), "");
+  EXPECT_EQ(element<QStatusBar>("StatusBar1").currentMessage(), "Stopped");
+  EXPECT_THAT(recorder->messages, IsEmpty());
+  EXPECT_EQ(recorder->pointers.back(), Pointer::standard);
+  network.whileListing = nullptr;
+  clickServer(1);
+  EXPECT_NE(listed(), "");
+  while (db::workIsLeftBehind()) QThread::yieldCurrentThread();
 }
 
 TEST_F(Browser, CancelAndEscapeLeaveTheState) {

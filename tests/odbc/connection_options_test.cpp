@@ -33,6 +33,7 @@ TEST_F(Options, haveTheDefaultsThatUsersKnow) {
   EXPECT_TRUE(options.encrypt);
   EXPECT_FALSE(options.trustServerCertificate);
   EXPECT_EQ(options.certificateAuthorities, "");
+  EXPECT_FALSE(options.readOnlyIntent);
   EXPECT_EQ(options.driver, "");
 }
 
@@ -42,6 +43,7 @@ TEST_F(Options, areReadFromTheSettingsStoreAndTheEnvironment) {
   set("Encrypt", "0");
   set("TrustServerCertificate", "1");
   set("CertificateAuthorities", "/etc/plant/ca.pem");
+  set("ApplicationIntent", "readonly");
   const test::EnvironmentVariable driver("KORVEL_ODBC_DRIVER", "Mine");
   const ConnectionOptions options = load();
   EXPECT_EQ(options.connectionTimeout, 5s);
@@ -49,6 +51,7 @@ TEST_F(Options, areReadFromTheSettingsStoreAndTheEnvironment) {
   EXPECT_FALSE(options.encrypt);
   EXPECT_TRUE(options.trustServerCertificate);
   EXPECT_EQ(options.certificateAuthorities, "/etc/plant/ca.pem");
+  EXPECT_TRUE(options.readOnlyIntent);
   EXPECT_EQ(options.driver, "Mine");
 }
 

@@ -84,9 +84,10 @@ class Directory : public WireTest {
   }
   NetworkDirectory directory() {
     return {db::ResolutionClient(resolution_.port()),
-            [this](const std::string& server, const db::ServerListener& told) {
+            [this](const std::string& server, const db::ServerListener& told, const std::stop_token& stop) {
               asked_ = server;
               access_.onEvent = told;
+              access_.stop = stop;
               return connect("");
             }};
   }

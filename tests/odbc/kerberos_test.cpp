@@ -153,7 +153,10 @@ TEST_F(OdbcKerberos, failuresLeaveTheListsEmptyAndTheNextQueryWorks) {
   auto lists = query::makeResultLists();
   const auto ask = [&] {
     return query::runStandardQuery(
-        tree, {}, "", [&](std::string_view) { return db::odbc::openServer(serverName(), "Korvel_Audit", access_); },
+        {tree, {}, {}},
+        [&](std::string_view, const std::stop_token&) {
+          return db::odbc::openServer(serverName(), "Korvel_Audit", access_);
+        },
         lists, 0);
   };
   EXPECT_EQ(ask().outcome, query::QueryOutcome::failed);

@@ -30,6 +30,23 @@ TEST_F(OdbcLogin, namesTheDatabaseTheServerAndTheProgram) {
   EXPECT_THAT(peer_.texts(), IsEmpty());
 }
 
+TEST_F(OdbcLogin, takesOneConnection) {
+  for (const bool trusting : {false, true}) {
+    access_.options.trustServerCertificate = trusting;
+    const std::size_t before = peer_.record().connections;
+    (void)connect();
+    EXPECT_EQ(peer_.record().connections, before + 1);
+  }
+}
+
+TEST_F(OdbcLogin, tellsTheIntentToReadOnly) {
+  (void)connect();
+  EXPECT_FALSE(lastLogin().readOnlyIntent);
+  access_.options.readOnlyIntent = true;
+  (void)connect();
+  EXPECT_TRUE(lastLogin().readOnlyIntent);
+}
+
 TEST_F(OdbcLogin, withoutADatabaseItIsTheUsersOwn) {
   (void)connect("");
   EXPECT_EQ(lastLogin().database, "");

@@ -108,7 +108,12 @@ class OdbcTrouble : public WireTest {
     tree.selectAll();
     const query::DateRange range;
     return query::runStandardQuery(
-        tree, range, "", [&](std::string_view) { return connect(); }, lists_, 0);
+        {tree, range, {}},
+        [&](std::string_view, const std::stop_token& stop) {
+          access_.stop = stop;
+          return connect();
+        },
+        lists_, 0, attendance_, surroundings_);
   }
   static Answer fine() {
     std::vector<tds::Column> columns{{"Nr", "int"}};
@@ -153,6 +158,8 @@ class OdbcTrouble : public WireTest {
   }
 
   query::ResultLists lists_ = query::makeResultLists();
+  db::Attendance attendance_;
+  query::QuerySurroundings surroundings_;
 };
 
 TEST_F(OdbcTrouble, theCallArrivesToTheLetter) {

@@ -111,7 +111,7 @@ constexpr const char* endless =
 
 TEST_F(CustomQueryOfAFile, AStatementWithoutAnyRowIsStopped) {
   QuerySurroundings surroundings;
-  surroundings.interval = std::chrono::milliseconds{0};
+  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   int asked = 0;
   const auto third = [&](std::size_t rows) {
     EXPECT_EQ(rows, 0U);
@@ -125,7 +125,7 @@ TEST_F(CustomQueryOfAFile, AStatementWithoutAnyRowIsStopped) {
 TEST_F(CustomQueryOfAFile, AnEndlessAnswerIsStopped) {
   const auto enough = [](std::size_t rows) { return rows < 1000; };
   QuerySurroundings surroundings;
-  surroundings.interval = std::chrono::milliseconds{0};
+  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   EXPECT_EQ(run("WITH RECURSIVE c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c) SELECT n FROM c", enough, surroundings)
                 .outcome,
             CustomOutcome::stopped);
@@ -134,7 +134,7 @@ TEST_F(CustomQueryOfAFile, AnEndlessAnswerIsStopped) {
 
 TEST_F(CustomQueryOfAFile, WhatIsThrownWhileTheEngineWorksIsAFailure) {
   QuerySurroundings surroundings;
-  surroundings.interval = std::chrono::milliseconds{0};
+  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   int asked = 0;
   const auto throws = [&](std::size_t) {
     if (++asked > 10) throw Error(77, "thrown");

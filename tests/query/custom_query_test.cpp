@@ -4,9 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <future>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "results/out_of_memory.h"
@@ -162,7 +167,7 @@ TEST_F(CustomQuery, FailuresOfOtherKindsHaveANumberToo) {
   expectFailure(run(), 51, "odd");
   server.refusesExecution = [] { throw 1; };
   expectFailure(run(), 51, "Internal error");
-  const auto nobody = [](std::string_view) { return std::unique_ptr<db::Connection>(); };
+  const auto nobody = [](std::string_view, const std::stop_token&) { return std::unique_ptr<db::Connection>(); };
   expectFailure(runCustomQuery("x", "", nobody, list), 51, "Internal error");
 }
 
@@ -192,47 +197,64 @@ TEST_F(CustomQuery, AnAnswerOfManyRowsKeepsTheirOrder) {
   EXPECT_EQ(list.text({19'999}, {0}), "1");
 }
 
-/// A clock that a test sets, and what progress was told.
+/// What progress was told, on the thread that waits, while the server answers on another.
 struct CustomQueryProgress : CustomQuery {
   CustomQueryProgress() {
-    surroundings.now = [this] {
-      time += step;
-      return time;
-    };
+    surroundings.pace = {1ms, 20s};
     progress = [this](std::size_t rows) {
+      const std::lock_guard lock(mutex);
       told.push_back(rows);
+      changed.notify_all();
       return told.size() != stopAt;
     };
     server.answer = {{{{"N"}}, {}, {}}};
     for (int i = 0; i < 1000; ++i) server.answer[0].rows.push_back({std::to_string(i)});
   }
 
-  std::chrono::steady_clock::time_point time{};
-  std::chrono::milliseconds step{0};
+  /// On the server's side: false where it does not come about.
+  bool waitUntilTold(std::size_t rows) {
+    std::unique_lock lock(mutex);
+    return changed.wait_for(lock, 20s, [&] { return !told.empty() && told.back() >= rows; });
+  }
+  bool waitUntilStopped() const {
+    std::mutex own;
+    std::unique_lock lock(own);
+    std::condition_variable_any stopped;
+    return !stopped.wait_for(lock, server.stop, 20s, [] { return false; }) && server.stop.stop_requested();
+  }
+
+  std::mutex mutex;
+  std::condition_variable changed;
   std::vector<std::size_t> told;
   std::size_t stopAt = 0;
 };
 
 TEST_F(CustomQueryProgress, IsToldTheRowsSoFarFromNoneOn) {
-  step = 50ms;
+  server.answer[0].breaksOff = [&] { EXPECT_TRUE(waitUntilTold(900)); };
   EXPECT_EQ(run().outcome, CustomOutcome::filled);
-  ASSERT_GE(told.size(), 3U);
   EXPECT_EQ(told.front(), 0U);
-  EXPECT_GT(told.back(), 900U);
   EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
 }
 
-TEST_F(CustomQueryProgress, IsToldNoOftenerThanItsInterval) {
-  run();
+TEST_F(CustomQueryProgress, IsToldNoOftenerThanItsPace) {
+  surroundings.pace.interval = 1h;
+  EXPECT_EQ(run().outcome, CustomOutcome::filled);
   EXPECT_THAT(told, ElementsAre(0U));
-  told.clear();
-  step = 25ms;
+}
+
+TEST_F(CustomQueryProgress, IsToldOnTheThreadThatWaits) {
+  const std::thread::id here = std::this_thread::get_id();
+  std::thread::id asked;
+  const QueryProgress note = progress;
+  progress = [&](std::size_t rows) {
+    EXPECT_EQ(std::this_thread::get_id(), here);
+    return note(rows);
+  };
+  server.refusesConnection = [&] { asked = std::this_thread::get_id(); };
+  server.answer[0].breaksOff = [&] { EXPECT_TRUE(waitUntilTold(900)); };
   run();
-  const std::size_t everyOther = told.size();
-  told.clear();
-  step = 50ms;
-  run();
-  EXPECT_NEAR(static_cast<double>(told.size()), 2.0 * static_cast<double>(everyOther), 2);
+  EXPECT_NE(asked, std::thread::id());
+  EXPECT_NE(asked, here);
 }
 
 TEST_F(CustomQueryProgress, StopsBeforeTheConnectionIsOpened) {
@@ -245,8 +267,8 @@ TEST_F(CustomQueryProgress, StopsBeforeTheConnectionIsOpened) {
 }
 
 TEST_F(CustomQueryProgress, StopsAmongTheRows) {
-  step = 50ms;
   stopAt = 4;
+  server.refusesExecution = [&] { EXPECT_TRUE(waitUntilStopped()); };
   EXPECT_EQ(run().outcome, CustomOutcome::stopped);
   EXPECT_LT(server.rowsOffered, 500U);
   EXPECT_EQ(told.size(), 4U);
@@ -255,14 +277,45 @@ TEST_F(CustomQueryProgress, StopsAmongTheRows) {
 }
 
 TEST_F(CustomQueryProgress, AStopIsAStopAlsoWhereTheEngineCallsItAFailure) {
-  step = 50ms;
   stopAt = 2;
-  server.refusesExecution = [] { throw Error(9, "interrupted"); };
+  server.refusesExecution = [&] {
+    EXPECT_TRUE(waitUntilStopped());
+    throw Error(9, "interrupted");
+  };
   EXPECT_EQ(run().outcome, CustomOutcome::stopped);
+}
+
+TEST_F(CustomQueryProgress, AServerThatDoesNotComeBackIsLeftBehind) {
+  stopAt = 2;
+  surroundings.pace.grace = 0ms;
+  std::promise<void> answers;
+  std::promise<void> closed;
+  server.refusesExecution = [&] { answers.get_future().wait(); };
+  server.onClose = [&] { closed.set_value(); };
+  EXPECT_EQ(run().outcome, CustomOutcome::stopped);
+  expectClearedWithColumnsOfBefore();
+  EXPECT_TRUE(db::workIsLeftBehind());
+  // Whatever it says now concerns nobody.
+  answers.set_value();
+  EXPECT_EQ(closed.get_future().wait_for(20s), std::future_status::ready);
+  while (db::workIsLeftBehind()) std::this_thread::yield();
+  expectClearedWithColumnsOfBefore();
 }
 
 TEST_F(CustomQueryProgress, ThatThrowsIsAFailure) {
   progress = [](std::size_t) -> bool { throw std::runtime_error("no window"); };
+  expectFailure(run(), 51, "no window");
+}
+
+TEST_F(CustomQueryProgress, ThatThrowsWhileTheServerWorksIsAFailureToo) {
+  progress = [this](std::size_t) -> bool {
+    if (told.empty()) {
+      told.push_back(0);
+      return true;
+    }
+    throw std::runtime_error("no window");
+  };
+  server.refusesExecution = [&] { EXPECT_TRUE(waitUntilStopped()); };
   expectFailure(run(), 51, "no window");
 }
 
@@ -302,7 +355,7 @@ TEST_F(QueryMemory, ASmallAnswerIsShownOnASmallMachineToo) {
 
 TEST_F(QueryMemory, WhatTheEngineTakesForItselfCounts) {
   server.answer[0].rows.assign(1000, {"x"});
-  surroundings.interval = 0ms;
+  surroundings.now = [time = std::chrono::steady_clock::time_point{}]() mutable { return time += 50ms; };
   server.refusesExecution = [this] { state.freeBytes = 1000; };
   EXPECT_EQ(run().failure.value_or(Error(0, "")).number(), results::outOfMemoryNumber);
 }
@@ -312,7 +365,7 @@ TEST_F(QueryMemory, TheStandardQueryIsGuardedAsWell) {
   FilterTree tree;
   tree.selectAll();
   state.freeBytes = 1000;
-  const QueryReport report = runStandardQuery(tree, {}, "", server.connector(), lists, 0, surroundings.memory);
+  const QueryReport report = runStandardQuery({tree, {}, {}}, server.connector(), lists, 0, {}, surroundings);
   EXPECT_EQ(report.outcome, QueryOutcome::failed);
   ASSERT_TRUE(report.failure);
   EXPECT_EQ(report.failure->number(), results::outOfMemoryNumber);

@@ -27,7 +27,7 @@ struct StandardQuery : testing::Test {
   StandardQuery() { tree.selectAll(); }
 
   QueryReport run(std::size_t currentList = 0) {
-    return runStandardQuery(tree, range, "the string", server.connector(), lists, currentList);
+    return runStandardQuery({tree, range, "the string"}, server.connector(), lists, currentList);
   }
 
   /// The entry numbers of a list, as shown, in order.
@@ -304,7 +304,8 @@ TEST_F(FailingQuery, OtherExceptionsBecomeErrors) {
 
 TEST_F(FailingQuery, NoConnectionAtAll) {
   const QueryReport report = runStandardQuery(
-      tree, range, "the string", [](std::string_view) { return std::unique_ptr<db::Connection>(); }, lists, 0);
+      {tree, range, "the string"},
+      [](std::string_view, const std::stop_token&) { return std::unique_ptr<db::Connection>(); }, lists, 0);
   EXPECT_EQ(report.outcome, QueryOutcome::failed);
   EXPECT_TRUE(report.failure.has_value());
   expectEmptyStandardLists();

@@ -46,7 +46,7 @@ TEST_F(UnfilledLists, OfAStandardQueryAreEmptyThroughout) {
   constexpr std::size_t currentList = 3;
   lists[sortedList].sort();
   const int failures =
-      failuresUntilFilled([&] { return runStandardQuery(tree, {}, "", server.connector(), lists, currentList); },
+      failuresUntilFilled([&] { return runStandardQuery({tree, {}, {}}, server.connector(), lists, currentList); },
                           [&] {
                             for (std::size_t list = 0; list < standardListCount; ++list)
                               EXPECT_EQ(lists[list].rowCount(), 0U) << list;

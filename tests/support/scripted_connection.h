@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,12 +33,14 @@ class ScriptedServer {
 
   std::vector<std::string> opened;    ///< connection strings
   std::vector<std::string> executed;  ///< command texts
+  std::stop_token stop;               ///< the last connection's
   std::size_t rowsOffered = 0;
   int openConnections = 0;
 
   auto connector() {
-    return [this](std::string_view connectionString) -> std::unique_ptr<db::Connection> {
+    return [this](std::string_view connectionString, const std::stop_token& asked) -> std::unique_ptr<db::Connection> {
       opened.emplace_back(connectionString);
+      stop = asked;
       if (refusesConnection) refusesConnection();
       return std::make_unique<Connection>(*this);
     };

@@ -1,0 +1,108 @@
+#include "db/attended_work.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+
+#include "db/net/loose_thread.h"
+
+namespace korvel::db {
+
+namespace {
+
+std::atomic<int>& leftBehind() noexcept {
+  static std::atomic<int> count{0};
+  return count;
+}
+
+/// What the two threads share.
+class Task {
+ public:
+  /// On the working thread.
+  void run(std::function<void(const std::stop_token&)> work) noexcept {
+    std::exception_ptr thrown;
+    try {
+      work(stop_.get_token());
+    } catch (...) {
+      thrown = std::current_exception();
+    }
+    // Whoever waits may take away what the work refers to.
+    work = nullptr;
+    const std::lock_guard lock(mutex_);
+    thrown_ = std::move(thrown);
+    ended_ = true;
+    if (isLeftBehind_) --leftBehind();
+    changed_.notify_all();
+  }
+
+  [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, time, [this] { return ended_; });
+  }
+  void waitForEnd() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return ended_; });
+  }
+
+  void askToEnd() { stop_.request_stop(); }
+  /// False where the work has ended after all.
+  [[nodiscard]] bool leaveBehind() {
+    const std::lock_guard lock(mutex_);
+    if (ended_) return false;
+    isLeftBehind_ = true;
+    ++leftBehind();
+    return true;
+  }
+  void throwWhatWasThrown() const {
+    if (thrown_) std::rethrow_exception(thrown_);
+  }
+
+ private:
+  std::stop_source stop_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::exception_ptr thrown_;
+  bool ended_ = false;
+  bool isLeftBehind_ = false;
+};
+
+/// Waits until the work has ended, or is not wanted any more; true for the former.
+bool awaitEnd(Task& task, const Attendance& attendance, std::chrono::milliseconds interval) {
+  if (!attendance) {
+    task.waitForEnd();
+    return true;
+  }
+  while (!task.endsWithin(interval))
+    if (!attendance()) return false;
+  return true;
+}
+
+}  // namespace
+
+bool attendWork(std::function<void(const std::stop_token&)> work, const Attendance& attendance,
+                const AttendancePace& pace) {
+  const auto task = std::make_shared<Task>();
+  net::startLooseThread([task, work = std::move(work)]() mutable { task->run(std::move(work)); });
+  std::exception_ptr attendanceFailed;
+  try {
+    if (awaitEnd(*task, attendance, pace.interval)) {
+      task->throwWhatWasThrown();
+      return true;
+    }
+  } catch (...) {
+    if (task->endsWithin(std::chrono::milliseconds{0})) throw;
+    attendanceFailed = std::current_exception();
+  }
+  task->askToEnd();
+  const bool ended = task->endsWithin(pace.grace) || !task->leaveBehind();
+  if (attendanceFailed) std::rethrow_exception(attendanceFailed);
+  if (ended) task->throwWhatWasThrown();
+  return ended;
+}
+
+bool workIsLeftBehind() noexcept {
+  return leftBehind() > 0;
+}
+
+}  // namespace korvel::db

@@ -1,0 +1,201 @@
+// Queries that are stopped while a server is asked, servers that take no notice of it, and what becomes of what a typed
+// text has changed.
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "query/custom_query.h"
+#include "tests/odbc/wire.h"
+
+namespace korvel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using query::CustomOutcome;
+using query::QueryOutcome;
+using tds::Answer;
+using tds::Moment;
+using tds::Steps;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const std::vector<tds::Column> numberAndName{{"Nr", "int"}, {"Name", "nvarchar(30)"}};
+
+Answer begun() {
+  return Answer().result(numberAndName).row({1, "pump"});
+}
+
+/// Both kinds of query over the wire, stopped by their attendance once the peer has heard something.
+class Stopping : public WireTest {
+ protected:
+  void SetUp() override {
+    WireTest::SetUp();
+    // Nothing but a stop ends these.
+    access_.options.commandTimeout = 0s;
+    access_.options.connectionTimeout = 60s;
+    surroundings_.pace = {1ms, tds::patience};
+    lists_[5].startOver({{"Before", 1440, 0}});
+  }
+  ~Stopping() override {
+    // What was left behind still uses the peer.
+    while (db::workIsLeftBehind()) std::this_thread::yield();
+  }
+
+  QueryOutcome standardQuery() {
+    query::FilterTree tree;
+    tree.selectAll();
+    return query::runStandardQuery(
+               {tree, {}, {}}, connector(), lists_, 0, [this] { return !isTime(); }, surroundings_)
+        .outcome;
+  }
+  CustomOutcome customQuery() {
+    return query::runCustomQuery(
+               "go", {}, connector(), lists_[5], [this](std::size_t) { return !isTime(); }, surroundings_)
+        .outcome;
+  }
+  void answerWith(const Answer& answer) {
+    peer_.answerOthers([answer](const tds::Command&) { return answer; });
+  }
+  /// Stops the queries from here on as soon as this holds.
+  void stopWhen(std::function<bool(const tds::Record&)> holds) { holds_ = std::move(holds); }
+  static bool hasCommand(const tds::Record& record) { return !record.commands.empty(); }
+
+  void expectNothingShown() const {
+    for (const auto& list : lists_) EXPECT_EQ(list.rowCount(), 0U);
+  }
+
+  query::ResultLists lists_ = query::makeResultLists();
+  query::QuerySurroundings surroundings_;
+
+ private:
+  [[nodiscard]] bool isTime() const { return holds_(peer_.record()); }
+  query::Connector connector() {
+    return [access = access_, server = serverName()](std::string_view, const std::stop_token& stop) {
+      db::odbc::ServerAccess stoppable = access;
+      stoppable.stop = stop;
+      return db::odbc::openServer(server, "Korvel_Audit", stoppable);
+    };
+  }
+
+  std::function<bool(const tds::Record&)> holds_ = hasCommand;
+};
+
+TEST_F(Stopping, aServerThatNeverAnswersIsToldAndLeft) {
+  for (const Answer& answer : {Answer().silence(), begun().silence(), begun().done().silence()}) {
+    const std::size_t attentions = peer_.record().attentions;
+    const std::size_t commands = peer_.record().commands.size();
+    stopWhen([commands](const tds::Record& record) { return record.commands.size() > commands; });
+    answerWith(answer);
+    EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
+    EXPECT_FALSE(db::workIsLeftBehind());
+    expectNothingShown();
+    EXPECT_TRUE(peer_.waitUntilAlone());
+    EXPECT_GT(peer_.record().attentions, attentions);
+  }
+  stopWhen([commands = peer_.record().commands.size()](const tds::Record& record) {
+    return record.commands.size() > commands;
+  });
+  answerWith(Answer().silence());
+  EXPECT_EQ(customQuery(), CustomOutcome::stopped);
+  expectNothingShown();
+  EXPECT_TRUE(peer_.waitUntilAlone());
+}
+
+TEST_F(Stopping, nobodyWaitsForAServerThatNoticesLate) {
+  const tds::Gate gate;
+  peer_.answerAttentionsAt(gate);
+  answerWith(begun().silence());
+  surroundings_.pace.grace = 0ms;
+  EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
+  // Behind the query the server still holds the connection.
+  EXPECT_TRUE(gate.waitUntilReached());
+  EXPECT_EQ(peer_.record().openConnections, 1U);
+  expectNothingShown();
+  gate.open();
+  EXPECT_TRUE(peer_.waitUntilAlone());
+  expectNothingShown();
+}
+
+TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnection) {
+  peer_.ignoreAttentions();
+  answerWith(begun().silence());
+  EXPECT_EQ(customQuery(), CustomOutcome::stopped);
+  EXPECT_FALSE(db::workIsLeftBehind());
+  EXPECT_TRUE(peer_.waitUntilAlone());
+}
+
+TEST_F(Stopping, aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt) {
+  for (const Moment moment : {Moment::accepted, Moment::preloginAnswered, Moment::loginReceived}) {
+    SCOPED_TRACE(static_cast<int>(moment));
+    peer_.at(moment, Steps().silence());
+    const std::size_t connections = peer_.record().connections;
+    stopWhen([connections](const tds::Record& record) { return record.connections > connections; });
+    EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
+    EXPECT_FALSE(db::workIsLeftBehind());
+    peer_.at(moment, Steps());
+    EXPECT_FALSE(connectError());
+    EXPECT_TRUE(peer_.waitUntilAlone());
+  }
+}
+
+TEST_F(Stopping, afterAnEmptyFirstResultNoOtherIsWaitedFor) {
+  // FreeTDS tells the end of a result when it has seen the columns of the next one.
+  answerWith(Answer().result(numberAndName).done().result(numberAndName).silence());
+  const auto end = std::chrono::steady_clock::now() + tds::patience;
+  stopWhen([end](const tds::Record&) { return std::chrono::steady_clock::now() > end; });
+  EXPECT_EQ(standardQuery(), QueryOutcome::noRecords);
+  EXPECT_TRUE(peer_.waitUntilAlone());
+}
+
+/// A statement that changes no row is answered by some drivers as if there were nothing more.
+TEST_F(Stopping, aStatementThatChangesNothingDoesNotEndItsBatch) {
+  access_.options.driver = SCRIPTED_DRIVER;
+  access_.driverText = [](const db::odbc::LoginRequest&) { return "Driver={" SCRIPTED_DRIVER "};"; };
+  stopWhen([](const tds::Record&) { return false; });
+  EXPECT_EQ(customQuery(), CustomOutcome::filled);
+  ASSERT_EQ(lists_[5].rowCount(), 1U);
+  EXPECT_EQ(lists_[5].text({0}, {0}), "pump");
+}
+
+/// What a typed text changes is taken back.
+class Undoing : public Stopping {
+ protected:
+  std::vector<std::string> transactionsOf(const Answer& answer) {
+    answerWith(answer);
+    const std::size_t before = peer_.record().transactions.size();
+    outcome = customQuery();
+    EXPECT_TRUE(peer_.waitUntilAlone());
+    auto all = peer_.record().transactions;
+    all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(before));
+    return all;
+  }
+  CustomOutcome outcome = CustomOutcome::failed;
+};
+
+TEST_F(Undoing, everyTextIsRolledBack) {
+  stopWhen([](const tds::Record&) { return false; });
+  const auto rolledBack = ElementsAre("begin", "rollback", "begin");
+  EXPECT_THAT(transactionsOf(Answer().affected(3).result(numberAndName).row({1, "pump"})), rolledBack);
+  EXPECT_EQ(outcome, CustomOutcome::filled);
+  EXPECT_THAT(transactionsOf(Answer().affected(3).error({208, "Invalid object name 'x'."})), rolledBack);
+  EXPECT_EQ(outcome, CustomOutcome::failed);
+  EXPECT_THAT(transactionsOf(Answer()), rolledBack);
+  EXPECT_EQ(outcome, CustomOutcome::noRecords);
+}
+
+TEST_F(Undoing, aStoppedTextToo) {
+  stopWhen(hasCommand);
+  EXPECT_THAT(transactionsOf(begun().silence()), ElementsAre("begin", "rollback", "begin"));
+  EXPECT_EQ(outcome, CustomOutcome::stopped);
+}
+
+TEST_F(Undoing, theStandardQueryNeedsNoTransaction) {
+  stopWhen([](const tds::Record&) { return false; });
+  answerWith(begun());
+  EXPECT_EQ(standardQuery(), QueryOutcome::filled);
+  EXPECT_THAT(peer_.record().transactions, IsEmpty());
+}
+
+}  // namespace
+}  // namespace korvel::test
