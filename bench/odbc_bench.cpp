@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/whole_file.h"
 #include "bench/audit_file.h"
 #include "bench/least.h"
 #include "db/open_connection.h"
@@ -15,6 +16,7 @@
 #include "tests/odbc/access_without_domain.h"
 #include "tests/support/tds/bare_odbc.h"
 #include "tests/support/tds/peer.h"
+#include "tests/support/temporary_folder.h"
 
 namespace korvel::bench {
 namespace {
@@ -120,6 +122,43 @@ void standardQueryOverTheWire(benchmark::State& state) {
   state.counters["work_to_bare"] = queryTime.processorSeconds / bareTime.processorSeconds;
 }
 BENCHMARK(standardQueryOverTheWire)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(60);
+
+/// A login with a checked certificate: the driver alone, the product, and all steps of the way before the driver, as
+/// `check` takes them.
+void loginOverTheWire(benchmark::State& state) {
+  const auto driver = test::installedFreeTds();
+  if (!driver) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
+  const test::TemporaryFolder folder;
+  test::tds::TdsPeer peer;
+  writeWholeFile(folder / "authorities.pem", peer.certificatePem());
+  db::odbc::ServerAccess access = test::accessWithoutDomain();
+  access.options.certificateAuthorities = (folder / "authorities.pem").string();
+  const std::string server = "localhost," + std::to_string(peer.port());
+  const std::string bareText = test::freeTdsString(*driver, peer.port(), "Encryption=require;UID=reader;PWD=secret;");
+  Least bareTime;
+  Least time;
+  Least stepTime;
+  for (auto _ : state) {
+    bareTime.measure([&] {
+      test::BareOdbc bare;
+      if (!bare.connect(bareText).empty()) state.SkipWithError("no login");
+    });
+    state.SetIterationTime(time.measure([&] { (void)db::odbc::openServer(server, "Korvel_Audit", access); }));
+    stepTime.measure([&] {
+      db::odbc::ServerApproach approach(server, access);
+      approach.findServer();
+      approach.reachPort();
+      approach.greet();
+      approach.encrypt();
+      approach.proveUser();
+      (void)approach.logIn("Korvel_Audit");
+    });
+  }
+  state.counters["bare_ms"] = bareTime.seconds * 1000;
+  state.counters["login_ms"] = time.seconds * 1000;
+  state.counters["all_steps_ms"] = stepTime.seconds * 1000;
+}
+BENCHMARK(loginOverTheWire)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
 
 }  // namespace
 }  // namespace korvel::bench

@@ -15,6 +15,7 @@
 #include "tests/cli/sql_command_fixture.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
+#include "tests/support/signal_setting.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
@@ -23,21 +24,8 @@ namespace korvel::cli {
 namespace {
 
 using nlohmann::json;
+using test::SignalSetting;
 using test::ToolRun;
-
-/// While it lives, a signal does what it is told to here: started in the background or without a terminal, the tests
-/// may have been told to ignore some.
-class SignalSetting {
- public:
-  SignalSetting(int signal, void (*handler)(int)) : signal_(signal), before_(std::signal(signal, handler)) {}
-  ~SignalSetting() { static_cast<void>(std::signal(signal_, before_)); }
-  SignalSetting(const SignalSetting&) = delete;
-  SignalSetting& operator=(const SignalSetting&) = delete;
-
- private:
-  int signal_;
-  void (*before_)(int);
-};
 
 TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
   writeWholeFile(folder / "q.vqf", "select 1");

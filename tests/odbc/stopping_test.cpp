@@ -2,11 +2,14 @@
 // text has changed.
 
 #include <chrono>
-#include <future>
+#include <csignal>
+#include <sstream>
 #include <thread>
 
+#include "cli/tool.h"
 #include "query/custom_query.h"
 #include "tests/odbc/wire.h"
+#include "tests/support/signal_setting.h"
 
 namespace korvel::test {
 namespace {
@@ -65,11 +68,6 @@ class Stopping : public WireTest {
     for (const auto& list : lists_) EXPECT_EQ(list.rowCount(), 0U);
   }
 
-  query::ResultLists lists_ = query::makeResultLists();
-  query::QuerySurroundings surroundings_;
-
- private:
-  [[nodiscard]] bool isTime() const { return holds_(peer_.record()); }
   query::Connector connector() {
     return [access = access_, server = serverName()](std::string_view, const std::stop_token& stop) {
       db::odbc::ServerAccess stoppable = access;
@@ -77,6 +75,12 @@ class Stopping : public WireTest {
       return db::odbc::openServer(server, "Korvel_Audit", stoppable);
     };
   }
+
+  query::ResultLists lists_ = query::makeResultLists();
+  query::QuerySurroundings surroundings_;
+
+ private:
+  [[nodiscard]] bool isTime() const { return holds_(peer_.record()); }
 
   std::function<bool(const tds::Record&)> holds_ = hasCommand;
 };
@@ -156,6 +160,33 @@ TEST_F(Stopping, aStatementThatChangesNothingDoesNotEndItsBatch) {
   EXPECT_EQ(customQuery(), CustomOutcome::filled);
   ASSERT_EQ(lists_[5].rowCount(), 1U);
   EXPECT_EQ(lists_[5].text({0}, {0}), "pump");
+}
+
+/// The tool on a server that does not answer, and Ctrl+C.
+TEST_F(Stopping, theToolEndsOnCtrlC) {
+  // Whatever this program was started to ignore.
+  const SignalSetting heard(SIGINT, SIG_DFL);
+  const TemporaryFolder folder;
+  const std::string target = (folder / "rows.csv").string();
+  writeWholeFile(target, "before");
+  peer_.answerOthers([](const tds::Command&) {
+    (void)std::raise(SIGINT);
+    return begun().silence();
+  });
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"sql", "--format", "csv", "--output", target, "select 1"},
+        {"sql", "--format", "table", "--output", target, "select 1"},
+        {"query", "--format", "csv", "--output", target}}) {
+    std::ostringstream out;
+    std::ostringstream err;
+    std::vector<std::string> all = arguments;
+    EXPECT_EQ(cli::runTool(std::move(all), out, err, connector()), 130) << arguments[0];
+    EXPECT_EQ(out.str(), "");
+    EXPECT_THAT(err.str(), ::testing::HasSubstr("stopped"));
+    EXPECT_EQ(readWholeFile(target), "before");
+    while (db::workIsLeftBehind()) std::this_thread::yield();
+    EXPECT_TRUE(peer_.waitUntilAlone());
+  }
 }
 
 /// What a typed text changes is taken back.
