@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "control/look/theme.h"
+#include "query/forms/line_pieces.h"
 #include "query/forms/query_file_drop.h"
 #include "query/forms/sql_highlighter.h"
 #include "query/sql_tokens.h"
@@ -17,25 +18,18 @@
 namespace korvel::query {
 namespace {
 
-// Beyond this many lines no partner is looked for: a text that long is no query that was typed.
+// Beyond this many lines or characters no partner is looked for: a text that long is no query that was typed.
 constexpr int farthestPartner = 2000;
-constexpr QChar lineSeparator(QChar::LineSeparator);
-constexpr QChar paragraphSeparator(QChar::ParagraphSeparator);
+constexpr int farthestCharacters = 100'000;
 
 /// Places of the parentheses in a block, relative to it, in their order.
 std::vector<int> parenthesesOf(const QTextBlock& block) {
   const QString text = block.text();
-  SqlLineState state = toLineState(block.previous().isValid() ? block.previous().userState() : 0);
+  int state = block.previous().isValid() ? block.previous().userState() : 0;
   std::vector<int> places;
-  for (const SqlToken& token :
-       sqlTokens({reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())}, state))
+  for (const SqlToken& token : tokensOfBlock(text, LinePieces::continues(block), state))
     if (token.kind == SqlTokenKind::parenthesis) places.push_back(static_cast<int>(token.begin));
   return places;
-}
-
-/// A separator that would break a line without ending it ends it: the server counts lines.
-QString withLineEnds(QString text) {
-  return text.replace(lineSeparator, QLatin1Char('\n'));
 }
 
 bool isRunKey(const QKeyEvent& event) {
@@ -44,14 +38,17 @@ bool isRunKey(const QKeyEvent& event) {
   return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) && modifiers == Qt::ControlModifier;
 }
 
-bool isShiftEnter(const QKeyEvent& event) {
+/// Also with Shift, for which the toolkit would put a separator that breaks a line without ending it: the server counts
+/// lines.
+bool isEnter(const QKeyEvent& event) {
   return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
-         event.modifiers().testFlag(Qt::ShiftModifier) && !event.modifiers().testFlag(Qt::ControlModifier);
+         !event.modifiers().testFlag(Qt::ControlModifier);
 }
 
 }  // namespace
 
-SqlEditor::SqlEditor(QWidget* parent) : QPlainTextEdit(parent), highlighter_(new SqlHighlighter(document())) {
+SqlEditor::SqlEditor(QWidget* parent)
+    : QPlainTextEdit(parent), pieces_(new LinePieces(*document())), highlighter_(new SqlHighlighter(document())) {
   setObjectName(QStringLiteral("txtAdvancedQuery"));
   // Nothing but the family: the size stays that of the elements around it.
   QFont fixed;
@@ -69,16 +66,13 @@ SqlEditor::SqlEditor(QWidget* parent) : QPlainTextEdit(parent), highlighter_(new
 
 QString SqlEditor::queryText() const {
   // Not toPlainText(): that takes a no-break space for a blank.
-  QString text = document()->toRawText();
-  text.replace(paragraphSeparator, QStringLiteral("\r\n"));
-  text.replace(lineSeparator, QStringLiteral("\r\n"));
-  return text;
+  return pieces_->text(0, document()->characterCount(), QStringLiteral("\r\n"));
 }
 
 void SqlEditor::setQueryText(const QString& text) {
   QTextCursor cursor(document());
   cursor.select(QTextCursor::Document);
-  cursor.insertText(withLineEnds(text));
+  pieces_->insertText(cursor, text);
   cursor.movePosition(QTextCursor::Start);
   setTextCursor(cursor);
   errorLine_.reset();
@@ -87,7 +81,7 @@ void SqlEditor::setQueryText(const QString& text) {
 
 void SqlEditor::setErrorLine(std::optional<int> line) {
   errorLine_ = line;
-  const QTextBlock block = line ? document()->findBlockByNumber(*line - 1) : QTextBlock();
+  const QTextBlock block = line ? pieces_->blockOfLine(*line - 1) : QTextBlock();
   if (!block.isValid()) errorLine_.reset();
   if (errorLine_) {
     QTextCursor cursor(block);
@@ -102,7 +96,7 @@ void SqlEditor::showMarks() {
   QList<QTextEdit::ExtraSelection> marks;
   if (errorLine_) {
     QTextEdit::ExtraSelection line;
-    line.cursor = QTextCursor(document()->findBlockByNumber(*errorLine_ - 1));
+    line.cursor = QTextCursor(pieces_->blockOfLine(*errorLine_ - 1));
     line.format.setBackground(colours.errorLine);
     line.format.setProperty(QTextFormat::FullWidthSelection, true);
     marks.append(line);
@@ -138,7 +132,9 @@ std::optional<int> SqlEditor::partnerOf(int place) const {
   const bool forward = document()->characterAt(place) == QLatin1Char('(');
   QTextBlock block = document()->findBlock(place);
   int depth = 0;
-  for (int line = 0; line < farthestPartner && block.isValid(); ++line) {
+  int characters = 0;
+  for (int line = 0; line < farthestPartner && characters < farthestCharacters && block.isValid(); ++line) {
+    characters += block.length();
     std::vector<int> places = parenthesesOf(block);
     if (!forward) std::reverse(places.begin(), places.end());
     for (const int each : places) {
@@ -174,13 +170,37 @@ void SqlEditor::keyPressEvent(QKeyEvent* event) {
     if (!event->isAutoRepeat()) Q_EMIT runRequested();
     return;
   }
-  // The toolkit would put such a separator here.
-  if (isShiftEnter(*event)) {
-    textCursor().insertBlock();
+  if (isEnter(*event)) {
+    pieces_->insertLineEnd(textCursor());
     ensureCursorVisible();
     return;
   }
+  stepOverSeam(*event);
   QPlainTextEdit::keyPressEvent(event);
+}
+
+void SqlEditor::stepOverSeam(const QKeyEvent& event) {
+  const bool back = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Left;
+  const bool forth = event.key() == Qt::Key_Delete || event.key() == Qt::Key_Right;
+  const bool moves = event.key() == Qt::Key_Left || event.key() == Qt::Key_Right;
+  const bool extends = moves && event.modifiers().testFlag(Qt::ShiftModifier);
+  QTextCursor cursor = textCursor();
+  // What is selected is removed, or left, as a whole.
+  if (cursor.hasSelection() && !extends) return;
+  const QTextBlock block = cursor.block();
+  const bool atSeam = (back && cursor.atBlockStart() && LinePieces::continues(block)) ||
+                      (forth && cursor.atBlockEnd() && LinePieces::goesOn(block));
+  if (!atSeam) return;
+  cursor.movePosition(back ? QTextCursor::PreviousCharacter : QTextCursor::NextCharacter,
+                      extends ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
+  setTextCursor(cursor);
+}
+
+QMimeData* SqlEditor::createMimeDataFromSelection() const {
+  const QTextCursor cursor = textCursor();
+  auto* copied = new QMimeData;
+  copied->setText(pieces_->text(cursor.selectionStart(), cursor.selectionEnd(), QStringLiteral("\n")));
+  return copied;
 }
 
 bool SqlEditor::canInsertFromMimeData(const QMimeData* source) const {
@@ -189,7 +209,7 @@ bool SqlEditor::canInsertFromMimeData(const QMimeData* source) const {
 }
 
 void SqlEditor::insertFromMimeData(const QMimeData* source) {
-  if (source->hasText()) textCursor().insertText(withLineEnds(source->text()));
+  if (source->hasText()) pieces_->insertText(textCursor(), source->text());
   ensureCursorVisible();
 }
 

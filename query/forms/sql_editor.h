@@ -8,6 +8,7 @@
 
 namespace korvel::query {
 
+class LinePieces;
 class SqlHighlighter;
 
 /// The text box of custom queries. Tab leaves it, as it leaves every other element.
@@ -28,6 +29,9 @@ class SqlEditor final : public QPlainTextEdit {
   /// The marked line, nothing where none is marked.
   [[nodiscard]] std::optional<int> errorLine() const { return errorLine_; }
 
+  /// How lines that are too long to be laid out at once are kept.
+  [[nodiscard]] LinePieces& pieces() { return *pieces_; }
+
   /// Texts of the context menu and the placeholder, by our own keys ("editor.undo").
   void setTexts(const std::function<QString(std::string_view key)>& text);
 
@@ -40,6 +44,7 @@ class SqlEditor final : public QPlainTextEdit {
   void keyPressEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void changeEvent(QEvent* event) override;
+  [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
   [[nodiscard]] bool canInsertFromMimeData(const QMimeData* source) const override;
   void insertFromMimeData(const QMimeData* source) override;
 
@@ -49,11 +54,14 @@ class SqlEditor final : public QPlainTextEdit {
   void applyLook();
   void showMarks();
   void removeSelected();
+  /// Between two pieces of a line there is nothing: the key is about what stands behind.
+  void stepOverSeam(const QKeyEvent& event);
   /// Place of the parenthesis that belongs to the one at `place`; nothing where there is none near enough.
   [[nodiscard]] std::optional<int> partnerOf(int place) const;
   /// Place of the parenthesis beside the cursor, the one before it first.
   [[nodiscard]] std::optional<int> parenthesisAtCursor() const;
 
+  LinePieces* pieces_;
   SqlHighlighter* highlighter_;
   std::array<QString, menuEntryCount> menuTexts_;
   std::optional<int> errorLine_;

@@ -1,0 +1,193 @@
+#include "query/forms/line_pieces.h"
+
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <algorithm>
+#include <utility>
+
+namespace korvel::query {
+namespace {
+
+enum Mark : int { continuesMark = QTextFormat::UserProperty + 1, goesOnMark };
+
+QTextBlockFormat marked(bool continues, bool goesOn) {
+  QTextBlockFormat format;
+  if (continues) format.setProperty(continuesMark, true);
+  if (goesOn) format.setProperty(goesOnMark, true);
+  return format;
+}
+
+/// As a part of the change that went before: it is undone with that.
+void setMarks(const QTextBlock& block, bool continues, bool goesOn) {
+  if (LinePieces::continues(block) == continues && LinePieces::goesOn(block) == goesOn) return;
+  QTextCursor cursor(block);
+  cursor.joinPreviousEditBlock();
+  cursor.setBlockFormat(marked(continues, goesOn));
+  cursor.endEditBlock();
+}
+
+bool endsLine(QChar c) {
+  // The last two are the toolkit's own marks: it makes blocks of them.
+  return c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::LineSeparator ||
+         c == QChar::ParagraphSeparator || c == QChar(0xFDD0) || c == QChar(0xFDD1);
+}
+
+/// The lines of a text; one more than it has ends.
+QList<QStringView> linesOf(QStringView text) {
+  QList<QStringView> lines;
+  qsizetype begin = 0;
+  for (qsizetype at = 0; at < text.size(); ++at) {
+    if (!endsLine(text.at(at))) continue;
+    lines.append(text.mid(begin, at - begin));
+    if (text.at(at) == QLatin1Char('\r') && at + 1 < text.size() && text.at(at + 1) == QLatin1Char('\n')) ++at;
+    begin = at + 1;
+  }
+  lines.append(text.mid(begin));
+  return lines;
+}
+
+}  // namespace
+
+LinePieces::LinePieces(QTextDocument& document) : QObject(&document), document_(document) {
+  connect(&document_, &QTextDocument::contentsChange, this, [this](int position, int /*removed*/, int added) {
+    changedFrom_ = position;
+    changedTo_ = position + added;
+  });
+  // Not before: the document must not be changed while it tells of a change.
+  connect(&document_, &QTextDocument::contentsChanged, this, &LinePieces::mend);
+}
+
+bool LinePieces::continues(const QTextBlock& block) {
+  return block.blockFormat().boolProperty(continuesMark);
+}
+
+bool LinePieces::goesOn(const QTextBlock& block) {
+  return block.blockFormat().boolProperty(goesOnMark);
+}
+
+int LinePieces::firstPiece(QStringView text) const {
+  int length = std::min(pieceLength_, static_cast<int>(text.size()));
+  for (int blank = length; blank > length / 2; --blank)
+    if (text.at(blank - 1).isSpace()) return blank;
+  // A character of two units stays whole.
+  if (length < text.size() && length > 1 && text.at(length - 1).isHighSurrogate()) --length;
+  return length;
+}
+
+void LinePieces::insertLine(QTextCursor& cursor, QStringView line) const {
+  while (line.size() > 2 * qsizetype{pieceLength_}) {
+    const int length = firstPiece(line);
+    cursor.insertText(line.left(length).toString());
+    line = line.mid(length);
+    const QTextBlock block = cursor.block();
+    const bool on = goesOn(block);
+    cursor.setBlockFormat(marked(continues(block), true));
+    cursor.insertBlock(marked(true, on));
+  }
+  cursor.insertText(line.toString());
+}
+
+void LinePieces::insertText(QTextCursor cursor, const QString& text) {
+  const bool before = std::exchange(mending_, true);
+  cursor.beginEditBlock();
+  cursor.removeSelectedText();
+  mendSeams(cursor.position(), cursor.position());
+  const QList<QStringView> lines = linesOf(text);
+  for (qsizetype i = 0; i < lines.size(); ++i) {
+    if (i > 0) {
+      const QTextBlock block = cursor.block();
+      const bool on = goesOn(block);
+      if (on) cursor.setBlockFormat(marked(continues(block), false));
+      cursor.insertBlock(marked(false, on));
+    }
+    insertLine(cursor, lines.at(i));
+  }
+  mending_ = before;
+  cursor.endEditBlock();
+}
+
+void LinePieces::insertLineEnd(QTextCursor cursor) {
+  insertText(std::move(cursor), QStringLiteral("\n"));
+}
+
+QString LinePieces::text(int from, int to, const QString& lineEnd) const {
+  QString text;
+  for (QTextBlock block = document_.findBlock(from); block.isValid() && block.position() <= to; block = block.next()) {
+    if (block.position() > from && !continues(block)) text += lineEnd;
+    const int begin = std::max(0, from - block.position());
+    text += block.text().mid(begin, to - block.position() - begin);
+  }
+  return text;
+}
+
+QTextBlock LinePieces::blockOfLine(int line) const {
+  for (QTextBlock block = document_.firstBlock(); line >= 0 && block.isValid(); block = block.next())
+    if (!continues(block) && line-- == 0) return block;
+  return {};
+}
+
+void LinePieces::mend() {
+  if (mending_ || changedFrom_ < 0) return;
+  // What is undone comes back as it was. To change it would forget what can be redone.
+  if (document_.isRedoAvailable()) return;
+  mending_ = true;
+  const int from = std::exchange(changedFrom_, -1);
+  const int to = std::min(changedTo_, document_.characterCount() - 1);
+  mendSeams(from, to);
+  joinEmptyPieces(from);
+  splitLongBlocks(from, to);
+  mending_ = false;
+  changedFrom_ = -1;
+}
+
+void LinePieces::mendSeams(int from, int to) {
+  // A block that begins where the change began may have come there from behind it. The line end before it is the one
+  // that was there, and the block before it knows what that was.
+  const QTextBlock first = document_.findBlock(from);
+  if (first.isValid() && first.position() == from)
+    setMarks(first, first.previous().isValid() && goesOn(first.previous()), goesOn(first));
+  // A block may have lost its end to one that came before it. The line end behind it is the one that was there, and the
+  // block behind it knows what that was.
+  for (QTextBlock block = first; block.isValid() && block.position() <= to; block = block.next())
+    setMarks(block, continues(block), block.next().isValid() && continues(block.next()));
+}
+
+void LinePieces::joinEmptyPieces(int from) {
+  QTextBlock block = document_.findBlock(from);
+  if (!block.isValid() || block.length() > 1) return;
+  // The one before takes an empty piece in; the first of a line is taken in by the one behind.
+  if (continues(block)) {
+    block = block.previous();
+  } else if (!goesOn(block)) {
+    return;
+  }
+  const bool begins = continues(block);
+  const bool on = goesOn(block.next());
+  const int position = block.position();
+  QTextCursor cursor(block);
+  cursor.joinPreviousEditBlock();
+  cursor.movePosition(QTextCursor::EndOfBlock);
+  cursor.deleteChar();
+  cursor.endEditBlock();
+  setMarks(document_.findBlock(position), begins, on);
+}
+
+void LinePieces::splitLongBlocks(int from, int to) {
+  QTextBlock block = document_.findBlock(std::min(from, to));
+  int end = to;
+  for (; block.isValid() && block.position() <= end; block = block.next()) {
+    if (block.length() - 1 <= 2 * pieceLength_) continue;
+    QTextCursor cursor(block);
+    cursor.joinPreviousEditBlock();
+    const bool on = goesOn(block);
+    cursor.setPosition(block.position() + firstPiece(block.text()));
+    cursor.setBlockFormat(marked(continues(block), true));
+    cursor.insertBlock(marked(true, on));
+    cursor.endEditBlock();
+    block = document_.findBlock(block.position());
+    ++end;
+  }
+}
+
+}  // namespace korvel::query
