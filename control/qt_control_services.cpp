@@ -111,7 +111,7 @@ std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& 
 
 std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
   const PointerForDialog pointer;
-  const std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, lastFolder_);
+  std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, lastFolder_);
   if (folder) lastFolder_ = *folder;
   return folder;
 }
