@@ -57,7 +57,7 @@ std::optional<std::string> resolveServerPath(std::string& server, std::string* d
 std::optional<std::string> folderNote(const std::string& server) {
   if (server.empty() || db::isEmbeddedServer(server) || typeOf(pathFromUtf8(server)) != fs::file_type::directory)
     return std::nullopt;
-  return "the folder of that name is ./" + server;
+  return "there is a folder of that name: --server ./" + server;
 }
 
 }  // namespace korvel::cli

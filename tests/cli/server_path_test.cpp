@@ -68,7 +68,7 @@ TEST_F(ServerPath, APathThatAConnectionCannotNameIsRefused) {
 TEST_F(ServerPath, AFolderWithAServersNameIsPointedOut) {
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
-  EXPECT_EQ(folderNote("data"), "the folder of that name is ./data");
+  EXPECT_EQ(folderNote("data"), "there is a folder of that name: --server ./data");
   EXPECT_EQ(folderNote("AUDITSRV"), std::nullopt);
   EXPECT_EQ(folderNote("(embedded)"), std::nullopt);
   EXPECT_EQ(folderNote(""), std::nullopt);
