@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QProxyStyle>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyle>
@@ -18,6 +19,17 @@ void warn(QWidget* owner, const QString& text) {
   box.exec();
 }
 
+/// A style without animations: the toolkit makes one even for a window that is not animated, as a child of what it
+/// places, and puts it away in the next event loop.
+class StillStyle final : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* returned) const override {
+    if (hint == SH_Widget_Animation_Duration) return 0;
+    return QProxyStyle::styleHint(hint, option, widget, returned);
+  }
+};
+
 }  // namespace
 
 MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& language)
@@ -27,9 +39,13 @@ MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& l
       viewer_(new AuditViewer),
       failureBar_(new FailureBar) {
   setWindowTitle(productName);
-  // A message box may run while the window is being shown, and the toolkit's animations do not survive that.
+  // A message box may run while the window is being shown, and the toolkit's animations do not survive that: they go
+  // while the window still goes through its children.
   setAnimated(false);
   auto* content = new QWidget;
+  auto* still = new StillStyle;
+  still->setParent(content);
+  content->setStyle(still);
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins({});
   column->setSpacing(0);

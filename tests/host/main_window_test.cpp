@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractAnimation>
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
@@ -18,6 +19,15 @@ TEST_F(MainWindowTest, TheTitleSaysWhichDatabaseIsSelected) {
   EXPECT_EQ(window.windowTitle(), "Korvel Audit Viewer");
   window.show();
   EXPECT_EQ(window.windowTitle(), "AUDITSRV - [Korvel_Audit] - Korvel Audit Viewer");
+}
+
+TEST_F(MainWindowTest, NothingInItGoesWhileItIsShown) {
+  MainWindow window(options, english);
+  window.resize(900, 600);
+  window.show();
+  // A message of the control's first moments runs an event loop, in which it would go.
+  EXPECT_TRUE(
+      window.centralWidget()->findChildren<QAbstractAnimation*>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
 }
 
 TEST_F(MainWindowTest, ExitClosesTheWindow) {
