@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QResizeEvent>
 #include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
