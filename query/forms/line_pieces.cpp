@@ -107,8 +107,8 @@ void LinePieces::insertText(QTextCursor cursor, const QString& text) {
   cursor.endEditBlock();
 }
 
-void LinePieces::insertLineEnd(QTextCursor cursor) {
-  insertText(std::move(cursor), QStringLiteral("\n"));
+void LinePieces::insertLineEnd(const QTextCursor& cursor) {
+  insertText(cursor, QStringLiteral("\n"));
 }
 
 QString LinePieces::text(int from, int to, const QString& lineEnd) const {

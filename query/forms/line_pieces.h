@@ -33,7 +33,7 @@ class LinePieces final : public QObject {
 
   /// Puts a text in the place of what is selected. A line ends at CR LF, CR, LF and Unicode's separators.
   void insertText(QTextCursor cursor, const QString& text);
-  void insertLineEnd(QTextCursor cursor);
+  void insertLineEnd(const QTextCursor& cursor);
 
   /// The text from one place of the document to another, with `lineEnd` between its lines.
   [[nodiscard]] QString text(int from, int to, const QString& lineEnd) const;
