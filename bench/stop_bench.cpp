@@ -22,29 +22,25 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// Needs no display.
-QApplication &application() {
+QApplication& application() {
   static int argc = 1;
   static char name[] = "bench_stop";
-  static char *argv[] = {name, nullptr};
+  static char* argv[] = {name, nullptr};
   qputenv("QT_QPA_PLATFORM", "offscreen");
   static QApplication only(argc, argv);
   return only;
 }
 
-void stopping(benchmark::State &state,
-              const std::function<void(test::tds::TdsPeer &)> &manners) {
-  if (!test::installedFreeTds())
-    return state.SkipWithError("the FreeTDS ODBC driver is not installed");
+void stopping(benchmark::State& state, const std::function<void(test::tds::TdsPeer&)>& manners) {
+  if (!test::installedFreeTds()) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
   application();
   test::tds::TdsPeer peer;
-  peer.answerOthers(
-      [](const test::tds::Command &) { return test::tds::Answer().silence(); });
+  peer.answerOthers([](const test::tds::Command&) { return test::tds::Answer().silence(); });
   manners(peer);
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.trustServerCertificate = true;
   const std::string server = "localhost," + std::to_string(peer.port());
-  control::surroundings().connect = [&](std::string_view,
-                                        const std::stop_token &stop) {
+  control::surroundings().connect = [&](std::string_view, const std::stop_token& stop) {
     db::odbc::ServerAccess stoppable = access;
     stoppable.stop = stop;
     return db::odbc::openServer(server, "Korvel_Audit", stoppable);
@@ -61,13 +57,9 @@ void stopping(benchmark::State &state,
     const std::size_t asked = peer.record().commands.size();
     Clock::time_point escape;
     // Made here: the first event of its kind makes what belongs to this thread.
-    auto key = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape,
-                                           Qt::NoModifier);
+    auto key = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     std::thread person([&] {
-      if (!peer.waitUntil([asked](const test::tds::Record &record) {
-            return record.commands.size() > asked;
-          }))
-        return;
+      if (!peer.waitUntil([asked](const test::tds::Record& record) { return record.commands.size() > asked; })) return;
       escape = Clock::now();
       QCoreApplication::postEvent(&viewer, key.release());
     });
@@ -78,24 +70,19 @@ void stopping(benchmark::State &state,
     state.SetIterationTime(taken);
     longest = std::max(longest, taken);
     // Behind the window the connection ends, or is given up.
-    while (db::workIsLeftBehind())
-      std::this_thread::yield();
-    closed = std::max(
-        closed, std::chrono::duration<double>(Clock::now() - escape).count());
+    while (db::workIsLeftBehind()) std::this_thread::yield();
+    closed = std::max(closed, std::chrono::duration<double>(Clock::now() - escape).count());
   }
   state.counters["longest_ms"] = longest * 1000;
   state.counters["connection_closed_ms"] = closed * 1000;
 }
 
-void aServerThatNeverAnswers(benchmark::State &state) {
-  stopping(state, [](test::tds::TdsPeer &) {});
+void aServerThatNeverAnswers(benchmark::State& state) {
+  stopping(state, [](test::tds::TdsPeer&) {});
 }
-BENCHMARK(aServerThatNeverAnswers)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(10);
+BENCHMARK(aServerThatNeverAnswers)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
-void aServerThatNoticesAfterASecond(benchmark::State &state) {
+void aServerThatNoticesAfterASecond(benchmark::State& state) {
   const test::tds::Gate gate;
   std::thread opener([&] {
     while (!gate.waitUntilReached()) {
@@ -103,23 +90,16 @@ void aServerThatNoticesAfterASecond(benchmark::State &state) {
     std::this_thread::sleep_for(std::chrono::seconds{1});
     gate.open();
   });
-  stopping(state,
-           [&](test::tds::TdsPeer &peer) { peer.answerAttentionsAt(gate); });
+  stopping(state, [&](test::tds::TdsPeer& peer) { peer.answerAttentionsAt(gate); });
   opener.join();
 }
 // A gate opens once.
-BENCHMARK(aServerThatNoticesAfterASecond)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(1);
+BENCHMARK(aServerThatNoticesAfterASecond)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
-void aServerThatTakesNoNotice(benchmark::State &state) {
-  stopping(state, [](test::tds::TdsPeer &peer) { peer.ignoreAttentions(); });
+void aServerThatTakesNoNotice(benchmark::State& state) {
+  stopping(state, [](test::tds::TdsPeer& peer) { peer.ignoreAttentions(); });
 }
-BENCHMARK(aServerThatTakesNoNotice)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(10);
+BENCHMARK(aServerThatTakesNoNotice)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
-} // namespace
-} // namespace korvel::bench
+}  // namespace
+}  // namespace korvel::bench

@@ -10,6 +10,9 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/whole_file.h"
+#include "cli/exit_status.h"
+#include "cli/interruption.h"
+#include "cli/messages.h"
 #include "cli/terminal.h"
 
 namespace korvel::cli {
@@ -47,6 +50,18 @@ bool isTerminal(const std::string& target, const std::ostream& out) {
   std::error_code ignored;
   const fs::path device = pathFromUtf8(target);
   return fs::is_character_file(files::status(device, ignored)) && deviceIsTerminal(device);
+}
+
+int stopped(std::ostream& err) {
+  say(err, "stopped");
+  return exitStopped;
+}
+
+output::ByteSink untilInterrupted(const output::ByteSink& target) {
+  return [&target](std::string_view bytes) {
+    if (Interruption::requested()) throw Stopped{};
+    target(bytes);
+  };
 }
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {

@@ -19,4 +19,13 @@ using db::isDatabaseFile;
 /// device or pipe is written through. Throws Error with the system's error number.
 void writeTo(const std::string& target, std::ostream& out, const std::function<void(const output::ByteSink&)>& write);
 
+/// Thrown by a sink once the program was asked to end: the output is not to be.
+struct Stopped {};
+
+/// Says so; the exit status.
+int stopped(std::ostream& err);
+
+/// A sink that writes to `target`, which outlives it, until the program is asked to end; see Interruption.
+[[nodiscard]] output::ByteSink untilInterrupted(const output::ByteSink& target);
+
 }  // namespace korvel::cli

@@ -186,8 +186,7 @@ int fillLists(const QueryOptions& options, const query::Connector& connect, quer
   const query::QueryReport report = query::runStandardQuery({tree, options.range, connectionString}, connect, lists,
                                                             options.list, [] { return !Interruption::requested(); });
   if (report.outcome == QueryOutcome::stopped) {
-    say(err, "stopped");
-    return exitStopped;
+    return stopped(err);
   }
   if (report.failure) {
     say(err, "database error " + errorText(*report.failure));
@@ -267,9 +266,11 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
         status = fillLists(options, connect, lists, err);
         // Leaves a file as it was.
         if (status != exitDone) throw NothingToWrite{};
-        writeList(options, lists[options.list], sink, err);
+        writeList(options, lists[options.list], untilInterrupted(sink), err);
       });
     } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
+    } catch (const Stopped&) {
+      status = stopped(err);
     }
   });
   return failure ? outputFailed(err, *failure) : status;

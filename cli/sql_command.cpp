@@ -31,7 +31,8 @@ namespace {
 constexpr const char* footer =
     "TEXT is sent to the server as it is. The first result set that has columns is written, and\n"
     "nothing of later ones. Databases of the embedded engine are only read: what would change one\n"
-    "is refused.\n"
+    "is refused. On a server TEXT runs in a transaction that is rolled back; a TEXT that commits by\n"
+    "itself is beyond that. Only the rights of your login protect an audit trail from intent.\n"
     "\n"
     "Formats (--format), in UTF-8 but for html:\n"
     "  table      aligned for a terminal; control characters in values show as \\n, \\x1B and so on\n"
@@ -64,19 +65,13 @@ constexpr const char* footer =
 
 constexpr std::string_view noRecordsText = "No Records Found for Query";
 
-/// End the writing of an output that is not to be.
+/// Ends the writing of an output that is not to be.
 struct NothingToWrite {};
-struct Stopped {};
 
 std::string databaseText(const Error& error) {
   std::string text = "database error " + std::to_string(error.number());
   if (error.line()) text += " in line " + std::to_string(*error.line());
   return text + ": " + settings::describe(error, settings::LanguageOffset{});
-}
-
-int stopped(std::ostream& err) {
-  say(err, "stopped");
-  return exitStopped;
 }
 
 /// How a query came out, apart from failures to write.
@@ -169,10 +164,7 @@ class SqlRun {
     const auto failure = query::failureOf([&] {
       try {
         writeTo(target_, out, [&](const output::ByteSink& target) {
-          const output::ByteSink sink = [&target](std::string_view bytes) {
-            if (!wanted()) throw Stopped{};
-            target(bytes);
-          };
+          const output::ByteSink sink = untilInterrupted(target);
           report = format_.stream != nullptr ? stream(sink) : collect(sink);
           // Leaves a file as it was.
           if (report.outcome != CustomOutcome::filled) throw NothingToWrite{};

@@ -4,14 +4,28 @@
 #include <QPointer>
 #include <QResizeEvent>
 #include <QShowEvent>
+#include <chrono>
 
 #include "base/error.h"
 #include "control/audit_viewer_members.h"
 #include "control/look/look.h"
+#include "db/attended_work.h"
 
 namespace korvel {
 
+namespace {
+
+/// A query that was stopped may go on behind the window until its connection is given up, two seconds later: the
+/// program does not take away under it what it uses.
+void awaitStoppedQueries() {
+  constexpr std::chrono::milliseconds untilGivenUp{2500};
+  db::awaitWorkLeftBehind(untilGivenUp);
+}
+
+}  // namespace
+
 AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
+  [[maybe_unused]] static const bool awaited = (qAddPostRoutine(awaitStoppedQueries), true);
   look::applyLook(*this);
   members_ = std::make_unique<Members>(*this);
   members_->trapped("Initialize", [this] { members_->Initialize(); });

@@ -64,7 +64,7 @@ void AuditViewer::Members::offerCustomQuery() {
 }
 
 void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
-  if (queryRuns_) return;
+  if (libraryState().queryRuns) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;

@@ -217,6 +217,20 @@ void AuditViewer::Members::DisplayNoOfRecords() {
       fromUtf8(results::recordCountText(count, loadText(recordsOnCurrentTab).toStdString())));
 }
 
+namespace {
+
+/// While it lives, no control of the program begins a query: it would run inside of the one that is waited for, which
+/// could not be stopped meanwhile.
+class QueryRuns {
+ public:
+  QueryRuns() { libraryState().queryRuns = true; }
+  ~QueryRuns() { libraryState().queryRuns = false; }
+  QueryRuns(const QueryRuns&) = delete;
+  QueryRuns& operator=(const QueryRuns&) = delete;
+};
+
+}  // namespace
+
 AuditViewer::Members::AnswerUse AuditViewer::Members::runWatched(
     const std::function<void(const db::Attendance& goOn)>& ask) {
   const QPointer<AuditViewer> alive(&viewer_);
@@ -225,7 +239,7 @@ AuditViewer::Members::AnswerUse AuditViewer::Members::runWatched(
   const int selection = selections_;
   const auto isStale = [&] { return !alive || selections_ != selection; };
   const QString statusBefore = surface.StatusBar1->status();
-  queryRuns_ = true;
+  const QueryRuns runs;
   {
     control::QueryWatch watch;
     ask([&] { return !isStale() && watch.goOn() && !isStale(); });
@@ -233,7 +247,6 @@ AuditViewer::Members::AnswerUse AuditViewer::Members::runWatched(
     static_cast<void>(watch.goOn());
   }
   if (!alive) return AnswerUse::controlIsGone;
-  queryRuns_ = false;
   surface.StatusBar1->setStatus(statusBefore);
   // Rows of a database that is not the selected one any more are nobody's: the lists were cleared of them.
   return isStale() ? AnswerUse::nobodys : AnswerUse::shown;
@@ -245,7 +258,7 @@ void AuditViewer::Members::TriggerQuery() {
   using Change = control::ResultListModel::RowsChange;
 
   // A call that was queued while a query runs: it would run inside of that.
-  if (queryRuns_) return;
+  if (libraryState().queryRuns) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -254,7 +267,6 @@ void AuditViewer::Members::TriggerQuery() {
   const auto over = qScopeGuard([&] {
     if (alive) endAnswer(standardAnswer_);
   });
-  const bool customPage = surface.currentTab() == query::customList;
   // What is asked now: a host may choose otherwise before the answer is told.
   const query::DateRange range = libraryState().dateRange;
   const query::CategoryFlags flags = filterTree.flags();
@@ -275,6 +287,8 @@ void AuditViewer::Members::TriggerQuery() {
   if (use == AnswerUse::controlIsGone) return;
   if (use == AnswerUse::nobodys) whole = query::StandardAnswer::stopped();
   query::QueryReport report;
+  // The page that is in front now: a queued call may have chosen another one.
+  const bool customPage = surface.currentTab() == query::customList;
   // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
   const std::size_t sorted = customPage ? query::listCount : surface.currentTab();
   changeLists([&] { report = whole.fill(lists, sorted); });
@@ -384,7 +398,7 @@ void AuditViewer::Members::announceSelection() {
 }
 
 void AuditViewer::Members::btQuery_Click() {
-  if (queryRuns_) return;
+  if (libraryState().queryRuns) return;
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {

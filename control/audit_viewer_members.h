@@ -237,7 +237,6 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::ShownAnswer standardAnswer_;
   control::ShownAnswer customAnswer_;
   QString shownRestingText_;
-  bool queryRuns_ = false;
   /// How often a database was selected: an answer that was asked for before the last time is not shown.
   int selections_ = 0;
   /// What a list told last; until the next query, a change of the page or the end of the rows that it is about.

@@ -34,6 +34,8 @@ struct LibraryState {
   settings::LanguageOffset language;
   output::PrintFont printFont;
   PendingReport pendingReport;
+  /// A control asks a database, and waits for it.
+  bool queryRuns = false;
   /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
   QString helpFile;
 };

@@ -1,6 +1,5 @@
 #include "db/attended_work.h"
 
-#include <atomic>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
@@ -11,9 +10,37 @@ namespace korvel::db {
 
 namespace {
 
-std::atomic<int>& leftBehind() noexcept {
-  static std::atomic<int> count{0};
-  return count;
+/// Counts the work that was left behind and goes on.
+class LeftBehind {
+ public:
+  void add() {
+    const std::lock_guard lock(mutex_);
+    ++count_;
+  }
+  void remove() {
+    const std::lock_guard lock(mutex_);
+    --count_;
+    changed_.notify_all();
+  }
+  [[nodiscard]] bool isAny() {
+    const std::lock_guard lock(mutex_);
+    return count_ > 0;
+  }
+  void awaitEnd(std::chrono::milliseconds atMost) {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, atMost, [this] { return count_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int count_ = 0;
+};
+
+/// Never destroyed: work that was left behind may outlive everything else.
+LeftBehind& leftBehind() {
+  static auto* const only = new LeftBehind;
+  return *only;
 }
 
 /// What the two threads share.
@@ -32,7 +59,7 @@ class Task {
     const std::lock_guard lock(mutex_);
     thrown_ = std::move(thrown);
     ended_ = true;
-    if (isLeftBehind_) --leftBehind();
+    if (isLeftBehind_) leftBehind().remove();
     changed_.notify_all();
   }
 
@@ -51,7 +78,7 @@ class Task {
     const std::lock_guard lock(mutex_);
     if (ended_) return false;
     isLeftBehind_ = true;
-    ++leftBehind();
+    leftBehind().add();
     return true;
   }
   void throwWhatWasThrown() const {
@@ -102,7 +129,11 @@ bool attendWork(std::function<void(const std::stop_token&)> work, const Attendan
 }
 
 bool workIsLeftBehind() noexcept {
-  return leftBehind() > 0;
+  return leftBehind().isAny();
+}
+
+void awaitWorkLeftBehind(std::chrono::milliseconds atMost) {
+  leftBehind().awaitEnd(atMost);
 }
 
 }  // namespace korvel::db

@@ -41,5 +41,7 @@ auto runAttended(Work work, const Attendance& attendance, const AttendancePace& 
 
 /// Whether work that was left behind still goes on.
 [[nodiscard]] bool workIsLeftBehind() noexcept;
+/// Waits until it has ended, for a program that is about to end, but not longer than `atMost`.
+void awaitWorkLeftBehind(std::chrono::milliseconds atMost);
 
 }  // namespace korvel::db

@@ -174,7 +174,7 @@ void frmSQLServerBrowser::DisplayServers() {
     if (!alive) return;
     for (const std::string& server : servers) SmartViewBar_->addItem(fromUtf8(server));
     SmartViewBar_->highlightItems();
-    SmartViewBar_->setEmptyText(ownText("browser.noServers"));
+    if (listing == Listing::done) SmartViewBar_->setEmptyText(ownText("browser.noServers"));
     say(listing == Listing::stopped ? ownText("browser.stopped")
                                     : ownText("browser.servers", QString::number(SmartViewBar_->count())));
   }

@@ -15,13 +15,17 @@ namespace {
 
 constexpr const char* configurationVariable = "FREETDSCONF";
 
-/// Null removes it. The environment belongs to the whole process; logins wait for each other.
+/// The environment belongs to the whole process. Logins wait for each other, but other threads read it meanwhile: a
+/// variable that is there already gets another value in its place, while a new one may move all of them. So it is there
+/// from the start of the program on; FreeTDS takes an empty one for none.
 void setVariable(const char* value) noexcept {
-  if (value != nullptr)
-    ::setenv(configurationVariable, value, 1);  // NOLINT(concurrency-mt-unsafe): see above
-  else
-    ::unsetenv(configurationVariable);  // NOLINT(concurrency-mt-unsafe): see above
+  ::setenv(configurationVariable, value, 1);  // NOLINT(concurrency-mt-unsafe): see above
 }
+
+[[maybe_unused]] const bool variableIsThere = [] {
+  if (std::getenv(configurationVariable) == nullptr) setVariable("");
+  return true;
+}();
 
 }  // namespace
 
@@ -50,7 +54,7 @@ DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
 
 DriverConfiguration::~DriverConfiguration() {
   if (folder_.empty()) return;
-  setVariable(before_ ? before_->c_str() : nullptr);
+  setVariable(before_ ? before_->c_str() : "");
   removeFolder();
 }
 

@@ -15,6 +15,8 @@ enum class DriverFamily : std::uint8_t {
 struct Driver {
   std::string name;
   DriverFamily family = DriverFamily::vendor;
+  /// Whether its manners are known: somebody else's driver gets the vendor's words and may not heed them.
+  bool isKnown = true;
 };
 
 }  // namespace korvel::db::odbc

@@ -128,7 +128,7 @@ bool needsConfiguration(const LoginRequest& request) {
 }
 
 bool checksCertificates(const LoginRequest& request) {
-  return request.driver.family != DriverFamily::freeTds || needsConfiguration(request);
+  return request.driver.family == DriverFamily::freeTds ? needsConfiguration(request) : request.driver.isKnown;
 }
 
 std::string freeTdsConfiguration(const LoginRequest& request) {

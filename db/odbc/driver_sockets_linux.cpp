@@ -2,11 +2,15 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 
 #include <charconv>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <set>
+#include <sstream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -35,16 +39,48 @@ std::uint16_t peerPortOf(int descriptor) noexcept {
   return 0;
 }
 
-/// The descriptors of this process that are connected to a port.
+/// The sockets of the system that are still connecting to a port, by the numbers that the system gives them: who is at
+/// the other end the descriptor itself tells only later.
+std::set<ino_t> connectingTo(std::uint16_t port) {
+  std::set<ino_t> found;
+  for (const char* table : {"/proc/self/net/tcp", "/proc/self/net/tcp6"}) {
+    std::ifstream lines(table);
+    std::string line;
+    std::getline(lines, line);
+    while (std::getline(lines, line)) {
+      // "sl local remote state queues timer retransmits user timeout inode": addresses are hexadecimal, after the colon
+      // comes the port.
+      std::istringstream fields(line);
+      std::string slot, local, remote, state, queues, timer, retransmits, user, timeout;
+      ino_t number = 0;
+      constexpr std::string_view synSent = "02";
+      if (!(fields >> slot >> local >> remote >> state >> queues >> timer >> retransmits >> user >> timeout >> number))
+        continue;
+      const auto colon = remote.find(':');
+      if (state == synSent && colon != std::string::npos && std::stoul(remote.substr(colon + 1), nullptr, 16) == port)
+        found.insert(number);
+    }
+  }
+  return found;
+}
+
+/// The descriptors of this process that are connected to a port, or are about to be.
 std::set<int> connectionsTo(std::uint16_t port) {
   std::set<int> found;
+  const std::set<ino_t> connecting = connectingTo(port);
+  const auto isConnecting = [&](int descriptor) {
+    struct stat status {};
+    return !connecting.empty() && ::fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode) &&
+           connecting.contains(status.st_ino);
+  };
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir("/proc/self/fd"), &::closedir);
   if (!folder) return found;
   while (const dirent* entry = ::readdir(folder.get())) {
     const std::string_view name = entry->d_name;
     int descriptor = -1;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), descriptor);
-    if (error == std::errc{} && end == name.data() + name.size() && peerPortOf(descriptor) == port)
+    if (error == std::errc{} && end == name.data() + name.size() &&
+        (peerPortOf(descriptor) == port || isConnecting(descriptor)))
       found.insert(descriptor);
   }
   return found;

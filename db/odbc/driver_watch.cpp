@@ -28,6 +28,7 @@ DriverWatch::~DriverWatch() {
   }
   changed_.notify_all();
   thread_.join();
+  if (canceller_.joinable()) canceller_.join();
 }
 
 void DriverWatch::answerIsDecided() {
@@ -48,9 +49,17 @@ void DriverWatch::setCancel(std::function<void()> cancel) {
   cancel_ = std::move(cancel);
 }
 
-void DriverWatch::cancel() {
-  const std::lock_guard lock(cancelMutex_);
-  if (cancel_) cancel_();
+void DriverWatch::cancelUntilDone() {
+  std::unique_lock lock(mutex_);
+  while (!done_) {
+    lock.unlock();
+    {
+      const std::lock_guard cancelling(cancelMutex_);
+      if (cancel_) cancel_();
+    }
+    lock.lock();
+    changed_.wait_for(lock, again, [this] { return done_; });
+  }
 }
 
 void DriverWatch::watch() {
@@ -78,12 +87,12 @@ std::optional<DriverWatch::Clock::time_point> DriverWatch::act() {
     if (time >= *ending_) {
       sockets_.shutDown();
     } else {
-      if (stopped) cancel();
+      if (stopped && !canceller_.joinable()) canceller_ = std::thread([this] { cancelUntilDone(); });
       atTheLatest(*ending_);
     }
     atTheLatest(time + again);
   }
-  if (patience_.silence) {
+  if (patience_.silence && !decided_) {
     const Clock::time_point end = lastWord() + *patience_.silence;
     if (expired_ || end <= time) {
       expired_ = true;

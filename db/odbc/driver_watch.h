@@ -38,7 +38,7 @@ class DriverWatch {
   /// Whether the driver's connections had to be shut down because the server was silent.
   [[nodiscard]] bool expired() const noexcept { return expired_.load(); }
 
-  /// While it lives, a stop calls `cancel` first, on the watching thread.
+  /// While it lives, a stop calls `cancel` first, on a thread of its own: a driver may wait for the server in it.
   class Cancelling {
    public:
     Cancelling(DriverWatch& watch, std::function<void()> cancel) : watch_(watch) {
@@ -65,7 +65,7 @@ class DriverWatch {
     return Clock::time_point(Clock::duration(lastWord_.load(std::memory_order_relaxed)));
   }
   void setCancel(std::function<void()> cancel);
-  void cancel();
+  void cancelUntilDone();
   void wake();
   void watch();
   /// Does what is due and says when the next thing is; nothing: when somebody wakes the thread.
@@ -84,6 +84,7 @@ class DriverWatch {
   std::condition_variable changed_;
   bool done_ = false;
   bool woken_ = false;
+  std::thread canceller_;  // the watching thread starts it
   std::thread thread_;
   std::stop_callback<Waker> onStop_;  // last: it uses all of the above
 };

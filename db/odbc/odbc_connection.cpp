@@ -22,6 +22,9 @@ namespace {
 /// in better order, but a server that sends half a packet makes it wait twice as long.
 constexpr std::chrono::milliseconds driversGrace{500};
 
+/// How soon a login that waits for another one hears a stop.
+constexpr std::chrono::milliseconds stopInterval{50};
+
 /// How long a driver may take to end a statement that nobody wants any more.
 constexpr std::chrono::seconds patienceAfterStop{2};
 
@@ -36,8 +39,8 @@ SQLWCHAR* asWide(std::u16string& text) {
 }
 
 /// Logins read and change what the whole process shares: the environment, and the connections that are open to a port.
-std::mutex& loginMutex() {
-  static std::mutex mutex;
+std::timed_mutex& loginMutex() {
+  static std::timed_mutex mutex;
   return mutex;
 }
 
@@ -80,13 +83,17 @@ OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& t
 
 std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const std::string& text,
                                               const net::Deadline& deadline, std::vector<Diagnostic>& diagnostics) {
-  const std::lock_guard oneLoginAtATime(loginMutex());
+  // Waiting for another login is not this server's silence.
+  const std::chrono::milliseconds left = deadline.left();
+  std::unique_lock oneLoginAtATime(loginMutex(), std::defer_lock);
+  while (!oneLoginAtATime.try_lock_for(stopInterval))
+    if (stop_.stop_requested()) return loginFailure({}, request, true);
   sockets_.expect(address_.port);
   {
     // What a login has begun nobody needs: a stop shuts it down at once.
-    const DriverWatch watch(sockets_, {deadline.left()}, stop_);
+    const DriverWatch watch(sockets_, {left}, stop_);
     try {
-      logIn(request, text);
+      logIn(request, text, left);
       if (onEvent_) diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection_.get());
     } catch (const DriverFailure& failure) {
       diagnostics = failure.diagnostics;
@@ -97,9 +104,10 @@ std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const
   return std::nullopt;
 }
 
-void OdbcConnection::logIn(const LoginRequest& request, const std::string& text) {
+void OdbcConnection::logIn(const LoginRequest& request, const std::string& text, std::chrono::milliseconds left) {
   SQLHDBC handle = connection_.get();
-  SQLSetConnectAttrW(handle, SQL_ATTR_LOGIN_TIMEOUT, asAttribute(request.options.connectionTimeout), SQL_IS_UINTEGER);
+  SQLSetConnectAttrW(handle, SQL_ATTR_LOGIN_TIMEOUT, asAttribute(std::chrono::ceil<std::chrono::seconds>(left)),
+                     SQL_IS_UINTEGER);
   const DriverConfiguration configuration(request);
   std::u16string wide = toUtf16(text);
   const SQLRETURN result = SQLDriverConnectW(handle, nullptr, asWide(wide), static_cast<SQLSMALLINT>(wide.size()),

@@ -37,7 +37,7 @@ class OdbcConnection final : public Connection {
   /// Logs in, alone in the process. Gives what failed, where something did; `diagnostics` get what was said.
   std::optional<Error> tryLogin(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
                                 std::vector<Diagnostic>& diagnostics);
-  void logIn(const LoginRequest& request, const std::string& text);
+  void logIn(const LoginRequest& request, const std::string& text, std::chrono::milliseconds left);
   template <typename Run>
   void runWatched(std::string_view commandText, const Run& run);
   void run(std::string_view commandText, ResultSink& sink, DriverWatch& watch);

@@ -32,21 +32,20 @@ auto explained(const char* silentKey, const char* failedKey, const std::string& 
   }
 }
 
-/// Of the whole timeout, what is kept for the steps that say why a driver has failed.
-net::Deadline leavingTimeToExplain(const net::Deadline& deadline) {
-  const auto left = deadline.left();
-  return net::Deadline(left - std::min<std::chrono::milliseconds>(left / 4, std::chrono::seconds{2}));
+/// Of what is left of the timeout, what is kept for the steps that say why a driver has failed.
+std::chrono::milliseconds timeToExplain(const net::Deadline& deadline) {
+  return std::min<std::chrono::milliseconds>(deadline.left() / 4, std::chrono::seconds{2});
 }
 
-/// Whether a failed login is explained by itself: by the server's own words, or because there is no driver to log in with.
+/// Whether a failed login is explained by itself: by the server's own words, or because there is no driver to log in
+/// with.
 bool explainsItself(const Error& failure) {
   // The driver's own numbers, which look like a server's.
   constexpr std::int32_t firstDriversNumber = 20000;
   constexpr std::int32_t lastDriversNumber = 20999;
   constexpr std::array<std::string_view, 3> sentences = {"failure.loginRefused", "failure.databaseRefused",
                                                          "failure.driverUnusable"};
-  if (failure.textKey().empty())
-    return failure.number() < firstDriversNumber || failure.number() > lastDriversNumber;
+  if (failure.textKey().empty()) return failure.number() < firstDriversNumber || failure.number() > lastDriversNumber;
   return std::find(sentences.begin(), sentences.end(), failure.textKey()) != sentences.end();
 }
 
@@ -134,22 +133,23 @@ void ServerApproach::explain() {
 }
 
 std::unique_ptr<Connection> ServerApproach::connect(const std::string& database) {
-  const LoginRequest request = requestFor(database);
-  // Nobody else would look at the certificate.
-  const ConnectionOptions& options = access_.options;
-  const bool looksFirst = options.encrypt && !options.trustServerCertificate && !checksCertificates(request);
-  if (looksFirst) explain();
-  const net::Deadline deadline = leavingTimeToExplain(deadline_);
+  const std::chrono::milliseconds kept = timeToExplain(deadline_);
+  const net::Deadline deadline(deadline_.left() - kept);
+  bool looked = false;
   try {
+    const LoginRequest request = requestFor(database);
+    const ConnectionOptions& options = access_.options;
+    if (options.encrypt && !options.trustServerCertificate && !checksCertificates(request)) {
+      // Whether the driver looks at the certificate is not known.
+      looked = true;
+      explain();
+    }
     access_.requireTicket(servicePrincipal_, deadline);
-  } catch (const Error&) {
-    if (!looksFirst) explain();
-    throw;
-  }
-  try {
     return logInBy(deadline, request);
   } catch (const Error& failure) {
-    if (looksFirst || access_.stop.stop_requested() || explainsItself(failure)) throw;
+    if (looked || access_.stop.stop_requested() || explainsItself(failure)) throw;
+    // A driver that could not be ended in time has used up the rest, too.
+    if (deadline_.left() < kept) deadline_ = net::Deadline(kept);
     explain();
     throw;
   }

@@ -6,9 +6,11 @@
 
 #include "base/whole_file.h"
 #include "cli/exit_status.h"
+#include "cli/output_formats.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
+#include "tests/support/signal_setting.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
 
@@ -44,6 +46,19 @@ TEST_F(QueryCommand, NamesASettingsFileThatIsNotUnderstood) {
   }
   const ToolRun custom = test::runTool({"sql", "--server", "AUDITSRV", "select 1"});
   EXPECT_NE(custom.err.find(settings), std::string::npos) << custom.err;
+}
+
+TEST_F(QueryCommand, StoppedWhileItIsWrittenLeavesFilesAsTheyWere) {
+  const test::SignalSetting heard(SIGINT, SIG_DFL);
+  writeWholeFile(folder / "out", "earlier");
+  server.onClose = [] { std::raise(SIGINT); };
+  for (const OutputFormat& format : outputFormats()) {
+    const test::ToolRun tool =
+        run({"--quiet", "--format", std::string(format.name), "--output", (folder / "out").string()});
+    EXPECT_EQ(tool.status, exitStopped) << format.name;
+    EXPECT_EQ(tool.err, "korvel-audit: stopped\n") << format.name;
+    EXPECT_EQ(readWholeFile(folder / "out"), "earlier") << format.name;
+  }
 }
 
 }  // namespace

@@ -286,6 +286,21 @@ TEST_F(WhileItLoads, QueuedQueriesOfTheSameControlDoNothing) {
   EXPECT_EQ(column(*viewer, 5), "1 2");
 }
 
+TEST_F(WhileItLoads, QueuedQueriesOfAnotherControlDoNothingEither) {
+  const auto viewer = customPage();
+  const auto other = shownViewer();
+  answerSlowly([&] { QMetaObject::invokeMethod(other.get(), "TriggerQuery", Qt::QueuedConnection); });
+  click(*viewer, "btQuery");
+  QCoreApplication::processEvents();
+  EXPECT_THAT(server.commands, SizeIs(1));
+  EXPECT_EQ(column(*viewer, 5), "1 2");
+  // Afterwards it queries again.
+  server.answer = nullptr;
+  server.resultSets = {{record("1", "CS")}};
+  other->TriggerQuery();
+  EXPECT_EQ(column(*other, 0), "1");
+}
+
 TEST_F(WhileItLoads, AnotherDatabaseThatIsSelectedMeanwhileEndsIt) {
   const auto viewer = customPage();
   recorder->onForm = [] { control::libraryState().connection.ConnectionString = "another"; };

@@ -85,6 +85,16 @@ TEST_F(OdbcLogin, refusesAnUnknownCertificate) {
   EXPECT_THAT(peer_.record().logins, IsEmpty());
 }
 
+/// Whether somebody else's driver looks at a certificate is not known.
+TEST_F(OdbcLogin, looksAtTheCertificateItselfBeforeAnUnknownDriverLogsIn) {
+  access_.options.certificateAuthorities.clear();
+  access_.options.driver = SCRIPTED_DRIVER;
+  access_.driverText = [](const db::odbc::LoginRequest&) { return "Driver={" SCRIPTED_DRIVER "};"; };
+  EXPECT_EQ(connectKey(), "failure.certificate");
+  access_.options.trustServerCertificate = true;
+  EXPECT_EQ(connectKey(), "connected");
+}
+
 TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
   writeWholeFile(folder_ / "other.pem", tds::TdsPeer().certificatePem());
   access_.options.certificateAuthorities = (folder_ / "other.pem").string();

@@ -3,11 +3,13 @@
 
 #include <chrono>
 #include <csignal>
+#include <future>
 #include <sstream>
 #include <thread>
 
 #include "cli/tool.h"
 #include "query/custom_query.h"
+#include "tests/odbc/full_port.h"
 #include "tests/odbc/wire.h"
 #include "tests/support/signal_setting.h"
 
@@ -69,13 +71,15 @@ class Stopping : public WireTest {
   }
 
   query::Connector connector() {
-    return [access = access_, server = serverName()](std::string_view, const std::stop_token& stop) {
+    return [access = access_, server = server_.empty() ? serverName() : server_](std::string_view,
+                                                                                 const std::stop_token& stop) {
       db::odbc::ServerAccess stoppable = access;
       stoppable.stop = stop;
       return db::odbc::openServer(server, "Korvel_Audit", stoppable);
     };
   }
 
+  std::string server_;  ///< another one than the peer
   query::ResultLists lists_ = query::makeResultLists();
   query::QuerySurroundings surroundings_;
 
@@ -141,6 +145,53 @@ TEST_F(Stopping, aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt) {
     EXPECT_FALSE(connectError());
     EXPECT_TRUE(peer_.waitUntilAlone());
   }
+}
+
+/// A connection that is asked for has no other end yet by which it could be known.
+TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
+  const FullPort full;
+  server_ = full.serverName();
+  int looks = 0;
+  stopWhen([&looks](const tds::Record&) { return ++looks == 200; });
+  EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
+  EXPECT_FALSE(db::workIsLeftBehind());
+  EXPECT_FALSE(connectError());
+}
+
+/// A stop that comes while the driver does nothing: cancelling then waits for the server's word itself.
+TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo) {
+  peer_.ignoreAttentions();
+  peer_.answer("go", Answer()
+                         .result(numberAndName)
+                         .rows(2000,
+                               [](std::size_t row) {
+                                 return std::vector<tds::Value>{static_cast<std::int64_t>(row), std::string(30, 'x')};
+                               })
+                         .silence());
+  std::stop_source stop;
+  access_.stop = stop.get_token();
+  const auto connection = connect();
+  /// Stops at its first row and goes on when the peer has heard of it.
+  class StoppingSink final : public db::ResultSink {
+   public:
+    StoppingSink(std::stop_source& source, const tds::TdsPeer& peer) : source_(source), peer_(peer) {}
+    void beginResult(std::span<const db::Field>) override {}
+    bool row(std::span<const db::Cell>) override {
+      if (source_.request_stop()) {
+        const bool heard = peer_.waitUntil([](const tds::Record& record) { return record.attentions > 0; });
+        EXPECT_TRUE(heard);
+      }
+      return true;
+    }
+    void endResult() override {}
+
+   private:
+    std::stop_source& source_;
+    const tds::TdsPeer& peer_;
+  } sink(stop, peer_);
+  auto ended = std::async(std::launch::async, [&] { return errorOf([&] { connection->execute("go", sink); }); });
+  EXPECT_EQ(ended.wait_for(tds::patience), std::future_status::ready);
+  peer_.stop();  // ends it in any case
 }
 
 TEST_F(Stopping, afterAnEmptyFirstResultNoOtherIsWaitedFor) {

@@ -1,12 +1,10 @@
-#include <sys/socket.h>
-
 #include <chrono>
 #include <thread>
 
 #include "db/odbc/odbc_connection.h"
 #include "query/standard_query.h"
+#include "tests/odbc/full_port.h"
 #include "tests/odbc/wire.h"
-#include "tests/support/tds/loopback.h"
 
 namespace korvel::test {
 namespace {
@@ -324,18 +322,9 @@ TEST_F(OdbcTrouble, aClosedPortAndAComputerThatNobodyKnows) {
 }
 
 TEST_F(OdbcTrouble, aPortThatAcceptsNothingIsGivenUp) {
-  // A listener whose queue is full drops further connections without a word, as firewalls do.
-  const LoopbackSocket full = bindLoopback(SOCK_STREAM);
-  ASSERT_EQ(::listen(full.socket.get(), 0), 0);
-  std::vector<db::net::Socket> waiting;
-  const auto endpoints = db::net::resolveHost("127.0.0.1", full.port, db::net::Deadline(5s)).endpoints;
-  const auto fillError = errorOf([&] {
-    for (int i = 0; i < 64; ++i) waiting.push_back(db::net::connectTcp(endpoints, db::net::Deadline(200ms)));
-  });
-  ASSERT_TRUE(fillError) << "the queue never filled";
+  const FullPort full;
   access_.options.connectionTimeout = 1s;
-  const auto error =
-      errorOf([&] { (void)db::odbc::openServer("127.0.0.1," + std::to_string(full.port), "D", access_); });
+  const auto error = errorOf([&] { (void)db::odbc::openServer(full.serverName(), "D", access_); });
   EXPECT_EQ(error->textKey(), "failure.portSilent");
 }
 
