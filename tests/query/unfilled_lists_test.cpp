@@ -45,12 +45,13 @@ TEST_F(UnfilledLists, OfAStandardQueryAreEmptyThroughout) {
   constexpr std::size_t sortedList = 2;
   constexpr std::size_t currentList = 3;
   lists[sortedList].sort();
-  const int failures =
-      failuresUntilFilled([&] { return runStandardQuery({tree, {}, {}}, server.connector(), lists, currentList); },
-                          [&] {
-                            for (std::size_t list = 0; list < standardListCount; ++list)
-                              EXPECT_EQ(lists[list].rowCount(), 0U) << list;
-                          });
+  const int failures = failuresUntilFilled(
+      [&] {
+        return runStandardQuery({tree, {}, {}}, server.connector(), lists, currentList);
+      },
+      [&] {
+        for (std::size_t list = 0; list < standardListCount; ++list) EXPECT_EQ(lists[list].rowCount(), 0U) << list;
+      });
   EXPECT_GT(failures, 4);
   EXPECT_EQ(lists[0].rowCount(), 40U);
   EXPECT_TRUE(lists[currentList].isSorted());
