@@ -16,6 +16,7 @@ namespace korvel::cli {
 struct CaptionedList {
   const results::ResultList& list;
   std::string_view caption;
+  std::string remark;  ///< what a reader of the pages would not expect; empty where there is nothing
 };
 
 /// A form in which a list leaves the tool.

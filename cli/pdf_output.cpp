@@ -54,6 +54,7 @@ void writePdf(const CaptionedList& list, const output::ByteSink& sink, std::ostr
   output::pages::PageTexts texts;
   texts.printedAt = printedAt(QDateTime::currentDateTime());
   texts.note = QStringLiteral("KorvelAudit Report");
+  texts.remark = QString::fromStdString(list.remark);
   output::pages::writePdf(source, texts, sink);
 }
 

@@ -207,10 +207,14 @@ int fillLists(const QueryOptions& options, const query::Connector& connect, quer
 
 void writeList(const QueryOptions& options, results::ResultList& list, const output::ByteSink& sink,
                std::ostream& err) {
+  // The pages of the other audit types hold no alarm rows.
+  const bool showsAlarms = options.list <= 1 && query::alarmsComeFromAllDates(treeOf(options).flags(), options.range);
   if (options.sort || options.descending)
     list.sortBy(options.sort.value_or(list.sortKey()),
                 options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
-  options.format->write({list, query::pageCaptions[options.list]}, sink, err);
+  const std::string remark(showsAlarms ? settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{})
+                                       : std::string_view{});
+  options.format->write({list, query::pageCaptions[options.list], remark}, sink, err);
 }
 
 }  // namespace

@@ -185,7 +185,7 @@ class SqlRun {
     results::ResultList list(results::RowFilling::whole);
     query::CustomReport report =
         query::runCustomQuery(text_, connectionString_, connect_, list, [](std::size_t) { return wanted(); });
-    if (report.outcome == CustomOutcome::filled) format_.write({list, caption}, sink, err_);
+    if (report.outcome == CustomOutcome::filled) format_.write({list, caption, {}}, sink, err_);
     return report;
   }
 

@@ -9,6 +9,7 @@
 #include "cli/output_formats.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"
+#include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/signal_setting.h"
 #include "tests/support/temporary_folder.h"
@@ -46,6 +47,24 @@ TEST_F(QueryCommand, NamesASettingsFileThatIsNotUnderstood) {
   }
   const ToolRun custom = test::runTool({"sql", "--server", "AUDITSRV", "select 1"});
   EXPECT_NE(custom.err.find(settings), std::string::npos) << custom.err;
+}
+
+TEST_F(QueryCommand, ThePagesTellOfAlarmRowsOfAllDates) {
+  const std::string file = (folder / "out.pdf").string();
+  const auto textWith = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {"--format", "pdf", "--output", file});
+    EXPECT_EQ(run(options).status, exitDone);
+    return test::outputOf("pdftotext -raw '" + file + "' -");
+  };
+  const std::string remark = "come from all dates, whatever the date range";
+  const std::vector<std::string> day = {"--from", "2004-03-07", "--to", "2004-03-07"};
+  std::vector<std::string> alarms = {"--category", "Alarms"};
+  EXPECT_EQ(textWith(alarms).find(remark), std::string::npos);
+  alarms.insert(alarms.end(), day.begin(), day.end());
+  EXPECT_NE(textWith(alarms).find(remark), std::string::npos);
+  EXPECT_EQ(textWith(day).find(remark), std::string::npos);
+  alarms.insert(alarms.end(), {"--list", "2"});
+  EXPECT_EQ(textWith(alarms).find(remark), std::string::npos) << "no page of alarms";
 }
 
 TEST_F(QueryCommand, StoppedWhileItIsWrittenLeavesFilesAsTheyWere) {
