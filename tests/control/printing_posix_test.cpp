@@ -1,8 +1,10 @@
-// Printing on a full disk, whom the printed file is for, and which pages are in it.
+// Printing on a full disk, whom the printed file is for, which pages are in it and what they say.
 #include <sys/stat.h>
 
+#include <chrono>
 #include <regex>
 
+#include "control/texts.h"
 #include "tests/control/printing_fixture.h"
 #include "tests/support/full_disk.h"
 #include "tests/support/program_output.h"
@@ -10,8 +12,10 @@
 namespace korvel::test {
 namespace {
 
+using control::libraryState;
 using control::MessageIcon;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST_F(Printing, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(200, {"a", "b", "c"}));
@@ -110,6 +114,31 @@ TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreSaidAndAnEarlierFileStays) {
       << recorder->messages[0].text.toStdString();
   EXPECT_EQ(printed(), "earlier");
   EXPECT_EQ(filesInFolder(), 2);
+}
+
+TEST_F(Printing, TellsOfAlarmRowsOfAllDatesAtTheHeadOfThePages) {
+  using namespace std::chrono;
+  libraryState().dateRange = {2004y / 3 / 7, 2004y / 3 / 7, true};
+  const auto viewer = shownViewer();
+  node(*viewer, "Document Control")->setCheckState(0, Qt::Unchecked);
+  server.answer = nullptr;
+  server.resultSets = {{record("1", "CS"), record("2", "RT")}};
+  click(*viewer, "btQuery");
+  const std::string remark = control::ownText("query.alarmsOfAllDates").toStdString();
+  const auto printedText = [&] {
+    click(*viewer, "btPrint");
+    completeDocuments();
+    return test::outputOf("pdftotext -raw '" + path("printed.pdf").toStdString() + "' -");
+  };
+  EXPECT_NE(printedText().find(remark), std::string::npos);
+  selectTab(*viewer, 2);
+  EXPECT_EQ(printedText().find(remark), std::string::npos) << "no alarm row is on this page";
+  selectTab(*viewer, 0);
+  click(*viewer, "btClearDateRange");
+  EXPECT_NE(printedText().find(remark), std::string::npos) << "it is about the rows that are shown";
+  click(*viewer, "btQuery");
+  EXPECT_EQ(printedText().find(remark), std::string::npos);
+  EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // The report from the print command to the printer: its file, the flags, the dialogs.
-#include "control/texts.h"
 #include "output/pages/report_sheets.h"
 #include "tests/control/printing_fixture.h"
-#include "tests/support/program_output.h"
 
 namespace korvel::test {
 namespace {
@@ -26,31 +24,6 @@ TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
   EXPECT_EQ(printed().substr(0, 5), "%PDF-");
   EXPECT_THAT(recorder->messages, IsEmpty());
   EXPECT_EQ(filesInFolder(), 2);  // nothing temporary stays
-}
-
-TEST_F(Printing, TellsOfAlarmRowsOfAllDatesAtTheHeadOfThePages) {
-  using namespace std::chrono;
-  libraryState().dateRange = {2004y / 3 / 7, 2004y / 3 / 7, true};
-  const auto viewer = shownViewer();
-  node(*viewer, "Document Control")->setCheckState(0, Qt::Unchecked);
-  server.answer = nullptr;
-  server.resultSets = {{record("1", "CS"), record("2", "RT")}};
-  click(*viewer, "btQuery");
-  const std::string remark = control::ownText("query.alarmsOfAllDates").toStdString();
-  const auto printedText = [&] {
-    click(*viewer, "btPrint");
-    completeDocuments();
-    return test::outputOf("pdftotext -raw '" + path("printed.pdf").toStdString() + "' -");
-  };
-  EXPECT_NE(printedText().find(remark), std::string::npos);
-  selectTab(*viewer, 2);
-  EXPECT_EQ(printedText().find(remark), std::string::npos) << "no alarm row is on this page";
-  selectTab(*viewer, 0);
-  click(*viewer, "btClearDateRange");
-  EXPECT_NE(printedText().find(remark), std::string::npos) << "it is about the rows that are shown";
-  click(*viewer, "btQuery");
-  EXPECT_EQ(printedText().find(remark), std::string::npos);
-  EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
 TEST_F(Printing, ByMenuAndToolbar) {
