@@ -1,5 +1,6 @@
 #include "korvel/AuditViewer.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
 #include <QResizeEvent>

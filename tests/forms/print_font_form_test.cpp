@@ -1,40 +1,12 @@
-#include "output/forms/print_font_form.h"
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QLabel>
 #include <QLayout>
-#include <QPushButton>
-#include <stdexcept>
 
 #include "control/qt_control_services.h"
-#include "tests/control/recorder.h"
-#include "tests/control/when_modal.h"
+#include "tests/forms/print_font_fixture.h"
 
 namespace korvel::test {
 namespace {
-
-class PrintFontForm : public ::testing::Test {
- protected:
-  void open() {
-    form = std::make_unique<output::frmPrintFont>(output::PrintFontSurroundings{font, language, recorder}, nullptr);
-    form->show();
-  }
-  template <typename Element>
-  Element& element(const char* name) {
-    auto* found = form->findChild<Element*>(name);
-    if (found == nullptr) throw std::runtime_error(name);
-    return *found;
-  }
-  void click(const char* button) { element<QPushButton>(button).click(); }
-  QString labels() { return element<QLabel>("lblFontName").text() + ' ' + element<QLabel>("lblFontSize").text(); }
-
-  output::PrintFont font;
-  settings::LanguageOffset language;
-  std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
-  std::unique_ptr<output::frmPrintFont> form;
-};
 
 TEST_F(PrintFontForm, ShowsTheFont) {
   font = {"Some Font", 9.75};
@@ -54,23 +26,6 @@ TEST_F(PrintFontForm, ChangingTakesTheChosenFont) {
   EXPECT_EQ(font.name, "DejaVu Serif");
   EXPECT_EQ(font.size, 11.25);
   EXPECT_EQ(labels(), "DejaVu Serif 11.25");
-}
-
-TEST_F(PrintFontForm, ChangingNothingInTheDialogOfFontsChangesNothing) {
-  font = {"Courier", 9.75};
-  form = std::make_unique<output::frmPrintFont>(
-      output::PrintFontSurroundings{font, language, std::make_shared<control::QtControlServices>()}, nullptr);
-  form->show();
-  bool accepted = false;
-  const control::WhenModal accept([&](QWidget* dialog) {
-    accepted = dialog != form.get();
-    qobject_cast<QDialog*>(dialog)->accept();
-  });
-  click("btChangeFont");
-  EXPECT_TRUE(accepted);
-  EXPECT_EQ(font.name, "Courier");
-  EXPECT_EQ(font.size, 9.75);
-  EXPECT_EQ(labels(), "Courier 9.75");
 }
 
 TEST_F(PrintFontForm, CancellingChangesNothing) {
