@@ -39,6 +39,7 @@ class LeftBehind {
 
 /// Never destroyed: work that was left behind may outlive everything else.
 LeftBehind& leftBehind() {
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): it locks itself
   static auto* const only = new LeftBehind;
   return *only;
 }

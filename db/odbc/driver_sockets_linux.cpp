@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <charconv>
 #include <cstring>
 #include <fstream>
@@ -50,15 +51,16 @@ std::set<ino_t> connectingTo(std::uint16_t port) {
     while (std::getline(lines, line)) {
       // "sl local remote state queues timer retransmits user timeout inode": addresses are hexadecimal, after the colon
       // comes the port.
-      std::istringstream fields(line);
-      std::string slot, local, remote, state, queues, timer, retransmits, user, timeout;
-      ino_t number = 0;
+      std::istringstream text(line);
+      std::array<std::string, 10> fields;
+      for (std::string& field : fields) text >> field;
+      const std::string& remote = fields[2];
+      const std::string& state = fields[3];
+      const std::string& number = fields[9];
       constexpr std::string_view synSent = "02";
-      if (!(fields >> slot >> local >> remote >> state >> queues >> timer >> retransmits >> user >> timeout >> number))
-        continue;
       const auto colon = remote.find(':');
-      if (state == synSent && colon != std::string::npos && std::stoul(remote.substr(colon + 1), nullptr, 16) == port)
-        found.insert(number);
+      if (number.empty() || state != synSent || colon == std::string::npos) continue;
+      if (std::stoul(remote.substr(colon + 1), nullptr, 16) == port) found.insert(std::stoul(number));
     }
   }
   return found;
