@@ -16,6 +16,7 @@ class CustomPage : public ViewerTest {
   using Texts = std::vector<std::string>;
 
   CustomPage() {
+    makeKeyboard();
     // Every look at a query is told: no test waits for a clock.
     control::surroundings().queryMachine.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QInputDevice>
 #include <QThread>
 #include <chrono>
 #include <functional>
@@ -8,6 +9,12 @@
 #include "db/connection.h"
 
 namespace korvel::test {
+
+/// Makes what the first event of a keyboard makes, for tests that send keys from a server's thread: it belongs to the
+/// thread of the windows.
+inline void makeKeyboard() {
+  static_cast<void>(QInputDevice::primaryKeyboard());
+}
 
 /// For what a server does in a test, on the thread that asks it: runs `action`, and everything that it sets off at
 /// once, on the thread of the windows.

@@ -35,6 +35,7 @@ using ::testing::IsEmpty;
 class Browser : public ::testing::Test {
  protected:
   Browser() {
+    makeKeyboard();
     network.local = {"(embedded)", "PLANT1"};
     network.all = {"(embedded)", "PLANT1", "QA\\AUDIT"};
     network.databases["PLANT1"] = {{"korvel_audit_mu", false, ""},
