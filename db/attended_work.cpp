@@ -111,19 +111,21 @@ bool awaitEnd(Task& task, const Attendance& attendance, std::chrono::millisecond
 bool attendWork(std::function<void(const std::stop_token&)> work, const Attendance& attendance,
                 const AttendancePace& pace) {
   const auto task = std::make_shared<Task>();
-  net::startLooseThread([task, work = std::move(work)]() mutable { task->run(std::move(work)); });
+  const net::ThreadEnd join =
+      net::startThread([task, work = std::move(work)]() mutable { task->run(std::move(work)); });
+  bool ended = false;
   std::exception_ptr attendanceFailed;
   try {
-    if (awaitEnd(*task, attendance, pace.interval)) {
-      task->throwWhatWasThrown();
-      return true;
-    }
+    ended = awaitEnd(*task, attendance, pace.interval);
   } catch (...) {
-    if (task->endsWithin(std::chrono::milliseconds{0})) throw;
     attendanceFailed = std::current_exception();
   }
-  task->askToEnd();
-  const bool ended = task->endsWithin(pace.grace) || !task->leaveBehind();
+  if (!ended) {
+    task->askToEnd();
+    ended = task->endsWithin(pace.grace) || !task->leaveBehind();
+  }
+  // Its last steps too: a program that ends next takes nothing from it.
+  if (ended) join();
   if (attendanceFailed) std::rethrow_exception(attendanceFailed);
   if (ended) task->throwWhatWasThrown();
   return ended;

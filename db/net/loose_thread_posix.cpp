@@ -1,3 +1,4 @@
+#include <memory>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -7,12 +8,28 @@
 
 namespace korvel::db::net {
 
-void startLooseThread(std::function<void()> work) {
+namespace {
+
+struct LettingGo {
+  void operator()(std::thread* thread) const {
+    if (thread->joinable()) thread->detach();
+    delete thread;  // NOLINT(cppcoreguidelines-owning-memory): what a deleter does
+  }
+};
+
+}  // namespace
+
+ThreadEnd startThread(std::function<void()> work) {
   try {
-    std::thread(std::move(work)).detach();
+    const std::shared_ptr<std::thread> thread(new std::thread(std::move(work)), LettingGo());
+    return [thread] { thread->join(); };
   } catch (const std::system_error& error) {
     throw systemError(error.code().value(), "cannot start a thread");
   }
+}
+
+void startLooseThread(std::function<void()> work) {
+  static_cast<void>(startThread(std::move(work)));
 }
 
 }  // namespace korvel::db::net

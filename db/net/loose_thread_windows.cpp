@@ -22,12 +22,17 @@ DWORD WINAPI run(void* argument) {
 
 // Not the library's threads: with those of the compiler for Windows, one that is let go may take another's place while
 // that one ends, and then end without having done its work.
-void startLooseThread(Work work) {
+ThreadEnd startThread(Work work) {
   auto own = std::make_unique<Work>(std::move(work));
   HANDLE thread = ::CreateThread(nullptr, 0, run, own.get(), 0, nullptr);
   if (thread == nullptr) throw systemError(static_cast<int>(::GetLastError()), "cannot start a thread");
   (void)own.release();  // the thread's own from now on
-  ::CloseHandle(thread);
+  const std::shared_ptr<void> handle(thread, ::CloseHandle);
+  return [handle] { ::WaitForSingleObject(handle.get(), INFINITE); };
+}
+
+void startLooseThread(Work work) {
+  static_cast<void>(startThread(std::move(work)));
 }
 
 }  // namespace korvel::db::net
