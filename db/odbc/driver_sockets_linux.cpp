@@ -66,10 +66,13 @@ std::set<ino_t> connectingTo(std::uint16_t port) {
   return found;
 }
 
+/// The system's table of sockets is long on a busy computer: it is read only where a login is ended.
+enum class Connecting { passedOver, included };
+
 /// The descriptors of this process that are connected to a port, or are about to be.
-std::set<int> connectionsTo(std::uint16_t port) {
+std::set<int> connectionsTo(std::uint16_t port, Connecting connectingOnes = Connecting::passedOver) {
   std::set<int> found;
-  const std::set<ino_t> connecting = connectingTo(port);
+  const std::set<ino_t> connecting = connectingOnes == Connecting::included ? connectingTo(port) : std::set<ino_t>();
   const auto isConnecting = [&](int descriptor) {
     struct stat status {};
     return !connecting.empty() && ::fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode) &&
@@ -117,7 +120,7 @@ void DriverSockets::shutDown() const noexcept {
   for (const net::Socket& socket : connections_->own) ::shutdown(static_cast<int>(socket.handle()), SHUT_RDWR);
   if (connections_->port == 0) return;
   try {
-    for (const int descriptor : connectionsTo(connections_->port))
+    for (const int descriptor : connectionsTo(connections_->port, Connecting::included))
       if (!connections_->before.contains(descriptor)) ::shutdown(descriptor, SHUT_RDWR);
   } catch (...) {  // NOLINT(bugprone-empty-catch): without memory there is nothing that could be ended
   }
