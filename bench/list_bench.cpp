@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bench/audit_file.h"
+#include "bench/offscreen.h"
 #include "control/result_list_view.h"
 #include "db/open_connection.h"
 #include "query/audit_record.h"
@@ -19,19 +20,9 @@ using control::ResultListModel;
 using control::ResultListView;
 using results::RowId;
 
-/// Needs no display.
-QApplication& application() {
-  static int argc = 1;
-  static char name[] = "bench_list";
-  static char* argv[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication only(argc, argv);
-  return only;
-}
-
 /// The list of all audits with a million records, and every second one of them.
 struct ManyRecords {
-  explicit ManyRecords(std::uint32_t step) : model(list), view((application(), model)) {
+  explicit ManyRecords(std::uint32_t step) : model(list), view((offscreenApplication<QApplication>(), model)) {
     query::setUpAuditColumns(list);
     results::RowSink sink;
     db::openConnection(millionRecords().connectionString())->execute("Select * from Korvel_Audit_Trails", sink);

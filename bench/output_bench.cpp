@@ -12,6 +12,7 @@
 #include "base/whole_file.h"
 #include "bench/audit_file.h"
 #include "bench/least.h"
+#include "bench/offscreen.h"
 #include "db/open_connection.h"
 #include "output/pages/pdf.h"
 #include "output/report.h"
@@ -39,16 +40,6 @@ results::ResultList listOf(const AuditFolder& folder, std::size_t rows) {
 
 std::filesystem::path outputBeside(const AuditFolder& folder, const char* name) {
   return folder.file().parent_path() / name;
-}
-
-/// Needs no display.
-QGuiApplication& application() {
-  static int argc = 1;
-  static char name[] = "bench_output";
-  static char* argv[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QGuiApplication only(argc, argv);
-  return only;
 }
 
 /// A line of the system's account of this process, in megabytes; 0 where there is none.
@@ -81,7 +72,7 @@ void pagesOfReport(benchmark::State& state) {
     const results::ResultList list = listOf(folder, rows);
     notes = output::writeListReport({"ALL Audits", &list}, {}, file);
   }
-  static_cast<void>(application());
+  static_cast<void>(offscreenApplication<QGuiApplication>());
   Least time;
   int pages = 0;
   forgetPeak();

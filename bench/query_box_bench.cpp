@@ -6,22 +6,13 @@
 #include <QKeyEvent>
 #include <memory>
 
+#include "bench/offscreen.h"
 #include "query/forms/sql_editor.h"
 
 namespace korvel::bench {
 namespace {
 
 constexpr qsizetype megabyte = qsizetype{1} << 20U;
-
-/// Needs no display.
-QApplication& application() {
-  static int argc = 1;
-  static char name[] = "bench_query_box";
-  static char* argv[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication only(argc, argv);
-  return only;
-}
 
 QString oneWord() {
   return QString(megabyte, QLatin1Char('a'));
@@ -48,7 +39,7 @@ struct ShownBox {
     QCoreApplication::processEvents();
     box.repaint();
   }
-  query::SqlEditor box{(application(), nullptr)};
+  query::SqlEditor box{(offscreenApplication<QApplication>(), nullptr)};
 };
 
 void load(benchmark::State& state, QString (*text)()) {

@@ -1,5 +1,4 @@
-// How long the window takes from Esc to being usable again, while a server is
-// asked that does not answer.
+// How long the window takes from Esc to being usable again, while a server is asked that does not answer.
 
 #include <benchmark/benchmark.h>
 
@@ -10,6 +9,7 @@
 #include <memory>
 #include <thread>
 
+#include "bench/offscreen.h"
 #include "control/library_state.h"
 #include "db/attended_work.h"
 #include "korvel/AuditViewer.h"
@@ -21,19 +21,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Needs no display.
-QApplication& application() {
-  static int argc = 1;
-  static char name[] = "bench_stop";
-  static char* argv[] = {name, nullptr};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  static QApplication only(argc, argv);
-  return only;
-}
-
 void stopping(benchmark::State& state, const std::function<void(test::tds::TdsPeer&)>& manners) {
   if (!test::installedFreeTds()) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
-  application();
+  offscreenApplication<QApplication>();
   test::tds::TdsPeer peer;
   peer.answerOthers([](const test::tds::Command&) { return test::tds::Answer().silence(); });
   manners(peer);

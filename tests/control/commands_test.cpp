@@ -493,12 +493,7 @@ TEST_F(Dispatch, ADoubleClickOnAColumnsEdgeFitsItAndSetsTheKeyColumnAsTheMenuSay
 
 TEST_F(Dispatch, FittingTheColumnsOfTheCustomPageLooksAfterTheKeysOfTheOthers) {
   const auto viewer = shownViewer();
-  server.answer = [](db::ResultSink& sink) {
-    const std::vector<db::Field> fields{{"a"}, {"b"}};
-    sink.beginResult(fields);
-    sink.row(std::vector<db::Cell>{{"1"}, {"2"}});
-    sink.endResult();
-  };
+  answerWithOneRow();
   selectTab(*viewer, 5);
   click(*viewer, "btQuery");
   list(*viewer, 5)->setColumnWidth(0, 700);

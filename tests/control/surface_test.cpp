@@ -316,12 +316,7 @@ TEST_F(Surface, KeyColumnIsHiddenAndComesBackNarrower) {
 
 TEST_F(Surface, TheCustomListHasNoKeyColumn) {
   const auto viewer = shownViewer();
-  server.answer = [](db::ResultSink& sink) {
-    const std::vector<db::Field> fields{{"a"}, {"b"}};
-    sink.beginResult(fields);
-    sink.row(std::vector<db::Cell>{{"1"}, {"2"}});
-    sink.endResult();
-  };
+  answerWithOneRow();
   viewer->TriggerAdvancedQuery("x");
   list(*viewer, 5)->setColumnWidth(0, 234);
   viewer->ShowKeyField(false);

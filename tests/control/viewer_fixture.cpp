@@ -54,6 +54,15 @@ ViewerTest::~ViewerTest() {
   control::libraryState() = control::LibraryState();
 }
 
+void ViewerTest::answerWithOneRow() {
+  server.answer = [](db::ResultSink& sink) {
+    const std::vector<db::Field> fields{{"a"}, {"b"}};
+    sink.beginResult(fields);
+    sink.row(std::vector<db::Cell>{{"1"}, {"2"}});
+    sink.endResult();
+  };
+}
+
 std::unique_ptr<AuditViewer> ViewerTest::newViewer() {
   auto viewer = std::make_unique<AuditViewer>();
   viewer->InitProperties();

@@ -75,6 +75,8 @@ class ViewerTest : public ::testing::Test {
   }
   /// The tree as text: one line a node, "[x]" or "[ ]" and the caption, children indented.
   static QString treeText(const AuditViewer& viewer);
+  /// Custom queries are answered with two columns, "a" and "b", and a row.
+  void answerWithOneRow();
   /// One column of a list as it is shown, joined by blanks.
   static QString column(const AuditViewer& viewer, int listIndex, int columnIndex = 0);
   static QTreeWidgetItem* node(const AuditViewer& viewer, const QString& path);
