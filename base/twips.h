@@ -15,4 +15,14 @@ struct Twips {
 
 inline constexpr int twipsPerInch = 1440;
 
+/// Place and size of an element, relative to the element it lies in.
+struct Box {
+  Twips left;
+  Twips top;
+  Twips width;
+  Twips height;
+
+  friend bool operator==(const Box&, const Box&) = default;
+};
+
 }  // namespace korvel

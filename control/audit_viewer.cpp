@@ -9,8 +9,8 @@
 
 #include "base/error.h"
 #include "control/audit_viewer_members.h"
-#include "control/look/look.h"
 #include "db/attended_work.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel {
 
@@ -27,7 +27,7 @@ void awaitStoppedQueries() {
 
 AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
   [[maybe_unused]] static const bool awaited = (qAddPostRoutine(awaitStoppedQueries), true);
-  look::applyLook(*this);
+  ui::applyStyle(*this);
   members_ = std::make_unique<Members>(*this);
   members_->trapped("Initialize", [this] { members_->Initialize(); });
 }

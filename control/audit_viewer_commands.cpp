@@ -152,7 +152,7 @@ void AuditViewer::Members::SmartMenu_Click(const CommandItem& item) {
 }
 
 void AuditViewer::Members::SmartMenu_Highlight(const CommandItem& item) {
-  surface.StatusBar1->setStatus(control::fromUtf8(item.description));
+  surface.StatusBar1->setStatus(ui::fromUtf8(item.description));
 }
 
 void AuditViewer::Members::SmartToolbar_Click(const CommandItem& item) {

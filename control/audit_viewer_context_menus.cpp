@@ -10,8 +10,8 @@
 namespace korvel {
 
 using control::CommandItem;
-using control::fromUtf8;
 using control::skipFailing;
+using ui::fromUtf8;
 
 namespace {
 

@@ -19,13 +19,13 @@ namespace korvel {
 
 using control::AnswerState;
 using control::failureText;
-using control::fromUtf8;
 using control::libraryState;
-using control::MessageIcon;
 using control::messageTitle;
 using control::noRecordsTitle;
 using control::ownText;
 using control::surroundings;
+using ui::fromUtf8;
+using ui::MessageIcon;
 
 namespace {
 
@@ -85,7 +85,7 @@ void AuditViewer::Members::TriggerAdvancedQuery(const QString& QueryString) {
   const std::string text = QueryString.toStdString();
   const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
     const query::QueryProgress progress = [&](std::size_t rows) {
-      if (alive && rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(control::countText(rows)));
+      if (alive && rows > 0) surface.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(ui::countText(rows)));
       return goOn();
     };
     report = query::runCustomQuery(text, shown.connectionString, surroundings().connect, answer, progress,

@@ -8,26 +8,26 @@
 #include "base/error.h"
 #include "control/commands/command_tables.h"
 #include "control/message_titles.h"
-#include "control/query_watch.h"
 #include "control/skip_failing.h"
 #include "control/texts.h"
 #include "db/connection_state.h"
 #include "query/alarm_dates.h"
 #include "query/newest_day.h"
 #include "settings/stored_language.h"
+#include "ui/query_watch.h"
 
 namespace korvel {
 
 using control::AnswerState;
 using control::failureText;
-using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
-using control::MessageIcon;
 using control::messageTitle;
 using control::noRecordsTitle;
 using control::skipFailing;
 using control::surroundings;
+using ui::fromUtf8;
+using ui::MessageIcon;
 
 namespace {
 
@@ -241,7 +241,7 @@ AuditViewer::Members::AnswerUse AuditViewer::Members::runWatched(
   const QString statusBefore = surface.StatusBar1->status();
   const QueryRuns runs;
   {
-    control::QueryWatch watch;
+    ui::QueryWatch watch;
     ask([&] { return !isStale() && watch.goOn() && !isStale(); });
     // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
     static_cast<void>(watch.goOn());
@@ -402,7 +402,7 @@ void AuditViewer::Members::btQuery_Click() {
   const std::shared_ptr<control::ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {
-    std::optional<control::BusyPointer> busy(std::in_place, *services);
+    std::optional<ui::BusyPointer> busy(std::in_place, *services);
     const StatusText status(*surface.StatusBar1, queryingText);
     if (surface.currentTab() == query::customList)
       viewer_.TriggerAdvancedQuery(surface.txtAdvancedQuery->queryText());

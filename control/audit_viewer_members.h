@@ -221,7 +221,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   /// The query is over, also where a failure of the control itself kept its end from being noted.
   void endAnswer(control::ShownAnswer& shown);
   [[nodiscard]] control::ResultListView& currentList();
-  void message(control::MessageIcon icon, const QString& title, const QString& text);
+  void message(ui::MessageIcon icon, const QString& title, const QString& text);
 
   AuditViewer& viewer_;
   /// Made when a record is looked at for the first time; keeps its size from then on.

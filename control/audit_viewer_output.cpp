@@ -14,17 +14,17 @@
 
 namespace korvel {
 
-using control::countText;
 using control::ExecOption;
-using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
-using control::MessageIcon;
 using control::messageTitle;
 using control::ownText;
-using control::Pointer;
 using control::ReportCommand;
 using control::surroundings;
+using ui::countText;
+using ui::fromUtf8;
+using ui::MessageIcon;
+using ui::Pointer;
 
 namespace {
 
@@ -156,7 +156,7 @@ void AuditViewer::Members::writeReport() {
     const std::string caption = surface.SSTab1->tabText(static_cast<int>(surface.currentTab())).toStdString();
     output::ReportNotes notes;
     {
-      const control::BusyPointer busy(*services);
+      const ui::BusyPointer busy(*services);
       notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
     }
     surface.WebBrowser1->Navigate(shownPath(file), std::move(notes), alarmRemark());

@@ -12,11 +12,11 @@
 
 namespace korvel {
 
-using control::fromUtf8;
 using control::libraryState;
 using control::loadText;
 using control::skipFailing;
 using control::surroundings;
+using ui::fromUtf8;
 
 namespace {
 

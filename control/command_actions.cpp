@@ -6,14 +6,14 @@
 #include <array>
 #include <string_view>
 
-#include "control/look/icons.h"
 #include "control/texts.h"
+#include "ui/icons/icons.h"
 
 namespace korvel::control {
 namespace {
 
-using look::IconName;
-using look::IconTone;
+using ui::IconName;
+using ui::IconTone;
 
 struct CommandDrawing {
   std::string_view key;
@@ -76,7 +76,7 @@ QIcon commandIcon(const CommandItem& item) {
   if (item.kind == ItemKind::check) return {};
   const auto* found =
       std::find_if(drawings.begin(), drawings.end(), [&](const CommandDrawing& row) { return row.key == item.key; });
-  return found == drawings.end() ? QIcon() : look::icon(found->icon, found->tone);
+  return found == drawings.end() ? QIcon() : ui::icon(found->icon, found->tone);
 }
 
 CommandActions::CommandActions(QWidget& container, CommandHooks hooks)

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "control/look/theme.h"
 #include "control/texts.h"
+#include "ui/style/theme.h"
 
 namespace korvel::control {
 namespace {
@@ -22,7 +22,7 @@ bool isButton(const CommandItem& item) {
 CommandToolbar::CommandToolbar(QWidget* parent) : QToolBar(parent) {
   setMovable(false);
   setFloatable(false);
-  const int side = look::px(this, look::space::icon);
+  const int side = ui::px(this, ui::space::icon);
   setIconSize({side, side});
   // Without an entry for switching itself off.
   setContextMenuPolicy(Qt::PreventContextMenu);
@@ -60,7 +60,7 @@ void CommandToolbar::build(const CommandItems& items) {
       action = addSeparator();
     } else if (!item->active) {
       auto* room = new QWidget(this);
-      room->setFixedWidth(look::px(this, slotWidth));
+      room->setFixedWidth(ui::px(this, slotWidth));
       action = addWidget(room);
     } else {
       action = makeButton(*item);

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QFont>
 #include <QString>
 #include <memory>
 #include <optional>
+
+#include "ui/dialog_services.h"
 
 class QPrinter;
 class QWidget;
@@ -14,22 +15,13 @@ class ReportSheets;
 
 namespace korvel::control {
 
-enum class MessageIcon { none, critical, information };
 /// What a help file is opened on, by the numbers that HTML Help gives the commands.
 enum class HelpCommand { contents = 1, index = 2 };
-/// Mouse pointers by the numbers the system gives them.
-enum class Pointer { standard = 0, hourglass = 11 };
 
 /// The control's only way to the person in front of the screen, apart from its own surface. Every call that shows
 /// something returns when it has been answered.
-class ControlServices {
+class ControlServices : public ui::DialogServices {
  public:
-  virtual ~ControlServices() = default;
-
-  /// A box with an OK button. Texts are shown as they are, never as markup.
-  virtual void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) = 0;
-  /// The font that was chosen, nothing for a cancelled dialog.
-  virtual std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) = 0;
   /// The folder that was chosen, nothing for a cancelled dialog. `showFiles` shows the files in it as well; it is a
   /// folder that is chosen all the same.
   virtual std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) = 0;
@@ -41,7 +33,6 @@ class ControlServices {
   [[nodiscard]] virtual bool hasForm(const QString& name) const = 0;
   /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.
   virtual void showForm(QWidget* owner, const QString& name) = 0;
-  virtual void setPointer(Pointer pointer) = 0;
   /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; what is wrong with
   /// any other is between the viewer and the person.
   virtual void openHelp(QWidget* owner, const QString& file, HelpCommand command) = 0;
@@ -53,18 +44,6 @@ class ControlServices {
   /// Shows the pages of a report, which have been laid out; returns when that is closed, true where the person then
   /// wants them printed.
   virtual bool showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) = 0;
-};
-
-/// The hourglass for as long as it lives, also when the work ends in a failure.
-class BusyPointer {
- public:
-  explicit BusyPointer(ControlServices& services) : services_(services) { services_.setPointer(Pointer::hourglass); }
-  ~BusyPointer() { services_.setPointer(Pointer::standard); }
-  BusyPointer(const BusyPointer&) = delete;
-  BusyPointer& operator=(const BusyPointer&) = delete;
-
- private:
-  ControlServices& services_;
 };
 
 }  // namespace korvel::control

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QStyle>
 
-#include "control/look/shown_text.h"
+#include "ui/shown_text.h"
 
 namespace korvel::control {
 
@@ -18,11 +18,11 @@ void ElidedLabel::setContent(const QString& content) {
 }
 
 QString ElidedLabel::shownText() const {
-  return fontMetrics().elidedText(look::visibleFormats(text()), Qt::ElideRight, contentsRect().width());
+  return fontMetrics().elidedText(ui::visibleFormats(text()), Qt::ElideRight, contentsRect().width());
 }
 
 void ElidedLabel::updateToolTip() {
-  setToolTip(shownText() == text() ? QString() : look::plainToolTip(text()));
+  setToolTip(shownText() == text() ? QString() : ui::plainToolTip(text()));
 }
 
 void ElidedLabel::paintEvent(QPaintEvent* /*event*/) {

@@ -2,8 +2,8 @@
 
 #include <QSignalBlocker>
 
-#include "control/look/filter_tree_look.h"
 #include "control/texts.h"
+#include "ui/check_tree.h"
 
 namespace korvel::control {
 namespace {
@@ -18,7 +18,7 @@ FilterTreeView::FilterTreeView(query::FilterTree& tree, QWidget* parent) : QTree
   setColumnCount(1);
   setHeaderHidden(true);
   setTabKeyNavigation(false);
-  look::dressFilterTree(*this);
+  ui::styleCheckTree(*this);
   connect(this, &QTreeWidget::itemChanged, this, &FilterTreeView::nodeChecked);
   connect(this, &QTreeWidget::itemCollapsed, this, &FilterTreeView::expandNodes);
 }

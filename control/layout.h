@@ -6,16 +6,6 @@
 
 namespace korvel::control {
 
-/// Place and size of an element, relative to the element it lies in.
-struct Box {
-  Twips left;
-  Twips top;
-  Twips width;
-  Twips height;
-
-  friend bool operator==(const Box&, const Box&) = default;
-};
-
 /// The elements that the resize routine reads or places. Lists and query frame lie in SSTab1, the text box and the four
 /// buttons in the query frame.
 struct SurfaceBoxes {

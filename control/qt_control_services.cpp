@@ -12,9 +12,6 @@
 #include "control/forms/report_preview.h"
 #include "control/help_viewer.h"
 #include "control/library_state.h"
-#include "control/look/look.h"
-#include "control/look/message_box.h"
-#include "control/look/theme.h"
 #include "control/system_dialogs.h"
 #include "control/text_editor.h"
 #include "control/texts.h"
@@ -23,19 +20,22 @@
 #include "query/forms/date_range_form.h"
 #include "query/forms/field_picker.h"
 #include "query/forms/file_list.h"
+#include "ui/message_box.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::control {
 namespace {
 
 constexpr int inputBoxWidth = 340;
 
-QMessageBox::Icon boxIcon(MessageIcon icon) {
+QMessageBox::Icon boxIcon(ui::MessageIcon icon) {
   switch (icon) {
-    case MessageIcon::critical:
+    case ui::MessageIcon::critical:
       return QMessageBox::Critical;
-    case MessageIcon::information:
+    case ui::MessageIcon::information:
       return QMessageBox::Information;
-    case MessageIcon::none:
+    case ui::MessageIcon::none:
       break;
   }
   return QMessageBox::NoIcon;
@@ -96,10 +96,10 @@ QtControlServices::QtControlServices()
              {QStringLiteral("frmPrintFont"), &makePrintFont},
              {QStringLiteral("frmAbout"), &makeAbout}} {}
 
-void QtControlServices::messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) {
+void QtControlServices::messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
   // On the heap: whoever destroys the owner while the box waits takes the box along.
-  const QPointer<look::MessageBox> box = new look::MessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
+  const QPointer<ui::MessageBox> box = new ui::MessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
   box->exec();
   delete box;
 }
@@ -119,11 +119,11 @@ std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QSt
 QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {
   const PointerForDialog pointer;
   const QPointer<QInputDialog> dialog = new QInputDialog(owner);
-  look::applyLook(*dialog);
+  ui::applyStyle(*dialog);
   dialog->setWindowTitle(title);
   dialog->setLabelText(prompt);
   // Room for a name, whatever the length of the prompt.
-  dialog->setMinimumWidth(look::px(dialog, inputBoxWidth));
+  dialog->setMinimumWidth(ui::px(dialog, inputBoxWidth));
   const bool typed = dialog->exec() == QDialog::Accepted && dialog;
   QString text = typed ? dialog->textValue() : QString();
   delete dialog;
@@ -132,8 +132,8 @@ QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const
 
 bool QtControlServices::confirm(QWidget* owner, const QString& title, const QString& text) {
   const PointerForDialog pointer;
-  const QPointer<look::MessageBox> box =
-      new look::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
+  const QPointer<ui::MessageBox> box =
+      new ui::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
   const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
   QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
   // Nothing is lost by a hasty Enter.
@@ -156,8 +156,8 @@ void QtControlServices::showForm(QWidget* owner, const QString& name) {
   delete form;
 }
 
-void QtControlServices::setPointer(Pointer pointer) {
-  const bool wanted = pointer == Pointer::hourglass;
+void QtControlServices::setPointer(ui::Pointer pointer) {
+  const bool wanted = pointer == ui::Pointer::hourglass;
   if (wanted == hourglass_) return;
   hourglass_ = wanted;
   if (wanted)
@@ -170,7 +170,7 @@ void QtControlServices::openHelp(QWidget* owner, const QString& file, HelpComman
   const HelpOutcome outcome = openHelpFile(owner, file, command);
   if (outcome == HelpOutcome::done) return;
   const char* const key = outcome == HelpOutcome::noFile ? "help.noFile" : "help.noViewer";
-  messageBox(owner, MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"), ownText(key).arg(file));
+  messageBox(owner, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"), ownText(key).arg(file));
 }
 
 void QtControlServices::startEditor(const QString& file) {

@@ -16,14 +16,14 @@ class QtControlServices final : public ControlServices {
 
   QtControlServices();
 
-  void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) override;
+  void messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) override;
   std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) override;
   std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) override;
   QString inputBox(QWidget* owner, const QString& prompt, const QString& title) override;
   bool confirm(QWidget* owner, const QString& title, const QString& text) override;
   [[nodiscard]] bool hasForm(const QString& name) const override { return forms_.contains(name); }
   void showForm(QWidget* owner, const QString& name) override;
-  void setPointer(Pointer pointer) override;
+  void setPointer(ui::Pointer pointer) override;
   void openHelp(QWidget* owner, const QString& file, HelpCommand command) override;
   void startEditor(const QString& file) override;
   bool choosePrinter(QWidget* owner, QPrinter& printer) override;

@@ -89,7 +89,7 @@ void ReportViewer::print(ExecOption option) {
                                                  : printIntoFile(*report, printer, progress);
   }
   if (alive && !painted.cancelled && painted.pages == 0)
-    services->messageBox(&owner_, MessageIcon::information, messageTitle(),
+    services->messageBox(&owner_, ui::MessageIcon::information, messageTitle(),
                          ownText("print.noSuchPages").arg(painted.ofPages));
 }
 

@@ -5,8 +5,8 @@
 #include <exception>
 #include <limits>
 
-#include "control/look/shown_text.h"
 #include "control/texts.h"
+#include "ui/shown_text.h"
 
 namespace korvel::control {
 namespace {
@@ -43,7 +43,7 @@ QVariant ResultListModel::headerData(int section, Qt::Orientation orientation, i
   if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   const QString caption = fromUtf8(list_.columns()[static_cast<std::size_t>(section)].caption);
-  return role == Qt::ToolTipRole ? look::plainToolTip(caption) : caption;
+  return role == Qt::ToolTipRole ? ui::plainToolTip(caption) : caption;
 }
 
 void ResultListModel::clear() {

@@ -8,10 +8,10 @@
 #include <exception>
 #include <new>
 
-#include "control/screen_measure.h"
 #include "control/texts.h"
 #include "control/widest_text.h"
 #include "results/find_beginning.h"
+#include "ui/screen_measure.h"
 
 namespace korvel::control {
 namespace {
@@ -62,11 +62,11 @@ void ResultListView::applyColumnWidths() {
 void ResultListView::setColumnTwips(int column, Twips width) {
   if (column < 0 || column >= model_.columnCount()) return;
   setColumnHidden(column, width <= Twips{0});
-  if (width > Twips{0}) setColumnWidth(column, std::max(1, ScreenMeasure(*this).horizontal(width)));
+  if (width > Twips{0}) setColumnWidth(column, std::max(1, ui::ScreenMeasure(*this).horizontal(width)));
 }
 
 Twips ResultListView::columnTwips(int column) const {
-  return ScreenMeasure(*this).horizontalTwips(columnWidth(column));
+  return ui::ScreenMeasure(*this).horizontalTwips(columnWidth(column));
 }
 
 void ResultListView::autoSizeColumn(int column) {
@@ -80,7 +80,7 @@ int ResultListView::sizeHintForColumn(int column) const {
   try {
     WidestText widest(font());
     model_.list().visitTexts({static_cast<std::size_t>(column)}, [&](std::string_view text) { widest.offer(text); });
-    return look::RowDelegate::cellWidth(this, widest.width());
+    return ui::RowDelegate::cellWidth(this, widest.width());
   } catch (const std::exception&) {
     return ResultTable::sizeHintForColumn(column);  // memory ran out: by the rows in sight
   }

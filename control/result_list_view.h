@@ -5,15 +5,15 @@
 
 #include "base/twips.h"
 #include "control/kept_selection.h"
-#include "control/look/result_table.h"
 #include "control/result_list_model.h"
 #include "control/row_copy.h"
+#include "ui/result_table.h"
 
 namespace korvel::control {
 
 /// One of the six lists `lvListView` on the surface: a table over a ResultListModel whose columns are measured in
 /// twips.
-class ResultListView final : public look::ResultTable {
+class ResultListView final : public ui::ResultTable {
   Q_OBJECT
 
  public:

@@ -5,8 +5,8 @@
 #include <QProgressBar>
 
 #include "control/elided_label.h"
-#include "control/look/dialogs.h"
-#include "control/look/theme.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
 
 namespace korvel::control {
 namespace {
@@ -17,7 +17,7 @@ Label* makePanel(const char* name, QWidget* parent) {
   panel->setObjectName(QLatin1String(name));
   panel->setAccessibleName(QLatin1String(name));
   panel->setTextFormat(Qt::PlainText);
-  look::setMuted(*panel);
+  ui::setMuted(*panel);
   return panel;
 }
 
@@ -37,8 +37,8 @@ StatusPanels::StatusPanels(QWidget* parent)
   ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
   ProgressBar1->setAccessibleName(QStringLiteral("Progress"));
   ProgressBar1->setTextVisible(false);
-  ProgressBar1->setFixedWidth(look::px(this, progressWidth));
-  ProgressBar1->setMaximumHeight(look::px(this, progressHeight));
+  ProgressBar1->setFixedWidth(ui::px(this, progressWidth));
+  ProgressBar1->setMaximumHeight(ui::px(this, progressHeight));
   addPermanentWidget(ProgressBar1);
   ProgressBar1->hide();
   addPermanentWidget(records_);

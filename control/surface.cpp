@@ -8,11 +8,11 @@
 #include <iterator>
 #include <utility>
 
-#include "control/look/dialogs.h"
-#include "control/look/theme.h"
 #include "control/report_viewer.h"
-#include "control/screen_measure.h"
 #include "control/texts.h"
+#include "ui/dialogs.h"
+#include "ui/screen_measure.h"
+#include "ui/style/theme.h"
 
 namespace korvel::control {
 namespace {
@@ -68,54 +68,54 @@ void Surface::buildCommandSurfaces() {
 }
 
 void Surface::buildFilterFrame(query::FilterTree& tree) {
-  frameFilter = named(new look::CardFrame(&owner_), "frameFilter");
+  frameFilter = named(new ui::CardFrame(&owner_), "frameFilter");
   tvTreeView = named(new FilterTreeView(tree), "tvTreeView");
-  btDateRangeFilter = named(new look::SecondaryButton(look::IconName::DateRange, QString()), "btDateRangeFilter");
-  btClearDateRange = named(new look::SecondaryButton(look::IconName::ClearDate, QString()), "btClearDateRange");
+  btDateRangeFilter = named(new ui::SecondaryButton(ui::IconName::DateRange, QString()), "btDateRangeFilter");
+  btClearDateRange = named(new ui::SecondaryButton(ui::IconName::ClearDate, QString()), "btClearDateRange");
   lblDateRange = named(new QLabel, "lblDateRange");
   lblDateRange->setTextFormat(Qt::PlainText);
   lblDateRange->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
   lblDateRange->setWordWrap(true);
-  look::setMuted(*lblDateRange);
+  ui::setMuted(*lblDateRange);
 
-  auto* dates = new look::TextRow;
+  auto* dates = new ui::TextRow;
   dates->add(btDateRangeFilter);
   dates->add(btClearDateRange);
 
   auto* column = new QVBoxLayout(frameFilter);
   column->setContentsMargins({});
-  column->setSpacing(look::px(&owner_, look::space::inside));
+  column->setSpacing(ui::px(&owner_, ui::space::inside));
   column->addWidget(tvTreeView, 1);
   column->addWidget(dates);
   column->addWidget(lblDateRange);
 }
 
 void Surface::buildToolsFrame() {
-  frameTools = named(new look::CardFrame(&owner_), "frameTools");
-  btQuery = named(new look::PrimaryButton(look::IconName::Query, QString()), "btQuery");
-  auto* row = new look::IconRow;
-  const auto iconButton = [row](look::IconName icon, const char* objectName) {
-    auto* button = named(new look::IconButton(icon), objectName);
+  frameTools = named(new ui::CardFrame(&owner_), "frameTools");
+  btQuery = named(new ui::PrimaryButton(ui::IconName::Query, QString()), "btQuery");
+  auto* row = new ui::IconRow;
+  const auto iconButton = [row](ui::IconName icon, const char* objectName) {
+    auto* button = named(new ui::IconButton(icon), objectName);
     row->add(button);
     return button;
   };
-  btSelectDB = iconButton(look::IconName::Select, "btSelectDB");
-  btDBInfo = iconButton(look::IconName::Info, "btDBInfo");
-  btClear = iconButton(look::IconName::Clear, "btClear");
-  btSelectALL = iconButton(look::IconName::SelectAll, "btSelectALL");
-  btUnselectALL = iconButton(look::IconName::UnselectAll, "btUnselectALL");
-  btExcel = iconButton(look::IconName::Export, "btExcel");
-  btPrint = iconButton(look::IconName::Print, "btPrint");
+  btSelectDB = iconButton(ui::IconName::Select, "btSelectDB");
+  btDBInfo = iconButton(ui::IconName::Info, "btDBInfo");
+  btClear = iconButton(ui::IconName::Clear, "btClear");
+  btSelectALL = iconButton(ui::IconName::SelectAll, "btSelectALL");
+  btUnselectALL = iconButton(ui::IconName::UnselectAll, "btUnselectALL");
+  btExcel = iconButton(ui::IconName::Export, "btExcel");
+  btPrint = iconButton(ui::IconName::Print, "btPrint");
 
   auto* column = new QVBoxLayout(frameTools);
   column->setContentsMargins({});
-  column->setSpacing(look::px(&owner_, look::space::inside));
+  column->setSpacing(ui::px(&owner_, ui::space::inside));
   column->addWidget(btQuery);
   column->addWidget(row);
 }
 
 void Surface::buildPages(query::ResultLists& lists) {
-  SSTab1 = named(new look::PageStrip(&owner_), "SSTab1");
+  SSTab1 = named(new ui::PageStrip(&owner_), "SSTab1");
   for (std::size_t i = 0; i < query::listCount; ++i) {
     models.at(i) = std::make_unique<ResultListModel>(lists.at(i));
     auto* page = new Page;
@@ -132,15 +132,15 @@ void Surface::buildPages(query::ResultLists& lists) {
 }
 
 void Surface::buildQueryFrame(QWidget& page) {
-  frameAdvQry = named(new look::CardFrame(&page), "frameAdvQry");
+  frameAdvQry = named(new ui::CardFrame(&page), "frameAdvQry");
   txtAdvancedQuery = new query::SqlEditor(frameAdvQry);
-  const auto iconButton = [this](look::IconName icon, const char* objectName) {
-    return named(new look::IconButton(icon, frameAdvQry), objectName);
+  const auto iconButton = [this](ui::IconName icon, const char* objectName) {
+    return named(new ui::IconButton(icon, frameAdvQry), objectName);
   };
-  btOpen = iconButton(look::IconName::Open, "btOpen");
-  btSave = iconButton(look::IconName::Save, "btSave");
-  btClearAdvQuery = iconButton(look::IconName::Clear, "btClearAdvQuery");
-  btEmunFields = iconButton(look::IconName::Fields, "btEmunFields");
+  btOpen = iconButton(ui::IconName::Open, "btOpen");
+  btSave = iconButton(ui::IconName::Save, "btSave");
+  btClearAdvQuery = iconButton(ui::IconName::Clear, "btClearAdvQuery");
+  btEmunFields = iconButton(ui::IconName::Fields, "btEmunFields");
 }
 
 void Surface::orderFocus() const {
@@ -162,7 +162,7 @@ int Surface::toolbarHeight() const {
 }
 
 void Surface::arrange(bool viewSideTools) {
-  const ScreenMeasure measure(owner_);
+  const ui::ScreenMeasure measure(owner_);
   const int statusHeight = StatusBar1->sizeHint().height();
 
   LayoutInput input;
@@ -180,8 +180,8 @@ void Surface::arrange(bool viewSideTools) {
   const StripBoxes strip =
       layoutStrip(boxes_.SSTab1.top, bottom, measure.verticalTwips(frameTools->sizeHint().height()),
                   measure.verticalTwips(frameFilter->minimumSizeHint().height()));
-  const std::pair<look::CardFrame*, const Box&> frames[] = {{frameFilter, strip.frameFilter},
-                                                            {frameTools, strip.frameTools}};
+  const std::pair<ui::CardFrame*, const Box&> frames[] = {{frameFilter, strip.frameFilter},
+                                                          {frameTools, strip.frameTools}};
   for (const auto& [frame, box] : frames) {
     frame->setSideInset(measure.horizontal(cardInset));
     frame->setGeometry(measure.rectangle(box));
@@ -195,7 +195,7 @@ void Surface::arrange(bool viewSideTools) {
 }
 
 void Surface::placeLists() {
-  const ScreenMeasure measure(owner_);
+  const ui::ScreenMeasure measure(owner_);
   // Boxes are counted from the corner of SSTab1, the lists lie in its pages. The page in front stands for all of them:
   // the others take its size when they come forward.
   const QWidget* const page = SSTab1->currentWidget();
@@ -212,7 +212,7 @@ void Surface::placeLists() {
 }
 
 int Surface::placeQueryFrame(const QPoint& pageCorner) {
-  const ScreenMeasure measure(owner_);
+  const ui::ScreenMeasure measure(owner_);
   QRect frame = measure.rectangle(boxes_.frameAdvQry).translated(-pageCorner);
   frame.moveTop(std::max(frame.top(), 0));
   frameAdvQry->setGeometry(frame);
@@ -231,16 +231,16 @@ std::size_t Surface::currentTab() const {
 }
 
 QSize Surface::preferredSize() const {
-  return {look::px(&owner_, 1280), look::px(&owner_, 800)};
+  return {ui::px(&owner_, 1280), ui::px(&owner_, 800)};
 }
 
 QSize Surface::smallestSize(bool viewSideTools) const {
   constexpr int pagesWidth = 320;
   constexpr int pagesHeight = 200;
-  const int barsHeight = menuHeight() + toolbarHeight() + StatusBar1->sizeHint().height() + look::px(&owner_, 24);
-  QSize size(look::px(&owner_, pagesWidth), look::px(&owner_, pagesHeight));
+  const int barsHeight = menuHeight() + toolbarHeight() + StatusBar1->sizeHint().height() + ui::px(&owner_, 24);
+  QSize size(ui::px(&owner_, pagesWidth), ui::px(&owner_, pagesHeight));
   if (viewSideTools) {
-    size.rwidth() += ScreenMeasure(owner_).horizontal(stripWidth);
+    size.rwidth() += ui::ScreenMeasure(owner_).horizontal(stripWidth);
     const int strip = frameFilter->minimumSizeHint().height() + frameTools->sizeHint().height();
     size.setHeight(std::max(size.height(), strip));
   }

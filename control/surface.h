@@ -8,15 +8,15 @@
 #include "control/command_toolbar.h"
 #include "control/filter_tree_view.h"
 #include "control/layout.h"
-#include "control/look/buttons.h"
-#include "control/look/card_frame.h"
-#include "control/look/page_strip.h"
 #include "control/result_list_model.h"
 #include "control/result_list_view.h"
 #include "control/status_panels.h"
 #include "query/filter_tree.h"
 #include "query/forms/sql_editor.h"
 #include "query/standard_query.h"
+#include "ui/buttons.h"
+#include "ui/card_frame.h"
+#include "ui/page_strip.h"
 
 class QLabel;
 
@@ -52,12 +52,12 @@ class Surface {
   QMenu* mnupopup = nullptr;
   QAction* mnupopupitem = nullptr;
   // Side strip.
-  look::CardFrame* frameFilter = nullptr;
+  ui::CardFrame* frameFilter = nullptr;
   FilterTreeView* tvTreeView = nullptr;
   QPushButton* btDateRangeFilter = nullptr;
   QPushButton* btClearDateRange = nullptr;
   QLabel* lblDateRange = nullptr;
-  look::CardFrame* frameTools = nullptr;
+  ui::CardFrame* frameTools = nullptr;
   QPushButton* btQuery = nullptr;
   QToolButton* btSelectDB = nullptr;
   QToolButton* btDBInfo = nullptr;
@@ -67,11 +67,11 @@ class Surface {
   QToolButton* btExcel = nullptr;
   QToolButton* btPrint = nullptr;
   // Pages.
-  look::PageStrip* SSTab1 = nullptr;
+  ui::PageStrip* SSTab1 = nullptr;
   std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
   std::array<ResultListView*, query::listCount> lvListView{};
   // Above the list of the custom page.
-  look::CardFrame* frameAdvQry = nullptr;
+  ui::CardFrame* frameAdvQry = nullptr;
   query::SqlEditor* txtAdvancedQuery = nullptr;
   QToolButton* btOpen = nullptr;
   QToolButton* btSave = nullptr;

@@ -4,13 +4,13 @@
 #include <cmath>
 #include <limits>
 
-#include "control/look/result_table.h"
 #include "control/texts.h"
+#include "ui/result_table.h"
 
 namespace korvel::control {
 namespace {
 
-using look::RowDelegate;
+using ui::RowDelegate;
 
 constexpr char32_t noCharacter = 0;
 constexpr char32_t replacement = 0xFFFD;

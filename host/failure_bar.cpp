@@ -10,10 +10,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/look/buttons.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "host/host_texts.h"
+#include "ui/buttons.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::host {
 namespace {
@@ -71,15 +71,15 @@ FailureBar::FailureBar(QWidget* parent)
     : QWidget(parent),
       heading_(new QLabel),
       reason_(new WrappedText),
-      close_(new look::IconButton(look::IconName::ClearDate)) {
+      close_(new ui::IconButton(ui::IconName::ClearDate)) {
   static const bool installed = (QAccessible::installFactory(&makeInterface), true);
   Q_UNUSED(installed)
   setObjectName(QStringLiteral("failureBar"));
-  look::applyLook(*this);
+  ui::applyStyle(*this);
   heading_->setObjectName(QStringLiteral("failureHeading"));
   heading_->setTextFormat(Qt::PlainText);
   heading_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  heading_->setFont(look::semiBold(heading_->font()));
+  heading_->setFont(ui::semiBold(heading_->font()));
   heading_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   reason_->setObjectName(QStringLiteral("failureReason"));
   close_->setObjectName(QStringLiteral("failureClose"));
@@ -88,12 +88,12 @@ FailureBar::FailureBar(QWidget* parent)
   connect(close_, &QToolButton::clicked, this, &QWidget::hide);
 
   auto* texts = new QVBoxLayout;
-  texts->setSpacing(look::px(this, 2));
+  texts->setSpacing(ui::px(this, 2));
   texts->addWidget(heading_);
   texts->addWidget(reason_);
   auto* row = new QHBoxLayout(this);
-  const int inside = look::px(this, look::space::inside);
-  row->setContentsMargins(look::px(this, 2 * look::space::inside), inside, inside, inside);
+  const int inside = ui::px(this, ui::space::inside);
+  row->setContentsMargins(ui::px(this, 2 * ui::space::inside), inside, inside, inside);
   row->setSpacing(inside);
   row->addLayout(texts, 1);
   row->addWidget(close_, 0, Qt::AlignTop);
@@ -125,12 +125,12 @@ void FailureBar::setLanguage(const settings::LanguageOffset& language) {
 }
 
 void FailureBar::paintEvent(QPaintEvent* /*event*/) {
-  const look::Theme& theme = look::Theme::of(*this);
+  const ui::Theme& theme = ui::Theme::of(*this);
   QPainter painter(this);
-  const int line = look::px(this, 1);
+  const int line = ui::px(this, 1);
   painter.fillRect(rect(), theme.surface);
   painter.fillRect(0, height() - line, width(), line, theme.border);
-  painter.fillRect(0, 0, look::px(this, 4), height() - line, theme.accent);
+  painter.fillRect(0, 0, ui::px(this, 4), height() - line, theme.accent);
 }
 
 }  // namespace korvel::host

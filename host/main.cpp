@@ -1,7 +1,5 @@
 #include <QApplication>
 
-#include "control/look/mark.h"
-#include "control/look/palettes.h"
 #include "host/command_line.h"
 #include "host/host_texts.h"
 #include "host/main_window.h"
@@ -9,6 +7,8 @@
 #include "host/platform_choice.h"
 #include "host/shot.h"
 #include "host/viewer_path.h"
+#include "ui/icons/application_icon.h"
+#include "ui/style/palettes.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ int run(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("KorvelAuditViewer"));
   QApplication::setApplicationDisplayName(QString());
-  korvel::look::applyPreferredPalette(application);
+  korvel::ui::applyPreferredPalette(application);
   // What is left once the toolkit has taken its own options out.
   const ParsedOptions parsed = parseOptions(QApplication::arguments().mid(1), language);
   if (!parsed.failure.isEmpty()) {
@@ -54,7 +54,7 @@ int run(int argc, char** argv) {
     MainWindow window(parsed.options, language);
     return static_cast<int>(takeShot(window, *parsed.options.shotFile, messages, language));
   }
-  QApplication::setWindowIcon(korvel::look::markIcon());
+  QApplication::setWindowIcon(korvel::ui::applicationIcon());
   provideViewerPath(QApplication::applicationDirPath());
   MainWindow window(parsed.options, language);
   window.present();

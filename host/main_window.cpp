@@ -8,14 +8,14 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "control/look/message_box.h"
 #include "host/host_texts.h"
+#include "ui/message_box.h"
 
 namespace korvel::host {
 namespace {
 
 void warn(QWidget* owner, const QString& text) {
-  look::MessageBox box(QMessageBox::Warning, productName, text, QMessageBox::Ok, owner);
+  ui::MessageBox box(QMessageBox::Warning, productName, text, QMessageBox::Ok, owner);
   box.exec();
 }
 

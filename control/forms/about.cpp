@@ -5,11 +5,11 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/mark.h"
-#include "control/look/theme.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/icons/application_icon.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::control {
 
@@ -21,33 +21,33 @@ QString aboutText(const LibraryVersion& version) {
 
 frmAbout::frmAbout(const LibraryVersion& version, QWidget* owner)
     : QDialog(owner),
-      Image1_(new look::MarkPicture),
+      Image1_(new ui::ApplicationIconPicture),
       lblVersion_(new QLabel(aboutText(version))),
-      btOk_(new look::PrimaryButton) {
+      btOk_(new ui::PrimaryButton) {
   setObjectName(QStringLiteral("frmAbout"));
   // Deliberately not the name on the version label.
   setWindowTitle(QStringLiteral("About velAudit Viewer"));
   setModal(true);
-  look::applyLook(*this);
+  ui::applyStyle(*this);
   Image1_->setObjectName(QStringLiteral("Image1"));
   Image1_->setAccessibleName(QStringLiteral("Korvel Audit Viewer"));
   lblVersion_->setObjectName(QStringLiteral("lblVersion"));
   lblVersion_->setTextFormat(Qt::PlainText);
   lblVersion_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  lblVersion_->setFont(look::semiBold(lblVersion_->font()));
+  lblVersion_->setFont(ui::semiBold(lblVersion_->font()));
   btOk_->setObjectName(QStringLiteral("btOk"));
   btOk_->setText(QStringLiteral("OK"));
   connect(btOk_, &QPushButton::clicked, this, &QDialog::accept);
 
-  QVBoxLayout* column = look::dressDialog(*this);
+  QVBoxLayout* column = ui::styleDialog(*this);
   auto* row = new QHBoxLayout;
-  row->setSpacing(2 * look::px(this, look::space::between));
+  row->setSpacing(2 * ui::px(this, ui::space::between));
   row->addWidget(Image1_);
   row->addWidget(lblVersion_, 1);
   column->addLayout(row);
   auto* buttons = new QDialogButtonBox;
   buttons->addButton(btOk_, QDialogButtonBox::AcceptRole);
-  look::addButtons(*this, buttons);
+  ui::addButtons(*this, buttons);
   btOk_->setDefault(true);
   btOk_->setFocus();
   column->setSizeConstraint(QLayout::SetFixedSize);

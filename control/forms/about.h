@@ -7,8 +7,8 @@
 class QLabel;
 class QPushButton;
 
-namespace korvel::look {
-class MarkPicture;
+namespace korvel::ui {
+class ApplicationIconPicture;
 }
 
 namespace korvel::control {
@@ -24,7 +24,7 @@ class frmAbout final : public QDialog {
   frmAbout(const LibraryVersion& version, QWidget* owner);
 
  private:
-  look::MarkPicture* Image1_;
+  ui::ApplicationIconPicture* Image1_;
   QLabel* lblVersion_;
   QPushButton* btOk_;
 };

@@ -4,9 +4,9 @@
 #include <QProgressDialog>
 #include <limits>
 
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "control/texts.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::control {
 namespace {
@@ -21,8 +21,8 @@ PagesWindow::PagesWindow(QWidget& owner, std::chrono::milliseconds patience)
   window_->setObjectName(QStringLiteral("frmPages"));
   window_->setWindowModality(Qt::ApplicationModal);
   window_->setWindowTitle(QStringLiteral("KorvelAudit Viewer"));
-  look::applyLook(*window_);
-  window_->setMinimumWidth(look::px(window_, leastWidth));
+  ui::applyStyle(*window_);
+  window_->setMinimumWidth(ui::px(window_, leastWidth));
   // When it shows and hides is decided here: by itself it never shows as long as the value stays the same, which is
   // all the time that pages are counted.
   window_->setMinimumDuration(std::numeric_limits<int>::max());

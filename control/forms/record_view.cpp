@@ -13,11 +13,11 @@
 
 #include "base/text.h"
 #include "control/forms/value_field.h"
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "control/texts.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::control {
 namespace {
@@ -53,8 +53,8 @@ void setMenuTexts(ValueField& field) {
 
 RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScrollArea(this), "areaFields")) {
   setObjectName(QStringLiteral("frmRecordView"));
-  look::applyLook(*this);
-  auto* column = look::dressDialog(*this);
+  ui::applyStyle(*this);
+  auto* column = ui::styleDialog(*this);
   area_->setWidgetResizable(true);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   // Without a handle where there is nothing to scroll. A bar that came and went would wrap the values anew each time.
@@ -65,18 +65,18 @@ RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScroll
   buildFoot();
   addShortcuts();
 
-  QSize size(look::px(this, firstWidth), look::px(this, firstHeight));
+  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
   if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
   resize(size);
 }
 
 void RecordView::buildFoot() {
-  btPrevious_ = named(new look::SecondaryButton(look::IconName::PreviousPage, QString()), "btPrevious");
-  btNext_ = named(new look::SecondaryButton(look::IconName::NextPage, QString()), "btNext");
+  btPrevious_ = named(new ui::SecondaryButton(ui::IconName::PreviousPage, QString()), "btPrevious");
+  btNext_ = named(new ui::SecondaryButton(ui::IconName::NextPage, QString()), "btNext");
   lblPlace_ = named(new QLabel, "lblPlace");
-  look::setMuted(*lblPlace_);
-  btCopy_ = named(new look::SecondaryButton(look::IconName::Copy, QString()), "btCopy");
-  btClose_ = named(new look::PrimaryButton, "btClose");
+  ui::setMuted(*lblPlace_);
+  btCopy_ = named(new ui::SecondaryButton(ui::IconName::Copy, QString()), "btCopy");
+  btClose_ = named(new ui::PrimaryButton, "btClose");
   btClose_->setDefault(true);
   connect(btPrevious_, &QPushButton::clicked, this, [this] { showPrevious(); });
   connect(btNext_, &QPushButton::clicked, this, [this] { showNext(); });
@@ -84,7 +84,7 @@ void RecordView::buildFoot() {
   connect(btClose_, &QPushButton::clicked, this, &QDialog::reject);
 
   auto* foot = new QHBoxLayout;
-  foot->setSpacing(look::px(this, look::space::inside));
+  foot->setSpacing(ui::px(this, ui::space::inside));
   foot->addWidget(btPrevious_);
   foot->addWidget(btNext_);
   foot->addWidget(lblPlace_, 1);
@@ -154,7 +154,7 @@ RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
   // A field may have an "&" in its name, which marks no letter.
   field.label = new QLabel(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
   field.label->setTextFormat(Qt::PlainText);
-  look::setMuted(*field.label);
+  ui::setMuted(*field.label);
   field.value = framed ? new ValueField(ValueField::Frame::always, leastLinesOfChange, mostLinesOfChange)
                        : new ValueField(ValueField::Frame::none, 1, mostLines);
   field.value->setAccessibleName(caption);
@@ -163,7 +163,7 @@ RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
   field.label->setBuddy(field.value);
   field.note = new QLabel;
   field.note->setWordWrap(true);
-  look::setMuted(*field.note);
+  ui::setMuted(*field.note);
   fields_.push_back(field);
   return fields_.back();
 }
@@ -181,10 +181,10 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValu
   auto* form = new QWidget;
   form->setBackgroundRole(QPalette::Base);
   auto* grid = new QGridLayout(form);
-  const int inside = look::px(this, look::space::inside);
-  grid->setContentsMargins(inside, inside, look::px(this, look::space::inGroup), inside);
+  const int inside = ui::px(this, ui::space::inside);
+  grid->setContentsMargins(inside, inside, ui::px(this, ui::space::inGroup), inside);
   grid->setHorizontalSpacing(inside);
-  grid->setVerticalSpacing(look::px(this, 2));
+  grid->setVerticalSpacing(ui::px(this, 2));
   grid->setColumnStretch(1, 1);
   int line = 0;
   const auto below = [](QWidget* first, QWidget* second, QWidget* third) {
@@ -198,11 +198,11 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValu
   for (std::size_t i = 0; i < captions.size(); ++i, ++line) {
     if (static_cast<int>(i) == oldValue) {
       auto* pair = new QHBoxLayout;
-      pair->setContentsMargins(0, look::px(this, look::space::inGroup), 0, look::px(this, look::space::inGroup));
+      pair->setContentsMargins(0, ui::px(this, ui::space::inGroup), 0, ui::px(this, ui::space::inGroup));
       pair->setSpacing(inside);
       for (const std::size_t each : {i, i + 1}) {
         const Field& field = addField(captions[each], true);
-        field.label->setContentsMargins(0, 0, 0, look::px(this, look::space::inGroup));
+        field.label->setContentsMargins(0, 0, 0, ui::px(this, ui::space::inGroup));
         pair->addLayout(below(field.label, field.value, field.note), 1);
       }
       grid->addLayout(pair, line, 0, 1, 2);

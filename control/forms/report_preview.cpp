@@ -16,11 +16,11 @@
 
 #include "base/error.h"
 #include "control/forms/sheet_list.h"
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "control/texts.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::control {
 namespace {
@@ -49,17 +49,17 @@ ReportPreview::ReportPreview(std::unique_ptr<output::pages::ReportSheets> sheets
   setObjectName(name("frmReportPreview"));
   setWindowTitle(ownText("preview.title"));
   setWindowFlag(Qt::WindowMaximizeButtonHint);
-  look::applyLook(*this);
-  QVBoxLayout* column = look::dressDialog(*this);
+  ui::applyStyle(*this);
+  QVBoxLayout* column = ui::styleDialog(*this);
   column->addWidget(buildBar());
   buildPages();
   auto* row = new QHBoxLayout;
-  row->setSpacing(look::px(this, look::space::between));
+  row->setSpacing(ui::px(this, ui::space::between));
   row->addWidget(lvSheets_);
   row->addWidget(areaPage_, 1);
   column->addLayout(row, 1);
 
-  QSize size(look::px(this, firstWidth), look::px(this, firstHeight));
+  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
   if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
   resize(size);
   areaPage_->setFocus();
@@ -75,19 +75,19 @@ QWidget* ReportPreview::buildBar() {
   auto* bar = new QWidget;
   auto* row = new QHBoxLayout(bar);
   row->setContentsMargins({});
-  row->setSpacing(look::px(this, look::space::inGroup));
-  const auto button = [&](look::IconName icon, const char* objectName, const char* text, auto clicked) {
-    auto* made = new look::IconButton(icon, bar);
+  row->setSpacing(ui::px(this, ui::space::inGroup));
+  const auto button = [&](ui::IconName icon, const char* objectName, const char* text, auto clicked) {
+    auto* made = new ui::IconButton(icon, bar);
     made->setObjectName(name(objectName));
     made->setToolTip(ownText(text));
     connect(made, &QToolButton::clicked, this, clicked);
     row->addWidget(made);
     return made;
   };
-  const auto gap = [&] { row->addSpacing(look::px(this, 2 * look::space::between)); };
+  const auto gap = [&] { row->addSpacing(ui::px(this, 2 * ui::space::between)); };
 
-  btFirst_ = button(look::IconName::FirstPage, "btFirst", "preview.first", [this] { showPage(1); });
-  btPrevious_ = button(look::IconName::PreviousPage, "btPrevious", "preview.previous", [this] { showPage(page_ - 1); });
+  btFirst_ = button(ui::IconName::FirstPage, "btFirst", "preview.first", [this] { showPage(1); });
+  btPrevious_ = button(ui::IconName::PreviousPage, "btPrevious", "preview.previous", [this] { showPage(page_ - 1); });
   txtPage_ = new QSpinBox;
   txtPage_->setObjectName(name("txtPage"));
   txtPage_->setRange(1, std::max(1, sheets_->count()));
@@ -99,26 +99,26 @@ QWidget* ReportPreview::buildBar() {
   auto* of = new QLabel(ownText("preview.of").arg(sheets_->count()));
   of->setObjectName(name("lblOf"));
   row->addWidget(of);
-  btNext_ = button(look::IconName::NextPage, "btNext", "preview.next", [this] { showPage(page_ + 1); });
-  btLast_ = button(look::IconName::LastPage, "btLast", "preview.last", [this] { showPage(sheets_->count()); });
+  btNext_ = button(ui::IconName::NextPage, "btNext", "preview.next", [this] { showPage(page_ + 1); });
+  btLast_ = button(ui::IconName::LastPage, "btLast", "preview.last", [this] { showPage(sheets_->count()); });
   gap();
-  button(look::IconName::ZoomOut, "btZoomOut", "preview.zoomOut",
+  button(ui::IconName::ZoomOut, "btZoomOut", "preview.zoomOut",
          [this] { setZoomPercent(qRound(zoomPercent() / zoomStep)); });
   lblZoom_ = new QLabel;
   lblZoom_->setObjectName(name("lblZoom"));
   lblZoom_->setAlignment(Qt::AlignCenter);
   lblZoom_->setMinimumWidth(lblZoom_->fontMetrics().horizontalAdvance(QStringLiteral("0000 %")));
   row->addWidget(lblZoom_);
-  button(look::IconName::ZoomIn, "btZoomIn", "preview.zoomIn",
+  button(ui::IconName::ZoomIn, "btZoomIn", "preview.zoomIn",
          [this] { setZoomPercent(qRound(zoomPercent() * zoomStep)); });
-  button(look::IconName::FitWidth, "btFitWidth", "preview.fitWidth", [this] { setZoom(Zoom::fitWidth); });
-  button(look::IconName::FitPage, "btFitPage", "preview.fitPage", [this] { setZoom(Zoom::fitPage); });
+  button(ui::IconName::FitWidth, "btFitWidth", "preview.fitWidth", [this] { setZoom(Zoom::fitWidth); });
+  button(ui::IconName::FitPage, "btFitPage", "preview.fitPage", [this] { setZoom(Zoom::fitPage); });
   row->addStretch(1);
-  auto* print = new look::PrimaryButton(look::IconName::Print, ownText("preview.print"), bar);
+  auto* print = new ui::PrimaryButton(ui::IconName::Print, ownText("preview.print"), bar);
   print->setObjectName(name("btPrint"));
   connect(print, &QPushButton::clicked, this, [this] { requestPrint(); });
   row->addWidget(print);
-  auto* close = new look::SecondaryButton(ownText("preview.close"), bar);
+  auto* close = new ui::SecondaryButton(ownText("preview.close"), bar);
   close->setObjectName(name("btClose"));
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
   row->addWidget(close);
@@ -129,7 +129,7 @@ QWidget* ReportPreview::buildBar() {
 }
 
 void ReportPreview::buildPages() {
-  const int width = look::px(this, sheetWidth);
+  const int width = ui::px(this, sheetWidth);
   auto* model = new SheetList(*sheets_, width, devicePixelRatioF(), this);
   lvSheets_->setObjectName(name("lvSheets"));
   lvSheets_->setAccessibleName(ownText("preview.pages"));
@@ -141,12 +141,12 @@ void ReportPreview::buildPages() {
   lvSheets_->setUniformItemSizes(true);
   const QSizeF page = sheets_->pageSize();
   const int height = qRound(width * page.height() / page.width());
-  const int text = fontMetrics().height() + look::px(this, look::space::inside);
+  const int text = fontMetrics().height() + ui::px(this, ui::space::inside);
   lvSheets_->setIconSize({width, height});
   lvSheets_->setGridSize(
-      {width + look::px(this, 2 * look::space::inside), height + text + look::px(this, look::space::inside)});
+      {width + ui::px(this, 2 * ui::space::inside), height + text + ui::px(this, ui::space::inside)});
   lvSheets_->setFixedWidth(lvSheets_->gridSize().width() + lvSheets_->verticalScrollBar()->sizeHint().width() +
-                           2 * lvSheets_->frameWidth() + look::px(this, look::space::inGroup));
+                           2 * lvSheets_->frameWidth() + ui::px(this, ui::space::inGroup));
   lvSheets_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   connect(lvSheets_->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this](const QModelIndex& current) { showPage(current.row() + 1); });
@@ -197,7 +197,7 @@ qreal ReportPreview::dotsPerInch() const {
   if (zoom_ == Zoom::fixed) return fixedDotsPerInch_;
   const QSizeF page = sheets_->pageSize();
   // As if there were a scroll bar: one that comes and goes would change the width that it comes for.
-  const int margin = look::px(this, 2 * look::space::inside);
+  const int margin = ui::px(this, 2 * ui::space::inside);
   const QSize room = areaPage_->size() - QSize(margin + areaPage_->verticalScrollBar()->sizeHint().width(), margin);
   const qreal byWidth = room.width() * pointsPerInch / page.width();
   const qreal byHeight = room.height() * pointsPerInch / page.height();

@@ -7,8 +7,8 @@
 #include <QTextLayout>
 #include <algorithm>
 
-#include "control/look/icons.h"
-#include "control/look/theme.h"
+#include "ui/icons/icons.h"
+#include "ui/style/theme.h"
 
 namespace korvel::control {
 
@@ -40,11 +40,11 @@ void ValueField::setMenuTexts(const QString& copy, const QString& selectAll) {
 }
 
 QSize ValueField::sizeHint() const {
-  return {look::px(this, 160), height()};
+  return {ui::px(this, 160), height()};
 }
 
 QSize ValueField::minimumSizeHint() const {
-  return {look::px(this, 80), height()};
+  return {ui::px(this, 80), height()};
 }
 
 /// Lines that the text takes at this width; counted only as far as they matter.
@@ -93,18 +93,18 @@ void ValueField::paintEvent(QPaintEvent* event) {
   if (frameShape() != QFrame::NoFrame || !hasFocus()) return;
   QPainter painter(viewport());
   painter.setRenderHint(QPainter::Antialiasing);
-  const qreal width = look::px(this, 1);
-  painter.setPen(QPen(look::Theme::of(*this).accent, width));
+  const qreal width = ui::px(this, 1);
+  painter.setPen(QPen(ui::Theme::of(*this).accent, width));
   const qreal half = width / 2;
-  painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(half, half, -half, -half), look::px(this, 3),
-                          look::px(this, 3));
+  painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(half, half, -half, -half), ui::px(this, 3),
+                          ui::px(this, 3));
 }
 
 void ValueField::contextMenuEvent(QContextMenuEvent* event) {
   // The toolkit's own menu speaks the system's language, not the viewer's.
   auto* menu = new QMenu(this);
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  QAction* const copySelected = menu->addAction(look::icon(look::IconName::Copy), copyText_, this, [this] { copy(); });
+  QAction* const copySelected = menu->addAction(ui::icon(ui::IconName::Copy), copyText_, this, [this] { copy(); });
   copySelected->setShortcut(QKeySequence::Copy);
   copySelected->setEnabled(textCursor().hasSelection());
   QAction* const all = menu->addAction(selectAllText_, this, [this] { selectAll(); });

@@ -15,26 +15,22 @@
 #include <utility>
 #include <vector>
 
-#include "control/look/result_table.h"
-#include "control/query_watch.h"
 #include "db/attended_work.h"
 #include "db/forms/event_echo.h"
 #include "db/open_connection.h"
-#include "settings/explained_error.h"
+#include "ui/query_watch.h"
+#include "ui/result_table.h"
+#include "ui/texts.h"
 
 namespace korvel::db {
 namespace {
 
-using control::BusyPointer;
-using control::MessageIcon;
+using ui::BusyPointer;
+using ui::MessageIcon;
 
 constexpr std::size_t localServers = 0;
 const QString auditName = QStringLiteral("Korvel_Audit");
 const QString noDatabaseSelected = QStringLiteral("No Database Selected");
-
-QString fromUtf8(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// The item of the bar that names this server, -1 for none. Names of servers have no case; the paths of folders have.
 int itemOf(const SmartViewBar& bar, const QString& server) {
@@ -118,7 +114,7 @@ frmSQLServerBrowser::Listing frmSQLServerBrowser::list(const std::function<Resul
                                                        Result& result, std::optional<Error>& failure) {
   const QPointer<frmSQLServerBrowser> alive(this);
   listing_ = true;
-  control::QueryWatch watch;
+  ui::QueryWatch watch;
   bool wanted = true;
   failure = failureOf([&] {
     openServerObject();
@@ -158,7 +154,7 @@ void frmSQLServerBrowser::DisplayServers() {
   // A call that was queued: it would list inside of a listing.
   if (listing_) return;
   const QPointer<frmSQLServerBrowser> alive(this);
-  const std::shared_ptr<control::ControlServices> services = services_;
+  const std::shared_ptr<ui::DialogServices> services = services_;
   std::optional<Error> failure;
   {
     const BusyPointer busy(*services);
@@ -172,7 +168,7 @@ void frmSQLServerBrowser::DisplayServers() {
         [local](ServerDirectory& directory) { return local ? directory.localServers() : directory.networkServers(); },
         servers, failure);
     if (!alive) return;
-    for (const std::string& server : servers) SmartViewBar_->addItem(fromUtf8(server));
+    for (const std::string& server : servers) SmartViewBar_->addItem(ui::fromUtf8(server));
     SmartViewBar_->highlightItems();
     if (listing == Listing::done) SmartViewBar_->setEmptyText(ownText("browser.noServers"));
     say(listing == Listing::stopped ? ownText("browser.stopped")
@@ -195,7 +191,7 @@ void frmSQLServerBrowser::SmartViewBar_ItemClick() {
   const QString server = SmartViewBar_->selectedCaption();
   if (server.isEmpty() || listing_) return;
   const QPointer<frmSQLServerBrowser> alive(this);
-  const std::shared_ptr<control::ControlServices> services = services_;
+  const std::shared_ptr<ui::DialogServices> services = services_;
   std::optional<Error> failure;
   {
     const BusyPointer busy(*services);
@@ -209,9 +205,9 @@ void frmSQLServerBrowser::SmartViewBar_ItemClick() {
         all, failure);
     if (!alive) return;
     for (const DatabaseInfo& database : all) {
-      const QString name = fromUtf8(database.name);
+      const QString name = ui::fromUtf8(database.name);
       if (database.isSystem || !name.contains(auditName, Qt::CaseInsensitive)) continue;
-      databases_.appendRow({new QStandardItem(name), new QStandardItem(fromUtf8(database.path))});
+      databases_.appendRow({new QStandardItem(name), new QStandardItem(ui::fromUtf8(database.path))});
     }
     if (listing == Listing::done) {
       lvListView_->setEmptyText(ownText("browser.noDatabases", server));
@@ -247,7 +243,7 @@ void frmSQLServerBrowser::cmdOK_Click() {
   if (database.isEmpty()) {
     // The connection state outlives the dialog; the dialog may not outlive the message.
     ConnectionState& connection = connection_;
-    const std::shared_ptr<control::ControlServices> services = services_;
+    const std::shared_ptr<ui::DialogServices> services = services_;
     services->messageBox(this, MessageIcon::none, QGuiApplication::applicationDisplayName(), noDatabaseSelected);
     connection.ConnectionString.clear();
     connection.AdvancedConnectionString.clear();
@@ -258,7 +254,7 @@ void frmSQLServerBrowser::cmdOK_Click() {
     // A name that would end early in the connection string may lead to another server.
     const bool serverFits = leadsTo(server, auditName.toStdString());
     services_->messageBox(this, MessageIcon::critical, windowTitle(),
-                          ownText("failure.notInConnection", serverFits ? database : fromUtf8(server)));
+                          ownText("failure.notInConnection", serverFits ? database : ui::fromUtf8(server)));
     return;
   }
   connection_.ConnectionString = buildConnectionString(server, database.toStdString());
@@ -271,7 +267,7 @@ void frmSQLServerBrowser::cmdOK_Click() {
 
 void frmSQLServerBrowser::oSQLServer_Event(const ServerEvent& event) {
   if (!switches.eventEcho) return;
-  services_->messageBox(this, MessageIcon::none, fromUtf8(eventEchoTitle), fromUtf8(eventEchoText(event)));
+  services_->messageBox(this, MessageIcon::none, ui::fromUtf8(eventEchoTitle), ui::fromUtf8(eventEchoText(event)));
 }
 
 void frmSQLServerBrowser::clearDatabases() {
@@ -280,10 +276,10 @@ void frmSQLServerBrowser::clearDatabases() {
 }
 
 void frmSQLServerBrowser::reportFailure(const QString& sentence, const Error& error) {
-  const std::shared_ptr<control::ControlServices> services = services_;
+  const std::shared_ptr<ui::DialogServices> services = services_;
   services->messageBox(this, MessageIcon::critical, windowTitle(),
                        sentence + QStringLiteral("\r\n") + QString::number(error.number()) + QLatin1Char(':') +
-                           fromUtf8(settings::describe(error, language_)));
+                           ui::describe(error, language_));
 }
 
 void frmSQLServerBrowser::say(const QString& text) {
@@ -292,7 +288,7 @@ void frmSQLServerBrowser::say(const QString& text) {
 }
 
 QString frmSQLServerBrowser::ownText(std::string_view key, const QString& first, const QString& second) const {
-  return fromUtf8(settings::filled(settings::ownText(key, language_), first.toStdString(), second.toStdString()));
+  return ui::fromUtf8(settings::filled(settings::ownText(key, language_), first.toStdString(), second.toStdString()));
 }
 
 bool frmSQLServerBrowser::eventFilter(QObject* watched, QEvent* event) {

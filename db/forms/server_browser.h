@@ -9,11 +9,11 @@
 
 #include "base/error.h"
 #include "base/twips.h"
-#include "control/control_services.h"
 #include "db/connection_state.h"
 #include "db/forms/smart_view_bar.h"
 #include "db/server_directory.h"
 #include "settings/string_table.h"
+#include "ui/dialog_services.h"
 
 class QLabel;
 class QLineEdit;
@@ -21,7 +21,7 @@ class QRadioButton;
 class QStatusBar;
 class QToolButton;
 
-namespace korvel::look {
+namespace korvel::ui {
 class ResultTable;
 }
 
@@ -32,7 +32,7 @@ struct BrowserSurroundings {
   /// What OK writes the choice into.
   ConnectionState& connection;
   const settings::LanguageOffset& language;
-  std::shared_ptr<control::ControlServices> services;
+  std::shared_ptr<ui::DialogServices> services;
   std::function<std::unique_ptr<ServerDirectory>()> openDirectory;
 };
 
@@ -108,7 +108,7 @@ class frmSQLServerBrowser final : public QDialog {
 
   ConnectionState& connection_;
   const settings::LanguageOffset& language_;
-  std::shared_ptr<control::ControlServices> services_;
+  std::shared_ptr<ui::DialogServices> services_;
   std::function<std::unique_ptr<ServerDirectory>()> openDirectory_;
   std::shared_ptr<ServerDirectory> oSQLServer_;  // a listing that was stopped may still use it
   QStandardItemModel databases_;
@@ -119,7 +119,7 @@ class frmSQLServerBrowser final : public QDialog {
   std::array<QRadioButton*, 2> ServerLocation_{};
   QLineEdit* txtServer_ = nullptr;
   QToolButton* btServer_ = nullptr;
-  look::ResultTable* lvListView_ = nullptr;
+  ui::ResultTable* lvListView_ = nullptr;
   QWidget* imgSplitterV_ = nullptr;
   QWidget* picSplitterV_ = nullptr;
   QWidget* Controlspic_ = nullptr;

@@ -8,18 +8,18 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/result_table.h"
-#include "control/look/theme.h"
-#include "control/screen_measure.h"
 #include "db/forms/server_browser.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/result_table.h"
+#include "ui/screen_measure.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::db {
 namespace {
 
-using control::ScreenMeasure;
+using ui::ScreenMeasure;
 
 constexpr Twips smallestWidth{5000};
 constexpr Twips smallestHeight{3000};
@@ -53,7 +53,7 @@ frmSQLServerBrowser::frmSQLServerBrowser(const BrowserSurroundings& surroundings
   setWindowTitle(QStringLiteral("SQL Server / Audit Trail Browser"));
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setModal(true);
-  look::applyLook(*this);
+  ui::applyStyle(*this);
   buildViewBar();
   buildRightPane();
   buildSplitter();
@@ -70,7 +70,7 @@ frmSQLServerBrowser::frmSQLServerBrowser(const BrowserSurroundings& surroundings
                             cmdCancel_};
   for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
   SmartViewBar_->items().setFocus();
-  resize(look::px(this, firstWidth), look::px(this, firstHeight));
+  resize(ui::px(this, firstWidth), ui::px(this, firstHeight));
 }
 
 void frmSQLServerBrowser::buildViewBar() {
@@ -85,7 +85,7 @@ void frmSQLServerBrowser::buildRightPane() {
   lblInfo_->setWordWrap(true);
 
   auto* locations = new QHBoxLayout;
-  locations->setSpacing(2 * look::px(this, look::space::between));
+  locations->setSpacing(2 * ui::px(this, ui::space::between));
   const char* const captions[] = {"Local Servers", "ALL Servers"};
   for (std::size_t i = 0; i < ServerLocation_.size(); ++i) {
     ServerLocation_.at(i) = new QRadioButton(QLatin1String(captions[i]));
@@ -104,18 +104,18 @@ void frmSQLServerBrowser::buildRightPane() {
   txtServer_->setPlaceholderText(ownText("browser.otherServer"));
   txtServer_->setAccessibleName(ownText("browser.otherServer"));
   txtServer_->installEventFilter(this);
-  btServer_ = named(new look::IconButton(look::IconName::NextPage), "btServer");
+  btServer_ = named(new ui::IconButton(ui::IconName::NextPage), "btServer");
   btServer_->setToolTip(ownText("browser.listDatabases"));
   btServer_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   btServer_->installEventFilter(this);
   connect(btServer_, &QToolButton::clicked, this, [this] { txtServer_Enter(); });
   auto* typed = new QHBoxLayout;
-  typed->setSpacing(look::px(this, look::space::inGroup));
+  typed->setSpacing(ui::px(this, ui::space::inGroup));
   typed->addWidget(txtServer_, 1);
   typed->addWidget(btServer_);
 
   databases_.setHorizontalHeaderLabels({QStringLiteral("Current Databases"), QStringLiteral("Database Path")});
-  lvListView_ = named(new look::ResultTable, "lvListView");
+  lvListView_ = named(new ui::ResultTable, "lvListView");
   lvListView_->setModel(&databases_);
   lvListView_->setAccessibleName(QStringLiteral("Current Databases"));
   lvListView_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -130,7 +130,7 @@ void frmSQLServerBrowser::buildRightPane() {
 
   auto* column = new QVBoxLayout(rightPane_);
   column->setContentsMargins({});
-  column->setSpacing(look::px(this, look::space::between));
+  column->setSpacing(ui::px(this, ui::space::between));
   column->addWidget(lblInfo_);
   column->addLayout(locations);
   column->addLayout(typed);
@@ -150,16 +150,16 @@ void frmSQLServerBrowser::buildSplitter() {
 
 void frmSQLServerBrowser::buildFoot() {
   Controlspic_ = named(new QWidget(this), "Controlspic");
-  cmdOK_ = named(new look::PrimaryButton, "cmdOK");
+  cmdOK_ = named(new ui::PrimaryButton, "cmdOK");
   cmdOK_->setText(QStringLiteral("OK"));
   cmdOK_->setDefault(true);
-  cmdCancel_ = named(new look::SecondaryButton(QStringLiteral("Cancel")), "cmdCancel");
+  cmdCancel_ = named(new ui::SecondaryButton(QStringLiteral("Cancel")), "cmdCancel");
   cmdCancel_->setAutoDefault(false);
   connect(cmdOK_, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
   connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
   auto* row = new QHBoxLayout(Controlspic_);
   row->setContentsMargins({});
-  row->setSpacing(look::px(this, look::space::between));
+  row->setSpacing(ui::px(this, ui::space::between));
   row->addStretch(1);
   row->addWidget(cmdOK_);
   row->addWidget(cmdCancel_);
@@ -188,7 +188,7 @@ void frmSQLServerBrowser::Form_Resize() {
   }
   // The list keeps its room where the window has become too narrow for the splitter, which comes back with the room.
   const Twips chosen = splitter_;
-  const int room = width() - look::px(this, look::space::dialog) - look::px(this, look::space::between);
+  const int room = width() - ui::px(this, ui::space::dialog) - ui::px(this, ui::space::between);
   SizeControls(std::min(chosen, measure.horizontalTwips(room - rightPane_->minimumSizeHint().width())));
   splitter_ = chosen;
 }
@@ -200,8 +200,7 @@ int frmSQLServerBrowser::leastListHeight() const {
 
 int frmSQLServerBrowser::leastPaneHeight(int width) const {
   const int lines = ServerLocation_[0]->sizeHint().height() + txtServer_->sizeHint().height();
-  return lblInfo_->heightForWidth(width) + lines + lvListView_->minimumHeight() +
-         3 * look::px(this, look::space::between);
+  return lblInfo_->heightForWidth(width) + lines + lvListView_->minimumHeight() + 3 * ui::px(this, ui::space::between);
 }
 
 int frmSQLServerBrowser::withinLimits(int x) const {
@@ -211,8 +210,8 @@ int frmSQLServerBrowser::withinLimits(int x) const {
 
 void frmSQLServerBrowser::SizeControls(Twips x) {
   const ScreenMeasure measure(*this);
-  const int around = look::px(this, look::space::dialog);
-  const int between = look::px(this, look::space::between);
+  const int around = ui::px(this, ui::space::dialog);
+  const int between = ui::px(this, ui::space::between);
   const int statusHeight = StatusBar1_->sizeHint().height();
   const int footHeight = Controlspic_->sizeHint().height();
   const int split = withinLimits(measure.horizontal(x));
@@ -225,7 +224,7 @@ void frmSQLServerBrowser::SizeControls(Twips x) {
   const int roomyHeight = footTop - 2 * around;
   // Where not all of it fits, what only explains goes first, then distances, and the bar that would cover a row.
   const bool fits = leastPaneHeight(paneWidth) <= roomyHeight;
-  const int close = look::px(this, look::space::inGroup);
+  const int close = ui::px(this, ui::space::inGroup);
   const int paneHeight = std::max(0, fits ? roomyHeight : footTop - around - close);
   lblInfo_->setVisible(fits);
   rightPane_->layout()->setSpacing(fits ? between : close);

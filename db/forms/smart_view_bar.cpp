@@ -4,10 +4,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "control/look/dialogs.h"
-#include "control/look/icons.h"
-#include "control/look/theme.h"
-#include "control/screen_measure.h"
+#include "ui/dialogs.h"
+#include "ui/icons/icons.h"
+#include "ui/screen_measure.h"
+#include "ui/style/theme.h"
 
 namespace korvel::db {
 namespace {
@@ -27,7 +27,7 @@ class ItemList final : public QListWidget {
  protected:
   void paintEvent(QPaintEvent* event) override {
     QListWidget::paintEvent(event);
-    if (count() == 0) look::paintEmptyMessage(*this, emptyText);
+    if (count() == 0) ui::paintEmptyMessage(*this, emptyText);
   }
 };
 
@@ -41,12 +41,12 @@ SmartViewBar::SmartViewBar(const QString& group, QWidget* parent) : CardFrame(gr
   items_->setTextElideMode(Qt::ElideRight);
   items_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   items_->setMouseTracking(true);
-  const int side = look::px(this, look::space::icon);
+  const int side = ui::px(this, ui::space::icon);
   items_->setIconSize({side, side});
   items_->installEventFilter(this);
 
   auto* column = new QVBoxLayout(this);
-  const control::ScreenMeasure measure(*this);
+  const ui::ScreenMeasure measure(*this);
   const int across = measure.horizontal(groupSpacing);
   const int down = measure.vertical(groupSpacing);
   column->setContentsMargins(across, down, across, down);
@@ -61,7 +61,7 @@ void SmartViewBar::clear() {
 }
 
 void SmartViewBar::addItem(const QString& caption) {
-  auto* item = new QListWidgetItem(look::icon(look::IconName::Server), caption, items_);
+  auto* item = new QListWidgetItem(ui::icon(ui::IconName::Server), caption, items_);
   item->setData(markerRole, serverMarker);
   // Marked up so that a name that looks like markup is shown as it is.
   item->setToolTip(QStringLiteral("<span>%1</span>").arg(caption.toHtmlEscaped()));
@@ -69,7 +69,7 @@ void SmartViewBar::addItem(const QString& caption) {
 
 void SmartViewBar::highlightItems() {
   // Semi-bold on the ground of the bar, which is white by day.
-  const QFont highlighted = look::semiBold(items_->font());
+  const QFont highlighted = ui::semiBold(items_->font());
   for (int i = 0; i < items_->count(); ++i) items_->item(i)->setFont(highlighted);
 }
 

@@ -2,12 +2,12 @@
 
 #include <QListWidget>
 
-#include "control/look/card_frame.h"
+#include "ui/card_frame.h"
 
 namespace korvel::db {
 
 /// The view bar: one group of items under its caption. An item is chosen by a click, or with Enter or Space on it.
-class SmartViewBar final : public look::CardFrame {
+class SmartViewBar final : public ui::CardFrame {
   Q_OBJECT
 
  public:

@@ -10,20 +10,17 @@
 #include <exception>
 #include <utility>
 
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "output/report.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
+#include "ui/texts.h"
 
 namespace korvel::output {
 namespace {
 
 constexpr int leastWidth = 320;
-
-QString fromUtf8(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// The size of a font in points, to four fractional digits, also where it was given in pixels.
 double pointsOf(const QFont& font) {
@@ -54,22 +51,22 @@ frmPrintFont::frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner)
       surroundings_(std::move(surroundings)),
       lblFontName_(makeLabel("lblFontName")),
       lblFontSize_(makeLabel("lblFontSize")),
-      btChangeFont_(dressed(new look::SecondaryButton, "btChangeFont", text("printFont.change"))),
-      btDefault_(dressed(new look::SecondaryButton, "btDefault", text("printFont.default"))),
-      btClose_(dressed(new look::PrimaryButton, "btClose", text("printFont.close"))) {
+      btChangeFont_(dressed(new ui::SecondaryButton, "btChangeFont", text("printFont.change"))),
+      btDefault_(dressed(new ui::SecondaryButton, "btDefault", text("printFont.default"))),
+      btClose_(dressed(new ui::PrimaryButton, "btClose", text("printFont.close"))) {
   setObjectName(QStringLiteral("frmPrintFont"));
   // Deliberately English in every language.
   setWindowTitle(QStringLiteral("Page Setup"));
   setModal(true);
-  look::applyLook(*this);
-  QVBoxLayout* column = look::dressDialog(*this);
+  ui::applyStyle(*this);
+  QVBoxLayout* column = ui::styleDialog(*this);
 
   auto* rows = new QFormLayout;
-  rows->setSpacing(look::px(this, look::space::inside));
+  rows->setSpacing(ui::px(this, ui::space::inside));
   const auto addRow = [&](const char* key, QLabel* value) {
     auto* title = new QLabel(text(key));
     title->setTextFormat(Qt::PlainText);
-    look::setMuted(*title);
+    ui::setMuted(*title);
     value->setAccessibleName(title->text());
     rows->addRow(title, value);
   };
@@ -85,15 +82,15 @@ frmPrintFont::frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner)
   buttons->addButton(btDefault_, QDialogButtonBox::ActionRole);
   // Behind the other two in every order that platforms have: closing accepts nothing and rejects nothing.
   buttons->addButton(btClose_, QDialogButtonBox::RejectRole);
-  look::addButtons(*this, buttons);
+  ui::addButtons(*this, buttons);
   btClose_->setDefault(true);
   btClose_->setFocus();
-  setMinimumWidth(look::px(this, leastWidth));
+  setMinimumWidth(ui::px(this, leastWidth));
   Form_Activate();
 }
 
 QString frmPrintFont::text(const char* key) const {
-  return fromUtf8(settings::ownText(key, surroundings_.language));
+  return ui::ownText(key, surroundings_.language);
 }
 
 void frmPrintFont::showEvent(QShowEvent* event) {
@@ -102,14 +99,14 @@ void frmPrintFont::showEvent(QShowEvent* event) {
 }
 
 void frmPrintFont::Form_Activate() {
-  lblFontName_->setText(fromUtf8(surroundings_.font.name));
-  lblFontSize_->setText(fromUtf8(fontSizeText(surroundings_.font.size)));
+  lblFontName_->setText(ui::fromUtf8(surroundings_.font.name));
+  lblFontSize_->setText(ui::fromUtf8(fontSizeText(surroundings_.font.size)));
 }
 
 void frmPrintFont::btChangeFont_Click() {
   try {
     const QPointer<frmPrintFont> alive(this);
-    QFont current(fromUtf8(surroundings_.font.name));
+    QFont current(ui::fromUtf8(surroundings_.font.name));
     if (surroundings_.font.size > 0) current.setPointSizeF(surroundings_.font.size);
     const std::optional<QFont> chosen = surroundings_.services->chooseFont(this, current);
     if (!alive || !chosen) return;

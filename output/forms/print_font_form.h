@@ -3,9 +3,9 @@
 #include <QDialog>
 #include <memory>
 
-#include "control/control_services.h"
 #include "output/print_font.h"
 #include "settings/string_table.h"
+#include "ui/dialog_services.h"
 
 class QLabel;
 class QPushButton;
@@ -16,7 +16,7 @@ namespace korvel::output {
 struct PrintFontSurroundings {
   PrintFont& font;
   const settings::LanguageOffset& language;
-  std::shared_ptr<control::ControlServices> services;
+  std::shared_ptr<ui::DialogServices> services;
 };
 
 /// The dialog in which the font of printed reports is chosen. What is chosen takes effect at once and stays when the

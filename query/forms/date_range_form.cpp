@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "control/look/buttons.h"
-#include "control/look/card_frame.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
+#include "ui/buttons.h"
+#include "ui/card_frame.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::query {
 namespace {
@@ -64,18 +64,18 @@ QTableView* daysOf(const QCalendarWidget& calendar) {
 }  // namespace
 
 frmAdvancedFilters::frmAdvancedFilters(DateRangeSurroundings surroundings, QWidget* owner)
-    : QDialog(owner), surroundings_(std::move(surroundings)), btOK_(named(new look::PrimaryButton, "btOK")) {
+    : QDialog(owner), surroundings_(std::move(surroundings)), btOK_(named(new ui::PrimaryButton, "btOK")) {
   setObjectName(QStringLiteral("frmAdvancedFilters"));
   // Deliberately English in every language, as the captions of the frames and of the button are.
   setWindowTitle(QStringLiteral("Date Range Filter"));
   setModal(true);
-  look::applyLook(*this);
-  QVBoxLayout* column = look::dressDialog(*this);
+  ui::applyStyle(*this);
+  QVBoxLayout* column = ui::styleDialog(*this);
 
   from_ = buildSide("Frame1", "FromDate", "txtFromDate", QStringLiteral("From Date"), &DateRange::RangeFromDate);
   to_ = buildSide("Frame2", "ToDate", "txtToDate", QStringLiteral("To Date"), &DateRange::RangeToDate);
   auto* sides = new QHBoxLayout;
-  sides->setSpacing(look::px(this, look::space::between));
+  sides->setSpacing(ui::px(this, ui::space::between));
   sides->addWidget(from_.frame);
   sides->addWidget(to_.frame);
   column->addLayout(sides);
@@ -84,7 +84,7 @@ frmAdvancedFilters::frmAdvancedFilters(DateRangeSurroundings surroundings, QWidg
   connect(btOK_, &QPushButton::clicked, this, &QDialog::accept);
   auto* buttons = new QDialogButtonBox;
   buttons->addButton(btOK_, QDialogButtonBox::AcceptRole);
-  look::addButtons(*this, buttons);
+  ui::addButtons(*this, buttons);
   btOK_->setDefault(true);
   column->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -94,7 +94,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
                                                        std::chrono::year_month_day DateRange::*day) {
   Side side;
   side.day = day;
-  side.frame = named(new look::CardFrame(caption), frameName);
+  side.frame = named(new ui::CardFrame(caption), frameName);
   side.calendar = named(new QCalendarWidget, calendarName);
   side.calendar->setLocale(surroundings_.locale);
   side.calendar->setFirstDayOfWeek(surroundings_.locale.firstDayOfWeek());
@@ -102,8 +102,8 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   // Digits that are typed would change the day a while later, without a click.
   side.calendar->setDateEditEnabled(false);
   side.calendar->setAccessibleName(caption);
-  look::dressCalendar(*side.calendar);
-  look::addYearArrows(*side.calendar, text("dates.previousYear"), text("dates.nextYear"));
+  ui::styleCalendar(*side.calendar);
+  ui::addYearArrows(*side.calendar, text("dates.previousYear"), text("dates.nextYear"));
   QTableView* const days = daysOf(*side.calendar);
   days->setAccessibleName(caption);
   days->installEventFilter(this);
@@ -119,7 +119,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
 
   auto* column = new QVBoxLayout(side.frame);
   column->setContentsMargins({});
-  column->setSpacing(look::px(this, look::space::inside));
+  column->setSpacing(ui::px(this, ui::space::inside));
   column->addWidget(side.calendar);
   column->addWidget(side.text);
   return side;
@@ -165,9 +165,9 @@ bool frmAdvancedFilters::Form_QueryUnload() {
   constexpr settings::TextId wrongOrder{10059};
   // Deliberately also for two dates of the same day, although the message speaks of "greater".
   if (isInOrder(surroundings_.range)) return true;
-  const std::shared_ptr<control::ControlServices> services = surroundings_.services;
+  const std::shared_ptr<ui::DialogServices> services = surroundings_.services;
   const std::string_view text = settings::loadText(wrongOrder, surroundings_.language);
-  services->messageBox(this, control::MessageIcon::information, QStringLiteral("KorvelAudit Viewer"),
+  services->messageBox(this, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer"),
                        QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
   return false;
 }

@@ -7,15 +7,15 @@
 #include <memory>
 #include <optional>
 
-#include "control/control_services.h"
 #include "query/date_range.h"
 #include "settings/string_table.h"
+#include "ui/dialog_services.h"
 
 class QCalendarWidget;
 class QLineEdit;
 class QPushButton;
 
-namespace korvel::look {
+namespace korvel::ui {
 class CardFrame;
 }
 
@@ -25,7 +25,7 @@ namespace korvel::query {
 struct DateRangeSurroundings {
   DateRange& range;
   const settings::LanguageOffset& language;
-  std::shared_ptr<control::ControlServices> services;
+  std::shared_ptr<ui::DialogServices> services;
   /// Short dates, names of months, first day of the week.
   QLocale locale = QLocale::system();
   std::function<QDate()> today = &QDate::currentDate;
@@ -54,7 +54,7 @@ class frmAdvancedFilters final : public QDialog {
   /// A frame with a calendar and the line that shows the day picked in it.
   struct Side {
     std::chrono::year_month_day DateRange::*day = nullptr;
-    look::CardFrame* frame = nullptr;
+    ui::CardFrame* frame = nullptr;
     QCalendarWidget* calendar = nullptr;
     QLineEdit* text = nullptr;
   };

@@ -3,9 +3,9 @@
 #include <QDialog>
 #include <memory>
 
-#include "control/control_services.h"
 #include "query/query_choices.h"
 #include "settings/string_table.h"
+#include "ui/dialog_services.h"
 
 class QListWidget;
 class QPushButton;
@@ -16,7 +16,7 @@ namespace korvel::query {
 struct QueryFormSurroundings {
   QueryChoices& choices;
   const settings::LanguageOffset& language;
-  std::shared_ptr<control::ControlServices> services;
+  std::shared_ptr<ui::DialogServices> services;
 };
 
 /// The dialog that makes a query of the audit trail's columns that are selected in it.

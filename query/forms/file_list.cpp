@@ -6,24 +6,20 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "control/look/buttons.h"
-#include "control/look/dialogs.h"
-#include "control/look/look.h"
-#include "control/look/theme.h"
 #include "query/file_names.h"
 #include "query/query_failure.h"
 #include "query/query_file.h"
-#include "settings/explained_error.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
+#include "ui/texts.h"
 
 namespace korvel::query {
 namespace {
 
 constexpr int firstWidth = 380;
 constexpr int firstHeight = 320;
-
-QString fromUtf8(std::string_view text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// A list that says that it is empty.
 class NamesList final : public QListWidget {
@@ -39,7 +35,7 @@ class NamesList final : public QListWidget {
   }
   void paintEvent(QPaintEvent* event) override {
     QListWidget::paintEvent(event);
-    if (count() == 0) look::paintEmptyMessage(*this, emptyText);
+    if (count() == 0) ui::paintEmptyMessage(*this, emptyText);
   }
 };
 
@@ -48,17 +44,17 @@ class NamesList final : public QListWidget {
 frmFileList::frmFileList(QueryFormSurroundings surroundings, QWidget* owner)
     : QDialog(owner),
       surroundings_(std::move(surroundings)),
-      btOK_(new look::PrimaryButton),
-      btCancel_(new look::SecondaryButton(QStringLiteral("Cancel"))) {
+      btOK_(new ui::PrimaryButton),
+      btCancel_(new ui::SecondaryButton(QStringLiteral("Cancel"))) {
   setObjectName(QStringLiteral("frmFileList"));
   // Deliberately English in every language, as the captions of the buttons are.
   setWindowTitle(QStringLiteral("Custom Query File List"));
   setModal(true);
-  look::applyLook(*this);
-  QVBoxLayout* column = look::dressDialog(*this);
+  ui::applyStyle(*this);
+  QVBoxLayout* column = ui::styleDialog(*this);
 
   auto* list = new NamesList;
-  list->emptyText = fromUtf8(settings::ownText("files.none", surroundings_.language));
+  list->emptyText = ui::ownText("files.none", surroundings_.language);
   List1_ = list;
   List1_->setObjectName(QStringLiteral("List1"));
   List1_->setAccessibleName(windowTitle());
@@ -76,10 +72,10 @@ frmFileList::frmFileList(QueryFormSurroundings surroundings, QWidget* owner)
   // Both in a role that closes nothing by itself: OK without a selection does nothing.
   buttons->addButton(btOK_, QDialogButtonBox::ActionRole);
   buttons->addButton(btCancel_, QDialogButtonBox::ActionRole);
-  look::addButtons(*this, buttons);
+  ui::addButtons(*this, buttons);
   btOK_->setDefault(true);
   List1_->setFocus();
-  resize(look::px(this, firstWidth), look::px(this, firstHeight));
+  resize(ui::px(this, firstWidth), ui::px(this, firstHeight));
 }
 
 void frmFileList::showEvent(QShowEvent* event) {
@@ -89,16 +85,16 @@ void frmFileList::showEvent(QShowEvent* event) {
 
 void frmFileList::Form_Load() {
   const auto failure = failureOf([this] { names_ = listedFiles(surroundings_.choices.folder, queryFileExtension); });
-  for (const std::string& name : names_) List1_->addItem(fromUtf8(name));
+  for (const std::string& name : names_) List1_->addItem(ui::fromUtf8(name));
   if (!failure) return;
   const QString text = QString::number(failure->number()) + QStringLiteral(":Error in frmFileList.  Error Message: ") +
-                       fromUtf8(settings::describe(*failure, surroundings_.language));
+                       ui::describe(*failure, surroundings_.language);
   // When the dialog is to be seen: it is still on its way.
   QMetaObject::invokeMethod(
       this,
       [this, text] {
-        const std::shared_ptr<control::ControlServices> services = surroundings_.services;
-        services->messageBox(this, control::MessageIcon::critical, QString(), text);
+        const std::shared_ptr<ui::DialogServices> services = surroundings_.services;
+        services->messageBox(this, ui::MessageIcon::critical, QString(), text);
       },
       Qt::QueuedConnection);
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "control/look/theme.h"
+#include "ui/style/theme.h"
 
 namespace korvel::query {
 namespace {
@@ -11,12 +11,12 @@ namespace {
 constexpr double readableContrast = 4.5;
 
 /// `wanted`, moved towards the text colour until it can be read on all grounds.
-QColor readable(const QColor& wanted, const look::Theme& theme, const std::array<QColor, 3>& grounds) {
+QColor readable(const QColor& wanted, const ui::Theme& theme, const std::array<QColor, 3>& grounds) {
   constexpr int steps = 20;
   for (int step = 0; step <= steps; ++step) {
-    const QColor colour = look::mixed(wanted, theme.text, double(step) / steps);
+    const QColor colour = ui::mixed(wanted, theme.text, double(step) / steps);
     if (std::all_of(grounds.begin(), grounds.end(),
-                    [&](const QColor& ground) { return look::contrastRatio(colour, ground) >= readableContrast; }))
+                    [&](const QColor& ground) { return ui::contrastRatio(colour, ground) >= readableContrast; }))
       return colour;
   }
   return theme.text;
@@ -24,11 +24,11 @@ QColor readable(const QColor& wanted, const look::Theme& theme, const std::array
 
 }  // namespace
 
-SqlColours SqlColours::of(const look::Theme& theme) {
+SqlColours SqlColours::of(const ui::Theme& theme) {
   const QColor red(theme.dark ? 0xff6b6b : 0xd1242f);
   const QColor amber(theme.dark ? 0xe3b07a : 0x8a4b08);
   SqlColours colours;
-  colours.errorLine = look::mixed(theme.surface, red, theme.dark ? 0.18 : 0.12);
+  colours.errorLine = ui::mixed(theme.surface, red, theme.dark ? 0.18 : 0.12);
   colours.pair = theme.selection;
   const std::array grounds = {theme.surface, colours.errorLine, colours.pair};
   colours.keyword = readable(theme.accent, theme, grounds);

@@ -2,7 +2,7 @@
 
 #include <QColor>
 
-namespace korvel::look {
+namespace korvel::ui {
 struct Theme;
 }
 
@@ -17,7 +17,7 @@ struct SqlColours {
   QColor errorLine;  ///< ground
   QColor pair;       ///< ground of two parentheses that belong together
 
-  [[nodiscard]] static SqlColours of(const look::Theme& theme);
+  [[nodiscard]] static SqlColours of(const ui::Theme& theme);
 };
 
 }  // namespace korvel::query

@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "control/look/theme.h"
 #include "query/forms/line_pieces.h"
 #include "query/forms/query_file_drop.h"
 #include "query/forms/sql_highlighter.h"
 #include "query/sql_tokens.h"
+#include "ui/style/theme.h"
 
 namespace korvel::query {
 namespace {
@@ -61,7 +61,7 @@ SqlEditor::SqlEditor(QWidget* parent)
   // Colouring a text changes nothing of it, and does not come here.
   connect(document(), &QTextDocument::contentsChange, this, [this] { errorLine_.reset(); });
   connect(this, &QPlainTextEdit::textChanged, this, [this] { showMarks(); });
-  applyLook();
+  applyStyle();
 }
 
 QString SqlEditor::queryText() const {
@@ -92,7 +92,7 @@ void SqlEditor::setErrorLine(std::optional<int> line) {
 }
 
 void SqlEditor::showMarks() {
-  const SqlColours colours = SqlColours::of(look::Theme::of(*this));
+  const SqlColours colours = SqlColours::of(ui::Theme::of(*this));
   QList<QTextEdit::ExtraSelection> marks;
   if (errorLine_) {
     QTextEdit::ExtraSelection line;
@@ -248,11 +248,11 @@ void SqlEditor::contextMenuEvent(QContextMenuEvent* event) {
 
 void SqlEditor::changeEvent(QEvent* event) {
   QPlainTextEdit::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyLook();
+  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyStyle();
 }
 
-void SqlEditor::applyLook() {
-  highlighter_->setColours(SqlColours::of(look::Theme::of(*this)));
+void SqlEditor::applyStyle() {
+  highlighter_->setColours(SqlColours::of(ui::Theme::of(*this)));
   showMarks();
 }
 

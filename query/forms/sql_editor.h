@@ -51,7 +51,7 @@ class SqlEditor final : public QPlainTextEdit {
  private:
   static constexpr std::size_t menuEntryCount = 7;
 
-  void applyLook();
+  void applyStyle();
   void showMarks();
   void removeSelected();
   /// Between two pieces of a line there is nothing: the key is about what stands behind.

@@ -7,8 +7,8 @@
 #include <QTest>
 
 #include "control/library_state.h"
-#include "control/look/mark.h"
 #include "control/qt_control_services.h"
+#include "ui/icons/application_icon.h"
 
 namespace korvel::control {
 namespace {
@@ -27,7 +27,7 @@ TEST(About, TheLibrarysVersionIsTheProjects) {
 TEST(About, HasAPictureAVersionAndAButton) {
   const frmAbout about({1, 2, 3}, nullptr);
   EXPECT_EQ(about.windowTitle(), "About velAudit Viewer");
-  EXPECT_NE(about.findChild<look::MarkPicture*>("Image1"), nullptr);
+  EXPECT_NE(about.findChild<ui::ApplicationIconPicture*>("Image1"), nullptr);
   EXPECT_EQ(about.findChild<QLabel*>("lblVersion")->text(), "Korvel Audit Viewer - v1.2.3");
   EXPECT_EQ(about.findChild<QPushButton*>("btOk")->text(), "OK");
 }

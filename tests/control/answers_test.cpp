@@ -1,7 +1,7 @@
 // What the control says of the answers that its lists show: where records would be, and in the status panel.
-#include "control/look/result_table.h"
 #include "control/texts.h"
 #include "tests/control/custom_page_fixture.h"
+#include "ui/result_table.h"
 
 namespace korvel::test {
 namespace {
@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 class Answers : public CustomPage {
  protected:
   static QString emptyText(const AuditViewer& viewer, int index) {
-    return static_cast<const look::ResultTable*>(list(viewer, index))->emptyText();
+    return static_cast<const ui::ResultTable*>(list(viewer, index))->emptyText();
   }
   static void chooseDay(const year_month_day& day) { libraryState().dateRange = {day, day, true}; }
   static void tick(const AuditViewer& viewer, const QString& path, bool ticked) {

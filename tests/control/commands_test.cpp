@@ -13,7 +13,7 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
+using ui::MessageIcon;
 using Menu = CommandTest;
 using Toolbar = CommandTest;
 using StatusHelp = CommandTest;

@@ -4,16 +4,16 @@
 #include <QTest>
 
 #include "control/forms/record_view.h"
-#include "control/look/result_table.h"
 #include "tests/control/custom_page_fixture.h"
+#include "ui/result_table.h"
 
 namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
 
 using CustomQuery = CustomPage;
 
@@ -113,7 +113,7 @@ TEST_F(CustomQuery, AFailureIsSaidAndItsLineIsMarked) {
   EXPECT_EQ(headers(*viewer), "a");
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
   EXPECT_EQ(statusPanel(*viewer), "");
-  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+  EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
   // The host hears of it too, and does not have to wait until the box is closed.
   EXPECT_EQ(failureBehindTheBox, "208:Invalid object name 'x'. (line 2)");
   EXPECT_EQ(lastFailure(*viewer), failureBehindTheBox);

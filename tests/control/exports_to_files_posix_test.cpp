@@ -5,9 +5,9 @@
 namespace korvel::test {
 namespace {
 
-using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
 
 TEST_F(TextExport, APlantedLinkIsReplacedAndNotFollowed) {
   const auto viewer = viewerWith({{"a", "b", "c"}});

@@ -8,11 +8,11 @@
 namespace korvel::test {
 namespace {
 
-using control::MessageIcon;
-using control::Pointer;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ui::MessageIcon;
+using ui::Pointer;
 
 const ShownMessage nothing{MessageIcon::information, "KorvelAudit Viewer Message", "Nothing to Export"};
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "control/screen_measure.h"
+#include "ui/screen_measure.h"
 
 namespace korvel::control {
 namespace {
@@ -155,15 +155,15 @@ TEST(Strip, FramesNeverOverlapHoweverLowTheControlIs) {
 }
 
 TEST(ScreenMeasure, TwipsFollowTheResolution) {
-  EXPECT_EQ(ScreenMeasure(96, 96).horizontal({1440}), 96);
-  EXPECT_EQ(ScreenMeasure(144, 144).horizontal({3720}), 372);
-  EXPECT_EQ(ScreenMeasure(96, 120).vertical({1440}), 120);
-  EXPECT_EQ(ScreenMeasure(96, 96).horizontalTwips(100), Twips{1500});
+  EXPECT_EQ(ui::ScreenMeasure(96, 96).horizontal({1440}), 96);
+  EXPECT_EQ(ui::ScreenMeasure(144, 144).horizontal({3720}), 372);
+  EXPECT_EQ(ui::ScreenMeasure(96, 120).vertical({1440}), 120);
+  EXPECT_EQ(ui::ScreenMeasure(96, 96).horizontalTwips(100), Twips{1500});
 }
 
 TEST(ScreenMeasure, PixelsSurviveTheWayThereAndBack) {
   for (const int dpi : {72, 96, 110, 120, 144, 192, 288}) {
-    const ScreenMeasure measure(dpi, dpi);
+    const ui::ScreenMeasure measure(dpi, dpi);
     for (int pixels = 0; pixels < 4000; pixels += 7)
       ASSERT_EQ(measure.vertical(measure.verticalTwips(pixels)), pixels) << dpi;
   }
@@ -171,7 +171,7 @@ TEST(ScreenMeasure, PixelsSurviveTheWayThereAndBack) {
 
 TEST(ScreenMeasure, NeighboursShareTheirEdge) {
   for (const int dpi : {96, 110, 144}) {
-    const ScreenMeasure measure(dpi, dpi);
+    const ui::ScreenMeasure measure(dpi, dpi);
     const Box left{{0}, {0}, {3720}, {100}};
     const Box right{{3720}, {0}, {1001}, {100}};
     EXPECT_EQ(measure.rectangle(left).right() + 1, measure.rectangle(right).left()) << dpi;

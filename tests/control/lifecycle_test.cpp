@@ -13,7 +13,7 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
+using ui::MessageIcon;
 using Lifecycle = ViewerTest;
 using Properties = ViewerTest;
 using PublicFace = ViewerTest;
@@ -325,7 +325,7 @@ TEST_F(Lifecycle, AViewerMayDieWhileItsMessageIsShown) {
   recorder->onMessage = [&] { viewer.reset(); };
   viewer->findChild<QAbstractButton*>("btQuery")->click();
   EXPECT_EQ(viewer, nullptr);
-  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+  EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
 }
 
 TEST_F(Lifecycle, AViewerMayDieWhileAPropertyIsAnnounced) {

@@ -9,11 +9,11 @@
 #include <QTest>
 #include <QToolTip>
 
-#include "control/look/look.h"
 #include "control/row_copy.h"
 #include "tests/control/list_fixture.h"
 #include "tests/control/model_warnings.h"
 #include "tests/support/watched_allocations.h"
+#include "ui/style/viewer_style.h"
 
 namespace korvel::test {
 namespace {
@@ -317,7 +317,7 @@ TEST_F(ListManners, AColumnBecomesAsWideAsItsWidestEntry) {
 }
 
 TEST_F(ListManners, AColumnOfShortTextsFitsItsCaptionWithAnArrow) {
-  look::applyLook(view);
+  ui::applyStyle(view);
   fill({{"1", "a"}});
   view.autoSizeColumn(0);
   const int width = view.columnWidth(0);

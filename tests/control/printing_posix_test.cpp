@@ -13,9 +13,9 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
 
 TEST_F(Printing, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(200, {"a", "b", "c"}));

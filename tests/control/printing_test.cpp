@@ -6,10 +6,10 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ui::MessageIcon;
 
 TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
   const auto viewer = viewerWith({{"a", "<b>", "c"}});

@@ -34,7 +34,7 @@ TEST(QtServices, MessagesShowMarkupAsTheTextItIs) {
     EXPECT_EQ(box->parentWidget(), &owner);
     box->accept();
   });
-  services.messageBox(&owner, MessageIcon::information, "Title", "<b>1</b>\r\n&2");
+  services.messageBox(&owner, ui::MessageIcon::information, "Title", "<b>1</b>\r\n&2");
   EXPECT_EQ(text, "<b>1</b>\r\n&2");
   EXPECT_EQ(title, "Title");
   EXPECT_EQ(format, Qt::PlainText);
@@ -52,12 +52,12 @@ TEST(QtServices, CtrlCCopiesTitleAndTextOfAMessage) {
   };
   {
     const WhenModal answer(copy);
-    services.messageBox(nullptr, MessageIcon::information, "Title", "<b>1</b>\n&2");
+    services.messageBox(nullptr, ui::MessageIcon::information, "Title", "<b>1</b>\n&2");
     EXPECT_EQ(copied, "Title\n\n<b>1</b>\n&2");
   }
   {
     const WhenModal answer(copy);
-    services.messageBox(nullptr, MessageIcon::critical, "", "5:Error in X");
+    services.messageBox(nullptr, ui::MessageIcon::critical, "", "5:Error in X");
     EXPECT_EQ(copied, "5:Error in X");
   }
   {
@@ -75,7 +75,7 @@ TEST(QtServices, AMessageIsAsWideAsItsTitleAndWhatStandsBesideIt) {
       width = dialog->width();
       dialog->close();
     });
-    services.messageBox(nullptr, MessageIcon::none, title, "x");
+    services.messageBox(nullptr, ui::MessageIcon::none, title, "x");
     return width;
   };
   const QFontMetrics metrics(QApplication::font("QMdiSubWindowTitleBar"));
@@ -89,7 +89,7 @@ TEST(QtServices, AMessageSurvivesTheDeathOfItsOwner) {
   QtControlServices services;
   auto* owner = new QWidget;
   const WhenModal answer([&](QWidget*) { delete owner; });
-  services.messageBox(owner, MessageIcon::critical, "", "text");
+  services.messageBox(owner, ui::MessageIcon::critical, "", "text");
 }
 
 TEST(QtServices, ATypedTextIsHandedOver) {
@@ -165,11 +165,11 @@ TEST(QtServices, TheDeathOfTheirOwnerCancelsThem) {
 
 TEST(QtServices, TheHourglassIsNeitherStackedNorLost) {
   QtControlServices services;
-  services.setPointer(Pointer::standard);
+  services.setPointer(ui::Pointer::standard);
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
   {
-    const BusyPointer outer(services);
-    services.setPointer(Pointer::hourglass);
+    const ui::BusyPointer outer(services);
+    services.setPointer(ui::Pointer::hourglass);
     ASSERT_NE(QApplication::overrideCursor(), nullptr);
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
   }
@@ -183,8 +183,8 @@ TEST(QtServices, ADialogOverTheHourglassHasTheArrow) {
     shape = QApplication::overrideCursor()->shape();
     qobject_cast<QDialog*>(dialog)->accept();
   });
-  const BusyPointer busy(services);
-  services.messageBox(nullptr, MessageIcon::information, "", "text");
+  const ui::BusyPointer busy(services);
+  services.messageBox(nullptr, ui::MessageIcon::information, "", "text");
   EXPECT_EQ(shape, Qt::ArrowCursor);
   EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
 }

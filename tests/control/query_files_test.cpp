@@ -7,9 +7,9 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ui::MessageIcon;
 
 TEST_F(QueryFiles, ThePathEndsWithASeparatorAlsoBehindARoot) {
   const auto viewer = newViewer();

@@ -12,10 +12,10 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
-using control::Pointer;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
+using ui::Pointer;
 using ConnectionTest = ViewerTest;
 using FilterTreeTest = ViewerTest;
 using DateRangeTest = ViewerTest;

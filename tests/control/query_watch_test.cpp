@@ -1,4 +1,4 @@
-#include "control/query_watch.h"
+#include "ui/query_watch.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -46,7 +46,7 @@ TEST_F(WhileItLoads, EscapeStopsTheQueryAndClearsTheList) {
   EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
   EXPECT_THAT(recorder->messages, IsEmpty());
-  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+  EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
   EXPECT_EQ(server.openConnections, 0);
 
   // The next one is not stopped.
@@ -78,7 +78,7 @@ TEST_F(WhileItLoads, EscapeStopsAStandardQueryToo) {
   EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
   EXPECT_EQ(lastFailure(*viewer), "");
   EXPECT_THAT(recorder->messages, IsEmpty());
-  EXPECT_EQ(recorder->pointers.back(), control::Pointer::standard);
+  EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
 
   server.answer = nullptr;
   click(*viewer, "btQuery");

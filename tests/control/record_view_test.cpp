@@ -368,7 +368,7 @@ TEST_F(RecordOfTheTrail, ARefusedCopyIsSaidInABox) {
   table->copySelection();
   EXPECT_THAT(
       recorder->messages,
-      ElementsAre(ShownMessage{control::MessageIcon::information, "KorvelAudit Viewer Message",
+      ElementsAre(ShownMessage{ui::MessageIcon::information, "KorvelAudit Viewer Message",
                                "2 rows are too many for the clipboard. Nothing was copied; select fewer rows."}));
 }
 
@@ -383,7 +383,7 @@ TEST_F(RecordOfTheTrail, ACopyWithoutMemoryIsSaidInABox) {
     record->copyRecord();
   }
   EXPECT_THAT(recorder->messages,
-              ElementsAre(ShownMessage{control::MessageIcon::information, "KorvelAudit Viewer Message",
+              ElementsAre(ShownMessage{ui::MessageIcon::information, "KorvelAudit Viewer Message",
                                        "There is not enough memory to copy this record. Nothing was copied."}));
   EXPECT_EQ(QApplication::clipboard()->text(), "before");
   record->copyRecord();

@@ -14,7 +14,7 @@
 namespace korvel::test {
 
 struct ShownMessage {
-  control::MessageIcon icon;
+  ui::MessageIcon icon;
   QString title;
   QString text;
   friend bool operator==(const ShownMessage&, const ShownMessage&) = default;
@@ -29,7 +29,7 @@ inline std::ostream& operator<<(std::ostream& out, const ShownMessage& message) 
 /// Answers the control from a script and writes down what it was asked.
 class Recorder final : public control::ControlServices {
  public:
-  void messageBox(QWidget* owner, control::MessageIcon icon, const QString& title, const QString& text) override {
+  void messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) override {
     owners.append(owner);
     messages.push_back({icon, title, text});
     if (onMessage) onMessage();
@@ -59,7 +59,7 @@ class Recorder final : public control::ControlServices {
     shownForms.append(name);
     if (onForm) onForm();
   }
-  void setPointer(control::Pointer pointer) override {
+  void setPointer(ui::Pointer pointer) override {
     pointers.push_back(pointer);
     if (onPointer) onPointer();
   }
@@ -97,7 +97,7 @@ class Recorder final : public control::ControlServices {
   std::function<void()> onFormAsked;
   QStringList shownForms;
   std::function<void()> onForm;
-  std::vector<control::Pointer> pointers;
+  std::vector<ui::Pointer> pointers;
   std::function<void()> onPointer;
   QStringList edited;
   std::function<void()> onEditor;

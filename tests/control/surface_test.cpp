@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 
 #include "control/elided_label.h"
-#include "control/look/result_table.h"
 #include "control/status_panels.h"
 #include "tests/control/viewer_fixture.h"
+#include "ui/result_table.h"
 
 namespace korvel::test {
 namespace {
@@ -298,7 +298,7 @@ TEST_F(Surface, ACaptionIsNoMarkupInItsHeadersTooltip) {
 TEST_F(Surface, EmptyPagesSaySoInTheLanguage) {
   settings.values["Language"] = "30000";
   const auto viewer = shownViewer();
-  EXPECT_EQ(static_cast<const look::ResultTable*>(list(*viewer, 0))->emptyText(),
+  EXPECT_EQ(static_cast<const ui::ResultTable*>(list(*viewer, 0))->emptyText(),
             QString::fromUtf8("Aún no se ha consultado. \"Ejecutar consulta\" o F5 muestra los registros."));
 }
 

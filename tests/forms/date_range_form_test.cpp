@@ -15,17 +15,17 @@
 #include <stdexcept>
 
 #include "control/library_state.h"
-#include "control/look/card_frame.h"
 #include "control/qt_control_services.h"
 #include "tests/control/recorder.h"
+#include "ui/card_frame.h"
 
 namespace korvel::test {
 namespace {
 
-using control::MessageIcon;
 using query::DateRange;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
 
 class DateRangeForm : public ::testing::Test {
  protected:
@@ -89,8 +89,8 @@ using std::chrono::year_month_day;
 TEST_F(DateRangeForm, CaptionsAreFixedEnglishInEveryLanguage) {
   language = settings::LanguageOffset("10000");
   EXPECT_EQ(form().windowTitle(), "Date Range Filter");
-  EXPECT_EQ(element<look::CardFrame>("Frame1").title(), "From Date");
-  EXPECT_EQ(element<look::CardFrame>("Frame2").title(), "To Date");
+  EXPECT_EQ(element<ui::CardFrame>("Frame1").title(), "From Date");
+  EXPECT_EQ(element<ui::CardFrame>("Frame2").title(), "To Date");
   EXPECT_EQ(element<QPushButton>("btOK").text(), "OK");
 }
 

@@ -15,9 +15,9 @@
 namespace korvel::test {
 namespace {
 
-using control::MessageIcon;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
 
 class FieldPicker : public ::testing::Test {
  protected:

@@ -157,7 +157,7 @@ TEST_F(FileList, AFolderThatCannotBeReadIsSaid) {
   form();
   QCoreApplication::processEvents();
   ASSERT_THAT(recorder->messages, SizeIs(1));
-  EXPECT_EQ(recorder->messages[0].icon, control::MessageIcon::critical);
+  EXPECT_EQ(recorder->messages[0].icon, ui::MessageIcon::critical);
   EXPECT_EQ(recorder->messages[0].title, "");
   EXPECT_TRUE(recorder->messages[0].text.contains(":Error in frmFileList.  Error Message: "));
   EXPECT_TRUE(recorder->messages[0].text.contains("missing"));

@@ -22,9 +22,9 @@ namespace korvel::test {
 namespace {
 
 using control::libraryState;
-using control::MessageIcon;
 using control::WhenModal;
 using ::testing::ElementsAre;
+using ui::MessageIcon;
 
 class FormMakers : public ::testing::Test {
  protected:

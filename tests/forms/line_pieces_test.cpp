@@ -10,9 +10,9 @@
 #include <QTextLayout>
 #include <random>
 
-#include "control/look/theme.h"
 #include "query/forms/sql_colours.h"
 #include "query/forms/sql_editor.h"
+#include "ui/style/theme.h"
 
 namespace korvel::test {
 namespace {
@@ -239,7 +239,7 @@ class ColouredLongLines : public LongLines {
   ColouredLongLines() : LongLines(10) {}
   /// The colour of each character, as the initial of what has it: keyword, literal, comment, plain.
   QString colours() {
-    const query::SqlColours all = query::SqlColours::of(look::Theme::of(editor));
+    const query::SqlColours all = query::SqlColours::of(ui::Theme::of(editor));
     QString initials;
     for (QTextBlock block = editor.document()->firstBlock(); block.isValid(); block = block.next()) {
       QString line(block.length() - 1, '.');

@@ -17,20 +17,20 @@
 #include <QWindow>
 #include <stdexcept>
 
-#include "control/screen_measure.h"
 #include "db/attended_work.h"
 #include "settings/explained_error.h"
 #include "tests/control/recorder.h"
 #include "tests/control/window_thread.h"
 #include "tests/forms/canned_directory.h"
+#include "ui/screen_measure.h"
 
 namespace korvel::test {
 namespace {
 
-using control::MessageIcon;
-using control::Pointer;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ui::MessageIcon;
+using ui::Pointer;
 
 class Browser : public ::testing::Test {
  protected:
@@ -91,7 +91,7 @@ class Browser : public ::testing::Test {
     QTest::keyClicks(&line, name);
     QTest::keyClick(&line, Qt::Key_Return);
   }
-  int twips(int value) { return control::ScreenMeasure(form()).horizontal(Twips{value}); }
+  int twips(int value) { return ui::ScreenMeasure(form()).horizontal(Twips{value}); }
   void drag(int byPixels) {
     QWidget& grip = element("imgSplitterV");
     QTest::mousePress(&grip, Qt::LeftButton, {}, {0, 20});

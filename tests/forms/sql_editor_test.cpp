@@ -17,10 +17,10 @@
 #include <QTextLayout>
 #include <QVBoxLayout>
 
-#include "control/look/palettes.h"
-#include "control/look/theme.h"
 #include "query/forms/sql_colours.h"
 #include "settings/string_table.h"
+#include "ui/style/palettes.h"
+#include "ui/style/theme.h"
 
 namespace korvel::test {
 namespace {
@@ -47,7 +47,7 @@ class SqlEditorTest : public ::testing::Test {
     return {};
   }
   QColor colourOf(const QString& part) { return colourAt(editor->document()->find(part).selectionStart()); }
-  SqlColours colours() { return SqlColours::of(look::Theme::of(*editor)); }
+  SqlColours colours() { return SqlColours::of(ui::Theme::of(*editor)); }
   /// The places of the marked parentheses.
   QList<int> pair() {
     QList<int> places;
@@ -159,16 +159,16 @@ TEST_F(SqlEditorTest, WhatALineOpensColoursTheNext) {
 }
 
 TEST_F(SqlEditorTest, ColoursFollowThePalette) {
-  for (const QPalette& palette : {look::lightPalette(), look::darkPalette(), look::lightPalette(QColor(Qt::yellow)),
-                                  look::darkPalette(QColor(Qt::darkBlue))}) {
+  for (const QPalette& palette : {ui::lightPalette(), ui::darkPalette(), ui::lightPalette(QColor(Qt::yellow)),
+                                  ui::darkPalette(QColor(Qt::darkBlue))}) {
     editor->setPalette(palette);
     editor->setQueryText("select 1 -- c");
-    const look::Theme& theme = look::Theme::of(palette);
+    const ui::Theme& theme = ui::Theme::of(palette);
     const SqlColours now = SqlColours::of(theme);
     EXPECT_EQ(colourOf("select"), now.keyword);
     for (const QColor& ground : {theme.surface, now.errorLine, now.pair})
       for (const QColor& ink : {now.keyword, now.literal, now.comment, theme.text})
-        EXPECT_GE(look::contrastRatio(ink, ground), 4.5) << ink.name().toStdString() << ground.name().toStdString();
+        EXPECT_GE(ui::contrastRatio(ink, ground), 4.5) << ink.name().toStdString() << ground.name().toStdString();
   }
 }
 
@@ -214,7 +214,7 @@ TEST_F(SqlEditorTest, TheLineOfAnErrorIsMarkedUntilTheNextEdit) {
   EXPECT_EQ(editor->textCursor().block().text(), "from");
   // Moving about and another palette are no edits.
   putCursor(0);
-  editor->setPalette(look::darkPalette());
+  editor->setPalette(ui::darkPalette());
   EXPECT_EQ(editor->errorLine(), 2);
   QTest::keyClicks(editor, "x");
   EXPECT_EQ(editor->errorLine(), std::nullopt);

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QBoxLayout>
+#include <QPushButton>
+#include <QToolButton>
+
+#include "ui/icons/icons.h"
+
+namespace korvel::ui {
+
+/// The one filled button of a frame or dialog: icon, text or both, in the accent.
+class PrimaryButton : public QPushButton {
+  Q_OBJECT
+
+ public:
+  explicit PrimaryButton(QWidget* parent = nullptr);
+  PrimaryButton(IconName name, const QString& text, QWidget* parent = nullptr);
+};
+
+/// A button with a border on the surface colour: icon and text.
+class SecondaryButton : public QPushButton {
+  Q_OBJECT
+
+ public:
+  explicit SecondaryButton(const QString& text = {}, QWidget* parent = nullptr);
+  SecondaryButton(IconName name, const QString& text, QWidget* parent = nullptr);
+};
+
+/// A bordered button with nothing but an icon; its tooltip is also its name for assistive technology.
+class IconButton : public QToolButton {
+  Q_OBJECT
+
+ public:
+  explicit IconButton(IconName name, QWidget* parent = nullptr);
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  bool event(QEvent* event) override;
+};
+
+/// Icon buttons side by side in equal widths, 4 px apart. Buttons that are hidden leave no gap.
+class IconRow : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit IconRow(QWidget* parent = nullptr);
+  /// Takes the button over as a child and appends it.
+  void add(QAbstractButton* button);
+};
+
+/// Buttons with texts, in one row of equal widths where every text fits, else one below the other: the texts of five
+/// languages share one strip.
+class TextRow : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit TextRow(QWidget* parent = nullptr);
+  /// Takes the button over as a child and appends it.
+  void add(QAbstractButton* button);
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void arrange();
+
+  QBoxLayout* layout_;
+};
+
+/// Makes any push button the filled one, or takes that back.
+void setPrimary(QPushButton& button, bool primary = true);
+[[nodiscard]] bool isPrimary(const QWidget& button);
+
+}  // namespace korvel::ui

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QGroupBox>
+
+namespace korvel::ui {
+
+/// A frame of the side strip: rounded border on the surface colour, small semi-bold caption in grey, 8 px all around.
+/// A group box to assistive technology. The 8 px and the caption's room are the frame's own: layouts on it start with
+/// zero margins; whoever places children by hand uses contentsRect(). In another style, which draws its border right
+/// around the contents, layouts keep a distance.
+class CardFrame : public QGroupBox {
+  Q_OBJECT
+
+ public:
+  explicit CardFrame(QWidget* parent = nullptr);
+  explicit CardFrame(const QString& title, QWidget* parent = nullptr);
+
+  /// Draws the frame, and lays out what is in it, so many pixels inside of the left and right edge of the element.
+  void setSideInset(int pixels);
+
+ protected:
+  bool event(QEvent* event) override;
+  void initStyleOption(QStyleOptionGroupBox* option) const override;
+
+ private:
+  void setDistances();
+
+  int sideInset_ = 0;
+};
+
+}  // namespace korvel::ui

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+#include <optional>
+
+class QWidget;
+
+namespace korvel::ui {
+
+enum class MessageIcon { none, critical, information };
+/// Mouse pointers by the numbers the system gives them.
+enum class Pointer { standard = 0, hourglass = 11 };
+
+/// What every dialog may show on top of itself. Every call that shows something returns when it has been answered.
+class DialogServices {
+ public:
+  virtual ~DialogServices() = default;
+
+  /// A box with an OK button. Texts are shown as they are, never as markup.
+  virtual void messageBox(QWidget* owner, MessageIcon icon, const QString& title, const QString& text) = 0;
+  /// The font that was chosen, nothing for a cancelled dialog.
+  virtual std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) = 0;
+  virtual void setPointer(Pointer pointer) = 0;
+};
+
+/// The hourglass for as long as it lives, also when the work ends in a failure.
+class BusyPointer {
+ public:
+  explicit BusyPointer(DialogServices& services) : services_(services) { services_.setPointer(Pointer::hourglass); }
+  ~BusyPointer() { services_.setPointer(Pointer::standard); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+
+ private:
+  DialogServices& services_;
+};
+
+}  // namespace korvel::ui

@@ -1,0 +1,108 @@
+#include "ui/query_watch.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+namespace korvel::ui {
+namespace {
+
+enum class Treatment { pass, drop, refuse, tellLater };
+
+Treatment treatmentOf(const QObject& watched, QEvent::Type type) {
+  switch (type) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::ShortcutOverride:
+    case QEvent::Shortcut:
+    case QEvent::InputMethod:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::NonClientAreaMouseButtonPress:
+    case QEvent::NonClientAreaMouseButtonRelease:
+    case QEvent::NonClientAreaMouseButtonDblClick:
+    case QEvent::NonClientAreaMouseMove:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::Gesture:
+    case QEvent::ContextMenu:
+    case QEvent::Enter:
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+    case QEvent::ToolTip:
+    case QEvent::WhatsThis:
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::DragLeave:
+    case QEvent::Drop:
+      return Treatment::drop;
+    case QEvent::Close:
+      return Treatment::refuse;
+    case QEvent::Timer:
+      // A window's own timers are about its painting. Any other one ticks again.
+      return watched.isWindowType() ? Treatment::pass : Treatment::drop;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+      // The windows' own bookkeeping goes on.
+      return watched.isWindowType() ? Treatment::pass : Treatment::tellLater;
+    case QEvent::Leave:
+    case QEvent::HoverLeave:
+    case QEvent::Quit:
+      return Treatment::tellLater;
+    default:
+      return Treatment::pass;
+  }
+}
+
+bool isEscape(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress && event.type() != QEvent::ShortcutOverride) return false;
+  const auto& key = static_cast<const QKeyEvent&>(event);
+  return key.key() == Qt::Key_Escape && key.modifiers() == Qt::NoModifier;
+}
+
+}  // namespace
+
+QueryWatch::QueryWatch() : modalBefore_(QApplication::activeModalWidget()) {
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+QueryWatch::~QueryWatch() {
+  QCoreApplication::instance()->removeEventFilter(this);
+  for (Deferred& each : deferred_)
+    if (each.receiver) QCoreApplication::postEvent(each.receiver, each.event.release());
+}
+
+bool QueryWatch::goOn() {
+  QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+  return !stopped_;
+}
+
+bool QueryWatch::eventFilter(QObject* watched, QEvent* event) {
+  const QWidget* const modal = QApplication::activeModalWidget();
+  if (modal != nullptr && modal != modalBefore_) return false;
+  const Treatment treatment = treatmentOf(*watched, event->type());
+  switch (treatment) {
+    case Treatment::pass:
+      return false;
+    case Treatment::drop:
+      if (isEscape(*event)) stopped_ = true;
+      return true;
+    case Treatment::refuse:
+      event->ignore();
+      return true;
+    case Treatment::tellLater:
+      deferred_.push_back({watched, std::unique_ptr<QEvent>(event->clone())});
+      return true;
+  }
+  return false;
+}
+
+}  // namespace korvel::ui

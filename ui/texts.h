@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QLocale>
+#include <QString>
+#include <cstddef>
+#include <string_view>
+
+#include "base/error.h"
+#include "settings/explained_error.h"
+#include "settings/string_table.h"
+
+namespace korvel::ui {
+
+[[nodiscard]] inline QString fromUtf8(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// A text of our own, by its key.
+[[nodiscard]] inline QString ownText(std::string_view key, const settings::LanguageOffset& language) {
+  return fromUtf8(settings::ownText(key, language));
+}
+
+/// What a failure says in a language, without the place in a text that it may name.
+[[nodiscard]] inline QString describe(const Error& error, const settings::LanguageOffset& language) {
+  return fromUtf8(settings::describe(error, language));
+}
+
+/// What a failure says in a language, with the line of the text that failed where it names one.
+[[nodiscard]] inline QString failureText(const Error& error, const settings::LanguageOffset& language) {
+  const QString description = ui::describe(error, language);
+  return error.line() ? ui::ownText("error.atLine", language).arg(description, QString::number(*error.line()))
+                      : description;
+}
+
+/// A number of records or characters in a text of our own, its digits grouped as the locale has it. Texts that are
+/// fixed to the letter take plain digits.
+[[nodiscard]] inline QString countText(std::size_t count) {
+  return QLocale().toString(static_cast<qulonglong>(count));
+}
+
+}  // namespace korvel::ui
