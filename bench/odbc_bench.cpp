@@ -14,9 +14,9 @@
 #include "db/open_connection.h"
 #include "query/standard_query.h"
 #include "tests/odbc/access_without_domain.h"
-#include "tests/support/tds/bare_odbc.h"
-#include "tests/support/tds/peer.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/tds_server/bare_odbc.h"
+#include "tests/tds_server/server.h"
 
 namespace korvel::bench {
 namespace {
@@ -86,12 +86,13 @@ void standardQueryOverTheWire(benchmark::State& state) {
   const query::DateRange noRange;
   const std::string call = query::queryAuditsText(tree.flags(), noRange);
 
-  test::tds::TdsPeer peer;
-  peer.answer(call, demoAnswer());
+  test::tds::TdsServer tdsServer;
+  tdsServer.answer(call, demoAnswer());
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.trustServerCertificate = true;
-  const std::string server = "localhost," + std::to_string(peer.port());
-  const std::string bareText = test::freeTdsString(*driver, peer.port(), "Encryption=require;UID=reader;PWD=secret;");
+  const std::string server = "localhost," + std::to_string(tdsServer.port());
+  const std::string bareText =
+      test::freeTdsString(*driver, tdsServer.port(), "Encryption=require;UID=reader;PWD=secret;");
 
   LeastWork bareTime;
   LeastWork queryTime;
@@ -129,12 +130,13 @@ void loginOverTheWire(benchmark::State& state) {
   const auto driver = test::installedFreeTds();
   if (!driver) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
   const test::TemporaryFolder folder;
-  test::tds::TdsPeer peer;
-  writeWholeFile(folder / "authorities.pem", peer.certificatePem());
+  test::tds::TdsServer tdsServer;
+  writeWholeFile(folder / "authorities.pem", tdsServer.certificatePem());
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.certificateAuthorities = (folder / "authorities.pem").string();
-  const std::string server = "localhost," + std::to_string(peer.port());
-  const std::string bareText = test::freeTdsString(*driver, peer.port(), "Encryption=require;UID=reader;PWD=secret;");
+  const std::string server = "localhost," + std::to_string(tdsServer.port());
+  const std::string bareText =
+      test::freeTdsString(*driver, tdsServer.port(), "Encryption=require;UID=reader;PWD=secret;");
   Least bareTime;
   Least time;
   Least stepTime;

@@ -14,22 +14,22 @@
 #include "db/attended_work.h"
 #include "korvel/AuditViewer.h"
 #include "tests/odbc/access_without_domain.h"
-#include "tests/support/tds/peer.h"
+#include "tests/tds_server/server.h"
 
 namespace korvel::bench {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void stopping(benchmark::State& state, const std::function<void(test::tds::TdsPeer&)>& manners) {
+void stopping(benchmark::State& state, const std::function<void(test::tds::TdsServer&)>& behaviour) {
   if (!test::installedFreeTds()) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
   offscreenApplication<QApplication>();
-  test::tds::TdsPeer peer;
-  peer.answerOthers([](const test::tds::Command&) { return test::tds::Answer().silence(); });
-  manners(peer);
+  test::tds::TdsServer tdsServer;
+  tdsServer.answerOthers([](const test::tds::Command&) { return test::tds::Answer().silence(); });
+  behaviour(tdsServer);
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.trustServerCertificate = true;
-  const std::string server = "localhost," + std::to_string(peer.port());
+  const std::string server = "localhost," + std::to_string(tdsServer.port());
   control::surroundings().connect = [&](std::string_view, const std::stop_token& stop) {
     db::odbc::ServerAccess stoppable = access;
     stoppable.stop = stop;
@@ -44,12 +44,13 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsPe
   double longest = 0;
   double closed = 0;
   for (auto _ : state) {
-    const std::size_t asked = peer.record().commands.size();
+    const std::size_t asked = tdsServer.record().commands.size();
     Clock::time_point escape;
     // Made here: the first event of its kind makes what belongs to this thread.
     auto key = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     std::thread person([&] {
-      if (!peer.waitUntil([asked](const test::tds::Record& record) { return record.commands.size() > asked; })) return;
+      if (!tdsServer.waitUntil([asked](const test::tds::Record& record) { return record.commands.size() > asked; }))
+        return;
       escape = Clock::now();
       QCoreApplication::postEvent(&viewer, key.release());
     });
@@ -68,7 +69,7 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsPe
 }
 
 void aServerThatNeverAnswers(benchmark::State& state) {
-  stopping(state, [](test::tds::TdsPeer&) {});
+  stopping(state, [](test::tds::TdsServer&) {});
 }
 BENCHMARK(aServerThatNeverAnswers)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
@@ -80,14 +81,14 @@ void aServerThatNoticesAfterASecond(benchmark::State& state) {
     std::this_thread::sleep_for(std::chrono::seconds{1});
     gate.open();
   });
-  stopping(state, [&](test::tds::TdsPeer& peer) { peer.answerAttentionsAt(gate); });
+  stopping(state, [&](test::tds::TdsServer& tdsServer) { tdsServer.answerAttentionsAt(gate); });
   opener.join();
 }
 // A gate opens once.
 BENCHMARK(aServerThatNoticesAfterASecond)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void aServerThatTakesNoNotice(benchmark::State& state) {
-  stopping(state, [](test::tds::TdsPeer& peer) { peer.ignoreAttentions(); });
+  stopping(state, [](test::tds::TdsServer& tdsServer) { tdsServer.ignoreAttentions(); });
 }
 BENCHMARK(aServerThatTakesNoNotice)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 

@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "db/odbc/server_approach.h"
-#include "tests/support/tds/bare_odbc.h"
+#include "tests/tds_server/bare_odbc.h"
 
 namespace korvel::test {
 

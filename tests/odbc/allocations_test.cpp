@@ -31,11 +31,11 @@ TEST_F(OdbcAllocations, aRowCostsNoneOnceTheBufferHasGrown) {
     return {i,        "Ölpumpe 🛢 " + std::to_string(i), "2024-02-29 13:45:59.123", "0.05", 0.1,
             "0xCAFE", i % 100 == 0 ? longText : "short"};
   });
-  peer_.answer("go", answer);
+  server_.answer("go", answer);
   CountingSink sink;
   connection().execute("go", sink);
   ASSERT_EQ(sink.counts.size(), 2000U);
-  // The peer's thread sends the answer in few parts while we read; 13,000 cells must not show.
+  // The server's thread sends the answer in few parts while we read; 13,000 cells must not show.
   EXPECT_LT(sink.counts.back() - sink.counts[1], 1000U);
   EXPECT_GT(sink.bytes, 2000U * 50U);
 }

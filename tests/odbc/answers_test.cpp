@@ -72,10 +72,10 @@ TEST_F(OdbcAnswers, anErrorFirst) {
 
 TEST_F(OdbcAnswers, anErrorNamesTheLineOfTheText) {
   const std::string sixLines = "1\r\n2\n3\n4\n5\n";
-  peer_.answer(sixLines + "\nseven", Answer().error(missing));
+  server_.answer(sixLines + "\nseven", Answer().error(missing));
   EXPECT_EQ(errorOfText(connection(), sixLines + "\nseven")->line(), 7);
   // A seventh line that the text does not have is one of a procedure.
-  peer_.answer(sixLines + "six", Answer().error(missing));
+  server_.answer(sixLines + "six", Answer().error(missing));
   EXPECT_EQ(errorOfText(connection(), sixLines + "six")->line(), std::nullopt);
 }
 
@@ -84,7 +84,7 @@ TEST_F(OdbcAnswers, anErrorAfterPrintedText) {
 }
 
 TEST_F(OdbcAnswers, anErrorBetweenResults) {
-  peer_.answer("go", Answer().result(number).row({1}).done().error(missing).result(number).row({2}));
+  server_.answer("go", Answer().result(number).row({1}).done().error(missing).result(number).row({2}));
   CollectingSink sink;
   EXPECT_EQ(errorOf([&] { connection().execute("go", sink); })->number(), 208);
   ASSERT_EQ(sink.results.size(), 1U);
@@ -92,7 +92,7 @@ TEST_F(OdbcAnswers, anErrorBetweenResults) {
 }
 
 TEST_F(OdbcAnswers, anErrorAfterRows) {
-  peer_.answer("go", Answer().result(number).row({1}).row({2}).error({1205, "You lost.", 13, 45, 7}));
+  server_.answer("go", Answer().result(number).row({1}).row({2}).error({1205, "You lost.", 13, 45, 7}));
   CollectingSink sink;
   const auto got = errorOf([&] { connection().execute("go", sink); });
   EXPECT_EQ(got->number(), 1205);
@@ -119,22 +119,22 @@ TEST_F(OdbcAnswers, theConnectionLivesOnAfterAnError) {
 
 TEST_F(OdbcAnswers, commandsArriveToTheLetterAndAlone) {
   const std::string call = "QueryAudits 'True','False','Ö 🛢 it''s'";
-  peer_.answer(call, Answer().procedure().result(number).row({1}));
+  server_.answer(call, Answer().procedure().result(number).row({1}));
   EXPECT_EQ(answerText(connection(), call), "Nr\n1\n");
-  EXPECT_THAT(peer_.texts(), ElementsAre(call));
-  EXPECT_FALSE(peer_.record().commands.at(0).isCall());
-  EXPECT_THAT(peer_.record().complaints, IsEmpty());
+  EXPECT_THAT(server_.texts(), ElementsAre(call));
+  EXPECT_FALSE(server_.record().commands.at(0).isCall());
+  EXPECT_THAT(server_.record().problems, IsEmpty());
 }
 
 TEST_F(OdbcAnswers, longCommandsArriveWhole) {
   const std::string command = "SELECT '" + std::string(100'000, 'x') + "ä'";
-  peer_.answer(command, Answer().result(number).row({1}));
+  server_.answer(command, Answer().result(number).row({1}));
   EXPECT_EQ(answerText(connection(), command), "Nr\n1\n");
 }
 
 TEST_F(OdbcAnswers, aSinkThatHasEnoughEndsTheAnswer) {
-  peer_.answer("endless",
-               Answer().result(number).rows(200'000, [](std::size_t i) -> std::vector<tds::Value> { return {i}; }));
+  server_.answer("endless",
+                 Answer().result(number).rows(200'000, [](std::size_t i) -> std::vector<tds::Value> { return {i}; }));
   CollectingSink sink(10);
   connection().execute("endless", sink);
   EXPECT_EQ(sink.results.at(0).rows.size(), 10U);
@@ -157,7 +157,7 @@ class TwoResultsSink final : public db::ResultSink {
 TEST_F(OdbcAnswers, aSinkThatDoesNotWantToGoOnEndsTheAnswer) {
   Answer answer;
   for (int i = 0; i < 5; ++i) answer.result(number).row({i});
-  peer_.answer("five", answer);
+  server_.answer("five", answer);
   TwoResultsSink sink;
   connection().execute("five", sink);
   EXPECT_EQ(sink.ended, 2);
@@ -175,7 +175,7 @@ class ThrowingSink final : public db::ResultSink {
 };
 
 TEST_F(OdbcAnswers, aSinkThatFailsEndsTheAnswer) {
-  peer_.answer("go", Answer().result(number).row({1}).row({2}));
+  server_.answer("go", Answer().result(number).row({1}).row({2}));
   ThrowingSink sink;
   EXPECT_EQ(errorOf([&] { connection().execute("go", sink); })->number(), 7);
   EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
@@ -184,13 +184,13 @@ TEST_F(OdbcAnswers, aSinkThatFailsEndsTheAnswer) {
 TEST_F(OdbcAnswers, connectionsCloseWithTheirObjects) {
   (void)connection();
   connection_.reset();
-  EXPECT_TRUE(peer_.waitUntilAlone());
+  EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
 TEST_F(OdbcAnswers, severalConnectionsAtOnce) {
   const auto first = connect();
   const auto second = connect();
-  peer_.answer("go", Answer().result(number).row({1}));
+  server_.answer("go", Answer().result(number).row({1}));
   EXPECT_EQ(answerText(*second, "go"), "Nr\n1\n");
   EXPECT_EQ(answerText(*first, "go"), "Nr\n1\n");
 }

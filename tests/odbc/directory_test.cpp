@@ -6,7 +6,7 @@
 #include "db/discovery/configured_servers.h"
 #include "db/discovery/network_directory.h"
 #include "tests/odbc/wire.h"
-#include "tests/support/tds/resolution_peer.h"
+#include "tests/tds_server/resolution_responder.h"
 
 namespace korvel::test {
 namespace {
@@ -114,7 +114,7 @@ class Directory : public WireTest {
     return lines;
   }
 
-  tds::ResolutionPeer resolution_;
+  tds::ResolutionResponder resolution_;
   std::string asked_;
   EnvironmentVariable odbcIni_{"ODBCINI", (folder_ / "odbc.ini").string()};
   EnvironmentVariable freeTdsConf_{"FREETDSCONF", (folder_ / "freetds.conf").string()};
@@ -124,7 +124,7 @@ class Directory : public WireTest {
 TEST_F(Directory, localServersAreThisComputersInstancesAndTheEmbeddedEngine) {
   resolution_.announce({instanceOn("PC7", "MSSQLSERVER", 1433), instanceOn("PC7", "WINCC", 51234)});
   EXPECT_THAT(directory().localServers(), ElementsAre("(embedded)", "PC7", "PC7\\WINCC"));
-  resolution_.keepQuiet();
+  resolution_.stayQuiet();
   EXPECT_THAT(directory().localServers(), ElementsAre("(embedded)"));
 }
 
@@ -139,7 +139,7 @@ TEST_F(Directory, networkServersAreThoseOfTheConfigurationAndThoseThatAnswer) {
 }
 
 TEST_F(Directory, databasesHaveTheirFlagAndTheirPath) {
-  peer_.answerOthers([](const tds::Command&) {
+  server_.answerOthers([](const tds::Command&) {
     return Answer()
         .result({{"name", "nvarchar(128)"}, {"is_system", "bit"}, {"physical_name", "nvarchar(260)"}})
         .row({"master", 1, "C:\\Data\\master.mdf"})
@@ -149,11 +149,11 @@ TEST_F(Directory, databasesHaveTheirFlagAndTheirPath) {
   EXPECT_THAT(databases(), ElementsAre("master s C:\\Data\\master.mdf", "Korvel_Audit - C:\\Data\\Korvel_Audit.mdf",
                                        "korvel_audit_mu - "));
   EXPECT_EQ(asked_, "AUDITSRV");
-  EXPECT_EQ(peer_.texts().size(), 1U);
+  EXPECT_EQ(server_.texts().size(), 1U);
 }
 
 TEST_F(Directory, serversWithoutTheViewGiveNamesAlone) {
-  peer_.answerOthers([](const tds::Command& command) {
+  server_.answerOthers([](const tds::Command& command) {
     if (command.text.find("master_files") != std::string::npos)
       return Answer().error({208, "Invalid object name 'master.sys.master_files'."});
     return Answer()
@@ -165,7 +165,7 @@ TEST_F(Directory, serversWithoutTheViewGiveNamesAlone) {
 }
 
 TEST_F(Directory, oldServersAreAskedTheOldWay) {
-  peer_.answerOthers([](const tds::Command& command) {
+  server_.answerOthers([](const tds::Command& command) {
     if (command.text.find("dbo.sysdatabases") == std::string::npos)
       return Answer().error({208, "Invalid object name 'master.sys.databases'."});
     return Answer().result({{"name", "nvarchar(128)"}, {"s", "int"}}).row({"Korvel_Audit", 0});
@@ -174,11 +174,11 @@ TEST_F(Directory, oldServersAreAskedTheOldWay) {
 }
 
 TEST_F(Directory, failuresAreTold) {
-  peer_.answerOthers([](const tds::Command&) { return Answer().error({229, "The SELECT permission was denied."}); });
+  server_.answerOthers([](const tds::Command&) { return Answer().error({229, "The SELECT permission was denied."}); });
   EXPECT_EQ(errorOf([&] { (void)databases(); })->number(), 229);
-  peer_.answerOthers([](const tds::Command&) { return Answer().close(); });
+  server_.answerOthers([](const tds::Command&) { return Answer().close(); });
   EXPECT_EQ(errorOf([&] { (void)databases(); })->textKey(), "failure.connectionLost");
-  peer_.refuseLogin({{18456, "Login failed.", 14}});
+  server_.refuseLogin({{18456, "Login failed.", 14}});
   EXPECT_EQ(errorOf([&] { (void)databases(); })->textKey(), "failure.loginRefused");
 }
 
@@ -206,41 +206,41 @@ TEST_F(Directory, databasesOfTheEmbeddedEngineAreItsFiles) {
 
 TEST_F(Directory, listenersHearOfCommandsAndMessages) {
   // This driver does not tell the state.
-  peer_.answerOthers([](const tds::Command&) {
+  server_.answerOthers([](const tds::Command&) {
     return Answer()
         .warning({4711, "The statistics are old.", 9, 2})
         .result({{"name", "nvarchar(128)"}, {"is_system", "bit"}, {"physical_name", "nvarchar(260)"}})
         .row({"Korvel_Audit", 0, tds::null});
   });
   const std::string told = toldOf();
-  ASSERT_EQ(peer_.texts().size(), 1U);
-  EXPECT_THAT(told, HasSubstr("command: " + peer_.texts()[0] + "\n"));
+  ASSERT_EQ(server_.texts().size(), 1U);
+  EXPECT_THAT(told, HasSubstr("command: " + server_.texts()[0] + "\n"));
   EXPECT_THAT(told, HasSubstr("message 9 4711 0: The statistics are old.\n"));
 }
 
 TEST_F(Directory, listenersHearOfEveryCommandThatIsTried) {
-  peer_.answerOthers([](const tds::Command&) { return Answer().error({208, "Invalid object name."}); });
+  server_.answerOthers([](const tds::Command&) { return Answer().error({208, "Invalid object name."}); });
   const std::string told = toldOf();
-  EXPECT_THAT(peer_.texts(), ::testing::SizeIs(3));
-  for (const std::string& text : peer_.texts()) EXPECT_THAT(told, HasSubstr("command: " + text + "\n"));
+  EXPECT_THAT(server_.texts(), ::testing::SizeIs(3));
+  for (const std::string& text : server_.texts()) EXPECT_THAT(told, HasSubstr("command: " + text + "\n"));
 }
 
 TEST_F(Directory, listenersHearWhatFails) {
-  peer_.answerOthers([](const tds::Command&) { return Answer().close(); });
+  server_.answerOthers([](const tds::Command&) { return Answer().close(); });
   EXPECT_THAT(toldOf(), HasSubstr("\nbroken: The connection to localhost:"));
-  peer_.answerOthers([](const tds::Command&) { return Answer().silence(); });
+  server_.answerOthers([](const tds::Command&) { return Answer().silence(); });
   access_.options.commandTimeout = std::chrono::seconds(1);
   EXPECT_THAT(toldOf(), HasSubstr("\ntimeout: localhost:"));
-  peer_.refuseLogin({{18456, "Login failed for user 'PLANT\\auditor'.", 14, 8}});
+  server_.refuseLogin({{18456, "Login failed for user 'PLANT\\auditor'.", 14, 8}});
   EXPECT_THAT(toldOf(),
               ::testing::ContainsRegex("login [0-9]+ 18456 [0-9]+: Login failed for user 'PLANT\\\\auditor'[.]\n"));
 }
 
 TEST_F(Directory, aConnectionThatBreaksIsOpenedOnceMoreWhereTheOptionsSaySo) {
   for (const bool reconnects : {true, false}) {
-    const std::size_t before = peer_.record().logins.size();
+    const std::size_t before = server_.record().logins.size();
     std::atomic<int> asked = 0;
-    peer_.answerOthers([&](const tds::Command&) {
+    server_.answerOthers([&](const tds::Command&) {
       if (asked++ == 0) return Answer().close();
       return Answer().result({{"name", "nvarchar(128)"}, {"is_system", "bit"}}).row({"Korvel_Audit", 0});
     });
@@ -248,32 +248,33 @@ TEST_F(Directory, aConnectionThatBreaksIsOpenedOnceMoreWhereTheOptionsSaySo) {
       EXPECT_EQ(directory().databases("AUDITSRV", {true, reconnects, false}).at(0).name, "Korvel_Audit");
     });
     EXPECT_EQ(!error, reconnects);
-    EXPECT_EQ(peer_.record().logins.size(), before + (reconnects ? 2 : 1));
+    EXPECT_EQ(server_.record().logins.size(), before + (reconnects ? 2 : 1));
   }
 }
 
 class NamedInstance : public WireTest {};
 
 TEST_F(NamedInstance, isReachedOnItsPort) {
-  tds::ResolutionPeer resolution;
-  resolution.announce({instanceOn("localhost", "WINCC", peer_.port())});
+  tds::ResolutionResponder resolution;
+  resolution.announce({instanceOn("localhost", "WINCC", server_.port())});
   access_.resolver = db::ResolutionClient(resolution.port());
   const auto opened = db::odbc::openServer("localhost\\WINCC", "Korvel_Audit", access_);
-  EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
+  EXPECT_EQ(server_.record().logins.at(0).database, "Korvel_Audit");
   const auto reason = [&](const char* server) {
     return errorOf([&] { (void)db::odbc::openServer(server, "D", access_); })->textKey();
   };
   EXPECT_EQ(reason("localhost\\NOWHERE"), "failure.instanceUnknown");
   resolution.announce({{{"ServerName", "localhost"}, {"InstanceName", "WINCC"}, {"np", "x"}}});
   EXPECT_EQ(reason("localhost\\WINCC"), "failure.instanceWithoutTcp");
-  resolution.keepQuiet();
+  resolution.stayQuiet();
   EXPECT_EQ(reason("localhost\\WINCC"), "failure.instanceSilent");
 }
 
 TEST_F(NamedInstance, aPortThatIsGivenWins) {
-  const tds::ResolutionPeer resolution;
+  const tds::ResolutionResponder resolution;
   access_.resolver = db::ResolutionClient(resolution.port());
-  const auto opened = db::odbc::openServer("localhost\\WINCC," + std::to_string(peer_.port()), "Korvel_Audit", access_);
+  const auto opened =
+      db::odbc::openServer("localhost\\WINCC," + std::to_string(server_.port()), "Korvel_Audit", access_);
   EXPECT_THAT(resolution.requests(), IsEmpty());
 }
 

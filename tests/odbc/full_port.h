@@ -9,7 +9,7 @@
 
 #include "db/net/socket.h"
 #include "tests/db/collected_answer.h"
-#include "tests/support/tds/loopback.h"
+#include "tests/tds_server/socket.h"
 
 namespace korvel::test {
 

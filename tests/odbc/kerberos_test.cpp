@@ -5,7 +5,7 @@
 #include "db/odbc/server_check.h"
 #include "query/standard_query.h"
 #include "tests/odbc/realm.h"
-#include "tests/support/tds/loopback.h"
+#include "tests/tds_server/socket.h"
 
 namespace korvel::test {
 namespace {
@@ -21,7 +21,7 @@ class OdbcKerberos : public RealmTest {
  protected:
   void SetUp() override {
     RealmTest::SetUp();
-    if (!peer_) return;
+    if (!server_) return;
     access_.options.certificateAuthorities = authorities();
     access_.options.driver = driver_;
   }
@@ -41,31 +41,31 @@ class OdbcKerberos : public RealmTest {
 TEST_F(OdbcKerberos, aTicketIsAllItTakes) {
   realm_->signIn("auditor");
   const auto connection = db::odbc::openServer(serverName(), "Korvel_Audit", access_);
-  peer_->answer("go", Answer().result({{"Nr", "int"}}).row({1}));
+  server_->answer("go", Answer().result({{"Nr", "int"}}).row({1}));
   EXPECT_EQ(answerText(*connection, "go"), "Nr\n1\n");
-  const tds::Login login = peer_->record().logins.at(0);
+  const tds::Login login = server_->record().logins.at(0);
   EXPECT_TRUE(login.integrated);
   EXPECT_EQ(login.principal, "auditor@KORVEL.TEST");
   EXPECT_EQ(login.user, "");
   EXPECT_EQ(login.password, "");
   EXPECT_EQ(login.database, "Korvel_Audit");
   EXPECT_TRUE(login.sessionEncrypted);
-  EXPECT_THAT(peer_->record().complaints, IsEmpty());
+  EXPECT_THAT(server_->record().problems, IsEmpty());
 }
 
 TEST_F(OdbcKerberos, withoutEncryptionToo) {
   realm_->signIn("auditor");
-  peer_->setEncryption(tds::Encryption::unsupported);
+  server_->setEncryption(tds::Encryption::unsupported);
   access_.options.encrypt = false;
   EXPECT_EQ(failure(), "connected");
-  EXPECT_EQ(peer_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
+  EXPECT_EQ(server_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
 }
 
 TEST_F(OdbcKerberos, anAddressTakesTheTicketOfItsOwnName) {
-  realm_->addService("MSSQLSvc/127.0.0.1:" + std::to_string(peer_->port()));
+  realm_->addService("MSSQLSvc/127.0.0.1:" + std::to_string(server_->port()));
   realm_->signIn("auditor");
-  const auto opened = db::odbc::openServer("127.0.0.1," + std::to_string(peer_->port()), "Korvel_Audit", access_);
-  EXPECT_EQ(peer_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
+  const auto opened = db::odbc::openServer("127.0.0.1," + std::to_string(server_->port()), "Korvel_Audit", access_);
+  EXPECT_EQ(server_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
 }
 
 TEST_F(OdbcKerberos, saysThatThereIsNoTicket) {
@@ -73,7 +73,7 @@ TEST_F(OdbcKerberos, saysThatThereIsNoTicket) {
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.noTicket") << error->description();
   EXPECT_THAT(error->description(), HasSubstr("kinit"));
-  EXPECT_THAT(peer_->record().logins, IsEmpty());
+  EXPECT_THAT(server_->record().logins, IsEmpty());
 }
 
 TEST_F(OdbcKerberos, saysThatTheTicketHasExpired) {
@@ -81,14 +81,14 @@ TEST_F(OdbcKerberos, saysThatTheTicketHasExpired) {
   EXPECT_EQ(failure(), "connected");
   realm_->expireTickets();
   EXPECT_EQ(failure(), "failure.ticketExpired");
-  EXPECT_THAT(peer_->record().logins, SizeIs(1));
+  EXPECT_THAT(server_->record().logins, SizeIs(1));
   realm_->signIn("auditor");
   EXPECT_EQ(failure(), "connected");
 }
 
 TEST_F(OdbcKerberos, saysThatTheServiceIsUnknown) {
   realm_->signIn("auditor");
-  const tds::TdsPeer stranger;
+  const tds::TdsServer stranger;
   access_.options.trustServerCertificate = true;
   const auto error = errorOf(
       [&] { (void)db::odbc::openServer("localhost," + std::to_string(stranger.port()), "Korvel_Audit", access_); });
@@ -110,7 +110,7 @@ TEST_F(OdbcKerberos, saysThatTheServerDoesNotTrustTheTicket) {
 
 TEST_F(OdbcKerberos, saysThatTheServerRefusedTheUser) {
   realm_->signIn("auditor");
-  peer_->refuseLogin({{18456, "Login failed for user 'KORVEL\\auditor'.", 14}});
+  server_->refuseLogin({{18456, "Login failed for user 'KORVEL\\auditor'.", 14}});
   const auto error = connectError();
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), 18456);
@@ -147,7 +147,7 @@ TEST_F(OdbcKerberos, failuresLeaveTheListsEmptyAndTheNextQueryWorks) {
     columns.emplace_back(i == 15 ? "AuditType" : "c" + std::to_string(i), "nvarchar(30)");
     row.emplace_back("CS");
   }
-  peer_->answerOthers([&](const tds::Command&) { return Answer().procedure().result(columns).row(row); });
+  server_->answerOthers([&](const tds::Command&) { return Answer().procedure().result(columns).row(row); });
   query::FilterTree tree;
   tree.selectAll();
   auto lists = query::makeResultLists();

@@ -14,7 +14,7 @@ using ::testing::Not;
 
 class OdbcLogin : public WireTest {
  protected:
-  [[nodiscard]] tds::Login lastLogin() const { return peer_.record().logins.back(); }
+  [[nodiscard]] tds::Login lastLogin() const { return server_.record().logins.back(); }
   std::string connectKey(const std::string& database = "Korvel_Audit") {
     const auto error = connectError(database);
     return error ? error->textKey() : "connected";
@@ -27,15 +27,15 @@ TEST_F(OdbcLogin, namesTheDatabaseTheServerAndTheProgram) {
   EXPECT_EQ(lastLogin().server, "localhost");
   EXPECT_EQ(lastLogin().application, "Korvel Audit Viewer");
   EXPECT_EQ(lastLogin().tdsVersion, 0x74000004U);
-  EXPECT_THAT(peer_.texts(), IsEmpty());
+  EXPECT_THAT(server_.texts(), IsEmpty());
 }
 
 TEST_F(OdbcLogin, takesOneConnection) {
   for (const bool trusting : {false, true}) {
     access_.options.trustServerCertificate = trusting;
-    const std::size_t before = peer_.record().connections;
+    const std::size_t before = server_.record().connections;
     (void)connect();
-    EXPECT_EQ(peer_.record().connections, before + 1);
+    EXPECT_EQ(server_.record().connections, before + 1);
   }
 }
 
@@ -54,7 +54,7 @@ TEST_F(OdbcLogin, withoutADatabaseItIsTheUsersOwn) {
 
 TEST_F(OdbcLogin, isEncryptedFromTheFirstWordOn) {
   for (const Encryption server : {Encryption::available, Encryption::required}) {
-    peer_.setEncryption(server);
+    server_.setEncryption(server);
     (void)connect();
     EXPECT_TRUE(lastLogin().loginEncrypted);
     EXPECT_TRUE(lastLogin().sessionEncrypted);
@@ -62,9 +62,9 @@ TEST_F(OdbcLogin, isEncryptedFromTheFirstWordOn) {
 }
 
 TEST_F(OdbcLogin, refusesAServerThatCannotEncrypt) {
-  peer_.setEncryption(Encryption::unsupported);
+  server_.setEncryption(Encryption::unsupported);
   EXPECT_EQ(connectKey(), "failure.noEncryption");
-  EXPECT_THAT(peer_.record().logins, IsEmpty());
+  EXPECT_THAT(server_.record().logins, IsEmpty());
   access_.options.encrypt = false;
   EXPECT_EQ(connectKey(), "connected");
   EXPECT_FALSE(lastLogin().loginEncrypted);
@@ -82,7 +82,7 @@ TEST_F(OdbcLogin, refusesAnUnknownCertificate) {
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.certificate");
   EXPECT_THAT(error->description(), HasSubstr("self-signed"));
-  EXPECT_THAT(peer_.record().logins, IsEmpty());
+  EXPECT_THAT(server_.record().logins, IsEmpty());
 }
 
 /// Whether somebody else's driver looks at a certificate is not known.
@@ -96,7 +96,7 @@ TEST_F(OdbcLogin, looksAtTheCertificateItselfBeforeAnUnknownDriverLogsIn) {
 }
 
 TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
-  writeWholeFile(folder_ / "other.pem", tds::TdsPeer().certificatePem());
+  writeWholeFile(folder_ / "other.pem", tds::TdsServer().certificatePem());
   access_.options.certificateAuthorities = (folder_ / "other.pem").string();
   EXPECT_EQ(connectKey(), "failure.certificate");
   access_.options.certificateAuthorities = (folder_ / "nowhere.pem").string();
@@ -109,14 +109,14 @@ TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
 TEST_F(OdbcLogin, refusesACertificateForAnotherHost) {
   // Another spelling of 127.0.0.1 that the certificate does not name.
   const auto error =
-      errorOf([&] { (void)db::odbc::openServer("127.1," + std::to_string(peer_.port()), "D", access_); });
+      errorOf([&] { (void)db::odbc::openServer("127.1," + std::to_string(server_.port()), "D", access_); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.certificate");
-  EXPECT_THAT(peer_.record().logins, IsEmpty());
+  EXPECT_THAT(server_.record().logins, IsEmpty());
 }
 
 TEST_F(OdbcLogin, takesAnAddressThatTheCertificateNames) {
-  const auto opened = db::odbc::openServer("127.0.0.1," + std::to_string(peer_.port()), "D", access_);
+  const auto opened = db::odbc::openServer("127.0.0.1," + std::to_string(server_.port()), "D", access_);
   EXPECT_EQ(lastLogin().database, "D");
 }
 
@@ -134,7 +134,7 @@ class DriversCertificateCheck : public OdbcLogin {
     access_.options.certificateAuthorities = authorities;
     db::odbc::LoginRequest request;
     request.driver = {access_.options.driver, db::odbc::DriverFamily::freeTds};
-    request.address = {host, peer_.port()};
+    request.address = {host, server_.port()};
     request.options = access_.options;
     const auto error = errorOf([&] {
       const db::net::Deadline deadline(access_.options.connectionTimeout);
@@ -149,7 +149,7 @@ TEST_F(DriversCertificateCheck, isReal) {
   EXPECT_EQ(loginKey("localhost", ""), "failure.loginBroken");
   EXPECT_EQ(loginKey("127.1", authorities), "failure.loginBroken");
   EXPECT_EQ(loginKey("localhost", (folder_ / "nowhere.pem").string()), "failure.loginBroken");
-  EXPECT_THAT(peer_.record().logins, IsEmpty());
+  EXPECT_THAT(server_.record().logins, IsEmpty());
   EXPECT_EQ(loginKey("localhost", authorities), "connected");
 }
 
@@ -167,7 +167,7 @@ TEST_F(DriversCertificateCheck, leavesTheEnvironmentAndNoFilesBehind) {
 }
 
 TEST_F(OdbcLogin, saysThatTheServerRefusedTheUser) {
-  peer_.refuseLogin({{18456, "Login failed for user 'PLANT\\auditor'.", 14, 1, 65536}});
+  server_.refuseLogin({{18456, "Login failed for user 'PLANT\\auditor'.", 14, 1, 65536}});
   const auto error = connectError();
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), 18456);
@@ -177,8 +177,8 @@ TEST_F(OdbcLogin, saysThatTheServerRefusedTheUser) {
 }
 
 TEST_F(OdbcLogin, saysThatTheDatabaseCannotBeOpened) {
-  peer_.refuseLogin({{4060, "Cannot open database \"Nowhere\" requested by the login. The login failed.", 11},
-                     {18456, "Login failed for user 'PLANT\\auditor'.", 14}});
+  server_.refuseLogin({{4060, "Cannot open database \"Nowhere\" requested by the login. The login failed.", 11},
+                       {18456, "Login failed for user 'PLANT\\auditor'.", 14}});
   const auto error = connectError("Nowhere");
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), 4060);
@@ -187,7 +187,8 @@ TEST_F(OdbcLogin, saysThatTheDatabaseCannotBeOpened) {
 }
 
 TEST_F(OdbcLogin, repeatsWhatElseTheServerSays) {
-  peer_.refuseLogin({{17809, "Could not connect because the maximum number of connections has been reached.", 10 + 4}});
+  server_.refuseLogin(
+      {{17809, "Could not connect because the maximum number of connections has been reached.", 10 + 4}});
   const auto error = connectError();
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), 17809);
@@ -203,16 +204,16 @@ TEST_F(OdbcLogin, noDatabasesNameCanAddWordsOfItsOwn) {
     EXPECT_EQ(lastLogin().user, "reader");
     EXPECT_EQ(lastLogin().application, "Korvel Audit Viewer");
   }
-  const std::size_t logins = peer_.record().logins.size();
+  const std::size_t logins = server_.record().logins.size();
   for (const char* name : {"}", "}}", "a}b", "a};UID=evil;x={", "a}};UID=evil", "a};DRIVER={x}"})
     EXPECT_EQ(connectKey(name), "failure.notInConnection") << name;
   EXPECT_EQ(connectKey(std::string(129, 'x')), "failure.notInConnection");
   EXPECT_EQ(connectKey(std::string("a\0b", 3)), "failure.notInConnection");
-  EXPECT_EQ(peer_.record().logins.size(), logins);
+  EXPECT_EQ(server_.record().logins.size(), logins);
 }
 
 TEST_F(OdbcLogin, noServersNameCanAddWordsOfItsOwn) {
-  const std::size_t before = peer_.record().connections;
+  const std::size_t before = server_.record().connections;
   for (const char* name : {"localhost;UID=evil",
                            "local}host",
                            "{localhost}",
@@ -240,7 +241,7 @@ TEST_F(OdbcLogin, noServersNameCanAddWordsOfItsOwn) {
     ASSERT_TRUE(error);
     EXPECT_THAT(error->textKey(), ::testing::AnyOf("failure.noHostName", "failure.noPort"));
   }
-  EXPECT_EQ(peer_.record().connections, before);
+  EXPECT_EQ(server_.record().connections, before);
 }
 
 TEST_F(OdbcLogin, noSettingCanAddLinesOfItsOwn) {

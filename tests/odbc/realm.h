@@ -1,12 +1,12 @@
 #pragma once
 
 #include "tests/odbc/wire.h"
-#include "tests/support/kerberos/kerberos_realm.h"
+#include "tests/tds_server/kerberos/kerberos_realm.h"
 
 namespace korvel::test {
 
-/// A realm with the user "auditor", not signed in yet, and a peer in it that checks tickets. The realm is made before
-/// any thread runs.
+/// A realm with the user "auditor", not signed in yet, and a TDS server that checks tickets. The realm is made before
+/// any other thread runs.
 class RealmTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -16,18 +16,18 @@ class RealmTest : public ::testing::Test {
     driver_ = *driver;
     realm_.emplace();
     realm_->addUser("auditor");
-    peer_.emplace();
-    realm_->addService("MSSQLSvc/localhost:" + std::to_string(peer_->port()));
-    peer_->checkTickets(realm_->serviceKeytab());
-    writeWholeFile(authorities(), peer_->certificatePem());
+    server_.emplace();
+    realm_->addService("MSSQLSvc/localhost:" + std::to_string(server_->port()));
+    server_->checkTickets(realm_->serviceKeytab());
+    writeWholeFile(authorities(), server_->certificatePem());
   }
 
-  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(peer_->port()); }
+  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(server_->port()); }
   [[nodiscard]] std::string authorities() const { return (folder_ / "authorities.pem").string(); }
 
   std::string driver_;
   std::optional<KerberosRealm> realm_;
-  std::optional<tds::TdsPeer> peer_;
+  std::optional<tds::TdsServer> server_;
   TemporaryFolder folder_;
 };
 

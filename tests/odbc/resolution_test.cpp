@@ -14,7 +14,7 @@
 #include "db/discovery/resolution_client.h"
 #include "db/discovery/resolution_protocol.h"
 #include "tests/db/collected_answer.h"
-#include "tests/support/tds/resolution_peer.h"
+#include "tests/tds_server/resolution_responder.h"
 
 namespace korvel::db {
 namespace {
@@ -23,8 +23,8 @@ using namespace std::chrono_literals;
 using namespace std::string_literals;
 using test::tds::Instance;
 using test::tds::instanceOn;
-using test::tds::ResolutionPeer;
 using test::tds::resolutionReply;
+using test::tds::ResolutionResponder;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -140,40 +140,40 @@ class ResolutionClientTest : public ::testing::Test {
     return error->textKey();
   }
 
-  ResolutionPeer peer_;
-  ResolutionClient client_{peer_.port()};
+  ResolutionResponder server_;
+  ResolutionClient client_{server_.port()};
 };
 
 TEST_F(ResolutionClientTest, findsThePortOfAnInstance) {
-  peer_.announce({instanceOn("AUDITSRV", "WINCC", 51234), instanceOn("AUDITSRV", "OTHER", 51235)});
+  server_.announce({instanceOn("AUDITSRV", "WINCC", 51234), instanceOn("AUDITSRV", "OTHER", 51235)});
   EXPECT_EQ(portOf("wincc"), 51234);
-  EXPECT_TRUE(peer_.waitForRequests(1));
-  EXPECT_THAT(peer_.requests(), ElementsAre("\x04wincc\0"s));
+  EXPECT_TRUE(server_.waitForRequests(1));
+  EXPECT_THAT(server_.requests(), ElementsAre("\x04wincc\0"s));
 }
 
 TEST_F(ResolutionClientTest, saysWhereThereIsNone) {
-  peer_.announce({{{"ServerName", "S"}, {"InstanceName", "PIPES"}, {"np", "x"}}});
+  server_.announce({{{"ServerName", "S"}, {"InstanceName", "PIPES"}, {"np", "x"}}});
   EXPECT_EQ(reason("PIPES"), "failure.instanceWithoutTcp");
-  peer_.replyWith({resolutionReply({instanceOn("S", "ANOTHER", 1)})});
+  server_.replyWith({resolutionReply({instanceOn("S", "ANOTHER", 1)})});
   EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
 }
 
 TEST_F(ResolutionClientTest, asksASilentHostWhatItHasAtAll) {
   // As responders do: not a word about an instance that they do not have.
-  peer_.announce({instanceOn("S", "ANOTHER", 1)});
+  server_.announce({instanceOn("S", "ANOTHER", 1)});
   EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
 }
 
 TEST_F(ResolutionClientTest, asksAgainWhereADatagramGotLost) {
   std::atomic<int> asked = 0;
-  peer_.replyBy([&](std::string_view request) -> std::vector<std::string> {
+  server_.replyBy([&](std::string_view request) -> std::vector<std::string> {
     if (asked++ == 0) return {};
     return request.front() == '\x04' ? std::vector{resolutionReply({instanceOn("S", "WINCC", 51234)})}
                                      : std::vector<std::string>{};
   });
   EXPECT_EQ(portOf("WINCC"), 51234);
   asked = 0;
-  peer_.replyBy([&](std::string_view) -> std::vector<std::string> {
+  server_.replyBy([&](std::string_view) -> std::vector<std::string> {
     return asked++ == 0 ? std::vector<std::string>{} : std::vector{resolutionReply({instanceOn("S", "A", 1)})};
   });
   EXPECT_THAT(client_.instancesOf("localhost"), SizeIs(1));
@@ -183,33 +183,33 @@ TEST_F(ResolutionClientTest, doesNotWaitForASilentHost) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(reason("WINCC"), "failure.instanceSilent");
   EXPECT_LT(std::chrono::steady_clock::now() - before, 8s);
-  EXPECT_GE(peer_.requests().size(), 2U);
+  EXPECT_GE(server_.requests().size(), 2U);
 }
 
 TEST_F(ResolutionClientTest, waitsForAReplyThatMakesSense) {
-  peer_.replyWith({"", "\x05", "nonsense", resolutionReply({instanceOn("S", "WINCC", 51234)})});
+  server_.replyWith({"", "\x05", "nonsense", resolutionReply({instanceOn("S", "WINCC", 51234)})});
   EXPECT_EQ(portOf("WINCC"), 51234);
 }
 
 TEST_F(ResolutionClientTest, listsTheInstancesOfAHost) {
-  peer_.announce({instanceOn("S", "A", 1), instanceOn("S", "B", 2)});
+  server_.announce({instanceOn("S", "A", 1), instanceOn("S", "B", 2)});
   EXPECT_THAT(client_.instancesOf("localhost"), SizeIs(2));
-  EXPECT_TRUE(peer_.waitForRequests(1));
-  EXPECT_THAT(peer_.requests(), ElementsAre("\x03"));
+  EXPECT_TRUE(server_.waitForRequests(1));
+  EXPECT_THAT(server_.requests(), ElementsAre("\x03"));
   EXPECT_THAT(client_.instancesOf("no-such-computer.invalid"), IsEmpty());
 }
 
 TEST_F(ResolutionClientTest, aPortWhereNobodyListensIsKnownAtOnce) {
   std::uint16_t closed = 0;
   {
-    const ResolutionPeer gone;
+    const ResolutionResponder gone;
     closed = gone.port();
   }
   EXPECT_THAT(ResolutionClient(closed).instancesOf("localhost"), IsEmpty());
 }
 
 TEST_F(ResolutionClientTest, asksManyHostsAtOnce) {
-  peer_.announce({instanceOn("S", "A", 1)});
+  server_.announce({instanceOn("S", "A", 1)});
   std::vector<std::string> hosts;
   for (int i = 1; i <= 20; ++i) hosts.push_back("127.0.0." + std::to_string(i));  // nobody listens but on the first
   hosts.emplace_back("no-such-computer.invalid");
@@ -220,14 +220,14 @@ TEST_F(ResolutionClientTest, asksManyHostsAtOnce) {
 }
 
 TEST_F(ResolutionClientTest, everybodysRepliesAreGathered) {
-  peer_.replyWith({resolutionReply({instanceOn("S", "A", 1)}), "nonsense", resolutionReply({instanceOn("T", "B", 2)}),
-                   resolutionReply({instanceOn("S", "A", 1)})});
+  server_.replyWith({resolutionReply({instanceOn("S", "A", 1)}), "nonsense", resolutionReply({instanceOn("T", "B", 2)}),
+                     resolutionReply({instanceOn("S", "A", 1)})});
   const std::vector<std::string> hosts{"127.0.0.1"};
   EXPECT_THAT(client_.allInstances(hosts, 500ms), SizeIs(3));
 }
 
 TEST(Broadcast, reachesWhoeverListensOnAnInterface) {
-  ResolutionPeer everywhere(0, "0.0.0.0");
+  ResolutionResponder everywhere(0, "0.0.0.0");
   everywhere.announce({instanceOn("S", "A", 1)});
   const std::vector<std::string> hosts{"127.255.255.255"};
   EXPECT_THAT(ResolutionClient(everywhere.port()).allInstances(hosts, 1000ms), Not(IsEmpty()));
@@ -271,7 +271,7 @@ TEST_F(ResolutionClientTest, aFloodIsCutOff) {
   std::vector<Instance> many;
   many.reserve(300);
   for (int i = 0; i < 300; ++i) many.push_back(instanceOn("S", "I" + std::to_string(i), 1));
-  peer_.replyWith(std::vector<std::string>(40, resolutionReply(many)));
+  server_.replyWith(std::vector<std::string>(40, resolutionReply(many)));
   const std::vector<std::string> hosts{"127.0.0.1"};
   EXPECT_LE(client_.allInstances(hosts, 1000ms).size(), 4096U + 512U);
 }

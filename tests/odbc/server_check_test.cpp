@@ -39,10 +39,10 @@ class ServerCheck : public WireTest {
  protected:
   void SetUp() override {
     WireTest::SetUp();
-    peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-                 Answer().result({{"Nr", "int"}, {"DateTime", "datetime"}}));
-    peer_.answer(emptyCall, Answer().procedure());
-    peer_.answer("SELECT COUNT(*) AS n FROM Korvel_Audit_Trails", Answer().result({{"n", "int"}}).row({4711}));
+    server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                   Answer().result({{"Nr", "int"}, {"DateTime", "datetime"}}));
+    server_.answer(emptyCall, Answer().procedure());
+    server_.answer("SELECT COUNT(*) AS n FROM Korvel_Audit_Trails", Answer().result({{"n", "int"}}).row({4711}));
   }
 
   const std::string emptyCall =
@@ -61,20 +61,20 @@ class ServerCheck : public WireTest {
 };
 
 TEST_F(ServerCheck, goesTheWholeWay) {
-  EXPECT_EQ(printed(check(), true), "ok name: resolved to localhost:" + std::to_string(peer_.port()) +
-                                        "\nok port: " + std::to_string(peer_.port()) +
+  EXPECT_EQ(printed(check(), true), "ok name: resolved to localhost:" + std::to_string(server_.port()) +
+                                        "\nok port: " + std::to_string(server_.port()) +
                                         " is open\n"
                                         "ok protocol: the server answers, version 15.0.4096\n"
                                         "ok encryption: TLSv1.2, the certificate is trusted\n"
                                         "ok ticket: valid for MSSQLSvc/localhost:" +
-                                        std::to_string(peer_.port()) +
+                                        std::to_string(server_.port()) +
                                         "\n"
                                         "ok login: accepted\n"
                                         "ok database: Korvel_Audit can be opened\n"
                                         "ok table: readable, 2 columns\n"
                                         "ok procedure: present and callable\n"
                                         "ok rows: 4711 in the audit trail\n");
-  EXPECT_THAT(peer_.record().complaints, IsEmpty());
+  EXPECT_THAT(server_.record().problems, IsEmpty());
 }
 
 TEST_F(ServerCheck, claimsNoTicketThatNobodyLookedAt) {
@@ -89,7 +89,7 @@ TEST_F(ServerCheck, goesOnWithAListedDatabaseWhereNoneIsNamed) {
   const auto databasesStep = [&](const Names& names) {
     Answer answer = Answer().result({{"name", "nvarchar(128)"}, {"is_system", "bit"}, {"file", "nvarchar(260)"}});
     for (const auto& [name, isSystem] : names) answer.row({name, isSystem, "C:\\x.mdf"});
-    peer_.answerOthers([answer](const tds::Command&) { return answer; });
+    server_.answerOthers([answer](const tds::Command&) { return answer; });
     const std::string steps = printed(check(""), true);
     return steps.substr(steps.find("ok databases: "));
   };
@@ -99,7 +99,7 @@ TEST_F(ServerCheck, goesOnWithAListedDatabaseWhereNoneIsNamed) {
             "ok databases: 3 listed, looking at KORVEL_AUDIT; --database names another one\n"
             "ok database: KORVEL_AUDIT can be opened\n" +
                 theRest);
-  EXPECT_EQ(peer_.record().logins.back().database, "KORVEL_AUDIT");
+  EXPECT_EQ(server_.record().logins.back().database, "KORVEL_AUDIT");
   EXPECT_EQ(databasesStep({{"Korvel_Audit_System", 1}, {"Old korvel_audit 2003", 0}, {"Pumps", 0}}),
             "ok databases: 2 listed, looking at Old korvel_audit 2003; --database names another one\n"
             "ok database: Old korvel_audit 2003 can be opened\n" +
@@ -109,16 +109,16 @@ TEST_F(ServerCheck, goesOnWithAListedDatabaseWhereNoneIsNamed) {
 }
 
 TEST_F(ServerCheck, whoMayNotReadTheTableMayStillCallTheProcedure) {
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({229, "The SELECT permission was denied.", 14}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({229, "The SELECT permission was denied.", 14}));
   const std::string login = "ok name\nok port\nok protocol\nok encryption\nok ticket\nok login\nok database\n";
   EXPECT_EQ(printed(check()), login + "failed table\nok procedure\n- rows\n");
   EXPECT_THAT(printed(check(), true), HasSubstr("Custom queries need this right, the standard query does not."));
-  peer_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
+  server_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
   EXPECT_EQ(printed(check()), login + "failed table\nfailed procedure\n- rows\n");
   EXPECT_THAT(printed(check(), true), HasSubstr("The standard query needs this right, and no other."));
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
   EXPECT_EQ(printed(check()), login + "failed table\n- procedure\n- rows\n") << "there is nothing to call it for";
 }
 
@@ -131,7 +131,7 @@ TEST_F(ServerCheck, everyTitleAndSentenceHasItsText) {
 }
 
 TEST_F(ServerCheck, namesTheFirstStepThatFailsAndWhatWasNotReached) {
-  peer_.at(Moment::preloginReceived, Steps().close());
+  server_.at(Moment::preloginReceived, Steps().close());
   const auto steps = check();
   EXPECT_EQ(printed(steps),
             "ok name\nok port\nfailed protocol\n- encryption\n- ticket\n- login\n- database\n- table\n- "
@@ -141,9 +141,9 @@ TEST_F(ServerCheck, namesTheFirstStepThatFailsAndWhatWasNotReached) {
 }
 
 TEST_F(ServerCheck, eachStepHasItsOwnReason) {
-  peer_.setEncryption(tds::Encryption::unsupported);
+  server_.setEncryption(tds::Encryption::unsupported);
   EXPECT_EQ(failure(), "encryption failure.noEncryption");
-  peer_.setEncryption(tds::Encryption::available);
+  server_.setEncryption(tds::Encryption::available);
 
   const auto authorities = std::exchange(access_.options.certificateAuthorities, "");
   EXPECT_EQ(failure(), "encryption failure.certificate");
@@ -155,30 +155,30 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
   EXPECT_EQ(failure(), "ticket failure.noTicket");
   access_.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
 
-  peer_.refuseLogin({{18456, "Login failed.", 14}});
+  server_.refuseLogin({{18456, "Login failed.", 14}});
   EXPECT_EQ(failure(), "login failure.loginRefused");
-  peer_.refuseLogin({});
+  server_.refuseLogin({});
 
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
   EXPECT_EQ(failure(), "table failure.tableMissing");
   EXPECT_THAT(printed(check(), true), HasSubstr("failed table: 208: The database holds no table Korvel_Audit_Trails"));
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({229, "The SELECT permission was denied."}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({229, "The SELECT permission was denied."}));
   EXPECT_EQ(failure(), "table failure.tableDenied");
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
   EXPECT_EQ(failure(), "table ");
   EXPECT_THAT(printed(check(), true), HasSubstr("failed table: 823: The disk failed.\n"));
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().result({{"Nr", "int"}}));
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().result({{"Nr", "int"}}));
 
-  peer_.answer(emptyCall, Answer().error({2812, "Could not find stored procedure 'QueryAudits'.", 16}));
+  server_.answer(emptyCall, Answer().error({2812, "Could not find stored procedure 'QueryAudits'.", 16}));
   EXPECT_EQ(failure(), "procedure failure.procedureMissing");
-  peer_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
+  server_.answer(emptyCall, Answer().error({229, "The EXECUTE permission was denied.", 14}));
   EXPECT_EQ(failure(), "procedure failure.procedureDenied");
   EXPECT_THAT(printed(check(), true), HasSubstr("GRANT EXECUTE ON dbo.QueryAudits TO"));
-  peer_.answer(emptyCall, Answer().procedure());
+  server_.answer(emptyCall, Answer().procedure());
 
-  peer_.stop();
+  server_.stop();
   EXPECT_EQ(failure(), "port failure.portClosed");
 }
 
@@ -218,9 +218,9 @@ TEST(EmbeddedCheck, saysWhatIsNoAuditDatabaseAndWhatIsNoFolder) {
 class InstallProcedure : public WireTest {};
 
 TEST_F(InstallProcedure, runsTheScriptBatchByBatchInOneTransaction) {
-  peer_.answerOthers([](const tds::Command&) { return Answer(); });
+  server_.answerOthers([](const tds::Command&) { return Answer(); });
   db::installQueryAudits(serverName(), "Korvel_Audit", access_);
-  const auto texts = peer_.texts();
+  const auto texts = server_.texts();
   auto expected = db::scriptBatches(db::queryAuditsScript());
   ASSERT_EQ(expected.size(), 4U);
   EXPECT_THAT(expected[0], HasSubstr("DROP PROCEDURE dbo.QueryAudits"));
@@ -228,18 +228,18 @@ TEST_F(InstallProcedure, runsTheScriptBatchByBatchInOneTransaction) {
   expected.insert(expected.begin(), {"SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", "BEGIN TRANSACTION"});
   expected.emplace_back("COMMIT TRANSACTION");
   EXPECT_EQ(texts, expected);
-  EXPECT_EQ(peer_.record().logins.at(0).database, "Korvel_Audit");
+  EXPECT_EQ(server_.record().logins.at(0).database, "Korvel_Audit");
 }
 
 TEST_F(InstallProcedure, aFailureTakesBackWhatWasDone) {
-  peer_.answerOthers([](const tds::Command& command) {
+  server_.answerOthers([](const tds::Command& command) {
     return command.text.find("CREATE PROCEDURE") == std::string::npos
                ? Answer()
                : Answer().error({262, "CREATE PROCEDURE permission denied.", 14});
   });
   const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
   EXPECT_EQ(error->number(), 262);
-  const auto texts = peer_.texts();
+  const auto texts = server_.texts();
   ASSERT_EQ(texts.size(), 7U);
   EXPECT_EQ(texts[1], "BEGIN TRANSACTION");
   EXPECT_THAT(texts[5], HasSubstr("CREATE PROCEDURE"));
@@ -247,31 +247,31 @@ TEST_F(InstallProcedure, aFailureTakesBackWhatWasDone) {
 }
 
 TEST_F(InstallProcedure, aDatabaseWithoutTheTableIsRefusedAndLeftAsItIs) {
-  peer_.answerOthers([](const tds::Command&) { return Answer(); });
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
+  server_.answerOthers([](const tds::Command&) { return Answer(); });
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({208, "Invalid object name 'Korvel_Audit_Trails'."}));
   const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.tableMissing");
-  EXPECT_THAT(peer_.texts(), ElementsAre("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0"));
+  EXPECT_THAT(server_.texts(), ElementsAre("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0"));
 }
 
 TEST_F(InstallProcedure, whoMayNotReadTheTableMayInstall) {
-  peer_.answerOthers([](const tds::Command&) { return Answer(); });
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
-               Answer().error({229, "The SELECT permission was denied.", 14}));
+  server_.answerOthers([](const tds::Command&) { return Answer(); });
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0",
+                 Answer().error({229, "The SELECT permission was denied.", 14}));
   db::installQueryAudits(serverName(), "Korvel_Audit", access_);
-  EXPECT_EQ(peer_.texts().back(), "COMMIT TRANSACTION");
+  EXPECT_EQ(server_.texts().back(), "COMMIT TRANSACTION");
 }
 
 TEST_F(InstallProcedure, anyOtherFailureOfTheLookIsToldAsItIs) {
-  peer_.answerOthers([](const tds::Command&) { return Answer(); });
-  peer_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
+  server_.answerOthers([](const tds::Command&) { return Answer(); });
+  server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
   EXPECT_EQ(errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); })->number(), 823);
 }
 
 TEST_F(InstallProcedure, theReasonIsKeptWhereNothingCanBeTakenBack) {
-  peer_.answerOthers([](const tds::Command& command) {
+  server_.answerOthers([](const tds::Command& command) {
     return command.text.find("CREATE PROCEDURE") == std::string::npos ? Answer() : Answer().close();
   });
   const auto error = errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); });

@@ -31,7 +31,7 @@ Answer begun() {
   return Answer().result(numberAndName).row({1, "pump"});
 }
 
-/// Both kinds of query over the wire, stopped by their attendance once the peer has heard something.
+/// Both kinds of query over the wire, stopped by the caller's attendance once the server has received something.
 class Stopping : public WireTest {
  protected:
   void SetUp() override {
@@ -39,11 +39,11 @@ class Stopping : public WireTest {
     // Nothing but a stop ends these.
     access_.options.commandTimeout = 0s;
     access_.options.connectionTimeout = 60s;
-    surroundings_.pace = {1ms, tds::patience};
+    surroundings_.pace = {1ms, tds::testTimeout};
     lists_[5].startOver({{"Before", 1440, 0}});
   }
   ~Stopping() override {
-    // What was left behind still uses the peer.
+    // Work that was left behind still uses the server.
     while (db::workIsLeftBehind()) std::this_thread::yield();
   }
 
@@ -60,7 +60,7 @@ class Stopping : public WireTest {
         .outcome;
   }
   void answerWith(const Answer& answer) {
-    peer_.answerOthers([answer](const tds::Command&) { return answer; });
+    server_.answerOthers([answer](const tds::Command&) { return answer; });
   }
   /// Stops the queries from here on as soon as this holds.
   void stopWhen(std::function<bool(const tds::Record&)> holds) { holds_ = std::move(holds); }
@@ -71,86 +71,86 @@ class Stopping : public WireTest {
   }
 
   query::Connector connector() {
-    return [access = access_, server = server_.empty() ? serverName() : server_](std::string_view,
-                                                                                 const std::stop_token& stop) {
+    return [access = access_, server = otherServer_.empty() ? serverName() : otherServer_](
+               std::string_view, const std::stop_token& stop) {
       db::odbc::ServerAccess stoppable = access;
       stoppable.stop = stop;
       return db::odbc::openServer(server, "Korvel_Audit", stoppable);
     };
   }
 
-  std::string server_;  ///< another one than the peer
+  std::string otherServer_;  ///< instead of the TDS server
   query::ResultLists lists_ = query::makeResultLists();
   query::QuerySurroundings surroundings_;
 
  private:
-  [[nodiscard]] bool isTime() const { return holds_(peer_.record()); }
+  [[nodiscard]] bool isTime() const { return holds_(server_.record()); }
 
   std::function<bool(const tds::Record&)> holds_ = hasCommand;
 };
 
 TEST_F(Stopping, aServerThatNeverAnswersIsToldAndLeft) {
   for (const Answer& answer : {Answer().silence(), begun().silence(), begun().done().silence()}) {
-    const std::size_t attentions = peer_.record().attentions;
-    const std::size_t commands = peer_.record().commands.size();
+    const std::size_t attentions = server_.record().attentions;
+    const std::size_t commands = server_.record().commands.size();
     stopWhen([commands](const tds::Record& record) { return record.commands.size() > commands; });
     answerWith(answer);
     EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
     EXPECT_FALSE(db::workIsLeftBehind());
     expectNothingShown();
-    EXPECT_TRUE(peer_.waitUntilAlone());
-    EXPECT_GT(peer_.record().attentions, attentions);
+    EXPECT_TRUE(server_.waitUntilDisconnected());
+    EXPECT_GT(server_.record().attentions, attentions);
   }
-  stopWhen([commands = peer_.record().commands.size()](const tds::Record& record) {
+  stopWhen([commands = server_.record().commands.size()](const tds::Record& record) {
     return record.commands.size() > commands;
   });
   answerWith(Answer().silence());
   EXPECT_EQ(customQuery(), CustomOutcome::stopped);
   expectNothingShown();
-  EXPECT_TRUE(peer_.waitUntilAlone());
+  EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
 TEST_F(Stopping, nobodyWaitsForAServerThatNoticesLate) {
   const tds::Gate gate;
-  peer_.answerAttentionsAt(gate);
+  server_.answerAttentionsAt(gate);
   answerWith(begun().silence());
   surroundings_.pace.grace = 0ms;
   EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
   // Behind the query the server still holds the connection.
   EXPECT_TRUE(gate.waitUntilReached());
-  EXPECT_EQ(peer_.record().openConnections, 1U);
+  EXPECT_EQ(server_.record().openConnections, 1U);
   expectNothingShown();
   gate.open();
-  EXPECT_TRUE(peer_.waitUntilAlone());
+  EXPECT_TRUE(server_.waitUntilDisconnected());
   expectNothingShown();
 }
 
 TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnection) {
-  peer_.ignoreAttentions();
+  server_.ignoreAttentions();
   answerWith(begun().silence());
   EXPECT_EQ(customQuery(), CustomOutcome::stopped);
   EXPECT_FALSE(db::workIsLeftBehind());
-  EXPECT_TRUE(peer_.waitUntilAlone());
+  EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
 TEST_F(Stopping, aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt) {
   for (const Moment moment : {Moment::accepted, Moment::preloginAnswered, Moment::loginReceived}) {
     SCOPED_TRACE(static_cast<int>(moment));
-    peer_.at(moment, Steps().silence());
-    const std::size_t connections = peer_.record().connections;
+    server_.at(moment, Steps().silence());
+    const std::size_t connections = server_.record().connections;
     stopWhen([connections](const tds::Record& record) { return record.connections > connections; });
     EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
     EXPECT_FALSE(db::workIsLeftBehind());
-    peer_.at(moment, Steps());
+    server_.at(moment, Steps());
     EXPECT_FALSE(connectError());
-    EXPECT_TRUE(peer_.waitUntilAlone());
+    EXPECT_TRUE(server_.waitUntilDisconnected());
   }
 }
 
 /// A connection that is asked for has no other end yet by which it could be known.
 TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
   const FullPort full;
-  server_ = full.serverName();
+  otherServer_ = full.serverName();
   int looks = 0;
   stopWhen([&looks](const tds::Record&) { return ++looks == 200; });
   EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
@@ -160,25 +160,25 @@ TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
 
 /// A stop that comes while the driver does nothing: cancelling then waits for the server's word itself.
 TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo) {
-  peer_.ignoreAttentions();
-  peer_.answer("go", Answer()
-                         .result(numberAndName)
-                         .rows(2000,
-                               [](std::size_t row) {
-                                 return std::vector<tds::Value>{static_cast<std::int64_t>(row), std::string(30, 'x')};
-                               })
-                         .silence());
+  server_.ignoreAttentions();
+  server_.answer("go", Answer()
+                           .result(numberAndName)
+                           .rows(2000,
+                                 [](std::size_t row) {
+                                   return std::vector<tds::Value>{static_cast<std::int64_t>(row), std::string(30, 'x')};
+                                 })
+                           .silence());
   std::stop_source stop;
   access_.stop = stop.get_token();
   const auto connection = connect();
-  /// Stops at its first row and goes on when the peer has heard of it.
+  /// Stops at its first row and goes on when the server has received the attention.
   class StoppingSink final : public db::ResultSink {
    public:
-    StoppingSink(std::stop_source& source, const tds::TdsPeer& peer) : source_(source), peer_(peer) {}
+    StoppingSink(std::stop_source& source, const tds::TdsServer& server) : source_(source), server_(server) {}
     void beginResult(std::span<const db::Field>) override {}
     bool row(std::span<const db::Cell>) override {
       if (source_.request_stop()) {
-        const bool heard = peer_.waitUntil([](const tds::Record& record) { return record.attentions > 0; });
+        const bool heard = server_.waitUntil([](const tds::Record& record) { return record.attentions > 0; });
         EXPECT_TRUE(heard);
       }
       return true;
@@ -187,20 +187,20 @@ TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo) {
 
    private:
     std::stop_source& source_;
-    const tds::TdsPeer& peer_;
-  } sink(stop, peer_);
+    const tds::TdsServer& server_;
+  } sink(stop, server_);
   auto ended = std::async(std::launch::async, [&] { return errorOf([&] { connection->execute("go", sink); }); });
-  EXPECT_EQ(ended.wait_for(tds::patience), std::future_status::ready);
-  peer_.stop();  // ends it in any case
+  EXPECT_EQ(ended.wait_for(tds::testTimeout), std::future_status::ready);
+  server_.stop();  // ends it in any case
 }
 
 TEST_F(Stopping, afterAnEmptyFirstResultNoOtherIsWaitedFor) {
   // FreeTDS tells the end of a result when it has seen the columns of the next one.
   answerWith(Answer().result(numberAndName).done().result(numberAndName).silence());
-  const auto end = std::chrono::steady_clock::now() + tds::patience;
+  const auto end = std::chrono::steady_clock::now() + tds::testTimeout;
   stopWhen([end](const tds::Record&) { return std::chrono::steady_clock::now() > end; });
   EXPECT_EQ(standardQuery(), QueryOutcome::noRecords);
-  EXPECT_TRUE(peer_.waitUntilAlone());
+  EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
 /// A statement that changes no row is answered by some drivers as if there were nothing more.
@@ -220,7 +220,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
   const TemporaryFolder folder;
   const std::string target = (folder / "rows.csv").string();
   writeWholeFile(target, "before");
-  peer_.answerOthers([](const tds::Command&) {
+  server_.answerOthers([](const tds::Command&) {
     (void)std::raise(SIGINT);
     return begun().silence();
   });
@@ -236,7 +236,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
     EXPECT_THAT(err.str(), ::testing::HasSubstr("stopped"));
     EXPECT_EQ(readWholeFile(target), "before");
     while (db::workIsLeftBehind()) std::this_thread::yield();
-    EXPECT_TRUE(peer_.waitUntilAlone());
+    EXPECT_TRUE(server_.waitUntilDisconnected());
   }
 }
 
@@ -245,10 +245,10 @@ class Undoing : public Stopping {
  protected:
   std::vector<std::string> transactionsOf(const Answer& answer) {
     answerWith(answer);
-    const std::size_t before = peer_.record().transactions.size();
+    const std::size_t before = server_.record().transactions.size();
     outcome = customQuery();
-    EXPECT_TRUE(peer_.waitUntilAlone());
-    auto all = peer_.record().transactions;
+    EXPECT_TRUE(server_.waitUntilDisconnected());
+    auto all = server_.record().transactions;
     all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(before));
     return all;
   }
@@ -276,7 +276,7 @@ TEST_F(Undoing, theStandardQueryNeedsNoTransaction) {
   stopWhen([](const tds::Record&) { return false; });
   answerWith(begun());
   EXPECT_EQ(standardQuery(), QueryOutcome::filled);
-  EXPECT_THAT(peer_.record().transactions, IsEmpty());
+  EXPECT_THAT(server_.record().transactions, IsEmpty());
 }
 
 }  // namespace

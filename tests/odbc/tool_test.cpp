@@ -16,21 +16,21 @@ class ToolOnAServer : public RealmTest {
  protected:
   void SetUp() override {
     RealmTest::SetUp();
-    if (!peer_) return;
+    if (!server_) return;
     realm_->signIn("auditor");
     driverChoice_.emplace("KORVEL_ODBC_DRIVER", driver_);
     settings::RegistryFile settings(folder_ / "settings.reg");
     settings::Registry(settings).SaveSetting("Molvane", "AuditViewer", "CertificateAuthorities", authorities());
   }
 
-  /// Runs a command on the peer's audit database.
+  /// Runs a command on the server's audit database.
   ToolRun run(const std::string& command, bool withDatabase = true) {
     std::vector<std::string> arguments{command, "--server", serverName()};
     if (withDatabase) arguments.insert(arguments.end(), {"--database", "Korvel_Audit"});
     return runTool(arguments);
   }
   void answerAll(const Answer& answer) {
-    peer_->answerOthers([answer](const tds::Command&) { return answer; });
+    server_->answerOthers([answer](const tds::Command&) { return answer; });
   }
 
   std::optional<EnvironmentVariable> driverChoice_;
@@ -48,7 +48,7 @@ TEST_F(ToolOnAServer, queryWritesRowsUnderTheUsersOwnLogin) {
   const ToolRun done = run("query");
   EXPECT_EQ(done.status, 0) << done.err;
   EXPECT_THAT(done.out, HasSubstr("4711"));
-  EXPECT_EQ(peer_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
+  EXPECT_EQ(server_->record().logins.at(0).principal, "auditor@KORVEL.TEST");
 }
 
 TEST_F(ToolOnAServer, queryGivesTheServersNumberAndText) {
@@ -88,7 +88,7 @@ TEST_F(ToolOnAServer, installProcedureSaysWhatIsLeftToDo) {
   EXPECT_EQ(done.status, 0) << done.err;
   EXPECT_THAT(done.out, HasSubstr("dbo.QueryAudits is installed in Korvel_Audit."));
   EXPECT_THAT(done.out, HasSubstr("GRANT EXECUTE ON dbo.QueryAudits TO "));
-  EXPECT_EQ(peer_->texts().back(), "COMMIT TRANSACTION");
+  EXPECT_EQ(server_->texts().back(), "COMMIT TRANSACTION");
 
   answerAll(Answer().error({262, "CREATE PROCEDURE permission denied.", 14}));
   const ToolRun failed = run("install-procedure");

@@ -123,7 +123,7 @@ class OdbcTrouble : public WireTest {
     return Answer().procedure().result(columns).row(row);
   }
   void answerQueries(const Answer& answer) {
-    peer_.answerOthers([answer](const tds::Command&) { return answer; });
+    server_.answerOthers([answer](const tds::Command&) { return answer; });
   }
 
   void expectNothingShown() {
@@ -134,7 +134,7 @@ class OdbcTrouble : public WireTest {
     EXPECT_EQ(query().outcome, QueryOutcome::filled);
     EXPECT_EQ(lists_[0].rowCount(), 1U);
     EXPECT_EQ(lists_[1].rowCount(), 1U);
-    EXPECT_TRUE(peer_.waitUntilAlone());
+    EXPECT_TRUE(server_.waitUntilDisconnected());
   }
   void expectFailure(const Trouble& trouble) {
     SCOPED_TRACE(trouble.name);
@@ -151,7 +151,7 @@ class OdbcTrouble : public WireTest {
     expectThatTheNextQueryWorks();
   }
   void withoutEncryption() {
-    peer_.setEncryption(tds::Encryption::unsupported);
+    server_.setEncryption(tds::Encryption::unsupported);
     access_.options.encrypt = false;
   }
 
@@ -163,12 +163,12 @@ class OdbcTrouble : public WireTest {
 TEST_F(OdbcTrouble, theCallArrivesToTheLetter) {
   answerQueries(fine());
   EXPECT_EQ(query().outcome, QueryOutcome::filled);
-  const auto texts = peer_.texts();
+  const auto texts = server_.texts();
   ASSERT_EQ(texts.size(), 1U);
   EXPECT_EQ(texts[0],
             "QueryAudits 'True','True','True','True','True','True','True','True','True','True','False','False',"
             "'False'");
-  EXPECT_THAT(peer_.record().complaints, ::testing::IsEmpty());
+  EXPECT_THAT(server_.record().problems, ::testing::IsEmpty());
 }
 
 TEST_F(OdbcTrouble, theConnectionEndsInTheAnswer) {
@@ -231,14 +231,14 @@ TEST_F(OdbcTrouble, theConnectionEndsAtEveryMomentOfTheLogin) {
           Steps().raw(std::string(5000, '\x04')).close(),
           Steps().raw("\x04\x01\x00\x09\x00\x00\x01\x00\xFF"s).close()}) {
       SCOPED_TRACE(static_cast<int>(moment));
-      peer_.at(moment, steps);
+      server_.at(moment, steps);
       const auto report = query();
       EXPECT_EQ(report.outcome, QueryOutcome::failed);
       EXPECT_THAT(report.failure->textKey(),
                   AnyOf("failure.portClosed", "failure.noServer", "failure.handshake", "failure.loginBroken"))
           << report.failure->description();
       expectNothingShown();
-      peer_.at(moment, Steps());
+      server_.at(moment, Steps());
       expectThatTheNextQueryWorks();
     }
   }
@@ -248,13 +248,13 @@ TEST_F(OdbcTrouble, theServerStaysSilentAtEveryMomentOfTheLogin) {
   access_.options.connectionTimeout = 1s;
   for (const Moment moment : moments) {
     SCOPED_TRACE(static_cast<int>(moment));
-    peer_.at(moment, Steps().silence());
+    server_.at(moment, Steps().silence());
     const auto report = query();
     EXPECT_EQ(report.outcome, QueryOutcome::failed);
     EXPECT_EQ(report.failure->textKey(),
               moment == Moment::loginReceived ? "failure.loginSilent" : "failure.serverSilent");
     expectNothingShown();
-    peer_.at(moment, Steps());
+    server_.at(moment, Steps());
     expectThatTheNextQueryWorks();
   }
 }
@@ -263,9 +263,9 @@ TEST_F(OdbcTrouble, theServerDripsNonsenseDuringTheLogin) {
   access_.options.connectionTimeout = 1s;
   for (const Moment moment : moments) {
     SCOPED_TRACE(static_cast<int>(moment));
-    peer_.at(moment, Steps().raw("\x04\x01\x0F\xFF\x00\x00\x01\x00\x81"s).silence());
+    server_.at(moment, Steps().raw("\x04\x01\x0F\xFF\x00\x00\x01\x00\x81"s).silence());
     EXPECT_EQ(query().outcome, QueryOutcome::failed);
-    peer_.at(moment, Steps());
+    server_.at(moment, Steps());
     expectThatTheNextQueryWorks();
   }
 }
@@ -276,10 +276,10 @@ TEST_F(OdbcTrouble, theDriverItselfDoesNotWaitForEver) {
     if (!encrypted) withoutEncryption();
     for (const Moment moment : moments) {
       SCOPED_TRACE(static_cast<int>(moment));
-      peer_.at(moment, Steps().silence());
+      server_.at(moment, Steps().silence());
       db::odbc::LoginRequest request;
       request.driver = {access_.options.driver, db::odbc::DriverFamily::freeTds};
-      request.address = {"localhost", peer_.port()};
+      request.address = {"localhost", server_.port()};
       request.options = access_.options;
       request.options.connectionTimeout = 60s;  // what the driver makes of it
       const auto error = errorOf([&] {
@@ -287,7 +287,7 @@ TEST_F(OdbcTrouble, theDriverItselfDoesNotWaitForEver) {
       });
       ASSERT_TRUE(error);
       EXPECT_EQ(error->textKey(), "failure.loginSilent");
-      peer_.at(moment, Steps());
+      server_.at(moment, Steps());
     }
   }
   expectThatTheNextQueryWorks();
@@ -295,10 +295,10 @@ TEST_F(OdbcTrouble, theDriverItselfDoesNotWaitForEver) {
 
 TEST_F(OdbcTrouble, otherConnectionsOutliveALoginThatIsEnded) {
   const auto other = connect();
-  peer_.at(Moment::loginReceived, Steps().silence());
+  server_.at(Moment::loginReceived, Steps().silence());
   access_.options.connectionTimeout = 1s;
   EXPECT_EQ(connectError()->textKey(), "failure.loginSilent");
-  peer_.answer("go", begun());
+  server_.answer("go", begun());
   EXPECT_EQ(answerText(*other, "go"), "Nr|Name\n1|pump\n");
 }
 
@@ -307,15 +307,15 @@ TEST_F(OdbcTrouble, otherConnectionsOutliveACommandThatIsEnded) {
   access_.options.commandTimeout = 1s;
   const auto first = connect();
   const auto second = connect();
-  peer_.answer("half", Answer().raw("\x04\x01\x0F\xFF\x00\x00\x01\x00\x81"s).silence());
+  server_.answer("half", Answer().raw("\x04\x01\x0F\xFF\x00\x00\x01\x00\x81"s).silence());
   EXPECT_EQ(errorOfText(*second, "half")->textKey(), "failure.commandTimeout");
-  peer_.answer("go", begun());
+  server_.answer("go", begun());
   EXPECT_EQ(answerText(*first, "go"), "Nr|Name\n1|pump\n");
 }
 
 TEST_F(OdbcTrouble, aClosedPortAndAComputerThatNobodyKnows) {
   const std::string server = serverName();
-  peer_.stop();
+  server_.stop();
   EXPECT_EQ(errorOf([&] { (void)db::odbc::openServer(server, "D", access_); })->textKey(), "failure.portClosed");
   EXPECT_EQ(errorOf([&] { (void)db::odbc::openServer("no-such-computer.invalid", "D", access_); })->textKey(),
             "failure.hostUnknown");
@@ -331,7 +331,7 @@ TEST_F(OdbcTrouble, aPortThatAcceptsNothingIsGivenUp) {
 TEST_F(OdbcTrouble, aCommandWithoutTimeoutWaits) {
   access_.options.commandTimeout = 0s;
   const tds::Gate gate;
-  peer_.answer("wait", begun().waitFor(gate).row({2, "valve"}));
+  server_.answer("wait", begun().waitFor(gate).row({2, "valve"}));
   std::thread opener([&] {
     (void)gate.waitUntilReached();
     gate.open();

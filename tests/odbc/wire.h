@@ -11,22 +11,22 @@
 #include "base/whole_file.h"
 #include "tests/db/collected_answer.h"
 #include "tests/odbc/access_without_domain.h"
-#include "tests/support/tds/bare_odbc.h"
-#include "tests/support/tds/peer.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/tds_server/bare_odbc.h"
+#include "tests/tds_server/server.h"
 
 namespace korvel::test {
 
-/// A peer, and the product's connections to it: encrypted, its certificate checked.
+/// A TDS server and the product's connections to it: encrypted, with the certificate checked.
 class WireTest : public ::testing::Test {
  protected:
   void SetUp() override {
     if (!installedFreeTds()) GTEST_SKIP() << "the FreeTDS ODBC driver is not installed";
-    writeWholeFile(folder_ / "authorities.pem", peer_.certificatePem());
+    writeWholeFile(folder_ / "authorities.pem", server_.certificatePem());
     access_.options.certificateAuthorities = (folder_ / "authorities.pem").string();
   }
 
-  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(peer_.port()); }
+  [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(server_.port()); }
   std::unique_ptr<db::Connection> connect(const std::string& database = "Korvel_Audit") {
     return db::odbc::openServer(serverName(), database, access_);
   }
@@ -39,17 +39,17 @@ class WireTest : public ::testing::Test {
     if (!connection_) connection_ = connect();
     return *connection_;
   }
-  /// What the connection makes of an answer.
+  /// What the connection returns for an answer.
   std::vector<CollectedResult> results(const tds::Answer& answer) {
-    peer_.answer("go", answer);
+    server_.answer("go", answer);
     return resultsOf(connection(), "go");
   }
   std::string text(const tds::Answer& answer) {
-    peer_.answer("go", answer);
+    server_.answer("go", answer);
     return answerText(connection(), "go");
   }
   std::optional<Error> error(const tds::Answer& answer) {
-    peer_.answer("go", answer);
+    server_.answer("go", answer);
     return errorOfText(connection(), "go");
   }
   /// The one value of an answer; nothing for null.
@@ -58,7 +58,7 @@ class WireTest : public ::testing::Test {
   }
 
   TemporaryFolder folder_;
-  tds::TdsPeer peer_;
+  tds::TdsServer server_;
   db::odbc::ServerAccess access_ = accessWithoutDomain();
   std::unique_ptr<db::Connection> connection_;
 };

@@ -32,7 +32,7 @@ tds::Value onTheWire(const std::optional<std::string>& text, db::ColumnKind kind
 class ServerBackend final : public ConformanceBackend {
  public:
   ServerBackend() {
-    peer_.answerOthers([this](const tds::Command& command) { return answerTo(command.text); });
+    server_.answerOthers([this](const tds::Command& command) { return answerTo(command.text); });
     access_.options.trustServerCertificate = true;
   }
   [[nodiscard]] std::string absence() const override {
@@ -43,7 +43,7 @@ class ServerBackend final : public ConformanceBackend {
     writeAuditDatabase(folder_ / "D.db", entries);
   }
   [[nodiscard]] std::unique_ptr<db::Connection> connect() override {
-    return db::odbc::openServer("localhost," + std::to_string(peer_.port()), "D", access_);
+    return db::odbc::openServer("localhost," + std::to_string(server_.port()), "D", access_);
   }
 
  private:
@@ -68,7 +68,7 @@ class ServerBackend final : public ConformanceBackend {
   }
 
   TemporaryFolder folder_;
-  tds::TdsPeer peer_;
+  tds::TdsServer server_;
   db::odbc::ServerAccess access_ = accessWithoutDomain();
 };
 
