@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/host_texts.h"
 #include "korvel/AuditViewer.h"
 
 namespace korvel::host {
@@ -29,7 +28,7 @@ bool isThere(const QString& path) {
 }
 
 /// Puts the object that a file holds into `content`. Returns why there is none, else an empty text.
-QString readObject(const QString& path, const settings::LanguageOffset& language, QJsonObject& content) {
+QString readObject(const QString& path, const ViewerLanguage& language, QJsonObject& content) {
   // A form is some hundred bytes; whatever is larger than this is none.
   constexpr qint64 largest = 1 << 20;
 
@@ -38,7 +37,7 @@ QString readObject(const QString& path, const settings::LanguageOffset& language
   QJsonParseError failure{};
   const QJsonDocument document = QJsonDocument::fromJson(file.read(largest), &failure);
   if (file.error() != QFileDevice::NoError) return file.errorString();
-  if (failure.error != QJsonParseError::NoError || !document.isObject()) return hostText("host.formNoObject", language);
+  if (failure.error != QJsonParseError::NoError || !document.isObject()) return language.text("host.formNoObject");
   content = document.object();
   return {};
 }
@@ -50,7 +49,7 @@ QString FormFile::standardPath() {
          QStringLiteral("/korvel/viewer-form.json");
 }
 
-QString FormFile::load(const settings::LanguageOffset& language) {
+QString FormFile::load(const ViewerLanguage& language) {
   if (!isThere(path_)) return {};
   isNew_ = false;
   QString failure = readObject(path_, language, content_);
@@ -77,7 +76,7 @@ QString FormFile::save(const QVariantMap& properties) {
 void FormFile::keepText(const QString& name, const QString& text) {
   if (untouchable_) return;
   QJsonObject current;
-  if (!readObject(path_, settings::LanguageOffset(), current).isEmpty() || current.value(name) == text) return;
+  if (!readObject(path_, ViewerLanguage(), current).isEmpty() || current.value(name) == text) return;
   current.insert(name, text);
   if (write(current).isEmpty()) content_.insert(name, text);
 }

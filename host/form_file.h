@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVariantMap>
 
-#include "settings/string_table.h"
+#include "korvel/ViewerApplication.h"
 
 namespace korvel::host {
 
@@ -21,7 +21,7 @@ class FormFile {
 
   /// Reads the file. A file that does not exist is a new form, not a failure. Returns why it cannot be read, else an
   /// empty text.
-  [[nodiscard]] QString load(const settings::LanguageOffset& language);
+  [[nodiscard]] QString load(const ViewerLanguage& language);
   /// Whether there was no file to load.
   [[nodiscard]] bool isNew() const noexcept { return isNew_; }
   [[nodiscard]] QVariantMap properties() const { return content_.toVariantMap(); }

@@ -1,14 +1,10 @@
 #include <QApplication>
 
 #include "host/command_line.h"
-#include "host/host_texts.h"
 #include "host/main_window.h"
 #include "host/options.h"
 #include "host/platform_choice.h"
 #include "host/shot.h"
-#include "host/viewer_path.h"
-#include "ui/icons/application_icon.h"
-#include "ui/style/palettes.h"
 
 namespace {
 
@@ -16,7 +12,7 @@ using namespace korvel::host;
 
 int run(int argc, char** argv) {
   const QStringList arguments = rawArguments(argc, argv);
-  const korvel::settings::LanguageOffset language = currentLanguage();
+  const korvel::ViewerLanguage language = korvel::ViewerLanguage::current();
 
   // Answered before anything needs a display.
   if (mentions(arguments, QStringLiteral("--help"))) {
@@ -34,14 +30,14 @@ int run(int argc, char** argv) {
       qputenv("QT_QPA_PLATFORM", "offscreen");
       break;
     case PlatformChoice::none:
-      writeErrors(hostText("host.noDisplay", language) + QLatin1Char('\n'));
+      writeErrors(language.text("host.noDisplay") + QLatin1Char('\n'));
       return static_cast<int>(ExitStatus::wrongUsage);
   }
 
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("KorvelAuditViewer"));
   QApplication::setApplicationDisplayName(QString());
-  korvel::ui::applyPreferredPalette(application);
+  korvel::applyPreferredPalette(application);
   // What is left once the toolkit has taken its own options out.
   const ParsedOptions parsed = parseOptions(QApplication::arguments().mid(1), language);
   if (!parsed.failure.isEmpty()) {
@@ -54,8 +50,8 @@ int run(int argc, char** argv) {
     MainWindow window(parsed.options, language);
     return static_cast<int>(takeShot(window, *parsed.options.shotFile, messages, language));
   }
-  QApplication::setWindowIcon(korvel::ui::applicationIcon());
-  provideViewerPath(QApplication::applicationDirPath());
+  QApplication::setWindowIcon(korvel::viewerIcon());
+  korvel::provideViewerPath(QApplication::applicationDirPath());
   MainWindow window(parsed.options, language);
   window.present();
   return QApplication::exec();

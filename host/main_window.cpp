@@ -8,16 +8,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "host/host_texts.h"
-#include "ui/message_box.h"
-
 namespace korvel::host {
 namespace {
-
-void warn(QWidget* owner, const QString& text) {
-  ui::MessageBox box(QMessageBox::Warning, productName, text, QMessageBox::Ok, owner);
-  box.exec();
-}
 
 /// A style without animations: the toolkit makes one even for a window that is not animated, as a child of what it
 /// places, and puts it away in the next event loop.
@@ -32,12 +24,11 @@ class StillStyle final : public QProxyStyle {
 
 }  // namespace
 
-MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& language)
+MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
     : form_(options.formFile.value_or(FormFile::standardPath())),
       // A window that is only rendered is nobody's form.
       keepsForm_(!options.shotFile),
-      viewer_(new AuditViewer),
-      failureBar_(new FailureBar) {
+      viewer_(new AuditViewer) {
   setWindowTitle(productName);
   // A message box may run while the window is being shown, and the toolkit's animations do not survive that: they go
   // while the window still goes through its children.
@@ -49,13 +40,13 @@ MainWindow::MainWindow(const Options& options, const settings::LanguageOffset& l
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins({});
   column->setSpacing(0);
-  column->addWidget(failureBar_);
+  auto* failureBar = new FailureBar;
+  column->addWidget(failureBar);
   column->addWidget(viewer_, 1);
   setCentralWidget(content);
   connect(viewer_, &AuditViewer::DatabaseSelected, this,
           [this](const QString& database) { setWindowTitle(database + QStringLiteral(" - ") + productName); });
-  connect(viewer_, &AuditViewer::LastFailureChanged, this, [this] { showLastFailure(); });
-  connect(viewer_, &AuditViewer::LanguageChanged, this, [this] { failureBar_->setLanguage(currentLanguage()); });
+  failureBar->follow(*viewer_);
   connect(viewer_, &AuditViewer::ExitApp, this, &QWidget::close);
   const auto onKey = [this](const QKeySequence& key, void (AuditViewer::*member)()) {
     connect(new QShortcut(key, this), &QShortcut::activated, viewer_, member);
@@ -106,25 +97,16 @@ void MainWindow::present() {
     show();
 }
 
-void MainWindow::loadForm(const settings::LanguageOffset& language) {
+void MainWindow::loadForm(const ViewerLanguage& language) {
   QString failure = form_.load(language);
   if (failure.isEmpty() && !form_.isNew()) failure = viewer_->ReadProperties(form_.properties());
   if (failure.isEmpty() && !form_.isNew()) return;
   viewer_->InitProperties();
   if (failure.isEmpty()) return;
   form_.leaveAsItIs();
-  warn(this, hostText("host.formUnreadable", language, form_.path(), failure) + QLatin1Char('\n') +
-                 hostText("host.formKept", language));
-}
-
-void MainWindow::showLastFailure() {
-  if (!viewer_->LastFailureTime().isValid()) {
-    failureBar_->hide();
-    return;
-  }
-  // The language may have been switched since the window was made.
-  failureBar_->showFailure(viewer_->LastFailureNumber(), viewer_->LastFailureText(), viewer_->LastFailureTime(),
-                           currentLanguage());
+  showWarning(
+      this, productName,
+      language.text("host.formUnreadable", form_.path(), failure) + QLatin1Char('\n') + language.text("host.formKept"));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -132,7 +114,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     const QString failure = form_.save(viewer_->WriteProperties().toMap());
     // A window that was never shown stands nowhere.
     if (isVisible()) storePlacement(form_, placement());
-    if (!failure.isEmpty()) warn(this, hostText("host.formUnwritable", currentLanguage(), form_.path(), failure));
+    if (!failure.isEmpty())
+      showWarning(this, productName, ViewerLanguage::current().text("host.formUnwritable", form_.path(), failure));
   }
   QMainWindow::closeEvent(event);
 }

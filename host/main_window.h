@@ -2,13 +2,16 @@
 
 #include <QMainWindow>
 
-#include "host/failure_bar.h"
 #include "host/form_file.h"
 #include "host/options.h"
 #include "host/window_placement.h"
 #include "korvel/AuditViewer.h"
+#include "korvel/FailureBar.h"
 
 namespace korvel::host {
+
+/// The product's name, the same in every language.
+inline const QString productName = QStringLiteral("Korvel Audit Viewer");
 
 /// The stand-alone viewer's window: the control, its form file, a title, and a bar for what the control keeps silent
 /// about.
@@ -18,7 +21,7 @@ class MainWindow final : public QMainWindow {
  public:
   /// Loads the form, sets the control's properties from it and then from the options. Shows nothing but what is wrong
   /// with the form file.
-  MainWindow(const Options& options, const settings::LanguageOffset& language);
+  MainWindow(const Options& options, const ViewerLanguage& language);
 
   [[nodiscard]] AuditViewer& viewer() { return *viewer_; }
 
@@ -29,8 +32,7 @@ class MainWindow final : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void loadForm(const settings::LanguageOffset& language);
-  void showLastFailure();
+  void loadForm(const ViewerLanguage& language);
   void placeWindow(const std::optional<QSize>& size);
   [[nodiscard]] WindowPlacement placement() const;
 
@@ -38,7 +40,6 @@ class MainWindow final : public QMainWindow {
   bool keepsForm_;
   bool maximized_ = false;
   AuditViewer* viewer_;
-  FailureBar* failureBar_;
 };
 
 }  // namespace korvel::host

@@ -2,8 +2,6 @@
 
 #include <QRegularExpression>
 
-#include "host/host_texts.h"
-
 namespace korvel::host {
 namespace {
 
@@ -58,10 +56,10 @@ const OptionRow* rowOf(const QString& name) {
 
 }  // namespace
 
-ParsedOptions parseOptions(const QStringList& arguments, const settings::LanguageOffset& language) {
+ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& language) {
   ParsedOptions parsed;
   const auto refused = [&](const QString& what) {
-    parsed.failure = hostText("host.optionsError", language, what);
+    parsed.failure = language.text("host.optionsError", what);
     return parsed;
   };
   for (qsizetype i = 0; i < arguments.size(); ++i) {
@@ -82,15 +80,15 @@ ParsedOptions parseOptions(const QStringList& arguments, const settings::Languag
   return parsed;
 }
 
-QString helpText(const settings::LanguageOffset& language) {
-  QString text = hostText("host.help.usage", language) + QStringLiteral("\n\n");
+QString helpText(const ViewerLanguage& language) {
+  QString text = language.text("host.help.usage") + QStringLiteral("\n\n");
   constexpr int column = 22;
   for (const OptionRow& row : rows) {
     QString left = QStringLiteral("  ") + QLatin1String(row.name);
     if (row.value != nullptr) left += QLatin1Char(' ') + QLatin1String(row.value);
-    text += left.leftJustified(column) + hostText(row.helpKey, language) + QLatin1Char('\n');
+    text += left.leftJustified(column) + language.text(row.helpKey) + QLatin1Char('\n');
   }
-  return text + QLatin1Char('\n') + hostText("host.help.status", language) + QLatin1Char('\n');
+  return text + QLatin1Char('\n') + language.text("host.help.status") + QLatin1Char('\n');
 }
 
 bool mentions(const QStringList& arguments, const QString& option) {

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <optional>
 
-#include "settings/string_table.h"
+#include "korvel/ViewerApplication.h"
 
 namespace korvel::host {
 
@@ -24,10 +24,10 @@ struct ParsedOptions {
 };
 
 /// Reads the arguments after the program's name. "--name value" and "--name=value" are the same.
-[[nodiscard]] ParsedOptions parseOptions(const QStringList& arguments, const settings::LanguageOffset& language);
+[[nodiscard]] ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& language);
 
 /// The answer to --help.
-[[nodiscard]] QString helpText(const settings::LanguageOffset& language);
+[[nodiscard]] QString helpText(const ViewerLanguage& language);
 
 /// Whether an option stands among the raw arguments, wherever and in whichever form. For what must be known before the
 /// others can be read.

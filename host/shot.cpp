@@ -7,7 +7,6 @@
 #include <QSaveFile>
 
 #include "host/command_line.h"
-#include "host/host_texts.h"
 
 namespace korvel::host {
 namespace {
@@ -41,7 +40,7 @@ bool UnattendedMessages::eventFilter(QObject* watched, QEvent* event) {
 }
 
 ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
-                    const settings::LanguageOffset& language) {
+                    const ViewerLanguage& language) {
   window.show();
   AuditViewer& viewer = window.viewer();
   const qsizetype beforeQuery = messages.texts().size();
@@ -52,14 +51,14 @@ ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMes
   for (const QString& text : messages.texts()) complain(text);
   if (messages.anyCritical()) return ExitStatus::databaseFailed;
   if (viewer.LastFailureTime().isValid()) {
-    complain(hostText("host.queryFailed", language,
-                      QString::number(viewer.LastFailureNumber()) + QLatin1Char(':') + viewer.LastFailureText()));
+    complain(language.text("host.queryFailed",
+                           QString::number(viewer.LastFailureNumber()) + QLatin1Char(':') + viewer.LastFailureText()));
     return ExitStatus::databaseFailed;
   }
   QCoreApplication::processEvents();
   const QString failure = writePicture(window.grab(), file);
   if (!failure.isEmpty()) {
-    complain(hostText("host.shotUnwritable", language, file, failure));
+    complain(language.text("host.shotUnwritable", file, failure));
     return ExitStatus::pictureFailed;
   }
   return messages.texts().size() == beforeQuery ? ExitStatus::done : ExitStatus::noRecords;

@@ -33,6 +33,6 @@ enum class ExitStatus { done = 0, noRecords = 1, wrongUsage = 2, databaseFailed 
 /// Shows the window, runs the standard query and renders the window into a PNG file. A viewer that could not be built
 /// whole runs no query, and without an answer there is no picture. What went wrong is written to standard error.
 [[nodiscard]] ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
-                                  const settings::LanguageOffset& language);
+                                  const ViewerLanguage& language);
 
 }  // namespace korvel::host

@@ -10,7 +10,7 @@
 namespace korvel::host {
 namespace {
 
-const settings::LanguageOffset english;
+const ViewerLanguage english;
 
 class FormFileTest : public ::testing::Test {
  protected:

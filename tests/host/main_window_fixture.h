@@ -12,7 +12,7 @@
 
 namespace korvel::host {
 
-inline const settings::LanguageOffset english;
+inline const ViewerLanguage english;
 
 class MainWindowTest : public ::testing::Test {
  protected:

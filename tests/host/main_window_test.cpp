@@ -244,5 +244,27 @@ TEST_F(MainWindowTest, AMessageThatWasClosedStaysClosedInEveryLanguage) {
   EXPECT_FALSE(window.findChild<QWidget*>("failureBar")->isVisible());
 }
 
+TEST(FailureBarInWindow, StandsAboveTheControlUntilTheNextQuery) {
+  const test::TemporaryFolder folder;
+  const test::OwnSettings settings(folder.path());
+  Options options;
+  options.formFile = QString::fromStdString((folder / "form.json").string());
+  options.server = QString::fromStdString((folder / "nothing here").string());
+  MainWindow window(options, ViewerLanguage());
+  window.show();
+  auto& bar = *window.findChild<FailureBar*>();
+  EXPECT_FALSE(bar.isVisible());
+  window.viewer().TriggerQuery();
+  ASSERT_TRUE(bar.isVisible());
+  EXPECT_EQ(bar.findChild<QTextEdit*>("failureReason")->toPlainText(), window.viewer().LastFailureText());
+  QApplication::processEvents();
+  EXPECT_LE(bar.mapTo(&window, QPoint(0, bar.height())).y(), window.viewer().mapTo(&window, QPoint()).y());
+  bool hiddenMeanwhile = false;
+  QObject::connect(&window.viewer(), &AuditViewer::LastFailureChanged, [&] { hiddenMeanwhile |= !bar.isVisible(); });
+  window.viewer().TriggerQuery();
+  EXPECT_TRUE(hiddenMeanwhile);
+  EXPECT_TRUE(bar.isVisible());
+}
+
 }  // namespace
 }  // namespace korvel::host

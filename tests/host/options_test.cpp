@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/host_texts.h"
-
 namespace korvel::host {
 namespace {
 
-const settings::LanguageOffset english;
+const ViewerLanguage english;
 
 ParsedOptions parsed(const QStringList& arguments) {
   return parseOptions(arguments, english);
@@ -52,7 +50,7 @@ TEST(Options, WhatIsNotUnderstoodIsNamed) {
 
 TEST(Options, HelpNamesEveryOptionInEveryLanguage) {
   for (const char* offset : {"0", "10000", "20000", "30000", "40000"}) {
-    const QString help = helpText(settings::LanguageOffset(offset));
+    const QString help = helpText(ViewerLanguage(offset));
     for (const char* option :
          {"--server NAME", "--type audit|mu", "--form FILE", "--shot FILE.png", "--size WxH", "--help", "--version"})
       EXPECT_TRUE(help.contains(option)) << offset << ' ' << option;

@@ -79,7 +79,7 @@ class StoredPlacement : public ::testing::Test {
  protected:
   FormFile form() {
     FormFile file(QString::fromStdString(path.string()));
-    EXPECT_EQ(file.load(settings::LanguageOffset()), "");
+    EXPECT_EQ(file.load(ViewerLanguage()), "");
     return file;
   }
   void keep(const WindowPlacement& placement) {

@@ -1,4 +1,4 @@
-#include "host/failure_bar.h"
+#include "korvel/FailureBar.h"
 
 #include <QAccessibleWidget>
 #include <QHBoxLayout>
@@ -6,19 +6,32 @@
 #include <QLocale>
 #include <QPainter>
 #include <QTextDocument>
+#include <QTextEdit>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
 
-#include "host/host_texts.h"
+#include "korvel/AuditViewer.h"
 #include "ui/buttons.h"
 #include "ui/style/theme.h"
 #include "ui/style/viewer_style.h"
 
-namespace korvel::host {
+namespace korvel {
 namespace {
 
 constexpr int mostLines = 5;
+
+/// Read-only text that is as high as it needs to be for its width, up to a few lines; then it scrolls.
+class WrappedText final : public QTextEdit {
+ public:
+  WrappedText();
+  void setContent(const QString& text);
+
+  [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+  [[nodiscard]] int heightForWidth(int width) const override;
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+};
 
 /// The bar is an alert to assistive technology.
 QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
@@ -26,9 +39,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
   return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::AlertMessage);
 }
 
-}  // namespace
-
-WrappedText::WrappedText(QWidget* parent) : QTextEdit(parent) {
+WrappedText::WrappedText() {
   setReadOnly(true);
   setAcceptRichText(false);
   setTabChangesFocus(true);
@@ -67,45 +78,64 @@ QSize WrappedText::sizeHint() const {
   return {0, fontMetrics().lineSpacing()};
 }
 
-FailureBar::FailureBar(QWidget* parent)
-    : QWidget(parent),
-      heading_(new QLabel),
-      reason_(new WrappedText),
-      close_(new ui::IconButton(ui::IconName::ClearDate)) {
+}  // namespace
+
+struct FailureBar::Parts {
+  int number = 0;
+  QDateTime time;
+  QLabel* heading = new QLabel;
+  WrappedText* reason = new WrappedText;
+  QToolButton* close = new ui::IconButton(ui::IconName::ClearDate);
+};
+
+FailureBar::FailureBar(QWidget* parent) : QWidget(parent), parts_(std::make_unique<Parts>()) {
   static const bool installed = (QAccessible::installFactory(&makeInterface), true);
   Q_UNUSED(installed)
   setObjectName(QStringLiteral("failureBar"));
   ui::applyStyle(*this);
-  heading_->setObjectName(QStringLiteral("failureHeading"));
-  heading_->setTextFormat(Qt::PlainText);
-  heading_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  heading_->setFont(ui::semiBold(heading_->font()));
-  heading_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  reason_->setObjectName(QStringLiteral("failureReason"));
-  close_->setObjectName(QStringLiteral("failureClose"));
-  close_->setAutoRaise(true);
-  close_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-  connect(close_, &QToolButton::clicked, this, &QWidget::hide);
+  parts_->heading->setObjectName(QStringLiteral("failureHeading"));
+  parts_->heading->setTextFormat(Qt::PlainText);
+  parts_->heading->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  parts_->heading->setFont(ui::semiBold(parts_->heading->font()));
+  parts_->heading->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  parts_->reason->setObjectName(QStringLiteral("failureReason"));
+  parts_->close->setObjectName(QStringLiteral("failureClose"));
+  parts_->close->setAutoRaise(true);
+  parts_->close->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  connect(parts_->close, &QToolButton::clicked, this, &QWidget::hide);
 
   auto* texts = new QVBoxLayout;
   texts->setSpacing(ui::px(this, 2));
-  texts->addWidget(heading_);
-  texts->addWidget(reason_);
+  texts->addWidget(parts_->heading);
+  texts->addWidget(parts_->reason);
   auto* row = new QHBoxLayout(this);
   const int inside = ui::px(this, ui::space::inside);
   row->setContentsMargins(ui::px(this, 2 * ui::space::inside), inside, inside, inside);
   row->setSpacing(inside);
   row->addLayout(texts, 1);
-  row->addWidget(close_, 0, Qt::AlignTop);
+  row->addWidget(parts_->close, 0, Qt::AlignTop);
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Minimum);
   hide();
 }
 
-void FailureBar::showFailure(int number, const QString& text, const QDateTime& time,
-                             const settings::LanguageOffset& language) {
-  number_ = number;
-  time_ = time;
-  reason_->setContent(text);
+FailureBar::~FailureBar() = default;
+
+void FailureBar::follow(AuditViewer& viewer) {
+  connect(&viewer, &AuditViewer::LastFailureChanged, this, [this, &viewer] {
+    if (!viewer.LastFailureTime().isValid()) {
+      hide();
+      return;
+    }
+    showFailure(viewer.LastFailureNumber(), viewer.LastFailureText(), viewer.LastFailureTime(),
+                ViewerLanguage::current());
+  });
+  connect(&viewer, &AuditViewer::LanguageChanged, this, [this] { setLanguage(ViewerLanguage::current()); });
+}
+
+void FailureBar::showFailure(int number, const QString& text, const QDateTime& time, const ViewerLanguage& language) {
+  parts_->number = number;
+  parts_->time = time;
+  parts_->reason->setContent(text);
   setLanguage(language);
   // Another text may need another height, also where the bar is shown already.
   layout()->invalidate();
@@ -115,13 +145,13 @@ void FailureBar::showFailure(int number, const QString& text, const QDateTime& t
   QAccessible::updateAccessibility(&alert);
 }
 
-void FailureBar::setLanguage(const settings::LanguageOffset& language) {
-  if (!time_.isValid()) return;
-  const QString when = QLocale::system().toString(time_, QLocale::ShortFormat);
-  heading_->setText(hostText("host.failedAt", language, when, QString::number(number_)));
-  reason_->setAccessibleName(heading_->text());
-  close_->setToolTip(hostText("host.closeMessage", language));
-  setAccessibleName(heading_->text() + QLatin1Char(' ') + reason_->toPlainText());
+void FailureBar::setLanguage(const ViewerLanguage& language) {
+  if (!parts_->time.isValid()) return;
+  const QString when = QLocale::system().toString(parts_->time, QLocale::ShortFormat);
+  parts_->heading->setText(language.text("host.failedAt", when, QString::number(parts_->number)));
+  parts_->reason->setAccessibleName(parts_->heading->text());
+  parts_->close->setToolTip(language.text("host.closeMessage"));
+  setAccessibleName(parts_->heading->text() + QLatin1Char(' ') + parts_->reason->toPlainText());
 }
 
 void FailureBar::paintEvent(QPaintEvent* /*event*/) {
@@ -133,4 +163,4 @@ void FailureBar::paintEvent(QPaintEvent* /*event*/) {
   painter.fillRect(0, 0, ui::px(this, 4), height() - line, theme.accent);
 }
 
-}  // namespace korvel::host
+}  // namespace korvel

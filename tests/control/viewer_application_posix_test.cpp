@@ -1,9 +1,9 @@
 // The viewer's path where settings are a file and paths of Windows are no full paths.
 #include "base/whole_file.h"
-#include "host/viewer_path.h"
-#include "tests/host/viewer_path_fixture.h"
+#include "korvel/ViewerApplication.h"
+#include "tests/control/viewer_path_fixture.h"
 
-namespace korvel::host {
+namespace korvel {
 namespace {
 
 TEST_F(ViewerPath, OfAnInstallationStays) {
@@ -19,4 +19,4 @@ TEST_F(ViewerPath, IsNotWorthAFailure) {
 }
 
 }  // namespace
-}  // namespace korvel::host
+}  // namespace korvel

@@ -8,7 +8,7 @@
 #include "tests/support/own_settings.h"
 #include "tests/support/temporary_folder.h"
 
-namespace korvel::host {
+namespace korvel {
 
 class ViewerPath : public ::testing::Test {
  protected:
@@ -23,4 +23,4 @@ class ViewerPath : public ::testing::Test {
   test::OwnSettings settings{folder.path()};
 };
 
-}  // namespace korvel::host
+}  // namespace korvel

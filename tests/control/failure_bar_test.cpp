@@ -1,21 +1,18 @@
-#include "host/failure_bar.h"
+#include "korvel/FailureBar.h"
 
 #include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QLabel>
 #include <QTest>
+#include <QTextEdit>
 #include <QVBoxLayout>
 
-#include "host/main_window.h"
-#include "tests/support/own_settings.h"
-#include "tests/support/temporary_folder.h"
-
-namespace korvel::host {
+namespace korvel {
 namespace {
 
 const QDateTime noon(QDate(2004, 3, 7), QTime(12, 0));
-const settings::LanguageOffset english;
+const ViewerLanguage english;
 
 class FailureBarTest : public ::testing::Test {
  protected:
@@ -52,7 +49,7 @@ TEST_F(FailureBarTest, ShowsNumberReasonAndTime) {
 TEST_F(FailureBarTest, SpeaksFiveLanguages) {
   QStringList headings;
   for (const char* offset : {"0", "10000", "20000", "30000", "40000"}) {
-    bar.showFailure(1, "x", noon, settings::LanguageOffset(offset));
+    bar.showFailure(1, "x", noon, ViewerLanguage(offset));
     headings.append(heading());
     EXPECT_TRUE(heading().contains("1"));
   }
@@ -99,27 +96,5 @@ TEST_F(FailureBarTest, WrapsLongReasonsAndNeverCrowdsTheWindow) {
   EXPECT_EQ(window.width(), 500);
 }
 
-TEST(FailureBarInWindow, StandsAboveTheControlUntilTheNextQuery) {
-  const test::TemporaryFolder folder;
-  const test::OwnSettings settings(folder.path());
-  Options options;
-  options.formFile = QString::fromStdString((folder / "form.json").string());
-  options.server = QString::fromStdString((folder / "nothing here").string());
-  MainWindow window(options, english);
-  window.show();
-  auto& bar = *window.findChild<FailureBar*>();
-  EXPECT_FALSE(bar.isVisible());
-  window.viewer().TriggerQuery();
-  ASSERT_TRUE(bar.isVisible());
-  EXPECT_EQ(bar.findChild<QTextEdit*>("failureReason")->toPlainText(), window.viewer().LastFailureText());
-  QApplication::processEvents();
-  EXPECT_LE(bar.mapTo(&window, QPoint(0, bar.height())).y(), window.viewer().mapTo(&window, QPoint()).y());
-  bool hiddenMeanwhile = false;
-  QObject::connect(&window.viewer(), &AuditViewer::LastFailureChanged, [&] { hiddenMeanwhile |= !bar.isVisible(); });
-  window.viewer().TriggerQuery();
-  EXPECT_TRUE(hiddenMeanwhile);
-  EXPECT_TRUE(bar.isVisible());
-}
-
 }  // namespace
-}  // namespace korvel::host
+}  // namespace korvel

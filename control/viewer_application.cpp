@@ -1,0 +1,79 @@
+#include "korvel/ViewerApplication.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <stdexcept>
+#include <string>
+
+#include "base/error.h"
+#include "settings/registry.h"
+#include "settings/stored_language.h"
+#include "ui/icons/application_icon.h"
+#include "ui/message_box.h"
+#include "ui/style/palettes.h"
+#include "ui/style/viewer_style.h"
+#include "ui/texts.h"
+
+namespace korvel {
+namespace {
+
+/// Whether a stored path leads somewhere, as far as this machine can tell: what is no full path here is not judged.
+bool isInUse(const QString& path) {
+  const QFileInfo file(QDir::fromNativeSeparators(path));
+  return !path.isEmpty() && (file.isRelative() || file.dir().exists());
+}
+
+}  // namespace
+
+ViewerLanguage ViewerLanguage::current() {
+  try {
+    const auto backend = settings::platformBackend();
+    return ViewerLanguage(QString::fromStdString(settings::storedLanguage(*backend).text()));
+  } catch (const Error&) {
+    return {};
+  }
+}
+
+QString ViewerLanguage::text(std::string_view key, const QString& first, const QString& second) const {
+  try {
+    const settings::LanguageOffset offset(offset_.toStdString());
+    return QString::fromStdString(
+        settings::filled(settings::ownText(key, offset), first.toStdString(), second.toStdString()));
+  } catch (const std::out_of_range&) {
+    return {};
+  }
+}
+
+void applyViewerStyle(QWidget& root) {
+  ui::applyStyle(root);
+}
+
+void applyPreferredPalette(QApplication& application) {
+  ui::applyPreferredPalette(application);
+}
+
+QIcon viewerIcon() {
+  return ui::applicationIcon();
+}
+
+void showWarning(QWidget* owner, const QString& title, const QString& text) {
+  ui::MessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, owner);
+  box.exec();
+}
+
+void provideViewerPath(const QString& folder) {
+  const std::string application(settings::applicationName);
+  const std::string section(settings::viewerSection);
+  const std::string key = "ViewerAppPath";
+  try {
+    const auto backend = settings::platformBackend();
+    const settings::Registry registry(*backend);
+    if (isInUse(QString::fromStdString(registry.GetSetting(application, section, key, "")))) return;
+    // The name counts, not the file: the control cuts off as many characters as this name has, on every platform.
+    const QString path = QDir::toNativeSeparators(QDir(folder).filePath(QStringLiteral("KorvelAuditViewer.exe")));
+    registry.SaveSetting(application, section, key, path.toStdString());
+  } catch (const Error&) {  // NOLINT(bugprone-empty-catch): no help then, as the header says
+  }
+}
+
+}  // namespace korvel

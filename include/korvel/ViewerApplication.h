@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+#include <string_view>
+#include <utility>
+
+#include "korvel/Export.h"
+
+class QApplication;
+class QWidget;
+
+/// What a program around the control can share with it: language, texts, appearance, and where the viewer is installed.
+/// All of it is for the user-interface thread. Nothing here throws.
+namespace korvel {
+
+/// One of the five languages, as the offset that the settings hold: "0" English, "10000" German, "20000" French,
+/// "30000" Spanish, "40000" Italian.
+class KORVEL_AUDIT_VIEWER_EXPORT ViewerLanguage {
+ public:
+  /// English.
+  ViewerLanguage() = default;
+  /// English for every text that is none of the five offsets.
+  explicit ViewerLanguage(QString offset) : offset_(std::move(offset)) {}
+
+  /// The language that the viewer is set to; English where the settings cannot be read: the control itself says then
+  /// what is wrong with them.
+  [[nodiscard]] static ViewerLanguage current();
+
+  [[nodiscard]] const QString& offset() const noexcept { return offset_; }
+
+  /// A text of the viewer by its key, with "%1" and "%2" filled; empty for a key that there is not.
+  [[nodiscard]] QString text(std::string_view key, const QString& first = {}, const QString& second = {}) const;
+
+ private:
+  QString offset_ = QStringLiteral("0");
+};
+
+/// Gives `root` and everything below it, now and later, the style that the control has by itself. Call it once, first
+/// in the constructor of a window or a dialog without a parent.
+KORVEL_AUDIT_VIEWER_EXPORT void applyViewerStyle(QWidget& root);
+
+/// For a program that is nothing but the viewer: gives it the light or the dark palette, as the environment variable
+/// KORVEL_THEME ("light", "dark", "native") or else the system wants it, and follows the system when that changes. A
+/// scheme of strong contrast keeps the system's own colours.
+KORVEL_AUDIT_VIEWER_EXPORT void applyPreferredPalette(QApplication& application);
+
+/// The viewer's own icon, in all sizes that systems ask for.
+[[nodiscard]] KORVEL_AUDIT_VIEWER_EXPORT QIcon viewerIcon();
+
+/// Shows a warning with an OK button in the viewer's style and returns when it has been answered. Ctrl+C copies title
+/// and text; the text is shown as it is, never as markup.
+KORVEL_AUDIT_VIEWER_EXPORT void showWarning(QWidget* owner, const QString& title, const QString& text);
+
+/// Tells the control where the viewer is installed, which is where it looks for the help files: stores "ViewerAppPath"
+/// as the viewer in `folder`. A path that is stored already stays for as long as its folder exists; afterwards the
+/// viewer has moved. Where the settings cannot be read or written there is no help, and the control says what is wrong
+/// with the settings.
+KORVEL_AUDIT_VIEWER_EXPORT void provideViewerPath(const QString& folder);
+
+}  // namespace korvel
