@@ -1,5 +1,5 @@
 # Writes OUTPUT: a source file that holds the bytes of INPUT as korvel::embedded::SYMBOL. A C++ literal of hexadecimal
-# bytes, not a raw string: it does not care what the text contains.
+# bytes, not a raw string, so that the text may contain anything.
 file(READ "${INPUT}" bytes HEX)
 string(LENGTH "${bytes}" digits)
 math(EXPR size "${digits} / 2")

@@ -1,4 +1,4 @@
-# Everything that every target of the tree shares: language level, warnings, sanitizers, and the helper that makes a room.
+# What all targets share: language level, warnings, sanitizers, and the function that adds a room.
 option(KORVEL_TESTS "Build the tests" ON)
 option(KORVEL_BENCH "Build the benchmarks" ON)
 option(KORVEL_FUZZ "Build the fuzz targets, and everything for them (clang only)" OFF)
@@ -9,8 +9,8 @@ option(KORVEL_PRECOMPILE "Precompile the headers that cost most: standard librar
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-# The control is a shared library made of the rooms, so all of them are position independent and hidden. Programs are compiled in the same
-# way, though they need less: precompiled headers are shared with them.
+# The control is a shared library made of the rooms, so all of them are position independent and hidden. Programs are
+# compiled in the same way because they share precompiled headers.
 if(NOT WIN32)
   add_compile_options(-fPIC)
 endif()
@@ -23,13 +23,13 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
 find_program(KORVEL_CCACHE ccache)
 if(KORVEL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  # Paths count from the tree's root, so that another clone finds what this one compiled. ccache reads the compiler's list of dependencies
-  # instead of preprocessing each source once more.
+  # Paths are relative to the tree's root, so that clones share the cache. ccache reads the compiler's list of
+  # dependencies instead of preprocessing each source again.
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
     CCACHE_SLOPPINESS=pch_defines,time_macros "${KORVEL_CCACHE}")
 endif()
 
-# mold links faster than the default linker. It writes no programs for Windows.
+# mold links faster than the default linker. It does not support Windows.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -fuse-ld=mold KORVEL_HAS_MOLD)
 if(KORVEL_HAS_MOLD AND NOT WIN32)
@@ -42,14 +42,14 @@ file(WRITE "${CMAKE_BINARY_DIR}/.clang-tidy" "Checks: '-*,misc-definitions-in-he
 add_library(korvel_flags INTERFACE)
 target_compile_options(korvel_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
-  # Inlined library code makes gcc 12 see overlaps, overflows and unset members that are not there, which ones depends on the
-  # level of optimisation. clang, clang-tidy and the sanitizers find the real ones.
+  # gcc 12 reports false overlaps, overflows and uninitialised members in inlined library code, depending on the level
+  # of optimisation. clang, clang-tidy and the sanitizers find real ones.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-Wno-maybe-uninitialized;-Wno-mismatched-new-delete>)
 if(WIN32)
-  # Files of more than 2 GB, and what Qt defines for those who use it; in all sources, since precompiled headers are for sources with the
-  # same definitions.
+  # Files of more than 2 GB, and Qt's definitions for its users; in all sources, since precompiled headers need equal
+  # definitions.
   add_compile_definitions(_FILE_OFFSET_BITS=64 MINGW_HAS_SECURE_API=1)
-  # What is packed names no folders of the machine that it was built on.
+  # The package contains no paths of the machine that built it.
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
 if(KORVEL_FUZZ)
@@ -61,8 +61,8 @@ if(KORVEL_SANITIZE)
   add_link_options(-fsanitize=${KORVEL_SANITIZE})
 endif()
 
-# korvel_precompiled_headers(NAME [LINK libraries...] [OPTIONS options...] HEADERS headers...): headers that are compiled once for all targets
-# that name them in korvel_precompiled(). gcc takes them only where all options agree.
+# korvel_precompiled_headers(NAME [LINK libraries...] [OPTIONS options...] HEADERS headers...): headers that are
+# compiled once for all targets that name them in korvel_precompiled(). gcc accepts them only with equal options.
 function(korvel_precompiled_headers name)
   cmake_parse_arguments(PRE "" "" "LINK;OPTIONS;HEADERS" ${ARGN})
   if(NOT KORVEL_PRECOMPILE)
@@ -97,8 +97,8 @@ function(korvel_room name)
   korvel_precompiled(korvel_${name} standard_headers)
 endfunction()
 
-# korvel_embed_text(TARGET FILE SYMBOL): makes the text of FILE available to TARGET as `extern const std::string_view SYMBOL`
-# in namespace korvel::embedded, declared by the user of the text.
+# korvel_embed_text(TARGET FILE SYMBOL): makes the text of FILE available to TARGET as `extern const std::string_view
+# SYMBOL` in namespace korvel::embedded, declared by the user of the text.
 function(korvel_embed_text target file symbol)
   set(generated "${CMAKE_CURRENT_BINARY_DIR}/${symbol}.cpp")
   add_custom_command(

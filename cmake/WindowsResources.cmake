@@ -1,9 +1,9 @@
-# What a binary for Windows says of itself: version, sign, and on which systems and with which rights it runs.
+# Resources of a binary for Windows: version, icon and manifest.
 if(WIN32)
   enable_language(RC)
 endif()
 
-# korvel_windows_resources(TARGET DESCRIPTION): for a program or a shared library; elsewhere than on Windows nothing happens.
+# korvel_windows_resources(TARGET DESCRIPTION): for a program or a shared library; does nothing on other systems.
 function(korvel_windows_resources target description)
   if(NOT WIN32)
     return()
