@@ -40,4 +40,14 @@ class Error : public std::exception {
 /// The error for a failed system call: the system's number and its text after `what`, a colon and a blank.
 Error systemError(int systemNumber, const std::string& what);
 
+/// Runs one of several steps: a failure leaves this step undone, and the next one runs.
+template <typename Step>
+void skipFailing(const Step& step) {
+  try {
+    step();
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
 }  // namespace korvel

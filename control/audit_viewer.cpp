@@ -29,7 +29,7 @@ AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
   [[maybe_unused]] static const bool awaited = (qAddPostRoutine(awaitStoppedQueries), true);
   ui::applyStyle(*this);
   members_ = std::make_unique<Members>(*this);
-  members_->trapped("Initialize", [this] { members_->Initialize(); });
+  members_->messages.trapped("Initialize", [this] { members_->Initialize(); });
 }
 
 // Children are destroyed before the members that they look at: what is left to ~QWidget would find them gone.
@@ -59,7 +59,7 @@ void AuditViewer::setViewSideTools(bool value) {
   members_->properties.ViewSideTools = value;
   Q_EMIT PropertyChanged(QStringLiteral("ViewSideTools"));
   if (!alive) return;
-  members_->appliedSideTools = value;
+  members_->sideTools.setApplied(value);
   ViewTools(value);
 }
 
@@ -74,7 +74,7 @@ void AuditViewer::setViewToolBar(bool value) {
   if (!alive) return;
   members_->surface.SmartToolbar->setVisible(value);
   // A toolbar that is hidden leaves its room to what lies below it.
-  members_->arrange();
+  members_->sideTools.arrange();
   updateGeometry();
 }
 
@@ -107,20 +107,20 @@ QVariant AuditViewer::WriteProperties() const {
 }
 
 int AuditViewer::LastFailureNumber() const {
-  return members_->lastFailure.number;
+  return members_->queries.lastFailure().number;
 }
 QString AuditViewer::LastFailureText() const {
-  return members_->lastFailure.text;
+  return members_->queries.lastFailure().text;
 }
 QDateTime AuditViewer::LastFailureTime() const {
-  return members_->lastFailure.time;
+  return members_->queries.lastFailure().time;
 }
 
 QSize AuditViewer::sizeHint() const {
   return members_->surface.preferredSize();
 }
 QSize AuditViewer::minimumSizeHint() const {
-  return members_->surface.smallestSize(members_->appliedSideTools);
+  return members_->surface.smallestSize(members_->sideTools.applied());
 }
 
 void AuditViewer::SelectALL() {
@@ -131,70 +131,71 @@ void AuditViewer::UnselectALL() {
 }
 
 void AuditViewer::ExportNotepad() {
-  members_->ExportNotepad();
+  members_->outputs.ExportNotepad();
 }
 void AuditViewer::ExportExcel() {
-  members_->ExportExcel();
+  members_->outputs.ExportExcel();
 }
 
 QString AuditViewer::GetExportPath(const QString& dialogtext, int files) {
   QString path;
-  members_->trapped("GetExportPath", [&] { path = members_->GetExportPath(dialogtext, files); });
+  members_->messages.trapped("GetExportPath", [&] { path = members_->outputs.GetExportPath(dialogtext, files); });
   return path;
 }
 
 void AuditViewer::ChangeFont() {
-  members_->trapped("ChangeFont", [this] { members_->ChangeFont(); });
+  members_->messages.trapped("ChangeFont", [this] { members_->listCommands.ChangeFont(); });
 }
 
 void AuditViewer::DisplayNoOfRecords() {
-  members_->trapped("DisplayNoOfRecords", [this] { members_->DisplayNoOfRecords(); });
+  members_->messages.trapped("DisplayNoOfRecords", [this] { members_->queries.DisplayNoOfRecords(); });
 }
 
 void AuditViewer::TriggerQuery() {
-  members_->trapped("TriggerQuery", [this] { members_->TriggerQuery(); });
+  members_->messages.trapped("TriggerQuery", [this] { members_->queries.TriggerQuery(); });
 }
 
 void AuditViewer::ExpandAll() {
   members_->surface.tvTreeView->expandNodes();
 }
 void AuditViewer::SelectDatabase() {
-  members_->trapped("SelectDatabase", [this] { members_->SelectDatabase(); });
+  members_->messages.trapped("SelectDatabase", [this] { members_->selection.SelectDatabase(); });
 }
 void AuditViewer::UnlockControls() {
-  members_->trapped("UnlockControls", [this] { members_->UnlockControls(); });
+  members_->messages.trapped("UnlockControls", [this] { members_->lock.UnlockControls(); });
 }
 void AuditViewer::LockControls() {
-  members_->trapped("LockControls", [this] { members_->LockControls(); });
+  members_->messages.trapped("LockControls", [this] { members_->lock.LockControls(); });
 }
 void AuditViewer::ViewTools(bool visable) {
-  members_->ViewTools(visable);
+  members_->sideTools.ViewTools(visable);
 }
 void AuditViewer::BuildMenu() {
-  members_->BuildMenu();
+  members_->commands.BuildMenu();
 }
 void AuditViewer::BuildToolbar() {
-  members_->BuildToolbar();
+  members_->commands.BuildToolbar();
 }
 void AuditViewer::ShowKeyField(bool vis) {
-  members_->ShowKeyField(vis);
+  members_->listCommands.ShowKeyField(vis);
 }
 
 void AuditViewer::ListViewColSetup() {
-  members_->trapped("ListViewColSetup", [this] { members_->ListViewColSetup(); });
+  members_->messages.trapped("ListViewColSetup", [this] { members_->listCommands.ListViewColSetup(); });
 }
 
 void AuditViewer::BuildPopup(const QString& PopupItem) {
-  members_->BuildPopup(PopupItem);
+  members_->listCommands.BuildPopup(PopupItem);
 }
 
 void AuditViewer::TriggerAdvancedQuery(const QString& QueryString) {
   // A copy: what was handed over may die while the query loads.
-  members_->trapped("TriggerAdvancedQuery", [this, text = QueryString] { members_->TriggerAdvancedQuery(text); });
+  members_->messages.trapped("TriggerAdvancedQuery",
+                             [this, text = QueryString] { members_->queries.TriggerAdvancedQuery(text); });
 }
 
 void AuditViewer::SwitchLanguage() {
-  members_->trapped("SwitchLanguage", [this] { members_->SwitchLanguage(); });
+  members_->messages.trapped("SwitchLanguage", [this] { members_->commands.SwitchLanguage(); });
 }
 
 void AuditViewer::BuildMisc() {
@@ -202,40 +203,43 @@ void AuditViewer::BuildMisc() {
 }
 
 void AuditViewer::OpenDefaultSQLServer() {
-  members_->trapped("OpenDefaultSQLServer", [this] { members_->OpenDefaultSQLServer(); });
+  members_->messages.trapped("OpenDefaultSQLServer",
+                             [this] { members_->selection.OpenDefaultSQLServer(members_->properties); });
 }
 
 void AuditViewer::HelpContents() {
-  members_->trapped("HelpContents", [this] { members_->HelpContents(); });
+  members_->messages.trapped("HelpContents", [this] { members_->help.HelpContents(); });
 }
 void AuditViewer::HelpSearch() {
-  members_->trapped("HelpSearch", [this] { members_->HelpSearch(); });
+  members_->messages.trapped("HelpSearch", [this] { members_->help.HelpSearch(); });
 }
 void AuditViewer::ShowAbout() {
-  members_->trapped("ShowAbout", [this] { members_->ShowAbout(); });
+  members_->messages.trapped("ShowAbout", [this] { members_->help.ShowAbout(); });
 }
 void AuditViewer::PrintReport() {
-  if (members_->surface.btPrint->isEnabled()) members_->trapped("PrintReport", [this] { members_->btPrint_Click(); });
+  if (members_->surface.btPrint->isEnabled())
+    members_->messages.trapped("PrintReport", [this] { members_->outputs.btPrint_Click(); });
 }
 void AuditViewer::PreviewReport() {
-  if (members_->surface.btPrint->isEnabled()) members_->trapped("PreviewReport", [this] { members_->PreviewReport(); });
+  if (members_->surface.btPrint->isEnabled())
+    members_->messages.trapped("PreviewReport", [this] { members_->outputs.PreviewReport(); });
 }
 
 void AuditViewer::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // A spontaneous event is the window system's (a window that comes back from the task bar): the control was not
   // hidden.
-  if (!event->spontaneous()) members_->trapped("Show", [this] { members_->Show(); });
+  if (!event->spontaneous()) members_->messages.trapped("Show", [this] { members_->Show(); });
 }
 
 void AuditViewer::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  members_->arrange();
+  members_->sideTools.arrange();
 }
 
 void AuditViewer::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && members_) members_->arrange();
+  if (event->type() == QEvent::FontChange && members_) members_->sideTools.arrange();
 }
 
 }  // namespace korvel

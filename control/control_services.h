@@ -18,6 +18,16 @@ namespace korvel::control {
 /// What a help file is opened on, by the numbers that HTML Help gives the commands.
 enum class HelpCommand { contents = 1, index = 2 };
 
+/// Names of the forms that a control shows.
+namespace formName {
+inline const QString serverBrowser = QStringLiteral("frmSQLServerBrowser");
+inline const QString dateRange = QStringLiteral("frmAdvancedFilters");
+inline const QString fields = QStringLiteral("frmFields");
+inline const QString fileList = QStringLiteral("frmFileList");
+inline const QString printFont = QStringLiteral("frmPrintFont");
+inline const QString about = QStringLiteral("frmAbout");
+}  // namespace formName
+
 /// The control's only way to the person in front of the screen, apart from its own surface. Every call that shows
 /// something returns when it has been answered.
 class ControlServices : public ui::DialogServices {

@@ -12,6 +12,7 @@
 #include "control/forms/report_preview.h"
 #include "control/help_viewer.h"
 #include "control/library_state.h"
+#include "control/message_boxes.h"
 #include "control/system_dialogs.h"
 #include "control/text_editor.h"
 #include "control/texts.h"
@@ -89,12 +90,12 @@ QDialog* makeAbout(QWidget* owner) {
 }  // namespace
 
 QtControlServices::QtControlServices()
-    : forms_{{QStringLiteral("frmSQLServerBrowser"), &makeServerBrowser},
-             {QStringLiteral("frmAdvancedFilters"), &makeDateRange},
-             {QStringLiteral("frmFields"), &makeQueryForm<query::frmFields>},
-             {QStringLiteral("frmFileList"), &makeQueryForm<query::frmFileList>},
-             {QStringLiteral("frmPrintFont"), &makePrintFont},
-             {QStringLiteral("frmAbout"), &makeAbout}} {}
+    : forms_{{formName::serverBrowser, &makeServerBrowser},
+             {formName::dateRange, &makeDateRange},
+             {formName::fields, &makeQueryForm<query::frmFields>},
+             {formName::fileList, &makeQueryForm<query::frmFileList>},
+             {formName::printFont, &makePrintFont},
+             {formName::about, &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
@@ -170,7 +171,7 @@ void QtControlServices::openHelp(QWidget* owner, const QString& file, HelpComman
   const HelpOutcome outcome = openHelpFile(owner, file, command);
   if (outcome == HelpOutcome::done) return;
   const char* const key = outcome == HelpOutcome::noFile ? "help.noFile" : "help.noViewer";
-  messageBox(owner, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"), ownText(key).arg(file));
+  messageBox(owner, ui::MessageIcon::information, messageTitle(), ownText(key).arg(file));
 }
 
 void QtControlServices::startEditor(const QString& file) {

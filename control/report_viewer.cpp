@@ -10,7 +10,7 @@
 
 #include "control/forms/pages_window.h"
 #include "control/library_state.h"
-#include "control/message_titles.h"
+#include "control/message_boxes.h"
 #include "control/printer_pages.h"
 #include "control/texts.h"
 #include "output/export_file.h"

@@ -230,6 +230,10 @@ std::size_t Surface::currentTab() const {
   return static_cast<std::size_t>(std::max(0, SSTab1->currentIndex()));
 }
 
+ResultListView& Surface::currentList() const {
+  return *lvListView.at(currentTab());
+}
+
 QSize Surface::preferredSize() const {
   return {ui::px(&owner_, 1280), ui::px(&owner_, 800)};
 }

@@ -40,6 +40,8 @@ class Surface {
 
   /// Index 0..5 of the selected page.
   [[nodiscard]] std::size_t currentTab() const;
+  /// The list of the selected page.
+  [[nodiscard]] ResultListView& currentList() const;
   [[nodiscard]] QSize preferredSize() const;
   /// The least size at which everything that is shown can be reached.
   [[nodiscard]] QSize smallestSize(bool viewSideTools) const;

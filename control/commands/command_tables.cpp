@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 #include <string>
+
+#include "base/error.h"
 
 namespace korvel::control {
 
@@ -93,15 +94,6 @@ static_assert(std::all_of(menuRows.begin(), menuRows.end(),
 constexpr std::size_t firstLockedButton = 3;
 constexpr std::array<std::string_view, 3> lockedMenuKeys = {"TOOLS", "PageSetup", "Print"};
 
-/// Runs one step of a build; a failing step is skipped.
-template <typename Step>
-void attempt(const Step& step) {
-  try {
-    step();
-  } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): builders go on with the next step
-  }
-}
-
 }  // namespace
 
 std::span<const MenuRow> menuTable() noexcept {
@@ -125,12 +117,12 @@ void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {
     const auto depth = static_cast<std::size_t>(row.depth);
     std::fill(parents.begin() + row.depth, parents.end(), nullptr);
     if (depth > 0 && parents.at(depth - 1) == nullptr) continue;
-    attempt([&] {
+    skipFailing([&] {
       const std::string key(row.key);
       CommandItem& item = depth == 0 ? items.add(row.kind, key) : parents.at(depth - 1)->add(row.kind, key);
       parents.at(depth) = &item;
-      attempt([&] { item.caption = commandText(row.caption, offset); });
-      attempt([&] { item.description = commandText(row.description, offset); });
+      skipFailing([&] { item.caption = commandText(row.caption, offset); });
+      skipFailing([&] { item.description = commandText(row.description, offset); });
       item.shortcutText = row.shortcut;
       item.checked = row.checked;
     });
@@ -141,10 +133,10 @@ void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {
 void buildToolbar(CommandItems& items, const settings::LanguageOffset& offset) {
   items.clear();
   for (const ToolbarRow& row : toolbarRows) {
-    attempt([&] {
+    skipFailing([&] {
       CommandItem& item = items.add(row.kind, std::string(row.key));
       item.active = !row.placeholder;
-      attempt([&] { item.toolTip = commandText(row.toolTip, offset); });
+      skipFailing([&] { item.toolTip = commandText(row.toolTip, offset); });
     });
   }
   items.announceChange();
@@ -155,9 +147,9 @@ void buildPopup(CommandItems& items, std::string_view popupItem) {
   if (!font && popupItem != "Column") return;
   items.clear();
   CommandItem* root = nullptr;
-  attempt([&] { root = &items.add(Kind::topLevelMenu, "POPUP"); });
+  skipFailing([&] { root = &items.add(Kind::topLevelMenu, "POPUP"); });
   const auto addEntry = [root](Kind kind, std::string_view key, std::string_view caption) {
-    attempt([&] { root->add(kind, std::string(key), std::string(caption)); });
+    skipFailing([&] { root->add(kind, std::string(key), std::string(caption)); });
   };
   if (root != nullptr && font) addEntry(Kind::command, "FONT", "Change Font");
   if (root != nullptr && !font)

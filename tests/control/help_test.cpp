@@ -2,8 +2,8 @@
 #include <QAbstractButton>
 
 #include "base/error.h"
-#include "control/help_file.h"
 #include "control/texts.h"
+#include "control/viewer_help.h"
 #include "tests/control/viewer_fixture.h"
 
 namespace korvel::test {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "control/stored_properties.h"
 
 namespace korvel::control {
 namespace {

@@ -2,7 +2,12 @@
 
 #include <QString>
 
+#include "control/control_services.h"
 #include "settings/string_table.h"
+
+namespace korvel {
+class AuditViewer;
+}
 
 namespace korvel::control {
 
@@ -11,5 +16,23 @@ namespace korvel::control {
 /// Error 5 for a path that is shorter than that name. A failure or an offset that is none of the five leaves `helpFile`
 /// as it was.
 void chooseHelpFile(QString& helpFile, const QString& viewerPath, const settings::LanguageOffset& language);
+
+/// The commands of the Help menu: the help file in the current language, and the about box.
+class ViewerHelp {
+ public:
+  /// Windows belong to `viewer`.
+  explicit ViewerHelp(AuditViewer& viewer) : viewer_(viewer) {}
+
+  /// Chooses the help file by the viewer's path in the settings store.
+  void chooseFile();
+  void HelpContents();
+  void HelpSearch();
+  void ShowAbout();
+
+ private:
+  void openHelp(HelpCommand command);
+
+  AuditViewer& viewer_;
+};
 
 }  // namespace korvel::control

@@ -1,18 +1,13 @@
-// What the control says of the answers that its lists show: in the status panel, and where records would be.
+#include "control/answer_status.h"
+
 #include <QStringList>
 #include <utility>
 
-#include "control/audit_viewer_members.h"
+#include "control/surface.h"
 #include "control/texts.h"
 #include "query/alarm_dates.h"
 
-namespace korvel {
-
-using control::AnswerState;
-using control::libraryState;
-using control::loadText;
-using control::ownText;
-using control::ShownAnswer;
+namespace korvel::control {
 
 namespace {
 
@@ -25,30 +20,30 @@ bool showsAlarms(std::size_t page) {
 
 }  // namespace
 
-bool AuditViewer::Members::hasDatabase() const {
+bool AnswerStatus::hasDatabase() const {
   return selections_ > 0 && !libraryState().connection.ConnectionString.empty();
 }
 
-std::string AuditViewer::Members::standardQuestion() const {
-  return query::queryAuditsText(filterTree.flags(), libraryState().dateRange);
+std::string AnswerStatus::standardQuestion() const {
+  return query::queryAuditsText(filterTree_.flags(), libraryState().dateRange);
 }
 
-bool AuditViewer::Members::isOutOfDate() const {
+bool AnswerStatus::isOutOfDate() const {
   const db::ConnectionState& connection = libraryState().connection;
-  if (surface.currentTab() == query::customList)
+  if (surface_.currentTab() == query::customList)
     return customAnswer_.isAnswer() && customAnswer_.connectionString != connection.AdvancedConnectionString;
   return standardAnswer_.isAnswer() && (standardAnswer_.connectionString != connection.ConnectionString ||
                                         standardAnswer_.question != standardQuestion());
 }
 
-QString AuditViewer::Members::alarmRemark() const {
-  return standardAnswer_.alarmsOfAllDates && showsAlarms(surface.currentTab()) ? ownText(query::alarmsOfAllDatesText)
-                                                                               : QString();
+QString AnswerStatus::alarmRemark() const {
+  return standardAnswer_.alarmsOfAllDates && showsAlarms(surface_.currentTab()) ? ownText(query::alarmsOfAllDatesText)
+                                                                                : QString();
 }
 
 /// An answer that the server cut off looks like a whole one, and one that is out of date like the present one: the
 /// status panel says so until the next query.
-QString AuditViewer::Members::restingText() const {
+QString AnswerStatus::restingText() const {
   QStringList sentences;
   const auto say = [&](const QString& sentence) {
     if (!sentence.isEmpty()) sentences.append(sentence);
@@ -62,24 +57,22 @@ QString AuditViewer::Members::restingText() const {
   return sentences.join(QStringLiteral(". "));
 }
 
-void AuditViewer::Members::showRestingText() {
+void AnswerStatus::showRestingText() {
   shownRestingText_ = restingText();
-  surface.StatusBar1->setStatus(shownRestingText_);
+  surface_.StatusBar1->setStatus(shownRestingText_);
 }
 
-void AuditViewer::Members::followRestingText() {
+void AnswerStatus::showNotice(const QString& notice) {
+  notice_ = notice;
+  showRestingText();
+}
+
+void AnswerStatus::followRestingText() {
   // The progress of a query and the help of a command stay until they end; what is to be said then is asked anew.
-  if (surface.StatusBar1->status() == shownRestingText_) showRestingText();
+  if (surface_.StatusBar1->status() == shownRestingText_) showRestingText();
 }
 
-void AuditViewer::Members::followSelectionEverywhere() {
-  for (Members* instance : instances()) {
-    instance->followRestingText();
-    instance->showEmptyTexts();
-  }
-}
-
-QString AuditViewer::Members::emptyText(const ShownAnswer& answer, bool custom) const {
+QString AnswerStatus::emptyText(const ShownAnswer& answer, bool custom) const {
   constexpr int selectDatabase = 10044;
   constexpr int runQuery = 10046;
   constexpr int noRecords = 10061;
@@ -100,21 +93,25 @@ QString AuditViewer::Members::emptyText(const ShownAnswer& answer, bool custom) 
   return {};
 }
 
-void AuditViewer::Members::showEmptyTexts() {
-  for (std::size_t page = 0; page < surface.lvListView.size(); ++page) {
+void AnswerStatus::showEmptyTexts() {
+  for (std::size_t page = 0; page < surface_.lvListView.size(); ++page) {
     const bool custom = page == query::customList;
-    surface.lvListView.at(page)->setEmptyText(emptyText(custom ? customAnswer_ : standardAnswer_, custom));
+    surface_.lvListView.at(page)->setEmptyText(emptyText(custom ? customAnswer_ : standardAnswer_, custom));
   }
 }
 
-void AuditViewer::Members::endAnswer(ShownAnswer& shown) {
-  if (shown.state == AnswerState::querying) answered(shown, {});
+ShownAnswer& AnswerStatus::answerOf(AnswerLists lists) noexcept {
+  return lists == AnswerLists::custom ? customAnswer_ : standardAnswer_;
 }
 
-void AuditViewer::Members::answered(ShownAnswer& shown, ShownAnswer answer) {
-  shown = std::move(answer);
+void AnswerStatus::endQuery(AnswerLists lists) {
+  if (answerOf(lists).state == AnswerState::querying) setAnswer(lists, {});
+}
+
+void AnswerStatus::setAnswer(AnswerLists lists, ShownAnswer answer) {
+  answerOf(lists) = std::move(answer);
   showEmptyTexts();
   followRestingText();
 }
 
-}  // namespace korvel
+}  // namespace korvel::control

@@ -1,29 +1,26 @@
-// What leaves the control: text export, exchange file, printed report.
-#include <QProgressBar>
-#include <functional>
-#include <optional>
+#include "control/list_outputs.h"
 
-#include "control/audit_viewer_members.h"
-#include "control/message_titles.h"
+#include <QDir>
+#include <QPointer>
+#include <QProgressBar>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+#include "control/answer_status.h"
+#include "control/library_state.h"
+#include "control/message_boxes.h"
 #include "control/report_viewer.h"
+#include "control/surface.h"
 #include "control/texts.h"
+#include "korvel/AuditViewer.h"
 #include "output/export_folder.h"
 #include "output/report.h"
 #include "output/text_export.h"
 #include "settings/explained_error.h"
 
-namespace korvel {
+namespace korvel::control {
 
-using control::ExecOption;
-using control::libraryState;
-using control::loadText;
-using control::messageTitle;
-using control::ownText;
-using control::ReportCommand;
-using control::surroundings;
-using ui::countText;
-using ui::fromUtf8;
-using ui::MessageIcon;
 using ui::Pointer;
 
 namespace {
@@ -45,7 +42,7 @@ std::filesystem::path toPath(const QString& text) {
 
 /// The file is written, whatever becomes of the editor: a failure says where it lies.
 void openInEditor(const QString& file) {
-  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = surroundings().services;
   try {
     services->startEditor(file);
   } catch (const Error& error) {
@@ -55,31 +52,39 @@ void openInEditor(const QString& file) {
 
 }  // namespace
 
-void AuditViewer::Members::connectOutput() {
-  onClick(surface.btExcel, &Members::btExcel_Click, "btExcel_Click");
-  onClick(surface.btPrint, &Members::btPrint_Click, "btPrint_Click");
-  QObject::connect(surface.WebBrowser1, &control::ReportViewer::DocumentComplete, &viewer_,
+ListOutputs::ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers)
+    : viewer_(viewer), messages_(messages), surface_(surface), answers_(answers) {
+  messages_.onClick(surface_.btExcel, "btExcel_Click", [this] { btExcel_Click(); });
+  messages_.onClick(surface_.btPrint, "btPrint_Click", [this] { btPrint_Click(); });
+  QObject::connect(surface_.WebBrowser1, &ReportViewer::DocumentComplete, &viewer_,
                    [this] { WebBrowser1_DocumentComplete(); });
 }
 
-bool AuditViewer::Members::hasSomethingToExport() {
-  if (currentList().listModel().list().rowCount() > 0) return true;
-  message(MessageIcon::information, messageTitle(), loadText(nothingToExport));
+QString ListOutputs::GetExportPath(const QString& dialogtext, int files) {
+  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::optional<QString> folder = services->chooseFolder(&viewer_, dialogtext, files > 0);
+  // Deliberately also behind a root, which ends in a separator already.
+  return folder ? QDir::toNativeSeparators(*folder) + QDir::separator() : QString();
+}
+
+bool ListOutputs::hasSomethingToExport() {
+  if (surface_.currentList().listModel().list().rowCount() > 0) return true;
+  messages_.inform(messageTitle(), loadText(nothingToExport));
   return false;
 }
 
-void AuditViewer::Members::exportCurrentList(
+void ListOutputs::exportCurrentList(
     const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
     const std::function<void(const QString& file)>& open) {
-  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = surroundings().services;
   const QPointer<AuditViewer> alive(&viewer_);
-  QProgressBar& bar = *surface.StatusBar1->ProgressBar1;
-  const results::ResultList& list = currentList().listModel().list();
+  QProgressBar& bar = *surface_.StatusBar1->ProgressBar1;
+  const results::ResultList& list = surface_.currentList().listModel().list();
   services->setPointer(Pointer::hourglass);
   bar.setRange(0, static_cast<int>(list.rowCount()));
   bar.setValue(0);
   bar.show();
-  surface.StatusBar1->paintNow();
+  surface_.StatusBar1->paintNow();
   // Painted at once, without a look into the event queue: a call of the host that waits there could give the list other
   // rows in the middle of the file, or remove the control.
   const Exported exported = write(list, [&](std::size_t rows) {
@@ -88,12 +93,12 @@ void AuditViewer::Members::exportCurrentList(
     if (rows % rowsPerWindow == 0)
       viewer_.window()->repaint();
     else
-      surface.StatusBar1->paintNow();
+      surface_.StatusBar1->paintNow();
   });
-  notice_ = ownText("export.written").arg(exported.file);
+  QString notice = ownText("export.written").arg(exported.file);
   if (exported.replaced > 0)
-    notice_ += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
-  showRestingText();
+    notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
+  answers_.showNotice(notice);
   if (open) open(exported.file);
   if (alive) bar.hide();
   // The pointer is the program's, whoever has died meanwhile.
@@ -101,10 +106,10 @@ void AuditViewer::Members::exportCurrentList(
 }
 
 // A failure deliberately leaves pointer and progress bar as they were when it happened; the next export resets both.
-void AuditViewer::Members::ExportNotepad() {
+void ListOutputs::ExportNotepad() {
   if (!hasSomethingToExport()) return;
   // The name in the message is deliberately spelt so.
-  trapped("ExportNotpad", [this] {
+  messages_.trapped("ExportNotpad", [this] {
     exportCurrentList(
         [](const results::ResultList& list, const output::RowProgress& progress) {
           const std::filesystem::path file = output::exportPath(output::textExportName);
@@ -114,16 +119,16 @@ void AuditViewer::Members::ExportNotepad() {
   });
 }
 
-void AuditViewer::Members::ExportExcel() {
+void ListOutputs::ExportExcel() {
   if (!hasSomethingToExport()) return;
-  trapped(
+  messages_.trapped(
       "ExportExcel",
       [this] {
         const QPointer<AuditViewer> alive(&viewer_);
         const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Export Path"), 0);
         if (!alive) return;
         if (folder.isEmpty()) {
-          message(MessageIcon::information, messageTitle(), QStringLiteral("No path selected!"));
+          messages_.inform(messageTitle(), QStringLiteral("No path selected!"));
           return;
         }
         const QString file = folder + fromUtf8(output::exchangeFileName);
@@ -134,32 +139,33 @@ void AuditViewer::Members::ExportExcel() {
       spreadsheetHint);
 }
 
-void AuditViewer::Members::btExcel_Click() {
+void ListOutputs::btExcel_Click() {
   viewer_.ExportExcel();
 }
 
-void AuditViewer::Members::btPrint_Click() {
+void ListOutputs::btPrint_Click() {
   libraryState().pendingReport.print = true;
   writeReport();
 }
 
-void AuditViewer::Members::PreviewReport() {
+void ListOutputs::PreviewReport() {
   // What an earlier report left undone is not made up for by this one.
   libraryState().pendingReport = {.print = false, .preview = true};
   writeReport();
 }
 
-void AuditViewer::Members::writeReport() {
-  const std::shared_ptr<control::ControlServices> services = surroundings().services;
+void ListOutputs::writeReport() {
+  const std::shared_ptr<ControlServices> services = surroundings().services;
   try {
     const std::filesystem::path file = output::exportPath(output::reportName);
-    const std::string caption = surface.SSTab1->tabText(static_cast<int>(surface.currentTab())).toStdString();
+    const std::string caption = surface_.SSTab1->tabText(static_cast<int>(surface_.currentTab())).toStdString();
     output::ReportNotes notes;
     {
       const ui::BusyPointer busy(*services);
-      notes = output::writeListReport({caption, &currentList().listModel().list()}, libraryState().printFont, file);
+      notes = output::writeListReport({caption, &surface_.currentList().listModel().list()}, libraryState().printFont,
+                                      file);
     }
-    surface.WebBrowser1->Navigate(shownPath(file), std::move(notes), alarmRemark());
+    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), answers_.alarmRemark());
   } catch (...) {
     // Nothing will be there to be printed; the next report is not to find this one's flags.
     libraryState().pendingReport = {};
@@ -167,20 +173,20 @@ void AuditViewer::Members::writeReport() {
   }
 }
 
-void AuditViewer::Members::WebBrowser1_DocumentComplete() {
-  trapped(
+void ListOutputs::WebBrowser1_DocumentComplete() {
+  messages_.trapped(
       "Printing",
       [this] {
         const QPointer<AuditViewer> alive(&viewer_);
-        control::PendingReport& pending = libraryState().pendingReport;
+        PendingReport& pending = libraryState().pendingReport;
         try {
           if (pending.preview) {
-            surface.WebBrowser1->ExecWB(ReportCommand::printPreview, ExecOption::doDefault);
+            surface_.WebBrowser1->ExecWB(ReportCommand::printPreview, ExecOption::doDefault);
             pending.preview = false;
           }
           if (!alive) return;
           if (pending.print) {
-            surface.WebBrowser1->ExecWB(ReportCommand::print, ExecOption::promptUser);
+            surface_.WebBrowser1->ExecWB(ReportCommand::print, ExecOption::promptUser);
             pending.print = false;
           }
         } catch (...) {
@@ -191,4 +197,4 @@ void AuditViewer::Members::WebBrowser1_DocumentComplete() {
       printingHint);
 }
 
-}  // namespace korvel
+}  // namespace korvel::control

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QString>
+#include <string>
+
+#include "query/filter_tree.h"
+
+namespace korvel::control {
+
+class Surface;
+
+/// How the query ended whose answer a list shows. An empty list says it.
+enum class AnswerState { notQueried, querying, filled, nothingFound, stopped, failed };
+
+/// What is known of the answer that the lists of a page show.
+struct ShownAnswer {
+  AnswerState state = AnswerState::notQueried;
+  /// Why it failed, in the language of that time.
+  QString failure = {};
+  /// What was asked, and where: the list is out of date once something else would be. The text is that of the standard
+  /// query's call, and empty for custom queries.
+  std::string question = {};
+  std::string connectionString = {};
+  /// Alarm rows of other dates than the range's are among the rows, or may be.
+  bool alarmsOfAllDates = false;
+  /// A result set came with as many rows as the procedure returns at most.
+  bool rowLimitReached = false;
+
+  /// Whether the lists show what was asked, also where that is nothing.
+  [[nodiscard]] bool isAnswer() const noexcept {
+    return state == AnswerState::filled || state == AnswerState::nothingFound;
+  }
+};
+
+/// The lists that one query fills.
+enum class AnswerLists { standard, custom };
+
+/// What the control says of the answers that its lists show: the resting text of the status panel, the texts of empty
+/// lists and the remark on a report. Keeps what is known of both answers, the notice that a list or an export gave
+/// last, and how often a database was selected.
+class AnswerStatus {
+ public:
+  /// Both must outlive the status.
+  AnswerStatus(Surface& surface, const query::FilterTree& filterTree) : surface_(surface), filterTree_(filterTree) {}
+  AnswerStatus(const AnswerStatus&) = delete;
+  AnswerStatus& operator=(const AnswerStatus&) = delete;
+
+  /// From now on these lists show `answer`.
+  void setAnswer(AnswerLists lists, ShownAnswer answer);
+  /// The query of these lists is over, also where a failure of the control itself kept its answer from being set.
+  void endQuery(AnswerLists lists);
+
+  /// An answer that was asked for before a database was selected is not shown afterwards.
+  void countSelection() noexcept { ++selections_; }
+  [[nodiscard]] int selections() const noexcept { return selections_; }
+
+  /// Says `notice` until it is cleared: by the next query, a change of the page or the end of the rows it is about.
+  void showNotice(const QString& notice);
+  void clearNotice() { notice_.clear(); }
+
+  /// What the status panel says while nothing goes on and no command is highlighted.
+  void showRestingText();
+  /// Brings the resting text up to date where the panel shows it.
+  void followRestingText();
+  /// What empty lists say in the place of records.
+  void showEmptyTexts();
+
+  /// What the standard query would ask at present.
+  [[nodiscard]] std::string standardQuestion() const;
+  /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
+  [[nodiscard]] QString alarmRemark() const;
+
+ private:
+  [[nodiscard]] ShownAnswer& answerOf(AnswerLists lists) noexcept;
+  /// Whether a database has been selected that this instance can query.
+  [[nodiscard]] bool hasDatabase() const;
+  /// Whether the current page shows the answer to another question than would be asked at present.
+  [[nodiscard]] bool isOutOfDate() const;
+  [[nodiscard]] QString restingText() const;
+  [[nodiscard]] QString emptyText(const ShownAnswer& answer, bool custom) const;
+
+  Surface& surface_;
+  const query::FilterTree& filterTree_;
+  ShownAnswer standardAnswer_;
+  ShownAnswer customAnswer_;
+  QString notice_;
+  QString shownRestingText_;
+  int selections_ = 0;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,286 @@
+#include "control/audit_queries.h"
+
+#include <QPointer>
+#include <QScopeGuard>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "control/answer_status.h"
+#include "control/library_state.h"
+#include "control/message_boxes.h"
+#include "control/surface.h"
+#include "control/texts.h"
+#include "korvel/AuditViewer.h"
+#include "query/alarm_dates.h"
+#include "query/custom_query.h"
+#include "query/newest_day.h"
+#include "ui/query_watch.h"
+
+namespace korvel::control {
+
+namespace {
+
+const QString queryingText = QStringLiteral("Querying Database Please Wait....");
+const QString noRecordsText = QStringLiteral("No Records Found for Query");
+
+/// Text of the status panel while the object lives.
+class StatusText {
+ public:
+  StatusText(StatusPanels& panels, const QString& text) : panels_(&panels) {
+    panels_->setStatus(text);
+    // The query blocks: what is not painted now is not seen before it has ended.
+    panels_->repaint();
+  }
+  ~StatusText() {
+    if (panels_) panels_->setStatus({});
+  }
+  StatusText(const StatusText&) = delete;
+  StatusText& operator=(const StatusText&) = delete;
+
+ private:
+  QPointer<StatusPanels> panels_;
+};
+
+/// While it lives, no control of the program begins a query: it would run inside of the one that is waited for, which
+/// could not be stopped meanwhile.
+class QueryRuns {
+ public:
+  QueryRuns() { libraryState().queryRuns = true; }
+  ~QueryRuns() { libraryState().queryRuns = false; }
+  QueryRuns(const QueryRuns&) = delete;
+  QueryRuns& operator=(const QueryRuns&) = delete;
+};
+
+}  // namespace
+
+AuditQueries::AuditQueries(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
+                           query::ResultLists& lists, const query::FilterTree& filterTree)
+    : viewer_(viewer),
+      messages_(messages),
+      surface_(surface),
+      answers_(answers),
+      lists_(lists),
+      filterTree_(filterTree) {
+  messages_.onClick(surface_.btQuery, "btQuery_Click", [this] { btQuery_Click(); });
+  messages_.onClick(surface_.btClear, "btClear_Click", [this] { btClear_Click(); });
+}
+
+void AuditQueries::btQuery_Click() {
+  if (libraryState().queryRuns) return;
+  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  {
+    std::optional<ui::BusyPointer> busy(std::in_place, *services);
+    const StatusText status(*surface_.StatusBar1, queryingText);
+    if (surface_.currentTab() == query::customList)
+      viewer_.TriggerAdvancedQuery(surface_.txtAdvancedQuery->queryText());
+    else
+      viewer_.TriggerQuery();
+    if (alive) DisplayNoOfRecords();
+    // The pointer goes back before the status text goes.
+    busy.reset();
+  }
+  if (alive) answers_.showRestingText();
+}
+
+void AuditQueries::runQueryByKey() {
+  if (surface_.btQuery->isEnabled()) messages_.trapped("btQuery_Click", [this] { btQuery_Click(); });
+}
+
+void AuditQueries::btClear_Click() {
+  clearAllLists();
+  DisplayNoOfRecords();
+}
+
+void AuditQueries::TriggerQuery() {
+  constexpr int noCriteria = 10060;
+  constexpr int noRecords = 10061;
+  using Change = ResultListModel::RowsChange;
+
+  // A call that was queued while a query runs: it would run inside of that.
+  if (libraryState().queryRuns) return;
+  const QPointer<AuditViewer> alive(&viewer_);
+  setLastFailure({});
+  if (!alive) return;
+  answers_.clearNotice();
+  answers_.setAnswer(AnswerLists::standard, {.state = AnswerState::querying});
+  const auto atEnd = qScopeGuard([&] {
+    if (alive) answers_.endQuery(AnswerLists::standard);
+  });
+  // What is asked now: a host may choose otherwise before the answer is told.
+  const query::DateRange range = libraryState().dateRange;
+  const query::CategoryFlags flags = filterTree_.flags();
+  ShownAnswer answer{.question = answers_.standardQuestion(),
+                     .connectionString = libraryState().connection.ConnectionString};
+  const auto changeLists = [&](const auto& change) {
+    std::array<std::optional<Change>, query::standardListCount> changes;
+    for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface_.models.at(i));
+    change();
+  };
+  changeLists([&] { query::clearStandardLists(lists_); });
+  DisplayNoOfRecords();
+  query::StandardAnswer whole;
+  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
+    whole = query::askStandardQuestion({filterTree_, range, answer.connectionString}, surroundings().connect, goOn,
+                                       surroundings().queryMachine);
+  });
+  if (use == AnswerUse::controlIsGone) return;
+  if (use == AnswerUse::outdated) whole = query::StandardAnswer::stopped();
+  query::QueryReport report;
+  // The page that is in front now: a queued call may have chosen another one.
+  const bool customPage = surface_.currentTab() == query::customList;
+  // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
+  const std::size_t sorted = customPage ? query::listCount : surface_.currentTab();
+  changeLists([&] { report = whole.fill(lists_, sorted); });
+  if (customPage && report.outcome == query::QueryOutcome::filled)
+    skipFailing([&] { surface_.models.at(query::customList)->sortRows(); });
+  for (ResultListView* list : surface_.lvListView) list->showSortIcon();
+
+  switch (report.outcome) {
+    case query::QueryOutcome::noCriteria:
+      answers_.setAnswer(AnswerLists::standard, {});
+      messages_.inform(messageTitle(), loadText(noCriteria));
+      break;
+    case query::QueryOutcome::noRecords:
+      answer.state = AnswerState::nothingFound;
+      answers_.setAnswer(AnswerLists::standard, std::move(answer));
+      messages_.inform(noRecordsTitle(), loadText(noRecords));
+      break;
+    case query::QueryOutcome::stopped:
+      answers_.setAnswer(AnswerLists::standard, {.state = AnswerState::stopped});
+      answers_.showNotice(ownText("custom.stopped"));
+      break;
+    case query::QueryOutcome::failed: {
+      const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
+      answers_.setAnswer(AnswerLists::standard, {.state = AnswerState::failed, .failure = failureText(failure)});
+      queryFailed(failure);
+      break;
+    }
+    case query::QueryOutcome::filled:
+      answer.state = AnswerState::filled;
+      answer.alarmsOfAllDates = query::alarmsComeFromAllDates(flags, range);
+      answer.rowLimitReached = report.fullResults > 0;
+      answers_.setAnswer(AnswerLists::standard, std::move(answer));
+      break;
+  }
+}
+
+void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
+  if (libraryState().queryRuns) return;
+  const QPointer<AuditViewer> alive(&viewer_);
+  setLastFailure({});
+  if (!alive) return;
+  surface_.txtAdvancedQuery->setErrorLine(std::nullopt);
+  answers_.clearNotice();
+  answers_.setAnswer(AnswerLists::custom, {.state = AnswerState::querying});
+  const auto atEnd = qScopeGuard([&] {
+    if (alive) answers_.endQuery(AnswerLists::custom);
+  });
+  ShownAnswer shown{.connectionString = libraryState().connection.AdvancedConnectionString};
+  ResultListModel& model = *surface_.models.at(query::customList);
+  model.clear();
+  DisplayNoOfRecords();
+
+  // Apart from the list that is shown, which stays whole whatever is painted meanwhile.
+  results::ResultList answer(results::RowFilling::whole);
+  query::CustomReport report;
+  const std::string text = QueryString.toStdString();
+  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
+    const query::QueryProgress progress = [&](std::size_t rows) {
+      if (alive && rows > 0) surface_.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(ui::countText(rows)));
+      return goOn();
+    };
+    report = query::runCustomQuery(text, shown.connectionString, surroundings().connect, answer, progress,
+                                   surroundings().queryMachine);
+  });
+  if (use == AnswerUse::controlIsGone) return;
+  if (use == AnswerUse::outdated) report = {query::CustomOutcome::stopped, std::nullopt};
+
+  switch (report.outcome) {
+    case query::CustomOutcome::filled:
+      model.setColumns([&](results::ResultList& list) { list = std::move(answer); });
+      surface_.lvListView[query::customList]->applyColumnWidths();
+      surface_.lvListView[query::customList]->showSortIcon();
+      DisplayNoOfRecords();
+      shown.state = AnswerState::filled;
+      answers_.setAnswer(AnswerLists::custom, std::move(shown));
+      break;
+    case query::CustomOutcome::noRecords:
+      shown.state = AnswerState::nothingFound;
+      answers_.setAnswer(AnswerLists::custom, std::move(shown));
+      messages_.inform(noRecordsTitle(), noRecordsText);
+      break;
+    case query::CustomOutcome::stopped:
+      answers_.setAnswer(AnswerLists::custom, {.state = AnswerState::stopped});
+      answers_.showNotice(ownText("custom.stopped"));
+      break;
+    case query::CustomOutcome::failed: {
+      const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
+      if (surface_.txtAdvancedQuery->queryText() == QueryString)
+        surface_.txtAdvancedQuery->setErrorLine(failure.line());
+      answers_.setAnswer(AnswerLists::custom, {.state = AnswerState::failed, .failure = failureText(failure)});
+      // Before the box, which may stand for hours.
+      queryFailed(failure);
+      if (!alive) return;
+      messages_.trapped("TriggerAdvancedQuery", [&failure] { throw Error(failure); });
+      break;
+    }
+  }
+}
+
+AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const db::Attendance& goOn)>& ask) {
+  const QPointer<AuditViewer> alive(&viewer_);
+  // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
+  // without a look whether it lives.
+  const int selection = answers_.selections();
+  const auto isStale = [&] { return !alive || answers_.selections() != selection; };
+  const QString statusBefore = surface_.StatusBar1->status();
+  const QueryRuns runs;
+  {
+    ui::QueryWatch watch;
+    ask([&] { return !isStale() && watch.goOn() && !isStale(); });
+    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
+    static_cast<void>(watch.goOn());
+  }
+  if (!alive) return AnswerUse::controlIsGone;
+  surface_.StatusBar1->setStatus(statusBefore);
+  // Rows of a database that is not the selected one any more are not shown: the lists were cleared of them.
+  return isStale() ? AnswerUse::outdated : AnswerUse::shown;
+}
+
+void AuditQueries::queryFailed(const Error& failure) {
+  setLastFailure({failure.number(), failureText(failure), QDateTime::currentDateTime()});
+}
+
+void AuditQueries::setLastFailure(LastFailure failure) {
+  const bool changed = failure.time != lastFailure_.time;
+  lastFailure_ = std::move(failure);
+  if (changed) Q_EMIT viewer_.LastFailureChanged();
+}
+
+void AuditQueries::DisplayNoOfRecords() {
+  constexpr int recordsOnCurrentTab = 10054;
+  const std::size_t count = surface_.currentList().listModel().list().rowCount();
+  surface_.StatusBar1->setRecords(
+      fromUtf8(results::recordCountText(count, loadText(recordsOnCurrentTab).toStdString())));
+}
+
+void AuditQueries::clearAllLists() {
+  for (const auto& model : surface_.models) model->clear();
+  answers_.clearNotice();
+  answers_.setAnswer(AnswerLists::custom, {});
+  answers_.setAnswer(AnswerLists::standard, {});
+}
+
+std::optional<std::chrono::year_month_day> AuditQueries::newestDayShown() const {
+  std::optional<std::chrono::year_month_day> newest;
+  // Where memory has run out it is not known.
+  skipFailing([&] {
+    for (std::size_t i = 0; i < query::standardListCount; ++i)
+      newest = std::max(newest, query::newestDay(lists_.at(i)));
+  });
+  return newest;
+}
+
+}  // namespace korvel::control

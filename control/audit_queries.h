@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include "base/error.h"
+#include "db/attended_work.h"
+#include "query/filter_tree.h"
+#include "query/standard_query.h"
+
+namespace korvel {
+class AuditViewer;
+}
+
+namespace korvel::control {
+
+class AnswerStatus;
+class MessageBoxes;
+class Surface;
+
+/// Runs the standard and the custom query, one at a time in the whole program, and shows their answers and the number
+/// of records. Knows why the last query failed. A failed standard query shows no message box.
+class AuditQueries {
+ public:
+  /// Why the last query failed; empty where it did not.
+  struct LastFailure {
+    int number = 0;
+    QString text;
+    QDateTime time;
+  };
+
+  /// All must outlive the queries; `lists` and `filterTree` are those that the surface shows.
+  AuditQueries(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
+               query::ResultLists& lists, const query::FilterTree& filterTree);
+  AuditQueries(const AuditQueries&) = delete;
+  AuditQueries& operator=(const AuditQueries&) = delete;
+
+  /// Both do nothing while a query runs.
+  void TriggerQuery();
+  void TriggerAdvancedQuery(const QString& QueryString);
+  void DisplayNoOfRecords();
+  void btQuery_Click();
+  void btClear_Click();
+  /// The query of the page in front, as its button runs it; nothing while the button is disabled.
+  void runQueryByKey();
+  void clearAllLists();
+
+  [[nodiscard]] const LastFailure& lastFailure() const noexcept { return lastFailure_; }
+  /// The last day of which one of the standard lists shows a row.
+  [[nodiscard]] std::optional<std::chrono::year_month_day> newestDayShown() const;
+
+ private:
+  /// What may be done with an answer.
+  enum class AnswerUse {
+    controlIsGone,  ///< nothing of the control may be used any more
+    outdated,       ///< another database was selected meanwhile
+    shown
+  };
+  /// Runs what asks a database; windows are painted meanwhile, Esc stops it, and nothing else happens. The control may
+  /// be gone afterwards.
+  [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::Attendance& goOn)>& ask);
+  void setLastFailure(LastFailure failure);
+  /// Tells the host of a query that failed; the control may be gone afterwards.
+  void queryFailed(const Error& failure);
+
+  AuditViewer& viewer_;
+  const MessageBoxes& messages_;
+  Surface& surface_;
+  AnswerStatus& answers_;
+  query::ResultLists& lists_;
+  const query::FilterTree& filterTree_;
+  LastFailure lastFailure_;
+};
+
+}  // namespace korvel::control

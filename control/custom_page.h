@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+namespace korvel {
+class AuditViewer;
+}
+
+namespace korvel::control {
+
+class AuditQueries;
+class MessageBoxes;
+class Surface;
+
+/// What stands above the list of custom queries: their text, and the buttons that open, save, clear and compose it.
+class CustomPage {
+ public:
+  /// All must outlive the page.
+  CustomPage(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AuditQueries& queries);
+  CustomPage(const CustomPage&) = delete;
+  CustomPage& operator=(const CustomPage&) = delete;
+
+  /// Texts and names in the current language.
+  void showTexts();
+  /// An empty query text on the page that is shown becomes the query for everything.
+  void offerCustomQuery();
+
+ private:
+  void btOpen_Click();
+  void btSave_Click();
+  void btClearAdvQuery_Click();
+  void btEmunFields_Click();
+  /// Puts a query file into the query text. Throws Error where it cannot be read.
+  void openQueryFile(const std::string& path);
+
+  AuditViewer& viewer_;
+  const MessageBoxes& messages_;
+  Surface& surface_;
+  AuditQueries& queries_;
+};
+
+}  // namespace korvel::control

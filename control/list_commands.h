@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <optional>
+
+#include "control/commands/command_item.h"
+#include "control/forms/record_view.h"
+#include "control/result_list_view.h"
+
+namespace korvel {
+class AuditViewer;
+}
+
+namespace korvel::control {
+
+class AnswerStatus;
+class MessageBoxes;
+class Surface;
+
+/// What is done to the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the
+/// window of one record.
+class ListCommands {
+ public:
+  /// All must outlive the commands. `menu` has the check mark of the key column.
+  ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
+               CommandItems& menu);
+  ListCommands(const ListCommands&) = delete;
+  ListCommands& operator=(const ListCommands&) = delete;
+
+  void ListViewColSetup();
+  void ShowKeyField(bool vis);
+  /// Sizes the columns of the current list, where it has rows.
+  void adjustColumns();
+  void ChangeFont();
+  void BuildPopup(const QString& PopupItem);
+
+ private:
+  void connectList(ResultListView& list);
+  void connectContextMenus(ResultListView& list);
+  void lvListView_DblClick(ResultListView& list, int row);
+  /// Sizes one column, or all of them, to their contents; the key columns then are as the menu has them.
+  void AutoSizeColumns(ResultListView& list, std::optional<int> column = {});
+  void showFontMenu(const QPoint& place);
+  void showColumnMenu(ResultListView& list, const QPoint& place);
+  void SmartPopup_Click(const CommandItem& item);
+  void mnupopupitem_Click(int index);
+  void showColumns(ResultListView& list, const QString& caption, bool shown);
+
+  AuditViewer& viewer_;
+  const MessageBoxes& messages_;
+  Surface& surface_;
+  AnswerStatus& answers_;
+  CommandItems& menu_;
+  CommandItems popupItems_;
+  /// The list whose columns the context menu is about.
+  QPointer<ResultListView> popupList_;
+  /// Made when a record is looked at for the first time; keeps its size from then on.
+  QPointer<RecordView> recordView_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QString>
+#include <cstddef>
+#include <functional>
+
+#include "output/row_progress.h"
+#include "results/result_list.h"
+
+namespace korvel {
+class AuditViewer;
+}
+
+namespace korvel::control {
+
+class AnswerStatus;
+class MessageBoxes;
+class Surface;
+
+/// What leaves the control: the current list as text export, exchange file, printed or previewed report.
+class ListOutputs {
+ public:
+  /// All must outlive the outputs.
+  ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers);
+  ListOutputs(const ListOutputs&) = delete;
+  ListOutputs& operator=(const ListOutputs&) = delete;
+
+  [[nodiscard]] QString GetExportPath(const QString& dialogtext, int files);
+  void ExportNotepad();
+  void ExportExcel();
+  /// The report as btPrint_Click has it, in the preview instead of on paper.
+  void PreviewReport();
+  void btExcel_Click();
+  void btPrint_Click();
+
+ private:
+  /// A file that was written, and how many characters it does not hold.
+  struct Exported {
+    QString file;
+    std::size_t replaced;
+  };
+
+  /// Whether the current list has rows; says so where it has none.
+  bool hasSomethingToExport();
+  /// The steps that both exports share; `open` comes when the file is there and the status panel says so.
+  void exportCurrentList(
+      const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
+      const std::function<void(const QString& file)>& open = {});
+  void writeReport();
+  void WebBrowser1_DocumentComplete();
+
+  AuditViewer& viewer_;
+  const MessageBoxes& messages_;
+  Surface& surface_;
+  AnswerStatus& answers_;
+};
+
+}  // namespace korvel::control
