@@ -1,15 +1,13 @@
-#include "ui/icons/icon_file.h"
+#include "ui/icons/application_icon.h"
 
 #include <gmock/gmock.h>
 
 #include <QFile>
+#include <QImage>
 #include <QPixmap>
 #include <QtEndian>
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-
-#include "ui/icons/application_icon.h"
 
 namespace korvel::ui {
 namespace {
@@ -44,22 +42,7 @@ QByteArray committedMark() {
   return file.readAll();
 }
 
-TEST(IconFileTest, HoldsEveryPictureToThePixel) {
-  QImage picture(24, 24, QImage::Format_ARGB32);
-  for (int y = 0; y < 24; ++y)
-    for (int x = 0; x < 24; ++x) picture.setPixel(x, y, qRgba(x * 10, y * 10, 7, 255));
-  QIcon icon;
-  icon.addPixmap(QPixmap::fromImage(picture));
-  icon.addPixmap(QPixmap::fromImage(picture.scaled(100, 100)));
-  constexpr std::array sides{24, 100};
-  const QByteArray file = iconFile(icon, sides);
-  EXPECT_EQ(file.left(headerBytes).toHex(), "000001000200");
-  EXPECT_EQ(file.mid(headerBytes, 8).toHex(), "1818000001002000");
-  EXPECT_EQ(pictureAt(file, 0), picture);
-  EXPECT_EQ(pictureAt(file, 1), picture.scaled(100, 100));
-}
-
-TEST(IconFileTest, OfTheSignIsAsTheSignIsDrawn) {
+TEST(ApplicationIcon, FileIsAsTheSignIsDrawn) {
   const QByteArray committed = committedMark();
   ASSERT_EQ(numberAt<quint16>(committed, 4), applicationIconSides.size());
   for (std::size_t i = 0; i < applicationIconSides.size(); ++i) {
@@ -77,7 +60,7 @@ TEST(IconFileTest, OfTheSignIsAsTheSignIsDrawn) {
           const auto channel = [&](const QImage& image) { return static_cast<int>(image.pixel(x, y) >> shift & 0xff); };
           largest = std::max(largest, std::abs(channel(theirs) - channel(ours)));
         }
-    EXPECT_LE(largest, 2) << side << ": draw the file anew with korvel_write_application_icon";
+    EXPECT_LE(largest, 2) << side << ": write the file anew with scripts/application-icon";
   }
 }
 
