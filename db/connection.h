@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "db/procedure/audit_selection.h"
+
 namespace korvel::db {
 
 /// What a column holds, as far as writers of typed files need to know it. All values travel as text.
@@ -14,6 +16,7 @@ enum class ColumnKind { text, number, boolean, dateTime, binary };
 struct Field {
   std::string name;
   ColumnKind kind = ColumnKind::text;
+  bool mayBeNull = true;  ///< false where the engine knows that no value of the column is null
 };
 
 /// One value of a row: UTF-8 text in the form the server gives it, valid only during the call that hands it over.
@@ -47,6 +50,11 @@ class Connection {
   /// The same, and takes back whatever the text has changed, also when it fails or is stopped: for texts that somebody
   /// typed. A text that commits by itself is beyond it. Engines that cannot write have nothing to take back.
   virtual void executeUndone(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
+  /// Selects rows of the audit trail from its table, beyond the procedure's limit. Throws Error like execute, with
+  /// rightMissingNumber where the login may not read the table.
+  virtual void select(const AuditSelection& selection, ResultSink& sink) {
+    execute(auditSelectionText(selection), sink);
+  }
 };
 
 }  // namespace korvel::db

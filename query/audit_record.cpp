@@ -47,6 +47,10 @@ std::optional<std::size_t> listOfAuditType(std::string_view code) noexcept {
   return std::nullopt;
 }
 
+std::optional<std::size_t> listOfStoredAuditType(std::string_view code) noexcept {
+  return listOfAuditType(code.substr(0, code.find_last_not_of(' ') + 1));
+}
+
 void setUpAuditColumns(results::ResultList& list) {
   std::vector<results::ColumnHeader> headers;
   headers.reserve(columns.size());

@@ -30,6 +30,9 @@ inline constexpr std::array<std::string_view, listCount> pageCaptions = {"ALL Au
 
 /// The list 1..4 that receives rows of an audit type besides list 0; nothing for an empty or unknown code.
 [[nodiscard]] std::optional<std::size_t> listOfAuditType(std::string_view code) noexcept;
+/// The same for a code as a row holds it: a fixed-width column pads its codes with trailing blanks, and the server's
+/// comparisons do not see them; everything else about a code counts, its case too.
+[[nodiscard]] std::optional<std::size_t> listOfStoredAuditType(std::string_view code) noexcept;
 
 /// Clears the headers of the list and adds the eighteen columns, each 1440 twips wide; rows are not touched.
 void setUpAuditColumns(results::ResultList& list);

@@ -17,12 +17,6 @@ constexpr std::string_view truthText(bool value) noexcept {
   return value ? "True" : "False";
 }
 
-/// A fixed-width column pads its codes with trailing blanks, and the server's comparisons do not see them; everything
-/// else about a code counts, its case too.
-constexpr std::string_view withoutPadding(std::string_view code) noexcept {
-  return code.substr(0, code.find_last_not_of(' ') + 1);
-}
-
 }  // namespace
 
 std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
@@ -71,7 +65,7 @@ class StandardAnswer::Sink final : public db::ResultSink {
     const results::RowId id = filler_.append(cells);
     rows_[0].push_back(id);
     if (auditType_ && *auditType_ < cells.size())
-      if (const auto list = listOfAuditType(withoutPadding(cells[*auditType_].text))) rows_[*list].push_back(id);
+      if (const auto list = listOfStoredAuditType(cells[*auditType_].text)) rows_[*list].push_back(id);
     if (++rowsOfResult_ == db::rowLimitPerResult) ++fullResults_;
     return true;
   }

@@ -67,39 +67,51 @@ std::string dateText(const std::string& from, const std::string& to) {
          std::string(storedTimeFunction) + "(DateTime, '" + from + "', '" + to + "')";
 }
 
-std::string selection(std::string_view columns, const std::string& condition, std::string_view tableOrder) {
+std::string selectionOfAll(std::string_view columns, const std::string& condition, std::string_view tableOrder) {
   std::string text = "SELECT " + std::string(columns) + " FROM " + std::string(table);
   if (!condition.empty()) text += " WHERE " + condition;
   if (!tableOrder.empty()) text.append(" ORDER BY ").append(tableOrder);
-  return text + " LIMIT " + std::to_string(rowLimitPerResult);
+  return text;
+}
+
+std::string selection(std::string_view columns, const std::string& condition, std::string_view tableOrder,
+                      std::size_t rowLimit) {
+  return selectionOfAll(columns, condition, tableOrder) + " LIMIT " + std::to_string(rowLimit);
 }
 
 /// The rows of several alternatives. Where there are row numbers, each alternative gives its own first rows through its
 /// own index: the first rows of all are among them.
-std::string selectionOfAny(const std::vector<std::string>& alternatives, std::string_view tableOrder) {
-  if (alternatives.size() == 1) return selection("*", alternatives.front(), tableOrder);
+std::string selectionOfAny(const std::vector<std::string>& alternatives, std::string_view tableOrder,
+                           std::size_t rowLimit) {
+  if (alternatives.size() == 1) return selection("*", alternatives.front(), tableOrder, rowLimit);
   const bool byRowId = tableOrder == rowNumberOrder;
   std::string condition;
   for (const std::string& alternative : alternatives) {
     if (!condition.empty()) condition += byRowId ? " UNION ALL " : " OR ";
-    condition += byRowId ? "SELECT * FROM (" + selection("_rowid_", alternative, tableOrder) + ")" : alternative;
+    condition +=
+        byRowId ? "SELECT * FROM (" + selection("_rowid_", alternative, tableOrder, rowLimit) + ")" : alternative;
   }
   if (byRowId) condition = "_rowid_ IN (" + condition + ")";
-  return selection("*", condition, tableOrder);
+  return selection("*", condition, tableOrder, rowLimit);
 }
 
-std::string categoryStatement(const CategoryCondition& category, const std::string& dates,
-                              std::string_view tableOrder) {
+std::vector<std::string> alternativesOf(const CategoryCondition& category, const std::string& dates) {
   std::vector<std::string> alternatives;
   for (const Conjunction conjunction : category.alternatives) alternatives.push_back(conjunctionText(conjunction));
   // Deliberately the last one alone: "and" binds before "or".
   if (!dates.empty()) alternatives.back() += " AND " + dates;
-  return selectionOfAny(alternatives, tableOrder);
+  return alternatives;
+}
+
+std::string categoryStatement(const CategoryCondition& category, const std::string& dates, std::string_view tableOrder,
+                              std::size_t rowLimit) {
+  return selectionOfAny(alternativesOf(category, dates), tableOrder, rowLimit);
 }
 
 }  // namespace
 
-std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::string_view tableOrder) {
+std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::string_view tableOrder,
+                                         std::size_t rowLimit) {
   std::bitset<categoryCount> flags;
   for (std::size_t index = 0; index < categoryCount; ++index) flags[index] = isSet(call.values[index]);
   if (flags.none()) return {};
@@ -109,11 +121,28 @@ std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::strin
     dates = dateText(canonicalServerDate(std::string_view(call.values[fromDate]).substr(0, dateLength), "FromDate"),
                      canonicalServerDate(std::string_view(call.values[toDate]).substr(0, dateLength), "ToDate"));
 
-  if (flags.all()) return {selection("*", dates, tableOrder)};
+  if (flags.all()) return {selection("*", dates, tableOrder, rowLimit)};
   std::vector<std::string> statements;
   for (std::size_t index = 0; index < categoryCount; ++index)
-    if (flags[index]) statements.push_back(categoryStatement(categoryConditions()[index], dates, tableOrder));
+    if (flags[index]) statements.push_back(categoryStatement(categoryConditions()[index], dates, tableOrder, rowLimit));
   return statements;
+}
+
+std::string auditSelectionStatement(const AuditSelection& selection, std::string_view tableOrder) {
+  const std::string dates = dateText(selection.from, selection.to);
+  const bool isWithin = selection.dates == AuditSelection::Dates::within;
+  std::string condition;
+  if (selection.category) {
+    for (const std::string& each :
+         alternativesOf(categoryConditions().at(*selection.category), isWithin ? dates : std::string()))
+      condition.append(condition.empty() ? "(" : " OR ").append(each);
+    condition += ")";
+  } else if (isWithin) {
+    condition = dates;
+  }
+  // A row without a date lies outside of every range.
+  if (!isWithin) condition.append(condition.empty() ? "" : " AND ").append("NOT coalesce(" + dates + ", 0)");
+  return selectionOfAll("*", condition, tableOrder);
 }
 
 }  // namespace korvel::db

@@ -14,7 +14,7 @@ namespace {
 class EmbeddedConnection final : public Connection {
  public:
   EmbeddedConnection(const std::filesystem::path& file, const EmbeddedOptions& options)
-      : database_(file, options.busyTimeout) {}
+      : database_(file, options.busyTimeout), rowLimit_(options.rowLimit) {}
 
   void execute(std::string_view commandText, ResultSink& sink) override {
     if (commandText.find('\0') != std::string_view::npos)
@@ -26,9 +26,16 @@ class EmbeddedConnection final : public Connection {
     database_.checkUnchanged();
   }
 
+  void select(const AuditSelection& selection, ResultSink& sink) override {
+    runText(auditSelectionStatement(selection, database_.tableOrder(std::string(auditTrail))), sink);
+    database_.checkUnchanged();
+  }
+
  private:
+  static constexpr std::string_view auditTrail = "Korvel_Audit_Trails";
+
   void answer(const QueryAuditsCall& call, ResultSink& sink) {
-    for (const std::string& statement : auditStatements(call, database_.tableOrder("Korvel_Audit_Trails")))
+    for (const std::string& statement : auditStatements(call, database_.tableOrder(std::string(auditTrail)), rowLimit_))
       if (!runText(statement, sink)) return;
   }
 
@@ -46,6 +53,7 @@ class EmbeddedConnection final : public Connection {
   }
 
   SqliteDatabase database_;
+  std::size_t rowLimit_;
 };
 
 }  // namespace

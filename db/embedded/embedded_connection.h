@@ -7,12 +7,15 @@
 
 #include "base/error.h"
 #include "db/connection.h"
+#include "db/procedure/audit_conditions.h"
 
 namespace korvel::db {
 
 struct EmbeddedOptions {
   /// How long a database that another program has locked is waited for.
   std::chrono::milliseconds busyTimeout{5000};
+  /// Rows that QueryAudits returns at most in each result set; tests take fewer.
+  std::size_t rowLimit = rowLimitPerResult;
 };
 
 /// Whether an embedded database can have this name: that of a plain file.

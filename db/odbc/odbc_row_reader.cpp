@@ -80,8 +80,8 @@ void RowReader::describe(SQLUSMALLINT column) {
     name.resize(static_cast<std::size_t>(length) + 1);
     ask();
   }
-  fields_.push_back(
-      {toUtf8({reinterpret_cast<const char16_t*>(name.data()), static_cast<std::size_t>(length)}), kindOf(type)});
+  fields_.push_back({toUtf8({reinterpret_cast<const char16_t*>(name.data()), static_cast<std::size_t>(length)}),
+                     kindOf(type), nullable != SQL_NO_NULLS});
   decimals_.push_back(digits);
   switch (type) {
     case SQL_TINYINT:

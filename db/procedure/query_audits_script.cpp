@@ -1,4 +1,5 @@
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/audit_selection.h"
 
 namespace korvel::db {
 namespace {
@@ -13,8 +14,8 @@ std::string termText(const Term& term) {
   return text;
 }
 
-/// The condition of a category, its date condition joined to the last alternative without brackets.
-std::string conditionText(const CategoryCondition& category, bool withDates) {
+/// The condition of a category, a date condition joined to the last alternative without brackets.
+std::string conditionText(const CategoryCondition& category, std::string_view dates) {
   std::string text;
   for (const Conjunction conjunction : category.alternatives) {
     if (!text.empty()) text += " or ";
@@ -25,10 +26,7 @@ std::string conditionText(const CategoryCondition& category, bool withDates) {
       joint = " and ";
     }
   }
-  if (withDates) {
-    text += " and ";
-    text += dateCondition;
-  }
+  if (!dates.empty()) text.append(" and ").append(dates);
   return text;
 }
 
@@ -78,12 +76,34 @@ std::string eachCategory(bool withDates) {
     if (withDates && category.alternatives.size() > 1)
       text += "        -- No brackets: the dates limit the last alternative only. This is the required result.\n";
     text += "        IF " + flagTest(category.parameter) + "\n" +
-            selection("            ", conditionText(category, withDates));
+            selection("            ", conditionText(category, withDates ? dateCondition : std::string_view{}));
   }
   return text;
 }
 
+/// A date that means the same under every date order of a login.
+std::string dateLiteral(std::string date) {
+  date.at(date.find(' ')) = 'T';
+  return "'" + date + "'";
+}
+
 }  // namespace
+
+std::string auditSelectionText(const AuditSelection& selection) {
+  const std::string from = dateLiteral(selection.from);
+  const std::string to = dateLiteral(selection.to);
+  const std::string within = "DateTime >= " + from + " and DateTime <= " + to;
+  const std::string outside = "(DateTime is null or DateTime < " + from + " or DateTime > " + to + ")";
+  const bool isWithin = selection.dates == AuditSelection::Dates::within;
+  std::string condition;
+  if (!selection.category) {
+    condition = isWithin ? within : outside;
+  } else {
+    const CategoryCondition& category = categoryConditions().at(*selection.category);
+    condition = isWithin ? conditionText(category, within) : "(" + conditionText(category, {}) + ") and " + outside;
+  }
+  return "SELECT * FROM Korvel_Audit_Trails WHERE " + condition;
+}
 
 std::string queryAuditsScript() {
   return "-- Installs the standard query of the Korvel audit viewer. Run it in the audit database.\n"

@@ -1,0 +1,387 @@
+#include "query/complete_query.h"
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+
+#include "base/text.h"
+#include "db/procedure/audit_selection.h"
+#include "db/procedure/audit_table.h"
+#include "query/query_failure.h"
+#include "query/row_join.h"
+#include "results/out_of_memory.h"
+
+namespace korvel::query {
+namespace {
+
+constexpr std::size_t alarms = 1;  // parameter 2, counted from 0
+
+/// The query was asked to stop.
+struct Stopped {};
+
+/// What a call asks for, and the two texts of its dates.
+struct Call {
+  CategoryFlags flags;
+  bool hasDates = false;
+  std::string from = "False";
+  std::string to = "False";
+};
+
+std::string textOf(const Call& call) {
+  const auto truth = [](bool value) { return value ? "True" : "False"; };
+  std::string text = "QueryAudits '";
+  for (std::size_t i = 0; i < call.flags.size(); ++i) text.append(truth(call.flags[i])).append("','");
+  text.append(truth(call.hasDates)).append("','").append(call.from).append("','").append(call.to);
+  return text + "'";
+}
+
+/// The result sets of one call or select.
+class Collector final : public db::ResultSink {
+ public:
+  Collector(std::vector<BufferedRows>& results, results::MemoryWatch& memory, const std::stop_token& stop)
+      : results_(results), memory_(memory), stop_(stop) {}
+
+  void beginResult(std::span<const db::Field> fields) override {
+    if (results_.size() == count_) results_.emplace_back();
+    results_[count_].begin(fields);
+  }
+  bool row(std::span<const db::Cell> cells) override {
+    std::size_t bytes = 0;
+    for (const db::Cell& cell : cells) bytes += cell.text.size();
+    // A whole answer of the procedure is small, a minute that is selected may not be.
+    if (results_[count_].rowCount() >= db::rowLimitPerResult) memory_.grown(bytes);
+    results_[count_].add(cells);
+    return !stop_.stop_requested();
+  }
+  void endResult() override { ++count_; }
+  bool goOn() override { return !stop_.stop_requested(); }
+
+  [[nodiscard]] std::size_t count() const noexcept { return count_; }
+
+ private:
+  std::vector<BufferedRows>& results_;
+  results::MemoryWatch& memory_;
+  const std::stop_token& stop_;
+  std::size_t count_ = 0;
+};
+
+/// Whether no row of the audit trail can be without a date, as far as the engine knows.
+bool hasDateAlways(const BufferedRows& rows) {
+  for (const db::Field& field : rows.fields())
+    if (equalsIgnoringAsciiCase(field.name, "DateTime")) return !field.mayBeNull;
+  return false;
+}
+
+/// Whether the server says that the login may not read the table.
+bool refusesTheTable(const Error& error) noexcept {
+  constexpr std::int32_t columnRightMissing = 230;
+  return error.number() == db::rightMissingNumber || error.number() == db::nameUnknownNumber ||
+         error.number() == columnRightMissing;
+}
+
+}  // namespace
+
+/// What the worker has joined so far, and the waiting thread may take over at any moment.
+class CompleteAnswer::Collected {
+ public:
+  Collected(const results::MemoryGauge& memory, bool rowsRepeat) : join_(memory, rowsRepeat) {}
+
+  /// Changes the joined rows, unless they have been taken over.
+  template <typename Work>
+  void change(const Work& work) {
+    const std::lock_guard lock(mutex_);
+    if (taken_) throw Stopped{};
+    work(join_, report_);
+    rows_ = join_.rowCount();
+    slices_ = report_.slices;
+  }
+
+  [[nodiscard]] CompletionProgress progress() const noexcept { return {rows_, slices_}; }
+
+  /// From now on only the caller uses it.
+  CompletionReport take() {
+    const std::lock_guard lock(mutex_);
+    taken_ = true;
+    report_.changedEntries = join_.changedEntries();
+    report_.changedEntryCount = join_.changedEntryCount();
+    return report_;
+  }
+
+  /// After take().
+  [[nodiscard]] RowJoin& join() noexcept { return join_; }
+
+ private:
+  std::mutex mutex_;
+  RowJoin join_;
+  CompletionReport report_;
+  bool taken_ = false;
+  std::atomic<std::size_t> rows_ = 0;
+  std::atomic<std::size_t> slices_ = 0;
+};
+
+namespace {
+
+/// Asks until everything has come. Lives on the worker; what it uses is its own.
+template <typename Collected>
+class Completion {
+ public:
+  Completion(CategoryFlags flags, const DateRange& range, std::string connectionString, Connector connect,
+             const results::MemoryGauge& memory, Collected& collected, const std::stop_token& stop,
+             std::size_t rowLimit)
+      : flags_(flags),
+        range_(range),
+        connectionString_(std::move(connectionString)),
+        connect_(std::move(connect)),
+        memory_(memory),
+        collected_(collected),
+        stop_(stop),
+        rowLimit_(rowLimit) {}
+
+  void run() {
+    // What is not cut is done with the first answer; its later result sets are looked at whatever the first one holds.
+    Call whole{flags_, range_.DateRangeActive};
+    if (range_.DateRangeActive) {
+      whole.from = fromDateText(range_);
+      whole.to = toDateText(range_);
+    }
+    std::vector<BufferedRows> first = ask(whole);
+    std::vector<std::optional<std::size_t>> categories;
+    if (flags_.all())
+      categories.emplace_back();
+    else
+      for (std::size_t i = 0; i < flags_.size(); ++i)
+        if (flags_[i]) categories.emplace_back(i);
+    if (first.size() < categories.size()) first.resize(categories.size());
+    collected_.change([&](RowJoin& /*join*/, CompletionReport& report) { report.slices = 1; });
+    for (std::size_t i = 0; i < categories.size(); ++i) {
+      collected_.change([&](RowJoin& join, CompletionReport& /*report*/) {
+        join.beginCategory(categories[i] == alarms);
+        if (!isCut(first[i])) join.addDistinct(first[i]);
+      });
+      if (isCut(first[i])) finish(categories[i], first[i]);
+      first[i] = {};
+    }
+  }
+
+ private:
+  [[nodiscard]] bool isCut(const BufferedRows& rows) const noexcept { return rows.rowCount() >= rowLimit_; }
+
+  [[nodiscard]] TimeSlice timeAskedFor() const {
+    return range_.DateRangeActive ? wholeDays(range_.RangeFromDate, range_.RangeToDate) : allServerDays();
+  }
+
+  [[nodiscard]] static std::string beginOf(Minute minute) { return minuteText(minute) + ":00.000"; }
+
+  /// A slice ends with the moment with which the next one begins, so that no time lies between them, however finely the
+  /// server counts. The last one ends as the range does.
+  [[nodiscard]] std::string endOf(Minute minute) const {
+    if (minute != timeAskedFor().last) return beginOf(minute + std::chrono::minutes(1));
+    // Servers round a later time up, to a day that they do not have.
+    return range_.DateRangeActive ? toDateText(range_) : minuteText(minute) + ":59.997";
+  }
+
+  [[nodiscard]] Call callOf(std::optional<std::size_t> category, const TimeSlice& slice) const {
+    Call call{flags_, true, beginOf(slice.first), endOf(slice.last)};
+    if (category) call.flags = CategoryFlags().set(*category);
+    return call;
+  }
+
+  /// Finishes a category whose answer was cut.
+  void finish(std::optional<std::size_t> category, const BufferedRows& sample) {
+    DateSlices slices(timeAskedFor(), sample.minutes(), rowLimit_);
+    if (category == alarms) {
+      // These come with every slice, whatever its time: a time without any other rows tells how many they are.
+      const TimeSlice firstMinute{allServerDays().first, allServerDays().first};
+      const std::vector<BufferedRows> ofAllDates = ask(callOf(category, firstMinute));
+      const std::size_t count = ofAllDates.empty() ? 0 : ofAllDates.front().rowCount();
+      if (count >= rowLimit_) {
+        finishBySelect(category, timeAskedFor(), IncompletePart::Kind::alarmsOfTables, sample);
+        finishUndated(category, sample);
+        return;
+      }
+      slices.reserve(count);
+    }
+    while (const auto slice = slices.current()) {
+      const std::vector<BufferedRows> answer = ask(callOf(category, *slice));
+      const BufferedRows none;
+      const BufferedRows& rows = answer.empty() ? none : answer.front();
+      if (!isCut(rows)) {
+        collected_.change([&](RowJoin& join, CompletionReport& report) {
+          join.addSlice(rows, *slice);
+          ++report.slices;
+        });
+        slices.done(rows.minutes());
+      } else if (slice->length() > std::chrono::minutes(1)) {
+        slices.cut(rows.minutes());
+      } else {
+        finishBySelect(category, *slice, IncompletePart::Kind::minute, rows);
+        slices.done(rows.minutes());
+      }
+    }
+    finishUndated(category, sample);
+  }
+
+  /// Selects what slices cannot reach from the table; `cut` is what came of it instead.
+  void finishBySelect(std::optional<std::size_t> category, const TimeSlice& slice, IncompletePart::Kind kind,
+                      const BufferedRows& cut) {
+    const db::AuditSelection selection{category, db::AuditSelection::Dates::within, beginOf(slice.first),
+                                       endOf(slice.last)};
+    std::vector<BufferedRows> rows;
+    const std::optional<Error> refusal = select(selection, rows);
+    collected_.change([&](RowJoin& join, CompletionReport& report) {
+      ++report.slices;
+      join.addSlice(refusal || rows.empty() ? cut : rows.front(), slice);
+      if (refusal) report.incomplete.push_back({kind, slice.first, category, *refusal});
+    });
+  }
+
+  /// Without a range the procedure also finds rows that have no date.
+  void finishUndated(std::optional<std::size_t> category, const BufferedRows& sample) {
+    if (range_.DateRangeActive) return;
+    const TimeSlice all = allServerDays();
+    const db::AuditSelection selection{category, db::AuditSelection::Dates::outside, beginOf(all.first),
+                                       endOf(all.last)};
+    std::vector<BufferedRows> rows;
+    const std::optional<Error> refusal = select(selection, rows);
+    collected_.change([&](RowJoin& join, CompletionReport& report) {
+      if (refusal) {
+        if (!hasDateAlways(sample))
+          report.incomplete.push_back({IncompletePart::Kind::undated, {}, category, *refusal});
+      } else if (!rows.empty() && rows.front().rowCount() > 0) {
+        ++report.slices;
+        join.addSlice(rows.front(), all);
+      }
+    });
+  }
+
+  [[nodiscard]] std::vector<BufferedRows> ask(const Call& call) {
+    std::vector<BufferedRows> results;
+    const std::string text = textOf(call);
+    repeatOnce([&](db::Connection& connection) {
+      Collector collector(results, memory_, stop_);
+      connection.execute(text, collector);
+      results.resize(collector.count());
+    });
+    return results;
+  }
+
+  /// Gives the error of a server that refuses the table.
+  [[nodiscard]] std::optional<Error> select(const db::AuditSelection& selection, std::vector<BufferedRows>& rows) {
+    try {
+      repeatOnce([&](db::Connection& connection) {
+        Collector collector(rows, memory_, stop_);
+        connection.select(selection, collector);
+        rows.resize(collector.count());
+      });
+    } catch (const Error& error) {
+      if (!refusesTheTable(error)) throw;
+      return error;
+    }
+    return std::nullopt;
+  }
+
+  /// Runs a step on the connection; where that breaks, once more on another one.
+  template <typename Step>
+  void repeatOnce(const Step& step) {
+    for (bool isRepeated = false;; isRepeated = true) {
+      try {
+        if (!connection_) connection_ = connect_(connectionString_, stop_);
+        if (!connection_) throw internalFailure();
+        step(*connection_);
+        if (stop_.stop_requested()) throw Stopped{};
+        collected_.change([](RowJoin& /*join*/, CompletionReport& report) { ++report.calls; });
+        return;
+      } catch (const Error& error) {
+        if (stop_.stop_requested()) throw Stopped{};
+        if (isRepeated || refusesTheTable(error) || error.number() == results::outOfMemoryNumber) throw;
+        connection_.reset();
+      }
+    }
+  }
+
+  CategoryFlags flags_;
+  DateRange range_;
+  std::string connectionString_;
+  Connector connect_;
+  results::MemoryWatch memory_;
+  Collected& collected_;
+  const std::stop_token& stop_;
+  std::size_t rowLimit_;
+  std::unique_ptr<db::Connection> connection_;
+};
+
+}  // namespace
+
+CompleteAnswer::CompleteAnswer() = default;
+CompleteAnswer::CompleteAnswer(CompleteAnswer&&) noexcept = default;
+CompleteAnswer& CompleteAnswer::operator=(CompleteAnswer&&) noexcept = default;
+CompleteAnswer::~CompleteAnswer() = default;
+
+std::size_t CompleteAnswer::rowCount() const noexcept {
+  return collected_ ? collected_->join().rowCount() : 0;
+}
+
+const CompletionReport& CompleteAnswer::fill(ResultLists& lists, std::size_t currentList) {
+  if (!collected_ || rowCount() == 0) return report_;
+  const auto unfilled = failureOf([&] {
+    RowJoin& join = collected_->join();
+    ResultLists filled = lists;
+    for (std::size_t i = 0; i < standardListCount; ++i) filled[i].setRows(join.store(), join.takeList(i));
+    if (currentList < filled.size() && !filled[currentList].isSorted()) filled[currentList].sort();
+    for (std::size_t i = 0; i < standardListCount; ++i) lists[i] = std::move(filled[i]);
+  });
+  collected_.reset();
+  report_.endedEarly = report_.outcome == QueryOutcome::stopped;
+  report_.outcome = unfilled ? QueryOutcome::failed : QueryOutcome::filled;
+  report_.failure = unfilled;
+  return report_;
+}
+
+CompleteAnswer completeStandardQuestion(const StandardQuestion& question, const Connector& connect,
+                                        const CompletionAttendance& attendance, const QuerySurroundings& surroundings,
+                                        std::size_t rowLimit) {
+  CompleteAnswer answer;
+  if (!question.tree.anyRootChecked()) {
+    answer.report_.outcome = QueryOutcome::noCriteria;
+    return answer;
+  }
+  using Collected = CompleteAnswer::Collected;
+  const auto broken = failureOf([&] {
+    const CategoryFlags flags = question.tree.flags();
+    const bool categoriesOverlap = !flags.all() && flags.count() > 1;
+    const auto collected = std::make_shared<Collected>(surroundings.memory, categoriesOverlap);
+    const auto work = [flags, range = question.range, connectionString = question.connectionString, connect,
+                       memory = surroundings.memory, collected,
+                       rowLimit](const std::stop_token& stop) -> std::optional<Error> {
+      return failureOf([&] {
+        try {
+          Completion<Collected>(flags, range, connectionString, connect, memory, *collected, stop, rowLimit).run();
+        } catch (const Stopped&) {  // NOLINT(bugprone-empty-catch): whoever asked for the stop knows
+        }
+      });
+    };
+    bool stopped = false;
+    db::Attendance noted;
+    if (attendance)
+      noted = [&] {
+        stopped = !attendance(collected->progress());
+        return !stopped;
+      };
+    const auto failure = db::runAttended(work, noted, surroundings.pace);
+    answer.report_ = collected->take();
+    answer.collected_ = collected;
+    if (stopped || !failure)
+      answer.report_.outcome = QueryOutcome::stopped;
+    else if (*failure)
+      answer.report_.failure = **failure;
+    else
+      answer.report_.outcome = collected->join().rowCount() > 0 ? QueryOutcome::filled : QueryOutcome::noRecords;
+  });
+  if (!broken && answer.report_.outcome != QueryOutcome::failed) return answer;
+  answer.collected_.reset();
+  if (broken) answer.report_.failure = broken;
+  answer.report_.outcome = QueryOutcome::failed;
+  return answer;
+}
+
+}  // namespace korvel::query

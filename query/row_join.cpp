@@ -1,0 +1,200 @@
+#include "query/row_join.h"
+
+#include <algorithm>
+#include <new>
+
+#include "base/text.h"
+#include "results/out_of_memory.h"
+
+namespace korvel::query {
+namespace {
+
+constexpr std::string_view auditTypeColumn = "AuditType";
+constexpr std::string_view entryNumberColumn = "Nr";
+constexpr std::string_view dateTimeColumn = "DateTime";
+constexpr std::string_view tableNameColumn = "TableName";
+
+std::optional<std::size_t> columnOf(std::span<const db::Field> fields, std::string_view name) {
+  for (std::size_t i = 0; i < fields.size(); ++i)
+    if (equalsIgnoringAsciiCase(fields[i].name, name)) return i;
+  return std::nullopt;
+}
+
+std::uint32_t hashOf(std::string_view text) noexcept {
+  const std::size_t hash = std::hash<std::string_view>()(text);
+  return static_cast<std::uint32_t>(hash ^ hash >> 32U);
+}
+
+std::uint32_t hashOf(std::span<const db::Cell> cells) noexcept {
+  std::uint32_t hash = 0;
+  for (const db::Cell& cell : cells) hash = (hash ^ hashOf(cell.text)) * 0x9E3779B1U + (cell.isNull ? 1U : 0U);
+  return hash ^ hash >> 15U;
+}
+
+/// Whether a row of this time comes with this slice and with no other. What is not sure is not.
+bool isOwn(const db::Cell& time, const TimeSlice& slice) noexcept {
+  if (time.isNull) return false;
+  const auto minute = minuteOf(time.text);
+  if (!minute || *minute < slice.first || *minute > slice.last) return false;
+  if (*minute != slice.first) return true;
+  // The moment with which a slice begins is the one with which the slice before it ended.
+  constexpr std::size_t minuteLength = 16;
+  const std::string_view seconds = time.text.substr(std::min(minuteLength, time.text.size()));
+  return seconds.find_first_not_of("0123456789:.") == std::string_view::npos &&
+         seconds.find_first_of("123456789") != std::string_view::npos;
+}
+
+}  // namespace
+
+void BufferedRows::begin(std::span<const db::Field> fields) {
+  clear();
+  fields_.assign(fields.begin(), fields.end());
+}
+
+void BufferedRows::add(std::span<const db::Cell> cells) {
+  const std::size_t width = fields_.size();
+  for (std::size_t i = 0; i < width; ++i) {
+    const bool isThere = i < cells.size();
+    if (isThere) bytes_ += cells[i].text;
+    values_.push_back({bytes_.size(), !isThere || cells[i].isNull});
+  }
+  ++rowCount_;
+}
+
+void BufferedRows::clear() noexcept {
+  bytes_.clear();
+  values_.clear();
+  rowCount_ = 0;
+}
+
+std::span<const db::Cell> BufferedRows::row(std::size_t index) const {
+  const std::size_t width = fields_.size();
+  cells_.resize(width);
+  for (std::size_t i = 0; i < width; ++i) {
+    const std::size_t at = index * width + i;
+    const std::size_t begin = at == 0 ? 0 : values_[at - 1].end;
+    cells_[i] = {std::string_view(bytes_).substr(begin, values_[at].end - begin), values_[at].isNull};
+  }
+  return cells_;
+}
+
+std::vector<Minute> BufferedRows::minutes() const {
+  std::vector<Minute> minutes;
+  const auto column = columnOf(fields_, dateTimeColumn);
+  if (!column) return minutes;
+  for (std::size_t i = 0; i < rowCount_; ++i)
+    if (const auto minute = minuteOf(row(i)[*column].text)) minutes.push_back(*minute);
+  return minutes;
+}
+
+void RowJoin::Index::insert(std::uint32_t hash, results::RowId row) {
+  constexpr std::size_t leastSlots = 1024;
+  if ((used_ + 1) * 4 > slots_.size() * 3) {
+    std::vector<Slot> wider(std::max(leastSlots, slots_.size() * 2));
+    for (const Slot& slot : slots_)
+      if (slot.row != 0) place(wider, slot);
+    slots_ = std::move(wider);
+  }
+  place(slots_, {hash, row.value + 1});
+  ++used_;
+}
+
+void RowJoin::Index::place(std::vector<Slot>& slots, const Slot& slot) noexcept {
+  const std::size_t mask = slots.size() - 1;
+  std::size_t at = slot.hash & mask;
+  while (slots[at].row != 0) at = (at + 1) & mask;
+  slots[at] = slot;
+}
+
+RowJoin::RowJoin(const results::MemoryGauge& memory, bool rowsRepeat) : memory_(memory), rowsRepeat_(rowsRepeat) {}
+
+void RowJoin::beginCategory(bool hasRowsOfOtherTimes) {
+  counts_.clear();
+  hasRowsOfOtherTimes_ = hasRowsOfOtherTimes;
+}
+
+void RowJoin::add(const BufferedRows& rows, const TimeSlice* slice) {
+  ++sliceNumber_;
+  if (rows.rowCount() == 0) return;
+  try {
+    beginResult(rows.fields());
+    for (std::size_t i = 0; i < rows.rowCount(); ++i) {
+      const std::span<const db::Cell> cells = rows.row(i);
+      const bool comesOnce = slice == nullptr || (dateTime_ && isOwn(cells[*dateTime_], *slice) &&
+                                                  (!hasRowsOfOtherTimes_ || isLimitedByDates(cells)));
+      const results::RowId id = idOf(cells, rowsRepeat_ || !comesOnce);
+      if (!comesOnce) {
+        Count& count = counts_[id.value];
+        if (count.slice != sliceNumber_) count.inSlice = 0;
+        count.slice = sliceNumber_;
+        if (++count.inSlice <= count.listed) continue;
+        ++count.listed;
+      }
+      lists_[0].push_back(id);
+      if (auditType_)
+        if (const auto list = listOfStoredAuditType(cells[*auditType_].text)) lists_[*list].push_back(id);
+    }
+  } catch (const std::bad_alloc&) {
+    throw results::outOfMemory();
+  }
+}
+
+bool RowJoin::isLimitedByDates(std::span<const db::Cell> cells) const noexcept {
+  constexpr std::string_view limitedTables = "MS";
+  return tableName_ && equalsIgnoringAsciiCase(cells[*tableName_].text.substr(0, limitedTables.size()), limitedTables);
+}
+
+void RowJoin::beginResult(const std::vector<db::Field>& fields) {
+  const auto same = [](const db::Field& one, const db::Field& other) {
+    return one.name == other.name && one.kind == other.kind;
+  };
+  if (store_->rowCount() > 0 && std::equal(fields.begin(), fields.end(), fields_.begin(), fields_.end(), same)) return;
+  fields_ = fields;
+  auditType_ = columnOf(fields_, auditTypeColumn);
+  entryNumber_ = columnOf(fields_, entryNumberColumn).value_or(0);
+  dateTime_ = columnOf(fields_, dateTimeColumn);
+  tableName_ = columnOf(fields_, tableNameColumn);
+  store_->beginResult(fields_);
+}
+
+results::RowId RowJoin::idOf(std::span<const db::Cell> cells, bool mayBeStored) {
+  const std::uint32_t hash = mayBeStored ? hashOf(cells) : 0;
+  if (mayBeStored)
+    if (const auto found = rows_.find(hash, [&](results::RowId row) { return isSame(row, cells); })) return *found;
+  constexpr std::size_t bytesOfCode = 4;
+  std::size_t bytes = cells.size() * bytesOfCode;
+  for (const db::Cell& cell : cells) bytes += cell.text.size();
+  memory_.grown(bytes);
+  const results::RowId row = store_->append(cells);
+  if (mayBeStored) rows_.insert(hash, row);
+  noteEntry(row, cells);
+  return row;
+}
+
+bool RowJoin::isSame(results::RowId row, std::span<const db::Cell> cells) const noexcept {
+  if (store_->widthOf(row) != cells.size()) return false;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const db::Cell stored = store_->cell(row, results::ColumnIndex{i});
+    if (stored.isNull != cells[i].isNull || stored.text != cells[i].text) return false;
+  }
+  return true;
+}
+
+void RowJoin::noteEntry(results::RowId row, std::span<const db::Cell> cells) {
+  constexpr std::size_t namedEntries = 10;
+  if (entryNumber_ >= cells.size() || cells[entryNumber_].text.empty()) return;
+  const std::string_view number = cells[entryNumber_].text;
+  const std::uint32_t hash = hashOf(number);
+  const auto isThis = [&](results::RowId other) {
+    return store_->cell(other, results::ColumnIndex{entryNumber_}).text == number;
+  };
+  if (!entries_.find(hash, isThis)) {
+    entries_.insert(hash, row);
+    return;
+  }
+  ++changedEntryCount_;
+  const bool isNamed = std::find(changedEntries_.begin(), changedEntries_.end(), number) != changedEntries_.end();
+  if (!isNamed && changedEntries_.size() < namedEntries) changedEntries_.emplace_back(number);
+}
+
+}  // namespace korvel::query

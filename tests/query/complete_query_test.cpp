@@ -1,0 +1,431 @@
+#include "query/complete_query.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <future>
+#include <map>
+#include <set>
+
+#include "db/embedded/embedded_connection.h"
+#include "db/procedure/audit_table.h"
+#include "query/date_slices.h"
+#include "tests/db/plain_evaluation.h"
+#include "tests/support/temporary_folder.h"
+
+namespace korvel::query {
+namespace {
+
+using std::chrono::sys_days;
+using test::AuditEntry;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using Kind = IncompletePart::Kind;
+using namespace std::chrono_literals;
+
+constexpr std::size_t limit = 20;
+
+std::string dayText(sys_days day) {
+  return minuteText(day).substr(0, 10);
+}
+
+/// Rows with every case that a comparison can get wrong, on a few days; regular ones over two months, of each category
+/// more than the limit; days of their own, rows without a date, with dates that are none and with dates that no server
+/// has.
+std::vector<AuditEntry> trailOf(int alarmTableRows) {
+  std::vector<AuditEntry> entries = test::nastyRows(240);
+  int number = 10000;
+  const std::vector<AuditEntry> kinds = {
+      {0, {}, "Picture", "CHANGE", "CS"},   {0, {}, "MSRT", "CHANGE", "CS"},       {0, {}, "PDETag", "CHANGE", "RT"},
+      {0, {}, "UATable", "CHANGE", "CS"},   {0, {}, "Screen", "CLICK", "OA"},      {0, {}, "UATable", "CHANGE", "RT"},
+      {0, {}, "Project", "CHECK_IN", "DC"}, {0, {}, "Project", "CHECK_OUT", "DC"}, {0, {}, "Project", "ROLLBACK", "DC"},
+      {0, {}, "Project", "RESTORE", "DC"},  {0, {}, "Audit", "START", "AU"}};
+  const auto add = [&](AuditEntry entry, std::optional<std::string> time) {
+    entry.number = number++;
+    entry.dateTime = std::move(time);
+    entries.push_back(entry);
+  };
+  for (int i = 0; i < 60; ++i) {
+    const std::string day = dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i));
+    for (const AuditEntry& kind : kinds)
+      if ((i + static_cast<int>(kind.auditType->front())) % 2 == 0 || i % 3 == 0) add(kind, day + " 08:00:00.000");
+    add(kinds[static_cast<std::size_t>(i) % kinds.size()], day + " 00:00:00.000");
+    add(kinds[static_cast<std::size_t>(i) % kinds.size()], day + " 23:59:59.999");
+  }
+  // A minute with more rows of one category than the limit.
+  for (int i = 0; i < 45; ++i) add(kinds[4], "2004-04-20 09:00:30.000");
+  for (const AuditEntry& kind : kinds) {
+    add(kind, std::nullopt);
+    add(kind, "yesterday");
+    add(kind, "1492-10-12 08:00:00.000");
+  }
+  for (int i = 0; i < alarmTableRows; ++i)
+    add({0, {}, "vel_AlgText", "CHANGE", "CS"},
+        i % 5 == 0 ? std::nullopt
+                   : std::optional(dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i)) + " 10:00:00"));
+  return entries;
+}
+
+/// A server whose login may not read the table, or that breaks, in front of an embedded database.
+class Server {
+ public:
+  explicit Server(std::vector<AuditEntry> trail) : entries(std::move(trail)) {
+    test::writeAuditDatabase(folder_ / "D.db", entries);
+  }
+
+  Connector connector() {
+    return [this](std::string_view /*connectionString*/, const std::stop_token& /*stop*/) {
+      ++connections;
+      return std::make_unique<Connection>(*this);
+    };
+  }
+
+  std::vector<AuditEntry> entries;
+  bool tableIsClosed = false;
+  bool datesAreAlways = false;
+  std::function<void(std::size_t call)> beforeCall = [](std::size_t /*call*/) {};
+  std::function<void(std::size_t call)> withinAnswer = [](std::size_t /*call*/) {};
+  std::size_t calls = 0;
+  std::size_t connections = 0;
+  std::vector<std::string> texts;
+  test::TemporaryFolder folder_;
+
+ private:
+  /// Passes an answer on.
+  class Relay final : public db::ResultSink {
+   public:
+    Relay(Server& server, db::ResultSink& sink) : server_(server), sink_(sink) {}
+    void beginResult(std::span<const db::Field> fields) override {
+      std::vector<db::Field> known(fields.begin(), fields.end());
+      for (db::Field& field : known)
+        if (field.name == "DateTime") field.mayBeNull = !server_.datesAreAlways;
+      sink_.beginResult(known);
+    }
+    bool row(std::span<const db::Cell> cells) override {
+      server_.withinAnswer(server_.calls);
+      return sink_.row(cells);
+    }
+    void endResult() override { sink_.endResult(); }
+    bool goOn() override { return sink_.goOn(); }
+
+   private:
+    Server& server_;
+    db::ResultSink& sink_;
+  };
+
+  class Connection final : public db::Connection {
+   public:
+    explicit Connection(Server& server)
+        : server_(server), database_(db::openEmbedded(server.folder_.path(), "D", {.rowLimit = limit})) {}
+    void execute(std::string_view commandText, db::ResultSink& sink) override {
+      server_.texts.emplace_back(commandText);
+      server_.beforeCall(++server_.calls);
+      Relay relay(server_, sink);
+      database_->execute(commandText, relay);
+    }
+    void select(const db::AuditSelection& selection, db::ResultSink& sink) override {
+      if (server_.tableIsClosed) throw Error(db::rightMissingNumber, "The SELECT permission was denied.");
+      ++server_.calls;
+      Relay relay(server_, sink);
+      database_->select(selection, relay);
+    }
+
+   private:
+    Server& server_;
+    std::unique_ptr<db::Connection> database_;
+  };
+};
+
+const DateRange aprilToMay{2004y / 4 / 3, 2004y / 5 / 20, true};
+const DateRange noRange{};
+
+class CompleteQuery : public testing::Test {
+ protected:
+  CompletionReport run(Server& server, CategoryFlags flags, const DateRange& range,
+                       const CompletionAttendance& attendance = {}) {
+    FilterTree tree;
+    for (const FilterNode& node : filterNodes())
+      if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(*tree.find(node.key), true);
+    const std::string connectionString = "a server";
+    lists = makeResultLists();
+    CompleteAnswer answer =
+        completeStandardQuestion({tree, range, connectionString}, server.connector(), attendance, {}, limit);
+    return answer.fill(lists, 0);
+  }
+
+  /// The entry numbers that the procedure gives without its limit: once for each category.
+  static std::vector<int> expected(const Server& server, CategoryFlags flags, const DateRange& range) {
+    std::vector<int> numbers;
+    const test::Range times{fromDateText(range), toDateText(range)};
+    const test::Range* const inTime = range.DateRangeActive ? &times : nullptr;
+    for (const AuditEntry& entry : server.entries) {
+      if (flags.all()) {
+        if (inTime == nullptr || inTime->contains(entry)) numbers.push_back(entry.number);
+        continue;
+      }
+      for (std::size_t category = 0; category < flags.size(); ++category)
+        if (flags[category] && test::belongs(entry, category, inTime)) numbers.push_back(entry.number);
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+  }
+
+  std::vector<int> shown(std::size_t list = 0) const {
+    std::vector<int> numbers;
+    for (std::size_t row = 0; row < lists[list].rowCount(); ++row)
+      numbers.push_back(std::stoi(std::string(lists[list].text({row}, {0}))));
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+  }
+
+  void expectWhole(Server& server, CategoryFlags flags, const DateRange& range) {
+    const CompletionReport report = run(server, flags, range);
+    const std::vector<int> numbers = expected(server, flags, range);
+    ASSERT_EQ(report.outcome, numbers.empty() ? QueryOutcome::noRecords : QueryOutcome::filled) << flags;
+    ASSERT_THAT(report.incomplete, IsEmpty()) << flags;
+    ASSERT_EQ(shown(), numbers) << flags;
+    ASSERT_EQ(report.changedEntryCount, 0U) << flags;
+  }
+
+  ResultLists lists = makeResultLists();
+};
+
+const CategoryFlags all(1023);
+const CategoryFlags alarms = CategoryFlags().set(1);
+const CategoryFlags actions = CategoryFlags().set(4);
+
+/// The combinations are shared among several tests, which run at the same time.
+class EveryCombination : public CompleteQuery, public testing::WithParamInterface<unsigned long> {};
+
+TEST_P(EveryCombination, OfCategoriesIsTheUnionWithoutTheLimit) {
+  Server few(trailOf(10));
+  for (unsigned long bits = GetParam(); bits < 1024; bits += 8)
+    for (const DateRange& range : {noRange, aprilToMay}) expectWhole(few, bits == 0 ? all : CategoryFlags(bits), range);
+}
+
+INSTANTIATE_TEST_SUITE_P(Eighths, EveryCombination, testing::Range(0UL, 8UL));
+
+TEST_F(CompleteQuery, FinishesAlarmRowsOfAllDatesThatAreMoreThanTheLimit) {
+  Server many(trailOf(70));
+  for (const unsigned long bits : {2UL, 3UL, 10UL, 1022UL, 1023UL})
+    for (const DateRange& range : {noRange, aprilToMay}) expectWhole(many, CategoryFlags(bits), range);
+}
+
+TEST_F(CompleteQuery, SpreadsRowsOverThePagesByTheirAuditType) {
+  Server server(trailOf(10));
+  run(server, all, noRange);
+  std::map<std::size_t, std::size_t> counts;
+  for (const AuditEntry& entry : server.entries)
+    if (const auto list = listOfStoredAuditType(entry.auditType.value_or(""))) ++counts[*list];
+  for (std::size_t list = 1; list < standardListCount; ++list) EXPECT_EQ(lists[list].rowCount(), counts[list]) << list;
+}
+
+TEST_F(CompleteQuery, StoresARowOfSeveralCategoriesOnce) {
+  Server server(trailOf(10));
+  const CategoryFlags overlapping(0b1111);
+  run(server, overlapping, noRange);
+  const std::vector<int> numbers = expected(server, overlapping, noRange);
+  const std::size_t distinct = std::set<int>(numbers.begin(), numbers.end()).size();
+  ASSERT_LT(distinct, numbers.size());
+  EXPECT_EQ(lists[0].store()->rowCount(), distinct);
+}
+
+TEST_F(CompleteQuery, KeepsRowsThatAreTheSameInAllColumns) {
+  std::vector<AuditEntry> entries;
+  for (int i = 0; i < 60; ++i)
+    entries.push_back(
+        {i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i / 12)) + " 00:00:00", "Screen", "X", "OA"});
+  Server server(entries);
+  test::DatabaseWriter(server.folder_ / "D.db")
+      .run(
+          "CREATE TABLE Copy AS SELECT * FROM Korvel_Audit_Trails; DROP TABLE Korvel_Audit_Trails; ALTER TABLE Copy "
+          "RENAME TO Korvel_Audit_Trails; INSERT INTO Korvel_Audit_Trails SELECT * FROM Korvel_Audit_Trails");
+  server.entries.insert(server.entries.end(), entries.begin(), entries.end());
+  expectWhole(server, actions, noRange);
+  expectWhole(server, all, noRange);
+  expectWhole(server, CategoryFlags(0b10001), noRange);
+}
+
+TEST_F(CompleteQuery, NeedsOneCallWhereNothingIsCut) {
+  std::vector<AuditEntry> few = test::nastyRows(15);
+  Server server(few);
+  expectWhole(server, all, noRange);
+  EXPECT_EQ(server.calls, 1U);
+}
+
+TEST_F(CompleteQuery, LooksAtLaterCategoriesWhereTheFirstIsEmpty) {
+  std::vector<AuditEntry> entries;
+  for (int i = 0; i < 50; ++i) entries.push_back({i, "2004-04-01 08:00:00", "Screen", "X", "OA"});
+  Server server(entries);
+  expectWhole(server, CategoryFlags(0b10001), noRange);
+}
+
+TEST_F(CompleteQuery, NamesAMinuteThatOnlyTheTableCouldFinish) {
+  Server server(trailOf(0));
+  server.tableIsClosed = true;
+  const CompletionReport report = run(server, actions, aprilToMay);
+  EXPECT_EQ(report.outcome, QueryOutcome::filled);
+  ASSERT_THAT(report.incomplete, SizeIs(1));
+  EXPECT_EQ(report.incomplete[0].kind, Kind::minute);
+  EXPECT_EQ(report.incomplete[0].minute, sys_days(2004y / 4 / 20) + 9h);
+  EXPECT_EQ(report.incomplete[0].category, 4U);
+  EXPECT_EQ(report.incomplete[0].reason.number(), db::rightMissingNumber);
+  EXPECT_FALSE(report.isComplete());
+  // All other times are whole, and of that one there is what the procedure gives.
+  const auto isOfTheMinute = [](const AuditEntry& entry) {
+    return entry.dateTime && entry.dateTime->starts_with("2004-04-20 09:00") && entry.auditType == "OA";
+  };
+  const auto ofTheMinute =
+      static_cast<std::size_t>(std::count_if(server.entries.begin(), server.entries.end(), isOfTheMinute));
+  ASSERT_GT(ofTheMinute, limit);
+  EXPECT_EQ(shown().size(), expected(server, actions, aprilToMay).size() - ofTheMinute + limit);
+}
+
+TEST_F(CompleteQuery, NamesAlarmsOfAllDatesThatOnlyTheTableCouldFinish) {
+  Server server(trailOf(70));
+  server.tableIsClosed = true;
+  const CompletionReport report = run(server, alarms, aprilToMay);
+  ASSERT_THAT(report.incomplete, SizeIs(1));
+  EXPECT_EQ(report.incomplete[0].kind, Kind::alarmsOfTables);
+  EXPECT_EQ(report.incomplete[0].category, 1U);
+  EXPECT_EQ(shown().size(), limit);
+}
+
+TEST_F(CompleteQuery, NamesRowsWithoutADateThatOnlyTheTableCouldFind) {
+  Server server(trailOf(0));
+  server.tableIsClosed = true;
+  const CompletionReport report = run(server, CategoryFlags().set(6), noRange);
+  ASSERT_THAT(report.incomplete, SizeIs(testing::Ge(1U)));
+  EXPECT_EQ(report.incomplete.back().kind, Kind::undated);
+}
+
+TEST_F(CompleteQuery, IsCompleteWithoutTheTableWhereEachRowHasADate) {
+  std::vector<AuditEntry> entries;
+  for (int i = 0; i < 200; ++i)
+    entries.push_back(
+        {i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i / 5)) + " 08:00:00", "Screen", "X", "OA"});
+  Server server(entries);
+  server.tableIsClosed = true;
+  EXPECT_FALSE(run(server, actions, noRange).isComplete());
+  server.datesAreAlways = true;
+  EXPECT_TRUE(run(server, actions, noRange).isComplete());
+  EXPECT_EQ(shown().size(), 200U);
+}
+
+TEST_F(CompleteQuery, AsksOnceMoreWhereTheConnectionBreaks) {
+  Server server(trailOf(10));
+  server.withinAnswer = [broken = false](std::size_t call) mutable {
+    if (call == 10 && !std::exchange(broken, true)) throw Error(10054, "Connection reset by peer");
+  };
+  expectWhole(server, all, aprilToMay);
+  EXPECT_EQ(server.connections, 2U);
+}
+
+TEST_F(CompleteQuery, SaysWhatBreaksAgainAndLeavesTheListsAsTheyWere) {
+  Server server(trailOf(10));
+  server.beforeCall = [](std::size_t call) {
+    if (call >= 10) throw Error(10054, "Connection reset by peer");
+  };
+  const CompletionReport report = run(server, all, aprilToMay);
+  EXPECT_EQ(report.outcome, QueryOutcome::failed);
+  ASSERT_TRUE(report.failure);
+  EXPECT_EQ(report.failure->number(), 10054);
+  EXPECT_EQ(server.calls, 11U);
+  EXPECT_EQ(lists[0].rowCount(), 0U);
+}
+
+TEST_F(CompleteQuery, KeepsWhatHasComeWhenItIsStopped) {
+  Server server(trailOf(10));
+  std::promise<void> tenth;
+  std::promise<void> released;
+  server.beforeCall = [&](std::size_t call) {
+    if (call != 10) return;
+    tenth.set_value();
+    released.get_future().wait();
+  };
+  auto reached = tenth.get_future();
+  CompletionProgress seen;
+  const CompletionReport report = run(server, all, aprilToMay, [&](const CompletionProgress& progress) {
+    if (reached.wait_for(0s) != std::future_status::ready) return true;
+    seen = progress;
+    released.set_value();
+    return false;
+  });
+  EXPECT_EQ(report.outcome, QueryOutcome::filled);
+  EXPECT_TRUE(report.endedEarly);
+  EXPECT_FALSE(report.isComplete());
+  EXPECT_GT(seen.slices, 1U);
+  EXPECT_EQ(shown().size(), seen.rows);
+  const std::vector<int> numbers = expected(server, all, aprilToMay);
+  EXPECT_LT(shown().size(), numbers.size());
+  const std::vector<int> kept = shown();
+  EXPECT_TRUE(std::includes(numbers.begin(), numbers.end(), kept.begin(), kept.end()));
+}
+
+TEST_F(CompleteQuery, NamesEntriesThatChangeMeanwhile) {
+  std::vector<AuditEntry> entries;
+  for (int i = 0; i < 200; ++i)
+    entries.push_back(
+        {i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i / 5)) + " 08:00:00", "Screen", "X", "OA"});
+  Server server(entries);
+  server.beforeCall = [&](std::size_t call) {
+    if (call != 5) return;
+    // A row of the first day moves behind what has been read.
+    test::DatabaseWriter(server.folder_ / "D.db")
+        .run("UPDATE Korvel_Audit_Trails SET DateTime = '2004-05-09 08:00:00' WHERE Nr = 2");
+  };
+  const CompletionReport report = run(server, actions, {2004y / 4 / 1, 2004y / 5 / 20, true});
+  EXPECT_EQ(report.changedEntryCount, 1U);
+  EXPECT_THAT(report.changedEntries, ElementsAre("2"));
+  EXPECT_EQ(shown().size(), 201U);
+}
+
+TEST_F(CompleteQuery, ReadsNothingWhereNothingIsTicked) {
+  Server server({});
+  EXPECT_EQ(run(server, {}, noRange).outcome, QueryOutcome::noCriteria);
+  EXPECT_EQ(server.calls, 0U);
+}
+
+TEST_F(CompleteQuery, FindsNothingInAnEmptyTrail) {
+  Server server({});
+  EXPECT_EQ(run(server, all, noRange).outcome, QueryOutcome::noRecords);
+}
+
+TEST_F(CompleteQuery, EndsBeforeTheMemoryDoes) {
+  std::vector<AuditEntry> large;
+  for (int i = 0; i < 60; ++i)
+    large.push_back({i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i)) + " 08:00:00",
+                     std::string(1 << 20, 'x'), "X", "OA"});
+  Server server(large);
+  FilterTree tree;
+  tree.selectAll();
+  QuerySurroundings small;
+  small.memory = [] { return results::MemoryState{1, std::uint64_t{1} << 30}; };
+  const std::string connectionString = "a server";
+  const CompleteAnswer answer =
+      completeStandardQuestion({tree, noRange, connectionString}, server.connector(), {}, small, limit);
+  EXPECT_EQ(answer.report().outcome, QueryOutcome::failed);
+  ASSERT_TRUE(answer.report().failure);
+  EXPECT_EQ(answer.report().failure->number(), 7);
+}
+
+TEST(AuditSelection, OnAServerHasTheProceduresConditions) {
+  const auto text = [](std::optional<std::size_t> category, db::AuditSelection::Dates dates) {
+    return db::auditSelectionText({category, dates, "2004-03-07 00:00:00.000", "2004-03-08 00:00:00.000"});
+  };
+  using enum db::AuditSelection::Dates;
+  EXPECT_EQ(text({}, within),
+            "SELECT * FROM Korvel_Audit_Trails WHERE DateTime >= '2004-03-07T00:00:00.000' and DateTime <= "
+            "'2004-03-08T00:00:00.000'");
+  EXPECT_EQ(text(1, within),
+            "SELECT * FROM Korvel_Audit_Trails WHERE AuditType = 'CS' and TableName like 'vel_Alg%' or AuditType = "
+            "'CS' and TableName like 'MS%' and DateTime >= '2004-03-07T00:00:00.000' and DateTime <= "
+            "'2004-03-08T00:00:00.000'");
+  EXPECT_EQ(text(4, outside),
+            "SELECT * FROM Korvel_Audit_Trails WHERE (AuditType = 'OA') and (DateTime is null or DateTime < "
+            "'2004-03-07T00:00:00.000' or DateTime > '2004-03-08T00:00:00.000')");
+}
+
+}  // namespace
+}  // namespace korvel::query
