@@ -9,6 +9,7 @@ enum ExitStatus : int {
   exitWrongUsage = 2,  ///< the command line cannot be obeyed; nothing was tried
   exitDatabase = 3,    ///< the database failed; no file was written
   exitOutput = 4,      ///< the rows, or the demo databases, could not be written
+  exitIncomplete = 5,  ///< rows were written, and it was said what is missing among them
   exitStopped = 130    ///< ended by Ctrl+C; a file was not written
 };
 
@@ -20,6 +21,7 @@ inline constexpr const char* exitStatusHelp =
     "  2  wrong usage; nothing was tried\n"
     "  3  the database failed; number and text on standard error\n"
     "  4  the output could not be written\n"
+    "  5  written, but query --complete could not complete it; what is missing on standard error\n"
     "  130  stopped by Ctrl+C; no file was written\n";
 
 }  // namespace korvel::cli

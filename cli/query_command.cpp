@@ -14,6 +14,7 @@
 #include "db/connection_state.h"
 #include "db/open_connection.h"
 #include "query/alarm_dates.h"
+#include "query/complete_query.h"
 #include "query/query_failure.h"
 #include "settings/string_table.h"
 
@@ -32,7 +33,9 @@ constexpr const char* footer =
     "  C  Document Control    D1 CheckIN         D2 CheckOUT  D3 Rollback    D4 Restore\n"
     "A record that belongs to two of the categories comes twice. With all ten (the default) the\n"
     "answer also holds the audit system's own entries. An answer holds 5000 records at most, of\n"
-    "each category or, with all ten, altogether.\n"
+    "each category or, with all ten, altogether. --complete goes beyond: it asks again for shorter\n"
+    "and shorter times until nothing is cut, joins the answers, and says on standard error whether\n"
+    "the result is complete, and if it is not, what is missing.\n"
     "\n"
     "Lists (--list):\n"
     "  0 ALL Audits   1 Configuration   2 Runtime   3 Document Control   4 KorvelAudit\n"
@@ -133,6 +136,7 @@ void addFilters(CLI::App& command, QueryOptions& options) {
       addDay(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, options.range.RangeToDate);
   from->needs(to);
   to->needs(from);
+  command.add_flag("--complete", options.complete, "Go beyond the 5000 records that an answer holds at most");
 }
 
 void addOutput(CLI::App& command, QueryOptions& options) {
@@ -177,43 +181,76 @@ query::FilterTree treeOf(const QueryOptions& options) {
   return tree;
 }
 
-/// Runs the query and says how it came out; the exit status.
-int fillLists(const QueryOptions& options, const query::Connector& connect, query::ResultLists& lists,
-              std::ostream& err) {
+/// "48,213".
+std::string grouped(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
+  return text;
+}
+
+/// What came of a query: the exit status, and what is said of the rows.
+struct Answered {
+  int status = exitDone;
+  std::string remark;
+};
+
+Answered answered(const QueryOptions& options, const query::FilterTree& tree, const query::QueryReport& report,
+                  const query::ResultLists& lists, std::ostream& err) {
   using query::QueryOutcome;
-  const query::FilterTree tree = treeOf(options);
-  const std::string connectionString = db::buildConnectionString(options.server, options.database);
-  const query::QueryReport report = query::runStandardQuery({tree, options.range, connectionString}, connect, lists,
-                                                            options.list, [] { return !Interruption::requested(); });
-  if (report.outcome == QueryOutcome::stopped) {
-    return stopped(err);
-  }
+  if (report.outcome == QueryOutcome::stopped) return {stopped(err), {}};
   if (report.failure) {
     say(err, "database error " + errorText(*report.failure));
-    return exitDatabase;
+    return {exitDatabase, {}};
   }
   if (report.outcome == QueryOutcome::noCriteria)
-    return refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{}));
+    return {refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{})), {}};
   if (report.outcome == QueryOutcome::noRecords) {
     say(err, settings::loadText(noRecordsText, settings::LanguageOffset{}));
-    return exitNoRecords;
+    return {exitNoRecords, {}};
   }
   if (!options.quiet) sayCounts(lists, err);
   sayNotes(tree, options.range, report, err);
-  if (lists[options.list].rowCount() > 0) return exitDone;
+  // The pages of the other audit types hold no alarm rows.
+  const bool showsAlarms = options.list <= 1 && query::alarmsComeFromAllDates(tree.flags(), options.range);
+  Answered answer{exitDone,
+                  std::string(showsAlarms ? settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{})
+                                          : std::string_view{})};
+  if (lists[options.list].rowCount() > 0) return answer;
   say(err, listText(options.list) + " is empty; nothing was written");
-  return exitNoRecords;
+  return {exitNoRecords, {}};
+}
+
+/// Runs the query and says how it came out.
+Answered fillLists(const QueryOptions& options, const query::Connector& connect, query::ResultLists& lists,
+                   std::ostream& err) {
+  const query::FilterTree tree = treeOf(options);
+  const std::string connectionString = db::buildConnectionString(options.server, options.database);
+  const query::StandardQuestion question{tree, options.range, connectionString};
+  const auto goOn = [] { return !Interruption::requested(); };
+  if (!options.complete)
+    return answered(options, tree, query::runStandardQuery(question, connect, lists, options.list, goOn), lists, err);
+
+  query::CompleteAnswer whole = query::completeStandardQuestion(
+      question, connect, [&](const query::CompletionProgress& /*progress*/) { return goOn(); });
+  // A file holds the answer or stays as it was: what had come when it was stopped is not written.
+  if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err), {}};
+  const query::CompletionReport report = whole.fill(lists, options.list);
+  Answered answer = answered(options, tree, {report.outcome, report.failure, 0}, lists, err);
+  if (report.outcome != query::QueryOutcome::filled) return answer;
+  const std::vector<std::string> texts =
+      query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, grouped);
+  for (const std::string& text : texts) err << text << '\n';
+  if (answer.status != exitDone) return answer;
+  answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
+  if (!report.isComplete()) answer.status = exitIncomplete;
+  return answer;
 }
 
 void writeList(const QueryOptions& options, results::ResultList& list, const output::ByteSink& sink,
-               std::ostream& err) {
-  // The pages of the other audit types hold no alarm rows.
-  const bool showsAlarms = options.list <= 1 && query::alarmsComeFromAllDates(treeOf(options).flags(), options.range);
+               const std::string& remark, std::ostream& err) {
   if (options.sort || options.descending)
     list.sortBy(options.sort.value_or(list.sortKey()),
                 options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
-  const std::string remark(showsAlarms ? settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{})
-                                       : std::string_view{});
   options.format->write({list, query::pageCaptions[options.list], remark}, sink, err);
 }
 
@@ -267,10 +304,11 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
     try {
       // The target is there before the query runs: a place that cannot be written to costs nobody a long wait.
       writeTo(options.output, out, [&](const output::ByteSink& sink) {
-        status = fillLists(options, connect, lists, err);
+        const Answered answer = fillLists(options, connect, lists, err);
+        status = answer.status;
         // Leaves a file as it was.
-        if (status != exitDone) throw NothingToWrite{};
-        writeList(options, lists[options.list], untilInterrupted(sink), err);
+        if (status != exitDone && status != exitIncomplete) throw NothingToWrite{};
+        writeList(options, lists[options.list], untilInterrupted(sink), answer.remark, err);
       });
     } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
     } catch (const Stopped&) {

@@ -22,7 +22,8 @@ struct QueryOptions {
   std::size_t list = 0;
   std::optional<results::ColumnIndex> sort;
   bool descending = false;
-  bool quiet = false;  ///< no row counts
+  bool quiet = false;     ///< no row counts
+  bool complete = false;  ///< beyond the procedure's limit
   const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
 };

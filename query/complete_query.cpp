@@ -1,5 +1,7 @@
 #include "query/complete_query.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <mutex>
 #include <utility>
@@ -10,6 +12,7 @@
 #include "query/query_failure.h"
 #include "query/row_join.h"
 #include "results/out_of_memory.h"
+#include "settings/explained_error.h"
 
 namespace korvel::query {
 namespace {
@@ -18,6 +21,14 @@ constexpr std::size_t alarms = 1;  // parameter 2, counted from 0
 
 /// The query was asked to stop.
 struct Stopped {};
+
+/// The caption of a category in the filter tree, with that of its group, because some captions are those of two.
+std::string categoryCaption(std::size_t category) {
+  for (const FilterNode& node : filterNodes())
+    if (node.argument == category + 1)
+      return std::string(filterNodes().at(node.parent - 1).caption) + " / " + std::string(node.caption);
+  return {};
+}
 
 /// What a call asks for, and the two texts of its dates.
 struct Call {
@@ -152,7 +163,9 @@ class Completion {
       for (std::size_t i = 0; i < flags_.size(); ++i)
         if (flags_[i]) categories.emplace_back(i);
     if (first.size() < categories.size()) first.resize(categories.size());
-    collected_.change([&](RowJoin& /*join*/, CompletionReport& report) { report.slices = 1; });
+    const bool isJoined =
+        !std::all_of(first.begin(), first.end(), [&](const BufferedRows& rows) { return isCut(rows); });
+    collected_.change([&](RowJoin& /*join*/, CompletionReport& report) { report.slices = isJoined ? 1 : 0; });
     for (std::size_t i = 0; i < categories.size(); ++i) {
       collected_.change([&](RowJoin& join, CompletionReport& /*report*/) {
         join.beginCategory(categories[i] == alarms);
@@ -189,18 +202,16 @@ class Completion {
   /// Finishes a category whose answer was cut.
   void finish(std::optional<std::size_t> category, const BufferedRows& sample) {
     DateSlices slices(timeAskedFor(), sample.minutes(), rowLimit_);
-    if (category == alarms) {
-      // These come with every slice, whatever its time: a time without any other rows tells how many they are.
-      const TimeSlice firstMinute{allServerDays().first, allServerDays().first};
-      const std::vector<BufferedRows> ofAllDates = ask(callOf(category, firstMinute));
-      const std::size_t count = ofAllDates.empty() ? 0 : ofAllDates.front().rowCount();
-      if (count >= rowLimit_) {
-        finishBySelect(category, timeAskedFor(), IncompletePart::Kind::alarmsOfTables, sample);
-        finishUndated(category, sample);
-        return;
-      }
-      slices.reserve(count);
+    // Alarm rows of the vel_Alg tables come whatever the time: a time without any other rows tells how many they are.
+    const TimeSlice firstMinute{allServerDays().first, allServerDays().first};
+    const std::vector<BufferedRows> ofAllDates = ask(callOf(category, firstMinute));
+    const std::size_t count = ofAllDates.empty() ? 0 : ofAllDates.front().rowCount();
+    if (count >= rowLimit_) {
+      finishBySelect(category, timeAskedFor(), IncompletePart::Kind::ofAllDates, sample);
+      finishUndated(category, sample);
+      return;
     }
+    slices.reserve(count);
     while (const auto slice = slices.current()) {
       const std::vector<BufferedRows> answer = ask(callOf(category, *slice));
       const BufferedRows none;
@@ -311,6 +322,33 @@ class Completion {
 };
 
 }  // namespace
+
+std::vector<std::string> completionTexts(const CompletionReport& report, std::size_t records,
+                                         const settings::LanguageOffset& language,
+                                         const std::function<std::string(std::size_t)>& count) {
+  const auto text = [&](std::string_view key, const std::vector<std::string>& values = {}) {
+    return settings::filled(settings::ownText(key, language), values);
+  };
+  const char* const summary = !report.isComplete() ? "complete.not"
+                              : report.calls <= 1  ? "complete.wholeOfOne"
+                                                   : "complete.whole";
+  std::vector<std::string> texts{text(summary, {count(records), count(report.slices)})};
+  if (report.endedEarly) texts.push_back(text("complete.stopped"));
+  for (const IncompletePart& part : report.incomplete) {
+    const std::string category = part.category ? categoryCaption(*part.category) : text("complete.allCategories");
+    constexpr std::array keys{"complete.minute", "complete.ofAllDates", "complete.undated"};
+    texts.push_back(text(
+        keys.at(static_cast<std::size_t>(part.kind)),
+        {category, minuteText(part.minute), count(db::rowLimitPerResult), settings::describe(part.reason, language)}));
+  }
+  if (report.changedEntryCount > 0) {
+    std::string named;
+    for (const std::string& entry : report.changedEntries) named.append(named.empty() ? "" : ", ").append(entry);
+    if (report.changedEntryCount > report.changedEntries.size()) named += ", ...";
+    texts.push_back(text("complete.changed", {count(report.changedEntryCount), named}));
+  }
+  return texts;
+}
 
 CompleteAnswer::CompleteAnswer() = default;
 CompleteAnswer::CompleteAnswer(CompleteAnswer&&) noexcept = default;

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,15 +11,16 @@
 #include "base/error.h"
 #include "query/date_slices.h"
 #include "query/standard_query.h"
+#include "settings/string_table.h"
 
 namespace korvel::query {
 
 /// A part of an answer that could not be finished.
 struct IncompletePart {
   enum class Kind {
-    minute,          ///< more rows of one minute than the procedure returns
-    alarmsOfTables,  ///< more alarm rows of all dates than the procedure returns
-    undated          ///< rows without a date, which no range finds
+    minute,      ///< more rows of one minute than the procedure returns
+    ofAllDates,  ///< more rows than the procedure returns come whatever the time: alarm rows of the vel_Alg tables
+    undated      ///< rows without a date, which no range finds
   };
 
   Kind kind = Kind::minute;
@@ -49,6 +51,12 @@ struct CompletionReport {
     return outcome == QueryOutcome::filled && incomplete.empty() && !endedEarly;
   }
 };
+
+/// What is said of a completed answer: whether it is complete, of how many records and slices, and then, a text each,
+/// what is missing and what changed meanwhile. `count` writes a number of records or slices.
+[[nodiscard]] std::vector<std::string> completionTexts(const CompletionReport& report, std::size_t records,
+                                                       const settings::LanguageOffset& language,
+                                                       const std::function<std::string(std::size_t)>& count);
 
 struct CompletionProgress {
   std::size_t rows = 0;

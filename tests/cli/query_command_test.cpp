@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -118,6 +119,53 @@ TEST_F(QueryCommand, SaysWhenTheServerMayHoldMore) {
             std::string::npos);
   server.answer[0].rows.pop_back();
   EXPECT_EQ(run({"--format", "csv"}).err.find("note:"), std::string::npos);
+}
+
+TEST_F(QueryCommand, CompletesAnAnswerThatIsCut) {
+  // Whatever the dates, as many rows as the procedure returns: the table has them all.
+  server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
+  const ToolRun tool = run({"--complete", "--format", "csv", "--quiet"});
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_EQ(tool.err, "complete: 5,000 records from 2 slices\n");
+  EXPECT_EQ(std::count(tool.out.begin(), tool.out.end(), '\n'), 5001);
+  EXPECT_EQ(server.executed.size(), 4U);
+  EXPECT_TRUE(server.executed[2].starts_with("SELECT * FROM Korvel_Audit_Trails WHERE DateTime >= '1753-01-01T"))
+      << server.executed[2];
+}
+
+TEST_F(QueryCommand, AsksOnceForACompleteAnswerThatIsNotCut) {
+  const ToolRun tool = run({"--complete", "--quiet"});
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_EQ(tool.err, "complete: 4 records\n");
+  EXPECT_EQ(tool.out, run({}).out);
+}
+
+TEST_F(QueryCommand, SaysWhatIsMissingFromAnAnswerThatCannotBeCompleted) {
+  server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
+  server.refusesExecution = [&] {
+    if (server.executed.back().starts_with("SELECT")) throw Error(229, "The SELECT permission was denied.");
+  };
+  const ToolRun tool = run({"--complete", "--format", "csv", "--quiet"});
+  EXPECT_EQ(tool.status, exitIncomplete);
+  EXPECT_EQ(tool.err,
+            "incomplete: 5,000 records\n"
+            "all categories: more than 5,000 records come from all dates, whatever is asked for; the table cannot be "
+            "read instead: The SELECT permission was denied.\n"
+            "all categories: records without a date cannot be asked for, and the table cannot be read instead: The "
+            "SELECT permission was denied.\n");
+  EXPECT_EQ(std::count(tool.out.begin(), tool.out.end(), '\n'), 5001);
+}
+
+TEST_F(QueryCommand, LeavesFilesAsTheyWereWhereCompletingFails) {
+  writeWholeFile(folder / "out", "earlier");
+  server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
+  server.refusesExecution = [&] {
+    if (server.executed.size() > 1) throw Error(10054, "connection reset");
+  };
+  const ToolRun tool = run({"--complete", "--output", (folder / "out").string()});
+  EXPECT_EQ(tool.status, exitDatabase);
+  EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
+  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
 }
 
 TEST_F(QueryCommand, QuietLeavesOutTheCountsAndNothingElse) {

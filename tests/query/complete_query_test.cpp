@@ -287,7 +287,7 @@ TEST_F(CompleteQuery, NamesAlarmsOfAllDatesThatOnlyTheTableCouldFinish) {
   server.tableIsClosed = true;
   const CompletionReport report = run(server, alarms, aprilToMay);
   ASSERT_THAT(report.incomplete, SizeIs(1));
-  EXPECT_EQ(report.incomplete[0].kind, Kind::alarmsOfTables);
+  EXPECT_EQ(report.incomplete[0].kind, Kind::ofAllDates);
   EXPECT_EQ(report.incomplete[0].category, 1U);
   EXPECT_EQ(shown().size(), limit);
 }
