@@ -1,5 +1,7 @@
 #include "control/printer_pages.h"
 
+#include <QPointer>
+#include <QPrintDialog>
 #include <QPrinter>
 
 namespace korvel::control {
@@ -7,6 +9,16 @@ namespace korvel::control {
 using output::pages::Orientation;
 using output::pages::PageSelection;
 using output::pages::PaintedPages;
+
+bool showPrintDialog(QWidget* owner, QPrinter& printer) {
+  const QPointer<QPrintDialog> dialog = new QPrintDialog(&printer, owner);
+  // Pages are chosen here, not by the printer's service: a file has none.
+  dialog->setOption(QAbstractPrintDialog::PrintPageRange);
+  dialog->setOption(QAbstractPrintDialog::PrintCollateCopies);
+  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
+  delete dialog;
+  return chosen;
+}
 
 PageSelection pageSelection(const QPrinter& printer) {
   PageSelection selection;

@@ -8,13 +8,12 @@
 #include <memory>
 #include <utility>
 
+#include "control/file_programs.h"
 #include "control/forms/about.h"
 #include "control/forms/report_preview.h"
-#include "control/help_viewer.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/system_dialogs.h"
-#include "control/text_editor.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
 #include "output/forms/print_font_form.h"

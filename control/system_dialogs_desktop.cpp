@@ -4,7 +4,7 @@
 #include <QFontDialog>
 #include <QPointer>
 
-#include "control/print_dialog.h"
+#include "control/printer_pages.h"
 #include "control/system_dialogs.h"
 
 namespace korvel::control {

@@ -7,7 +7,7 @@
 #include "control/folder_browser_windows.h"
 #include "control/font_chooser_windows.h"
 #include "control/native_window_windows.h"
-#include "control/print_dialog.h"
+#include "control/printer_pages.h"
 #include "control/texts.h"
 
 namespace korvel::control {

@@ -13,6 +13,10 @@
 
 namespace korvel::control {
 
+LibraryVersion libraryVersion() noexcept {
+  return {KORVEL_VERSION_MAJOR, KORVEL_VERSION_MINOR, KORVEL_VERSION_REVISION};
+}
+
 QString aboutText(const LibraryVersion& version) {
   // One number after the other in plain digits, whatever the locale.
   return QStringLiteral("Korvel Audit Viewer - v") + QString::number(version.majorNumber) + QLatin1Char('.') +

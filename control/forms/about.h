@@ -2,8 +2,6 @@
 
 #include <QDialog>
 
-#include "control/library_version.h"
-
 class QLabel;
 class QPushButton;
 
@@ -12,6 +10,15 @@ class ApplicationIconPicture;
 }
 
 namespace korvel::control {
+
+struct LibraryVersion {
+  int majorNumber = 0;
+  int minorNumber = 0;
+  int revision = 0;
+};
+
+/// The version of the component library that this code is part of.
+[[nodiscard]] LibraryVersion libraryVersion() noexcept;
 
 /// The text of the version label. Deliberately English in every language, as the whole box is.
 [[nodiscard]] QString aboutText(const LibraryVersion& version);

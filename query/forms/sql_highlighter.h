@@ -1,14 +1,33 @@
 #pragma once
 
+#include <QColor>
 #include <QSyntaxHighlighter>
-
 #include <array>
 #include <vector>
 
-#include "query/forms/sql_colours.h"
 #include "query/sql_tokens.h"
 
+namespace korvel::ui {
+struct Theme;
+}
+
 namespace korvel::query {
+struct Theme;
+}
+
+namespace korvel::query {
+
+/// What SQL is written in. All of it keeps a contrast of at least 4.5:1 to the editor's ground, to the ground of the
+/// line that an error was found in, and to a pair of parentheses.
+struct SqlColours {
+  QColor keyword;
+  QColor literal;  ///< texts and numbers
+  QColor comment;
+  QColor errorLine;  ///< ground
+  QColor pair;       ///< ground of two parentheses that belong together
+
+  [[nodiscard]] static SqlColours of(const ui::Theme& theme);
+};
 
 /// The tokens of a block, whose line began before it where it `continues` one. `state` is what the block before leaves
 /// open and becomes what this one does: toNumber(), and whether a comment to the end of the line goes on.

@@ -9,7 +9,7 @@
 #include <QUrl>
 
 #include "base/whole_file.h"
-#include "control/help_viewer.h"
+#include "control/file_programs.h"
 #include "control/qt_control_services.h"
 #include "tests/support/opened_files.h"
 #include "tests/support/temporary_folder.h"

@@ -5,8 +5,7 @@
 #include <string>
 
 #include "base/error.h"
-#include "control/html_help_windows.h"
-#include "control/notepad_windows.h"
+#include "control/file_programs_windows.h"
 #include "output/windows_error.h"
 #include "settings/code_page.h"
 

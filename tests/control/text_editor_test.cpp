@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "base/whole_file.h"
-#include "control/text_editor.h"
+#include "control/file_programs.h"
 #include "output/windows_error.h"
 #include "tests/support/opened_files.h"
 #include "tests/support/temporary_folder.h"

@@ -10,8 +10,8 @@
 #include <QTextLayout>
 #include <random>
 
-#include "query/forms/sql_colours.h"
 #include "query/forms/sql_editor.h"
+#include "query/forms/sql_highlighter.h"
 #include "ui/style/theme.h"
 
 namespace korvel::test {

@@ -17,7 +17,7 @@
 #include <QTextLayout>
 #include <QVBoxLayout>
 
-#include "query/forms/sql_colours.h"
+#include "query/forms/sql_highlighter.h"
 #include "settings/string_table.h"
 #include "ui/style/palettes.h"
 #include "ui/style/theme.h"

@@ -1,9 +1,11 @@
-// Help where there is no HTML Help: whatever program the desktop opens such files with.
+// Help files and text files, opened by what the desktop has for them.
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QProcess>
 #include <QUrl>
 
-#include "control/help_viewer.h"
+#include "control/file_programs.h"
+#include "output/windows_error.h"
 
 namespace korvel::control {
 
@@ -15,6 +17,14 @@ HelpOutcome openHelpFile(const QWidget* /*owner*/, const QString& file, HelpComm
   // As an absolute address, so that nothing in the name is taken for an option or for an address of another kind.
   return QDesktopServices::openUrl(QUrl::fromLocalFile(found.absoluteFilePath())) ? HelpOutcome::done
                                                                                   : HelpOutcome::noViewer;
+}
+
+void startTextEditor(const QString& file) {
+  // A program with arguments of its own, in the manner of a command line, but without a shell's powers.
+  QStringList command = QProcess::splitCommand(qEnvironmentVariable("KORVEL_EDITOR"));
+  const bool started = command.isEmpty() ? QDesktopServices::openUrl(QUrl::fromLocalFile(file))
+                                         : QProcess::startDetached(command.takeFirst(), command << file);
+  if (!started) throw output::windowsError(output::errorFileNotFound);
 }
 
 }  // namespace korvel::control

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include "control/help_viewer.h"
+#include "control/file_programs.h"
 
 namespace korvel::control {
 
@@ -18,5 +18,12 @@ using HtmlHelpFunction = HWND(WINAPI*)(HWND, LPCSTR, UINT, DWORD_PTR);
 /// Hands a help file to HTML Help, its path in the system's code page. `open` may be null: then only an empty path,
 /// which shows nothing anyway, is not missed.
 HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command);
+
+/// What "notepad" is started with: its name and the path, in quotes where the path has a blank.
+[[nodiscard]] QString notepadCommand(const QString& file);
+
+/// Starts the program at `program` with a command line, in a window of its own that is shown as usual. Throws Error 53
+/// where it cannot be started.
+void startWindowsProgram(const QString& program, const QString& commandLine);
 
 }  // namespace korvel::control

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include "control/control_services.h"
 
 namespace korvel::control {
@@ -12,5 +14,9 @@ enum class HelpOutcome {
 
 /// Hands a help file to the platform's viewer, which runs beside the control. An empty path shows nothing.
 HelpOutcome openHelpFile(const QWidget* owner, const QString& file, HelpCommand command);
+
+/// Starts the system's text editor on `file`, in a window of its own, and returns at once. The name is handed over as
+/// it is, never through a shell. Throws Error with the numbers of outputs where no editor can be started.
+void startTextEditor(const QString& file);
 
 }  // namespace korvel::control

@@ -1,1 +1,0 @@
-// The component library is made of korvel_control as a whole; this file only gives the linker something to start from.
