@@ -30,7 +30,7 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsSe
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.trustServerCertificate = true;
   const std::string server = "localhost," + std::to_string(tdsServer.port());
-  control::surroundings().connect = [&](std::string_view, const std::stop_token& stop) {
+  control::platform().connect = [&](std::string_view, const std::stop_token& stop) {
     db::odbc::ServerAccess stoppable = access;
     stoppable.stop = stop;
     return db::odbc::openServer(server, "Korvel_Audit", stoppable);

@@ -44,12 +44,12 @@ class StatusText {
 
 /// While it lives, no control of the program begins a query: it would run inside of the one that is waited for, which
 /// could not be stopped meanwhile.
-class QueryRuns {
+class QueryRunning {
  public:
-  QueryRuns() { libraryState().queryRuns = true; }
-  ~QueryRuns() { libraryState().queryRuns = false; }
-  QueryRuns(const QueryRuns&) = delete;
-  QueryRuns& operator=(const QueryRuns&) = delete;
+  QueryRunning() { libraryState().queryRunning = true; }
+  ~QueryRunning() { libraryState().queryRunning = false; }
+  QueryRunning(const QueryRunning&) = delete;
+  QueryRunning& operator=(const QueryRunning&) = delete;
 };
 
 }  // namespace
@@ -67,8 +67,8 @@ AuditQueries::AuditQueries(AuditViewer& viewer, const MessageBoxes& messages, Su
 }
 
 void AuditQueries::btQuery_Click() {
-  if (libraryState().queryRuns) return;
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  if (libraryState().queryRunning) return;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   {
     std::optional<ui::BusyPointer> busy(std::in_place, *services);
@@ -99,7 +99,7 @@ void AuditQueries::TriggerQuery() {
   using Change = ResultListModel::RowsChange;
 
   // A call that was queued while a query runs: it would run inside of that.
-  if (libraryState().queryRuns) return;
+  if (libraryState().queryRunning) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -122,8 +122,8 @@ void AuditQueries::TriggerQuery() {
   DisplayNoOfRecords();
   query::StandardAnswer whole;
   const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
-    whole = query::askStandardQuestion({filterTree_, range, answer.connectionString}, surroundings().connect, goOn,
-                                       surroundings().queryMachine);
+    whole = query::askStandardQuestion({filterTree_, range, answer.connectionString}, platform().connect, goOn,
+                                       platform().queryEnvironment);
   });
   if (use == AnswerUse::controlIsGone) return;
   if (use == AnswerUse::outdated) whole = query::StandardAnswer::stopped();
@@ -167,7 +167,7 @@ void AuditQueries::TriggerQuery() {
 }
 
 void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
-  if (libraryState().queryRuns) return;
+  if (libraryState().queryRunning) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
   if (!alive) return;
@@ -191,8 +191,8 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
       if (alive && rows > 0) surface_.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(ui::countText(rows)));
       return goOn();
     };
-    report = query::runCustomQuery(text, shown.connectionString, surroundings().connect, answer, progress,
-                                   surroundings().queryMachine);
+    report = query::runCustomQuery(text, shown.connectionString, platform().connect, answer, progress,
+                                   platform().queryEnvironment);
   });
   if (use == AnswerUse::controlIsGone) return;
   if (use == AnswerUse::outdated) report = {query::CustomOutcome::stopped, std::nullopt};
@@ -236,7 +236,7 @@ AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const 
   const int selection = answers_.selections();
   const auto isStale = [&] { return !alive || answers_.selections() != selection; };
   const QString statusBefore = surface_.StatusBar1->status();
-  const QueryRuns runs;
+  const QueryRunning runs;
   {
     ui::QueryWatch watch;
     ask([&] { return !isStale() && watch.goOn() && !isStale(); });

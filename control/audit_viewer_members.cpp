@@ -46,7 +46,7 @@ AuditViewer::Members::~Members() {
 }
 
 void AuditViewer::Members::Initialize() {
-  const auto backend = control::surroundings().openSettings();
+  const auto backend = control::platform().openSettings();
   libraryState().language = settings::storedLanguage(*backend);
 
   listCommands.ListViewColSetup();

@@ -47,18 +47,18 @@ bool isMenu(const CommandItem& item) {
 }
 
 /// A menu that tells of every item under the pointer.
-class TellingMenu final : public QMenu {
+class HoverMenu final : public QMenu {
  public:
-  TellingMenu(QWidget* parent, std::function<void(QAction*)> reached) : QMenu(parent), reached_(std::move(reached)) {}
+  HoverMenu(QWidget* parent, std::function<void(QAction*)> hovered) : QMenu(parent), hovered_(std::move(hovered)) {}
 
  protected:
   void mouseMoveEvent(QMouseEvent* event) override {
     QMenu::mouseMoveEvent(event);
-    if (QAction* const action = actionAt(event->position().toPoint())) reached_(action);
+    if (QAction* const action = actionAt(event->position().toPoint())) hovered_(action);
   }
 
  private:
-  std::function<void(QAction*)> reached_;
+  std::function<void(QAction*)> hovered_;
 };
 
 /// Marks the actions that an adapter made for an item: what they were made for.
@@ -85,7 +85,7 @@ CommandActions::CommandActions(QWidget& container, CommandHooks hooks)
 void CommandActions::mirror(const Items& items) {
   bound_.clear();
   if (!fits(container_, items)) {
-    dismantle(container_);
+    removeActions(container_);
     build(container_, items);
   }
   bind(container_, items);
@@ -107,7 +107,7 @@ bool CommandActions::fits(const QWidget& container, const Items& items) const {
   return true;
 }
 
-void CommandActions::dismantle(QWidget& container) {
+void CommandActions::removeActions(QWidget& container) {
   const QList<QAction*> actions = container.actions();
   for (QAction* action : actions) {
     container.removeAction(action);
@@ -132,7 +132,7 @@ void CommandActions::build(QWidget& container, const Items& items) {
 }
 
 QMenu* CommandActions::makeMenu(QWidget& container, const CommandItem& item) {
-  auto* menu = new TellingMenu(&container, [this](QAction* action) { reach(action); });
+  auto* menu = new HoverMenu(&container, [this](QAction* action) { hover(action); });
   menu->setObjectName(fromUtf8(item.key));
   build(*menu, item.children);
   QAction* const action = menu->menuAction();
@@ -183,10 +183,10 @@ void CommandActions::setShortcut(QAction& action, const QKeySequence& key) {
 }
 
 void CommandActions::refresh() {
-  for (auto it = bound_.cbegin(); it != bound_.cend(); ++it) it.key()->setEnabled(usable(*it.value()));
+  for (auto it = bound_.cbegin(); it != bound_.cend(); ++it) it.key()->setEnabled(isUsable(*it.value()));
 }
 
-bool CommandActions::usable(const CommandItem& item) const {
+bool CommandActions::isUsable(const CommandItem& item) const {
   if (!item.enabled) return false;
   return isMenu(item) || isSeparator(item) || !hooks_.available || hooks_.available(item);
 }

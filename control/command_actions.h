@@ -42,19 +42,19 @@ class CommandActions {
   /// Asks anew which commands are available.
   void refresh();
   /// The pointer is on this action of the container. Containers themselves tell only of what can be chosen.
-  void reach(QAction* action) const { highlight(action); }
+  void hover(QAction* action) const { highlight(action); }
 
  private:
   [[nodiscard]] bool fits(const QWidget& container, const Items& items) const;
   void build(QWidget& container, const Items& items);
   void bind(QWidget& container, const Items& items);
-  void dismantle(QWidget& container);
+  void removeActions(QWidget& container);
   void setShortcut(QAction& action, const QKeySequence& key);
   QAction* makeAction(QWidget& container, const CommandItem& item);
   QMenu* makeMenu(QWidget& container, const CommandItem& item);
   void click(QAction* action);
   void highlight(QAction* action) const;
-  [[nodiscard]] bool usable(const CommandItem& item) const;
+  [[nodiscard]] bool isUsable(const CommandItem& item) const;
 
   QWidget& container_;
   CommandHooks hooks_;

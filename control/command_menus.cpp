@@ -70,7 +70,7 @@ bool CommandMenuBar::event(QEvent* event) {
 // Also while one of its menus is open: pointer events are passed on to the bar then.
 void CommandMenuBar::mouseMoveEvent(QMouseEvent* event) {
   QMenuBar::mouseMoveEvent(event);
-  if (QAction* const action = actionAt(event->position().toPoint())) actions_->reach(action);
+  if (QAction* const action = actionAt(event->position().toPoint())) actions_->hover(action);
 }
 
 // Its own entries are highlighted without any menu being open: by a pointer that crosses the bar, or after Esc.

@@ -53,7 +53,7 @@ void CustomPage::offerCustomQuery() {
 }
 
 void CustomPage::btSave_Click() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Custom Query Path"), 0);
   if (!alive || folder.isEmpty()) return;
@@ -73,7 +73,7 @@ void CustomPage::btSave_Click() {
 }
 
 void CustomPage::btOpen_Click() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   const QString folder = viewer_.GetExportPath(QStringLiteral("Browse for Custom Query File"), 0);
   if (!alive || folder.isEmpty()) return;
@@ -96,7 +96,7 @@ void CustomPage::btClearAdvQuery_Click() {
 }
 
 void CustomPage::btEmunFields_Click() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   std::string& picked = libraryState().queryChoices.pickedQuery;
   picked.clear();

@@ -25,7 +25,7 @@ DatabaseSelection::DatabaseSelection(AuditViewer& viewer, const MessageBoxes& me
 }
 
 void DatabaseSelection::SelectDatabase() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   services->showForm(&viewer_, formName::serverBrowser);
   if (!alive) return;

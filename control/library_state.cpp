@@ -12,12 +12,12 @@ LibraryState& libraryState() {
   return state;
 }
 
-Surroundings& surroundings() {
-  static Surroundings real{std::make_shared<QtControlServices>(),
-                           &settings::platformBackend,
-                           &db::openConnection,
-                           &db::makeServerDirectory,
-                           {}};
+Platform& platform() {
+  static Platform real{std::make_shared<QtControlServices>(),
+                       &settings::platformBackend,
+                       &db::openConnection,
+                       &db::makeServerDirectory,
+                       {}};
   return real;
 }
 

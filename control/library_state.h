@@ -35,7 +35,7 @@ struct LibraryState {
   output::PrintFont printFont;
   PendingReport pendingReport;
   /// A control asks a database, and waits for it.
-  bool queryRuns = false;
+  bool queryRunning = false;
   /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
   QString helpFile;
 };
@@ -44,16 +44,16 @@ struct LibraryState {
 [[nodiscard]] LibraryState& libraryState();
 
 /// The outside world as the control sees it; replaced as a whole by tests.
-struct Surroundings {
+struct Platform {
   std::shared_ptr<ControlServices> services;
   std::function<std::unique_ptr<settings::SettingsBackend>()> openSettings;
   query::Connector connect;
   std::function<std::unique_ptr<db::ServerDirectory>()> openDirectory;
   /// Clock and memory that custom queries run by.
-  query::QuerySurroundings queryMachine{};
+  query::QuerySurroundings queryEnvironment{};
 };
 
 /// Dialogs of Qt, the platform's settings store, the database engines, the servers of the network.
-[[nodiscard]] Surroundings& surroundings();
+[[nodiscard]] Platform& platform();
 
 }  // namespace korvel::control

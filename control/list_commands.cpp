@@ -109,7 +109,7 @@ void ListCommands::adjustColumns() {
 }
 
 void ListCommands::ChangeFont() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   const auto font = services->chooseFont(&viewer_, surface_.lvListView[0]->font());
   if (!alive || !font) return;

@@ -42,7 +42,7 @@ std::filesystem::path toPath(const QString& text) {
 
 /// The file is written, whatever becomes of the editor: a failure says where it lies.
 void openInEditor(const QString& file) {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   try {
     services->startEditor(file);
   } catch (const Error& error) {
@@ -61,7 +61,7 @@ ListOutputs::ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surf
 }
 
 QString ListOutputs::GetExportPath(const QString& dialogtext, int files) {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const std::optional<QString> folder = services->chooseFolder(&viewer_, dialogtext, files > 0);
   // Deliberately also behind a root, which ends in a separator already.
   return folder ? QDir::toNativeSeparators(*folder) + QDir::separator() : QString();
@@ -76,7 +76,7 @@ bool ListOutputs::hasSomethingToExport() {
 void ListOutputs::exportCurrentList(
     const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
     const std::function<void(const QString& file)>& open) {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   QProgressBar& bar = *surface_.StatusBar1->ProgressBar1;
   const results::ResultList& list = surface_.currentList().listModel().list();
@@ -155,7 +155,7 @@ void ListOutputs::PreviewReport() {
 }
 
 void ListOutputs::writeReport() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   try {
     const std::filesystem::path file = output::exportPath(output::reportName);
     const std::string caption = surface_.SSTab1->tabText(static_cast<int>(surface_.currentTab())).toStdString();

@@ -54,7 +54,7 @@ void MessageBoxes::inform(const QString& title, const QString& text) const {
 }
 
 void MessageBoxes::show(ui::MessageIcon icon, const QString& title, const QString& text) const {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   services->messageBox(&viewer_, icon, title, text);
 }
 

@@ -20,14 +20,14 @@ HWND nativeWindow(const QWidget* widget) {
   return reinterpret_cast<HWND>(widget->window()->winId());
 }
 
-WindowsStopped::WindowsStopped(HWND owner) : active_(GetActiveWindow()) {
-  EnumThreadWindows(GetCurrentThreadId(), &noteUsable, reinterpret_cast<LPARAM>(&stopped_));
-  std::erase(stopped_, owner);
-  for (const HWND window : stopped_) EnableWindow(window, FALSE);
+DisabledWindows::DisabledWindows(HWND owner) : active_(GetActiveWindow()) {
+  EnumThreadWindows(GetCurrentThreadId(), &noteUsable, reinterpret_cast<LPARAM>(&disabled_));
+  std::erase(disabled_, owner);
+  for (const HWND window : disabled_) EnableWindow(window, FALSE);
 }
 
-WindowsStopped::~WindowsStopped() {
-  for (const HWND window : stopped_) EnableWindow(window, TRUE);
+DisabledWindows::~DisabledWindows() {
+  for (const HWND window : disabled_) EnableWindow(window, TRUE);
   // A dialog without an owner left while none of our windows could take its place, so the system may have taken another
   // program's. Within the moment after it, ours may still come to the front.
   if (active_ != nullptr) SetForegroundWindow(active_);

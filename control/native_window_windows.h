@@ -13,16 +13,16 @@ namespace korvel::control {
 
 /// While it lives, no window of this thread takes keys or clicks, but for `owner`, which the dialog stops and wakes
 /// itself. For dialogs of the system, which know nothing of windows that are not their owner.
-class WindowsStopped {
+class DisabledWindows {
  public:
-  explicit WindowsStopped(HWND owner = nullptr);
-  ~WindowsStopped();
-  WindowsStopped(const WindowsStopped&) = delete;
-  WindowsStopped& operator=(const WindowsStopped&) = delete;
+  explicit DisabledWindows(HWND owner = nullptr);
+  ~DisabledWindows();
+  DisabledWindows(const DisabledWindows&) = delete;
+  DisabledWindows& operator=(const DisabledWindows&) = delete;
 
  private:
   HWND active_;
-  std::vector<HWND> stopped_;
+  std::vector<HWND> disabled_;
 };
 
 }  // namespace korvel::control

@@ -60,13 +60,13 @@ class PointerForDialog {
 
 QDialog* makeServerBrowser(QWidget* owner) {
   LibraryState& state = libraryState();
-  const Surroundings& world = surroundings();
+  const Platform& world = platform();
   return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
 }
 
 QDialog* makeDateRange(QWidget* owner) {
   LibraryState& state = libraryState();
-  query::DateRangeSurroundings range{state.dateRange, state.language, surroundings().services};
+  query::DateRangeContext range{state.dateRange, state.language, platform().services};
   range.newestDay = state.newestDay;
   return new query::frmAdvancedFilters(std::move(range), owner);
 }
@@ -74,12 +74,12 @@ QDialog* makeDateRange(QWidget* owner) {
 template <typename Form>
 QDialog* makeQueryForm(QWidget* owner) {
   LibraryState& state = libraryState();
-  return new Form({state.queryChoices, state.language, surroundings().services}, owner);
+  return new Form({state.queryChoices, state.language, platform().services}, owner);
 }
 
 QDialog* makePrintFont(QWidget* owner) {
   LibraryState& state = libraryState();
-  return new output::frmPrintFont({state.printFont, state.language, surroundings().services}, owner);
+  return new output::frmPrintFont({state.printFont, state.language, platform().services}, owner);
 }
 
 QDialog* makeAbout(QWidget* owner) {

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-#include "control/forms/pages_window.h"
+#include "control/forms/page_progress_dialog.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/printer_pages.h"
@@ -77,13 +77,13 @@ void ReportViewer::print(ExecOption option) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(QStringLiteral("KorvelAudit Report"));
   printer.setCreator(QStringLiteral("Korvel Audit Viewer"));
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   if (option == ExecOption::promptUser && !services->choosePrinter(&owner_, printer)) return;
   if (!alive) return;
 
   output::pages::PaintedPages painted;
   {
-    PagesWindow window(owner_);
+    PageProgressDialog window(owner_);
     const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
     painted = printer.outputFileName().isEmpty() ? printPages(*report, printer, pageTexts(), progress)
                                                  : printIntoFile(*report, printer, progress);
@@ -108,11 +108,11 @@ void ReportViewer::preview() {
   auto sheets = std::make_unique<output::pages::ReportSheets>(openReport(), pageTexts());
   const QPointer<ReportViewer> alive(this);
   {
-    PagesWindow window(owner_);
+    PageProgressDialog window(owner_);
     if (!sheets->layOut([&](int page, int pages) { return window.show(page, pages); })) return;
   }
   if (!alive) return;
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   const bool wanted = services->showPreview(&owner_, std::move(sheets));
   if (alive && wanted) print(ExecOption::promptUser);
 }

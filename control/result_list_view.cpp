@@ -23,12 +23,12 @@ constexpr qint64 typingPause = 1000;
 constexpr std::size_t mostPieces = 2000;
 
 /// The list moves up and down only while it lives.
-class SidewaysRest {
+class HorizontalScrollLock {
  public:
-  explicit SidewaysRest(QAbstractScrollArea& area) : bar_(area.horizontalScrollBar()), value_(bar_->value()) {}
-  ~SidewaysRest() { bar_->setValue(value_); }
-  SidewaysRest(const SidewaysRest&) = delete;
-  SidewaysRest& operator=(const SidewaysRest&) = delete;
+  explicit HorizontalScrollLock(QAbstractScrollArea& area) : bar_(area.horizontalScrollBar()), value_(bar_->value()) {}
+  ~HorizontalScrollLock() { bar_->setValue(value_); }
+  HorizontalScrollLock(const HorizontalScrollLock&) = delete;
+  HorizontalScrollLock& operator=(const HorizontalScrollLock&) = delete;
 
  private:
   QScrollBar* bar_;
@@ -44,7 +44,7 @@ bool endsTyping(int key) {
 
 ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : ResultTable(parent), model_(model) {
   // The selection is put away before the selection model takes note of each of its rows, and comes back after it.
-  connect(&model_, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { keepSelection(); });
+  connect(&model_, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { saveSelection(); });
   setModel(&model_);
   connect(&model_, &QAbstractItemModel::layoutChanged, this, [this] { restoreSelection(); });
   // The toolkit would size the column by itself; how columns are sized is the owner's business.
@@ -167,16 +167,16 @@ void ResultListView::copySelection() {
   if (!refusal.isEmpty()) Q_EMIT refused(refusal);
 }
 
-void ResultListView::keepSelection() {
-  kept_.keep(model_.list(), selectedSpans());
-  if (!kept_.isEmpty()) selectionModel()->clearSelection();
+void ResultListView::saveSelection() {
+  saved_.save(model_.list(), selectedSpans());
+  if (!saved_.isEmpty()) selectionModel()->clearSelection();
 }
 
 void ResultListView::restoreSelection() {
-  if (kept_.isEmpty()) return;
-  const std::vector<RowSpan> spans = kept_.rowsIn(model_.list());
-  const std::size_t count = kept_.count();
-  kept_ = {};
+  if (saved_.isEmpty()) return;
+  const std::vector<RowSpan> spans = saved_.rowsIn(model_.list());
+  const std::size_t count = saved_.count();
+  saved_ = {};
   if (spans.size() > mostPieces) {
     Q_EMIT noticed(ownText("list.selectionScattered").arg(countText(count)));
     return;
@@ -191,7 +191,7 @@ void ResultListView::goToRow(int row) {
   if (row < 0 || row >= model_.rowCount()) return;
   const std::vector<RowSpan> selected = selectedSpans();
   const bool several = selected.size() > 1 || (selected.size() == 1 && selected[0].first != selected[0].last);
-  const SidewaysRest rest(*this);
+  const HorizontalScrollLock lock(*this);
   selectionModel()->setCurrentIndex(model_.index(row, cursorColumn()),
                                     several ? QItemSelectionModel::SelectionFlags(QItemSelectionModel::NoUpdate)
                                             : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
@@ -226,13 +226,13 @@ int ResultListView::findRow(int column, const QString& beginning, int from) cons
 /// through the rows that begin with it.
 void ResultListView::keyboardSearch(const QString& typed) {
   if (typed.isEmpty() || !typed.at(0).isPrint()) return;
-  const bool goesOn = isTyping();
-  typed_ = goesOn ? typed_ + typed : typed;
+  const bool typing = isTyping();
+  typed_ = typing ? typed_ + typed : typed;
   sinceTyped_.start();
   const int column = searchColumn();
   if (column < 0) return;
   const int current = currentIndex().isValid() ? currentIndex().row() : -1;
-  int row = findRow(column, typed_, goesOn ? std::max(current, 0) : current + 1);
+  int row = findRow(column, typed_, typing ? std::max(current, 0) : current + 1);
   if (row < 0 && typed_.count(typed_.front()) == typed_.size()) row = findRow(column, typed_.left(1), current + 1);
   if (row < 0) return;
   selectionModel()->clearSelection();
@@ -292,7 +292,7 @@ void ResultListView::keyPressEvent(QKeyEvent* event) {
   } else if (plain && key == Qt::Key_Space && isTyping()) {
     keyboardSearch(event->text());
   } else {
-    const SidewaysRest rest(*this);
+    const HorizontalScrollLock lock(*this);
     ResultTable::keyPressEvent(event);
     return;
   }

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "base/twips.h"
-#include "control/kept_selection.h"
 #include "control/result_list_model.h"
 #include "control/row_copy.h"
+#include "control/saved_selection.h"
 #include "ui/result_table.h"
 
 namespace korvel::control {
@@ -81,11 +81,11 @@ class ResultListView final : public ui::ResultTable {
   void goToNeighbourColumn(int step);
   /// Keys that do what the mouse does on the header, which takes no focus. Whether it was one of them.
   bool handleHeaderKey(const QKeyEvent& event);
-  void keepSelection();
+  void saveSelection();
   void restoreSelection();
 
   ResultListModel& model_;
-  KeptSelection kept_;
+  SavedSelection saved_;
   QString typed_;
   QElapsedTimer sinceTyped_;
   // Some 100 MB; several times what spreadsheets take in good time.

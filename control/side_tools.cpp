@@ -91,7 +91,7 @@ void SideTools::btUnselectALL_Click() {
 }
 
 void SideTools::btDateRangeFilter_Click() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   // The control may be gone when the dialog is closed.
   const auto followEverywhere = followDateRangeEverywhere_;
   libraryState().newestDay = queries_.newestDayShown();

@@ -14,14 +14,14 @@ namespace korvel::control {
 
 std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
   const HWND window = nativeWindow(owner);
-  const WindowsStopped stopped(window);
+  const DisabledWindows disabled(window);
   return chooseFontWith(&ChooseFontW, window, current);
 }
 
 std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles,
                                           const QString& beginning) {
   // The dialog deliberately has no owner; nothing behind it may be used all the same.
-  const WindowsStopped stopped;
+  const DisabledWindows disabled;
   return browseForFolder({&SHBrowseForFolderA, &SHGetPathFromIDListA, &CoTaskMemFree}, title, showFiles, beginning);
 }
 

@@ -27,7 +27,7 @@ namespace korvel::control {
 namespace {
 
 bool printFontFormExists() {
-  return surroundings().services->hasForm(formName::printFont);
+  return platform().services->hasForm(formName::printFont);
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ std::span<const ViewerCommands::CommandAction> ViewerCommands::menuActions() noe
       CommandAction{"PRINTPREVIEW", [](ViewerCommands&, Command) {}},
       CommandAction{"PAGESETUP",
                     [](ViewerCommands& commands, Command) {
-                      const std::shared_ptr<ControlServices> services = surroundings().services;
+                      const std::shared_ptr<ControlServices> services = platform().services;
                       services->showForm(&commands.viewer_, formName::printFont);
                     },
                     &printFontFormExists},
@@ -173,7 +173,7 @@ void ViewerCommands::SwitchLanguage() {
 
 void ViewerCommands::chooseLanguage(std::string_view offset) {
   {
-    const auto backend = surroundings().openSettings();
+    const auto backend = platform().openSettings();
     settings::Registry(*backend).SaveSetting(std::string(settings::applicationName),
                                              std::string(settings::viewerSection), "Language", std::string(offset));
     // What was stored counts, not what was to be stored.

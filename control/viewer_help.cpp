@@ -36,7 +36,7 @@ void chooseHelpFile(QString& helpFile, const QString& viewerPath, const settings
 }
 
 void ViewerHelp::chooseFile() {
-  const auto backend = surroundings().openSettings();
+  const auto backend = platform().openSettings();
   const std::string viewerPath = settings::Registry(*backend).GetSetting(
       std::string(settings::applicationName), std::string(settings::viewerSection), "ViewerAppPath", "0");
   chooseHelpFile(libraryState().helpFile, fromUtf8(viewerPath), libraryState().language);
@@ -51,13 +51,13 @@ void ViewerHelp::HelpSearch() {
 }
 
 void ViewerHelp::openHelp(HelpCommand command) {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   // Also where there is no path: it is the viewer of help files that shows nothing then.
   services->openHelp(&viewer_, libraryState().helpFile, command);
 }
 
 void ViewerHelp::ShowAbout() {
-  const std::shared_ptr<ControlServices> services = surroundings().services;
+  const std::shared_ptr<ControlServices> services = platform().services;
   services->showForm(&viewer_, formName::about);
 }
 

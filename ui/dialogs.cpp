@@ -45,15 +45,15 @@ void styleCalendar(QCalendarWidget& calendar) {
   today.setFontWeight(QFont::DemiBold);
   calendar.setDateTextFormat(QDate::currentDate(), today);
   const int side = px(&calendar, space::icon);
-  const auto dress = [&](const char* name, IconName drawing) {
+  const auto setIcon = [&](const char* name, IconName drawing) {
     if (auto* button = calendar.findChild<QToolButton*>(QLatin1String(name))) {
       button->setIcon(icon(drawing));
       button->setIconSize({side, side});
     }
   };
   // The names are the toolkit's own for the two arrows beside the month.
-  dress("qt_calendar_prevmonth", IconName::PreviousPage);
-  dress("qt_calendar_nextmonth", IconName::NextPage);
+  setIcon("qt_calendar_prevmonth", IconName::PreviousPage);
+  setIcon("qt_calendar_nextmonth", IconName::NextPage);
   if (auto* bar = calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_navigationbar"))) {
     bar->setBackgroundRole(QPalette::Base);
   }

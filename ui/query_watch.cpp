@@ -6,9 +6,9 @@
 namespace korvel::ui {
 namespace {
 
-enum class Treatment { pass, drop, refuse, tellLater };
+enum class Handling { pass, drop, refuse, deliverLater };
 
-Treatment treatmentOf(const QObject& watched, QEvent::Type type) {
+Handling handlingOf(const QObject& watched, QEvent::Type type) {
   switch (type) {
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
@@ -43,22 +43,22 @@ Treatment treatmentOf(const QObject& watched, QEvent::Type type) {
     case QEvent::DragMove:
     case QEvent::DragLeave:
     case QEvent::Drop:
-      return Treatment::drop;
+      return Handling::drop;
     case QEvent::Close:
-      return Treatment::refuse;
+      return Handling::refuse;
     case QEvent::Timer:
       // A window's own timers are about its painting. Any other one ticks again.
-      return watched.isWindowType() ? Treatment::pass : Treatment::drop;
+      return watched.isWindowType() ? Handling::pass : Handling::drop;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
       // The windows' own bookkeeping goes on.
-      return watched.isWindowType() ? Treatment::pass : Treatment::tellLater;
+      return watched.isWindowType() ? Handling::pass : Handling::deliverLater;
     case QEvent::Leave:
     case QEvent::HoverLeave:
     case QEvent::Quit:
-      return Treatment::tellLater;
+      return Handling::deliverLater;
     default:
-      return Treatment::pass;
+      return Handling::pass;
   }
 }
 
@@ -88,17 +88,17 @@ bool QueryWatch::goOn() {
 bool QueryWatch::eventFilter(QObject* watched, QEvent* event) {
   const QWidget* const modal = QApplication::activeModalWidget();
   if (modal != nullptr && modal != modalBefore_) return false;
-  const Treatment treatment = treatmentOf(*watched, event->type());
-  switch (treatment) {
-    case Treatment::pass:
+  const Handling handling = handlingOf(*watched, event->type());
+  switch (handling) {
+    case Handling::pass:
       return false;
-    case Treatment::drop:
+    case Handling::drop:
       if (isEscape(*event)) stopped_ = true;
       return true;
-    case Treatment::refuse:
+    case Handling::refuse:
       event->ignore();
       return true;
-    case Treatment::tellLater:
+    case Handling::deliverLater:
       deferred_.push_back({watched, std::unique_ptr<QEvent>(event->clone())});
       return true;
   }

@@ -15,7 +15,7 @@
 #include <exception>
 
 #include "base/error.h"
-#include "control/forms/sheet_list.h"
+#include "control/forms/page_thumbnails.h"
 #include "control/texts.h"
 #include "ui/buttons.h"
 #include "ui/dialogs.h"
@@ -130,7 +130,7 @@ QWidget* ReportPreview::buildBar() {
 
 void ReportPreview::buildPages() {
   const int width = ui::px(this, sheetWidth);
-  auto* model = new SheetList(*sheets_, width, devicePixelRatioF(), this);
+  auto* model = new PageThumbnails(*sheets_, width, devicePixelRatioF(), this);
   lvSheets_->setObjectName(name("lvSheets"));
   lvSheets_->setAccessibleName(ownText("preview.pages"));
   lvSheets_->setModel(model);

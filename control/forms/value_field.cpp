@@ -26,9 +26,9 @@ ValueField::ValueField(Frame frame, int leastLines, int mostLines, QWidget* pare
   fitHeight();
 }
 
-void ValueField::setValue(const QString& value, const QString& stand) {
+void ValueField::setValue(const QString& value, const QString& placeholder) {
   value_ = value;
-  setPlaceholderText(value.isEmpty() ? stand : QString());
+  setPlaceholderText(value.isEmpty() ? placeholder : QString());
   setAccessibleDescription(placeholderText());
   setPlainText(isCut() ? value.left(shownCharacters) + QChar(0x2026) : value);
   fitHeight();

@@ -14,9 +14,9 @@ class ValueField final : public QPlainTextEdit {
 
   ValueField(Frame frame, int leastLines, int mostLines, QWidget* parent = nullptr);
 
-  /// Shows `value`, of a very long one its beginning only: see isCut(). `stand` is what is said in grey in the place of
-  /// a value that has no text.
-  void setValue(const QString& value, const QString& stand);
+  /// Shows `value`, of a very long one its beginning only: see isCut(). `placeholder` is what is said in grey in the
+  /// place of a value that has no text.
+  void setValue(const QString& value, const QString& placeholder);
   [[nodiscard]] const QString& value() const { return value_; }
   [[nodiscard]] bool isCut() const { return value_.size() > shownCharacters; }
   /// Texts in one line take some seconds a million characters to lay out.

@@ -28,7 +28,7 @@ class ResultTable;
 namespace korvel::db {
 
 /// What the browser needs; all of it outlives the dialog.
-struct BrowserSurroundings {
+struct ServerBrowserContext {
   /// What OK writes the choice into.
   ConnectionState& connection;
   const settings::LanguageOffset& language;
@@ -49,7 +49,7 @@ class frmSQLServerBrowser final : public QDialog {
   Q_OBJECT
 
  public:
-  frmSQLServerBrowser(const BrowserSurroundings& surroundings, QWidget* owner);
+  frmSQLServerBrowser(const ServerBrowserContext& context, QWidget* owner);
   ~frmSQLServerBrowser() override;
 
   /// Places everything for a splitter at `x`, kept between its limits.

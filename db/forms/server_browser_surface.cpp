@@ -42,12 +42,12 @@ Element* named(Element* element, const char* name) {
 
 }  // namespace
 
-frmSQLServerBrowser::frmSQLServerBrowser(const BrowserSurroundings& surroundings, QWidget* owner)
+frmSQLServerBrowser::frmSQLServerBrowser(const ServerBrowserContext& context, QWidget* owner)
     : QDialog(owner),
-      connection_(surroundings.connection),
-      language_(surroundings.language),
-      services_(surroundings.services),
-      openDirectory_(surroundings.openDirectory),
+      connection_(context.connection),
+      language_(context.language),
+      services_(context.services),
+      openDirectory_(context.openDirectory),
       splitter_(firstSplitter) {
   setObjectName(QStringLiteral("frmSQLServerBrowser"));
   setWindowTitle(QStringLiteral("SQL Server / Audit Trail Browser"));

@@ -37,7 +37,7 @@ QLabel* makeLabel(const char* name) {
   return label;
 }
 
-QPushButton* dressed(QPushButton* button, const char* name, const QString& text) {
+QPushButton* makeButton(QPushButton* button, const char* name, const QString& text) {
   button->setObjectName(QLatin1String(name));
   button->setText(text);
   button->setAutoDefault(false);
@@ -46,14 +46,14 @@ QPushButton* dressed(QPushButton* button, const char* name, const QString& text)
 
 }  // namespace
 
-frmPrintFont::frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner)
+frmPrintFont::frmPrintFont(PrintFontContext context, QWidget* owner)
     : QDialog(owner),
-      surroundings_(std::move(surroundings)),
+      context_(std::move(context)),
       lblFontName_(makeLabel("lblFontName")),
       lblFontSize_(makeLabel("lblFontSize")),
-      btChangeFont_(dressed(new ui::SecondaryButton, "btChangeFont", text("printFont.change"))),
-      btDefault_(dressed(new ui::SecondaryButton, "btDefault", text("printFont.default"))),
-      btClose_(dressed(new ui::PrimaryButton, "btClose", text("printFont.close"))) {
+      btChangeFont_(makeButton(new ui::SecondaryButton, "btChangeFont", text("printFont.change"))),
+      btDefault_(makeButton(new ui::SecondaryButton, "btDefault", text("printFont.default"))),
+      btClose_(makeButton(new ui::PrimaryButton, "btClose", text("printFont.close"))) {
   setObjectName(QStringLiteral("frmPrintFont"));
   // Deliberately English in every language.
   setWindowTitle(QStringLiteral("Page Setup"));
@@ -90,7 +90,7 @@ frmPrintFont::frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner)
 }
 
 QString frmPrintFont::text(const char* key) const {
-  return ui::ownText(key, surroundings_.language);
+  return ui::ownText(key, context_.language);
 }
 
 void frmPrintFont::showEvent(QShowEvent* event) {
@@ -99,18 +99,18 @@ void frmPrintFont::showEvent(QShowEvent* event) {
 }
 
 void frmPrintFont::Form_Activate() {
-  lblFontName_->setText(ui::fromUtf8(surroundings_.font.name));
-  lblFontSize_->setText(ui::fromUtf8(fontSizeText(surroundings_.font.size)));
+  lblFontName_->setText(ui::fromUtf8(context_.font.name));
+  lblFontSize_->setText(ui::fromUtf8(fontSizeText(context_.font.size)));
 }
 
 void frmPrintFont::btChangeFont_Click() {
   try {
     const QPointer<frmPrintFont> alive(this);
-    QFont current(ui::fromUtf8(surroundings_.font.name));
-    if (surroundings_.font.size > 0) current.setPointSizeF(surroundings_.font.size);
-    const std::optional<QFont> chosen = surroundings_.services->chooseFont(this, current);
+    QFont current(ui::fromUtf8(context_.font.name));
+    if (context_.font.size > 0) current.setPointSizeF(context_.font.size);
+    const std::optional<QFont> chosen = context_.services->chooseFont(this, current);
     if (!alive || !chosen) return;
-    surroundings_.font = {chosen->family().toStdString(), pointsOf(*chosen)};
+    context_.font = {chosen->family().toStdString(), pointsOf(*chosen)};
     Form_Activate();
   } catch (const std::exception&) {
     // As after a cancel: font and labels stay as they were.
@@ -119,7 +119,7 @@ void frmPrintFont::btChangeFont_Click() {
 }
 
 void frmPrintFont::btDefault_Click() {
-  surroundings_.font = {};
+  context_.font = {};
   Form_Activate();
 }
 

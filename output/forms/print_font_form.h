@@ -13,7 +13,7 @@ class QPushButton;
 namespace korvel::output {
 
 /// What the dialog of the print font needs; references outlive the dialog.
-struct PrintFontSurroundings {
+struct PrintFontContext {
   PrintFont& font;
   const settings::LanguageOffset& language;
   std::shared_ptr<ui::DialogServices> services;
@@ -25,7 +25,7 @@ class frmPrintFont final : public QDialog {
   Q_OBJECT
 
  public:
-  frmPrintFont(PrintFontSurroundings surroundings, QWidget* owner);
+  frmPrintFont(PrintFontContext context, QWidget* owner);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -36,7 +36,7 @@ class frmPrintFont final : public QDialog {
   void btDefault_Click();
   [[nodiscard]] QString text(const char* key) const;
 
-  PrintFontSurroundings surroundings_;
+  PrintFontContext context_;
   QLabel* lblFontName_;
   QLabel* lblFontSize_;
   QPushButton* btChangeFont_;

@@ -63,8 +63,8 @@ QTableView* daysOf(const QCalendarWidget& calendar) {
 
 }  // namespace
 
-frmAdvancedFilters::frmAdvancedFilters(DateRangeSurroundings surroundings, QWidget* owner)
-    : QDialog(owner), surroundings_(std::move(surroundings)), btOK_(named(new ui::PrimaryButton, "btOK")) {
+frmAdvancedFilters::frmAdvancedFilters(DateRangeContext context, QWidget* owner)
+    : QDialog(owner), context_(std::move(context)), btOK_(named(new ui::PrimaryButton, "btOK")) {
   setObjectName(QStringLiteral("frmAdvancedFilters"));
   // Deliberately English in every language, as the captions of the frames and of the button are.
   setWindowTitle(QStringLiteral("Date Range Filter"));
@@ -96,8 +96,8 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   side.day = day;
   side.frame = named(new ui::CardFrame(caption), frameName);
   side.calendar = named(new QCalendarWidget, calendarName);
-  side.calendar->setLocale(surroundings_.locale);
-  side.calendar->setFirstDayOfWeek(surroundings_.locale.firstDayOfWeek());
+  side.calendar->setLocale(context_.locale);
+  side.calendar->setFirstDayOfWeek(context_.locale.firstDayOfWeek());
   side.calendar->setDateRange(earliestDay, latestDay);
   // Digits that are typed would change the day a while later, without a click.
   side.calendar->setDateEditEnabled(false);
@@ -132,14 +132,14 @@ void frmAdvancedFilters::showEvent(QShowEvent* event) {
 }
 
 void frmAdvancedFilters::Form_Activate() {
-  const QDate today = surroundings_.today();
+  const QDate today = context_.today();
   for (const Side& side : {from_, to_}) {
-    const QDate stored = toQDate(surroundings_.range.*side.day);
-    side.calendar->setSelectedDate(surroundings_.range.DateRangeActive && stored.isValid() ? stored : today);
+    const QDate stored = toQDate(context_.range.*side.day);
+    side.calendar->setSelectedDate(context_.range.DateRangeActive && stored.isValid() ? stored : today);
     side.calendar->showSelectedDate();
     // The days stay today's: it is the page that spares the way back to the records.
-    if (!surroundings_.range.DateRangeActive && surroundings_.newestDay) {
-      const QDate newest = std::clamp(toQDate(*surroundings_.newestDay), earliestDay, latestDay);
+    if (!context_.range.DateRangeActive && context_.newestDay) {
+      const QDate newest = std::clamp(toQDate(*context_.newestDay), earliestDay, latestDay);
       side.calendar->setCurrentPage(newest.year(), newest.month());
     }
     store(side, side.calendar->selectedDate());
@@ -148,13 +148,13 @@ void frmAdvancedFilters::Form_Activate() {
 }
 
 QString frmAdvancedFilters::text(const char* key) const {
-  const std::string_view text = settings::ownText(key, surroundings_.language);
+  const std::string_view text = settings::ownText(key, context_.language);
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 void frmAdvancedFilters::store(const Side& side, const QDate& date) {
-  side.text->setText(surroundings_.locale.toString(date, QLocale::ShortFormat));
-  surroundings_.range.*side.day = toDay(date);
+  side.text->setText(context_.locale.toString(date, QLocale::ShortFormat));
+  context_.range.*side.day = toDay(date);
 }
 
 void frmAdvancedFilters::DateClick(const Side& side, const QDate& date) {
@@ -164,9 +164,9 @@ void frmAdvancedFilters::DateClick(const Side& side, const QDate& date) {
 bool frmAdvancedFilters::Form_QueryUnload() {
   constexpr settings::TextId wrongOrder{10059};
   // Deliberately also for two dates of the same day, although the message speaks of "greater".
-  if (isInOrder(surroundings_.range)) return true;
-  const std::shared_ptr<ui::DialogServices> services = surroundings_.services;
-  const std::string_view text = settings::loadText(wrongOrder, surroundings_.language);
+  if (isInOrder(context_.range)) return true;
+  const std::shared_ptr<ui::DialogServices> services = context_.services;
+  const std::string_view text = settings::loadText(wrongOrder, context_.language);
   services->messageBox(this, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer"),
                        QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
   return false;

@@ -22,7 +22,7 @@ class CardFrame;
 namespace korvel::query {
 
 /// What the date range dialog needs; references outlive the dialog.
-struct DateRangeSurroundings {
+struct DateRangeContext {
   DateRange& range;
   const settings::LanguageOffset& language;
   std::shared_ptr<ui::DialogServices> services;
@@ -41,7 +41,7 @@ class frmAdvancedFilters final : public QDialog {
   Q_OBJECT
 
  public:
-  frmAdvancedFilters(DateRangeSurroundings surroundings, QWidget* owner);
+  frmAdvancedFilters(DateRangeContext context, QWidget* owner);
 
   /// Every way of closing comes through here, and may be refused.
   void done(int result) override;
@@ -70,7 +70,7 @@ class frmAdvancedFilters final : public QDialog {
   /// Keys that the days of a calendar do not know themselves: space picks a day, Ctrl with a page key moves by a year.
   bool calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers);
 
-  DateRangeSurroundings surroundings_;
+  DateRangeContext context_;
   Side from_;
   Side to_;
   QPushButton* btOK_;

@@ -63,11 +63,8 @@ class TickedList final : public QListWidget {
 
 }  // namespace
 
-frmFields::frmFields(QueryFormSurroundings surroundings, QWidget* owner)
-    : QDialog(owner),
-      surroundings_(std::move(surroundings)),
-      ListView1_(new TickedList),
-      Command1_(new ui::PrimaryButton) {
+frmFields::frmFields(QueryDialogContext context, QWidget* owner)
+    : QDialog(owner), context_(std::move(context)), ListView1_(new TickedList), Command1_(new ui::PrimaryButton) {
   setObjectName(QStringLiteral("frmFields"));
   // Deliberately English in every language, as the button's caption is.
   setWindowTitle(QStringLiteral("Available Fields"));
@@ -97,18 +94,18 @@ frmFields::frmFields(QueryFormSurroundings surroundings, QWidget* owner)
 }
 
 void frmFields::Command1_Click() {
-  surroundings_.choices.pickedQuery.clear();
+  context_.choices.pickedQuery.clear();
   std::array<bool, auditColumnCount> selected{};
   for (std::size_t i = 0; i < selected.size(); ++i)
     selected.at(i) = ListView1_->item(static_cast<int>(i))->isSelected();
   const auto query = pickedQuery(selected);
   if (!query) {
-    const std::shared_ptr<ui::DialogServices> services = surroundings_.services;
+    const std::shared_ptr<ui::DialogServices> services = context_.services;
     services->messageBox(this, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer Message"),
-                         ui::ownText("fields.none", surroundings_.language));
+                         ui::ownText("fields.none", context_.language));
     return;
   }
-  surroundings_.choices.pickedQuery = *query;
+  context_.choices.pickedQuery = *query;
   accept();
 }
 

@@ -13,7 +13,7 @@ class QPushButton;
 namespace korvel::query {
 
 /// What the dialogs of custom queries need; references outlive the dialog.
-struct QueryFormSurroundings {
+struct QueryDialogContext {
   QueryChoices& choices;
   const settings::LanguageOffset& language;
   std::shared_ptr<ui::DialogServices> services;
@@ -24,12 +24,12 @@ class frmFields final : public QDialog {
   Q_OBJECT
 
  public:
-  frmFields(QueryFormSurroundings surroundings, QWidget* owner);
+  frmFields(QueryDialogContext context, QWidget* owner);
 
  private:
   void Command1_Click();
 
-  QueryFormSurroundings surroundings_;
+  QueryDialogContext context_;
   QListWidget* ListView1_;
   QPushButton* Command1_;
 };

@@ -41,9 +41,9 @@ class NamesList final : public QListWidget {
 
 }  // namespace
 
-frmFileList::frmFileList(QueryFormSurroundings surroundings, QWidget* owner)
+frmFileList::frmFileList(QueryDialogContext context, QWidget* owner)
     : QDialog(owner),
-      surroundings_(std::move(surroundings)),
+      context_(std::move(context)),
       btOK_(new ui::PrimaryButton),
       btCancel_(new ui::SecondaryButton(QStringLiteral("Cancel"))) {
   setObjectName(QStringLiteral("frmFileList"));
@@ -54,7 +54,7 @@ frmFileList::frmFileList(QueryFormSurroundings surroundings, QWidget* owner)
   QVBoxLayout* column = ui::styleDialog(*this);
 
   auto* list = new NamesList;
-  list->emptyText = ui::ownText("files.none", surroundings_.language);
+  list->emptyText = ui::ownText("files.none", context_.language);
   List1_ = list;
   List1_->setObjectName(QStringLiteral("List1"));
   List1_->setAccessibleName(windowTitle());
@@ -84,16 +84,16 @@ void frmFileList::showEvent(QShowEvent* event) {
 }
 
 void frmFileList::Form_Load() {
-  const auto failure = failureOf([this] { names_ = listedFiles(surroundings_.choices.folder, queryFileExtension); });
+  const auto failure = failureOf([this] { names_ = listedFiles(context_.choices.folder, queryFileExtension); });
   for (const std::string& name : names_) List1_->addItem(ui::fromUtf8(name));
   if (!failure) return;
   const QString text = QString::number(failure->number()) + QStringLiteral(":Error in frmFileList.  Error Message: ") +
-                       ui::describe(*failure, surroundings_.language);
+                       ui::describe(*failure, context_.language);
   // When the dialog is to be seen: it is still on its way.
   QMetaObject::invokeMethod(
       this,
       [this, text] {
-        const std::shared_ptr<ui::DialogServices> services = surroundings_.services;
+        const std::shared_ptr<ui::DialogServices> services = context_.services;
         services->messageBox(this, ui::MessageIcon::critical, QString(), text);
       },
       Qt::QueuedConnection);
@@ -102,12 +102,12 @@ void frmFileList::Form_Load() {
 void frmFileList::btOK_Click() {
   const QList<QListWidgetItem*> selected = List1_->selectedItems();
   if (selected.isEmpty()) return;
-  surroundings_.choices.fileName = names_.at(static_cast<std::size_t>(List1_->row(selected.first())));
+  context_.choices.fileName = names_.at(static_cast<std::size_t>(List1_->row(selected.first())));
   accept();
 }
 
 void frmFileList::btCancel_Click() {
-  surroundings_.choices.fileName.clear();
+  context_.choices.fileName.clear();
 }
 
 }  // namespace korvel::query

@@ -16,7 +16,7 @@ class frmFileList final : public QDialog {
   Q_OBJECT
 
  public:
-  frmFileList(QueryFormSurroundings surroundings, QWidget* owner);
+  frmFileList(QueryDialogContext context, QWidget* owner);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -27,7 +27,7 @@ class frmFileList final : public QDialog {
   /// The cancel button, escape and the close box.
   void btCancel_Click();
 
-  QueryFormSurroundings surroundings_;
+  QueryDialogContext context_;
   QListWidget* List1_;
   QPushButton* btOK_;
   QPushButton* btCancel_;

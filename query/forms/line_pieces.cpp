@@ -9,21 +9,21 @@
 namespace korvel::query {
 namespace {
 
-enum Mark : int { continuesMark = QTextFormat::UserProperty + 1, goesOnMark };
+enum BlockProperty : int { continuesProperty = QTextFormat::UserProperty + 1, isContinuedProperty };
 
-QTextBlockFormat marked(bool continues, bool goesOn) {
+QTextBlockFormat pieceFormat(bool continues, bool isContinued) {
   QTextBlockFormat format;
-  if (continues) format.setProperty(continuesMark, true);
-  if (goesOn) format.setProperty(goesOnMark, true);
+  if (continues) format.setProperty(continuesProperty, true);
+  if (isContinued) format.setProperty(isContinuedProperty, true);
   return format;
 }
 
 /// As a part of the change that went before: it is undone with that.
-void setMarks(const QTextBlock& block, bool continues, bool goesOn) {
-  if (LinePieces::continues(block) == continues && LinePieces::goesOn(block) == goesOn) return;
+void setPieceFormat(const QTextBlock& block, bool continues, bool isContinued) {
+  if (LinePieces::continues(block) == continues && LinePieces::isContinued(block) == isContinued) return;
   QTextCursor cursor(block);
   cursor.joinPreviousEditBlock();
-  cursor.setBlockFormat(marked(continues, goesOn));
+  cursor.setBlockFormat(pieceFormat(continues, isContinued));
   cursor.endEditBlock();
 }
 
@@ -55,15 +55,15 @@ LinePieces::LinePieces(QTextDocument& document) : QObject(&document), document_(
     changedTo_ = position + added;
   });
   // Not before: the document must not be changed while it tells of a change.
-  connect(&document_, &QTextDocument::contentsChanged, this, &LinePieces::mend);
+  connect(&document_, &QTextDocument::contentsChanged, this, &LinePieces::repair);
 }
 
 bool LinePieces::continues(const QTextBlock& block) {
-  return block.blockFormat().boolProperty(continuesMark);
+  return block.blockFormat().boolProperty(continuesProperty);
 }
 
-bool LinePieces::goesOn(const QTextBlock& block) {
-  return block.blockFormat().boolProperty(goesOnMark);
+bool LinePieces::isContinued(const QTextBlock& block) {
+  return block.blockFormat().boolProperty(isContinuedProperty);
 }
 
 int LinePieces::firstPiece(QStringView text) const {
@@ -81,29 +81,29 @@ void LinePieces::insertLine(QTextCursor& cursor, QStringView line) const {
     cursor.insertText(line.left(length).toString());
     line = line.mid(length);
     const QTextBlock block = cursor.block();
-    const bool on = goesOn(block);
-    cursor.setBlockFormat(marked(continues(block), true));
-    cursor.insertBlock(marked(true, on));
+    const bool on = isContinued(block);
+    cursor.setBlockFormat(pieceFormat(continues(block), true));
+    cursor.insertBlock(pieceFormat(true, on));
   }
   cursor.insertText(line.toString());
 }
 
 void LinePieces::insertText(QTextCursor cursor, const QString& text) {
-  const bool before = std::exchange(mending_, true);
+  const bool before = std::exchange(repairing_, true);
   cursor.beginEditBlock();
   cursor.removeSelectedText();
-  mendSeams(cursor.position(), cursor.position());
+  repairBoundaries(cursor.position(), cursor.position());
   const QList<QStringView> lines = linesOf(text);
   for (qsizetype i = 0; i < lines.size(); ++i) {
     if (i > 0) {
       const QTextBlock block = cursor.block();
-      const bool on = goesOn(block);
-      if (on) cursor.setBlockFormat(marked(continues(block), false));
-      cursor.insertBlock(marked(false, on));
+      const bool on = isContinued(block);
+      if (on) cursor.setBlockFormat(pieceFormat(continues(block), false));
+      cursor.insertBlock(pieceFormat(false, on));
     }
     insertLine(cursor, lines.at(i));
   }
-  mending_ = before;
+  repairing_ = before;
   cursor.endEditBlock();
 }
 
@@ -127,30 +127,30 @@ QTextBlock LinePieces::blockOfLine(int line) const {
   return {};
 }
 
-void LinePieces::mend() {
-  if (mending_ || changedFrom_ < 0) return;
+void LinePieces::repair() {
+  if (repairing_ || changedFrom_ < 0) return;
   // What is undone comes back as it was. To change it would forget what can be redone.
   if (document_.isRedoAvailable()) return;
-  mending_ = true;
+  repairing_ = true;
   const int from = std::exchange(changedFrom_, -1);
   const int to = std::min(changedTo_, document_.characterCount() - 1);
-  mendSeams(from, to);
+  repairBoundaries(from, to);
   joinEmptyPieces(from);
   splitLongBlocks(from, to);
-  mending_ = false;
+  repairing_ = false;
   changedFrom_ = -1;
 }
 
-void LinePieces::mendSeams(int from, int to) {
+void LinePieces::repairBoundaries(int from, int to) {
   // A block that begins where the change began may have come there from behind it. The line end before it is the one
   // that was there, and the block before it knows what that was.
   const QTextBlock first = document_.findBlock(from);
   if (first.isValid() && first.position() == from)
-    setMarks(first, first.previous().isValid() && goesOn(first.previous()), goesOn(first));
+    setPieceFormat(first, first.previous().isValid() && isContinued(first.previous()), isContinued(first));
   // A block may have lost its end to one that came before it. The line end behind it is the one that was there, and the
   // block behind it knows what that was.
   for (QTextBlock block = first; block.isValid() && block.position() <= to; block = block.next())
-    setMarks(block, continues(block), block.next().isValid() && continues(block.next()));
+    setPieceFormat(block, continues(block), block.next().isValid() && continues(block.next()));
 }
 
 void LinePieces::joinEmptyPieces(int from) {
@@ -159,18 +159,18 @@ void LinePieces::joinEmptyPieces(int from) {
   // The one before takes an empty piece in; the first of a line is taken in by the one behind.
   if (continues(block)) {
     block = block.previous();
-  } else if (!goesOn(block)) {
+  } else if (!isContinued(block)) {
     return;
   }
   const bool begins = continues(block);
-  const bool on = goesOn(block.next());
+  const bool on = isContinued(block.next());
   const int position = block.position();
   QTextCursor cursor(block);
   cursor.joinPreviousEditBlock();
   cursor.movePosition(QTextCursor::EndOfBlock);
   cursor.deleteChar();
   cursor.endEditBlock();
-  setMarks(document_.findBlock(position), begins, on);
+  setPieceFormat(document_.findBlock(position), begins, on);
 }
 
 void LinePieces::splitLongBlocks(int from, int to) {
@@ -180,10 +180,10 @@ void LinePieces::splitLongBlocks(int from, int to) {
     if (block.length() - 1 <= 2 * pieceLength_) continue;
     QTextCursor cursor(block);
     cursor.joinPreviousEditBlock();
-    const bool on = goesOn(block);
+    const bool on = isContinued(block);
     cursor.setPosition(block.position() + firstPiece(block.text()));
-    cursor.setBlockFormat(marked(continues(block), true));
-    cursor.insertBlock(marked(true, on));
+    cursor.setBlockFormat(pieceFormat(continues(block), true));
+    cursor.insertBlock(pieceFormat(true, on));
     cursor.endEditBlock();
     block = document_.findBlock(block.position());
     ++end;

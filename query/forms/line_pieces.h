@@ -29,7 +29,7 @@ class LinePieces final : public QObject {
   /// Whether a block goes on with the line of the block before it.
   [[nodiscard]] static bool continues(const QTextBlock& block);
   /// Whether the line of a block goes on in the next one.
-  [[nodiscard]] static bool goesOn(const QTextBlock& block);
+  [[nodiscard]] static bool isContinued(const QTextBlock& block);
 
   /// Puts a text in the place of what is selected. A line ends at CR LF, CR, LF and Unicode's separators.
   void insertText(QTextCursor cursor, const QString& text);
@@ -41,9 +41,9 @@ class LinePieces final : public QObject {
   [[nodiscard]] QTextBlock blockOfLine(int line) const;
 
  private:
-  void mend();
+  void repair();
   /// Gives the seams around what has changed the meaning that they had before.
-  void mendSeams(int from, int to);
+  void repairBoundaries(int from, int to);
   void joinEmptyPieces(int from);
   void splitLongBlocks(int from, int to);
   void insertLine(QTextCursor& cursor, QStringView line) const;
@@ -52,7 +52,7 @@ class LinePieces final : public QObject {
 
   QTextDocument& document_;
   int pieceLength_ = 2048;
-  bool mending_ = false;
+  bool repairing_ = false;
   int changedFrom_ = -1;
   int changedTo_ = -1;
 };

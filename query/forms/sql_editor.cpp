@@ -57,10 +57,10 @@ SqlEditor::SqlEditor(QWidget* parent)
   setFont(fixed);
   setTabChangesFocus(true);
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-  connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showMarks(); });
+  connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showHighlights(); });
   // Colouring a text changes nothing of it, and does not come here.
   connect(document(), &QTextDocument::contentsChange, this, [this] { errorLine_.reset(); });
-  connect(this, &QPlainTextEdit::textChanged, this, [this] { showMarks(); });
+  connect(this, &QPlainTextEdit::textChanged, this, [this] { showHighlights(); });
   applyStyle();
 }
 
@@ -76,7 +76,7 @@ void SqlEditor::setQueryText(const QString& text) {
   cursor.movePosition(QTextCursor::Start);
   setTextCursor(cursor);
   errorLine_.reset();
-  showMarks();
+  showHighlights();
 }
 
 void SqlEditor::setErrorLine(std::optional<int> line) {
@@ -88,10 +88,10 @@ void SqlEditor::setErrorLine(std::optional<int> line) {
     setTextCursor(cursor);
     ensureCursorVisible();
   }
-  showMarks();
+  showHighlights();
 }
 
-void SqlEditor::showMarks() {
+void SqlEditor::showHighlights() {
   const SqlColours colours = SqlColours::of(ui::Theme::of(*this));
   QList<QTextEdit::ExtraSelection> marks;
   if (errorLine_) {
@@ -175,11 +175,11 @@ void SqlEditor::keyPressEvent(QKeyEvent* event) {
     ensureCursorVisible();
     return;
   }
-  stepOverSeam(*event);
+  stepOverBoundary(*event);
   QPlainTextEdit::keyPressEvent(event);
 }
 
-void SqlEditor::stepOverSeam(const QKeyEvent& event) {
+void SqlEditor::stepOverBoundary(const QKeyEvent& event) {
   const bool back = event.key() == Qt::Key_Backspace || event.key() == Qt::Key_Left;
   const bool forth = event.key() == Qt::Key_Delete || event.key() == Qt::Key_Right;
   const bool moves = event.key() == Qt::Key_Left || event.key() == Qt::Key_Right;
@@ -189,7 +189,7 @@ void SqlEditor::stepOverSeam(const QKeyEvent& event) {
   if (cursor.hasSelection() && !extends) return;
   const QTextBlock block = cursor.block();
   const bool atSeam = (back && cursor.atBlockStart() && LinePieces::continues(block)) ||
-                      (forth && cursor.atBlockEnd() && LinePieces::goesOn(block));
+                      (forth && cursor.atBlockEnd() && LinePieces::isContinued(block));
   if (!atSeam) return;
   cursor.movePosition(back ? QTextCursor::PreviousCharacter : QTextCursor::NextCharacter,
                       extends ? QTextCursor::KeepAnchor : QTextCursor::MoveAnchor);
@@ -253,7 +253,7 @@ void SqlEditor::changeEvent(QEvent* event) {
 
 void SqlEditor::applyStyle() {
   highlighter_->setColours(SqlColours::of(ui::Theme::of(*this)));
-  showMarks();
+  showHighlights();
 }
 
 }  // namespace korvel::query

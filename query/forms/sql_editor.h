@@ -52,10 +52,10 @@ class SqlEditor final : public QPlainTextEdit {
   static constexpr std::size_t menuEntryCount = 7;
 
   void applyStyle();
-  void showMarks();
+  void showHighlights();
   void removeSelected();
   /// Between two pieces of a line there is nothing: the key is about what stands behind.
-  void stepOverSeam(const QKeyEvent& event);
+  void stepOverBoundary(const QKeyEvent& event);
   /// Place of the parenthesis that belongs to the one at `place`; nothing where there is none near enough.
   [[nodiscard]] std::optional<int> partnerOf(int place) const;
   /// Place of the parenthesis beside the cursor, the one before it first.

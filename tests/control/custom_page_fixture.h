@@ -18,7 +18,7 @@ class CustomPage : public ViewerTest {
   CustomPage() {
     makeKeyboard();
     // Every look at a query is told: no test waits for a clock.
-    control::surroundings().queryMachine.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
+    control::platform().queryEnvironment.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   }
 
   std::unique_ptr<AuditViewer> customPage() {

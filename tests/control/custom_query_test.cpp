@@ -144,7 +144,7 @@ TEST_F(CustomQuery, AViewerMayDieWhileItsFailureIsAnnounced) {
 
 TEST_F(CustomQuery, WithoutADatabaseItSaysSo) {
   const auto viewer = newViewer();
-  control::surroundings().connect = [](std::string_view, const std::stop_token&) -> std::unique_ptr<db::Connection> {
+  control::platform().connect = [](std::string_view, const std::stop_token&) -> std::unique_ptr<db::Connection> {
     throw Error(7, "no connection string");
   };
   viewer->TriggerAdvancedQuery("x");

@@ -15,7 +15,7 @@ namespace {
 class EndToEnd : public ViewerTest {
  protected:
   EndToEnd() {
-    control::surroundings().connect = &db::openConnection;
+    control::platform().connect = &db::openConnection;
     sqlite3* raw = nullptr;
     EXPECT_EQ(sqlite3_open(utf8FromPath(folder / "Korvel_Audit.db").c_str(), &raw), SQLITE_OK);
     database.reset(raw);

@@ -272,7 +272,7 @@ TEST_F(QueryTest, NoRecordsHasATitleOfItsOwn) {
   server.resultSets = {{}, {record("1", "CS")}};
   // The box may stand for hours: nothing is kept open behind it.
   recorder->onMessage = [&] { EXPECT_EQ(server.openConnections, 0); };
-  control::surroundings().connect = [&](std::string_view text, const std::stop_token&) {
+  control::platform().connect = [&](std::string_view text, const std::stop_token&) {
     auto connection = server.connect(text);
     EXPECT_EQ(server.openConnections, 1);
     return connection;
@@ -313,7 +313,7 @@ TEST_F(QueryTest, AFailureShowsNothingAndHalfATrailNeither) {
 
 TEST_F(QueryTest, WithoutADatabaseTheQueryFailsSilently) {
   const auto viewer = newViewer();
-  control::surroundings().connect = [](std::string_view, const std::stop_token&) -> std::unique_ptr<db::Connection> {
+  control::platform().connect = [](std::string_view, const std::stop_token&) -> std::unique_ptr<db::Connection> {
     throw Error(7, "no connection string");
   };
   viewer->TriggerQuery();
@@ -325,7 +325,7 @@ TEST_F(QueryTest, HourglassAndStatusTextStandWhileTheQueryRuns) {
   const auto viewer = shownViewer();
   QString statusDuringQuery;
   std::vector<Pointer> pointersDuringQuery;
-  control::surroundings().connect = [&](std::string_view text, const std::stop_token&) {
+  control::platform().connect = [&](std::string_view text, const std::stop_token&) {
     onWindowThread([&] {
       statusDuringQuery = statusPanel(*viewer);
       pointersDuringQuery = recorder->pointers;

@@ -87,7 +87,7 @@ TEST_F(WhileItLoads, EscapeStopsAStandardQueryToo) {
 }
 
 TEST_F(WhileItLoads, TheWindowDoesNotWaitForAServerThatDoesNotComeBack) {
-  control::surroundings().queryMachine.pace.grace = {};
+  control::platform().queryEnvironment.pace.grace = {};
   const auto viewer = shownViewer();
   std::promise<void> comesBack;
   server.answer = [&](db::ResultSink&) {

@@ -40,17 +40,15 @@ std::uint32_t MemorySettings::openForReading(const std::string& keyPath, std::un
   return settings::errorSuccess;
 }
 
-ViewerTest::ViewerTest() : realSurroundings_(control::surroundings()) {
-  control::surroundings().services = recorder;
-  control::surroundings().openSettings = [this] { return std::make_unique<MemorySettings>(settings); };
-  control::surroundings().connect = [this](std::string_view text, const std::stop_token&) {
-    return server.connect(text);
-  };
+ViewerTest::ViewerTest() : realPlatform_(control::platform()) {
+  control::platform().services = recorder;
+  control::platform().openSettings = [this] { return std::make_unique<MemorySettings>(settings); };
+  control::platform().connect = [this](std::string_view text, const std::stop_token&) { return server.connect(text); };
   control::libraryState() = control::LibraryState();
 }
 
 ViewerTest::~ViewerTest() {
-  control::surroundings() = realSurroundings_;
+  control::platform() = realPlatform_;
   control::libraryState() = control::LibraryState();
 }
 

@@ -86,7 +86,7 @@ class ViewerTest : public ::testing::Test {
   CannedServer server;
 
  private:
-  control::Surroundings realSurroundings_;
+  control::Platform realPlatform_;
 };
 
 }  // namespace korvel::test

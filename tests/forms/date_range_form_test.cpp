@@ -32,7 +32,7 @@ class DateRangeForm : public ::testing::Test {
   query::frmAdvancedFilters& form() {
     if (!form_) {
       form_ = std::make_unique<query::frmAdvancedFilters>(
-          query::DateRangeSurroundings{range, language, recorder, locale, [this] { return today; }, newest}, nullptr);
+          query::DateRangeContext{range, language, recorder, locale, [this] { return today; }, newest}, nullptr);
       form_->setModal(true);
       form_->show();
       QApplication::setActiveWindow(form_.get());
@@ -320,7 +320,7 @@ TEST_F(DateRangeForm, TheSystemsShortDatesAndFirstDayOfTheWeek) {
   locale = QLocale(QLocale::English, QLocale::UnitedStates);
   form();
   EXPECT_EQ(calendar("FromDate").firstDayOfWeek(), Qt::Sunday);
-  EXPECT_EQ(query::DateRangeSurroundings({range, language, recorder}).locale, QLocale::system());
+  EXPECT_EQ(query::DateRangeContext({range, language, recorder}).locale, QLocale::system());
 }
 
 TEST_F(DateRangeForm, TheSameDayOnBothSidesPasses) {

@@ -23,7 +23,7 @@ class FieldPicker : public ::testing::Test {
  protected:
   query::frmFields& form() {
     if (!form_) {
-      form_ = std::make_unique<query::frmFields>(query::QueryFormSurroundings{choices, language, recorder}, nullptr);
+      form_ = std::make_unique<query::frmFields>(query::QueryDialogContext{choices, language, recorder}, nullptr);
       form_->show();
     }
     return *form_;

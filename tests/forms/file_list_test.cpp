@@ -26,7 +26,7 @@ class FileList : public ::testing::Test {
   FileList() { choices.folder = folder.path().string() + "/"; }
   query::frmFileList& form() {
     if (!form_) {
-      form_ = std::make_unique<query::frmFileList>(query::QueryFormSurroundings{choices, language, recorder}, nullptr);
+      form_ = std::make_unique<query::frmFileList>(query::QueryDialogContext{choices, language, recorder}, nullptr);
       form_->show();
     }
     return *form_;

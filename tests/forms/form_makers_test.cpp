@@ -28,14 +28,14 @@ using ui::MessageIcon;
 
 class FormMakers : public ::testing::Test {
  protected:
-  FormMakers() : realSurroundings_(control::surroundings()) {
-    control::surroundings().services = recorder;
+  FormMakers() : realPlatform_(control::platform()) {
+    control::platform().services = recorder;
     libraryState() = control::LibraryState();
     libraryState().language = settings::LanguageOffset("10000");
     owner.show();
   }
   ~FormMakers() override {
-    control::surroundings() = realSurroundings_;
+    control::platform() = realPlatform_;
     libraryState() = control::LibraryState();
   }
 
@@ -67,7 +67,7 @@ class FormMakers : public ::testing::Test {
   std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
 
  private:
-  control::Surroundings realSurroundings_;
+  control::Platform realPlatform_;
 };
 
 TEST_F(FormMakers, TheFieldPickerHandsItsQueryToTheViewers) {

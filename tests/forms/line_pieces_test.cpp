@@ -33,7 +33,7 @@ class LongLines : public ::testing::Test {
     QString text;
     for (QTextBlock block = editor.document()->firstBlock(); block.isValid(); block = block.next()) {
       if (block.blockNumber() > 0) text += LinePieces::continues(block) ? '|' : '/';
-      EXPECT_EQ(LinePieces::goesOn(block), block.next().isValid() && LinePieces::continues(block.next()));
+      EXPECT_EQ(LinePieces::isContinued(block), block.next().isValid() && LinePieces::continues(block.next()));
       text += block.text();
     }
     return text;
@@ -45,9 +45,9 @@ class LongLines : public ::testing::Test {
     int begin = 0;
     for (QTextBlock block = editor.document()->firstBlock(); block.isValid(); block = block.next()) {
       const int length = block.length() - 1;
-      const bool takesNext = later && character == begin + length && LinePieces::goesOn(block);
+      const bool takesNext = later && character == begin + length && LinePieces::isContinued(block);
       if (character <= begin + length && !takesNext) return block.position() + character - begin;
-      begin += length + (LinePieces::goesOn(block) ? 0 : 1);
+      begin += length + (LinePieces::isContinued(block) ? 0 : 1);
     }
     ADD_FAILURE() << "no character " << character;
     return 0;
@@ -248,7 +248,7 @@ class ColouredLongLines : public LongLines {
         const QChar initial = ink == all.keyword ? 'k' : ink == all.literal ? 'l' : ink == all.comment ? 'c' : '?';
         for (int i = range.start; i < range.start + range.length; ++i) line[i] = initial;
       }
-      initials += line + (LinePieces::goesOn(block) ? "" : "/");
+      initials += line + (LinePieces::isContinued(block) ? "" : "/");
     }
     return initials;
   }

@@ -16,7 +16,7 @@ namespace korvel::test {
 class PrintFontForm : public ::testing::Test {
  protected:
   void open() {
-    form = std::make_unique<output::frmPrintFont>(output::PrintFontSurroundings{font, language, recorder}, nullptr);
+    form = std::make_unique<output::frmPrintFont>(output::PrintFontContext{font, language, recorder}, nullptr);
     form->show();
   }
   template <typename Element>

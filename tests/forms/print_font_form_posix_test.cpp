@@ -11,7 +11,7 @@ namespace {
 TEST_F(PrintFontForm, ChangingNothingInTheDialogOfFontsChangesNothing) {
   font = {"Courier", 9.75};
   form = std::make_unique<output::frmPrintFont>(
-      output::PrintFontSurroundings{font, language, std::make_shared<control::QtControlServices>()}, nullptr);
+      output::PrintFontContext{font, language, std::make_shared<control::QtControlServices>()}, nullptr);
   form->show();
   bool accepted = false;
   const control::WhenModal accept([&](QWidget* dialog) {

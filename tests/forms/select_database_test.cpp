@@ -104,8 +104,8 @@ TEST_F(SelectDatabase, CancelAfterAnOkWithoutAChoiceLocks) {
   const auto viewer = shownViewer();
   ASSERT_TRUE(unlocked(*viewer));
   ASSERT_FALSE(control::libraryState().connection.AdvancedConnectionString.empty());
-  control::surroundings().services = std::make_shared<control::QtControlServices>();
-  control::surroundings().openDirectory = [&] { return std::make_unique<CannedDirectory>(network); };
+  control::platform().services = std::make_shared<control::QtControlServices>();
+  control::platform().openDirectory = [&] { return std::make_unique<CannedDirectory>(network); };
   QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);
   bool messageSeen = false;
   QTimer whenMessage;
@@ -140,8 +140,8 @@ TEST_F(SelectDatabase, TheDialogIsTheBrowserOwnedByTheControl) {
   CannedNetwork network;
   network.local = {"PLANT1"};
   network.databases["PLANT1"] = {{"Korvel_Audit", false, "C:\\a.mdf"}};
-  control::surroundings().services = std::make_shared<control::QtControlServices>();
-  control::surroundings().openDirectory = [&] { return std::make_unique<CannedDirectory>(network); };
+  control::platform().services = std::make_shared<control::QtControlServices>();
+  control::platform().openDirectory = [&] { return std::make_unique<CannedDirectory>(network); };
   const auto viewer = newViewer();
   viewer->show();
   QSignalSpy selected(viewer.get(), &AuditViewer::DatabaseSelected);

@@ -48,8 +48,8 @@ class Browser : public ::testing::Test {
   db::frmSQLServerBrowser& form() {
     if (!form_) {
       form_ = std::make_unique<db::frmSQLServerBrowser>(
-          db::BrowserSurroundings{connection, language, recorder,
-                                  [this] { return std::make_unique<CannedDirectory>(network); }},
+          db::ServerBrowserContext{connection, language, recorder,
+                                   [this] { return std::make_unique<CannedDirectory>(network); }},
           nullptr);
       form_->show();
       QCoreApplication::processEvents();

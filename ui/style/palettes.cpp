@@ -56,7 +56,7 @@ QPalette fromShades(const Shades& shades, const QColor& accent) {
 }
 
 /// What the toolkit, or a platform that has no opinion, takes for a highlight.
-constexpr std::array<QRgb, 5> nobodysChoice{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent, darkShades.accent};
+constexpr std::array<QRgb, 5> toolkitDefaults{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent, darkShades.accent};
 
 /// Applies the palette and applies it again when the system changes its mind. Lives as long as the application.
 class PaletteKeeper : public QObject {
@@ -121,7 +121,7 @@ bool isDark(const QPalette& palette) {
 
 QColor chosenHighlight(const QPalette& palette) {
   const QColor highlight = palette.color(QPalette::Active, QPalette::Highlight);
-  for (const QRgb fallback : nobodysChoice) {
+  for (const QRgb fallback : toolkitDefaults) {
     if (highlight.rgb() == fallback) return {};
   }
   constexpr int grey = 60;  // saturation, of 255

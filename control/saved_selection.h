@@ -10,10 +10,10 @@ namespace korvel::control {
 
 /// Which records of a list are selected, wherever a sort moves them. Takes a bit a record: a million selected rows are
 /// no burden, as they would be one by one.
-class KeptSelection {
+class SavedSelection {
  public:
   /// Forgets what was kept and keeps the records in these rows.
-  void keep(const results::ResultList& list, const std::vector<RowSpan>& rows);
+  void save(const results::ResultList& list, const std::vector<RowSpan>& rows);
   [[nodiscard]] bool isEmpty() const { return count_ == 0; }
   [[nodiscard]] std::size_t count() const { return count_; }
   /// The rows in which the records stand now, top to bottom.

@@ -1,10 +1,10 @@
-#include "control/kept_selection.h"
+#include "control/saved_selection.h"
 
 namespace korvel::control {
 
 using results::RowPosition;
 
-void KeptSelection::keep(const results::ResultList& list, const std::vector<RowSpan>& rows) {
+void SavedSelection::save(const results::ResultList& list, const std::vector<RowSpan>& rows) {
   records_.clear();
   count_ = 0;
   if (list.store() == nullptr || rows.empty()) return;
@@ -15,7 +15,7 @@ void KeptSelection::keep(const results::ResultList& list, const std::vector<RowS
   }
 }
 
-std::vector<RowSpan> KeptSelection::rowsIn(const results::ResultList& list) const {
+std::vector<RowSpan> SavedSelection::rowsIn(const results::ResultList& list) const {
   std::vector<RowSpan> spans;
   for (std::size_t position = 0; position < list.rowCount(); ++position) {
     if (!records_[list.rowId(RowPosition{position}).value]) continue;

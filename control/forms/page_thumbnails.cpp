@@ -1,4 +1,4 @@
-#include "control/forms/sheet_list.h"
+#include "control/forms/page_thumbnails.h"
 
 #include <QPainter>
 #include <QSize>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr qreal pointsPerInch = 72;
 /// Pictures that are kept; those of a screen or two.
-constexpr int keptPictures = 64;
+constexpr int cachedThumbnails = 64;
 
 /// White paper on a white ground would have no edge.
 void frame(QImage& picture) {
@@ -21,20 +21,24 @@ void frame(QImage& picture) {
 
 }  // namespace
 
-SheetList::SheetList(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent)
-    : QAbstractListModel(parent), sheets_(sheets), width_(width), pixelRatio_(pixelRatio), pictures_(keptPictures) {}
+PageThumbnails::PageThumbnails(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent)
+    : QAbstractListModel(parent),
+      sheets_(sheets),
+      width_(width),
+      pixelRatio_(pixelRatio),
+      thumbnails_(cachedThumbnails) {}
 
-int SheetList::rowCount(const QModelIndex& parent) const {
+int PageThumbnails::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : sheets_.count();
 }
 
-QVariant SheetList::data(const QModelIndex& index, int role) const {
+QVariant PageThumbnails::data(const QModelIndex& index, int role) const {
   if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) return {};
   const int page = index.row() + 1;
   if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole) return QString::number(page);
   if (role == Qt::TextAlignmentRole) return int(Qt::AlignHCenter);
   if (role != Qt::DecorationRole) return {};
-  if (const QImage* const kept = pictures_.object(page)) return *kept;
+  if (const QImage* const kept = thumbnails_.object(page)) return *kept;
   try {
     // Letters of a few points are no letters on some systems: the page is drawn larger, and the picture made small.
     constexpr int enlargement = 3;
@@ -45,7 +49,7 @@ QVariant SheetList::data(const QModelIndex& index, int role) const {
     frame(*picture);
     picture->setDevicePixelRatio(pixelRatio_);
     const QImage shown = *picture;
-    pictures_.insert(page, picture.release());
+    thumbnails_.insert(page, picture.release());
     return shown;
   } catch (const std::exception&) {
     return {};  // the large picture says why it cannot be shown

@@ -9,12 +9,12 @@
 namespace korvel::control {
 
 /// The pages of a report as small pictures, drawn when they are looked at.
-class SheetList final : public QAbstractListModel {
+class PageThumbnails final : public QAbstractListModel {
   Q_OBJECT
 
  public:
   /// `sheets` must outlive it. Pictures are `width` pixels wide at `pixelRatio` device pixels each.
-  SheetList(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent);
+  PageThumbnails(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent);
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -23,7 +23,7 @@ class SheetList final : public QAbstractListModel {
   output::pages::ReportSheets& sheets_;
   int width_;
   qreal pixelRatio_;
-  mutable QCache<int, QImage> pictures_;
+  mutable QCache<int, QImage> thumbnails_;
 };
 
 }  // namespace korvel::control

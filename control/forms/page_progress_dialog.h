@@ -10,13 +10,13 @@ class QWidget;
 namespace korvel::control {
 
 /// The window that says how far a report is on its way over its pages, and lets a person cancel it. It shows itself
-/// only where the way takes longer than `patience`.
-class PagesWindow {
+/// only where the way takes longer than `delay`.
+class PageProgressDialog {
  public:
-  explicit PagesWindow(QWidget& owner, std::chrono::milliseconds patience = std::chrono::milliseconds{700});
-  ~PagesWindow();
-  PagesWindow(const PagesWindow&) = delete;
-  PagesWindow& operator=(const PagesWindow&) = delete;
+  explicit PageProgressDialog(QWidget& owner, std::chrono::milliseconds delay = std::chrono::milliseconds{700});
+  ~PageProgressDialog();
+  PageProgressDialog(const PageProgressDialog&) = delete;
+  PageProgressDialog& operator=(const PageProgressDialog&) = delete;
 
   /// Tells the page; 0 of 0 while pages are counted. False once it has been cancelled, or removed with its owner. Once
   /// the window is shown events are handled here: those of the cancel button and nobody else's, since it is modal.
@@ -24,8 +24,8 @@ class PagesWindow {
 
  private:
   QPointer<QProgressDialog> window_;
-  std::chrono::milliseconds patience_;
-  QElapsedTimer begun_;
+  std::chrono::milliseconds delay_;
+  QElapsedTimer elapsed_;
 };
 
 }  // namespace korvel::control

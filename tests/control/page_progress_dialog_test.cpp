@@ -1,5 +1,5 @@
 // The window that tells how far a report is on its way.
-#include "control/forms/pages_window.h"
+#include "control/forms/page_progress_dialog.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ class Pages : public ::testing::Test {
 };
 
 TEST_F(Pages, AreToldWhereTheWayIsLong) {
-  PagesWindow window(*owner, std::chrono::milliseconds{0});
+  PageProgressDialog window(*owner, std::chrono::milliseconds{0});
   ASSERT_NE(dialog(), nullptr);
   EXPECT_FALSE(dialog()->isVisible());
   // While pages are counted nothing but the time goes on.
@@ -34,14 +34,14 @@ TEST_F(Pages, AreToldWhereTheWayIsLong) {
 }
 
 TEST_F(Pages, StayUntoldWhereItIsShort) {
-  PagesWindow window(*owner, std::chrono::hours{1});
+  PageProgressDialog window(*owner, std::chrono::hours{1});
   EXPECT_TRUE(window.show(0, 0));
   EXPECT_TRUE(window.show(1, 2));
   EXPECT_FALSE(dialog()->isVisible());
 }
 
 TEST_F(Pages, CanBeCancelledWhileTheyAreCounted) {
-  PagesWindow window(*owner, std::chrono::milliseconds{0});
+  PageProgressDialog window(*owner, std::chrono::milliseconds{0});
   EXPECT_TRUE(window.show(0, 0));
   dialog()->findChild<QPushButton*>()->click();
   EXPECT_FALSE(window.show(0, 0));
@@ -49,7 +49,7 @@ TEST_F(Pages, CanBeCancelledWhileTheyAreCounted) {
 }
 
 TEST_F(Pages, EndWithTheirOwner) {
-  PagesWindow window(*owner, std::chrono::milliseconds{0});
+  PageProgressDialog window(*owner, std::chrono::milliseconds{0});
   EXPECT_TRUE(window.show(0, 0));
   owner.reset();
   EXPECT_FALSE(window.show(0, 0));

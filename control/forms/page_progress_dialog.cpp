@@ -1,4 +1,4 @@
-#include "control/forms/pages_window.h"
+#include "control/forms/page_progress_dialog.h"
 
 #include <QCoreApplication>
 #include <QProgressDialog>
@@ -15,9 +15,8 @@ constexpr int leastWidth = 360;
 
 }  // namespace
 
-PagesWindow::PagesWindow(QWidget& owner, std::chrono::milliseconds patience)
-    : window_(new QProgressDialog(ownText("print.counting"), ownText("print.cancel"), 0, 0, &owner)),
-      patience_(patience) {
+PageProgressDialog::PageProgressDialog(QWidget& owner, std::chrono::milliseconds delay)
+    : window_(new QProgressDialog(ownText("print.counting"), ownText("print.cancel"), 0, 0, &owner)), delay_(delay) {
   window_->setObjectName(QStringLiteral("frmPages"));
   window_->setWindowModality(Qt::ApplicationModal);
   window_->setWindowTitle(QStringLiteral("KorvelAudit Viewer"));
@@ -28,21 +27,21 @@ PagesWindow::PagesWindow(QWidget& owner, std::chrono::milliseconds patience)
   window_->setMinimumDuration(std::numeric_limits<int>::max());
   window_->setAutoReset(false);
   window_->setAutoClose(false);
-  begun_.start();
+  elapsed_.start();
 }
 
-PagesWindow::~PagesWindow() {
+PageProgressDialog::~PageProgressDialog() {
   delete window_;
 }
 
-bool PagesWindow::show(int page, int pages) {
+bool PageProgressDialog::show(int page, int pages) {
   if (!window_) return false;
   window_->setLabelText(pages == 0 ? ownText("print.counting") : ownText("print.printing").arg(page).arg(pages));
   window_->setMaximum(pages);
   window_->setValue(page);
   if (!window_) return false;
   if (!window_->isVisible() && !window_->wasCanceled()) {
-    if (std::chrono::milliseconds(begun_.elapsed()) < patience_) return true;
+    if (std::chrono::milliseconds(elapsed_.elapsed()) < delay_) return true;
     window_->show();
   }
   QCoreApplication::processEvents();
