@@ -39,8 +39,6 @@ class CommandActions {
 
   /// The items as they stand now; they are looked at again at every click, so they must live until the next call.
   void mirror(const Items& items);
-  /// Asks anew which commands are available.
-  void refresh();
   /// The pointer is on this action of the container. Containers themselves tell only of what can be chosen.
   void hover(QAction* action) const { highlight(action); }
 
@@ -52,6 +50,8 @@ class CommandActions {
   void setShortcut(QAction& action, const QKeySequence& key);
   QAction* makeAction(QWidget& container, const CommandItem& item);
   QMenu* makeMenu(QWidget& container, const CommandItem& item);
+  /// Asks which commands are available.
+  void refresh();
   void click(QAction* action);
   void highlight(QAction* action) const;
   [[nodiscard]] bool isUsable(const CommandItem& item) const;

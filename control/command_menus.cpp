@@ -31,10 +31,6 @@ void CommandMenuBar::mirror(const CommandItems& items) {
   actions_->mirror(items.items());
 }
 
-void CommandMenuBar::refresh() {
-  actions_->refresh();
-}
-
 void CommandMenuBar::openFirstMenu() {
   const QList<QAction*> menus = actions();
   for (QAction* menu : menus) {

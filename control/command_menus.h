@@ -17,7 +17,6 @@ class CommandMenuBar final : public QMenuBar {
   /// Before the first mirror().
   void setHooks(CommandHooks hooks);
   void mirror(const CommandItems& items);
-  void refresh();
   /// Opens the first menu that can be opened, for the keyboard.
   void openFirstMenu();
 

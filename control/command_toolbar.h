@@ -20,7 +20,6 @@ class CommandToolbar final : public QToolBar {
   void setHooks(CommandHooks hooks, std::function<QString(const CommandItem&)> name);
   /// The items as they stand now; they are looked at again at every click, so they must live until the next call.
   void mirror(const CommandItems& items);
-  void refresh();
 
   /// The buttons in their order.
   [[nodiscard]] std::vector<QWidget*> buttons() const;
@@ -34,6 +33,7 @@ class CommandToolbar final : public QToolBar {
   void build(const CommandItems& items);
   QAction* makeButton(const CommandItem& item);
   void caption(const Slot& slot);
+  void refresh();
   void click(const QAction* action);
 
   CommandHooks hooks_;

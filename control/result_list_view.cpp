@@ -65,10 +65,6 @@ void ResultListView::setColumnTwips(int column, Twips width) {
   if (width > Twips{0}) setColumnWidth(column, std::max(1, ui::ScreenMeasure(*this).horizontal(width)));
 }
 
-Twips ResultListView::columnTwips(int column) const {
-  return ui::ScreenMeasure(*this).horizontalTwips(columnWidth(column));
-}
-
 void ResultListView::autoSizeColumn(int column) {
   if (column < 0 || column >= model_.columnCount() || isColumnHidden(column)) return;
   resizeColumnToContents(column);

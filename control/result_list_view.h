@@ -26,7 +26,6 @@ class ResultListView final : public ui::ResultTable {
   void applyColumnWidths();
   /// Width 0 hides the column.
   void setColumnTwips(int column, Twips width);
-  [[nodiscard]] Twips columnTwips(int column) const;
   /// Makes a column as wide as its widest entry, its caption with a sort arrow included. A hidden column stays hidden.
   /// Measures the column's different texts, not its rows.
   void autoSizeColumn(int column);
@@ -41,7 +40,7 @@ class ResultListView final : public ui::ResultTable {
   /// Puts the selected rows into the clipboard: visible columns in their visible order, under their captions, as
   /// tab-separated lines and as a table. Says so, and leaves the clipboard alone, where they are too many.
   void copySelection();
-  /// Characters of both forms that a copy may have.
+  /// Characters that both forms of a copy may have together; smaller in tests, which cannot fill the real limit.
   void setCopyLimit(qsizetype characters) { copyLimit_ = characters; }
   /// The selected rows, top to bottom.
   [[nodiscard]] std::vector<RowSpan> selectedSpans() const;

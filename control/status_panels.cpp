@@ -53,9 +53,6 @@ QString StatusPanels::status() const {
 void StatusPanels::setRecords(const QString& text) {
   records_->setText(text);
 }
-QString StatusPanels::records() const {
-  return records_->text();
-}
 void StatusPanels::paintNow() {
   // What has been shown or hidden gets its place when the event loop runs next, which would be too late.
   if (QLayout* const panels = layout()) panels->activate();

@@ -21,7 +21,6 @@ class StatusPanels final : public QStatusBar {
   [[nodiscard]] QString status() const;
   /// Panel "Records": the row count.
   void setRecords(const QString& text);
-  [[nodiscard]] QString records() const;
 
   /// Paints the panels and the progress bar as they are now, without the event loop.
   void paintNow();

@@ -11,8 +11,6 @@
 namespace korvel::ui {
 namespace {
 
-constexpr const char* primaryProperty = "korvelPrimary";
-
 void setUpIcon(QAbstractButton& button) {
   const int side = px(&button, space::icon);
   button.setIconSize({side, side});
@@ -20,17 +18,11 @@ void setUpIcon(QAbstractButton& button) {
 
 }  // namespace
 
-void setPrimary(QPushButton& button, bool primary) {
-  button.setProperty(primaryProperty, primary);
-  button.update();
-}
-
 bool isPrimary(const QWidget& button) {
-  return button.property(primaryProperty).toBool();
+  return qobject_cast<const PrimaryButton*>(&button) != nullptr;
 }
 
 PrimaryButton::PrimaryButton(QWidget* parent) : QPushButton(parent) {
-  setPrimary(*this);
   setUpIcon(*this);
 }
 

@@ -69,8 +69,6 @@ class TextRow : public QWidget {
   QBoxLayout* layout_;
 };
 
-/// Makes any push button the filled one, or takes that back.
-void setPrimary(QPushButton& button, bool primary = true);
 [[nodiscard]] bool isPrimary(const QWidget& button);
 
 }  // namespace korvel::ui

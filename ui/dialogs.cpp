@@ -87,9 +87,9 @@ void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QSt
   add(row->count(), "nextYear", IconName::NextYear, next, 1);
 }
 
-void setMuted(QLabel& label, bool muted) {
+void setMuted(QLabel& label) {
   // The style reads this role as "grey text"; it follows the palette by itself.
-  label.setForegroundRole(muted ? QPalette::PlaceholderText : QPalette::WindowText);
+  label.setForegroundRole(QPalette::PlaceholderText);
 }
 
 void paintEmptyMessage(QAbstractScrollArea& area, const QString& text) {

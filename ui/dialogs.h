@@ -24,7 +24,7 @@ void styleCalendar(QCalendarWidget& calendar);
 void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next);
 
 /// Grey explanatory text.
-void setMuted(QLabel& label, bool muted = true);
+void setMuted(QLabel& label);
 
 /// Paints `text` in grey in the middle of the area's viewport: the message of an empty list. Call it from the
 /// paintEvent of the area, which paints on its viewport.

@@ -94,6 +94,12 @@ static_assert(std::all_of(menuRows.begin(), menuRows.end(),
 constexpr std::size_t firstLockedButton = 3;
 constexpr std::array<std::string_view, 3> lockedMenuKeys = {"TOOLS", "PageSetup", "Print"};
 
+/// The text in the language of the offset; "" for none.
+std::string commandText(const CommandText& text, const settings::LanguageOffset& offset) {
+  if (text.id == 0) return std::string(text.fixed);
+  return std::string(settings::loadText({text.id}, offset));
+}
+
 }  // namespace
 
 std::span<const MenuRow> menuTable() noexcept {
@@ -101,11 +107,6 @@ std::span<const MenuRow> menuTable() noexcept {
 }
 std::span<const ToolbarRow> toolbarTable() noexcept {
   return toolbarRows;
-}
-
-std::string commandText(const CommandText& text, const settings::LanguageOffset& offset) {
-  if (text.id == 0) return std::string(text.fixed);
-  return std::string(settings::loadText({text.id}, offset));
 }
 
 void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {

@@ -33,11 +33,9 @@ struct ToolbarRow {
   bool placeholder = false;
 };
 
+/// The tables as data: tests compare the built items, and what widgets show of them, with these rows.
 [[nodiscard]] std::span<const MenuRow> menuTable() noexcept;
 [[nodiscard]] std::span<const ToolbarRow> toolbarTable() noexcept;
-
-/// The text in the language of the offset; "" for none.
-[[nodiscard]] std::string commandText(const CommandText& text, const settings::LanguageOffset& offset);
 
 /// Clears `items` and builds them anew from the table. A step that fails leaves its item missing or unset; the rest
 /// goes on.

@@ -29,7 +29,7 @@ class RecordView final : public QDialog {
   void showRecord(ResultListView& list, int row);
   void showNext() { step(1); }
   void showPrevious() { step(-1); }
-  /// The row of the list whose record is shown; -1 for none.
+  /// The row of the list whose record is shown; -1 for none. For tests: the form shows the record, not its row.
   [[nodiscard]] int row() const { return record_.isValid() ? record_.row() : -1; }
   /// Puts the record into the clipboard: a line a field, its caption and its whole text. Says so, and leaves the
   /// clipboard alone, where memory does not suffice.

@@ -23,7 +23,7 @@ class LinePieces final : public QObject {
   /// Belongs to the document.
   explicit LinePieces(QTextDocument& document);
 
-  /// Lines of up to twice as many characters are one block.
+  /// Lines of up to twice as many characters are one block. For tests, whose lines are short.
   void setPieceLength(int characters) { pieceLength_ = characters; }
 
   /// Whether a block goes on with the line of the block before it.

@@ -29,7 +29,7 @@ class SqlEditor final : public QPlainTextEdit {
   /// The marked line, nothing where none is marked.
   [[nodiscard]] std::optional<int> errorLine() const { return errorLine_; }
 
-  /// How lines that are too long to be laid out at once are kept.
+  /// How lines that are too long to be laid out at once are kept. For tests, which set the length of pieces.
   [[nodiscard]] LinePieces& pieces() { return *pieces_; }
 
   /// Texts of the context menu and the placeholder, by our own keys ("editor.undo").

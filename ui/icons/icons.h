@@ -55,7 +55,7 @@ enum class IconName {
   More,
 };
 
-/// Every name with its file, for whoever wants to walk them.
+/// Every name with its file. For tests, which draw them all.
 struct IconFile {
   IconName name;
   const char* file;
