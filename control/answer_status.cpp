@@ -41,8 +41,7 @@ QString AnswerStatus::alarmRemark() const {
                                                                                 : QString();
 }
 
-/// An answer that the server cut off looks like a whole one, and one that is out of date like the present one: the
-/// status panel says so until the next query.
+/// A cut-off answer looks complete and an outdated one current: the status panel says so until the next query.
 QString AnswerStatus::restingText() const {
   QStringList sentences;
   const auto say = [&](const QString& sentence) {
@@ -68,7 +67,7 @@ void AnswerStatus::showNotice(const QString& notice) {
 }
 
 void AnswerStatus::followRestingText() {
-  // The progress of a query and the help of a command stay until they end; what is to be said then is asked anew.
+  // The progress of a query and the help of a command stay until they end; the resting text is computed again then.
   if (surface_.StatusBar1->status() == shownRestingText_) showRestingText();
 }
 

@@ -74,7 +74,7 @@ class AnswerStatus {
   [[nodiscard]] ShownAnswer& answerOf(AnswerLists lists) noexcept;
   /// Whether a database has been selected that this instance can query.
   [[nodiscard]] bool hasDatabase() const;
-  /// Whether the current page shows the answer to another question than would be asked at present.
+  /// Whether the current page shows the answer to another question than the present one.
   [[nodiscard]] bool isOutOfDate() const;
   [[nodiscard]] QString restingText() const;
   [[nodiscard]] QString emptyText(const ShownAnswer& answer, bool custom) const;

@@ -24,12 +24,12 @@ namespace {
 const QString queryingText = QStringLiteral("Querying Database Please Wait....");
 const QString noRecordsText = QStringLiteral("No Records Found for Query");
 
-/// Text of the status panel while the object lives.
+/// Sets the text of the status panel while it exists.
 class StatusText {
  public:
   StatusText(StatusPanels& panels, const QString& text) : panels_(&panels) {
     panels_->setStatus(text);
-    // The query blocks: what is not painted now is not seen before it has ended.
+    // The query blocks: what is not painted now would be painted after it.
     panels_->repaint();
   }
   ~StatusText() {
@@ -42,8 +42,8 @@ class StatusText {
   QPointer<StatusPanels> panels_;
 };
 
-/// While it lives, no control of the program begins a query: it would run inside of the one that is waited for, which
-/// could not be stopped meanwhile.
+/// While it exists, no control of the program starts a query: it would run nested in the current one, which could not
+/// be stopped meanwhile.
 class QueryRunning {
  public:
   QueryRunning() { libraryState().queryRunning = true; }
@@ -98,7 +98,7 @@ void AuditQueries::TriggerQuery() {
   constexpr int noRecords = 10061;
   using Change = ResultListModel::RowsChange;
 
-  // A call that was queued while a query runs: it would run inside of that.
+  // A call that was queued while a query runs would run nested in it.
   if (libraryState().queryRunning) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
@@ -108,7 +108,7 @@ void AuditQueries::TriggerQuery() {
   const auto atEnd = qScopeGuard([&] {
     if (alive) answers_.endQuery(AnswerLists::standard);
   });
-  // What is asked now: a host may choose otherwise before the answer is told.
+  // The question as it is now: the host may change range and filter before the answer is shown.
   const query::DateRange range = libraryState().dateRange;
   const query::CategoryFlags flags = filterTree_.flags();
   ShownAnswer answer{.question = answers_.standardQuestion(),
@@ -182,7 +182,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
   model.clear();
   DisplayNoOfRecords();
 
-  // Apart from the list that is shown, which stays whole whatever is painted meanwhile.
+  // Separate from the list that is shown, which is painted meanwhile.
   results::ResultList answer(results::RowFilling::whole);
   query::CustomReport report;
   const std::string text = QueryString.toStdString();
@@ -220,7 +220,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
       if (surface_.txtAdvancedQuery->queryText() == QueryString)
         surface_.txtAdvancedQuery->setErrorLine(failure.line());
       answers_.setAnswer(AnswerLists::custom, {.state = AnswerState::failed, .failure = failureText(failure)});
-      // Before the box, which may stand for hours.
+      // Before the message box, which may stay open for hours.
       queryFailed(failure);
       if (!alive) return;
       messages_.trapped("TriggerAdvancedQuery", [&failure] { throw Error(failure); });
@@ -231,8 +231,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
 
 AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const db::Attendance& goOn)>& ask) {
   const QPointer<AuditViewer> alive(&viewer_);
-  // Queued calls of the host may select another database, or delete this very control: nothing of it is used below
-  // without a look whether it lives.
+  // Queued calls of the host may select another database or delete this control: every use below checks `alive` first.
   const int selection = answers_.selections();
   const auto isStale = [&] { return !alive || answers_.selections() != selection; };
   const QString statusBefore = surface_.StatusBar1->status();
@@ -240,7 +239,8 @@ AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const 
   {
     ui::QueryWatch watch;
     ask([&] { return !isStale() && watch.goOn() && !isStale(); });
-    // What impatience has sent is still on its way: it was meant for this query and shall not start another one.
+    // Clicks and keys that are still queued were meant for this query: they are dropped, so that they start no other
+    // one.
     static_cast<void>(watch.goOn());
   }
   if (!alive) return AnswerUse::controlIsGone;
@@ -275,7 +275,7 @@ void AuditQueries::clearAllLists() {
 
 std::optional<std::chrono::year_month_day> AuditQueries::newestDayShown() const {
   std::optional<std::chrono::year_month_day> newest;
-  // Where memory has run out it is not known.
+  // Unknown where memory has run out.
   skipFailing([&] {
     for (std::size_t i = 0; i < query::standardListCount; ++i)
       newest = std::max(newest, query::newestDay(lists_.at(i)));

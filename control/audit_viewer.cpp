@@ -16,8 +16,8 @@ namespace korvel {
 
 namespace {
 
-/// A query that was stopped may go on behind the window until its connection is given up, two seconds later: the
-/// program does not take away under it what it uses.
+/// A stopped query may still run on its worker until its connection is closed two seconds later. The program waits for
+/// it before it unloads what the query uses.
 void awaitStoppedQueries() {
   constexpr std::chrono::milliseconds untilGivenUp{2500};
   db::awaitWorkLeftBehind(untilGivenUp);
@@ -32,7 +32,7 @@ AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
   members_->messages.trapped("Initialize", [this] { members_->Initialize(); });
 }
 
-// Children are destroyed before the members that they look at: what is left to ~QWidget would find them gone.
+// Children use the members: they are deleted here, because ~QWidget would delete them after the members.
 AuditViewer::~AuditViewer() {
   const auto elements = findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
   for (QWidget* element : elements) {
@@ -73,7 +73,7 @@ void AuditViewer::setViewToolBar(bool value) {
   Q_EMIT PropertyChanged(QStringLiteral("ViewToolBar"));
   if (!alive) return;
   members_->surface.SmartToolbar->setVisible(value);
-  // A toolbar that is hidden leaves its room to what lies below it.
+  // The elements below take the space of a hidden toolbar.
   members_->sideTools.arrange();
   updateGeometry();
 }
@@ -189,7 +189,7 @@ void AuditViewer::BuildPopup(const QString& PopupItem) {
 }
 
 void AuditViewer::TriggerAdvancedQuery(const QString& QueryString) {
-  // A copy: what was handed over may die while the query loads.
+  // A copy: the caller's text may be destroyed while the query loads.
   members_->messages.trapped("TriggerAdvancedQuery",
                              [this, text = QueryString] { members_->queries.TriggerAdvancedQuery(text); });
 }
@@ -227,8 +227,7 @@ void AuditViewer::PreviewReport() {
 
 void AuditViewer::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
-  // A spontaneous event is the window system's (a window that comes back from the task bar): the control was not
-  // hidden.
+  // The window system's own events (a window restored from the task bar) are spontaneous: the control was not hidden.
   if (!event->spontaneous()) members_->messages.trapped("Show", [this] { members_->Show(); });
 }
 

@@ -10,7 +10,7 @@ using control::libraryState;
 
 namespace {
 
-/// ListViewColSetup gives the lists their columns, not before: an Initialize that fails earlier leaves them bare.
+/// The lists have no columns until ListViewColSetup, also where Initialize fails before it.
 query::ResultLists listsWithoutColumns() {
   query::ResultLists lists = query::makeResultLists();
   for (results::ResultList& list : lists) list.setColumns({});
@@ -95,10 +95,10 @@ void AuditViewer::Members::followDateRangeEverywhere() {
 
 void AuditViewer::Members::SSTab1_Click() {
   customPage.offerCustomQuery();
-  // What was noticed was about the page that was left.
+  // A notice belongs to the page that was left.
   answers.clearNotice();
   answers.followRestingText();
-  // The panel speaks of the current tab: it follows when that changes.
+  // The panel shows the count of the current tab.
   queries.DisplayNoOfRecords();
 }
 

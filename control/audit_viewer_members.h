@@ -20,8 +20,8 @@
 
 namespace korvel {
 
-/// What one instance of the control is made of: its four stored properties, its surface, and one object for each of
-/// its jobs. Wires them, and holds the steps that concern several. Members may throw; the public face traps.
+/// The parts of one instance of the control: its four stored properties, its surface, and one object for each of its
+/// jobs. Wires them and holds the steps that concern several of them. Members may throw; AuditViewer traps.
 class Q_DECL_HIDDEN AuditViewer::Members {
  public:
   explicit Members(AuditViewer& viewer);
@@ -53,7 +53,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::ViewerCommands commands;
 
  private:
-  /// The instances that live. Used from the user-interface thread only.
+  /// All instances. Used from the user-interface thread only.
   static std::vector<Members*>& instances() {
     static std::vector<Members*> all;
     return all;

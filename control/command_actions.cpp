@@ -46,7 +46,7 @@ bool isMenu(const CommandItem& item) {
   return item.kind == ItemKind::topLevelMenu || item.kind == ItemKind::submenu;
 }
 
-/// A menu that tells of every item under the pointer.
+/// A menu that reports every item under the pointer, disabled ones too.
 class HoverMenu final : public QMenu {
  public:
   HoverMenu(QWidget* parent, std::function<void(QAction*)> hovered) : QMenu(parent), hovered_(std::move(hovered)) {}
@@ -61,7 +61,7 @@ class HoverMenu final : public QMenu {
   std::function<void(QAction*)> hovered_;
 };
 
-/// Marks the actions that an adapter made for an item: what they were made for.
+/// The key of the item that an action was made for.
 constexpr const char* keyProperty = "korvelCommandKey";
 
 QString actionText(const CommandItem& item) {
@@ -72,7 +72,7 @@ QString actionText(const CommandItem& item) {
 }  // namespace
 
 QIcon commandIcon(const CommandItem& item) {
-  // What is ticked has its tick in the place of a drawing.
+  // Check commands show their tick instead of an icon.
   if (item.kind == ItemKind::check) return {};
   const auto* found =
       std::find_if(drawings.begin(), drawings.end(), [&](const CommandDrawing& row) { return row.key == item.key; });
@@ -112,7 +112,7 @@ void CommandActions::removeActions(QWidget& container) {
   for (QAction* action : actions) {
     container.removeAction(action);
     if (QWidget* const control = container_.parentWidget()) control->removeAction(action);
-    // Later: it may be this very action, or one in this menu, that is at work.
+    // Deferred: this action, or one in this menu, may be running.
     if (QMenu* menu = action->menu()) {
       menu->setObjectName(QString());
       menu->deleteLater();
@@ -151,8 +151,7 @@ QAction* CommandActions::makeAction(QWidget& container, const CommandItem& item)
   }
   action->setObjectName(fromUtf8(item.key));
   action->setCheckable(item.kind == ItemKind::check);
-  // Captions decide, not what the toolkit reads out of them ("Exit" and the like have a place of their own on some
-  // platforms).
+  // No roles guessed from captions: some platforms move "Exit" and the like to another menu.
   action->setMenuRole(QAction::NoRole);
   QObject::connect(action, &QAction::hovered, &container_, [this, action] { highlight(action); });
   QObject::connect(action, &QAction::triggered, &container_, [this, action] { click(action); });
@@ -174,7 +173,7 @@ void CommandActions::bind(QWidget& container, const Items& items) {
   }
 }
 
-/// A key belongs to the control that carries the menu: a window may hold another one with the same keys.
+/// A shortcut belongs to the control with the menu: a window may contain several controls with the same shortcuts.
 void CommandActions::setShortcut(QAction& action, const QKeySequence& key) {
   action.setShortcutContext(Qt::WidgetWithChildrenShortcut);
   action.setShortcut(key);
@@ -195,7 +194,7 @@ void CommandActions::click(QAction* action) {
   CommandItem* const item = bound_.value(action);
   if (item == nullptr) return;
   if (item->kind == ItemKind::check) item->checked = action->isChecked();
-  // A copy: the surface may be destroyed by what it announces.
+  // A copy: the callback may destroy the surface.
   const auto clicked = hooks_.clicked;
   if (clicked) clicked(*item);
 }

@@ -13,23 +13,23 @@ class QMenu;
 
 namespace korvel::control {
 
-/// What the owner of a command surface wants to hear from it, and what it alone knows about a command.
+/// Callbacks from a command surface to its owner.
 struct CommandHooks {
   /// A command was chosen; a check command has just been toggled. The surface may be gone afterwards.
   std::function<void(CommandItem&)> clicked;
-  /// An item was reached with the pointer or the keyboard; separators and what cannot be chosen with the pointer only.
+  /// An item was highlighted by pointer or keyboard; separators and disabled items by pointer only.
   std::function<void(const CommandItem&)> highlighted = nullptr;
   /// Nothing is highlighted any more, or at least not in the menu that is now closed.
   std::function<void()> closed = nullptr;
-  /// Whether a command can do anything at present, apart from being enabled. Every command can where this is empty.
+  /// Whether a command is available at present, apart from being enabled. Without this callback every command is.
   std::function<bool(const CommandItem&)> available = nullptr;
 };
 
 /// The drawing of a command, the same on every surface; no icon for a key that has none.
 [[nodiscard]] QIcon commandIcon(const CommandItem& item);
 
-/// Mirrors command items to the actions of a menu bar or menu, submenus included. Actions that fit the items are kept
-/// and only told what changed: a command that rebuilds the menu that it stands in finds its own action alive.
+/// Mirrors command items to the actions of a menu bar or menu, submenus included. Actions that match the items are
+/// updated, not replaced, so that a command may rebuild the menu that contains it.
 class CommandActions {
  public:
   using Items = std::vector<std::unique_ptr<CommandItem>>;
@@ -37,9 +37,9 @@ class CommandActions {
   /// `container` is a menu bar or a menu; it outlives this object.
   CommandActions(QWidget& container, CommandHooks hooks);
 
-  /// The items as they stand now; they are looked at again at every click, so they must live until the next call.
+  /// The items are read again at every click: they must outlive the next call.
   void mirror(const Items& items);
-  /// The pointer is on this action of the container. Containers themselves tell only of what can be chosen.
+  /// The pointer is on this action of the container. Containers themselves report enabled actions only.
   void hover(QAction* action) const { highlight(action); }
 
  private:

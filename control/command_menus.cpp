@@ -17,7 +17,7 @@ CommandMenuBar* barOfFocus() {
 }  // namespace
 
 CommandMenuBar::CommandMenuBar(QWidget* parent) : QMenuBar(parent) {
-  // The control carries its menu itself, wherever it is embedded.
+  // The menu stays in the control, wherever it is embedded.
   setNativeMenuBar(false);
   setHooks({});
 }
@@ -45,8 +45,8 @@ void CommandMenuBar::openMenu(QAction* menu) {
   menu->menu()->setActiveAction(menu->menu()->actions().value(0));
 }
 
-// The letters of the menus are keys of the whole window. Where two controls share one, they are meant for the control
-// that has the focus; the toolkit would give them to both in turn.
+// Mnemonics of the menus work in the whole window. Where two controls share one, the control with the focus gets it;
+// the toolkit would alternate between both.
 bool CommandMenuBar::event(QEvent* event) {
   if (event->type() == QEvent::Shortcut) {
     const auto& key = static_cast<const QShortcutEvent&>(*event);

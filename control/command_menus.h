@@ -34,7 +34,7 @@ class CommandMenuBar final : public QMenuBar {
   std::unique_ptr<CommandActions> actions_;
 };
 
-/// The context menu `SmartPopup`: shows what stands under the one root of its items.
+/// The context menu `SmartPopup`: shows the children of the one root of its items.
 class CommandPopup final : public QMenu {
   Q_OBJECT
 

@@ -24,7 +24,7 @@ CommandToolbar::CommandToolbar(QWidget* parent) : QToolBar(parent) {
   setFloatable(false);
   const int side = ui::px(this, ui::space::icon);
   setIconSize({side, side});
-  // Without an entry for switching itself off.
+  // No context menu that could hide the toolbar.
   setContextMenuPolicy(Qt::PreventContextMenu);
 }
 
@@ -34,7 +34,7 @@ void CommandToolbar::setHooks(CommandHooks hooks, std::function<QString(const Co
 }
 
 void CommandToolbar::mirror(const CommandItems& items) {
-  // Buttons that fit the items stay: a command that rebuilds the toolbar finds its own button alive.
+  // Buttons that match the items are kept, so that a command may rebuild the toolbar with its own button.
   const bool fits =
       slots_.size() == items.size() &&
       std::equal(slots_.begin(), slots_.end(), items.items().begin(), [](const Slot& slot, const auto& item) {
@@ -112,7 +112,7 @@ void CommandToolbar::click(const QAction* action) {
   const auto slot =
       std::find_if(slots_.begin(), slots_.end(), [action](const Slot& one) { return one.action == action; });
   if (slot == slots_.end()) return;
-  // A copy: the toolbar may be destroyed by what it announces.
+  // A copy: the callback may destroy the toolbar.
   const auto clicked = hooks_.clicked;
   if (clicked) clicked(*slot->item);
 }

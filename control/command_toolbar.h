@@ -8,17 +8,16 @@
 
 namespace korvel::control {
 
-/// The toolbar `SmartToolbar`: mirrors the top-level items, placeholders as empty slots that take no part in anything.
+/// The toolbar `SmartToolbar`: mirrors the top-level items, placeholders as empty, inert slots.
 class CommandToolbar final : public QToolBar {
   Q_OBJECT
 
  public:
   explicit CommandToolbar(QWidget* parent = nullptr);
 
-  /// `name` tells what a button does that has no tooltip: for assistive technology, and for the list of buttons that
-  /// do not fit.
+  /// `name` names buttons without a tooltip, for assistive technology and for the list of buttons that do not fit.
   void setHooks(CommandHooks hooks, std::function<QString(const CommandItem&)> name);
-  /// The items as they stand now; they are looked at again at every click, so they must live until the next call.
+  /// The items are read again at every click: they must outlive the next call.
   void mirror(const CommandItems& items);
 
   /// The buttons in their order.

@@ -15,7 +15,7 @@ class ReportSheets;
 
 namespace korvel::control {
 
-/// What a help file is opened on, by the numbers that HTML Help gives the commands.
+/// What a help file is opened on, by HTML Help's command numbers.
 enum class HelpCommand { contents = 1, index = 2 };
 
 /// Names of the forms that a control shows.
@@ -28,8 +28,8 @@ inline const QString printFont = QStringLiteral("frmPrintFont");
 inline const QString about = QStringLiteral("frmAbout");
 }  // namespace formName
 
-/// The control's only way to the person in front of the screen, apart from its own surface. Every call that shows
-/// something returns when it has been answered.
+/// What the control shows to the user, apart from its own surface. Every call that shows a dialog returns when it is
+/// closed.
 class ControlServices : public ui::DialogServices {
  public:
   /// The folder that was chosen, nothing for a cancelled dialog. `showFiles` shows the files in it as well; it is a
@@ -37,22 +37,21 @@ class ControlServices : public ui::DialogServices {
   virtual std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) = 0;
   /// A line of text; empty for a cancelled box.
   virtual QString inputBox(QWidget* owner, const QString& prompt, const QString& title) = 0;
-  /// A question; a box that is closed in any other way answers no.
+  /// A question; every other way of closing the box answers no.
   virtual bool confirm(QWidget* owner, const QString& title, const QString& text) = 0;
   /// Whether a form of that name exists.
   [[nodiscard]] virtual bool hasForm(const QString& name) const = 0;
   /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.
   virtual void showForm(QWidget* owner, const QString& name) = 0;
-  /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; what is wrong with
-  /// any other is between the viewer and the person.
+  /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; problems with any
+  /// other path are reported to the user by the viewer.
   virtual void openHelp(QWidget* owner, const QString& file, HelpCommand command) = 0;
   /// Starts the text editor on a file, in a window of its own, and returns at once. Throws Error with the numbers of
   /// outputs where there is none.
   virtual void startEditor(const QString& file) = 0;
-  /// Lets the person set the printer and its options; false for a cancelled dialog.
+  /// Shows the dialog for the printer and its options; false for a cancelled dialog.
   virtual bool choosePrinter(QWidget* owner, QPrinter& printer) = 0;
-  /// Shows the pages of a report, which have been laid out; returns when that is closed, true where the person then
-  /// wants them printed.
+  /// Shows the laid-out pages of a report; returns when the preview is closed, true if the user chose to print them.
   virtual bool showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) = 0;
 };
 

@@ -12,7 +12,8 @@ class AuditQueries;
 class MessageBoxes;
 class Surface;
 
-/// What stands above the list of custom queries: their text, and the buttons that open, save, clear and compose it.
+/// The elements above the list of custom queries: the query text, and the buttons that open, save, clear and compose
+/// it.
 class CustomPage {
  public:
   /// All must outlive the page.

@@ -4,16 +4,16 @@
 
 namespace korvel::control {
 
-/// A line of plain text that ends in dots where it does not fit, and is whole in its tooltip then.
+/// A line of plain text that is elided where it does not fit; the tooltip then shows all of it.
 class ElidedLabel final : public QLabel {
   Q_OBJECT
 
  public:
   explicit ElidedLabel(QWidget* parent = nullptr);
 
-  /// Sets the text; text() is the whole of it.
+  /// Sets the text; text() returns all of it.
   void setContent(const QString& content);
-  /// What is to be seen of it.
+  /// The visible part.
   [[nodiscard]] QString shownText() const;
 
  protected:

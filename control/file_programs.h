@@ -12,11 +12,11 @@ enum class HelpOutcome {
   noViewer,  ///< the platform has no program for it
 };
 
-/// Hands a help file to the platform's viewer, which runs beside the control. An empty path shows nothing.
+/// Opens a help file in the platform's viewer, which runs on its own. An empty path shows nothing.
 HelpOutcome openHelpFile(const QWidget* owner, const QString& file, HelpCommand command);
 
-/// Starts the system's text editor on `file`, in a window of its own, and returns at once. The name is handed over as
-/// it is, never through a shell. Throws Error with the numbers of outputs where no editor can be started.
+/// Starts the system's text editor on `file` and returns at once. The name is passed unchanged, never through a shell.
+/// Throws Error with the numbers of outputs where no editor can be started.
 void startTextEditor(const QString& file);
 
 }  // namespace korvel::control

@@ -11,8 +11,7 @@
 namespace korvel::control {
 namespace {
 
-/// "notepad" of the system folder: a name alone would also be looked for in the current one, where anybody may have put
-/// it.
+/// "notepad" of the system folder: a name alone is also searched in the current folder, which may hold another file.
 QString notepadProgram() {
   std::array<wchar_t, MAX_PATH> folder{};
   const UINT length = GetSystemDirectoryW(folder.data(), static_cast<UINT>(folder.size()));
@@ -24,14 +23,14 @@ QString notepadProgram() {
 HtmlHelpFunction htmlHelpOf(const wchar_t* library) {
   const HMODULE loaded = LoadLibraryExW(library, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
   if (loaded == nullptr) return nullptr;
-  // By way of a pointer without arguments: no cast leads from one function to any other.
+  // Through a function pointer without arguments: a direct cast between function types is warned about.
   return reinterpret_cast<HtmlHelpFunction>(reinterpret_cast<void (*)()>(GetProcAddress(loaded, "HtmlHelpA")));
 }
 
 HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command) {
   if (open == nullptr) return file.isEmpty() ? HelpOutcome::done : HelpOutcome::noViewer;
   const QByteArray path = QDir::toNativeSeparators(file).toLocal8Bit();
-  // The result is deliberately not looked at, nor whether the file is there: HTML Help reports what it misses itself.
+  // Deliberately checks neither the result nor the file: HTML Help reports problems itself.
   open(owner, path.constData(), static_cast<UINT>(command), 0);
   return HelpOutcome::done;
 }

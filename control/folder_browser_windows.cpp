@@ -6,8 +6,7 @@
 namespace korvel::control {
 namespace {
 
-// Numbers that the dialog has always been called with. The second adds one to the first that newer
-// systems take for another wish; the number is deliberate.
+// Fixed flags. The second adds one bit that newer systems interpret as another option; this is deliberate.
 constexpr UINT foldersOnly = 1;
 constexpr UINT foldersAndFiles = 8193;
 
@@ -23,7 +22,7 @@ int CALLBACK selectBeginning(HWND dialog, UINT message, LPARAM /*parameter*/, LP
 
 std::optional<QString> browseForFolder(const FolderShell& shell, const QString& title, bool showFiles,
                                        const QString& beginning) {
-  // Narrow calls speak the process's code page, which need not be the system's.
+  // Narrow calls use the process's code page, which need not be the system's.
   const QByteArray titleBytes = title.toLocal8Bit();
   PathBuffer displayName{};
   BROWSEINFOA request{};
@@ -41,7 +40,7 @@ std::optional<QString> browseForFolder(const FolderShell& shell, const QString& 
   PathBuffer path{};
   const bool found = shell.pathOf(item, path.data()) != 0;
   shell.release(item);
-  // What has no path, or one that is longer than the shell's buffers, cannot be written to.
+  // An item without a path, or with one longer than the shell's buffer, cannot be written to.
   if (!found || path.front() == '\0') return std::nullopt;
   const std::string_view whole(path.data(), path.size());
   const std::string_view bytes = whole.substr(0, whole.find('\0'));

@@ -13,7 +13,7 @@ constexpr DWORD screenAndPrinterFonts = 3;
 constexpr double pointsOfAnInch = 72;
 constexpr double stepsOfAPoint = 10;
 
-/// Pixels of an inch in which the dialog counts.
+/// Pixels an inch in the dialog's units.
 int resolution() {
   const HDC screen = GetDC(nullptr);
   const int pixels = GetDeviceCaps(screen, LOGPIXELSY);
@@ -48,7 +48,7 @@ std::optional<QFont> chooseFontWith(FontDialog dialog, HWND owner, const QFont& 
   if (dialog(&request) == 0) return std::nullopt;
 
   QFont chosen(QString::fromWCharArray(description.lfFaceName));
-  // The dialog counts in pixels and tells tenths of a point: a size that it was only offered stays what it was.
+  // The dialog takes pixels and returns tenths of a point: an unchanged size stays the exact one.
   const double size = request.iPointSize / stepsOfAPoint;
   const auto isNear = [size](double points) { return std::abs(size - points) < 1 / stepsOfAPoint; };
   const bool untouched = isNear(current.pointSizeF()) || isNear(offeredPoints);

@@ -9,7 +9,7 @@
 
 namespace korvel::control {
 
-/// The system's dialog for fonts; tests stand in for it.
+/// The system's dialog for fonts; replaced by tests.
 using FontDialog = BOOL(WINAPI*)(LPCHOOSEFONTW);
 
 /// Shows the dialog with `current` chosen, over `owner`. The font that was chosen, with its size in points and whether

@@ -22,7 +22,7 @@ struct SurfaceBoxes {
   friend bool operator==(const SurfaceBoxes&, const SurfaceBoxes&) = default;
 };
 
-/// What the resize routine is told about the control at that moment.
+/// Input of the resize routine.
 struct LayoutInput {
   Twips innerWidth;
   Twips innerHeight;
@@ -32,7 +32,7 @@ struct LayoutInput {
   Twips menuHeight;
 };
 
-/// The elements as they stand before the first resize: everything the routine leaves alone has its final value here.
+/// The elements before the first resize: everything that the routine does not change has its final value here.
 [[nodiscard]] SurfaceBoxes designTimeBoxes() noexcept;
 
 /// The resize routine: the elements after a resize, given what they were before. An element refuses a negative width or

@@ -18,32 +18,32 @@
 
 namespace korvel::control {
 
-/// What is to happen with the report that is being taken, once the report viewer has it.
+/// What happens to the report once the report viewer has taken it.
 struct PendingReport {
   bool print = false;
   bool preview = false;
 };
 
-/// The values that all instances of the control share; they live as long as the library is loaded.
+/// The values that all instances of the control share; they exist as long as the library is loaded.
 struct LibraryState {
   db::ConnectionState connection;
   query::DateRange dateRange;
-  /// The last day that the viewer shows records of which opens the date range dialog; nothing where it shows none.
+  /// The last day with records in the viewer that opened the date range dialog; nothing where it shows none.
   std::optional<std::chrono::year_month_day> newestDay;
   query::QueryChoices queryChoices;
   settings::LanguageOffset language;
   output::PrintFont printFont;
   PendingReport pendingReport;
-  /// A control asks a database, and waits for it.
+  /// A control waits for a database.
   bool queryRunning = false;
-  /// Empty until the side controls have got their captions, and as long as nobody has set where the viewer is.
+  /// Empty until the captions are built, and while the viewer's path is not set.
   QString helpFile;
 };
 
 /// The one instance. Only the control binds it; engine functions get what they need by reference.
 [[nodiscard]] LibraryState& libraryState();
 
-/// The outside world as the control sees it; replaced as a whole by tests.
+/// What the control uses of the platform: dialogs, settings store, engines, network. Replaced as a whole by tests.
 struct Platform {
   std::shared_ptr<ControlServices> services;
   std::function<std::unique_ptr<settings::SettingsBackend>()> openSettings;

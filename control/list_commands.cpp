@@ -150,7 +150,7 @@ void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {
   }
   popupItems_.announceChange();
   popupList_ = &list;
-  // A list whose columns have other names has nothing to choose from.
+  // A list without any of these columns has no menu.
   if (any) surface_.SmartPopup->popup(place);
 }
 
@@ -170,8 +170,7 @@ void ListCommands::SmartPopup_Click(const CommandItem& item) {
 void ListCommands::showColumns(ResultListView& list, const QString& caption, bool shown) {
   const std::string name = caption.toStdString();
   const bool standard = &list != surface_.lvListView[query::customList];
-  // The key column is one switch for all standard lists: what the View menu says of it is what sizing the columns
-  // goes back to.
+  // The key column has one switch for all standard lists: sizing the columns restores what the View menu says.
   CommandItem* const keyCommand = menu_.find("KEY");
   if (standard && name == keyColumn && keyCommand != nullptr) {
     keyCommand->checked = shown;

@@ -18,8 +18,8 @@ class AnswerStatus;
 class MessageBoxes;
 class Surface;
 
-/// What is done to the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the
-/// window of one record.
+/// Commands on the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the window
+/// of one record.
 class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.

@@ -40,7 +40,7 @@ std::filesystem::path toPath(const QString& text) {
   return std::filesystem::path(text.toStdU16String());
 }
 
-/// The file is written, whatever becomes of the editor: a failure says where it lies.
+/// The file is written even if the editor fails to start: the failure names its path.
 void openInEditor(const QString& file) {
   const std::shared_ptr<ControlServices> services = platform().services;
   try {
@@ -85,11 +85,11 @@ void ListOutputs::exportCurrentList(
   bar.setValue(0);
   bar.show();
   surface_.StatusBar1->paintNow();
-  // Painted at once, without a look into the event queue: a call of the host that waits there could give the list other
-  // rows in the middle of the file, or remove the control.
+  // Painted directly, without processing events: a queued call of the host could change the list's rows in the middle
+  // of the file, or delete the control.
   const Exported exported = write(list, [&](std::size_t rows) {
     bar.setValue(static_cast<int>(rows));
-    // Now and then all of the window, parts of which another one may have covered meanwhile.
+    // Sometimes the whole window: another window may have covered parts of it.
     if (rows % rowsPerWindow == 0)
       viewer_.window()->repaint();
     else
@@ -101,7 +101,7 @@ void ListOutputs::exportCurrentList(
   answers_.showNotice(notice);
   if (open) open(exported.file);
   if (alive) bar.hide();
-  // The pointer is the program's, whoever has died meanwhile.
+  // The pointer belongs to the program: it is reset also where the control is gone.
   services->setPointer(Pointer::standard);
 }
 
@@ -149,7 +149,7 @@ void ListOutputs::btPrint_Click() {
 }
 
 void ListOutputs::PreviewReport() {
-  // What an earlier report left undone is not made up for by this one.
+  // Flags of an earlier report do not count for this one.
   libraryState().pendingReport = {.print = false, .preview = true};
   writeReport();
 }
@@ -167,7 +167,7 @@ void ListOutputs::writeReport() {
     }
     surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), answers_.alarmRemark());
   } catch (...) {
-    // Nothing will be there to be printed; the next report is not to find this one's flags.
+    // There is nothing to print: the next report must not find the flags of this one.
     libraryState().pendingReport = {};
     throw;
   }

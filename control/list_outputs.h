@@ -17,7 +17,7 @@ class AnswerStatus;
 class MessageBoxes;
 class Surface;
 
-/// What leaves the control: the current list as text export, exchange file, printed or previewed report.
+/// Outputs of the current list: text export, exchange file, printed or previewed report.
 class ListOutputs {
  public:
   /// All must outlive the outputs.

@@ -15,7 +15,7 @@ BOOL CALLBACK noteUsable(HWND window, LPARAM noted) {
 }  // namespace
 
 HWND nativeWindow(const QWidget* widget) {
-  // Other platforms of the toolkit, those of tests above all, count their windows themselves.
+  // The identifiers of the toolkit's other platforms, as in tests, are no system windows.
   if (widget == nullptr || QGuiApplication::platformName() != QLatin1String("windows")) return nullptr;
   return reinterpret_cast<HWND>(widget->window()->winId());
 }
@@ -28,8 +28,8 @@ DisabledWindows::DisabledWindows(HWND owner) : active_(GetActiveWindow()) {
 
 DisabledWindows::~DisabledWindows() {
   for (const HWND window : disabled_) EnableWindow(window, TRUE);
-  // A dialog without an owner left while none of our windows could take its place, so the system may have taken another
-  // program's. Within the moment after it, ours may still come to the front.
+  // A dialog without an owner closed while all our windows were disabled, so the system may have activated another
+  // program's window. Right after that, ours may still be activated.
   if (active_ != nullptr) SetForegroundWindow(active_);
 }
 

@@ -8,11 +8,11 @@ class QWidget;
 
 namespace korvel::control {
 
-/// The system's window that a widget stands in; null for no widget, and where the toolkit draws into no system windows.
+/// The system window of a widget; null for no widget, and where the toolkit uses no system windows.
 [[nodiscard]] HWND nativeWindow(const QWidget* widget);
 
-/// While it lives, no window of this thread takes keys or clicks, but for `owner`, which the dialog stops and wakes
-/// itself. For dialogs of the system, which know nothing of windows that are not their owner.
+/// While it exists, the windows of this thread are disabled, except `owner`, which the dialog disables and enables
+/// itself. For system dialogs, which do not disable windows other than their owner.
 class DisabledWindows {
  public:
   explicit DisabledWindows(HWND owner = nullptr);

@@ -98,7 +98,7 @@ QtControlServices::QtControlServices()
 
 void QtControlServices::messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;
-  // On the heap: whoever destroys the owner while the box waits takes the box along.
+  // On the heap: the box is deleted with its owner if that is destroyed while it is open.
   const QPointer<ui::MessageBox> box = new ui::MessageBox(boxIcon(icon), title, text, QMessageBox::Ok, owner);
   box->exec();
   delete box;
@@ -136,7 +136,7 @@ bool QtControlServices::confirm(QWidget* owner, const QString& title, const QStr
       new ui::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
   const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
   QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
-  // Nothing is lost by a hasty Enter.
+  // Enter must not lose anything.
   box->setDefaultButton(no);
   box->setEscapeButton(no);
   box->exec();

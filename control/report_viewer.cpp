@@ -24,7 +24,7 @@ namespace korvel::control {
 ReportViewer::ReportViewer(QWidget& owner) : QObject(&owner), owner_(owner) {}
 
 ReportViewer::~ReportViewer() {
-  // The report that the flags are about will not be there.
+  // The flags belong to a report that is gone now.
   if (announced_) libraryState().pendingReport = {};
 }
 
@@ -52,7 +52,7 @@ void ReportViewer::ExecWB(ReportCommand command, ExecOption option) {
 std::unique_ptr<output::ReportReader> ReportViewer::openReport() const {
   auto report =
       std::make_unique<output::ReportReader>(output::reportFile(std::filesystem::path(path_.toStdU16String())), notes_);
-  // Whole before any of it is shown: a file that was changed since is told by its end.
+  // The whole file is read before any of it is shown: only its end tells whether it was changed.
   output::SectionHead head;
   while (report->nextSection(head)) continue;
   report->rewind();
@@ -65,7 +65,7 @@ output::pages::PageTexts ReportViewer::pageTexts() const {
       ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
   texts.pageOf = ownText("print.pageOf");
   texts.columnsOf = ownText("print.columnsOf");
-  // Paper goes to people who never saw the list.
+  // Readers of the paper have not seen the notice on the screen.
   if (notes_.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes_.replacedCharacters));
   texts.remark = remark_;
   return texts;
@@ -93,7 +93,7 @@ void ReportViewer::print(ExecOption option) {
                          ownText("print.noSuchPages").arg(painted.ofPages));
 }
 
-/// A printer that writes a file itself does not say when the disk is full, and leaves what it has.
+/// A printer that writes a file itself reports no full disk and leaves a partial file.
 output::pages::PaintedPages ReportViewer::printIntoFile(output::ReportReader& report, const QPrinter& printer,
                                                         const output::pages::PageProgress& progress) const {
   output::ExportFile file(std::filesystem::path(printer.outputFileName().toStdU16String()));

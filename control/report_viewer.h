@@ -17,8 +17,8 @@ enum class ReportCommand { print = 6, printPreview = 7 };
 /// How ExecWB runs a command.
 enum class ExecOption { doDefault = 0, promptUser = 2 };
 
-/// The component `WebBrowser1`: it takes a report file, says when it has it, and prints or previews it. It reads our
-/// own reports only, by the notes of their writer: nothing in them is run, opened or fetched.
+/// The component `WebBrowser1`: takes a report file, signals when it is loaded, and prints or previews it. It reads
+/// only our own reports, by the notes of their writer: nothing in them is run, opened or fetched.
 class ReportViewer final : public QObject {
   Q_OBJECT
 
@@ -29,7 +29,7 @@ class ReportViewer final : public QObject {
 
   /// Takes the report file; DocumentComplete follows when the event loop runs next, once, also where Navigate is called
   /// again before.
-  /// `remark` stands at the head of its pages.
+  /// `remark` is printed at the head of its pages.
   void Navigate(const QString& path, output::ReportNotes notes, const QString& remark = {});
   /// Prints, after the print dialog with promptUser, or shows the preview. A cancelled dialog does nothing. Throws
   /// Error: the file cannot be read or is not the one that was written, the printer does not take it.
@@ -39,7 +39,7 @@ class ReportViewer final : public QObject {
   void DocumentComplete(const QString& path);
 
  private:
-  /// The report's reader, after all of the file has proved to be what was written.
+  /// The report's reader, after the whole file was checked against its notes.
   [[nodiscard]] std::unique_ptr<output::ReportReader> openReport() const;
   [[nodiscard]] output::pages::PageTexts pageTexts() const;
   void print(ExecOption option);

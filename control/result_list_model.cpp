@@ -68,7 +68,7 @@ void ResultListModel::sortRows() {
 
 void ResultListModel::reorder(const std::function<void()>& sort) {
   Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
-  // Only after the signal: views make their selection persistent when they hear it.
+  // After the signal only: views make their selection persistent on it.
   const QModelIndexList before = persistentIndexList();
   QHash<quint32, int> positions;
   std::vector<quint32> records;

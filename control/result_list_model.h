@@ -7,7 +7,7 @@
 
 namespace korvel::control {
 
-/// What Qt's views ask of a ResultList. Holds no text: every cell is read from the list when it is painted.
+/// The item model of a ResultList. Holds no text: every cell is read from the list when it is painted.
 class ResultListModel final : public QAbstractTableModel {
   Q_OBJECT
 
@@ -34,7 +34,7 @@ class ResultListModel final : public QAbstractTableModel {
   /// Switches sorting on with the list's own key and order; like clickColumn otherwise.
   void sortRows();
 
-  /// While it lives, the list may be given other rows by anyone; views look again when it goes.
+  /// While it exists, the list's rows may be replaced; views are updated when it is destroyed.
   class RowsChange {
    public:
     explicit RowsChange(ResultListModel& model) : model_(model) { model_.beginResetModel(); }

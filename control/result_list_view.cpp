@@ -16,13 +16,13 @@
 namespace korvel::control {
 namespace {
 
-/// Keys that follow each other within this time, in milliseconds, are one word.
+/// Keys within this time, in milliseconds, belong to one search text.
 constexpr qint64 typingPause = 1000;
 
-/// Views look through the pieces of a selection for every cell that they paint.
+/// Views search the ranges of a selection for every cell that they paint.
 constexpr std::size_t mostPieces = 2000;
 
-/// The list moves up and down only while it lives.
+/// Keeps the horizontal scroll position while it exists.
 class HorizontalScrollLock {
  public:
   explicit HorizontalScrollLock(QAbstractScrollArea& area) : bar_(area.horizontalScrollBar()), value_(bar_->value()) {}
@@ -43,11 +43,11 @@ bool endsTyping(int key) {
 }  // namespace
 
 ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : ResultTable(parent), model_(model) {
-  // The selection is put away before the selection model takes note of each of its rows, and comes back after it.
+  // The selection is saved before the selection model would make an index for each of its rows, and restored later.
   connect(&model_, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { saveSelection(); });
   setModel(&model_);
   connect(&model_, &QAbstractItemModel::layoutChanged, this, [this] { restoreSelection(); });
-  // The toolkit would size the column by itself; how columns are sized is the owner's business.
+  // The toolkit would size the column by itself; the owner does it.
   disconnect(header(), &QHeaderView::sectionHandleDoubleClicked, this, nullptr);
   connect(header(), &QHeaderView::sectionHandleDoubleClicked, this, &ResultListView::fitRequested);
 }
@@ -78,7 +78,7 @@ int ResultListView::sizeHintForColumn(int column) const {
     model_.list().visitTexts({static_cast<std::size_t>(column)}, [&](std::string_view text) { widest.offer(text); });
     return ui::RowDelegate::cellWidth(this, widest.width());
   } catch (const std::exception&) {
-    return ResultTable::sizeHintForColumn(column);  // memory ran out: by the rows in sight
+    return ResultTable::sizeHintForColumn(column);  // memory ran out: by the visible rows
   }
 }
 
@@ -114,7 +114,7 @@ void ResultListView::clickHeader(int column) {
   const bool followed = current.isValid() && viewport()->rect().intersects(visualRect(current));
   model_.clickColumn(column);
   showSortIcon();
-  // Who looks at a record keeps looking at it; who does not sees the new order from its beginning.
+  // A visible current record stays visible; otherwise the list shows the beginning of the new order.
   if (followed)
     scrollTo(currentIndex().siblingAtColumn(column), PositionAtCenter);
   else
@@ -218,8 +218,8 @@ int ResultListView::findRow(int column, const QString& beginning, int from) cons
   return row && row->value < static_cast<std::size_t>(model_.rowCount()) ? static_cast<int>(row->value) : -1;
 }
 
-/// Goes to the next row whose text in the sort column begins with what is being typed. One letter again and again goes
-/// through the rows that begin with it.
+/// Goes to the next row whose text in the sort column begins with the typed text. Repeating one letter steps through
+/// the rows that begin with it.
 void ResultListView::keyboardSearch(const QString& typed) {
   if (typed.isEmpty() || !typed.at(0).isPrint()) return;
   const bool typing = isTyping();
@@ -235,7 +235,7 @@ void ResultListView::keyboardSearch(const QString& typed) {
   goToRow(row);
 }
 
-/// The list moves by whole columns, the current cell with it.
+/// Scrolls the list by a column and moves the current cell with it.
 void ResultListView::goToNeighbourColumn(int step) {
   const std::vector<int> columns = shownColumns();
   const auto found = std::find(columns.begin(), columns.end(), currentIndex().column());
@@ -248,7 +248,7 @@ void ResultListView::goToNeighbourColumn(int step) {
 }
 
 QModelIndex ResultListView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
-  // In a list of rows these are the first and the last one, not cells of the current one.
+  // Home and End mean the first and last row, not cells of the current one.
   if (action == MoveHome) return model_.index(0, cursorColumn());
   if (action == MoveEnd) return model_.index(model_.rowCount() - 1, cursorColumn());
   // Views do not scroll to a cell whose column has been hidden meanwhile.

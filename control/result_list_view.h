@@ -29,16 +29,16 @@ class ResultListView final : public ui::ResultTable {
   /// Makes a column as wide as its widest entry, its caption with a sort arrow included. A hidden column stays hidden.
   /// Measures the column's different texts, not its rows.
   void autoSizeColumn(int column);
-  /// A click on the header of a column: sorts, and keeps in sight the current record if it was. Throws Error when
-  /// memory runs out; the rows then stay as they were.
+  /// A click on the header of a column: sorts, and keeps the current record visible if it was. Throws Error when memory
+  /// runs out; the rows then stay as they were.
   void clickHeader(int column);
   /// Shows sort key and direction of the list in the header.
   void showSortIcon();
   /// Takes name, size, bold and italic from `font`, nothing else.
   void setListFont(const QFont& font);
 
-  /// Puts the selected rows into the clipboard: visible columns in their visible order, under their captions, as
-  /// tab-separated lines and as a table. Says so, and leaves the clipboard alone, where they are too many.
+  /// Copies the selected rows to the clipboard: visible columns in their visible order, under their captions, as
+  /// tab-separated lines and as a table. Refuses, and leaves the clipboard unchanged, where they are too many.
   void copySelection();
   /// Characters that both forms of a copy may have together; smaller in tests, which cannot fill the real limit.
   void setCopyLimit(qsizetype characters) { copyLimit_ = characters; }
@@ -50,18 +50,18 @@ class ResultListView final : public ui::ResultTable {
   void keyboardSearch(const QString& typed) override;
 
  Q_SIGNALS:
-  /// A person wants to see the whole record in this row.
+  /// The user asked for the whole record in this row.
   void recordRequested(int row);
-  /// A person has asked, by a double click on the edge of its header, for a column as wide as its widest entry.
+  /// The user double-clicked the edge of a column's header: the column becomes as wide as its widest entry.
   void fitRequested(int column);
-  /// A person has asked by keyboard for what a click on the header of this column does.
+  /// The user asked by keyboard for what a click on the header of this column does.
   void sortRequested(int column);
-  /// A person has asked by keyboard for the menu of the header; `place` is where this column's header ends, on the
-  /// screen.
+  /// The user asked by keyboard for the menu of the header; `place` is the lower left corner of this column's header on
+  /// the screen.
   void columnMenuRequested(const QPoint& place);
-  /// Something that a person asked for was not done, and why.
+  /// A command was refused; `text` says why.
   void refused(const QString& text);
-  /// Something that a person should know of.
+  /// A notice for the user.
   void noticed(const QString& text);
 
  protected:
@@ -72,13 +72,13 @@ class ResultListView final : public ui::ResultTable {
 
  private:
   [[nodiscard]] std::vector<int> shownColumns() const;
-  /// The column of the current cell, the first one that is shown where that is none of them.
+  /// The column of the current cell; the first visible one where that is hidden.
   [[nodiscard]] int cursorColumn() const;
   [[nodiscard]] int searchColumn() const;
   [[nodiscard]] int findRow(int column, const QString& beginning, int from) const;
   [[nodiscard]] bool isTyping() const;
   void goToNeighbourColumn(int step);
-  /// Keys that do what the mouse does on the header, which takes no focus. Whether it was one of them.
+  /// Keys for what the mouse does on the header, which takes no focus. Returns whether the key was one of them.
   bool handleHeaderKey(const QKeyEvent& event);
   void saveSelection();
   void restoreSelection();

@@ -9,8 +9,8 @@
 namespace korvel::control {
 namespace {
 
-/// The cell as spreadsheet programs read it from tab-separated lines: in quotes, its own doubled, where it holds what
-/// separates cells and lines, or would be taken for a cell in quotes.
+/// The cell as spreadsheet programs read it from tab-separated lines: quoted, with its quotes doubled, where it
+/// contains separators or begins with a quote.
 QString tabSeparatedCell(const QString& text) {
   const auto separates = [](QChar c) {
     return c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
@@ -21,7 +21,7 @@ QString tabSeparatedCell(const QString& text) {
   return QLatin1Char('"') + quoted + QLatin1Char('"');
 }
 
-/// What `c` is written as in HTML; empty where it stands for itself.
+/// `c` escaped for HTML; empty where it needs no escape.
 QLatin1String markup(QChar c) {
   switch (c.unicode()) {
     case u'<':

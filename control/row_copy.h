@@ -17,8 +17,8 @@ struct RowSpan {
   friend bool operator==(const RowSpan&, const RowSpan&) = default;
 };
 
-/// Rows of cells as other programs take them from the clipboard: tab-separated lines for editors, a table of text cells
-/// for spreadsheets and word processors, which would read numbers, dates and formulas into the former.
+/// Rows of cells for the clipboard: tab-separated lines for editors, and a table of text cells for spreadsheets and
+/// word processors, which would convert plain lines to numbers, dates and formulas.
 class RowCopy {
  public:
   /// A further row is not taken up once both forms together have more than `limit` characters.

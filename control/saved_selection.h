@@ -8,15 +8,14 @@
 
 namespace korvel::control {
 
-/// Which records of a list are selected, wherever a sort moves them. Takes a bit a record: a million selected rows are
-/// no burden, as they would be one by one.
+/// The selected records of a list, found again after a sort. Takes one bit a record, also for a million selected rows.
 class SavedSelection {
  public:
-  /// Forgets what was kept and keeps the records in these rows.
+  /// Replaces what was saved by the records in these rows.
   void save(const results::ResultList& list, const std::vector<RowSpan>& rows);
   [[nodiscard]] bool isEmpty() const { return count_ == 0; }
   [[nodiscard]] std::size_t count() const { return count_; }
-  /// The rows in which the records stand now, top to bottom.
+  /// The present rows of the saved records, top to bottom.
   [[nodiscard]] std::vector<RowSpan> rowsIn(const results::ResultList& list) const;
 
  private:

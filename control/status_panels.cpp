@@ -29,7 +29,7 @@ StatusPanels::StatusPanels(QWidget* parent)
       status_(makePanel<ElidedLabel>("Status", this)),
       records_(makePanel<QLabel>("Records", this)) {
   setSizeGripEnabled(false);
-  // A long activity text gives way to the count, never the other way round.
+  // The count keeps its width; a long status text is cut.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
   constexpr int progressWidth = 160;
@@ -54,7 +54,7 @@ void StatusPanels::setRecords(const QString& text) {
   records_->setText(text);
 }
 void StatusPanels::paintNow() {
-  // What has been shown or hidden gets its place when the event loop runs next, which would be too late.
+  // Shown or hidden panels are laid out by the event loop, which does not run here.
   if (QLayout* const panels = layout()) panels->activate();
   repaint();
 }

@@ -24,8 +24,8 @@ QString name(const char* text) {
   return QString::fromLatin1(text);
 }
 
-/// A page of the strip, which says when it has got another size: the strip's tabs follow the font, and what lies on the
-/// pages has to follow the tabs.
+/// A page of the strip that reports its resizes: the tabs follow the font, and the elements on the pages follow the
+/// tabs.
 class Page final : public QWidget {
  public:
   std::function<void()> onResize;
@@ -148,7 +148,7 @@ void Surface::orderFocus() const {
   order.insert(order.end(), {tvTreeView, btDateRangeFilter, btClearDateRange, btQuery, btSelectDB, btDBInfo, btClear,
                              btSelectALL, btUnselectALL, btExcel, btPrint, SSTab1->tabBar()});
   order.insert(order.end(), lvListView.begin(), lvListView.end());
-  // On their page they stand before the list, as they are seen.
+  // On their page they come before the list, in the visible order.
   order.insert(std::prev(order.end()), {txtAdvancedQuery, btClearAdvQuery, btOpen, btEmunFields, btSave});
   for (std::size_t i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
 }
@@ -203,9 +203,9 @@ void Surface::placeLists() {
   for (std::size_t i = 0; i < lvListView.size(); ++i) {
     const Box& box = boxes_.lvListView.at(i);
     QRect place = measure.rectangle(box).translated(-pageCorner);
-    // Tabs in a large font are higher than the boxes know.
+    // Tabs in a large font are higher than the boxes assume.
     place.setTop(std::max(place.top(), i == query::customList ? placeQueryFrame(pageCorner) : 0));
-    // A list that has refused to become as low as its page keeps its height.
+    // A list that refused the height of its page keeps its own.
     if (box.height < boxes_.SSTab1.height) place.setBottom(std::min(place.bottom(), page->height() - 1));
     lvListView.at(i)->setGeometry(place);
   }

@@ -24,8 +24,8 @@ namespace korvel::control {
 
 class ReportViewer;
 
-/// Everything that is to be seen of one control: makes the elements, names them and puts them in their places. What
-/// they do is not its business. Elements are children of the owner and die with it.
+/// The visible elements of one control: creates, names and places them; their behaviour is defined elsewhere. Elements
+/// are children of the owner and are deleted with it.
 class Surface {
  public:
   /// All three must outlive the surface.
@@ -80,7 +80,7 @@ class Surface {
   QToolButton* btClearAdvQuery = nullptr;
   QToolButton* btEmunFields = nullptr;
   StatusPanels* StatusBar1 = nullptr;
-  /// Not to be seen: what it takes is printed or previewed.
+  /// Invisible: prints or previews the report that it is given.
   ReportViewer* WebBrowser1 = nullptr;
 
  private:
@@ -90,10 +90,10 @@ class Surface {
   void buildPages(query::ResultLists& lists);
   void buildQueryFrame(QWidget& page);
   void placeLists();
-  /// Places the query frame and what is in it; returns where the list below it may begin at the highest.
+  /// Places the query frame and its elements; returns the topmost position for the list below it.
   int placeQueryFrame(const QPoint& pageCorner);
   [[nodiscard]] int menuHeight() const;
-  /// A toolbar that is not to be shown has none.
+  /// 0 for a hidden toolbar.
   [[nodiscard]] int toolbarHeight() const;
 
   QWidget& owner_;

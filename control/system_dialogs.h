@@ -9,15 +9,15 @@ class QWidget;
 
 namespace korvel::control {
 
-/// The dialogs that the platform itself has: its own where there are such, the toolkit's elsewhere. All return when
-/// they have been answered, with nothing for a cancelled dialog.
+/// The platform's own dialogs where it has them, the toolkit's elsewhere. All return when they are closed, with nothing
+/// for a cancelled dialog.
 
-/// Fonts for the screen and for printers. What is left as it is offered stays that of `current`, also where the dialog
-/// does not know that font or its size and offers another.
+/// Fonts for the screen and for printers. What the user leaves unchanged stays that of `current`, also where the dialog
+/// does not know that font or size and preselects another.
 [[nodiscard]] std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current);
 
-/// A folder of the file system; `showFiles` shows the files in it as well. Begins in `beginning`, where that is there,
-/// otherwise where the platform likes.
+/// A folder of the file system; `showFiles` shows the files in it as well. Starts in `beginning` where that exists,
+/// otherwise in the platform's default folder.
 [[nodiscard]] std::optional<QString> chooseSystemFolder(QWidget* owner, const QString& title, bool showFiles,
                                                         const QString& beginning);
 

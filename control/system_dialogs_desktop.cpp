@@ -1,4 +1,4 @@
-// Fonts, folders and printers as the toolkit asks for them.
+// The toolkit's dialogs for fonts, folders and printers.
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontDialog>

@@ -1,4 +1,4 @@
-// Fonts, folders and printers as Windows asks for them.
+// Windows' dialogs for fonts, folders and printers.
 #include "control/system_dialogs.h"
 
 #include <QFileDialog>
@@ -20,13 +20,13 @@ std::optional<QFont> chooseSystemFont(QWidget* owner, const QFont& current) {
 
 std::optional<QString> chooseSystemFolder(QWidget* /*owner*/, const QString& title, bool showFiles,
                                           const QString& beginning) {
-  // The dialog deliberately has no owner; nothing behind it may be used all the same.
+  // The dialog deliberately has no owner, but the windows behind it must not be usable.
   const DisabledWindows disabled;
   return browseForFolder({&SHBrowseForFolderA, &SHGetPathFromIDListA, &CoTaskMemFree}, title, showFiles, beginning);
 }
 
 bool chooseSystemPrinter(QWidget* owner, QPrinter& printer) {
-  // The system's dialog is for printers alone; where there is none it would not even appear.
+  // The system's dialog is for printers only; without a printer it does not appear.
   if (printer.outputFormat() == QPrinter::NativeFormat) return showPrintDialog(owner, printer);
   const QString file = QFileDialog::getSaveFileName(owner, ownText("print.intoFile"), QStringLiteral("report.pdf"),
                                                     QStringLiteral("PDF (*.pdf)"));

@@ -44,7 +44,7 @@ void ViewerCommands::connectMenu() {
   surface_.SmartMenu->setHooks({
       .clicked = [this](const CommandItem& item) { SmartMenu_Click(item); },
       .highlighted = [this](const CommandItem& item) { SmartMenu_Highlight(item); },
-      // What the highlighted items said was about them; what the panel said before is still to be told.
+      // The help of the highlighted item ends with the menu; the panel goes back to its resting text.
       .closed = [this] { targets_.answers.showRestingText(); },
       .available = [](const CommandItem& item) { return isAvailable(menuActions(), item); },
   });
@@ -176,7 +176,7 @@ void ViewerCommands::chooseLanguage(std::string_view offset) {
     const auto backend = platform().openSettings();
     settings::Registry(*backend).SaveSetting(std::string(settings::applicationName),
                                              std::string(settings::viewerSection), "Language", std::string(offset));
-    // What was stored counts, not what was to be stored.
+    // Read back: the stored value counts, not the one that was to be stored.
     libraryState().language = settings::storedLanguage(*backend);
   }
   SwitchLanguage();

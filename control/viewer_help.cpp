@@ -11,7 +11,7 @@
 namespace korvel::control {
 namespace {
 
-/// The number under which users know "invalid argument".
+/// The number of "invalid argument".
 constexpr std::int32_t invalidArgument = 5;
 
 constexpr QLatin1String viewerFile("KorvelAuditViewer.exe");
@@ -52,7 +52,7 @@ void ViewerHelp::HelpSearch() {
 
 void ViewerHelp::openHelp(HelpCommand command) {
   const std::shared_ptr<ControlServices> services = platform().services;
-  // Also where there is no path: it is the viewer of help files that shows nothing then.
+  // Also with an empty path: the platform's viewer then shows nothing.
   services->openHelp(&viewer_, libraryState().helpFile, command);
 }
 

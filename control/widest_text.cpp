@@ -15,13 +15,13 @@ using ui::RowDelegate;
 constexpr char32_t noCharacter = 0;
 constexpr char32_t replacement = 0xFFFD;
 
-/// Whether pairs of the letter with its neighbours are worth measuring: Latin, Greek and Cyrillic. Others stand for
-/// themselves: there are tens of thousands of ideographs, which keep their width whatever is beside them.
+/// Whether the letter is measured in pairs with its neighbours: Latin, Greek and Cyrillic. All others are measured
+/// alone: there are tens of thousands of ideographs, whose widths do not depend on their neighbours.
 bool pairs(char32_t character) {
   return character < 0x530;
 }
 
-/// The character at the beginning of `text`, which is taken off. Bytes that are none read as U+FFFD, one each.
+/// Takes the first character off `text`. Invalid bytes read as U+FFFD, one each.
 char32_t takeCharacter(std::string_view& text) {
   const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
   const unsigned first = byteAt(0);

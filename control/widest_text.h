@@ -11,8 +11,8 @@
 namespace korvel::control {
 
 /// Finds the width of the widest of many texts as list cells show them. Shaping a text takes a microsecond, too long
-/// for millions: each is added up from the widths of its letters and pairs of letters, measured once, and only those
-/// that come out widest are shaped.
+/// for millions: widths are estimated from those of letters and pairs of letters, measured once, and only the
+/// candidates with the largest estimates are shaped.
 class WidestText {
  public:
   explicit WidestText(const QFont& font);
@@ -31,7 +31,7 @@ class WidestText {
   static constexpr std::size_t textStart = asciiCount;
 
   [[nodiscard]] float estimate(std::string_view text);
-  /// What an ASCII character adds behind another one, or at the start of a text.
+  /// The width that an ASCII character adds after another one, or at the start of a text.
   [[nodiscard]] float asciiAdvance(std::size_t before, std::size_t at);
   [[nodiscard]] float otherAdvance(char32_t before, char32_t at);
   void keep(float width, std::string_view text);

@@ -72,7 +72,7 @@ void IconRow::add(QAbstractButton* button) {
 
 namespace {
 
-/// The width at which nothing of the button's text is cut. What the style adds to it for comfort is the first to go.
+/// The width at which the button's text is not cut, without the margin that the style adds.
 int leastWidth(const QWidget& button) {
   const QSize hint = button.sizeHint();
   QStyleOptionButton option;

@@ -5,9 +5,9 @@
 namespace korvel::ui {
 
 /// A frame of the side strip: rounded border on the surface colour, small semi-bold caption in grey, 8 px all around.
-/// A group box to assistive technology. The 8 px and the caption's room are the frame's own: layouts on it start with
-/// zero margins; whoever places children by hand uses contentsRect(). In another style, which draws its border right
-/// around the contents, layouts keep a distance.
+/// A group box to assistive technology. The 8 px and the caption's space belong to the frame: layouts on it start with
+/// zero margins; children placed by hand use contentsRect(). In another style, which draws its border right around the
+/// contents, layouts keep a margin.
 class CardFrame : public QGroupBox {
   Q_OBJECT
 

@@ -7,7 +7,7 @@ class QTreeView;
 namespace korvel::ui {
 
 /// Paints the rows of a tree with check boxes: 24 px rows, semi-bold roots, rounded accent boxes, focus as a frame
-/// around the text. What is painted as the box is what a click ticks.
+/// around the text. A click on the painted box ticks it.
 class CheckTreeDelegate : public QStyledItemDelegate {
   Q_OBJECT
 

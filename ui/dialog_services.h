@@ -9,10 +9,10 @@ class QWidget;
 namespace korvel::ui {
 
 enum class MessageIcon { none, critical, information };
-/// Mouse pointers by the numbers the system gives them.
+/// Mouse pointers, by the system's numbers.
 enum class Pointer { standard = 0, hourglass = 11 };
 
-/// What every dialog may show on top of itself. Every call that shows something returns when it has been answered.
+/// What every dialog may show. Every call that shows a dialog returns when it is closed.
 class DialogServices {
  public:
   virtual ~DialogServices() = default;
@@ -24,7 +24,7 @@ class DialogServices {
   virtual void setPointer(Pointer pointer) = 0;
 };
 
-/// The hourglass for as long as it lives, also when the work ends in a failure.
+/// Shows the hourglass while it exists, also when the work ends in a failure.
 class BusyPointer {
  public:
   explicit BusyPointer(DialogServices& services) : services_(services) { services_.setPointer(Pointer::hourglass); }

@@ -38,7 +38,7 @@ void styleCalendar(QCalendarWidget& calendar) {
   calendar.setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
   calendar.setHorizontalHeaderFormat(QCalendarWidget::ShortDayNames);
   calendar.setGridVisible(false);
-  // Week-ends are red and the names of days bright by default: one accent is enough.
+  // By default week-ends are red and the names of days bright: the theme has one accent.
   const QTextCharFormat plain;
   for (const auto day : {Qt::Saturday, Qt::Sunday}) calendar.setWeekdayTextFormat(day, plain);
   QTextCharFormat today;

@@ -20,7 +20,8 @@ void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
 /// A calendar without grid in the colours of the theme: chosen day filled, today semi-bold, week-ends not red.
 void styleCalendar(QCalendarWidget& calendar);
 
-/// Puts two arrows around those of the months, which turn the page by a year and choose nothing. The texts name them.
+/// Adds two arrow buttons beside those of the months, which move the page by a year and select nothing. The texts are
+/// their names.
 void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next);
 
 /// Grey explanatory text.

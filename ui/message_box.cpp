@@ -10,7 +10,7 @@
 namespace korvel::ui {
 namespace {
 
-/// What a title bar holds beside its title: the sign, buttons, and as much on the other side where titles are centred.
+/// Width of a title bar beside its title: icon, buttons, and as much on the other side where titles are centred.
 constexpr int besideTitle = 160;
 
 /// Width of the title in the font of title bars, as far as the toolkit knows it.

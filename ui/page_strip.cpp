@@ -7,7 +7,7 @@
 namespace korvel::ui {
 namespace {
 
-/// A picture of nothing: a tab without one would be narrower, and the tabs behind it would move with each change.
+/// A transparent icon: a tab without an icon would be narrower, and the tabs after it would move with each change.
 QIcon emptyMark(const QSize& size) {
   QPixmap nothing(size);
   nothing.fill(Qt::transparent);

@@ -47,11 +47,11 @@ Handling handlingOf(const QObject& watched, QEvent::Type type) {
     case QEvent::Close:
       return Handling::refuse;
     case QEvent::Timer:
-      // A window's own timers are about its painting. Any other one ticks again.
+      // Timers of platform windows are for painting. All others fire again.
       return watched.isWindowType() ? Handling::pass : Handling::drop;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
-      // The windows' own bookkeeping goes on.
+      // The platform windows keep their own state.
       return watched.isWindowType() ? Handling::pass : Handling::deliverLater;
     case QEvent::Leave:
     case QEvent::HoverLeave:

@@ -9,13 +9,11 @@
 
 namespace korvel::ui {
 
-/// While a query keeps the user-interface thread busy, windows shall be painted and the escape key shall be heard, and
-/// nothing else shall happen: no handler of the control or its host may be entered while another one runs. As long as a
-/// watch lives, it takes away what people and timers send to any element of the program. Typing, clicks and the closing
-/// of windows are lost, timers tick again later; that the focus or the pointer has moved away is told afterwards.
-///
-/// Calls that are queued are beyond it: whoever runs a query through it must bear its own destruction. A dialog that
-/// such a call opens is spared, or nobody could close it.
+/// While a query blocks the user-interface thread, windows are painted and Esc is recognised, and nothing else happens:
+/// no handler of the control or its host may run nested in another one. While a watch exists, it filters all input and
+/// timer events of the program. Keys, clicks and closing of windows are dropped, timers fire again later; focus-out and
+/// leave events are delivered afterwards. Queued calls cannot be filtered: the caller may be destroyed by one while it
+/// waits. A dialog that such a call opens gets its events, so that it can be closed.
 class QueryWatch final : public QObject {
   Q_OBJECT
 
@@ -23,7 +21,7 @@ class QueryWatch final : public QObject {
   QueryWatch();
   ~QueryWatch() override;
 
-  /// Lets windows paint. False once escape has been pressed.
+  /// Lets windows paint. False once Esc has been pressed.
   [[nodiscard]] bool goOn();
 
  protected:

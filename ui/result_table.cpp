@@ -22,7 +22,7 @@ int listRowHeight(const QWidget& widget) {
   return std::max(px(&widget, space::listRow), widget.fontMetrics().height() + px(&widget, 6));
 }
 
-/// One line of a value: what breaks or hides lines becomes a blank, so that the row tells there is more to it.
+/// A value in one line: characters that break or hide lines become blanks.
 /// Returns the text itself, unshared, in the usual case that there is nothing to replace.
 QString oneLine(QString text) {
   const auto breaks = [](QChar c) {
@@ -54,7 +54,7 @@ void ResultHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logic
   if (option == nullptr) return;
   option->text = visibleFormats(option->text);
   if (qobject_cast<const ViewerStyle*>(style()) != nullptr || option->sortIndicator == QStyleOptionHeader::None) return;
-  // Styles do not agree on which way an ascending arrow points: in theirs a picture of ours takes its place.
+  // Styles disagree on the direction of an ascending arrow: other styles get our icon instead.
   option->sortIndicator = QStyleOptionHeader::None;
   const bool ascending = sortIndicatorOrder() == Qt::AscendingOrder;
   option->icon = icon(ascending ? IconName::SortAscending : IconName::SortDescending);
@@ -155,14 +155,14 @@ ResultHeader* ResultTable::header() const {
 void ResultTable::setEmptyText(const QString& text) {
   if (text == emptyText_) return;
   emptyText_ = text;
-  // Painted text is nothing to who cannot see it.
+  // For assistive technology, which does not see painted text.
   setAccessibleDescription(text);
   viewport()->update();
 }
 
 void ResultTable::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
-  // It may hold a server's words: as much as there is room for, to the letter.
+  // It may contain a server's message: plain text, as much as fits.
   constexpr qsizetype mostCharacters = 2000;
   if (model() == nullptr || model()->rowCount(rootIndex()) == 0)
     paintEmptyMessage(*this, visibleFormats(emptyText_.left(mostCharacters)));

@@ -29,13 +29,12 @@ class RowDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
-  /// More of a text than a cell can show on any screen: measuring megabytes to cut them off makes scrolling stall.
+  /// More of a text than a cell can show on any screen: measuring megabytes to elide them makes scrolling stall.
   static constexpr qsizetype shownCharacters = 1000;
 
   explicit RowDelegate(QObject* parent = nullptr);
 
-  /// What a cell paints of a value: one line, what would turn its direction made visible, an ellipsis in the place of
-  /// what goes beyond the shown characters.
+  /// What a cell paints of a value: one line, direction controls made visible, an ellipsis after the shown characters.
   [[nodiscard]] static QString shownText(const QString& value);
   /// Width of a cell that shows a text of that width uncut.
   [[nodiscard]] static int cellWidth(const QWidget* widget, qreal textWidth);
@@ -56,7 +55,7 @@ class ResultTable : public QTableView {
   explicit ResultTable(QWidget* parent = nullptr);
 
   [[nodiscard]] ResultHeader* header() const;
-  /// What an empty list says. Painted only: it is no row and nothing can select it.
+  /// The text of an empty list. Painted only: it is no row and cannot be selected.
   void setEmptyText(const QString& text);
   [[nodiscard]] QString emptyText() const { return emptyText_; }
 

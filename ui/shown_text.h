@@ -4,13 +4,13 @@
 
 namespace korvel::ui {
 
-/// `text` with the invisible characters that turn the direction of writing, or format otherwise, made visible as
-/// \u202E: what was audited must not look like something else. Joiners and soft hyphens stay: they shape words. Returns
-/// the text itself, unshared, in the usual case that there is nothing to show.
+/// `text` with invisible format characters, such as those that change the direction of writing, written as \u202E: an
+/// audited value must not look like another one. Joiners and soft hyphens stay: they shape words. Returns the text
+/// itself, without a copy, in the usual case that there are none.
 [[nodiscard]] QString visibleFormats(const QString& text);
 
-/// What a tooltip shows as this text, to the letter. Tooltips take whatever looks like markup for markup, and fetch
-/// what it names. Of an enormous text the beginning is shown.
+/// A tooltip that shows this text literally. Tooltips interpret what looks like markup, and load what it names. Very
+/// long texts are cut.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 }  // namespace korvel::ui

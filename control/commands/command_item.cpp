@@ -9,7 +9,7 @@ namespace korvel::control {
 
 namespace {
 
-/// The number under which users know "object not set": what a look-up without a result has always meant here.
+/// The number of "object not set", which a look-up without a result reports.
 constexpr std::int32_t objectNotSet = 91;
 
 using Items = std::vector<std::unique_ptr<CommandItem>>;
@@ -23,7 +23,7 @@ CommandItem& addTo(Items& items, ItemKind kind, std::string key, std::string cap
   return *items.back();
 }
 
-/// Depth first in the order of adding: an item stands before the items inside it and before those added after it.
+/// Depth first in the order of adding: an item before the items inside it and before those added after it.
 CommandItem* findIn(const Items& items, std::string_view key) noexcept {
   for (const auto& item : items) {
     if (!item->key.empty() && equalsIgnoringAsciiCase(item->key, key)) return item.get();

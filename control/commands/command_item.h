@@ -9,7 +9,7 @@
 
 namespace korvel::control {
 
-/// What an item is, by the numbers that the menu and toolbar component gives the kinds.
+/// Kinds of items, by the numbers of the menu and toolbar component.
 enum class ItemKind {
   button = 100,
   toolbarSeparator = 103,
@@ -21,7 +21,7 @@ enum class ItemKind {
   menuSeparator = 204
 };
 
-/// One entry of a menu bar, toolbar or context menu: what it is and how it stands. Owns the items inside it.
+/// One entry of a menu bar, toolbar or context menu and its state. Owns the items inside it.
 struct CommandItem {
   std::string key;
   ItemKind kind = ItemKind::command;
@@ -38,8 +38,8 @@ struct CommandItem {
   CommandItem& add(ItemKind itemKind, std::string itemKey, std::string itemCaption = {});
 };
 
-/// The items of one command surface, with the look-up rules that the commands rely on: keys are found whatever their
-/// case, nested items too, and of several items with one key the first added wins.
+/// The items of one command surface and their look-up: keys ignore case, nested items are found too, and of several
+/// items with one key the first added wins.
 class CommandItems {
  public:
   /// Called after every change of an item or of the whole; the adapter mirrors it to widgets.

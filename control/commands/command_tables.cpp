@@ -19,8 +19,8 @@ constexpr CommandText fixedText(std::string_view english) {
   return {0, english};
 }
 
-// The language menu is deliberately not translated, and no language carries a mark. The two items keyed "TOOLS" are
-// deliberate too: the menu comes first, so a look-up by key reaches the menu.
+// The language menu is deliberately not translated, and the current language is not checked. The two items keyed
+// "TOOLS" are deliberate too: the menu comes first, so a look-up by key finds the menu.
 constexpr std::array menuRows = {
     MenuRow{0, "FILE", Kind::topLevelMenu, text(10001)},
     MenuRow{1, "SELECT", Kind::command, text(10002), text(10003)},
@@ -111,8 +111,8 @@ std::span<const ToolbarRow> toolbarTable() noexcept {
 
 void buildMenu(CommandItems& items, const settings::LanguageOffset& offset) {
   items.clear();
-  // The last item at each depth. None stands there from where its row begins to where it has been added: what belongs
-  // into a menu that is missing is left out, and not put into the one before it.
+  // The last item at each depth, null while its row is being added: items of a menu that could not be added are left
+  // out, instead of going into the menu before it.
   std::array<CommandItem*, menuDepths> parents{};
   for (const MenuRow& row : menuRows) {
     const auto depth = static_cast<std::size_t>(row.depth);

@@ -22,8 +22,8 @@ PageProgressDialog::PageProgressDialog(QWidget& owner, std::chrono::milliseconds
   window_->setWindowTitle(QStringLiteral("KorvelAudit Viewer"));
   ui::applyStyle(*window_);
   window_->setMinimumWidth(ui::px(window_, leastWidth));
-  // When it shows and hides is decided here: by itself it never shows as long as the value stays the same, which is
-  // all the time that pages are counted.
+  // Shown by show() below: the toolkit's dialog never shows itself while the value stays the same, as it does while
+  // pages are counted.
   window_->setMinimumDuration(std::numeric_limits<int>::max());
   window_->setAutoReset(false);
   window_->setAutoClose(false);

@@ -9,8 +9,7 @@ class QWidget;
 
 namespace korvel::control {
 
-/// The window that says how far a report is on its way over its pages, and lets a person cancel it. It shows itself
-/// only where the way takes longer than `delay`.
+/// The progress of a report over its pages, with a cancel button. Shown only if the work takes longer than `delay`.
 class PageProgressDialog {
  public:
   explicit PageProgressDialog(QWidget& owner, std::chrono::milliseconds delay = std::chrono::milliseconds{700});
@@ -18,8 +17,8 @@ class PageProgressDialog {
   PageProgressDialog(const PageProgressDialog&) = delete;
   PageProgressDialog& operator=(const PageProgressDialog&) = delete;
 
-  /// Tells the page; 0 of 0 while pages are counted. False once it has been cancelled, or removed with its owner. Once
-  /// the window is shown events are handled here: those of the cancel button and nobody else's, since it is modal.
+  /// Sets the page; 0 of 0 while pages are counted. False once it has been cancelled, or deleted with its owner. While
+  /// the dialog is visible this processes events; since it is modal, only its own input arrives.
   bool show(int page, int pages);
 
  private:

@@ -9,10 +9,10 @@ namespace korvel::control {
 namespace {
 
 constexpr qreal pointsPerInch = 72;
-/// Pictures that are kept; those of a screen or two.
+/// Size of the cache: the thumbnails of a screen or two.
 constexpr int cachedThumbnails = 64;
 
-/// White paper on a white ground would have no edge.
+/// A border: white paper on a white ground would have no visible edge.
 void frame(QImage& picture) {
   QPainter painter(&picture);
   painter.setPen(QColor(0, 0, 0, 72));
@@ -40,7 +40,7 @@ QVariant PageThumbnails::data(const QModelIndex& index, int role) const {
   if (role != Qt::DecorationRole) return {};
   if (const QImage* const kept = thumbnails_.object(page)) return *kept;
   try {
-    // Letters of a few points are no letters on some systems: the page is drawn larger, and the picture made small.
+    // Some systems cannot draw letters of a few points: the page is drawn larger and scaled down.
     constexpr int enlargement = 3;
     const qreal width = width_ * pixelRatio_;
     auto picture =

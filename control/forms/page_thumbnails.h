@@ -8,12 +8,12 @@
 
 namespace korvel::control {
 
-/// The pages of a report as small pictures, drawn when they are looked at.
+/// The pages of a report as thumbnails, drawn on demand.
 class PageThumbnails final : public QAbstractListModel {
   Q_OBJECT
 
  public:
-  /// `sheets` must outlive it. Pictures are `width` pixels wide at `pixelRatio` device pixels each.
+  /// `sheets` must outlive it. Thumbnails are `width` pixels wide at `pixelRatio` device pixels each.
   PageThumbnails(output::pages::ReportSheets& sheets, int width, qreal pixelRatio, QObject* parent);
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;

@@ -57,7 +57,7 @@ RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScroll
   auto* column = ui::styleDialog(*this);
   area_->setWidgetResizable(true);
   area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  // Without a handle where there is nothing to scroll. A bar that came and went would wrap the values anew each time.
+  // Always on: a scroll bar that appears and disappears would change the line breaks of the values each time.
   area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   // The fields inside of it take the focus.
   area_->setFocusPolicy(Qt::NoFocus);
@@ -173,7 +173,7 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValu
                     std::equal(captions.begin(), captions.end(), fields_.begin(), fields_.end(),
                                [](const QString& caption, const Field& field) { return caption == field.caption; });
   if (same) return;
-  // A field that is read in gives way to one of another record; the keyboard shall not be lost with it.
+  // The field with the focus may be replaced by one of the other record: the focus must not be lost with it.
   if (const QWidget* const focused = focusWidget(); focused != nullptr && area_->isAncestorOf(focused))
     btClose_->setFocus();
   fields_.clear();
@@ -267,7 +267,7 @@ void RecordView::fillFoot() {
   const bool hadFocus = btNext_->hasFocus() || btPrevious_->hasFocus();
   btPrevious_->setEnabled(record_.row() > 0);
   btNext_->setEnabled(record_.row() + 1 < count);
-  // Who went as far as there is goes back from there.
+  // At the end of the list the focus moves to the button for the other direction.
   if (hadFocus && !btNext_->isEnabled()) btPrevious_->setFocus();
   if (hadFocus && !btPrevious_->isEnabled()) btNext_->setFocus();
 }

@@ -16,9 +16,8 @@ namespace korvel::control {
 
 class ValueField;
 
-/// Shows one record of a list whole: every field that the server sent, also those that the list does not show, with its
-/// text as it is stored. Old and new value stand side by side. Follows the list's order to the next and previous
-/// record.
+/// Shows all fields of one record that the server sent, also those that the list does not show, with their text as it
+/// is stored. Old and new value are side by side. Steps to the next and previous record in the list's order.
 class RecordView final : public QDialog {
   Q_OBJECT
 
@@ -31,12 +30,12 @@ class RecordView final : public QDialog {
   void showPrevious() { step(-1); }
   /// The row of the list whose record is shown; -1 for none. For tests: the form shows the record, not its row.
   [[nodiscard]] int row() const { return record_.isValid() ? record_.row() : -1; }
-  /// Puts the record into the clipboard: a line a field, its caption and its whole text. Says so, and leaves the
-  /// clipboard alone, where memory does not suffice.
+  /// Copies the record to the clipboard: a line a field, its caption and its whole text. Refuses, and leaves the
+  /// clipboard unchanged, where memory does not suffice.
   void copyRecord();
 
  Q_SIGNALS:
-  /// Something that a person asked for was not done, and why.
+  /// A command was refused; `text` says why.
   void refused(const QString& text);
 
  private:

@@ -67,7 +67,7 @@ ReportPreview::ReportPreview(std::unique_ptr<output::pages::ReportSheets> sheets
 }
 
 ReportPreview::~ReportPreview() {
-  // Its model draws from the sheets, which go first.
+  // Its model draws from the sheets, which are deleted first.
   lvSheets_->setModel(nullptr);
 }
 
@@ -122,7 +122,7 @@ QWidget* ReportPreview::buildBar() {
   close->setObjectName(name("btClose"));
   connect(close, &QPushButton::clicked, this, &QDialog::reject);
   row->addWidget(close);
-  // Enter ends the typing of a page's number: no button takes it from there.
+  // Enter confirms the page number: no default button may take it.
   for (QPushButton* each : {static_cast<QPushButton*>(print), static_cast<QPushButton*>(close)})
     each->setAutoDefault(false);
   return bar;
@@ -196,7 +196,7 @@ int ReportPreview::zoomPercent() const {
 qreal ReportPreview::dotsPerInch() const {
   if (zoom_ == Zoom::fixed) return fixedDotsPerInch_;
   const QSizeF page = sheets_->pageSize();
-  // As if there were a scroll bar: one that comes and goes would change the width that it comes for.
+  // As if there were a scroll bar: otherwise it would change the width by which it is decided.
   const int margin = ui::px(this, 2 * ui::space::inside);
   const QSize room = areaPage_->size() - QSize(margin + areaPage_->verticalScrollBar()->sizeHint().width(), margin);
   const qreal byWidth = room.width() * pointsPerInch / page.width();

@@ -14,7 +14,7 @@ class QToolButton;
 
 namespace korvel::control {
 
-/// Shows the pages of a report as they would be printed: one at a time and large, all of them small beside it.
+/// Shows the pages of a report as they would be printed: one page large, thumbnails of all pages beside it.
 class ReportPreview final : public QDialog {
   Q_OBJECT
 
@@ -34,7 +34,7 @@ class ReportPreview final : public QDialog {
   [[nodiscard]] int zoomPercent() const;
 
  Q_SIGNALS:
-  /// A person wants the report on paper.
+  /// The user chose to print the report.
   void printRequested();
 
  protected:

@@ -101,7 +101,7 @@ void ValueField::paintEvent(QPaintEvent* event) {
 }
 
 void ValueField::contextMenuEvent(QContextMenuEvent* event) {
-  // The toolkit's own menu speaks the system's language, not the viewer's.
+  // The toolkit's own menu is in the system's language, not the viewer's.
   auto* menu = new QMenu(this);
   menu->setAttribute(Qt::WA_DeleteOnClose);
   QAction* const copySelected = menu->addAction(ui::icon(ui::IconName::Copy), copyText_, this, [this] { copy(); });

@@ -4,8 +4,8 @@
 
 namespace korvel::control {
 
-/// Shows a whole value, line breaks and all, for reading and copying. As high as the value needs, between two numbers
-/// of lines; a longer one scrolls.
+/// Shows a value with its line breaks, for reading and copying. As high as the value needs, between two numbers of
+/// lines; a longer one scrolls.
 class ValueField final : public QPlainTextEdit {
   Q_OBJECT
 
@@ -14,8 +14,8 @@ class ValueField final : public QPlainTextEdit {
 
   ValueField(Frame frame, int leastLines, int mostLines, QWidget* parent = nullptr);
 
-  /// Shows `value`, of a very long one its beginning only: see isCut(). `placeholder` is what is said in grey in the
-  /// place of a value that has no text.
+  /// Shows `value`, of a very long one its beginning only: see isCut(). `placeholder` is shown in grey for a value
+  /// without text.
   void setValue(const QString& value, const QString& placeholder);
   [[nodiscard]] const QString& value() const { return value_; }
   [[nodiscard]] bool isCut() const { return value_.size() > shownCharacters; }

@@ -32,7 +32,7 @@ constexpr std::size_t localServers = 0;
 const QString auditName = QStringLiteral("Korvel_Audit");
 const QString noDatabaseSelected = QStringLiteral("No Database Selected");
 
-/// The item of the bar that names this server, -1 for none. Names of servers have no case; the paths of folders have.
+/// The item of the bar that names this server, -1 for none. Names of servers ignore case; paths of folders do not.
 int itemOf(const SmartViewBar& bar, const QString& server) {
   const auto sensitivity = isEmbeddedServer(server.toStdString()) ? Qt::CaseSensitive : Qt::CaseInsensitive;
   for (int i = 0; i < bar.count(); ++i)
@@ -40,7 +40,7 @@ int itemOf(const SmartViewBar& bar, const QString& server) {
   return -1;
 }
 
-/// Runs what asks the network; gives its failure, whatever was thrown.
+/// Runs a network request; returns its failure, whatever was thrown.
 template <typename Work>
 std::optional<Error> failureOf(const Work& work) {
   try {
@@ -54,14 +54,14 @@ std::optional<Error> failureOf(const Work& work) {
   }
 }
 
-/// What the thread that lists hands over once.
+/// The result of a listing, handed over once by its worker.
 template <typename Result>
 struct Listed {
   Result result;
   std::optional<Error> failure;
 };
 
-/// What happens on the connections of a listing, on its way to the thread of the windows.
+/// Events of the connections of a listing, on their way to the user-interface thread.
 class EventQueue {
  public:
   void push(const ServerEvent& event) {
@@ -85,7 +85,7 @@ frmSQLServerBrowser::~frmSQLServerBrowser() = default;
 void frmSQLServerBrowser::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   Form_Resize();
-  // Asking takes its time: the window is seen before.
+  // Listing takes time: the window is painted before.
   if (!std::exchange(loaded_, true))
     QMetaObject::invokeMethod(
         this, [this] { Form_Load(); }, Qt::QueuedConnection);
@@ -136,7 +136,8 @@ frmSQLServerBrowser::Listing frmSQLServerBrowser::list(const std::function<Resul
     };
     std::optional<Listed<Result>> listed = runAttended(work, attendance);
     tellEvents();
-    // What impatience has sent was meant for this listing and shall not start another one.
+    // Clicks and keys that are still queued were meant for this listing: they are dropped, so that they start no other
+    // one.
     static_cast<void>(watch.goOn());
     if (!listed || !wanted) return;
     if (listed->failure) throw Error(*listed->failure);
@@ -151,7 +152,7 @@ frmSQLServerBrowser::Listing frmSQLServerBrowser::list(const std::function<Resul
 }
 
 void frmSQLServerBrowser::DisplayServers() {
-  // A call that was queued: it would list inside of a listing.
+  // A queued call would run nested in a listing.
   if (listing_) return;
   const QPointer<frmSQLServerBrowser> alive(this);
   const std::shared_ptr<ui::DialogServices> services = services_;
@@ -183,7 +184,7 @@ void frmSQLServerBrowser::ServerLocation_Click() {
 }
 
 void frmSQLServerBrowser::SmartViewBar_SelectionMove() {
-  // The databases of one server never stand beside the name of another.
+  // Databases are never shown beside the name of another server.
   clearDatabases();
 }
 
@@ -241,7 +242,7 @@ void frmSQLServerBrowser::cmdOK_Click() {
   const QModelIndexList rows = lvListView_->selectionModel()->selectedRows();
   const QString database = rows.isEmpty() ? QString() : rows.first().data().toString();
   if (database.isEmpty()) {
-    // The connection state outlives the dialog; the dialog may not outlive the message.
+    // The connection state outlives the dialog; the dialog may be deleted while the message is shown.
     ConnectionState& connection = connection_;
     const std::shared_ptr<ui::DialogServices> services = services_;
     services->messageBox(this, MessageIcon::none, QGuiApplication::applicationDisplayName(), noDatabaseSelected);

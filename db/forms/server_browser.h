@@ -87,13 +87,13 @@ class frmSQLServerBrowser final : public QDialog {
   [[nodiscard]] int withinLimits(int x) const;
   /// The header of the list and one row of it.
   [[nodiscard]] int leastListHeight() const;
-  /// What the pane on the right needs for all that it holds, the explaining text included.
+  /// Height of the pane on the right for all its elements, the explaining text included.
   [[nodiscard]] int leastPaneHeight(int width) const;
 
   /// A new server object in the place of the one before.
   void openServerObject();
   enum class Listing { done, failed, stopped };
-  /// Has a new server object list something, apart from this thread: windows are painted meanwhile, Esc stops it, and
+  /// Lists something with a new server object on a worker thread: windows are painted meanwhile, Esc stops it, and
   /// nothing else happens. The dialog may be gone afterwards.
   template <typename Result>
   Listing list(const std::function<Result(ServerDirectory&)>& ask, Result& result, std::optional<Error>& failure);
@@ -101,7 +101,7 @@ class frmSQLServerBrowser final : public QDialog {
   void reportFailure(const QString& sentence, const Error& error);
   void say(const QString& text);
   [[nodiscard]] QString ownText(std::string_view key, const QString& first = {}, const QString& second = {}) const;
-  /// Enter in the line or on its button belongs to what was typed, not to the dialog's default button.
+  /// Enter in the line or on its button enters the typed name instead of pressing the dialog's default button.
   bool enterTyped(const QEvent& event);
   /// The first arrow key in a list without a selected row selects its first row, not the one after it.
   bool startInList(const QEvent& event);
@@ -110,7 +110,7 @@ class frmSQLServerBrowser final : public QDialog {
   const settings::LanguageOffset& language_;
   std::shared_ptr<ui::DialogServices> services_;
   std::function<std::unique_ptr<ServerDirectory>()> openDirectory_;
-  std::shared_ptr<ServerDirectory> oSQLServer_;  // a listing that was stopped may still use it
+  std::shared_ptr<ServerDirectory> oSQLServer_;  // shared: a stopped listing may still use it
   QStandardItemModel databases_;
 
   db::SmartViewBar* SmartViewBar_ = nullptr;
@@ -130,7 +130,7 @@ class frmSQLServerBrowser final : public QDialog {
   Twips splitter_;
   bool loaded_ = false;
   bool dragging_ = false;
-  /// How often the window was made larger since its size was last in order.
+  /// How often the window was enlarged since its size was last large enough.
   int snaps_ = 0;
   bool listing_ = false;
 };

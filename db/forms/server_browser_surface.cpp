@@ -1,4 +1,4 @@
-// What is to be seen of the browser, and where.
+// The browser's elements and their places.
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -29,7 +29,7 @@ constexpr Twips feedbackWidth{40};
 constexpr Twips feedbackShorter{20};
 constexpr Twips firstSplitter{3600};
 constexpr Twips nameColumn{2900};
-/// How often a window system that has made the window too small is asked for more before it gets its way.
+/// How often the window is enlarged again where the window system makes it too small.
 constexpr int mostSnaps = 3;
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 460;
@@ -92,7 +92,7 @@ void frmSQLServerBrowser::buildRightPane() {
     ServerLocation_.at(i)->setObjectName(QStringLiteral("ServerLocation%1").arg(i));
     locations->addWidget(ServerLocation_.at(i));
   }
-  // What answers at once comes first.
+  // The local servers first: they are listed at once.
   ServerLocation_[0]->setChecked(true);
   for (QRadioButton* location : ServerLocation_)
     connect(location, &QRadioButton::toggled, this, [this](bool chosen) {
@@ -122,7 +122,7 @@ void frmSQLServerBrowser::buildRightPane() {
   lvListView_->header()->setSectionsMovable(false);
   lvListView_->header()->setSectionsClickable(false);
   lvListView_->header()->setStretchLastSection(true);
-  // Its own least height is more than the smallest window has.
+  // Its own minimum height does not fit into the smallest window.
   lvListView_->setMinimumHeight(leastListHeight());
   lvListView_->setColumnWidth(0, ScreenMeasure(*this).horizontal(nameColumn));
   lvListView_->installEventFilter(this);
@@ -177,16 +177,16 @@ void frmSQLServerBrowser::resizeEvent(QResizeEvent* event) {
 void frmSQLServerBrowser::Form_Resize() {
   if (isMinimized()) return;
   const ScreenMeasure measure(*this);
-  // Keeps the window system from offering a smaller size.
+  // Asks the window system for no smaller size.
   setMinimumSize(measure.horizontal(smallestWidth), measure.vertical(smallestHeight));
-  // Some force one all the same. The new size comes back here.
+  // Some set one all the same. The new size leads to another call of this function.
   const QSize raised = size().expandedTo(minimumSize());
   if (size() != raised && snaps_ < mostSnaps) {
     ++snaps_;
     resize(raised);
     return;
   }
-  // The list keeps its room where the window has become too narrow for the splitter, which comes back with the room.
+  // In a window that is too narrow the list keeps its width; the splitter moves back when there is room again.
   const Twips chosen = splitter_;
   const int room = width() - ui::px(this, ui::space::dialog) - ui::px(this, ui::space::between);
   SizeControls(std::min(chosen, measure.horizontalTwips(room - rightPane_->minimumSizeHint().width())));
@@ -222,7 +222,7 @@ void frmSQLServerBrowser::SizeControls(Twips x) {
   const int right = split + between;
   const int paneWidth = std::max(0, width() - around - right);
   const int roomyHeight = footTop - 2 * around;
-  // Where not all of it fits, what only explains goes first, then distances, and the bar that would cover a row.
+  // Where not everything fits, the explaining text and the scroll bar are hidden, and margins are smaller.
   const bool fits = leastPaneHeight(paneWidth) <= roomyHeight;
   const int close = ui::px(this, ui::space::inGroup);
   const int paneHeight = std::max(0, fits ? roomyHeight : footTop - around - close);

@@ -18,7 +18,7 @@ constexpr Twips groupSpacing{75};
 constexpr int markerRole = Qt::UserRole;
 const QString serverMarker = QStringLiteral("SERVER");
 
-/// Items that say in their middle that there are none.
+/// The items, with a text in the middle of an empty group.
 class ItemList final : public QListWidget {
  public:
   using QListWidget::QListWidget;
@@ -68,7 +68,7 @@ void SmartViewBar::addItem(const QString& caption) {
 }
 
 void SmartViewBar::highlightItems() {
-  // Semi-bold on the ground of the bar, which is white by day.
+  // Semi-bold on the ground of the bar, which is white in the light theme.
   const QFont highlighted = ui::semiBold(items_->font());
   for (int i = 0; i < items_->count(); ++i) items_->item(i)->setFont(highlighted);
 }
@@ -91,7 +91,7 @@ void SmartViewBar::setEmptyText(const QString& text) {
 bool SmartViewBar::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
-    // Enter belongs to the item here, not to the dialog's default button.
+    // Enter chooses the item instead of pressing the dialog's default button.
     if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
       if (QListWidgetItem* current = items_->currentItem()) {
         current->setSelected(true);

@@ -16,7 +16,7 @@ class SmartViewBar final : public ui::CardFrame {
   void clear();
   /// Appends an item, not yet highlighted.
   void addItem(const QString& caption);
-  /// Gives every item of the group its highlighted look.
+  /// Shows every item of the group highlighted.
   void highlightItems();
   /// Selects the item as a click on it would, without announcing it.
   void select(int index);
@@ -31,7 +31,7 @@ class SmartViewBar final : public ui::CardFrame {
 
  Q_SIGNALS:
   void itemClicked();
-  /// Another item is the selected one now, however that came about.
+  /// Another item was selected, by any means.
   void selectionMoved();
 
  protected:

@@ -80,7 +80,7 @@ frmPrintFont::frmPrintFont(PrintFontContext context, QWidget* owner)
   auto* buttons = new QDialogButtonBox;
   buttons->addButton(btChangeFont_, QDialogButtonBox::ActionRole);
   buttons->addButton(btDefault_, QDialogButtonBox::ActionRole);
-  // Behind the other two in every order that platforms have: closing accepts nothing and rejects nothing.
+  // Last in every platform's order of buttons: closing neither accepts nor rejects.
   buttons->addButton(btClose_, QDialogButtonBox::RejectRole);
   ui::addButtons(*this, buttons);
   btClose_->setDefault(true);

@@ -34,7 +34,7 @@ bool movesOn(int key) {
          key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
 }
 
-/// Keys go on from the chosen day: where the page shows another month, that becomes the same day of it.
+/// Keys move from the selected day: where the page shows another month, the same day of that month is selected first.
 void chooseOnPage(QCalendarWidget& calendar) {
   const QDate chosen = calendar.selectedDate();
   const QDate page(calendar.yearShown(), calendar.monthShown(), 1);
@@ -99,7 +99,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   side.calendar->setLocale(context_.locale);
   side.calendar->setFirstDayOfWeek(context_.locale.firstDayOfWeek());
   side.calendar->setDateRange(earliestDay, latestDay);
-  // Digits that are typed would change the day a while later, without a click.
+  // Typed digits would change the day after a delay, without a click.
   side.calendar->setDateEditEnabled(false);
   side.calendar->setAccessibleName(caption);
   ui::styleCalendar(*side.calendar);
@@ -127,7 +127,7 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
 
 void frmAdvancedFilters::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  // Not when the window merely comes to the front again, as after a refusal: the days that were picked stay.
+  // Only when the dialog opens, not when it is activated again, as after a refusal: the picked days stay.
   if (!event->spontaneous()) Form_Activate();
 }
 
@@ -137,7 +137,7 @@ void frmAdvancedFilters::Form_Activate() {
     const QDate stored = toQDate(context_.range.*side.day);
     side.calendar->setSelectedDate(context_.range.DateRangeActive && stored.isValid() ? stored : today);
     side.calendar->showSelectedDate();
-    // The days stay today's: it is the page that spares the way back to the records.
+    // The days stay today's: only the visible page changes, to the month of the newest records.
     if (!context_.range.DateRangeActive && context_.newestDay) {
       const QDate newest = std::clamp(toQDate(*context_.newestDay), earliestDay, latestDay);
       side.calendar->setCurrentPage(newest.year(), newest.month());
@@ -183,7 +183,7 @@ bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
     for (const Side& side : {from_, to_}) {
       if (watched == daysOf(*side.calendar) && calendarKey(side, press->key(), press->modifiers())) return true;
       if (watched == yearOf(*side.calendar) && enter) {
-        // Leaving the year enters it. The key itself would go on to the dialog and close that.
+        // Losing the focus enters the year. The key itself would reach the dialog and close it.
         daysOf(*side.calendar)->setFocus();
         return true;
       }

@@ -35,15 +35,14 @@ struct DateRangeContext {
 };
 
 /// The dialog in which the first and the last day of the date range are picked. It writes days into the range as they
-/// are picked; whether the range is in force is its caller's business. It does not close while the last day lies before
-/// the first.
+/// are picked; the caller activates the range. It does not close while the last day is before the first.
 class frmAdvancedFilters final : public QDialog {
   Q_OBJECT
 
  public:
   frmAdvancedFilters(DateRangeContext context, QWidget* owner);
 
-  /// Every way of closing comes through here, and may be refused.
+  /// Called for every way of closing, which may be refused.
   void done(int result) override;
 
  protected:
@@ -67,7 +66,7 @@ class frmAdvancedFilters final : public QDialog {
   void DateClick(const Side& side, const QDate& date);
   void store(const Side& side, const QDate& date);
   [[nodiscard]] QString text(const char* key) const;
-  /// Keys that the days of a calendar do not know themselves: space picks a day, Ctrl with a page key moves by a year.
+  /// Keys that the calendar itself does not handle: space picks a day, Ctrl with a page key moves by a year.
   bool calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers);
 
   DateRangeContext context_;

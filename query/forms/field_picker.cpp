@@ -86,7 +86,7 @@ frmFields::frmFields(QueryDialogContext context, QWidget* owner)
   Command1_->setDefault(true);
   ListView1_->setFocus();
 
-  // All of the fields at once: nothing is to be scrolled.
+  // High enough for all fields: no scrolling.
   const int rows = ListView1_->sizeHintForRow(0) * ListView1_->count();
   ListView1_->setMinimumHeight(ListView1_->sizeHintForRow(0) * 4);
   resize(ui::px(this, firstWidth), rows + (sizeHint().height() - ListView1_->sizeHint().height()) +

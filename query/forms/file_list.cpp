@@ -21,7 +21,7 @@ namespace {
 constexpr int firstWidth = 380;
 constexpr int firstHeight = 320;
 
-/// A list that says that it is empty.
+/// A list with a text for the empty state.
 class NamesList final : public QListWidget {
  public:
   QString emptyText;
@@ -29,8 +29,8 @@ class NamesList final : public QListWidget {
  protected:
   void focusInEvent(QFocusEvent* event) override {
     QListWidget::focusInEvent(event);
-    // The toolkit makes the first name the current one without selecting it: it would look chosen, and the arrow keys
-    // would go on from there, to no other name where it is the only one.
+    // The toolkit makes the first name current without selecting it: it would look selected, and the arrow keys would
+    // move on from it, nowhere where it is the only one.
     if (selectedItems().isEmpty()) selectionModel()->clearCurrentIndex();
   }
   void paintEvent(QPaintEvent* event) override {
@@ -69,7 +69,7 @@ frmFileList::frmFileList(QueryDialogContext context, QWidget* owner)
   connect(btCancel_, &QPushButton::clicked, this, &QDialog::reject);
   connect(this, &QDialog::rejected, this, [this] { btCancel_Click(); });
   auto* buttons = new QDialogButtonBox;
-  // Both in a role that closes nothing by itself: OK without a selection does nothing.
+  // Both in a role that does not close the dialog: OK without a selection does nothing.
   buttons->addButton(btOK_, QDialogButtonBox::ActionRole);
   buttons->addButton(btCancel_, QDialogButtonBox::ActionRole);
   ui::addButtons(*this, buttons);
@@ -89,7 +89,7 @@ void frmFileList::Form_Load() {
   if (!failure) return;
   const QString text = QString::number(failure->number()) + QStringLiteral(":Error in frmFileList.  Error Message: ") +
                        ui::describe(*failure, context_.language);
-  // When the dialog is to be seen: it is still on its way.
+  // Deferred until the dialog is visible.
   QMetaObject::invokeMethod(
       this,
       [this, text] {

@@ -31,7 +31,7 @@ class frmFileList final : public QDialog {
   QListWidget* List1_;
   QPushButton* btOK_;
   QPushButton* btCancel_;
-  /// As the system stores them; what the list shows of a name that is no text would open no file.
+  /// Names as the system stores them: the displayed text of a name that is not valid text would open no file.
   std::vector<std::string> names_;
   bool loaded_ = false;
 };

@@ -18,7 +18,7 @@ QTextBlockFormat pieceFormat(bool continues, bool isContinued) {
   return format;
 }
 
-/// As a part of the change that went before: it is undone with that.
+/// Joined with the previous edit, so that both are undone together.
 void setPieceFormat(const QTextBlock& block, bool continues, bool isContinued) {
   if (LinePieces::continues(block) == continues && LinePieces::isContinued(block) == isContinued) return;
   QTextCursor cursor(block);
@@ -28,12 +28,12 @@ void setPieceFormat(const QTextBlock& block, bool continues, bool isContinued) {
 }
 
 bool endsLine(QChar c) {
-  // The last two are the toolkit's own marks: it makes blocks of them.
+  // The last two are the toolkit's internal block separators.
   return c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QChar::LineSeparator ||
          c == QChar::ParagraphSeparator || c == QChar(0xFDD0) || c == QChar(0xFDD1);
 }
 
-/// The lines of a text; one more than it has ends.
+/// The lines of a text; one more than it has line ends.
 QList<QStringView> linesOf(QStringView text) {
   QList<QStringView> lines;
   qsizetype begin = 0;
@@ -54,7 +54,7 @@ LinePieces::LinePieces(QTextDocument& document) : QObject(&document), document_(
     changedFrom_ = position;
     changedTo_ = position + added;
   });
-  // Not before: the document must not be changed while it tells of a change.
+  // Not on contentsChange: the document must not be changed in that signal.
   connect(&document_, &QTextDocument::contentsChanged, this, &LinePieces::repair);
 }
 
@@ -70,7 +70,7 @@ int LinePieces::firstPiece(QStringView text) const {
   int length = std::min(pieceLength_, static_cast<int>(text.size()));
   for (int blank = length; blank > length / 2; --blank)
     if (text.at(blank - 1).isSpace()) return blank;
-  // A character of two units stays whole.
+  // Surrogate pairs are not split.
   if (length < text.size() && length > 1 && text.at(length - 1).isHighSurrogate()) --length;
   return length;
 }
@@ -129,7 +129,7 @@ QTextBlock LinePieces::blockOfLine(int line) const {
 
 void LinePieces::repair() {
   if (repairing_ || changedFrom_ < 0) return;
-  // What is undone comes back as it was. To change it would forget what can be redone.
+  // Undone text comes back as it was; a change here would clear the redo stack.
   if (document_.isRedoAvailable()) return;
   repairing_ = true;
   const int from = std::exchange(changedFrom_, -1);
@@ -142,13 +142,13 @@ void LinePieces::repair() {
 }
 
 void LinePieces::repairBoundaries(int from, int to) {
-  // A block that begins where the change began may have come there from behind it. The line end before it is the one
-  // that was there, and the block before it knows what that was.
+  // A block that begins at the change may have been moved there from behind it. The boundary before it is unchanged:
+  // the block before it tells what it was.
   const QTextBlock first = document_.findBlock(from);
   if (first.isValid() && first.position() == from)
     setPieceFormat(first, first.previous().isValid() && isContinued(first.previous()), isContinued(first));
-  // A block may have lost its end to one that came before it. The line end behind it is the one that was there, and the
-  // block behind it knows what that was.
+  // A block may have lost its end to the block before it. The boundary after it is unchanged: the next block tells what
+  // it was.
   for (QTextBlock block = first; block.isValid() && block.position() <= to; block = block.next())
     setPieceFormat(block, continues(block), block.next().isValid() && continues(block.next()));
 }
@@ -156,7 +156,7 @@ void LinePieces::repairBoundaries(int from, int to) {
 void LinePieces::joinEmptyPieces(int from) {
   QTextBlock block = document_.findBlock(from);
   if (!block.isValid() || block.length() > 1) return;
-  // The one before takes an empty piece in; the first of a line is taken in by the one behind.
+  // An empty piece is joined to the one before it; the first piece of a line to the one after it.
   if (continues(block)) {
     block = block.previous();
   } else if (!isContinued(block)) {

@@ -9,13 +9,11 @@ class QTextDocument;
 
 namespace korvel::query {
 
-/// Keeps lines that are too long to be laid out at once as several blocks of a document, their pieces: the toolkit lays
-/// out a block anew with each key. Nobody sees where pieces end: a new one begins where a line would be wrapped, and
-/// text() puts them together again.
-///
-/// Text comes into the document through insertText() and insertLineEnd(); whatever takes text away may be the
-/// toolkit's. Both a piece and the block that goes on with it are marked: what is removed may take one mark along, and
-/// the other tells then what has been meant.
+/// Stores very long lines as several blocks of a document, called pieces, because the toolkit lays out a whole block
+/// after each key. Pieces are invisible: a new one begins where the line would be wrapped, and text() joins them. Text
+/// is inserted through insertText() and insertLineEnd(); the toolkit itself may remove text. A block property on both
+/// sides of a boundary tells that the line continues: removing text may delete one of the two, and the other then tells
+/// what the boundary was.
 class LinePieces final : public QObject {
   Q_OBJECT
 
@@ -26,9 +24,9 @@ class LinePieces final : public QObject {
   /// Lines of up to twice as many characters are one block. For tests, whose lines are short.
   void setPieceLength(int characters) { pieceLength_ = characters; }
 
-  /// Whether a block goes on with the line of the block before it.
+  /// Whether a block continues the line of the block before it.
   [[nodiscard]] static bool continues(const QTextBlock& block);
-  /// Whether the line of a block goes on in the next one.
+  /// Whether the next block continues the line of this one.
   [[nodiscard]] static bool isContinued(const QTextBlock& block);
 
   /// Puts a text in the place of what is selected. A line ends at CR LF, CR, LF and Unicode's separators.
@@ -42,12 +40,12 @@ class LinePieces final : public QObject {
 
  private:
   void repair();
-  /// Gives the seams around what has changed the meaning that they had before.
+  /// Restores the properties of the boundaries around a change.
   void repairBoundaries(int from, int to);
   void joinEmptyPieces(int from);
   void splitLongBlocks(int from, int to);
   void insertLine(QTextCursor& cursor, QStringView line) const;
-  /// How much of a text that is too long for a block belongs to its first piece: up to a blank, if there is one.
+  /// Length of the first piece of a text that is too long for a block: up to a blank, if there is one.
   [[nodiscard]] int firstPiece(QStringView text) const;
 
   QTextDocument& document_;

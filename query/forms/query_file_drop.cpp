@@ -32,7 +32,7 @@ bool QueryFileDrop::eventFilter(QObject* watched, QEvent* event) {
       auto* drop = static_cast<QDropEvent*>(event);
       const auto path = draggedQueryFile(*drop->mimeData());
       if (!path || !drop->possibleActions().testFlag(Qt::CopyAction)) break;
-      // The file stays where it is, whatever the other program would like.
+      // Always a copy: the file must not be moved.
       drop->setDropAction(Qt::CopyAction);
       drop->accept();
       if (event->type() == QEvent::Drop) Q_EMIT dropped(*path);

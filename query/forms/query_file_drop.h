@@ -11,7 +11,7 @@ namespace korvel::query {
 /// The path of the query file that is being dragged; nothing where it is anything else, or more than one file.
 [[nodiscard]] std::optional<QString> draggedQueryFile(const QMimeData& data);
 
-/// Lets a query file be dropped on a widget and on those in it that do not want it themselves.
+/// Accepts a query file dropped on a widget or on its children that do not handle the drop themselves.
 class QueryFileDrop final : public QObject {
   Q_OBJECT
 

@@ -18,7 +18,7 @@
 namespace korvel::query {
 namespace {
 
-// Beyond this many lines or characters no partner is looked for: a text that long is no query that was typed.
+// The matching parenthesis is searched within this many lines and characters: typed queries are shorter.
 constexpr int farthestPartner = 2000;
 constexpr int farthestCharacters = 100'000;
 
@@ -38,8 +38,8 @@ bool isRunKey(const QKeyEvent& event) {
   return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) && modifiers == Qt::ControlModifier;
 }
 
-/// Also with Shift, for which the toolkit would put a separator that breaks a line without ending it: the server counts
-/// lines.
+/// Also with Shift, for which the toolkit would insert a separator that is no line end: error lines are counted by line
+/// ends.
 bool isEnter(const QKeyEvent& event) {
   return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) &&
          !event.modifiers().testFlag(Qt::ControlModifier);
@@ -50,7 +50,7 @@ bool isEnter(const QKeyEvent& event) {
 SqlEditor::SqlEditor(QWidget* parent)
     : QPlainTextEdit(parent), pieces_(new LinePieces(*document())), highlighter_(new SqlHighlighter(document())) {
   setObjectName(QStringLiteral("txtAdvancedQuery"));
-  // Nothing but the family: the size stays that of the elements around it.
+  // The family only: the size is inherited from the surrounding elements.
   QFont fixed;
   fixed.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
   fixed.setStyleHint(QFont::Monospace);
@@ -58,7 +58,7 @@ SqlEditor::SqlEditor(QWidget* parent)
   setTabChangesFocus(true);
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showHighlights(); });
-  // Colouring a text changes nothing of it, and does not come here.
+  // Not emitted for a change of formats, such as highlighting.
   connect(document(), &QTextDocument::contentsChange, this, [this] { errorLine_.reset(); });
   connect(this, &QPlainTextEdit::textChanged, this, [this] { showHighlights(); });
   applyStyle();
@@ -156,7 +156,7 @@ void SqlEditor::setTexts(const std::function<QString(std::string_view key)>& tex
 }
 
 bool SqlEditor::event(QEvent* event) {
-  // A window around it may have other plans for these keys.
+  // The host's window may have shortcuts for these keys.
   if (event->type() == QEvent::ShortcutOverride && isRunKey(*static_cast<QKeyEvent*>(event))) {
     event->accept();
     return true;
@@ -185,7 +185,7 @@ void SqlEditor::stepOverBoundary(const QKeyEvent& event) {
   const bool moves = event.key() == Qt::Key_Left || event.key() == Qt::Key_Right;
   const bool extends = moves && event.modifiers().testFlag(Qt::ShiftModifier);
   QTextCursor cursor = textCursor();
-  // What is selected is removed, or left, as a whole.
+  // A selection is removed as a whole.
   if (cursor.hasSelection() && !extends) return;
   const QTextBlock block = cursor.block();
   const bool atSeam = (back && cursor.atBlockStart() && LinePieces::continues(block)) ||
@@ -204,7 +204,7 @@ QMimeData* SqlEditor::createMimeDataFromSelection() const {
 }
 
 bool SqlEditor::canInsertFromMimeData(const QMimeData* source) const {
-  // A query file is opened by the page; its path is no text of a query.
+  // The page opens a dropped query file; its path must not become query text.
   return !draggedQueryFile(*source) && QPlainTextEdit::canInsertFromMimeData(source);
 }
 
@@ -218,7 +218,7 @@ void SqlEditor::removeSelected() {
 }
 
 void SqlEditor::contextMenuEvent(QContextMenuEvent* event) {
-  // The toolkit's own menu speaks the system's language, not the viewer's.
+  // The toolkit's own menu is in the system's language, not the viewer's.
   auto* menu = new QMenu(this);
   menu->setAttribute(Qt::WA_DeleteOnClose);
   const bool selected = textCursor().hasSelection();

@@ -20,13 +20,13 @@ class SqlEditor final : public QPlainTextEdit {
 
   /// The text, its lines ended by CR LF but for the last one.
   [[nodiscard]] QString queryText() const;
-  /// Replaces the text. A line ends at CR LF, CR or LF. A person can undo it.
+  /// Replaces the text. A line ends at CR LF, CR or LF. Can be undone.
   void setQueryText(const QString& text);
 
-  /// Marks the line that an error was found in, counted from 1, and shows it; the mark goes with the next edit.
-  /// A line that the text has not got is none.
+  /// Highlights the line of an error, counted from 1, and scrolls to it; the next edit removes the highlight. A line
+  /// outside of the text is none.
   void setErrorLine(std::optional<int> line);
-  /// The marked line, nothing where none is marked.
+  /// The highlighted line, nothing where there is none.
   [[nodiscard]] std::optional<int> errorLine() const { return errorLine_; }
 
   /// How lines that are too long to be laid out at once are kept. For tests, which set the length of pieces.
@@ -54,9 +54,9 @@ class SqlEditor final : public QPlainTextEdit {
   void applyStyle();
   void showHighlights();
   void removeSelected();
-  /// Between two pieces of a line there is nothing: the key is about what stands behind.
+  /// A boundary between two pieces is no character: the key applies to what follows it.
   void stepOverBoundary(const QKeyEvent& event);
-  /// Place of the parenthesis that belongs to the one at `place`; nothing where there is none near enough.
+  /// Position of the parenthesis that matches the one at `place`; nothing where there is none near enough.
   [[nodiscard]] std::optional<int> partnerOf(int place) const;
   /// Place of the parenthesis beside the cursor, the one before it first.
   [[nodiscard]] std::optional<int> parenthesisAtCursor() const;

@@ -9,7 +9,7 @@
 namespace korvel::query {
 namespace {
 
-/// Beyond every toNumber().
+/// A bit beyond every toNumber().
 constexpr int lineComment = 1 << 30;
 
 constexpr double readableContrast = 4.5;
@@ -52,7 +52,7 @@ std::vector<SqlToken> tokensOfBlock(const QString& text, bool continues, int& st
   state = toNumber(open);
   if (tokens.empty() || tokens.back().kind != SqlTokenKind::comment) return tokens;
   const SqlToken& last = tokens.back();
-  // What begins with two hyphens inside of another comment is that one's.
+  // Two hyphens inside of a block comment start no line comment.
   const bool ownComment = !(inComment && last.begin == 0);
   if (ownComment && line.substr(last.begin).starts_with(u"--")) state |= lineComment;
   return tokens;

@@ -29,8 +29,8 @@ struct SqlColours {
   [[nodiscard]] static SqlColours of(const ui::Theme& theme);
 };
 
-/// The tokens of a block, whose line began before it where it `continues` one. `state` is what the block before leaves
-/// open and becomes what this one does: toNumber(), and whether a comment to the end of the line goes on.
+/// The tokens of a block; `continues`: its line began in an earlier block. `state` is the state at the end of the
+/// previous block and becomes that of this one: toNumber(), and whether a comment to the end of the line is open.
 [[nodiscard]] std::vector<SqlToken> tokensOfBlock(const QString& text, bool continues, int& state);
 
 /// Colours the SQL of a document. The state of a block is that of tokensOfBlock().
@@ -40,7 +40,7 @@ class SqlHighlighter final : public QSyntaxHighlighter {
  public:
   explicit SqlHighlighter(QTextDocument* document) : QSyntaxHighlighter(document) {}
 
-  /// Colours everything anew.
+  /// Highlights the whole document again.
   void setColours(const SqlColours& colours);
 
  protected:
@@ -49,7 +49,7 @@ class SqlHighlighter final : public QSyntaxHighlighter {
  private:
   static constexpr std::size_t kindCount = static_cast<std::size_t>(SqlTokenKind::other) + 1;
 
-  /// By kind; what is written plainly has none.
+  /// By kind; empty for plain text.
   std::array<QTextCharFormat, kindCount> formats_;
 };
 

@@ -55,10 +55,11 @@ QPalette fromShades(const Shades& shades, const QColor& accent) {
   return palette;
 }
 
-/// What the toolkit, or a platform that has no opinion, takes for a highlight.
-constexpr std::array<QRgb, 5> toolkitDefaults{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent, darkShades.accent};
+/// Highlights that the toolkit, or a platform without one of its own, uses by default.
+constexpr std::array<QRgb, 5> toolkitDefaults{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent,
+                                              darkShades.accent};
 
-/// Applies the palette and applies it again when the system changes its mind. Lives as long as the application.
+/// Applies the palette, and applies it again when the system's appearance changes. Exists as long as the application.
 class PaletteKeeper : public QObject {
  public:
   explicit PaletteKeeper(QApplication& application)

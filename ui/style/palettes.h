@@ -12,8 +12,8 @@ namespace korvel::ui {
 
 [[nodiscard]] bool isDark(const QPalette& palette);
 
-/// The highlight of a palette where somebody chose it; invalid where it is merely what the toolkit falls back to, or
-/// is no colour at all (grey, black, white).
+/// The highlight of a palette where the user or desktop chose it; invalid where it is a default of the toolkit, or no
+/// colour at all (grey, black, white).
 [[nodiscard]] QColor chosenHighlight(const QPalette& palette);
 
 enum class Scheme { System, Light, Dark, Native };

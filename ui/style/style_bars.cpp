@@ -81,7 +81,7 @@ bool drawMenuItem(const Canvas& canvas) {
   }
   if (canvas.has(QStyle::State_Selected)) {
     const qreal inset = canvas.px(4);
-    // What cannot be used is still reached with the arrow keys: it shows where they are, more quietly.
+    // Disabled items are reached with the arrow keys too: they show the position in a weaker colour.
     drawRounded(canvas.painter, QRectF(rect).adjusted(inset, 1, -inset, -1), canvas.px(space::radius),
                 canvas.enabled() ? theme.selection : theme.hover);
   }

@@ -188,7 +188,7 @@ QSize ViewerStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
 QRect ViewerStyle::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const {
   if (option == nullptr) return QProxyStyle::subElementRect(element, option, widget);
   if (element == SE_TabWidgetTabContents) {
-    // The pages fill the frame: what lies on them keeps its own distance from it.
+    // The pages fill the frame: elements on them keep their own margins.
     const int inset = px(widget, 1);
     return proxy()->subElementRect(SE_TabWidgetTabPane, option, widget).adjusted(inset, inset, -inset, -inset);
   }
@@ -267,7 +267,7 @@ QRect ViewerStyle::subControlRect(ComplexControl control, const QStyleOptionComp
 
 void ViewerStyle::polish(QWidget* widget) {
   QProxyStyle::polish(widget);
-  // What shows that the pointer is over it must hear of the pointer.
+  // Elements with a hover effect need hover events.
   if (qobject_cast<QAbstractButton*>(widget) != nullptr || qobject_cast<QComboBox*>(widget) != nullptr ||
       qobject_cast<QScrollBar*>(widget) != nullptr || qobject_cast<QLineEdit*>(widget) != nullptr) {
     widget->setAttribute(Qt::WA_Hover, true);

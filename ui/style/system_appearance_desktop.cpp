@@ -1,4 +1,4 @@
-// Where the toolkit's palette says all that the desktop has to say.
+// Desktops where the toolkit's palette tells everything.
 #include "ui/style/palettes.h"
 #include "ui/style/system_appearance.h"
 

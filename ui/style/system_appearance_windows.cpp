@@ -1,4 +1,4 @@
-// What Windows tells beside its colours: a scheme of strong contrast, and whether applications are to be dark.
+// What Windows prescribes beside its colours: a scheme of strong contrast, and whether applications are to be dark.
 #include <windows.h>
 
 #include "ui/style/palettes.h"
@@ -14,7 +14,7 @@ bool isHighContrast() {
          (scheme.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-/// Versions that know no dark windows have no such value.
+/// Versions without dark windows have no such value.
 std::optional<bool> isDark() {
   DWORD light = 0;
   DWORD size = sizeof(light);
@@ -29,7 +29,7 @@ std::optional<bool> isDark() {
 SystemAppearance readSystemAppearance() {
   const Scheme scheme = requestedScheme();
   const std::optional<bool> dark = isDark();
-  // The toolkit's Windows style is never dark; who wants dark windows gets ours.
+  // The toolkit's Windows style is never dark: dark windows use our style.
   const bool native = scheme == Scheme::Native || (scheme == Scheme::System && dark != true);
   return {isHighContrast(), dark, native};
 }

@@ -62,7 +62,7 @@ QColor fillOf(const QColor& accent) {
   return fill;
 }
 
-/// The palette's colours as they are: who chose them needs them.
+/// The palette's colours unchanged: users of strong contrast need them.
 Theme plain(const QPalette& palette) {
   const auto color = [&](QPalette::ColorRole role) { return opaque(palette.color(QPalette::Active, role)); };
   Theme theme;
@@ -106,7 +106,7 @@ Theme derive(const QPalette& palette) {
   theme.text = contrasting(wantedText, end, readable,
                            {theme.window, theme.surface, theme.header, theme.selection, theme.pressed});
   theme.onSelection = theme.text;
-  // Nothing is written in the accent: marks need the contrast of marks, and the blue stays the blue.
+  // No text is in the accent colour: the contrast of symbols suffices, so the blue is kept.
   theme.accent =
       contrasting(wantedAccent, end, visible + 0.15, {theme.window, theme.surface, theme.header, theme.selection});
   theme.muted = contrasting(mixed(theme.text, theme.surface, theme.dark ? 0.38 : 0.28), theme.text, readable + 0.2,
@@ -143,8 +143,8 @@ const Theme& Theme::of(const QPalette& palette) {
     bool highContrast = false;
     Theme theme;
   };
-  // Palettes are told apart by their cache key; a painted window has a handful of them. References stay good until the
-  // slot comes round again, far longer than a paint call.
+  // Palettes are identified by their cache key; a painted window has a handful of them. References stay valid until
+  // their slot is reused, far longer than a paint call.
   static std::array<Entry, 32> entries;
   static std::size_t next = 0;
   const qint64 key = palette.cacheKey();

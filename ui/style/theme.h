@@ -8,10 +8,10 @@ class QWidget;
 
 namespace korvel::ui {
 
-/// The colours of the window. All of them follow from a palette, so that the control looks at home wherever it is
-/// embedded, by day and by night. Every text colour keeps a contrast of at least 4.5:1 to the grounds it is used on,
-/// `disabled` at least 3:1; so do the marks that tell something (tick, page marker, an empty check box, focus).
-/// While the system has a scheme of strong contrast on, they are the palette's own colours, none of them a tint.
+/// The colours of the window. All of them are derived from a palette, so that the control fits its host, light or dark.
+/// Every text colour keeps a contrast of at least 4.5:1 to the grounds it is used on, `disabled` at least 3:1; so do
+/// the marks that tell something (tick, page marker, an empty check box, focus). While the system has a scheme of
+/// strong contrast on, they are the palette's own colours, none of them a tint.
 struct Theme {
   bool dark = false;
 

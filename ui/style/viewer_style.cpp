@@ -58,8 +58,8 @@ QStyle& sharedStyle() {
   return *style;
 }
 
-/// Hands the style on to widgets as they become part of the subtree: Qt itself lets children keep the application's.
-/// While the system's own look is wanted, or it has a scheme of strong contrast on, that is what they keep.
+/// Sets the style on widgets as they join the subtree: Qt itself lets children keep the application's style. They keep
+/// that one while the platform's own style or a scheme of strong contrast is in use.
 class StyleScope : public QObject {
  public:
   explicit StyleScope(QWidget& root) : QObject(&root), root_(root) { take(root); }
@@ -86,7 +86,7 @@ class StyleScope : public QObject {
     }
   }
 
-  /// No scheme of contrast comes or goes without a change of colours.
+  /// A scheme of contrast cannot change without a change of colours.
   void followSystem() {
     refreshSystemAppearance();
     if (systemAppearance().keepsPlatform() == platform_) return;

@@ -44,8 +44,8 @@ class ViewerStyle : public QProxyStyle {
 
 /// Gives `root` and everything below it, now and later (dialogs and menus that are its children included), the
 /// viewer's style. Nothing outside of the subtree changes. Call it once, first thing in the constructor of the root;
-/// also for a dialog without a parent. It follows changes of palette, font and screen by itself,
-/// and steps aside for the application's style while the system has a scheme of strong contrast on.
+/// also for a dialog without a parent. It follows changes of palette, font and screen by itself, and uses the
+/// application's style while the system has a scheme of strong contrast on.
 void applyStyle(QWidget& root);
 
 }  // namespace korvel::ui
