@@ -21,7 +21,7 @@ static void loadDrawings() {
 namespace korvel::ui {
 namespace {
 
-constexpr std::array<IconFile, 44> files{{
+constexpr std::array<IconFile, 37> files{{
     {IconName::Select, "select"},
     {IconName::Info, "info"},
     {IconName::Query, "query"},
@@ -32,25 +32,18 @@ constexpr std::array<IconFile, 44> files{{
     {IconName::Columns, "columns"},
     {IconName::SideTools, "sidetools"},
     {IconName::Print, "print"},
-    {IconName::PrintPreview, "printpreview"},
     {IconName::PageSetup, "pagesetup"},
     {IconName::DateRange, "daterange"},
     {IconName::ClearDate, "cleardate"},
     {IconName::Font, "font"},
     {IconName::Language, "language"},
-    {IconName::Key, "key"},
-    {IconName::Help, "help"},
     {IconName::About, "about"},
     {IconName::Exit, "exit"},
     {IconName::Open, "open"},
     {IconName::Save, "save"},
-    {IconName::SaveAs, "saveas"},
     {IconName::Fields, "fields"},
     {IconName::Copy, "copy"},
-    {IconName::Find, "find"},
-    {IconName::Refresh, "refresh"},
     {IconName::Server, "server"},
-    {IconName::Folder, "folder"},
     {IconName::ZoomIn, "zoomin"},
     {IconName::ZoomOut, "zoomout"},
     {IconName::FitWidth, "fitwidth"},
