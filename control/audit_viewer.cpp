@@ -120,7 +120,7 @@ QSize AuditViewer::sizeHint() const {
   return members_->surface.preferredSize();
 }
 QSize AuditViewer::minimumSizeHint() const {
-  return members_->surface.smallestSize(members_->sideTools.applied());
+  return members_->surface.minimumSize(members_->sideTools.applied());
 }
 
 void AuditViewer::SelectALL() {

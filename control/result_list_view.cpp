@@ -20,7 +20,7 @@ namespace {
 constexpr qint64 typingPause = 1000;
 
 /// Views search the ranges of a selection for every cell that they paint.
-constexpr std::size_t mostPieces = 2000;
+constexpr std::size_t maxRanges = 2000;
 
 /// Keeps the horizontal scroll position while it exists.
 class HorizontalScrollLock {
@@ -173,7 +173,7 @@ void ResultListView::restoreSelection() {
   const std::vector<RowSpan> spans = saved_.rowsIn(model_.list());
   const std::size_t count = saved_.count();
   saved_ = {};
-  if (spans.size() > mostPieces) {
+  if (spans.size() > maxRanges) {
     Q_EMIT noticed(ownText("list.selectionScattered").arg(countText(count)));
     return;
   }

@@ -238,7 +238,7 @@ QSize Surface::preferredSize() const {
   return {ui::px(&owner_, 1280), ui::px(&owner_, 800)};
 }
 
-QSize Surface::smallestSize(bool viewSideTools) const {
+QSize Surface::minimumSize(bool viewSideTools) const {
   constexpr int pagesWidth = 320;
   constexpr int pagesHeight = 200;
   const int barsHeight = menuHeight() + toolbarHeight() + StatusBar1->sizeHint().height() + ui::px(&owner_, 24);

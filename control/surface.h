@@ -44,7 +44,7 @@ class Surface {
   [[nodiscard]] ResultListView& currentList() const;
   [[nodiscard]] QSize preferredSize() const;
   /// The least size at which everything that is shown can be reached.
-  [[nodiscard]] QSize smallestSize(bool viewSideTools) const;
+  [[nodiscard]] QSize minimumSize(bool viewSideTools) const;
 
   // Command surfaces.
   CommandMenuBar* SmartMenu = nullptr;

@@ -73,7 +73,7 @@ void IconRow::add(QAbstractButton* button) {
 namespace {
 
 /// The width at which the button's text is not cut, without the margin that the style adds.
-int leastWidth(const QWidget& button) {
+int minWidth(const QWidget& button) {
   const QSize hint = button.sizeHint();
   QStyleOptionButton option;
   option.initFrom(&button);
@@ -117,7 +117,7 @@ void TextRow::arrange() {
   for (int i = 0; i < layout_->count(); ++i) {
     const QWidget* button = layout_->itemAt(i)->widget();
     if (button == nullptr || button->isHidden()) continue;
-    widest = std::max(widest, leastWidth(*button));
+    widest = std::max(widest, minWidth(*button));
     ++shown;
   }
   const bool fits = widest * shown + layout_->spacing() * (shown - 1) <= width();

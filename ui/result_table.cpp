@@ -163,9 +163,9 @@ void ResultTable::setEmptyText(const QString& text) {
 void ResultTable::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
   // It may contain a server's message: plain text, as much as fits.
-  constexpr qsizetype mostCharacters = 2000;
+  constexpr qsizetype maxCharacters = 2000;
   if (model() == nullptr || model()->rowCount(rootIndex()) == 0)
-    paintEmptyMessage(*this, visibleFormats(emptyText_.left(mostCharacters)));
+    paintEmptyMessage(*this, visibleFormats(emptyText_.left(maxCharacters)));
 }
 
 void ResultTable::changeEvent(QEvent* event) {

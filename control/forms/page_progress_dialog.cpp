@@ -11,7 +11,7 @@
 namespace korvel::control {
 namespace {
 
-constexpr int leastWidth = 360;
+constexpr int minWidth = 360;
 
 }  // namespace
 
@@ -21,7 +21,7 @@ PageProgressDialog::PageProgressDialog(QWidget& owner, std::chrono::milliseconds
   window_->setWindowModality(Qt::ApplicationModal);
   window_->setWindowTitle(QStringLiteral("KorvelAudit Viewer"));
   ui::applyStyle(*window_);
-  window_->setMinimumWidth(ui::px(window_, leastWidth));
+  window_->setMinimumWidth(ui::px(window_, minWidth));
   // Shown by show() below: the toolkit's dialog never shows itself while the value stays the same, as it does while
   // pages are counted.
   window_->setMinimumDuration(std::numeric_limits<int>::max());

@@ -27,9 +27,9 @@ using results::RowPosition;
 
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 620;
-constexpr int mostLines = 6;
-constexpr int leastLinesOfChange = 3;
-constexpr int mostLinesOfChange = 12;
+constexpr int maxLines = 6;
+constexpr int minLinesOfChange = 3;
+constexpr int maxLinesOfChange = 12;
 
 // The keys, beside the marked letters of the buttons.
 const QKeySequence nextKey(Qt::CTRL | Qt::Key_PageDown);
@@ -155,8 +155,8 @@ RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
   field.label = new QLabel(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
   field.label->setTextFormat(Qt::PlainText);
   ui::setMuted(*field.label);
-  field.value = framed ? new ValueField(ValueField::Frame::always, leastLinesOfChange, mostLinesOfChange)
-                       : new ValueField(ValueField::Frame::none, 1, mostLines);
+  field.value = framed ? new ValueField(ValueField::Frame::always, minLinesOfChange, maxLinesOfChange)
+                       : new ValueField(ValueField::Frame::none, 1, maxLines);
   field.value->setAccessibleName(caption);
   setMenuTexts(*field.value);
   field.value->setObjectName(QStringLiteral("value%1").arg(fields_.size()));

@@ -29,8 +29,8 @@ constexpr int firstWidth = 1040;
 constexpr int firstHeight = 760;
 constexpr int sheetWidth = 110;
 constexpr qreal pointsPerInch = 72;
-constexpr int leastPercent = 20;
-constexpr int mostPercent = 400;
+constexpr int minPercent = 20;
+constexpr int maxPercent = 400;
 constexpr qreal zoomStep = 1.25;
 constexpr int percent = 100;
 
@@ -185,7 +185,7 @@ void ReportPreview::setZoom(Zoom zoom) {
 
 void ReportPreview::setZoomPercent(int wanted) {
   zoom_ = Zoom::fixed;
-  fixedDotsPerInch_ = std::clamp(wanted, leastPercent, mostPercent) * logicalDpiX() / static_cast<qreal>(percent);
+  fixedDotsPerInch_ = std::clamp(wanted, minPercent, maxPercent) * logicalDpiX() / static_cast<qreal>(percent);
   drawPage();
 }
 
@@ -202,7 +202,7 @@ qreal ReportPreview::dotsPerInch() const {
   const qreal byWidth = room.width() * pointsPerInch / page.width();
   const qreal byHeight = room.height() * pointsPerInch / page.height();
   const qreal wanted = zoom_ == Zoom::fitWidth ? byWidth : std::min(byWidth, byHeight);
-  return std::max(wanted, leastPercent * logicalDpiX() / static_cast<qreal>(percent));
+  return std::max(wanted, minPercent * logicalDpiX() / static_cast<qreal>(percent));
 }
 
 void ReportPreview::drawPage() {

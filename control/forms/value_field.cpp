@@ -12,8 +12,8 @@
 
 namespace korvel::control {
 
-ValueField::ValueField(Frame frame, int leastLines, int mostLines, QWidget* parent)
-    : QPlainTextEdit(parent), leastLines_(leastLines), mostLines_(mostLines) {
+ValueField::ValueField(Frame frame, int minLines, int maxLines, QWidget* parent)
+    : QPlainTextEdit(parent), minLines_(minLines), maxLines_(maxLines) {
   setReadOnly(true);
   setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   setTabChangesFocus(true);
@@ -50,7 +50,7 @@ QSize ValueField::minimumSizeHint() const {
 /// Lines that the text takes at this width; counted only as far as they matter.
 int ValueField::lines() const {
   int count = 0;
-  for (QTextBlock block = document()->begin(); block.isValid() && count <= mostLines_; block = block.next()) {
+  for (QTextBlock block = document()->begin(); block.isValid() && count <= maxLines_; block = block.next()) {
     document()->documentLayout()->blockBoundingRect(block);  // lays the block out
     count += std::max(1, block.layout()->lineCount());
   }
@@ -64,8 +64,8 @@ int ValueField::heightOf(int lines) const {
 
 void ValueField::fitHeight() {
   const int needed = lines();
-  setVerticalScrollBarPolicy(needed > mostLines_ ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-  setFixedHeight(heightOf(std::clamp(needed, leastLines_, mostLines_)));
+  setVerticalScrollBarPolicy(needed > maxLines_ ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+  setFixedHeight(heightOf(std::clamp(needed, minLines_, maxLines_)));
 }
 
 void ValueField::resizeEvent(QResizeEvent* event) {

@@ -12,7 +12,7 @@ class ValueField final : public QPlainTextEdit {
  public:
   enum class Frame { none, always };
 
-  ValueField(Frame frame, int leastLines, int mostLines, QWidget* parent = nullptr);
+  ValueField(Frame frame, int minLines, int maxLines, QWidget* parent = nullptr);
 
   /// Shows `value`, of a very long one its beginning only: see isCut(). `placeholder` is shown in grey for a value
   /// without text.
@@ -40,8 +40,8 @@ class ValueField final : public QPlainTextEdit {
   [[nodiscard]] int heightOf(int lines) const;
   void fitHeight();
 
-  int leastLines_;
-  int mostLines_;
+  int minLines_;
+  int maxLines_;
   QString value_;
   QString copyText_;
   QString selectAllText_;

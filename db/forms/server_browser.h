@@ -86,9 +86,9 @@ class frmSQLServerBrowser final : public QDialog {
   void imgSplitterV_MouseUp();
   [[nodiscard]] int withinLimits(int x) const;
   /// The header of the list and one row of it.
-  [[nodiscard]] int leastListHeight() const;
+  [[nodiscard]] int minListHeight() const;
   /// Height of the pane on the right for all its elements, the explaining text included.
-  [[nodiscard]] int leastPaneHeight(int width) const;
+  [[nodiscard]] int minPaneHeight(int width) const;
 
   /// A new server object in the place of the one before.
   void openServerObject();
@@ -131,7 +131,7 @@ class frmSQLServerBrowser final : public QDialog {
   bool loaded_ = false;
   bool dragging_ = false;
   /// How often the window was enlarged since its size was last large enough.
-  int snaps_ = 0;
+  int enlargements_ = 0;
   bool listing_ = false;
 };
 

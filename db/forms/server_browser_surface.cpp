@@ -21,8 +21,8 @@ namespace {
 
 using ui::ScreenMeasure;
 
-constexpr Twips smallestWidth{5000};
-constexpr Twips smallestHeight{3000};
+constexpr Twips minWidth{5000};
+constexpr Twips minHeight{3000};
 /// From either edge.
 constexpr Twips splitterLimit{500};
 constexpr Twips feedbackWidth{40};
@@ -30,7 +30,7 @@ constexpr Twips feedbackShorter{20};
 constexpr Twips firstSplitter{3600};
 constexpr Twips nameColumn{2900};
 /// How often the window is enlarged again where the window system makes it too small.
-constexpr int mostSnaps = 3;
+constexpr int maxEnlargements = 3;
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 460;
 
@@ -123,7 +123,7 @@ void frmSQLServerBrowser::buildRightPane() {
   lvListView_->header()->setSectionsClickable(false);
   lvListView_->header()->setStretchLastSection(true);
   // Its own minimum height does not fit into the smallest window.
-  lvListView_->setMinimumHeight(leastListHeight());
+  lvListView_->setMinimumHeight(minListHeight());
   lvListView_->setColumnWidth(0, ScreenMeasure(*this).horizontal(nameColumn));
   lvListView_->installEventFilter(this);
   connect(lvListView_, &QTableView::doubleClicked, this, [this] { cmdOK_Click(); });
@@ -170,7 +170,7 @@ void frmSQLServerBrowser::buildFoot() {
 
 void frmSQLServerBrowser::resizeEvent(QResizeEvent* event) {
   QDialog::resizeEvent(event);
-  if (event->spontaneous() && size() == size().expandedTo(minimumSize())) snaps_ = 0;
+  if (event->spontaneous() && size() == size().expandedTo(minimumSize())) enlargements_ = 0;
   Form_Resize();
 }
 
@@ -178,11 +178,11 @@ void frmSQLServerBrowser::Form_Resize() {
   if (isMinimized()) return;
   const ScreenMeasure measure(*this);
   // Asks the window system for no smaller size.
-  setMinimumSize(measure.horizontal(smallestWidth), measure.vertical(smallestHeight));
+  setMinimumSize(measure.horizontal(minWidth), measure.vertical(minHeight));
   // Some set one all the same. The new size leads to another call of this function.
   const QSize raised = size().expandedTo(minimumSize());
-  if (size() != raised && snaps_ < mostSnaps) {
-    ++snaps_;
+  if (size() != raised && enlargements_ < maxEnlargements) {
+    ++enlargements_;
     resize(raised);
     return;
   }
@@ -193,12 +193,12 @@ void frmSQLServerBrowser::Form_Resize() {
   splitter_ = chosen;
 }
 
-int frmSQLServerBrowser::leastListHeight() const {
+int frmSQLServerBrowser::minListHeight() const {
   return lvListView_->header()->sizeHint().height() + lvListView_->verticalHeader()->defaultSectionSize() +
          2 * lvListView_->frameWidth();
 }
 
-int frmSQLServerBrowser::leastPaneHeight(int width) const {
+int frmSQLServerBrowser::minPaneHeight(int width) const {
   const int lines = ServerLocation_[0]->sizeHint().height() + txtServer_->sizeHint().height();
   return lblInfo_->heightForWidth(width) + lines + lvListView_->minimumHeight() + 3 * ui::px(this, ui::space::between);
 }
@@ -223,7 +223,7 @@ void frmSQLServerBrowser::SizeControls(Twips x) {
   const int paneWidth = std::max(0, width() - around - right);
   const int roomyHeight = footTop - 2 * around;
   // Where not everything fits, the explaining text and the scroll bar are hidden, and margins are smaller.
-  const bool fits = leastPaneHeight(paneWidth) <= roomyHeight;
+  const bool fits = minPaneHeight(paneWidth) <= roomyHeight;
   const int close = ui::px(this, ui::space::inGroup);
   const int paneHeight = std::max(0, fits ? roomyHeight : footTop - around - close);
   lblInfo_->setVisible(fits);

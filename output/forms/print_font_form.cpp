@@ -20,7 +20,7 @@
 namespace korvel::output {
 namespace {
 
-constexpr int leastWidth = 320;
+constexpr int minWidth = 320;
 
 /// The size of a font in points, to four fractional digits, also where it was given in pixels.
 double pointsOf(const QFont& font) {
@@ -85,7 +85,7 @@ frmPrintFont::frmPrintFont(PrintFontContext context, QWidget* owner)
   ui::addButtons(*this, buttons);
   btClose_->setDefault(true);
   btClose_->setFocus();
-  setMinimumWidth(ui::px(this, leastWidth));
+  setMinimumWidth(ui::px(this, minWidth));
   Form_Activate();
 }
 
