@@ -1,6 +1,5 @@
 #include "control/answer_status.h"
 
-#include <QStringList>
 #include <utility>
 
 #include "control/surface.h"
@@ -41,6 +40,13 @@ QString AnswerStatus::alarmRemark() const {
                                                                                 : QString();
 }
 
+QString AnswerStatus::remark() const {
+  QStringList sentences;
+  if (const QString alarms = alarmRemark(); !alarms.isEmpty()) sentences.append(alarms);
+  if (surface_.currentTab() != query::customList) sentences.append(standardAnswer_.completion.mid(0, 1));
+  return sentences.join(QStringLiteral(". "));
+}
+
 /// A cut-off answer looks complete and an outdated one current: the status panel says so until the next query.
 QString AnswerStatus::restingText() const {
   QStringList sentences;
@@ -50,8 +56,9 @@ QString AnswerStatus::restingText() const {
   say(notice_);
   if (isOutOfDate()) say(ownText("status.outOfDate"));
   say(alarmRemark());
+  if (surface_.currentTab() != query::customList) sentences.append(standardAnswer_.completion);
   // Another range would change nothing about alarm rows of all dates.
-  if (standardAnswer_.rowLimitReached)
+  if (standardAnswer_.rowLimitReached && standardAnswer_.completion.isEmpty())
     say(ownText(standardAnswer_.alarmsOfAllDates ? "status.rowLimitOfFilter" : "status.rowLimit"));
   return sentences.join(QStringLiteral(". "));
 }
@@ -67,6 +74,7 @@ void AnswerStatus::showNotice(const QString& notice) {
 }
 
 void AnswerStatus::followRestingText() {
+  surface_.StatusBar1->offerLoadAll(standardAnswer_.rowLimitReached && surface_.currentTab() != query::customList);
   // The progress of a query and the help of a command stay until they end; the resting text is computed again then.
   if (surface_.StatusBar1->status() == shownRestingText_) showRestingText();
 }
@@ -93,6 +101,7 @@ QString AnswerStatus::emptyText(const ShownAnswer& answer, bool custom) const {
 }
 
 void AnswerStatus::showEmptyTexts() {
+  surface_.StatusBar1->nameLoadAll();
   for (std::size_t page = 0; page < surface_.lvListView.size(); ++page) {
     const bool custom = page == query::customList;
     surface_.lvListView.at(page)->setEmptyText(emptyText(custom ? customAnswer_ : standardAnswer_, custom));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <string>
 
 #include "query/filter_tree.h"
@@ -25,6 +26,9 @@ struct ShownAnswer {
   bool alarmsOfAllDates = false;
   /// A result set came with as many rows as the procedure returns at most.
   bool rowLimitReached = false;
+  /// What is said of an answer of which all was loaded, in the language of that time: whether it is complete, of how
+  /// many records, and then what is missing. Empty for any other answer.
+  QStringList completion = {};
 
   /// Whether the lists show what was asked, also where that is nothing.
   [[nodiscard]] bool isAnswer() const noexcept {
@@ -60,15 +64,18 @@ class AnswerStatus {
 
   /// What the status panel says while nothing goes on and no command is highlighted.
   void showRestingText();
-  /// Brings the resting text up to date where the panel shows it.
+  /// Brings the resting text up to date where the panel shows it, and offers to load all where an answer was cut.
   void followRestingText();
-  /// What empty lists say in the place of records.
+  /// What empty lists say in the place of records; captions of what the status bar offers.
   void showEmptyTexts();
 
   /// What the standard query would ask at present.
   [[nodiscard]] std::string standardQuestion() const;
-  /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
-  [[nodiscard]] QString alarmRemark() const;
+  /// What pages say of the list in front: that it shows alarm rows of all dates, and whether it is complete. Empty
+  /// where there is nothing to say.
+  [[nodiscard]] QString remark() const;
+  /// What is known of the answer that the standard lists show.
+  [[nodiscard]] const ShownAnswer& standardAnswer() const noexcept { return standardAnswer_; }
 
  private:
   [[nodiscard]] ShownAnswer& answerOf(AnswerLists lists) noexcept;
@@ -77,6 +84,8 @@ class AnswerStatus {
   /// Whether the current page shows the answer to another question than the present one.
   [[nodiscard]] bool isOutOfDate() const;
   [[nodiscard]] QString restingText() const;
+  /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
+  [[nodiscard]] QString alarmRemark() const;
   [[nodiscard]] QString emptyText(const ShownAnswer& answer, bool custom) const;
 
   Surface& surface_;

@@ -13,6 +13,7 @@
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
 #include "query/alarm_dates.h"
+#include "query/complete_query.h"
 #include "query/custom_query.h"
 #include "query/newest_day.h"
 #include "ui/query_watch.h"
@@ -64,6 +65,7 @@ AuditQueries::AuditQueries(AuditViewer& viewer, const MessageBoxes& messages, Su
       filterTree_(filterTree) {
   messages_.onClick(surface_.btQuery, "btQuery_Click", [this] { btQuery_Click(); });
   messages_.onClick(surface_.btClear, "btClear_Click", [this] { btClear_Click(); });
+  messages_.onClick(surface_.StatusBar1->LoadAll, "LoadAll", [this] { LoadAll(); });
 }
 
 void AuditQueries::btQuery_Click() {
@@ -96,8 +98,6 @@ void AuditQueries::btClear_Click() {
 void AuditQueries::TriggerQuery() {
   constexpr int noCriteria = 10060;
   constexpr int noRecords = 10061;
-  using Change = ResultListModel::RowsChange;
-
   // A call that was queued while a query runs would run nested in it.
   if (libraryState().queryRunning) return;
   const QPointer<AuditViewer> alive(&viewer_);
@@ -113,12 +113,9 @@ void AuditQueries::TriggerQuery() {
   const query::CategoryFlags flags = filterTree_.flags();
   ShownAnswer answer{.question = answers_.standardQuestion(),
                      .connectionString = libraryState().connection.ConnectionString};
-  const auto changeLists = [&](const auto& change) {
-    std::array<std::optional<Change>, query::standardListCount> changes;
-    for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface_.models.at(i));
-    change();
-  };
-  changeLists([&] { query::clearStandardLists(lists_); });
+  askedTree_ = filterTree_;
+  askedRange_ = range;
+  changeStandardLists([&] { query::clearStandardLists(lists_); });
   DisplayNoOfRecords();
   query::StandardAnswer whole;
   const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
@@ -132,7 +129,7 @@ void AuditQueries::TriggerQuery() {
   const bool customPage = surface_.currentTab() == query::customList;
   // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
   const std::size_t sorted = customPage ? query::listCount : surface_.currentTab();
-  changeLists([&] { report = whole.fill(lists_, sorted); });
+  changeStandardLists([&] { report = whole.fill(lists_, sorted); });
   if (customPage && report.outcome == query::QueryOutcome::filled)
     skipFailing([&] { surface_.models.at(query::customList)->sortRows(); });
   for (ResultListView* list : surface_.lvListView) list->showSortIcon();
@@ -164,6 +161,73 @@ void AuditQueries::TriggerQuery() {
       answers_.setAnswer(AnswerLists::standard, std::move(answer));
       break;
   }
+}
+
+void AuditQueries::LoadAll() {
+  if (libraryState().queryRunning || !answers_.standardAnswer().rowLimitReached) return;
+  const QPointer<AuditViewer> alive(&viewer_);
+  setLastFailure({});
+  if (!alive) return;
+  answers_.clearNotice();
+  const std::shared_ptr<ControlServices> services = platform().services;
+  ShownAnswer answer = answers_.standardAnswer();
+  const query::FilterTree tree = askedTree_;
+  const query::DateRange range = askedRange_;
+  query::CompleteAnswer whole;
+  AnswerUse use = AnswerUse::outdated;
+  {
+    const ui::BusyPointer busy(*services);
+    use = runWatched([&](const db::Attendance& goOn) {
+      const auto attendance = [&](const query::CompletionProgress& progress) {
+        if (alive)
+          surface_.StatusBar1->setStatus(
+              ownText("complete.progress").arg(ui::countText(progress.rows), ui::countText(progress.slices)));
+        return goOn();
+      };
+      whole = query::completeStandardQuestion({tree, range, answer.connectionString}, platform().connect, attendance,
+                                              platform().queryEnvironment);
+    });
+  }
+  if (use == AnswerUse::controlIsGone) return;
+  const auto atEnd = qScopeGuard([&] {
+    if (alive) answers_.showRestingText();
+  });
+  if (use == AnswerUse::outdated) return;
+  const int selection = answers_.selections();
+  if (whole.report().outcome == query::QueryOutcome::stopped) {
+    const bool kept =
+        whole.rowCount() > 0 &&
+        services->confirm(&viewer_, messageTitle(), ownText("complete.keep").arg(ui::countText(whole.rowCount())));
+    // While the question was open, the answer may have become that of another database, or of another question.
+    if (!alive || answers_.selections() != selection || libraryState().queryRunning ||
+        answers_.standardAnswer().question != answer.question || !kept)
+      return;
+  }
+  const bool customPage = surface_.currentTab() == query::customList;
+  query::CompletionReport report;
+  changeStandardLists([&] { report = whole.fill(lists_, customPage ? query::listCount : surface_.currentTab()); });
+  for (ResultListView* list : surface_.lvListView) list->showSortIcon();
+  DisplayNoOfRecords();
+  if (report.outcome == query::QueryOutcome::filled) {
+    // What was stopped may be begun again.
+    answer.rowLimitReached = report.endedEarly;
+    answer.completion.clear();
+    for (const std::string& text :
+         query::completionTexts(report, lists_[0].rowCount(), libraryState().language,
+                                [](std::size_t count) { return ui::countText(count).toStdString(); }))
+      answer.completion.append(fromUtf8(text));
+    answers_.setAnswer(AnswerLists::standard, std::move(answer));
+    return;
+  }
+  const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
+  answers_.showNotice(ownText("complete.failed").arg(failureText(failure)));
+  queryFailed(failure);
+}
+
+void AuditQueries::changeStandardLists(const std::function<void()>& change) {
+  std::array<std::optional<ResultListModel::RowsChange>, query::standardListCount> changes;
+  for (std::size_t i = 0; i < changes.size(); ++i) changes.at(i).emplace(*surface_.models.at(i));
+  change();
 }
 
 void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {

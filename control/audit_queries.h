@@ -41,6 +41,10 @@ class AuditQueries {
   /// Both do nothing while a query runs.
   void TriggerQuery();
   void TriggerAdvancedQuery(const QString& QueryString);
+  /// Loads what the procedure's limit has cut from the answer that the standard lists show. Nothing while that is
+  /// whole, or a query runs. The lists keep their rows until all have come; Esc stops, and the user says whether to
+  /// keep what has come.
+  void LoadAll();
   void DisplayNoOfRecords();
   void btQuery_Click();
   void btClear_Click();
@@ -63,6 +67,8 @@ class AuditQueries {
   /// be gone afterwards.
   [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::Attendance& goOn)>& ask);
   void setLastFailure(LastFailure failure);
+  /// Runs `change` while the models of the standard lists know that their rows change.
+  void changeStandardLists(const std::function<void()>& change);
   /// Tells the host of a query that failed; the control may be gone afterwards.
   void queryFailed(const Error& failure);
 
@@ -73,6 +79,9 @@ class AuditQueries {
   query::ResultLists& lists_;
   const query::FilterTree& filterTree_;
   LastFailure lastFailure_;
+  /// What the standard lists show the answer to.
+  query::FilterTree askedTree_;
+  query::DateRange askedRange_;
 };
 
 }  // namespace korvel::control

@@ -165,7 +165,7 @@ void ListOutputs::writeReport() {
       notes = output::writeListReport({caption, &surface_.currentList().listModel().list()}, libraryState().printFont,
                                       file);
     }
-    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), answers_.alarmRemark());
+    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), answers_.remark());
   } catch (...) {
     // There is nothing to print: the next report must not find the flags of this one.
     libraryState().pendingReport = {};

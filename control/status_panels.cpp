@@ -3,8 +3,11 @@
 #include <QLabel>
 #include <QLayout>
 #include <QProgressBar>
+#include <QPushButton>
 
 #include "control/elided_label.h"
+#include "control/texts.h"
+#include "ui/buttons.h"
 #include "ui/dialogs.h"
 #include "ui/style/theme.h"
 
@@ -26,12 +29,20 @@ Label* makePanel(const char* name, QWidget* parent) {
 StatusPanels::StatusPanels(QWidget* parent)
     : QStatusBar(parent),
       ProgressBar1(new QProgressBar(this)),
+      LoadAll(new ui::SecondaryButton({}, this)),
       status_(makePanel<ElidedLabel>("Status", this)),
       records_(makePanel<QLabel>("Records", this)) {
   setSizeGripEnabled(false);
   // The count keeps its width; a long status text is cut.
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   addWidget(status_, 1);
+  LoadAll->setObjectName(QStringLiteral("LoadAll"));
+  LoadAll->setAutoDefault(false);
+  // The bar keeps its height.
+  constexpr int buttonHeight = 24;
+  LoadAll->setFixedHeight(ui::px(this, buttonHeight));
+  addPermanentWidget(LoadAll);
+  LoadAll->hide();
   constexpr int progressWidth = 160;
   constexpr int progressHeight = 12;
   ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
@@ -52,6 +63,15 @@ QString StatusPanels::status() const {
 }
 void StatusPanels::setRecords(const QString& text) {
   records_->setText(text);
+}
+void StatusPanels::offerLoadAll(bool offered) {
+  LoadAll->setVisible(offered);
+}
+void StatusPanels::nameLoadAll() {
+  LoadAll->setText(ownText("complete.load"));
+  LoadAll->setToolTip(ownText("complete.loadHint"));
+  LoadAll->setAccessibleName(LoadAll->text());
+  LoadAll->setAccessibleDescription(LoadAll->toolTip());
 }
 void StatusPanels::paintNow() {
   // Shown or hidden panels are laid out by the event loop, which does not run here.

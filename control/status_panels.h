@@ -4,6 +4,7 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 namespace korvel::control {
 
@@ -22,11 +23,18 @@ class StatusPanels final : public QStatusBar {
   /// Panel "Records": the row count.
   void setRecords(const QString& text);
 
+  /// Offers to load what the procedure's limit has cut, or takes that back.
+  void offerLoadAll(bool offered);
+  /// Gives the offer its texts in the current language.
+  void nameLoadAll();
+
   /// Paints the panels and the progress bar as they are now, without the event loop.
   void paintNow();
 
   /// How far an export is. Hidden while there is none.
   QProgressBar* ProgressBar1;
+  /// Beside the status text. Hidden while there is nothing to load.
+  QPushButton* LoadAll;
 
  private:
   ElidedLabel* status_;

@@ -73,6 +73,11 @@ void ViewerCommands::connectKeys() {
   queryKey->setContext(Qt::WidgetWithChildrenShortcut);
   queryKey->setAutoRepeat(false);
   QObject::connect(queryKey, &QShortcut::activated, &viewer_, [this] { targets_.queries.runQueryByKey(); });
+  auto* loadKey = new QShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_L, &viewer_);
+  loadKey->setContext(Qt::WidgetWithChildrenShortcut);
+  loadKey->setAutoRepeat(false);
+  QObject::connect(loadKey, &QShortcut::activated, &viewer_,
+                   [this] { messages_.trapped("LoadAll", [this] { targets_.queries.LoadAll(); }); });
 }
 
 // Keys that no item of the menu carries are recognised all the same.

@@ -116,6 +116,32 @@ TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreSaidAndAnEarlierFileStays) {
   EXPECT_EQ(filesInFolder(), 2);
 }
 
+TEST_F(Printing, TellsAtTheHeadOfThePagesThatAllWasLoaded) {
+  const auto viewer = shownViewer();
+  server.answer = nullptr;
+  // As many rows as the procedure returns, whatever the dates: the table has them all.
+  server.resultSets = {std::vector<CannedRow>(db::rowLimitPerResult, record("1", "CS"))};
+  click(*viewer, "btQuery");
+  server.answer = [this, calls = 0](db::ResultSink& sink) mutable {
+    std::vector<db::Field> fields;
+    for (const query::AuditColumn& column : query::auditColumns()) fields.push_back({std::string(column.name)});
+    sink.beginResult(fields);
+    // The whole answer and the one of a time without rows are cut; the table has two rows.
+    const std::size_t count = ++calls <= 2 ? db::rowLimitPerResult : calls == 3 ? 2 : 0;
+    const CannedRow values = record("1", "CS");
+    std::vector<db::Cell> cells;
+    for (const std::string& value : values) cells.push_back({value, false});
+    for (std::size_t i = 0; i < count; ++i) sink.row(cells);
+    sink.endResult();
+  };
+  click(*viewer, "LoadAll");
+  ASSERT_EQ(list(*viewer, 0)->model()->rowCount(), 2);
+  click(*viewer, "btPrint");
+  completeDocuments();
+  EXPECT_NE(test::outputOf("pdftotext -raw '" + path("printed.pdf").toStdString() + "' -").find("complete: 2 records"),
+            std::string::npos);
+}
+
 TEST_F(Printing, TellsOfAlarmRowsOfAllDatesAtTheHeadOfThePages) {
   using namespace std::chrono;
   libraryState().dateRange = {2004y / 3 / 7, 2004y / 3 / 7, true};

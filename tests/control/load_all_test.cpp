@@ -1,0 +1,208 @@
+// Beyond the limit of an answer: the button and the key that load the rest of it.
+#include <QPushButton>
+
+#include "control/texts.h"
+#include "db/procedure/audit_conditions.h"
+#include "query/date_slices.h"
+#include "tests/control/custom_page_fixture.h"
+
+namespace korvel::test {
+namespace {
+
+using namespace std::chrono_literals;
+using control::ownText;
+using query::Minute;
+using ::testing::IsEmpty;
+
+class LoadAll : public CustomPage {
+ protected:
+  static constexpr int rows = 12000;
+
+  LoadAll() {
+    server.answer = [this](db::ResultSink& sink) { answerCall(sink); };
+  }
+
+  /// The procedure over a row every five minutes.
+  void answerCall(db::ResultSink& sink) {
+    ++calls;
+    if (beforeAnswer) beforeAnswer(sink);
+    const std::string& text = server.commands.back();
+    // The last three of the quoted values: whether there are dates, from, to.
+    const auto value = [&](int fromEnd) {
+      std::size_t end = text.size() - 1;
+      for (int i = 0; i < fromEnd; ++i) end = text.rfind("','", end - 1);
+      const std::size_t begin = text.rfind('\'', end - 1) + 1;
+      return text.substr(begin, end - begin);
+    };
+    const bool hasDates = value(2) == "True";
+    const bool isSelect = text.starts_with("SELECT");  // of rows without a date: there are none
+    begin(sink, {"Nr", "DateTime", "TableName", "AuditType"});
+    std::size_t count = 0;
+    for (int i = 0; i < rows && count < db::rowLimitPerResult && !isSelect; ++i) {
+      const std::string time = query::minuteText(first + 5min * i) + ":30.000";
+      if (hasDates && (time < value(1) || time > value(0))) continue;
+      row(sink, {std::to_string(i + 1), time, "Screen", i % 3 == 0 ? "CS" : "OA"});
+      ++count;
+    }
+    sink.endResult();
+  }
+  static QPushButton& button(const AuditViewer& viewer) { return *element<QPushButton>(viewer, "LoadAll"); }
+  std::unique_ptr<AuditViewer> cutAnswer() {
+    auto viewer = shownViewer();
+    click(*viewer, "btQuery");
+    EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), 5000);
+    return viewer;
+  }
+
+  const Minute first = std::chrono::sys_days(2004y / 3 / 1);
+  int calls = 0;
+  std::function<void(db::ResultSink&)> beforeAnswer;
+  const std::vector<std::vector<CannedRow>> nothing;
+};
+
+TEST_F(LoadAll, IsOfferedWhereAnAnswerIsCut) {
+  const auto viewer = shownViewer();
+  EXPECT_FALSE(button(*viewer).isVisible());
+  click(*viewer, "btQuery");
+  EXPECT_TRUE(button(*viewer).isVisible());
+  EXPECT_EQ(button(*viewer).text(), "Load all");
+  EXPECT_EQ(button(*viewer).toolTip(), "Load the records beyond the limit too (Ctrl+Shift+L)");
+  selectTab(*viewer, 5);
+  EXPECT_FALSE(button(*viewer).isVisible()) << "custom queries have no limit";
+  selectTab(*viewer, 1);
+  EXPECT_TRUE(button(*viewer).isVisible());
+  click(*viewer, "btClear");
+  EXPECT_FALSE(button(*viewer).isVisible());
+}
+
+TEST_F(LoadAll, ShowsEveryRecordAndSaysThatTheAnswerIsComplete) {
+  const auto viewer = cutAnswer();
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), rows);
+  EXPECT_EQ(list(*viewer, 1)->model()->rowCount(), rows / 3);
+  EXPECT_EQ(recordsPanel(*viewer), "12000 Records on current tab");
+  EXPECT_TRUE(statusPanel(*viewer).startsWith("complete: 12000 records from ")) << statusPanel(*viewer).toStdString();
+  EXPECT_FALSE(button(*viewer).isVisible());
+  EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
+  EXPECT_THAT(recorder->messages, IsEmpty());
+  // Sorted by the entry number, as after a query.
+  EXPECT_EQ(list(*viewer, 0)->model()->index(0, 0).data().toString(), "1");
+  EXPECT_EQ(list(*viewer, 0)->model()->index(rows - 1, 0).data().toString(), "12000");
+
+  click(*viewer, "btQuery");
+  EXPECT_EQ(statusPanel(*viewer), ownText("status.rowLimit")) << "the next query knows nothing of it";
+}
+
+TEST_F(LoadAll, HasAKey) {
+  const auto viewer = cutAnswer();
+  viewer->activateWindow();
+  QTest::keyClick(viewer.get(), Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), rows);
+  const int before = calls;
+  QTest::keyClick(viewer.get(), Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(calls, before) << "there is nothing more to load";
+}
+
+TEST_F(LoadAll, FinishesTheAnswerThatIsShownWhateverIsTickedNow) {
+  const auto viewer = cutAnswer();
+  click(*viewer, "btUnselectALL");
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), rows);
+}
+
+TEST_F(LoadAll, TellsItsProgressWhileTheCutAnswerIsStillShown) {
+  const auto viewer = cutAnswer();
+  QStringList seen;
+  int shown = 0;
+  beforeAnswer = [&](db::ResultSink&) {
+    if (calls != 5) return;
+    onWindowThread([&] {
+      seen.append(statusPanel(*viewer));
+      shown = list(*viewer, 0)->model()->rowCount();
+    });
+  };
+  button(*viewer).click();
+  ASSERT_EQ(seen.size(), 1);
+  EXPECT_TRUE(seen[0].startsWith("Loading all: ")) << seen[0].toStdString();
+  EXPECT_EQ(shown, 5000);
+}
+
+class StoppedLoadAll : public LoadAll {
+ protected:
+  /// Escape while a call waits, after others have brought rows.
+  void stopMeanwhile(AuditViewer& viewer) {
+    beforeAnswer = [&](db::ResultSink& sink) {
+      if (calls != 6) return;
+      onWindowThread([&] { postKey(&viewer, Qt::Key_Escape); });
+      EXPECT_TRUE(waitUntilUnwanted(sink));
+    };
+    button(viewer).click();
+    beforeAnswer = nullptr;
+  }
+  static void postKey(QWidget* receiver, int key) {
+    QCoreApplication::postEvent(receiver, new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier));
+    QCoreApplication::postEvent(receiver, new QKeyEvent(QEvent::KeyRelease, key, Qt::NoModifier));
+  }
+};
+
+TEST_F(StoppedLoadAll, LeavesTheListsAsTheyWere) {
+  const auto viewer = cutAnswer();
+  recorder->confirmed = false;
+  stopMeanwhile(*viewer);
+  ASSERT_EQ(recorder->questions.size(), 1);
+  EXPECT_TRUE(recorder->questions[0].second.startsWith("Loading was stopped. Keep the "))
+      << recorder->questions[0].second.toStdString();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), 5000);
+  EXPECT_EQ(statusPanel(*viewer), ownText("status.rowLimit"));
+  EXPECT_TRUE(button(*viewer).isVisible());
+}
+
+TEST_F(StoppedLoadAll, KeepsWhatHasComeMarkedAsIncomplete) {
+  const auto viewer = cutAnswer();
+  recorder->confirmed = true;
+  stopMeanwhile(*viewer);
+  const int kept = list(*viewer, 0)->model()->rowCount();
+  EXPECT_GT(kept, 0);
+  EXPECT_LT(kept, rows);
+  EXPECT_EQ(statusPanel(*viewer), QString("incomplete: %1 records. stopped before the end").arg(kept));
+  EXPECT_TRUE(button(*viewer).isVisible()) << "it may be begun again";
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), rows);
+}
+
+TEST_F(LoadAll, LeavesTheListsAsTheyWereWhereTheServerFails) {
+  const auto viewer = cutAnswer();
+  beforeAnswer = [&](db::ResultSink&) {
+    if (calls > 4) throw Error(10054, "Connection reset by peer");
+  };
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), 5000);
+  EXPECT_EQ(lastFailure(*viewer), "10054:Connection reset by peer");
+  EXPECT_TRUE(
+      statusPanel(*viewer).startsWith("Not all records could be loaded; the lists stay as they were. Connection"))
+      << statusPanel(*viewer).toStdString();
+  EXPECT_THAT(recorder->messages, IsEmpty());
+  EXPECT_TRUE(button(*viewer).isVisible());
+}
+
+TEST_F(LoadAll, SurvivesTheEndOfTheControl) {
+  auto viewer = cutAnswer();
+  beforeAnswer = [&](db::ResultSink& sink) {
+    if (calls != 5) return;
+    onWindowThread([&] { viewer.reset(); });
+    EXPECT_TRUE(waitUntilUnwanted(sink));
+  };
+  button(*viewer).click();
+  EXPECT_EQ(viewer, nullptr);
+}
+
+TEST_F(LoadAll, IsNotOfferedInTheMiddleOfAQuery) {
+  const auto viewer = cutAnswer();
+  bool offered = true;
+  beforeAnswer = [&](db::ResultSink&) { onWindowThread([&] { offered = button(*viewer).isVisible(); }); };
+  click(*viewer, "btQuery");
+  EXPECT_FALSE(offered);
+}
+
+}  // namespace
+}  // namespace korvel::test
