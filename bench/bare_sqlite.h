@@ -14,17 +14,17 @@ struct CloseConnection {
 };
 using Connection = std::unique_ptr<sqlite3, CloseConnection>;
 
-/// What the engine's own interface costs and nothing else: the yardstick of the other figures.
+/// The cost of SQLite's interface alone, as the reference of the other figures.
 class BareSqlite {
  public:
   explicit BareSqlite(const std::filesystem::path& file);
 
-  /// Steps through the whole answer of one statement without looking at a value; returns the number of rows.
+  /// Steps through the whole answer of one statement without reading a value; returns the number of rows.
   std::size_t stepThrough(const std::string& statement);
-  /// Steps through the answer and asks for every value as text; returns the sum of their bytes.
+  /// Steps through the answer and reads every value as text; returns the sum of their bytes.
   std::size_t textBytes(const std::string& statement);
-  /// Steps through the answer and copies every value, as text, into one buffer that is used over and over: the least
-  /// that a reader does who keeps what it reads. Values are fetched in the way that costs least. Returns the sum of
+  /// Steps through the answer and copies every value, as text, into one buffer that is reused: the minimum work of
+  /// a reader that keeps the values. Values are fetched in the cheapest way. Returns the sum of
   /// their bytes.
   std::size_t copyOut(const std::string& statement);
 

@@ -17,7 +17,7 @@ void customQuery(benchmark::State& state) {
   const AuditFolder& folder = millionRecords();
   const std::string text = "Select * from Korvel_Audit_Trails";
   const std::string connectionString = folder.connectionString();
-  // As the control runs it: somebody is told of the progress.
+  // As in the control: progress is reported.
   std::size_t told = 0;
   const auto progress = [&told](std::size_t) { return ++told > 0; };
 

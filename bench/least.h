@@ -6,8 +6,7 @@
 
 namespace korvel::bench {
 
-/// The least time of several runs: on a machine that is not alone the only figure that says something about the
-/// program.
+/// The minimum time of several runs: on a machine with other work it is the figure that depends on the program alone.
 struct Least {
   double seconds = std::numeric_limits<double>::infinity();
 

@@ -1,4 +1,4 @@
-// What a person does to a list of a million records at once: fit columns, type ahead, select and sort, copy.
+// Commands on a list of a million records: fit columns, type ahead, select and sort, copy.
 
 #include <benchmark/benchmark.h>
 
@@ -94,7 +94,7 @@ void selectAllAndSort(benchmark::State& state) {
 }
 BENCHMARK(selectAllAndSort)->Arg(0)->Arg(1)->Iterations(4)->Unit(benchmark::kMillisecond);
 
-/// All rows, which are too many, and as many as just go.
+/// All rows, which are too many, and the largest number that can be copied.
 void copyRows(benchmark::State& state) {
   ManyRecords& many = records();
   const auto rows = static_cast<int>(state.range(0));

@@ -64,7 +64,7 @@ test::tds::Answer demoAnswer() {
   return sink.answer;
 }
 
-/// The least processor time of several runs, all threads of the process together: what a busy machine blurs least.
+/// The minimum processor time of several runs, of all threads of the process: less affected by other work.
 struct LeastWork {
   Least clock;
   double processorSeconds = std::numeric_limits<double>::infinity();

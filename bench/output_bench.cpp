@@ -1,4 +1,4 @@
-// Lists on their way out: the text export of a million records against sqlite3's own CSV, reports on paper, workbooks.
+// Output of lists: the text export of a million records against sqlite3's CSV, reports on pages, workbooks.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -42,7 +42,7 @@ std::filesystem::path outputBeside(const AuditFolder& folder, const char* name) 
   return folder.file().parent_path() / name;
 }
 
-/// A line of the system's account of this process, in megabytes; 0 where there is none.
+/// A line of the system's statistics of this process, in megabytes; 0 where there is none.
 double accountOf(const std::string& title) {
   std::ifstream account("/proc/self/status");
   constexpr double kibibytes = 1024;
@@ -56,7 +56,7 @@ double residentMegabytes() {
 double peakMegabytes() {
   return accountOf("VmHWM:");
 }
-/// The peak counts from here on; memory that has been given back is given back to the system first.
+/// Resets the peak, after returning freed memory to the system.
 void forgetPeak() {
   ::malloc_trim(0);
   std::ofstream("/proc/self/clear_refs") << "5";

@@ -1,4 +1,4 @@
-// What a person waits for who puts a very long line into the box of custom queries, and who types in it.
+// Loading a very long line into the text box of custom queries, and typing in it.
 
 #include <benchmark/benchmark.h>
 
@@ -34,7 +34,7 @@ struct ShownBox {
     box.show();
     settle();
   }
-  /// Until it is seen.
+  /// Until it is painted.
   void settle() {
     QCoreApplication::processEvents();
     box.repaint();

@@ -31,7 +31,7 @@ std::shared_ptr<const results::RowStore> storeOf(const std::string& statement) {
 
 enum Arrival : std::int64_t { byEntryNumber = 0, shuffled = 1 };
 
-/// The records in the order of their numbers, and the same in none.
+/// The records in the order of their numbers, and shuffled.
 const std::shared_ptr<const results::RowStore>& records(std::int64_t arrival) {
   static const auto inOrder = storeOf("Select * from Korvel_Audit_Trails");
   static const auto inNone = storeOf("Select * from Korvel_Audit_Trails order by Nr * 7919 % 1000003");

@@ -1,4 +1,4 @@
-// The standard query from the button to sorted lists against stepping through the very statements that answer it.
+// The standard query from the button to sorted lists against stepping through the same statements.
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +26,7 @@ query::FilterTree nineCategories() {
   return tree;
 }
 
-/// A demo plant rolls back and restores too seldom for full result sets: its rows of these kinds, four times over.
+/// The rows of the rarest kinds, four times: a demo plant has too few of them for full result sets.
 const AuditFolder& recordsWithFullCategories() {
   static const AuditFolder folder{manyRows};
   static const bool repeated = [] {

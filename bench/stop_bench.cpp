@@ -1,4 +1,4 @@
-// How long the window takes from Esc to being usable again, while a server is asked that does not answer.
+// The time from Esc until the window is usable again, while a server does not answer.
 
 #include <benchmark/benchmark.h>
 
@@ -46,7 +46,7 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsSe
   for (auto _ : state) {
     const std::size_t asked = tdsServer.record().commands.size();
     Clock::time_point escape;
-    // Made here: the first event of its kind makes what belongs to this thread.
+    // Created here: the first event of its kind creates objects that belong to this thread.
     auto key = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     std::thread person([&] {
       if (!tdsServer.waitUntil([asked](const test::tds::Record& record) { return record.commands.size() > asked; }))
@@ -60,7 +60,7 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsSe
     const double taken = std::chrono::duration<double>(usable - escape).count();
     state.SetIterationTime(taken);
     longest = std::max(longest, taken);
-    // Behind the window the connection ends, or is given up.
+    // The connection ends in the background, or is detached.
     while (db::workIsLeftBehind()) std::this_thread::yield();
     closed = std::max(closed, std::chrono::duration<double>(Clock::now() - escape).count());
   }
@@ -84,7 +84,7 @@ void aServerThatNoticesAfterASecond(benchmark::State& state) {
   stopping(state, [&](test::tds::TdsServer& tdsServer) { tdsServer.answerAttentionsAt(gate); });
   opener.join();
 }
-// A gate opens once.
+// A gate can be opened only once.
 BENCHMARK(aServerThatNoticesAfterASecond)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void aServerThatTakesNoNotice(benchmark::State& state) {

@@ -1,4 +1,4 @@
-// Reading a million records into the row store against merely stepping through the same answer.
+// Reading a million records into the row store against stepping through the same answer.
 
 #include <benchmark/benchmark.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 const std::string wholeTrail = "Select * from Korvel_Audit_Trails";
 
-/// All sides in turn, on connections that are open already, so that a busy machine slows each of them; the least of
+/// All sides in turn, on connections that are open already, so that a busy machine slows each of them; the minimum of
 /// each counts.
 void loadMillionRecords(benchmark::State& state) {
   const AuditFolder& folder = millionRecords();

@@ -1,5 +1,4 @@
-// Whatever a host hands over as a connection string: it is understood or refused in words, and a server's name that was
-// understood is taken apart or refused in words.
+// Any connection string from a host is parsed or refused with a message, and so is a server's name that was parsed.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +13,7 @@
 
 namespace {
 
-/// The text for a driver holds what was asked for and nothing that a name put there.
+/// The text for a driver contains the requested values and nothing that a name has injected.
 void checkDriverText(const korvel::db::ServerName& name, const std::string& database) {
   using namespace korvel::db::odbc;
   LoginRequest request;

@@ -1,5 +1,5 @@
-// Whatever bytes a query file holds: its text has whole lines, loses nothing, and comes back from a file of its own
-// with one more line end. And whatever somebody types as a name: it is refused, or names a file of the folder.
+// The text of a query file with any bytes has complete lines, loses nothing, and is read back from its own file with
+// one more line end. Any typed name is refused or names a file of the folder.
 
 #include <algorithm>
 #include <cstddef>

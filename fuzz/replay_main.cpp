@@ -1,5 +1,5 @@
-// Runs a fuzz target once over every file of a folder, without the fuzzer, so that any compiler can repeat what was
-// found before.
+// Runs a fuzz target once over every file of a folder, without the fuzzer, so that any compiler can repeat
+// earlier findings.
 
 #include <algorithm>
 #include <cstddef>
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-/// Every file of `folder`, by name, so that two runs go the same way. Throws what the file system reports.
+/// Every file of `folder`, by name, so that two runs are equal. Throws errors of the file system.
 std::vector<std::filesystem::path> filesOf(const char* folder) {
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) files.push_back(entry.path());
@@ -26,7 +26,7 @@ std::vector<std::filesystem::path> filesOf(const char* folder) {
 int replay(const char* folder) {
   const auto files = filesOf(folder);
   for (const auto& file : files) {
-    // Said before the run: the target ends the process when it finds something.
+    // Printed before the run: the target aborts the process when it finds something.
     std::printf("%s\n", file.filename().c_str());
     std::fflush(stdout);
     std::ifstream stream(file, std::ios::binary);

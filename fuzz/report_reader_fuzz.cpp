@@ -1,5 +1,5 @@
-// Whatever an audit trail holds: a report gives back the values that were written, and markup in a value is never taken
-// for the report's own. And whatever stands in the file instead: it is refused, without reading beyond it.
+// Any values of an audit trail are read back from a report as they were written; markup in a value never counts as the
+// report's own. Any other content of the file is refused, without reading beyond it.
 
 #include <algorithm>
 #include <cstddef>
@@ -36,7 +36,7 @@ class TextBytes : public output::ReportBytes {
   std::size_t at_ = 0;
 };
 
-/// Texts of the input, separated by zero bytes; the first byte says how many columns there are.
+/// Texts of the input, separated by zero bytes; the first byte is the number of columns.
 struct Input {
   std::size_t columns = 1;
   std::vector<std::string> texts;
@@ -118,7 +118,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   changed.at(size % changed.size()) = static_cast<char>(changed.at(size % changed.size()) ^ 0x20);
   checkRefused(changed, notes);
   checkRefused(std::string(reinterpret_cast<const char*>(data), size), notes);
-  // Notes that nobody wrote.
+  // Notes without a writer.
   notes.marked.push_back({size, bytes.size() * 2});
   if (!notes.sections.empty()) ++notes.sections.front().columns;
   checkRefused(bytes, notes);

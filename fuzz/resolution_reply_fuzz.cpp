@@ -1,4 +1,4 @@
-// Whatever a stranger on the network sends: the parser reads nothing beyond it and lets no harmful name through.
+// For any datagram from the network, the parser reads nothing beyond it and accepts no harmful name.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       const bool harmless = instance.serverName.find_first_of(";={}'\"\\/, \t\r\n") == std::string::npos;
       const bool ported = !instance.tcpPort || *instance.tcpPort != 0;
       if (!named || !harmless || !ported || !korvel::isValidUtf8(instance.displayName())) std::abort();
-      // A name that was let through can be asked for.
+      // An accepted name can be requested.
       (void)korvel::db::instanceRequest(instance.instanceName);
     }
   }

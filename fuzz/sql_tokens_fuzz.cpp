@@ -1,5 +1,5 @@
-// Whatever is typed into the query editor: tokens lie in their order inside of their line, and a text gives every
-// character the same kind line by line as it does in one piece.
+// For any text in the query editor, tokens are in order and inside their line, and every character has the same kind
+// whether the text is scanned line by line or at once.
 
 #include <cstddef>
 #include <cstdint>
@@ -33,7 +33,7 @@ void appendKinds(std::u16string_view text, SqlLineState& state, std::vector<int>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::u16string text;
-  // One byte a code unit, so that the fuzzer finds quotes; the highest ones stand for what is no ASCII.
+  // One byte a code unit, so that the fuzzer finds quotes; the highest ones represent non-ASCII characters.
   for (std::size_t i = 0; i < size; ++i) text += static_cast<char16_t>(data[i] < 0xF0 ? data[i] : data[i] * 0x101);
 
   SqlLineState whole;
@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t end = text.find(u'\n', begin);
     appendKinds(std::u16string_view(text).substr(begin, end - begin), state, byLine);
     if (end == std::u16string::npos) break;
-    // A line feed is part of what is open across it.
+    // A line feed belongs to the token that continues across it.
     byLine.push_back(inOnePiece[end]);
     if (inOnePiece[end] != blank && state.open == SqlLineState::Open::nothing) std::abort();
     begin = end + 1;

@@ -1,4 +1,4 @@
-// The least that a program of this toolkit does until a person sees a window of it.
+// The minimum work of a program of this toolkit until its window is visible.
 
 #include <QApplication>
 #include <QMainWindow>

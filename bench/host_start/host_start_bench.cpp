@@ -1,5 +1,5 @@
 // From starting the viewer's process to its first painted window, against a program with an empty window and one with a
-// plain window of the toolkit's own elements.
+// window of plain toolkit widgets.
 
 #include <benchmark/benchmark.h>
 #include <spawn.h>
@@ -17,7 +17,7 @@ extern char** environ;
 namespace korvel::bench {
 namespace {
 
-/// Runs a program to its end; whether it ended well.
+/// Runs a program; whether it succeeded.
 bool runs(std::string program) {
   const std::array<char*, 2> arguments{program.data(), nullptr};
   pid_t process = 0;
@@ -30,7 +30,7 @@ void hostStart(benchmark::State& state) {
   ::setenv("QT_PLUGIN_PATH", KORVEL_BENCH_PLUGINS, 1);
   ::setenv("QT_QPA_GENERIC_PLUGINS", "firstpaint", 1);
   ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  // Settings as on the first day, whoever runs this.
+  // Default settings, independent of the user's.
   const std::string registry = std::filesystem::temp_directory_path() / "korvel-bench-without-settings" / "none.reg";
   ::setenv("KORVEL_REGISTRY", registry.c_str(), 1);
 

@@ -1,6 +1,5 @@
-// A window with about what the viewer's shows, from the toolkit's own elements and nothing else: menus, a tree with
-// boxes, a button, tabs, one list of eighteen columns. What it costs more than an empty window is the price of
-// showing text at all.
+// A window of plain toolkit widgets with about the viewer's content: menus, a tree with check boxes, a button, tabs,
+// one list of eighteen columns. Its difference to an empty window is the cost of showing text.
 
 #include <QApplication>
 #include <QHBoxLayout>

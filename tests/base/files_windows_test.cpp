@@ -160,7 +160,7 @@ TEST(SystemErrors, CarryTheNumbersOfWindows) {
   EXPECT_EQ(systemNumberOfErrno(std::errc::io_error), ERROR_IO_DEVICE);
 }
 
-TEST(SystemErrors, SayWhatTheSystemSays) {
+TEST(SystemErrors, HaveTheSystemsTexts) {
   const std::string text = systemMessage(ERROR_ACCESS_DENIED);
   EXPECT_FALSE(text.empty());
   EXPECT_EQ(text.find_first_of("\r\n"), std::string::npos);

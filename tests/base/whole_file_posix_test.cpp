@@ -21,7 +21,7 @@ int maskChanges = 0;
 
 }  // namespace
 
-// The program's own umask, which counts its calls: the mask belongs to the whole process, so a library keeps off it.
+// A umask() of the test program that counts its calls: the mask belongs to the process, so a library must not set it.
 extern "C" mode_t umask(mode_t mask) noexcept {
   ++maskChanges;
   return static_cast<mode_t>(::syscall(SYS_umask, mask));
@@ -55,7 +55,7 @@ TEST(WholeFile, ANewFileGetsTheRightsThatTheUsersMaskAllows) {
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 }
 
-TEST(WholeFile, WhatIsNotYetWholeIsNobodyElsesToRead) {
+TEST(WholeFile, AnIncompleteFileCannotBeReadByOthers) {
   const test::TemporaryFolder folder;
   writeWholeFile(folder / "a.txt", "one");
   fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
@@ -74,7 +74,7 @@ TEST(WholeFile, WritesThroughALink) {
   EXPECT_EQ(readWholeFile(folder / "real.txt"), "two");
 }
 
-TEST(WholeFile, ReplacesALinkWhereItIsToldTo) {
+TEST(WholeFile, ReplacesALinkOnRequest) {
   const test::TemporaryFolder folder;
   writeWholeFile(folder / "real.txt", "one");
   fs::create_symlink("real.txt", folder / "link.txt");

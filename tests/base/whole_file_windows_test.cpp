@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The number that writing `file` ends with, and says `named` with, in the form in which a person knows it.
+/// The error number of writing `file`, whose message must have the path `named`, as users write it.
 int writingFailure(const fs::path& file, const fs::path& named) {
   try {
     writeWholeFile(file, "two");
@@ -33,7 +33,7 @@ int writingFailure(const fs::path& file) {
   return writingFailure(file, file);
 }
 
-/// The rights of a file in the system's words.
+/// The rights of a file, as the system's text form.
 std::wstring rightsOf(const fs::path& file) {
   PSECURITY_DESCRIPTOR descriptor = nullptr;
   wchar_t* words = nullptr;
@@ -48,7 +48,7 @@ std::wstring rightsOf(const fs::path& file) {
   return rights;
 }
 
-/// The user's identity in the system's words.
+/// The user's identity, as the system's text form.
 std::wstring userIdentity() {
   HANDLE opened = nullptr;
   OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened);
@@ -102,7 +102,7 @@ TEST(WholeFileOnWindows, ThatIsMarkedAsNotToBeWrittenIsNotReplaced) {
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFileOnWindows, WhatIsNotYetWholeIsNobodyElsesToOpen) {
+TEST(WholeFileOnWindows, AnIncompleteFileCannotBeOpenedByOthers) {
   const test::TemporaryFolder folder;
   const WholeFile file(folder / "a.txt");
   ASSERT_EQ(filesIn(folder.path()), 1U);
@@ -139,7 +139,7 @@ TEST(WholeFileOnWindows, KeepsItsRightsWhereItIsWrittenThroughOnly) {
   const std::wstring rightsOfANewFile = rightsOf(file);
   giveRights(file, L"D:P(A;;FA;;;" + userIdentity() + L")");
   const std::wstring ownRights = rightsOf(file);
-  if (ownRights == rightsOfANewFile) GTEST_SKIP() << "no rights of its own to be had here";
+  if (ownRights == rightsOfANewFile) GTEST_SKIP() << "a new file gets no rights of its own here";
   {
     const WholeFile unfinished(file);
     for (const auto& entry : fs::directory_iterator(folder.path()))
@@ -194,7 +194,7 @@ TEST(WholeFileOnWindows, HoldsBytesAsTheyAre) {
   EXPECT_EQ(readWholeFile(folder / "a.txt"), bytes);
 }
 
-TEST(WholeFileOnWindows, KeepsALinkOrReplacesItAsItIsTold) {
+TEST(WholeFileOnWindows, KeepsOrReplacesALinkAsRequested) {
   const test::TemporaryFolder folder;
   const fs::path real = folder / "real.txt";
   const fs::path link = folder / "link.txt";

@@ -17,7 +17,7 @@ struct Arguments : testing::Test {
 
   ToolRun run(const std::vector<std::string>& arguments) { return test::runTool(arguments, server.connector()); }
 
-  /// The call text that the options lead to.
+  /// The call text for the options.
   std::string callOf(std::vector<std::string> options) {
     options.insert(options.begin(), "query");
     server.executed.clear();

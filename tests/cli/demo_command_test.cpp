@@ -47,14 +47,14 @@ TEST_F(DemoCommand, KeepsWhatIsThereWithoutForce) {
   EXPECT_NE(readWholeFile(folder / "Korvel_Audit.db"), before);
 }
 
-TEST_F(DemoCommand, FolderThatCannotBeMadeIsSaid) {
+TEST_F(DemoCommand, FolderThatCannotBeMadeIsReported) {
   writeWholeFile(folder / "file", "x");
   const ToolRun tool = runTool({"demo", "--folder", (folder / "file/below").string(), "--rows", "10"});
   EXPECT_EQ(tool.status, exitOutput);
   EXPECT_NE(tool.err.find("korvel-audit: error "), std::string::npos) << tool.err;
 }
 
-/// The tool's own databases, asked through the embedded engine.
+/// The tool's databases, read through the embedded engine.
 struct DemoQuery : DemoCommand {
   DemoQuery() { EXPECT_EQ(runTool({"demo", "--folder", at, "--rows", "600"}).status, exitDone); }
 

@@ -51,7 +51,7 @@ TEST_F(OutputTarget, FoldersAndMissingOnesAreFailures) {
   EXPECT_TRUE(means(failureOf((folder / "absent" / "file").string()), std::errc::no_such_file_or_directory));
 }
 
-TEST_F(OutputTarget, KnowsADatabaseByItsFirstBytes) {
+TEST_F(OutputTarget, RecognisesADatabaseByItsFirstBytes) {
   writeWholeFile(folder / "database", std::string("SQLite format 3\0", 16));
   writeWholeFile(folder / "text", "SQLite format 3 is described here");
   writeWholeFile(folder / "empty", "");

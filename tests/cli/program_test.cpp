@@ -37,7 +37,7 @@ TEST_F(Program, EndsWithTheStatusOfItsRun) {
   EXPECT_EQ(run("audit --version"), exitDone);
 }
 
-TEST_F(Program, FullDiskBehindStandardOutputIsSaid) {
+TEST_F(Program, FullDiskBehindStandardOutputIsReported) {
   ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
   EXPECT_EQ(run("audit query --format csv >/dev/full"), exitOutput);
   EXPECT_NE(err().find("cannot write standard output: No space left on device"), std::string::npos) << err();
@@ -49,7 +49,7 @@ TEST_F(Program, FullDiskBehindStandardOutputIsSaid) {
 
 TEST_F(Program, AReaderThatLeavesIsNoFailure) {
   ASSERT_EQ(run("audit demo --rows 3000"), exitDone) << err();
-  // The reader has left before the first byte: it opens the way for the tool by leaving.
+  // The reader has closed the pipe before the first byte: the tool starts writing when it is closed.
   const auto leftAlone = [&](const std::string& command) {
     EXPECT_EQ(run("mkfifo gone; { read -r line <gone; " + command +
                   "; echo $? >status; } | { exec <&-; echo >gone; }; rm gone"),
@@ -78,7 +78,7 @@ TEST_F(Program, AnEndlessQueryEndsWithItsReader) {
   EXPECT_EQ(err(), "");
 }
 
-TEST_F(Program, AnEndlessQueryEndsWhenItIsTold) {
+TEST_F(Program, AnEndlessQueryEndsOnASignal) {
   ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
   // Once the first line is there, the query runs.
   EXPECT_EQ(run("mkfifo pipe; '" KORVEL_AUDIT_PROGRAM "' sql " + std::string(endless) +

@@ -60,7 +60,7 @@ TEST(ProgramOnWindows, WritesThroughADevice) {
 TEST(InterruptionOnWindows, HoldsTheEndOfTheWindowUntilTheWorkHasEnded) {
   std::atomic<bool> workHasEnded{false};
   std::optional<Interruption> interruption(std::in_place);
-  // As the system does it, in a thread of its own.
+  // As the system does it, on a separate thread.
   auto handler = std::async(std::launch::async, [&] {
     const BOOL isHandled = noteConsoleEvent(CTRL_CLOSE_EVENT);
     return isHandled != 0 && workHasEnded;

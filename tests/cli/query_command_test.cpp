@@ -75,7 +75,7 @@ TEST_F(QueryCommand, HostileValuesStayValues) {
   EXPECT_NE(run({"--format", "exchange"}).out.find('|' + *row[9] + '|'), std::string::npos);
 }
 
-TEST_F(QueryCommand, NoRecordsIsSaid) {
+TEST_F(QueryCommand, NoRecordsIsReported) {
   server.answer[0].rows.clear();
   const ToolRun tool = run({"--output", (folder / "out").string()});
   EXPECT_EQ(tool.status, exitNoRecords);
@@ -95,7 +95,7 @@ TEST_F(QueryCommand, EmptyListOfAFullAnswerIsNoRecordsToo) {
   EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
 }
 
-TEST_F(QueryCommand, FailureOfTheDatabaseIsSaidWithNumberAndText) {
+TEST_F(QueryCommand, FailureOfTheDatabaseIsReportedWithNumberAndText) {
   server.refusesConnection = [] { throw Error(17, "server\ndoes not \x1B[31mexist"); };
   const ToolRun tool = run({});
   EXPECT_EQ(tool.status, exitDatabase);
@@ -196,7 +196,7 @@ TEST_F(QueryCommand, SaysThatAlarmRowsOfAllDatesCome) {
   EXPECT_FALSE(saysSo({}, true)) << "all ten: the procedure limits the whole trail";
 }
 
-TEST_F(QueryCommand, APlaceThatCannotBeWrittenToIsToldBeforeTheQuery) {
+TEST_F(QueryCommand, ATargetThatCannotBeWrittenIsReportedBeforeTheQuery) {
   EXPECT_EQ(run({"--output", (folder / "absent/out").string()}).status, exitOutput);
   EXPECT_TRUE(server.opened.empty());
 }

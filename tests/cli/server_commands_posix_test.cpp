@@ -10,7 +10,7 @@
 namespace korvel::test {
 namespace {
 
-/// A folder with a small demo database, settings of its own, and no server anywhere.
+/// A folder with a small demo database, separate settings, and no server.
 class ServerCommandsOfPosix : public ::testing::Test {
  protected:
   void SetUp() override { demo::writeDemoDatabase(folder / "Korvel_Audit.db", 200, 1); }
@@ -20,7 +20,7 @@ class ServerCommandsOfPosix : public ::testing::Test {
   EnvironmentVariable settings{"KORVEL_REGISTRY", (folder / "settings.reg").string()};
 };
 
-TEST_F(ServerCommandsOfPosix, AWorkingFolderThatIsGoneIsADatabaseFailure) {
+TEST_F(ServerCommandsOfPosix, AMissingWorkingFolderIsADatabaseFailure) {
   const auto before = std::filesystem::current_path();
   const EnvironmentVariable relative("KORVEL_AUDIT_DATA", "audit");
   const TemporaryFolder gone;

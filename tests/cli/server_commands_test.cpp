@@ -10,7 +10,7 @@
 namespace korvel::test {
 namespace {
 
-/// A folder with a small demo database, settings of its own, and no server anywhere.
+/// A folder with a small demo database, separate settings, and no server.
 class ServerCommands : public ::testing::Test {
  protected:
   void SetUp() override { demo::writeDemoDatabase(folder / "Korvel_Audit.db", 200, 1); }
@@ -43,7 +43,7 @@ TEST_F(ServerCommands, AServerThatIsNotThereIsADatabaseFailure) {
   EXPECT_NE(run.err.find("127.0.0.1"), std::string::npos) << run.err;
 }
 
-TEST_F(ServerCommands, AFolderThatIsNoneIsSaidToBeNone) {
+TEST_F(ServerCommands, AFileInPlaceOfAFolderIsReported) {
   const std::string file = (folder / "Korvel_Audit.db").string();
   const ToolRun noFolder = runTool({"databases", "--server", file});
   EXPECT_EQ(noFolder.status, 3);

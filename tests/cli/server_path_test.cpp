@@ -11,7 +11,7 @@
 namespace korvel::cli {
 namespace {
 
-/// Files and folders as a person names them.
+/// Files and folders as users name them.
 struct ServerPath : testing::Test {
   ServerPath() {
     std::filesystem::create_directory(folder / "data");

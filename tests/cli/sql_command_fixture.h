@@ -41,7 +41,7 @@ inline std::vector<std::string> formatsThat(bool (*are)(const OutputFormat& form
 inline const std::vector<std::string> allFormats = formatsThat([](const OutputFormat&) { return true; });
 inline const std::vector<std::string> streamedFormats =
     formatsThat([](const OutputFormat& f) { return f.stream != nullptr; });
-/// Those whose bytes leave while the rows come; a workbook's parts are put together at the end.
+/// The formats that are written while rows arrive; a workbook is put together at the end.
 inline const std::vector<std::string> flowingFormats = {"csv", "json", "text", "exchange"};
 
 }  // namespace korvel::cli

@@ -49,7 +49,7 @@ TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
 TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
   writeWholeFile(folder / "out", "earlier");
   server.answer[0].rows.assign(100'000, {"1", "x", "y"});
-  // As a shell starts what runs in the background: the test must not depend on it.
+  // As a shell starts background processes: the test must not depend on it.
   const SignalSetting ignored(SIGINT, SIG_IGN);
   const SignalSetting heard(SIGINT, SIG_DFL);
   server.refusesExecution = [] { std::raise(SIGINT); };

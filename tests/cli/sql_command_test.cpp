@@ -97,7 +97,7 @@ TEST_F(SqlCommand, WritesEveryFormat) {
   EXPECT_EQ(run({"q", "--format", "csv"}).err, "");
 }
 
-TEST_F(SqlCommand, NoRecordsIsSaid) {
+TEST_F(SqlCommand, NoRecordsIsReported) {
   server.answer[0].rows.clear();
   writeWholeFile(folder / "out", "earlier");
   for (const std::string& format : allFormats) {
@@ -112,7 +112,7 @@ TEST_F(SqlCommand, NoRecordsIsSaid) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(SqlCommand, FailureOfTheDatabaseIsSaidWithNumberLineAndText) {
+TEST_F(SqlCommand, FailureOfTheDatabaseIsReportedWithNumberLineAndText) {
   server.refusesExecution = [] { throw Error(102, "Incorrect syntax\nnear \x1B[31m'x'.", 4); };
   for (const char* format : {"table", "csv"}) {
     const ToolRun tool = run({"q", "--format", format});
@@ -139,7 +139,7 @@ TEST_F(SqlCommand, FailureHalfWayLeavesFilesAsTheyWere) {
 TEST_F(SqlCommand, WritesAFileWhole) {
   for (const std::string& format : allFormats) {
     EXPECT_EQ(run({"q", "--format", format, "--output", file("out")}).status, exitDone) << format;
-    // Pages and workbooks carry the time at which they were made.
+    // Pages and workbooks contain the time of their creation.
     const std::string again = run({"q", "--format", format}).out;
     const std::size_t compared = outputFormatNamed(format)->isBinary ? 4 : again.size();
     EXPECT_EQ(readWholeFile(folder / "out").substr(0, compared), again.substr(0, compared)) << format;
@@ -147,7 +147,7 @@ TEST_F(SqlCommand, WritesAFileWhole) {
   }
 }
 
-/// Notes how many rows the server had offered when the first bytes came.
+/// Records how many rows the server had offered when the first bytes came.
 class NotingBuffer final : public std::streambuf {
  public:
   explicit NotingBuffer(const test::ScriptedServer& server) : server_(server) {}
@@ -214,7 +214,7 @@ TEST_F(SqlCommand, AReportIsThatOfTheCustomPage) {
   EXPECT_NE(run({"q", "--format", "html"}).err.find("stand as \"?\": 1"), std::string::npos);
 }
 
-TEST_F(SqlCommand, APlaceThatCannotBeWrittenToIsToldBeforeTheQuery) {
+TEST_F(SqlCommand, ATargetThatCannotBeWrittenIsReportedBeforeTheQuery) {
   for (const std::string& format : allFormats)
     EXPECT_EQ(run({"q", "--format", format, "--output", file("absent/out")}).status, exitOutput) << format;
   EXPECT_TRUE(server.opened.empty());

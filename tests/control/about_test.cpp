@@ -13,7 +13,7 @@
 namespace korvel::control {
 namespace {
 
-TEST(About, TellsTheVersionInPlainNumbers) {
+TEST(About, ShowsTheVersionInPlainNumbers) {
   EXPECT_EQ(aboutText({1, 2, 3}), "Korvel Audit Viewer - v1.2.3");
   EXPECT_EQ(aboutText({10, 0, 1234}), "Korvel Audit Viewer - v10.0.1234");
 }
@@ -55,7 +55,7 @@ TEST(About, ThePictureShowsSomething) {
   about.show();
   auto* picture = about.findChild<QWidget*>("Image1");
   const QImage image = picture->grab().toImage();
-  // The tile, the drawing on it, and the window's ground in the corner.
+  // The tile, the drawing on it, and the window's background in the corner.
   const QRgb ground = image.pixel(0, 0);
   const QRgb tile = image.pixel(image.width() / 2, 3);
   EXPECT_NE(tile, ground);

@@ -1,4 +1,4 @@
-// What the control says of the answers that its lists show: where records would be, and in the status panel.
+// Texts about the answers that lists show: in empty lists and in the status panel.
 #include "control/texts.h"
 #include "tests/control/custom_page_fixture.h"
 #include "ui/result_table.h"
@@ -20,7 +20,7 @@ class Answers : public CustomPage {
   static void tick(const AuditViewer& viewer, const QString& path, bool ticked) {
     node(viewer, path)->setCheckState(0, ticked ? Qt::Checked : Qt::Unchecked);
   }
-  /// A range through the dialog, as a person chooses it.
+  /// Chooses a range in the dialog.
   void chooseDayInTheDialog(AuditViewer& viewer, const year_month_day& day) {
     recorder->onForm = [day] { libraryState().dateRange.RangeFromDate = libraryState().dateRange.RangeToDate = day; };
     click(viewer, "btDateRangeFilter");
@@ -30,7 +30,7 @@ class Answers : public CustomPage {
   const std::vector<std::vector<CannedRow>> oneRecord = {{record("1", "CS")}};
 };
 
-TEST_F(Answers, AnEmptyListTellsItsFourStatesApart) {
+TEST_F(Answers, AnEmptyListDistinguishesItsFourStates) {
   const auto viewer = newViewer();
   viewer->resize(1200, 800);
   viewer->show();
@@ -72,7 +72,7 @@ TEST_F(Answers, APageWithoutRecordsOfAnAnswerSaysThatNothingWasFound) {
   EXPECT_EQ(emptyText(*viewer, 3), "Not queried yet. \"Run Query\" or F5 shows the records.");
 }
 
-TEST_F(Answers, TheCustomListTellsItsStatesToo) {
+TEST_F(Answers, TheCustomListShowsItsStatesToo) {
   const auto viewer = customPage();
   answerWith({"a"}, {});
   click(*viewer, "btQuery");
@@ -192,7 +192,7 @@ TEST_F(Answers, ARunningQueryKeepsItsStatusTextWhateverChangesMeanwhile) {
   EXPECT_EQ(meanwhile, "Querying Database Please Wait....");
 }
 
-TEST_F(Answers, AlarmRowsOfAllDatesAreTold) {
+TEST_F(Answers, AlarmRowsOfAllDatesAreReported) {
   const auto viewer = shownViewer();
   server.resultSets = oneRecord;
   chooseDay(2004y / 3 / 7);
@@ -209,7 +209,7 @@ TEST_F(Answers, AlarmRowsOfAllDatesAreTold) {
     EXPECT_EQ(statusPanel(*viewer), "") << "no alarm row is on page " << page;
   }
   selectTab(*viewer, 0);
-  // It is about the rows that are shown, whatever is chosen afterwards.
+  // It applies to the rows that are shown, not to later choices.
   click(*viewer, "btClearDateRange");
   EXPECT_EQ(statusPanel(*viewer), outOfDate + ". " + allDates);
   click(*viewer, "btQuery");

@@ -26,7 +26,7 @@ inline CannedRow record(const std::string& number, const std::string& auditType,
   return row;
 }
 
-/// What a server answers, and what it was asked.
+/// The answers of a server, and the requests to it.
 struct CannedServer {
   std::vector<std::vector<CannedRow>> resultSets;
   std::optional<Error> failure;

@@ -58,7 +58,7 @@ TEST_F(Keyboard, KeysBelongToTheControlThatHasTheFocus) {
   window.show();
   window.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-  // More than once: keys that two have in common are given to both in turn.
+  // More than once: a key that two of them share goes to each in turn.
   for (int round = 1; round <= 3; ++round) {
     for (const std::size_t mine : {std::size_t{0}, std::size_t{1}}) {
       SCOPED_TRACE(QStringLiteral("round %1, control %2").arg(round).arg(mine).toStdString());

@@ -1,4 +1,4 @@
-// What keys of commands do, also those that no item of the tables carries.
+// Keys of commands, including those without an item in the tables.
 #include "base/error.h"
 #include "control/command_menus.h"
 #include "control/command_toolbar.h"
@@ -9,7 +9,7 @@ namespace {
 
 using control::libraryState;
 
-/// Commands that no table has, put on the surfaces of a viewer and chosen there.
+/// Commands outside the tables, added to a viewer's menus and chosen there.
 class Keys : public CommandTest {
  protected:
   static void onMenu(const AuditViewer& viewer, control::CommandItems& items, const std::string& key) {
@@ -26,13 +26,13 @@ class Keys : public CommandTest {
     bar.mirror(items);
     run(bar.actions().value(0));
   }
-  /// Also where the command is off: what it would do counts.
+  /// Also where the command is off: its function is called directly.
   static void run(QAction* action) {
     ASSERT_NE(action, nullptr);
     action->setEnabled(true);
     action->trigger();
   }
-  /// Everything that commands do to the outside, and to what is seen.
+  /// All effects of commands on services and on widgets.
   QString traces(const AuditViewer& viewer) const {
     return QStringLiteral("%1 boxes, %2 forms, %3 helps, %4 queries, %5 tree %6")
         .arg(recorder->messages.size())

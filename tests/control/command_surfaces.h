@@ -10,7 +10,7 @@
 
 namespace korvel::test {
 
-/// Menu bar and toolbar as a person has them: by the texts and places of real widgets.
+/// Menu bar and toolbar as users see them: by the texts and positions of real widgets.
 class CommandTest : public ViewerTest {
  protected:
   static QMenuBar* menuBar(const AuditViewer& viewer) { return element<QMenuBar>(viewer, "SmartMenu"); }
@@ -40,7 +40,7 @@ class CommandTest : public ViewerTest {
     return element<QToolButton>(viewer, QLatin1String("SmartToolbar_") + key);
   }
 
-  /// The keyboard belongs to the viewer.
+  /// Gives the viewer the focus.
   static void activate(AuditViewer& viewer) {
     viewer.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&viewer));
@@ -66,7 +66,7 @@ class CommandTest : public ViewerTest {
   }
   static void press(AuditViewer& viewer, const QString& key) { QTest::mouseClick(button(viewer, key), Qt::LeftButton); }
 
-  /// A menu as text, one entry a line: what it says, its tick, "(off)" where it cannot be chosen.
+  /// A menu as text, one entry a line: its text, its tick, "(off)" where it is disabled.
   static QString printed(const QWidget& container, const QString& indent = {}) {
     QString text;
     const QList<QAction*> actions = container.actions();

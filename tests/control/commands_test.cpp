@@ -150,7 +150,7 @@ TEST_F(Menu, NoLanguageCarriesAMark) {
   for (const QAction* one : entries) EXPECT_FALSE(one->isCheckable()) << one->text().toStdString();
 }
 
-TEST_F(StatusHelp, AHighlightedItemTellsWhatItDoes) {
+TEST_F(StatusHelp, AHighlightedItemShowsItsDescription) {
   const auto viewer = shownViewer();
   QMenuBar* bar = menuBar(*viewer);
   QAction* tools = entry(*viewer, "TOOLS");
@@ -164,7 +164,7 @@ TEST_F(StatusHelp, AHighlightedItemTellsWhatItDoes) {
   EXPECT_EQ(statusPanel(*viewer), "");
 }
 
-TEST_F(StatusHelp, TellsOfEveryItemUnderThePointer) {
+TEST_F(StatusHelp, ShowsTheDescriptionOfEveryItemUnderThePointer) {
   const auto viewer = shownViewer();
   QMenuBar* bar = menuBar(*viewer);
   QAction* file = entry(*viewer, "FILE");
@@ -187,7 +187,7 @@ TEST_F(StatusHelp, TellsOfEveryItemUnderThePointer) {
   moveTo(disabled);
   EXPECT_EQ(statusPanel(*viewer), tableText(10007, 0));
   moveTo(select);
-  // As the window system sends it while a menu is open: to the menu, in whose coordinates the bar lies above.
+  // As the window system sends it while a menu is open: to the menu, with the bar at negative coordinates.
   QTest::mouseMove(menu, menu->mapFromGlobal(bar->mapToGlobal(bar->actionGeometry(file).center())));
   QCoreApplication::processEvents();
   EXPECT_TRUE(menu->isVisible());
@@ -223,7 +223,7 @@ class Captions : public CommandTest {
   }
 
   static void expectMenu(const AuditViewer& viewer, int offset) {
-    // The walk's own stack of menus, told by depth.
+    // The stack of menus on the current path.
     std::vector<std::pair<const QWidget*, qsizetype>> stack = {{menuBar(viewer), 0}};
     for (const control::MenuRow& row : control::menuTable()) {
       SCOPED_TRACE(std::string(row.key));
@@ -390,7 +390,7 @@ TEST_F(Dispatch, AFailureOfAMenuCommandIsShown) {
   EXPECT_EQ(recorder->messages[0].icon, MessageIcon::critical);
   EXPECT_TRUE(recorder->messages[0].text.contains(":Error in SmartMenu_Click.  Error Message: "))
       << recorder->messages[0].text.toStdString();
-  // Neither stored nor half switched.
+  // Neither stored nor partly switched.
   EXPECT_EQ(libraryState().language.text(), "0");
   EXPECT_EQ(entry(*viewer, "TOOLS")->text(), "&Tools");
 }
@@ -432,7 +432,7 @@ TEST_F(Dispatch, TheToolbarSwitchTogglesAndTheMenuMarkStays) {
   press(*viewer, "TOOLS");
   EXPECT_TRUE(viewer->ViewSideTools());
   EXPECT_TRUE(element(*viewer, "frameFilter")->isVisible());
-  // The menu's mark says what it switches to, not what is: off the first time, though the tools are shown or hidden.
+  // The menu's mark shows the state that it switches to, not the current one: off at first, in either state.
   press(*viewer, "TOOLS");
   choose(*viewer, "VIEW/TOOLS");
   EXPECT_FALSE(entry(*viewer, "VIEW/TOOLS")->isChecked());
@@ -459,7 +459,7 @@ TEST_F(Dispatch, FittingTheColumnsHidesTheKeyAgainWhereTheMenuSaysSo) {
   EXPECT_TRUE(shown.isColumnHidden(0));
   EXPECT_GT(shown.columnWidth(5), 300);
   for (int c = 1; c < 18; ++c) EXPECT_NE(shown.columnWidth(c), before) << c;
-  // Other lists keep their widths, only their key column is looked after.
+  // Other lists keep their widths; only their key column is updated.
   EXPECT_EQ(list(*viewer, 1)->columnWidth(1), before);
   choose(*viewer, "VIEW/KEY");
   press(*viewer, "ADJUSTCOL");
@@ -501,7 +501,7 @@ TEST_F(Dispatch, FittingTheColumnsOfTheCustomPageLooksAfterTheKeysOfTheOthers) {
   press(*viewer, "ADJUSTCOL");
   EXPECT_LT(list(*viewer, 5)->columnWidth(0), 200);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(list(*viewer, i)->columnWidth(0), pixels(*viewer, 1000)) << i;
-  // A key column that something else has shown goes back to what the menu says.
+  // A key column that was shown in another way is set as the menu says.
   choose(*viewer, "VIEW/KEY");
   for (int i = 0; i < 5; ++i) list(*viewer, i)->setColumnHidden(0, false);
   press(*viewer, "ADJUSTCOL");

@@ -79,7 +79,7 @@ TEST_F(ContextMenu, OfAHeaderOpensWithTheKeyboard) {
   QMenu* menu = popup(*viewer);
   ASSERT_TRUE(menu->isVisible());
   EXPECT_EQ(printed(*menu), allColumns);
-  // Within reach of the header it belongs to.
+  // Near the header it belongs to.
   const QWidget* header = list(*viewer, 0)->horizontalHeader();
   EXPECT_EQ(menu->pos().y(), header->mapToGlobal(QPoint(0, header->height())).y());
 }
@@ -97,7 +97,7 @@ TEST_F(ContextMenu, OfALockedListStaysShut) {
   viewer->show();
   QWidget* target = list(*viewer, 0)->viewport();
   const QPoint place = target->mapTo(viewer.get(), target->rect().center());
-  // By way of the window: it is the toolkit that turns the click into a request for a menu.
+  // Through the window: the toolkit turns the click into a request for a menu.
   QTest::mouseClick(viewer->windowHandle(), Qt::RightButton, {}, place);
   EXPECT_FALSE(popup(*viewer)->isVisible());
   viewer->UnlockControls();
@@ -198,7 +198,7 @@ TEST_F(ContextMenu, ThatCouldNotBeBuiltGivesWayToTheFixedMenu) {
   const auto viewer = shownViewer();
   auto* fixed = element<QMenu>(*viewer, "mnupopup");
   auto* menu = popup(*viewer);
-  // Which allocation is that of the menu's entry is found out.
+  // Finds the allocation of the menu's entry.
   for (std::size_t successes = 1; successes < 20 && !fixed->isVisible(); ++successes) {
     menu->close();
     const FailingAllocations fails(successes, 1);

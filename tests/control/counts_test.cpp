@@ -1,5 +1,5 @@
-// Numbers of records and characters in texts of our own: their digits are grouped as the locale has it, those in texts
-// that are fixed to the letter are not.
+// Numbers of records and characters in texts of our own: their digits are grouped by the locale; those in fixed texts
+// are not.
 #include <QLabel>
 #include <QTest>
 

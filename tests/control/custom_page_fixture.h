@@ -10,14 +10,14 @@
 
 namespace korvel::test {
 
-/// A control on its custom page, and a server that answers with whatever fields and rows it is given.
+/// A control on its custom page, and a server that answers with given fields and rows.
 class CustomPage : public ViewerTest {
  protected:
   using Texts = std::vector<std::string>;
 
   CustomPage() {
     makeKeyboard();
-    // Every look at a query is told: no test waits for a clock.
+    // Progress is reported at every step: no test depends on a clock.
     control::platform().queryEnvironment.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   }
 

@@ -62,7 +62,7 @@ TEST_F(CustomQuery, ByNameItRunsAnyTextFromAnyPage) {
   ASSERT_TRUE(QMetaObject::invokeMethod(viewer.get(), "TriggerAdvancedQuery", Q_ARG(QString, "other")));
   EXPECT_THAT(server.commands, ElementsAre("other"));
   EXPECT_EQ(column(*viewer, 5), "1 2");
-  // The count is about the page in front.
+  // The count is that of the current page.
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
   selectTab(*viewer, 5);
   EXPECT_EQ(recordsPanel(*viewer), "2 Records on current tab");
@@ -90,7 +90,7 @@ TEST_F(CustomQuery, NoRecordsLeaveTheColumnsThatWereThere) {
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
 }
 
-TEST_F(CustomQuery, AFailureIsSaidAndItsLineIsMarked) {
+TEST_F(CustomQuery, AFailureIsReportedAndItsLineIsMarked) {
   const auto viewer = customPage();
   answerWith({"a"}, {{"1"}});
   click(*viewer, "btQuery");
@@ -114,7 +114,7 @@ TEST_F(CustomQuery, AFailureIsSaidAndItsLineIsMarked) {
   EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
   EXPECT_EQ(statusPanel(*viewer), "");
   EXPECT_EQ(recorder->pointers.back(), ui::Pointer::standard);
-  // The host hears of it too, and does not have to wait until the box is closed.
+  // The host is notified too, before the message box is closed.
   EXPECT_EQ(failureBehindTheBox, "208:Invalid object name 'x'. (line 2)");
   EXPECT_EQ(lastFailure(*viewer), failureBehindTheBox);
 
@@ -202,7 +202,7 @@ TEST_F(CustomQuery, F5RunsTheQueryOfThePageInFrontWhereverTheFocusIs) {
   selectTab(*viewer, 5);
   for (const char* focus : {"tvTreeView", "btClear", "txtAdvancedQuery", "lvListView5"})
     EXPECT_EQ(pressOn(*element(*viewer, focus)), "Select * from Korvel_Audit_Trails") << focus;
-  // Without a database it does nothing, and says nothing.
+  // Without a database it does nothing and shows nothing.
   selectTab(*viewer, 0);
   viewer->LockControls();
   viewer->setFocus();
@@ -231,7 +231,7 @@ TEST_F(CustomQuery, SortingRecordViewAndClearingKnowItsColumns) {
   QStringList labels;
   for (const QLabel* label : records->findChildren<QLabel*>()) labels.append(label->text());
   EXPECT_TRUE(labels.contains("Area"));
-  // Its record is gone with the next answer, which is not in that order any more.
+  // The next answer does not have the record, and is not in that order any more.
   click(*viewer, "btQuery");
   EXPECT_FALSE(records->isVisible());
   EXPECT_EQ(column(*viewer, 5), "b a");

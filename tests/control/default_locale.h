@@ -4,7 +4,7 @@
 
 namespace korvel::test {
 
-/// A locale for as long as it lives, whatever the machine's is.
+/// Sets the default locale while it lives.
 class DefaultLocale {
  public:
   explicit DefaultLocale(const QLocale& locale) { QLocale::setDefault(locale); }

@@ -11,7 +11,7 @@
 namespace korvel::test {
 namespace {
 
-/// From a database file to the lists, through nothing but the real engine.
+/// From a database file to the lists, with the real engine.
 class EndToEnd : public ViewerTest {
  protected:
   EndToEnd() {

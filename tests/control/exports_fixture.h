@@ -11,7 +11,7 @@
 
 namespace korvel::test {
 
-/// Outputs go into a folder of the test's own, which "windir" names.
+/// Outputs go into a folder of the test, named by "windir".
 class Outputs : public CommandTest {
  protected:
   /// A viewer whose custom page shows rows of three columns A, B and C.

@@ -24,7 +24,7 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
-/// Whether a symbol belongs to what the public headers declare.
+/// Whether the public headers declare a symbol.
 bool isPublic(const std::string& symbol) {
   const std::array names{"korvel::AuditViewer",
                          "korvel::FailureBar",

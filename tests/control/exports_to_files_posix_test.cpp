@@ -1,4 +1,4 @@
-// The text export and the exchange file on a full disk, and where somebody has planted a link.
+// The text export and the exchange file on a full disk, and with a link in their place.
 #include "tests/control/exports_fixture.h"
 #include "tests/support/full_disk.h"
 

@@ -1,4 +1,4 @@
-// The text export and the exchange file, from the command to the file and what is said of it.
+// The text export and the exchange file, from the command to the file and the messages about it.
 #include <QDir>
 
 #include "base/error.h"
@@ -89,7 +89,7 @@ TEST_F(TextExport, SaysHowManyCharactersTheFileCannotHold) {
 }
 
 // The pointer and the progress bar deliberately stay as they were when it failed.
-TEST_F(TextExport, AFolderThatIsGoneIsAnErrorWithItsNumber) {
+TEST_F(TextExport, AMissingFolderIsAnErrorWithItsNumber) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   {
     const EnvironmentVariable gone("windir", (folder / "gone").string());
@@ -132,7 +132,7 @@ TEST_F(TextExport, TheProgressBarGoesFromTheFirstRowToTheLast) {
   EXPECT_EQ(values.last()[0].toInt(), 2500);
 }
 
-/// Paintings of a widget that have happened so far.
+/// The number of times that a widget was painted so far.
 class PaintCount final : public QObject {
  public:
   explicit PaintCount(QWidget& watched) { watched.installEventFilter(this); }
@@ -140,7 +140,7 @@ class PaintCount final : public QObject {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    // At the place where it is to be seen, not where it was created.
+    // At its place in the window, not where it was created.
     if (event->type() == QEvent::Paint && !qobject_cast<QWidget*>(watched)->pos().isNull()) ++count;
     return false;
   }
@@ -275,7 +275,7 @@ TEST_F(SpreadsheetExport, IntoAFolderWithAForeignName) {
   EXPECT_EQ(statusPanel(*viewer), "Exported to " + path(foreign) + QDir::separator() + "velviewex.log");
 }
 
-TEST_F(SpreadsheetExport, AFailureTellsItsNumberAndTheHint) {
+TEST_F(SpreadsheetExport, AFailureShowsItsNumberAndTheHint) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   // A folder in the file's place.
   std::filesystem::create_directory(folder / "velviewex.log");

@@ -1,4 +1,4 @@
-// Which help file the control chooses and what the help commands ask for.
+// The help file that the control selects, and the requests of the help commands.
 #include <QAbstractButton>
 
 #include "base/error.h"
@@ -109,7 +109,7 @@ TEST_F(Help, WithoutAViewersPathTheEmptyPathIsAskedFor) {
   EXPECT_THAT(recorder->messages, ::testing::IsEmpty());
 }
 
-TEST_F(Help, APathThatIsGoneLeavesTheFileAsItWas) {
+TEST_F(Help, APathThatNoLongerExistsKeepsTheFile) {
   settings.values["ViewerAppPath"] = viewerPath.toStdString();
   const auto viewer = newViewer();
   settings.values.erase("ViewerAppPath");

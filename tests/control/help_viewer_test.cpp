@@ -1,4 +1,4 @@
-// Help where the desktop opens it: what the platform is handed and what the person is told.
+// Help that the desktop opens: the arguments for the platform and the messages to the user.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -69,11 +69,11 @@ TEST_F(HelpViewer, AnEmptyPathShowsNothing) {
   EXPECT_EQ(told, QStringList());
 }
 
-TEST_F(HelpViewer, AMissingFileIsSaid) {
+TEST_F(HelpViewer, AMissingFileIsReported) {
   const test::OpenedFiles opened;
   const QString missing = QString::fromStdString((folder / "Help_Eng.chm").string());
   services.openHelp(&owner, missing, HelpCommand::contents);
-  // A folder is no help file either, and an address of the web is not a path.
+  // A folder is not a help file, and a web address is not a path.
   services.openHelp(&owner, QString::fromStdString(folder.path().string()), HelpCommand::contents);
   services.openHelp(&owner, "https://localhost/Help.chm", HelpCommand::contents);
   EXPECT_EQ(opened.files(), QStringList());
@@ -81,8 +81,8 @@ TEST_F(HelpViewer, AMissingFileIsSaid) {
   EXPECT_EQ(told[0], "The help file " + missing + " was not found.");
 }
 
-TEST_F(HelpViewer, ADesktopWithoutAProgramForItIsSaid) {
-  // The tests' platform has no desktop.
+TEST_F(HelpViewer, ADesktopWithoutAProgramForItIsReported) {
+  // The offscreen platform has no desktop.
   const QString file = helpFile("Help%1.chm");
   services.openHelp(&owner, file, HelpCommand::contents);
   EXPECT_EQ(told, QStringList{"There is no program that opens the help file " + file + "."});

@@ -13,7 +13,7 @@ TEST_F(Languages, ARebuildSetsTheMarksAndUnlocksWhereADatabaseIsSelected) {
   choose(*viewer, "Language/LANGUAGE/SPANISH");
   EXPECT_TRUE(entry(*viewer, "VIEW/KEY")->isChecked());
   EXPECT_TRUE(entry(*viewer, "VIEW/TOOLS")->isChecked());
-  // The marks alone: what they speak of stays as it was.
+  // Only the language's mark changes; the captions do not.
   EXPECT_FALSE(viewer->ViewSideTools());
   EXPECT_TRUE(list(*viewer, 0)->isColumnHidden(0));
   EXPECT_TRUE(entry(*viewer, "TOOLS")->isEnabled());
@@ -62,7 +62,7 @@ TEST_F(Languages, MenuAndToolbarAreBuiltByName) {
   EXPECT_TRUE(button(*viewer, "QUERY")->isEnabled());
 }
 
-TEST_F(Languages, AnotherViewerKeepsItsCaptionsUntilItIsTold) {
+TEST_F(Languages, AnotherViewerKeepsItsCaptionsUntilItIsUpdated) {
   const auto first = shownViewer();
   const auto second = shownViewer();
   choose(*first, "Language/LANGUAGE/GERMAN");

@@ -34,7 +34,7 @@ TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
                    "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
                    "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
                    "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
-                   // Not of the type library, and therefore behind it.
+                   // Not in the type library, and therefore after its members.
                    "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()"}));
 }
 
@@ -84,7 +84,7 @@ TEST_F(PublicFace, ExpandAllByName) {
   const auto viewer = shownViewer();
   auto* tree = element<QTreeWidget>(*viewer, "tvTreeView");
   {
-    // Without its signals the tree stays as it is left.
+    // Without signals the tree is not changed again.
     const QSignalBlocker quiet(tree);
     tree->collapseAll();
   }
@@ -211,7 +211,7 @@ TEST_F(Lifecycle, TheStoredLanguageCaptionsTheSideControls) {
   EXPECT_EQ(element(*viewer, "btExcel")->toolTip(), text(10050));
 }
 
-TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {
+TEST_F(Lifecycle, AFailingInitializeReportsItAndStops) {
   settings.openFailure = settings::errorAccessDenied;
   const auto viewer = newViewer();
   ASSERT_EQ(recorder->messages.size(), 1U);
@@ -220,7 +220,7 @@ TEST_F(Lifecycle, AFailingInitializeSaysSoAndStopsThere) {
             (ShownMessage{
                 MessageIcon::critical, "",
                 QString::number(number) + ":Error in Initialize.  Error Message: Could not open registry section"}));
-  // Built as far as it came: neither columns nor tree, and still a control that can be shown.
+  // Partly built: neither columns nor tree, and still a control that can be shown.
   EXPECT_EQ(list(*viewer, 0)->model()->columnCount(), 0);
   EXPECT_EQ(treeText(*viewer), "");
   viewer->show();
@@ -246,7 +246,7 @@ TEST_F(Lifecycle, AStepThatFailsLaterLeavesWhatWasBuiltAndEndsTheRest) {
   EXPECT_THAT(recorder->messages,
               ::testing::ElementsAre(ShownMessage{MessageIcon::critical, "",
                                                   "57:Error in Initialize.  Error Message: device unavailable"}));
-  // It failed when elements were locked: columns and captions stand, the tree and what follows it was not reached.
+  // It failed while elements were locked: columns and captions exist, the tree and what follows it do not.
   EXPECT_EQ(list(*viewer, 0)->model()->columnCount(), 18);
   EXPECT_EQ(element<QAbstractButton>(*viewer, "btDateRangeFilter")->text(), "Date Range");
   EXPECT_EQ(treeText(*viewer), "");

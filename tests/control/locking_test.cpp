@@ -6,7 +6,7 @@ namespace {
 
 using Locking = CommandTest;
 
-/// The elements that locking reaches, in its order.
+/// The elements that are locked, in order.
 const QStringList lockedElements = {"frameFilter",       "btQuery",          "btClear",     "btSelectALL",
                                     "btUnselectALL",     "btExcel",          "btPrint",     "tvTreeView",
                                     "btDateRangeFilter", "btClearDateRange", "lvListView0", "lvListView1",

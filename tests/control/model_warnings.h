@@ -8,7 +8,7 @@
 
 namespace korvel::test {
 
-/// Watches a model and turns every complaint of Qt's model tester into a test failure: left alone, it only prints them.
+/// Checks a model with Qt's model tester and turns its warnings, which it only prints, into test failures.
 class ModelWatch {
  public:
   explicit ModelWatch(QAbstractItemModel* model) {

@@ -1,4 +1,4 @@
-// What the status panel tells of a list, beside the menus' help and the warning of a truncated answer.
+// Notices of a list in the status panel, together with the menus' help and the warning of a truncated answer.
 #include "control/result_list_view.h"
 #include "control/texts.h"
 #include "tests/control/command_surfaces.h"
@@ -44,14 +44,14 @@ TEST_F(Notice, StandsBesideTheLimitAndOutlivesAMenu) {
   EXPECT_EQ(statusPanel(*viewer), scattered + ". " + limit);
   crossMenuBar(*viewer);
   EXPECT_EQ(statusPanel(*viewer), scattered + ". " + limit);
-  // What it was about is another page's; the answer is cut off still.
+  // The notice belongs to another page; the answer is still truncated.
   selectTab(*viewer, 1);
   EXPECT_EQ(statusPanel(*viewer), limit);
   crossMenuBar(*viewer);
   EXPECT_EQ(statusPanel(*viewer), limit);
 }
 
-TEST_F(Notice, AloneOutlivesAMenuAndGoesWithTheNextQueryOrItsRows) {
+TEST_F(Notice, AloneOutlivesAMenuAndEndsWithTheNextQueryOrItsRows) {
   const auto viewer = shownViewer();
   fillScattering(4998);
   const QString alone = control::ownText("list.selectionScattered").arg(2499);

@@ -1,4 +1,4 @@
-// The window that tells how far a report is on its way.
+// The window that shows the progress of a report.
 #include "control/forms/page_progress_dialog.h"
 
 #include <gtest/gtest.h>
@@ -19,11 +19,11 @@ class Pages : public ::testing::Test {
   std::unique_ptr<QWidget> owner = std::make_unique<QWidget>();
 };
 
-TEST_F(Pages, AreToldWhereTheWayIsLong) {
+TEST_F(Pages, AreShownForALongReport) {
   PageProgressDialog window(*owner, std::chrono::milliseconds{0});
   ASSERT_NE(dialog(), nullptr);
   EXPECT_FALSE(dialog()->isVisible());
-  // While pages are counted nothing but the time goes on.
+  // While pages are counted only the time advances.
   EXPECT_TRUE(window.show(0, 0));
   EXPECT_TRUE(window.show(0, 0));
   EXPECT_TRUE(dialog()->isVisible());
@@ -33,7 +33,7 @@ TEST_F(Pages, AreToldWhereTheWayIsLong) {
   EXPECT_TRUE(dialog()->isVisible());
 }
 
-TEST_F(Pages, StayUntoldWhereItIsShort) {
+TEST_F(Pages, AreNotShownForAShortReport) {
   PageProgressDialog window(*owner, std::chrono::hours{1});
   EXPECT_TRUE(window.show(0, 0));
   EXPECT_TRUE(window.show(1, 2));

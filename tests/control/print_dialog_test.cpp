@@ -1,4 +1,4 @@
-// The dialog for printers where the toolkit has it, and what becomes of its answers.
+// The toolkit's dialog for printers, and the use of its results.
 #include <gtest/gtest.h>
 
 #include <QCheckBox>

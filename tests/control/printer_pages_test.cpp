@@ -1,4 +1,4 @@
-// What is printed on a printer of what was chosen for it.
+// The pages and copies that are printed for the choices in the dialog.
 #include "control/printer_pages.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 namespace korvel::control {
 namespace {
 
-/// A printer's own part: it makes copies itself, or it does not.
+/// A printer that makes copies itself, or does not.
 class Engine final : public QPaintEngine, public QPrintEngine {
  public:
   explicit Engine(bool copies) : QPaintEngine(AllFeatures), copies_(copies) {}

@@ -7,7 +7,7 @@
 
 namespace korvel::test {
 
-/// Whoever is asked for a printer chooses a file.
+/// The print dialog is answered with a file.
 class Printing : public Outputs {
  protected:
   Printing() {
@@ -17,7 +17,7 @@ class Printing : public Outputs {
       return true;
     };
   }
-  /// The report viewer says that it has the report when the event loop runs.
+  /// The report viewer reports that it has the report when the event loop runs.
   static void completeDocuments() { QCoreApplication::processEvents(); }
   [[nodiscard]] std::string printed() const { return written("printed.pdf"); }
 };

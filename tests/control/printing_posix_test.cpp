@@ -1,4 +1,4 @@
-// Printing on a full disk, whom the printed file is for, which pages are in it and what they say.
+// Printing on a full disk; the rights, the pages and the contents of the printed file.
 #include <sys/stat.h>
 
 #include <chrono>
@@ -49,7 +49,7 @@ TEST_F(Printing, AFileIsReadableByWhomTheUsersMaskAllows) {
 
 class PrintedPages : public Printing {
  protected:
-  /// Whoever is asked for a printer chooses a file, pages and copies.
+  /// The print dialog is answered with a file, pages and copies.
   void choosePages(const char* ranges, int copies, bool collated) {
     const auto intoFile = recorder->onPrinter;
     recorder->onPrinter = [=](QPrinter& printer) {
@@ -102,7 +102,7 @@ TEST_F(PrintedPages, FromThePreviewAreThoseThatWereChosen) {
   EXPECT_EQ(printedNumbers(), "3 3 ");
 }
 
-TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreSaidAndAnEarlierFileStays) {
+TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreReportedAndAnEarlierFileStays) {
   writeWholeFile(folder / "printed.pdf", "earlier");
   choosePages("50-60", 1, true);
   click(*viewer, "btPrint");
@@ -142,7 +142,7 @@ TEST_F(Printing, TellsAtTheHeadOfThePagesThatAllWasLoaded) {
             std::string::npos);
 }
 
-TEST_F(Printing, TellsOfAlarmRowsOfAllDatesAtTheHeadOfThePages) {
+TEST_F(Printing, ReportsAlarmRowsOfAllDatesAtTheHeadOfThePages) {
   using namespace std::chrono;
   libraryState().dateRange = {2004y / 3 / 7, 2004y / 3 / 7, true};
   const auto viewer = shownViewer();

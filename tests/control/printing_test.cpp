@@ -23,7 +23,7 @@ TEST_F(Printing, WritesTheReportAndThenAsksForThePrinter) {
   EXPECT_FALSE(libraryState().pendingReport.print);
   EXPECT_EQ(printed().substr(0, 5), "%PDF-");
   EXPECT_THAT(recorder->messages, IsEmpty());
-  EXPECT_EQ(filesInFolder(), 2);  // nothing temporary stays
+  EXPECT_EQ(filesInFolder(), 2);  // no temporary file is left
 }
 
 TEST_F(Printing, ByMenuAndToolbar) {
@@ -79,7 +79,7 @@ TEST_F(Printing, ACancelledPrintDialogPrintsNothing) {
 TEST_F(Printing, TakesThePrintFont) {
   libraryState().printFont = {"Courier", 9.75};
   const auto viewer = shownViewer();
-  // A new viewer sets it back.
+  // A new viewer resets it.
   click(*viewer, "btPrint");
   EXPECT_NE(written("report.htm").find("FONT:9P Courier"), std::string::npos);
   libraryState().printFont.size = 9.75;
@@ -103,7 +103,7 @@ TEST_F(Printing, AReportThatWasChangedMeanwhileIsNotPrinted) {
   EXPECT_TRUE(recorder->messages[0].text.endsWith("\r\nMake sure Internet Explorer 6.0 or above is installed"));
 }
 
-TEST_F(Printing, AReportThatIsGoneIsSaid) {
+TEST_F(Printing, AMissingReportIsReported) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   click(*viewer, "btPrint");
   std::filesystem::remove(folder / "report.htm");
@@ -113,7 +113,7 @@ TEST_F(Printing, AReportThatIsGoneIsSaid) {
                                                            "Make sure Internet Explorer 6.0 or above is installed"}));
 }
 
-TEST_F(Printing, AReportThatCannotBeWrittenIsSaid) {
+TEST_F(Printing, AReportThatCannotBeWrittenIsReported) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   const EnvironmentVariable gone("windir", (folder / "gone").string());
   click(*viewer, "btPrint");
@@ -124,7 +124,7 @@ TEST_F(Printing, AReportThatCannotBeWrittenIsSaid) {
   EXPECT_EQ(recorder->printerDialogs, 0);
 }
 
-TEST_F(Printing, APrinterThatTakesNothingIsSaidAndAnOlderFileStays) {
+TEST_F(Printing, APrinterThatTakesNothingIsReportedAndAnOlderFileStays) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   writeWholeFile(folder / "printed.pdf", "older");
   recorder->onPrinter = [this](QPrinter& printer) {
@@ -146,7 +146,7 @@ TEST_F(Printing, APrinterThatTakesNothingIsSaidAndAnOlderFileStays) {
   EXPECT_EQ(printed().substr(0, 5), "%PDF-");
 }
 
-TEST_F(Printing, APrinterThatIsMissingIsSaid) {
+TEST_F(Printing, APrinterThatIsMissingIsReported) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
   // Neither a printer of this machine nor a file.
   recorder->onPrinter = [](QPrinter& printer) {
@@ -203,7 +203,7 @@ TEST_F(Printing, AFileHasThePaperThatWasChosen) {
 }
 
 TEST_F(Printing, ThePagesSayThatCharactersAreMissing) {
-  // Left below, as ink on white.
+  // The lower left, dark on white.
   const auto noteOf = [&](const std::string& text) {
     bool ink = false;
     recorder->onPreview = [&](output::pages::ReportSheets& sheets) {

@@ -1,4 +1,4 @@
-// Help and the text editor on Windows: what they are started with, and what is said where they are missing.
+// Help and the text editor on Windows: their arguments, and the messages where they are missing.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -48,7 +48,7 @@ TEST_F(HtmlHelp, TakesThePathInTheSystemsCodePageAndWithItsSeparators) {
   EXPECT_EQ(helpCall->file, settings::toCodePage("C:\\H\u00e4lp.chm"));
 }
 
-TEST_F(HtmlHelp, IsAlsoAskedToOpenNothing) {
+TEST_F(HtmlHelp, IsAlsoCalledWithoutAFile) {
   EXPECT_EQ(openHelpWith(&htmlHelp, nullptr, {}, HelpCommand::contents), HelpOutcome::done);
   ASSERT_TRUE(helpCall);
   EXPECT_EQ(helpCall->file, "");

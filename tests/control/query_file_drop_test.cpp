@@ -21,7 +21,7 @@ class QueryFileDrop : public CustomPage {
     std::ofstream(folder.path() / name, std::ios::binary) << text;
     return QUrl::fromLocalFile(QString::fromStdString((folder.path() / name).string()));
   }
-  /// Drags onto a widget and drops there, as the system does it; whether it was taken.
+  /// Drags onto a widget and drops there, as the system does; whether the drop was accepted.
   static bool drop(QWidget& on, const QList<QUrl>& urls, Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction) {
     QMimeData data;
     data.setUrls(urls);
@@ -29,7 +29,7 @@ class QueryFileDrop : public CustomPage {
     QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&on, &enter);
     if (!enter.isAccepted()) return false;
-    // What follows goes to the widget that has taken it.
+    // The following events go to the widget that accepted it.
     QDragMoveEvent move(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&on, &move);
     EXPECT_TRUE(move.isAccepted());
@@ -74,7 +74,7 @@ TEST_F(QueryFileDrop, OtherFilesAndOtherPagesTakeNone) {
   EXPECT_FALSE(drop(*element(*viewer, "lvListView0"), {query}));
 }
 
-TEST_F(QueryFileDrop, AFileThatCannotBeReadIsSaidAndLeavesTheText) {
+TEST_F(QueryFileDrop, AFileThatCannotBeReadIsReportedAndLeavesTheText) {
   const auto viewer = customPage();
   const QUrl missing = file("a.vqf");
   std::filesystem::remove(folder.path() / "a.vqf");

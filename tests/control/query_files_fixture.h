@@ -10,7 +10,7 @@
 
 namespace korvel::test {
 
-/// The custom page, with a folder of the test's own to choose query files from.
+/// The custom page, with a folder of query files for the test.
 class QueryFiles : public CustomPage {
  protected:
   QueryFiles() {

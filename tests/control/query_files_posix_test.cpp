@@ -1,4 +1,4 @@
-// Names of query files that are bytes and no text.
+// Names of query files that are not UTF-8.
 #include "tests/control/query_files_fixture.h"
 
 namespace korvel::test {

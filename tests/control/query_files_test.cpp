@@ -89,7 +89,7 @@ TEST_F(QueryFiles, NamesThatCannotBeAreRefusedWithTheReason) {
   EXPECT_TRUE(folderIsEmpty());
 }
 
-TEST_F(QueryFiles, AFileThatCannotBeWrittenIsSaid) {
+TEST_F(QueryFiles, AFileThatCannotBeWrittenIsReported) {
   const auto viewer = customPage();
   recorder->chosenFolder = QString::fromStdString((folder / "missing").string());
   click(*viewer, "btSave");
@@ -110,7 +110,7 @@ TEST_F(QueryFiles, OpeningReadsTheChosenFileOfTheChosenFolder) {
   EXPECT_EQ(recorder->shownForms, QStringList("frmFileList"));
   EXPECT_EQ(editor(*viewer).queryText(), QString::fromUtf8("select 1\r\n\r\nfrom \u00E9\r\n"));
   EXPECT_EQ(editor(*viewer).document()->blockCount(), 4);
-  // Loading runs nothing, and what was there can be had back.
+  // Loading runs nothing, and can be undone.
   EXPECT_THAT(server.commands, IsEmpty());
   editor(*viewer).undo();
   EXPECT_EQ(editor(*viewer).queryText(), "Select * from Korvel_Audit_Trails");

@@ -131,7 +131,7 @@ TEST_F(FilterTreeTest, ACollapsedNodeOpensAgain) {
   EXPECT_TRUE(node(*viewer, "Document Control")->isExpanded());
 }
 
-TEST_F(DateRangeTest, TheDialogIsToldTheNewestDayThatTheListsShow) {
+TEST_F(DateRangeTest, TheDialogGetsTheNewestDayThatTheListsShow) {
   using namespace std::chrono_literals;
   recorder->forms.insert("frmAdvancedFilters");
   const auto viewer = shownViewer();
@@ -250,7 +250,7 @@ TEST_F(QueryTest, TheCallCarriesTheTickedCategories) {
                           "'False','False','False'"));
 }
 
-TEST_F(QueryTest, NoCriteriaIsSaidAfterTheListsAreCleared) {
+TEST_F(QueryTest, NoCriteriaIsReportedAfterTheListsAreCleared) {
   const auto viewer = shownViewer();
   server.resultSets = {{record("1", "CS")}};
   click(*viewer, "btQuery");
@@ -270,7 +270,7 @@ TEST_F(QueryTest, NoCriteriaIsSaidAfterTheListsAreCleared) {
 TEST_F(QueryTest, NoRecordsHasATitleOfItsOwn) {
   const auto viewer = shownViewer();
   server.resultSets = {{}, {record("1", "CS")}};
-  // The box may stand for hours: nothing is kept open behind it.
+  // The box may be open for hours: no connection is kept open behind it.
   recorder->onMessage = [&] { EXPECT_EQ(server.openConnections, 0); };
   control::platform().connect = [&](std::string_view text, const std::stop_token&) {
     auto connection = server.connect(text);

@@ -18,10 +18,10 @@ namespace {
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// What happens, and what does not, while a custom query loads.
+/// What is processed while a custom query loads, and what is not.
 using WhileItLoads = CustomPage;
 
-/// Sends a key as the window system does: by the queue.
+/// Sends a key as the window system does: through the event queue.
 void postKey(QWidget* to, Qt::Key key, const QString& text = {}) {
   QCoreApplication::postEvent(to, new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, text));
 }
@@ -65,7 +65,7 @@ TEST_F(WhileItLoads, EscapeStopsAStandardQueryToo) {
     begin(sink, {"Nr", "AuditType"});
     row(sink, {"2", "CS"});
     onWindowThread([&] {
-      // What is seen meanwhile holds no record of the earlier answer.
+      // No record of the earlier answer is visible meanwhile.
       EXPECT_EQ(column(*viewer, 0), "");
       EXPECT_EQ(recordsPanel(*viewer), "0 Records on current tab");
       EXPECT_EQ(statusPanel(*viewer), "Querying Database Please Wait....");
@@ -169,7 +169,7 @@ TEST_F(WhileItLoads, WindowsArePainted) {
   EXPECT_GT(other.count, before);
 }
 
-TEST_F(WhileItLoads, ClicksAndKeysReachNobody) {
+TEST_F(WhileItLoads, ClicksAndKeysAreIgnored) {
   const auto viewer = customPage();
   QLineEdit host;
   host.show();
@@ -197,7 +197,7 @@ TEST_F(WhileItLoads, WhatWasSentBeforeItsEndStartsNoOther) {
   server.answer = [&](db::ResultSink& sink) {
     begin(sink, {"a"});
     row(sink, {"1"});
-    // Nobody looks any more before the query has ended.
+    // The window does not check again before the query has ended.
     postKey(&editor(*viewer), Qt::Key_F5);
   };
   click(*viewer, "btQuery");
@@ -249,7 +249,7 @@ TEST_F(WhileItLoads, TimersOfTheHostWait) {
   EXPECT_TRUE(fired);
 }
 
-TEST_F(WhileItLoads, TheFocusIsToldAfterwards) {
+TEST_F(WhileItLoads, FocusEventsFollowAfterwards) {
   const auto viewer = customPage();
   QWidget host;
   QLineEdit first(&host);
@@ -359,7 +359,7 @@ TEST_F(WhileItLoads, ADialogThatAQueuedCallOpensCanBeClosed) {
   });
   click(*viewer, "btQuery");
   EXPECT_TRUE(closed);
-  // That escape was the dialog's.
+  // That Esc closed the dialog.
   EXPECT_EQ(column(*viewer, 5), "1 2");
 }
 

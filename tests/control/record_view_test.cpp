@@ -27,7 +27,7 @@ using control::RecordView;
 using control::ValueField;
 using ::testing::ElementsAre;
 
-/// The values of the fields that are to be seen, by their captions.
+/// The values of the visible fields, by their captions.
 QString fieldsOf(const RecordView& view) {
   QString text;
   for (int i = 0;; ++i) {
@@ -196,7 +196,7 @@ TEST_F(RecordOfAList, SteppingIntoAnotherAnswerKeepsTheKeyboardAndTheMenus) {
     press(Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(fieldsOf(record), "Entry ID=2;Area=c;");
     EXPECT_EQ(menuOf(*field(record, "Area")), "Copy,Select all");
-    // At the last record the focus leaves the button for the next one, as ever.
+    // At the last record the focus moves from the disabled button to the next widget, as always.
     EXPECT_EQ(record.focusWidget(), button(reading ? "btClose" : "btPrevious"));
     press(Qt::Key_PageUp, Qt::ControlModifier);
     EXPECT_EQ(fieldsOf(record), "Entry ID=1;Area=a;F2=b;");
@@ -241,7 +241,7 @@ TEST_F(RecordOfAList, LongAndManyLinedValuesAreReadable) {
   EXPECT_EQ(field(record, "F3")->verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
   EXPECT_EQ(field(record, "F4")->height(), one + 5 * lineHeight);
   EXPECT_EQ(field(record, "F4")->toPlainText().size(), 3000);
-  // What is short again takes little room again.
+  // A short value takes little room again.
   record.close();
   fillRecords({{"1", "short", "one", "x", "y"}});
   record.showRecord(view, 0);
@@ -305,7 +305,7 @@ TEST_F(RecordOfTheTrail, OldAndNewValueStandSideBySide) {
   EXPECT_EQ(before.top(), after.top());
   EXPECT_LT(before.right(), after.left());
   EXPECT_NEAR(before.width(), after.width(), 1);
-  // All others stand below each other, in the order of the record.
+  // All others are below each other, in the order of the record.
   EXPECT_LT(field(*record, "Item ID")->mapTo(record, QPoint()).y(),
             field(*record, "Old Value")->mapTo(record, QPoint()).y());
   EXPECT_LT(field(*record, "Old Value")->mapTo(record, QPoint()).y(),
@@ -359,7 +359,7 @@ TEST_F(RecordOfTheTrail, SpeaksTheLanguageWithLettersOfItsOwnForEveryButton) {
   }
 }
 
-TEST_F(RecordOfTheTrail, ARefusedCopyIsSaidInABox) {
+TEST_F(RecordOfTheTrail, ARefusedCopyIsReportedInABox) {
   const auto viewer = shownViewer();
   viewer->TriggerQuery();
   auto* const table = element<control::ResultListView>(*viewer, "lvListView0");
@@ -372,7 +372,7 @@ TEST_F(RecordOfTheTrail, ARefusedCopyIsSaidInABox) {
                                "2 rows are too many for the clipboard. Nothing was copied; select fewer rows."}));
 }
 
-TEST_F(RecordOfTheTrail, ACopyWithoutMemoryIsSaidInABox) {
+TEST_F(RecordOfTheTrail, ACopyWithoutMemoryIsReportedInABox) {
   const auto viewer = shownViewer();
   viewer->TriggerQuery();
   RecordView* const record = open(*viewer, 0, 0);

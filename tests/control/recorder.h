@@ -26,7 +26,7 @@ inline std::ostream& operator<<(std::ostream& out, const ShownMessage& message) 
              << message.text.toStdString() << '"';
 }
 
-/// Answers the control from a script and writes down what it was asked.
+/// Answers the control's requests from a script and records them.
 class Recorder final : public control::ControlServices {
  public:
   void messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) override {
@@ -102,7 +102,7 @@ class Recorder final : public control::ControlServices {
   QStringList edited;
   std::function<void()> onEditor;
   int printerDialogs = 0;
-  /// Sets the printer up as a person would; false cancels, as no answer does.
+  /// Sets the printer up as a user would; false cancels, as does no answer.
   std::function<bool(QPrinter&)> onPrinter;
   QList<int> previewedPages;
   std::function<void(output::pages::ReportSheets&)> onPreview;

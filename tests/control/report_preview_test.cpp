@@ -1,4 +1,4 @@
-// The preview: pages one by one, large and small, as a person goes through them.
+// The preview: single pages, zoom and thumbnails.
 #include "control/forms/report_preview.h"
 
 #include <gtest/gtest.h>
@@ -149,7 +149,7 @@ TEST_F(Preview, ZoomsBetweenItsLimits) {
   EXPECT_EQ(window.zoomPercent(), 400);
   QTest::keyClick(&window, Qt::Key_0, Qt::ControlModifier);
   EXPECT_EQ(shown(window).size(), whole);
-  // The toolkit remembers the modifiers of the last key beyond the window; the next test wants none.
+  // The toolkit keeps the modifiers of the last key after the window is closed; the next test needs none.
   QTest::keyClick(&window, Qt::Key_Home);
 }
 
@@ -217,7 +217,7 @@ TEST_F(Preview, TheUsualKeyPrints) {
   window.show();
   QTest::keyClick(element<QScrollArea>(window, "areaPage"), Qt::Key_P, Qt::ControlModifier);
   EXPECT_EQ(print.count(), 1);
-  // The toolkit remembers the modifiers of the last key beyond the window; the next test wants none.
+  // The toolkit keeps the modifiers of the last key after the window is closed; the next test needs none.
   QTest::keyClick(&window, Qt::Key_Home);
 }
 
@@ -225,7 +225,7 @@ TEST_F(Preview, ThePageKeysScrollThroughAPageAndThenTurnIt) {
   ReportPreview window(sheets(300), nullptr);
   window.show();
   auto* area = element<QScrollArea>(window, "areaPage");
-  // The whole page is in sight.
+  // The whole page is visible.
   QTest::keyClick(area, Qt::Key_PageDown);
   EXPECT_EQ(window.page(), 2);
   window.setZoomPercent(400);

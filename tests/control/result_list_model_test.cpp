@@ -19,7 +19,7 @@ using results::ResultList;
 using test::ListModel;
 using test::ListView;
 
-/// A model that promises two rows and then has three.
+/// A model that announces two rows and then has three.
 class BrokenModel final : public QAbstractListModel {
  public:
   int rowCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : rows; }

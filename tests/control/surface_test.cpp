@@ -24,7 +24,7 @@ int pixels(const QWidget& widget, int twips) {
   return qRound(double(twips) * widget.logicalDpiX() / 1440);
 }
 
-/// What a person reads in a tooltip.
+/// The visible text of a tooltip.
 QString textOfToolTip(const QString& toolTip) {
   if (!Qt::mightBeRichText(toolTip)) return toolTip;
   QTextDocument shown;
@@ -33,7 +33,7 @@ QString textOfToolTip(const QString& toolTip) {
 }
 
 TEST_F(Surface, TestsAreDrawnInTheFontOfTheFontPackage) {
-  // Without any font every letter is a box, and tests that look at sizes prove nothing.
+  // Without fonts every letter is a box, and tests of sizes prove nothing.
   EXPECT_EQ(QFontInfo(QApplication::font()).family(), "DejaVu Sans");
 }
 
@@ -65,7 +65,7 @@ TEST_F(Surface, TheStripsFramesAreAsWideAsTheStripAndTheirContentsLieInside) {
     EXPECT_EQ(whole.right() + 1, element(*viewer, "SSTab1")->x()) << frame;
     EXPECT_GT(inViewer(element(*viewer, content), *viewer).left(), inset) << frame;
     EXPECT_LT(inViewer(element(*viewer, content), *viewer).right(), whole.right() - inset) << frame;
-    // The card stands inside of it: beside it the frame looks like the control.
+    // The card is inside the frame; around it the frame has the control's background.
     const QImage image = viewer->grab().toImage();
     const QPoint middle = whole.center();
     const QColor ground = image.pixelColor(1, middle.y());
@@ -88,7 +88,7 @@ TEST_F(Surface, ListsLieWhollyInTheirPages) {
   }
 }
 
-/// Every list lies in its page, which begins below the tabs.
+/// Every list is inside its page, which begins below the tabs.
 void expectListsBelowTheTabs(const AuditViewer& viewer, const char* when) {
   auto* tabs = viewer.findChild<QTabWidget*>("SSTab1");
   const int tabsEnd = inViewer(tabs->tabBar(), viewer).bottom();
@@ -174,7 +174,7 @@ TEST_F(Surface, NothingOfTheStripOverlapsAtAnySize) {
   }
 }
 
-TEST_F(Surface, NothingLiesOverTheStatusBarAtAnySize) {
+TEST_F(Surface, NothingCoversTheStatusBarAtAnySize) {
   const auto viewer = shownViewer();
   const QWidget* status = element(*viewer, "StatusBar1");
   const QWidget* tabs = element(*viewer, "SSTab1");
@@ -242,7 +242,7 @@ TEST_F(Surface, AStatusTextThatIsCutEndsInDotsAndIsWholeInItsTooltip) {
   const QString shown = label.shownText();
   EXPECT_TRUE(shown.endsWith(QChar(0x2026))) << shown.toStdString();
   EXPECT_TRUE(text.startsWith(shown.chopped(1))) << shown.toStdString();
-  // What is said to be shown is what is painted.
+  // The text that is reported is the text that is painted.
   const QImage cut = label.grab().toImage();
   bar.setStatus(shown);
   EXPECT_EQ(label.toolTip(), "");

@@ -1,4 +1,4 @@
-// Fonts and folders where the toolkit asks for them.
+// The dialogs for fonts and folders, where they are the toolkit's.
 #include <gtest/gtest.h>
 
 #include <QDialog>

@@ -1,4 +1,4 @@
-// Fonts and folders where Windows asks for them: what its dialogs are called with, and what becomes of their answers.
+// The dialogs for fonts and folders of Windows: the arguments of their calls, and the use of their results.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 namespace korvel::control {
 namespace {
 
-/// The shell as the functions below play it.
+/// The shell, simulated by the functions below.
 struct Shell {
   std::string title;
   UINT flags = 0;
@@ -34,7 +34,7 @@ LPITEMIDLIST WINAPI browse(LPBROWSEINFOA request) {
   shell->owned = request->hwndOwner != nullptr;
   shell->rooted = request->pidlRoot != nullptr;
   shell->beginning = request->lpfn == nullptr ? "" : reinterpret_cast<const char*>(request->lParam);
-  // As long as the shell may make it, its terminator counted.
+  // The longest path of the shell, including its terminator.
   shell->displayName.assign(request->pszDisplayName, MAX_PATH);
   std::fill_n(request->pszDisplayName, MAX_PATH, 'x');
   return shell->cancelled ? nullptr : &item;
@@ -75,7 +75,7 @@ TEST_F(FolderBrowser, IsCalledWithItsNumbersAndWithoutOwnerOrRoot) {
   EXPECT_EQ(played.flags, 8193U);
 }
 
-TEST_F(FolderBrowser, BeginsWhereItIsTold) {
+TEST_F(FolderBrowser, BeginsInTheGivenFolder) {
   answerFor("t", false, "D:\\Exports");
   EXPECT_EQ(played.beginning, "D:\\Exports");
   answerFor("t", false);
@@ -166,7 +166,7 @@ TEST_F(FontChooser, ASizeThatIsLeftAsItIsOfferedStays) {
   QFont current("Tahoma");
   for (const double size : {9.75, 10.3, 11.25}) {
     current.setPointSizeF(size);
-    // The dialog tells the size of as many whole pixels.
+    // The dialog returns the size in whole pixels.
     const HDC screen = GetDC(nullptr);
     const int resolution = GetDeviceCaps(screen, LOGPIXELSY);
     ReleaseDC(nullptr, screen);

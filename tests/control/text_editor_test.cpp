@@ -46,7 +46,7 @@ TEST_F(TextEditor, ThatIsNotThereIsAFileThatIsNotFound) {
 
 TEST_F(TextEditor, IsTheDesktopsWhereNoneIsNamed) {
   const test::EnvironmentVariable editor("KORVEL_EDITOR");
-  // The tests' platform has no desktop.
+  // The offscreen platform has no desktop.
   EXPECT_EQ(failureOf(file), output::errorFileNotFound);
   const test::OpenedFiles opened;
   EXPECT_EQ(failureOf(file), 0);

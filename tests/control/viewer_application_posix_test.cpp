@@ -1,4 +1,4 @@
-// The viewer's path where settings are a file and paths of Windows are no full paths.
+// The viewer's path where settings are a file and paths of Windows are not absolute.
 #include "base/whole_file.h"
 #include "korvel/ViewerApplication.h"
 #include "tests/control/viewer_path_fixture.h"

@@ -50,7 +50,7 @@ TEST(Warning, ShowsItsTextAsItIs) {
   EXPECT_EQ(shown, "<b>not bold</b>");
 }
 
-TEST_F(ViewerPath, IsSetWhereNobodyHasSetIt) {
+TEST_F(ViewerPath, IsSetIfItIsNotSet) {
   EXPECT_EQ(stored(), "0");
   provideViewerPath("/opt/Größe/bin");
   EXPECT_EQ(stored(), QDir::toNativeSeparators("/opt/Größe/bin/KorvelAuditViewer.exe").toStdString());

@@ -28,7 +28,7 @@ class MemorySettings final : public settings::SettingsBackend {
     std::map<std::string, std::string> values;
     std::uint32_t openFailure = settings::errorSuccess;
     std::string file;
-    /// What the store holds after a write, whatever was written.
+    /// The contents of the store after any write.
     std::optional<std::string> storesInstead;
   };
   explicit MemorySettings(Content& content) : content_(content) {}
@@ -42,13 +42,13 @@ class MemorySettings final : public settings::SettingsBackend {
   Content& content_;
 };
 
-/// A world of its own for each test: fresh library-wide state, recorded dialogs, settings in memory, a canned server.
+/// A separate environment for each test: new library state, recorded dialogs, settings in memory, a scripted server.
 class ViewerTest : public ::testing::Test {
  protected:
   ViewerTest();
   ~ViewerTest() override;
 
-  /// A control as a host makes it for a new form, not yet shown.
+  /// A control as a host creates it for a new form, not yet shown.
   std::unique_ptr<AuditViewer> newViewer();
   /// A control that is shown and has selected the database of server "S".
   std::unique_ptr<AuditViewer> shownViewer();

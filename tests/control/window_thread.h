@@ -10,14 +10,13 @@
 
 namespace korvel::test {
 
-/// Makes what the first event of a keyboard makes, for tests that send keys from a server's thread: it belongs to the
-/// thread of the windows.
+/// Creates the objects of the first keyboard event on the windows' thread, for tests that send keys from a server's
+/// thread.
 inline void makeKeyboard() {
   static_cast<void>(QInputDevice::primaryKeyboard());
 }
 
-/// For what a server does in a test, on the thread that asks it: runs `action`, and everything that it sets off at
-/// once, on the thread of the windows.
+/// For actions of a server in a test: runs `action` and its direct effects on the windows' thread.
 inline void onWindowThread(const std::function<void()>& action) {
   const auto actAndSettle = [&action] {
     action();
@@ -29,7 +28,7 @@ inline void onWindowThread(const std::function<void()>& action) {
     QMetaObject::invokeMethod(QCoreApplication::instance(), actAndSettle, Qt::BlockingQueuedConnection);
 }
 
-/// Waits for what must come; false where it does not.
+/// Waits for an event that must come; false after the timeout.
 template <typename Condition>
 bool comesAbout(Condition holds) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{20};
@@ -41,7 +40,7 @@ bool comesAbout(Condition holds) {
   return true;
 }
 
-/// Waits until an answer is not wanted any more; false where it stays wanted.
+/// Waits until an answer is cancelled; false after the timeout.
 inline bool waitUntilUnwanted(db::ResultSink& sink) {
   return comesAbout([&sink] { return !sink.goOn(); });
 }

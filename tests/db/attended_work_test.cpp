@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Longer than anything takes: reaching it is a failure.
+/// A limit that is reached only by a failure.
 constexpr auto patience = 20s;
 
 const Attendance always = [] { return true; };
@@ -64,9 +64,9 @@ TEST(AttendedWork, IsAskedToEndWhereItIsNotWanted) {
   EXPECT_EQ(runAttended(work, [] { return false; }, {1ms, patience}), true);
 }
 
-/// Work that does not end before a test lets it.
+/// Work that ends only when the test lets it.
 struct StubbornWork : testing::Test {
-  /// Waits until nothing is left behind.
+  /// Waits until no detached work is left.
   void letEnd() {
     release.set_value();
     const auto end = std::chrono::steady_clock::now() + patience;

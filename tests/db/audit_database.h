@@ -14,7 +14,7 @@
 
 namespace korvel::test {
 
-/// A record of the audit trail, as far as queries look at it; the other columns hold fixed texts.
+/// A record of the audit trail: the columns that queries use; the others have fixed texts.
 struct AuditEntry {
   int number = 0;
   std::optional<std::string> dateTime;
@@ -29,7 +29,7 @@ class DatabaseWriter {
   explicit DatabaseWriter(const std::filesystem::path& file) {
     if (sqlite3_open(utf8FromPath(pathForCalls(file)).c_str(), &handle_) != SQLITE_OK)
       throw std::runtime_error("cannot write " + utf8FromPath(file));
-    run("PRAGMA synchronous=OFF");  // the tests survive no power failure, and need not
+    run("PRAGMA synchronous=OFF");  // for speed: tests need not survive a power failure
   }
   ~DatabaseWriter() { sqlite3_close(handle_); }
   DatabaseWriter(const DatabaseWriter&) = delete;

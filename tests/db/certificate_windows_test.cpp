@@ -1,4 +1,4 @@
-// Which certificates the system's own judgement lets through.
+// The certificates that the system accepts.
 #include "db/net/certificate_windows.h"
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 
-// An authority, and two certificates that it gave plant.example, of which one expired at the end of 2021:
+// An authority, and two certificates that it issued for plant.example, of which one expired at the end of 2021:
 //   printf '[ca]\ndefault_ca=a\n[a]\ndatabase=index\nnew_certs_dir=.\nrand_serial=yes\ndefault_md=sha256\npolicy=p\n'
 //   >ca printf 'unique_subject=no\n[p]\ncommonName=supplied\n[req]\ndistinguished_name=d\n[d]\n[root]\n' >>ca printf
 //   'basicConstraints=critical,CA:TRUE\nkeyUsage=keyCertSign\n[server]\nsubjectAltName=DNS:plant.example\n' >>ca :
@@ -119,7 +119,7 @@ TEST_F(CertificateOnWindows, IsTrustedWhereItsAuthorityIsAndTheHostIsRight) {
   EXPECT_EQ(problem(current, "plant.example", fileOf(std::string(expired) + std::string(authority))), "");
 }
 
-TEST_F(CertificateOnWindows, IsNotTrustedWhereNobodyKnowsItsAuthority) {
+TEST_F(CertificateOnWindows, IsNotTrustedFromAnUnknownAuthority) {
   EXPECT_NE(problem(current, "plant.example", ""), "");
   EXPECT_NE(problem(current, "plant.example", fileOf(expired)), "") << "a certificate, but not the authority's";
 }

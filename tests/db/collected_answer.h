@@ -27,7 +27,7 @@ struct CollectedResult {
   }
 };
 
-/// Keeps a copy of a whole answer, and may stop it after a number of rows.
+/// Copies an answer, and can stop it after a number of rows.
 class CollectingSink final : public db::ResultSink {
  public:
   CollectingSink() = default;
@@ -73,7 +73,7 @@ inline std::string answerText(db::Connection& connection, std::string_view text)
   return printed;
 }
 
-/// Runs what must fail and gives the error; nothing where it did not fail.
+/// The error of an action; nothing where it succeeds.
 template <typename Action>
 std::optional<Error> errorOf(Action action) {
   try {

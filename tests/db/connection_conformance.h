@@ -18,7 +18,7 @@ class ConformanceBackend {
   virtual ~ConformanceBackend() = default;
   /// Why the engine cannot be used here; empty where it can. The suite then skips, visibly.
   [[nodiscard]] virtual std::string absence() const { return {}; }
-  /// Makes the audit trail anew, with these rows and, where the engine keeps procedures, QueryAudits.
+  /// Creates the audit trail again, with these rows and, where the engine has procedures, QueryAudits.
   virtual void fill(const std::vector<AuditEntry>& entries) = 0;
   /// A new connection to that database.
   [[nodiscard]] virtual std::unique_ptr<db::Connection> connect() = 0;
@@ -26,8 +26,8 @@ class ConformanceBackend {
 
 using MakeBackend = std::unique_ptr<ConformanceBackend> (*)();
 
-/// What every connection must do alike, whatever engine is behind it. The cases stand in connection_conformance.cpp and
-/// use no more than the SQL that all engines share.
+/// The behaviour that all engines' connections share. The cases are in connection_conformance.cpp and use only SQL that
+/// all engines understand.
 class ConnectionConformance : public testing::TestWithParam<MakeBackend> {
  protected:
   void SetUp() override {

@@ -20,7 +20,7 @@ class EmbeddedFailures : public testing::Test {
   std::optional<Error> openingError(std::string_view database = "D") {
     return test::errorOf([&] { (void)openEmbedded(folder_.path(), database, {std::chrono::milliseconds(1)}); });
   }
-  /// The first eight bits: SQLite's kind of failure.
+  /// The lower eight bits: SQLite's primary error code.
   static int kindOf(const std::optional<Error>& error) { return error ? error->number() & 0xff : 0; }
   std::string file() const { return (folder_ / "D.db").string(); }
 
@@ -131,7 +131,7 @@ TEST_F(EmbeddedFailures, damagedPages) {
       (void)test::resultsOf(*connection, "SELECT * FROM Korvel_Audit_Trails");
       (void)test::resultsOf(*connection, "QueryAudits 'True','True','','True','','','','','','','False','',''");
     });
-    if (!error) continue;  // a page that these queries do not visit
+    if (!error) continue;  // a page that these queries do not read
     EXPECT_EQ(kindOf(error), SQLITE_CORRUPT) << error->description();
     EXPECT_NE(error->description().find(file()), std::string::npos);
     ++failures;
@@ -173,7 +173,7 @@ TEST_F(EmbeddedFailures, lockedWhileTheConnectionIsOpen) {
   EXPECT_FALSE(test::errorOfText(*connection, "SELECT * FROM Korvel_Audit_Trails"));
 }
 
-/// The library's own system layer, whose pauses take no time: they are added up, and may do something meanwhile.
+/// A layer over SQLite's system interface whose pauses take no time: they are added up, and can run an action.
 class Pauses {
  public:
   Pauses() : layer_(*sqlite3_vfs_find(nullptr)) {

@@ -72,7 +72,7 @@ TEST(EmbeddedFolder, withoutAWorkingFolderIsAFailureInWords) {
 TEST(EmbeddedFolder, mayBeginWithTwoSeparators) {
   const test::TemporaryFolder folder;
   test::writeAuditDatabase(folder / "D.db", {});
-  // What has a log is opened by an address, in which two of them stand before the name of a server.
+  // A database with a log is opened by a URI, in which two slashes precede the name of a server.
   test::DatabaseWriter(folder / "D.db").run("PRAGMA journal_mode=WAL");
   const auto connection = openEmbedded("/" + folder.path().string(), "D");
   EXPECT_EQ(test::answerText(*connection, "SELECT count(*) AS n FROM Korvel_Audit_Trails"), "n\n0\n");

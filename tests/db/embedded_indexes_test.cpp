@@ -10,7 +10,7 @@
 namespace korvel::db {
 namespace {
 
-/// How SQLite reads the statements of the standard query on a table with its indexes.
+/// SQLite's query plans for the statements of the standard query on a table with its indexes.
 class EmbeddedIndexes : public testing::Test {
  protected:
   void SetUp() override {

@@ -15,7 +15,7 @@
 namespace korvel::db {
 namespace {
 
-/// A database that another program writes, has written, or was killed over.
+/// A database that another program is writing, has written, or was killed while writing.
 class OtherPrograms : public testing::Test {
  protected:
   std::map<std::string, std::string> contents() const {
@@ -25,7 +25,7 @@ class OtherPrograms : public testing::Test {
     return files;
   }
 
-  /// Lets a program of its own write and then end without a word, as if it had been killed.
+  /// Lets a child process write and then end without closing, as if it had been killed.
   template <typename Writing>
   void writeAndDie(Writing writing) {
     const pid_t child = ::fork();
@@ -49,7 +49,7 @@ class OtherPrograms : public testing::Test {
     return test::answerText(*connection, "SELECT Nr FROM Korvel_Audit_Trails ORDER BY Nr");
   }
 
-  /// What reading gives, having asserted that it left every file as it was.
+  /// The result of reading, after checking that no file was changed.
   std::string numbersWithoutATrace() {
     const auto before = contents();
     std::string text = numbers();

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view sentence = "The embedded audit database is opened for reading only";
 
-/// A folder with a database, and what its files hold at the start.
+/// A folder with a database, and the initial contents of its files.
 class EmbeddedReadOnly : public testing::Test {
  protected:
   void SetUp() override {
@@ -178,7 +178,8 @@ TEST_F(EmbeddedReadOnly, largeSortsStayInMemory) {
   EXPECT_EQ(results.at(0).column(0).at(0), "200");
 }
 
-/// A database whose makers meant harm: views and triggers that reach out, a view that never ends is not among them.
+/// A malicious database: its views and triggers call functions with side effects. A view that never ends is not among
+/// them.
 class HostileSchema : public EmbeddedReadOnly {
  protected:
   void prepare(test::DatabaseWriter& writer) override {
@@ -198,7 +199,7 @@ TEST_F(HostileSchema, doesNoHarm) {
   expectRefused("INSERT INTO harmless VALUES (1)", "INSERT");
 }
 
-/// A schema table that was tampered with, as a file from elsewhere may be.
+/// A manipulated schema table, as a file from elsewhere may have.
 TEST(TamperedSchema, isAnErrorAndNoCrash) {
   const test::TemporaryFolder folder;
   {

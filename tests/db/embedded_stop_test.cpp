@@ -8,7 +8,7 @@
 namespace korvel::db {
 namespace {
 
-/// Counts how often it is asked whether to go on, and at which time it says no or throws.
+/// Counts the questions whether to go on, and answers no or throws at a given one.
 class AskedSink final : public ResultSink {
  public:
   void beginResult(std::span<const Field>) override { ++results; }

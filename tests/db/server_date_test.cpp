@@ -21,7 +21,7 @@ TEST(ServerDate, readsTheViewersOwnTexts) {
   EXPECT_EQ(canonical("2004-03-07 23:59:59.999"), "2004-03-07 23:59:59.999");
 }
 
-TEST(ServerDate, readsWhatAPersonTypes) {
+TEST(ServerDate, readsTypedDates) {
   EXPECT_EQ(canonical("2004-03-07"), "2004-03-07 00:00:00.000");
   EXPECT_EQ(canonical("2004-3-7 9:05"), "2004-03-07 09:05:00.000");
   EXPECT_EQ(canonical("20040307"), "2004-03-07 00:00:00.000");

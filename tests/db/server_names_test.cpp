@@ -78,7 +78,7 @@ TEST(DriverText, asksForTheIntentToReadOnlyWhereTheSettingSaysSo) {
     asked.options.readOnlyIntent = true;
     EXPECT_THAT(driverTextOn(posixDrivers, asked), HasSubstr("ApplicationIntent={ReadOnly};"));
   }
-  // The old driver does not know the word, and would connect to the primary without one.
+  // The old driver ignores the keyword and would connect to the primary.
   odbc::LoginRequest old = request(DriverFamily::oldVendor);
   old.options.readOnlyIntent = true;
   const auto error = test::errorOf([&] { (void)driverTextOn(windowsDrivers, old); });
@@ -135,7 +135,7 @@ TEST(DriverText, aSettingThatTheDriverCannotHeedIsRefused) {
   EXPECT_FALSE(test::errorOf([&] { (void)driverTextOn(posixDrivers, freeTds); }));
 }
 
-TEST(DriverText, ofFreeTdsWithoutAConfigurationOfOursDependsOnNobodyElses) {
+TEST(DriverText, ofFreeTdsWithoutOurConfigurationDoesNotDependOnAnother) {
   odbc::LoginRequest freeTds = request(DriverFamily::freeTds);
   const auto error = test::errorOf([&] { (void)driverTextOn(windowsDrivers, freeTds); });
   ASSERT_TRUE(error) << "nobody would check the certificate";

@@ -1,4 +1,4 @@
-// The sockets over loopback, as every system gives them.
+// Sockets over loopback, on every system.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -28,7 +28,7 @@ struct Pair {
   Socket far = listener.accept();
 };
 
-/// Where nobody listens.
+/// A port on which no socket listens.
 std::vector<Endpoint> closedPort(SocketKind kind = SocketKind::stream) {
   return LoopbackListener(kind).endpoints();
 }
@@ -51,7 +51,7 @@ TEST(Sockets, sendMoreThanTheSystemHoldsAtOnce) {
   EXPECT_TRUE(received.get());
 }
 
-TEST(Sockets, giveUpSendingToSomebodyWhoDoesNotRead) {
+TEST(Sockets, stopSendingToAPeerThatDoesNotRead) {
   const Pair pair;
   const std::string much(64'000'000, 'x');
   const auto error = errorOf([&] { sendAll(pair.near, much, Deadline(shortly)); });
@@ -59,7 +59,7 @@ TEST(Sockets, giveUpSendingToSomebodyWhoDoesNotRead) {
   EXPECT_TRUE(isTimeout(error->number())) << error->number();
 }
 
-TEST(Sockets, giveUpWaitingForSomebodyWhoIsSilent) {
+TEST(Sockets, stopWaitingForASilentPeer) {
   const Pair pair;
   const auto error = errorOf([&] { (void)receiveExactly(pair.near, 1, Deadline(shortly)); });
   ASSERT_TRUE(error);
@@ -76,7 +76,7 @@ TEST(Sockets, sayThatTheOtherSideHasClosed) {
   EXPECT_EQ(error->number(), socketErrors.closedByOther);
 }
 
-TEST(Sockets, areRefusedAtOnceWhereNobodyListens) {
+TEST(Sockets, areRefusedAtOnceOnAClosedPort) {
   const auto error = errorOf([] { (void)connectTcp(closedPort(), Deadline(patience)); });
   ASSERT_TRUE(error);
   EXPECT_NE(error->number(), 0);
@@ -108,7 +108,7 @@ TEST(Hosts, areLookedUpByNameAndAddress) {
   EXPECT_EQ(atPort(found, 0xABCD)[0].bytes.substr(portOffset + 2, 4), std::string("\x7F\0\0\x01", 4));
 }
 
-TEST(Hosts, thatNobodyKnowsAreAnErrorWithItsReason) {
+TEST(Hosts, thatAreUnknownAreAnErrorWithItsReason) {
   const auto error = errorOf([] { (void)resolveHost("no-such-computer.invalid", 1, Deadline(patience)); });
   ASSERT_TRUE(error);
   EXPECT_NE(error->number(), 0);
@@ -117,7 +117,7 @@ TEST(Hosts, thatNobodyKnowsAreAnErrorWithItsReason) {
 }
 
 TEST(Hosts, areNotWaitedForBeyondTheDeadline) {
-  // A busy machine may let the answer come first once in a while.
+  // On a busy machine the answer may arrive first.
   constexpr int mostAttempts = 20;
   std::optional<Error> error;
   for (int i = 0; i < mostAttempts && !(error && isTimeout(error->number())); ++i)
@@ -126,7 +126,7 @@ TEST(Hosts, areNotWaitedForBeyondTheDeadline) {
   EXPECT_TRUE(isTimeout(error->number())) << error->number() << ' ' << error->description();
 }
 
-TEST(DatagramSockets, hearTheirAnswer) {
+TEST(DatagramSockets, receiveTheirAnswer) {
   const LoopbackListener listener(SocketKind::datagram);
   Datagrams datagrams;
   datagrams.ask(listener.endpoints(), "who");
@@ -146,12 +146,12 @@ TEST(DatagramSockets, takeOfALongAnswerWhatTheyAskedFor) {
   EXPECT_EQ(bytes.size(), 4U);
 }
 
-TEST(DatagramSockets, hearThatNobodyListens) {
+TEST(DatagramSockets, reportAClosedPort) {
   Datagrams datagrams;
   datagrams.ask(closedPort(SocketKind::datagram), "who");
   std::vector<std::byte> bytes;
   EXPECT_FALSE(datagrams.receive(bytes, 100, Deadline(shortly)));
-  // Not every system tells the first time.
+  // Some systems report it only at the second call.
   constexpr int mostQuestions = 1000;
   for (int i = 0; i < mostQuestions && datagrams.mayAnswer(); ++i) datagrams.askAgain("who");
   EXPECT_FALSE(datagrams.mayAnswer());
@@ -191,7 +191,7 @@ TEST(Greeting, ofAServerThatIsSilentIsATimeout) {
   EXPECT_TRUE(isTimeout(error->number()));
 }
 
-/// What a handshake with a server comes to that does this once it has heard the first words.
+/// The result of a handshake with a server that does this after the client's first message.
 template <typename Deed>
 std::optional<Error> handshakeError(std::chrono::milliseconds time, const Deed& deed) {
   Pair pair;
@@ -210,7 +210,7 @@ TEST(TlsHandshake, withASilentServerIsATimeout) {
   EXPECT_TRUE(isTimeout(error->number())) << error->number() << error->description();
 }
 
-TEST(TlsHandshake, withAServerThatClosesSaysSo) {
+TEST(TlsHandshake, withAServerThatClosesReportsIt) {
   const auto error = handshakeError(patience, [](Socket& far) { far = Socket(noSocket); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->number(), socketErrors.closedByOther);

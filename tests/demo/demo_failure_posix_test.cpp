@@ -23,10 +23,10 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-/// Less than the databases of these tests take.
+/// Less than the size of the tests' databases.
 constexpr rlim_t diskBytes = 262144;
 
-TEST(DemoFailure, CountsALinkToNowhereAsSomebodysFile) {
+TEST(DemoFailure, CountsALinkWithoutTargetAsAFile) {
   const TemporaryFolder folder;
   fs::create_symlink(folder / "elsewhere.db", folder / "Korvel_Audit.db");
   EXPECT_EQ(errorOf([&] { writeDemoDatabases({.folder = folder.path(), .rows = 10}); }).number(), EEXIST);
@@ -34,7 +34,7 @@ TEST(DemoFailure, CountsALinkToNowhereAsSomebodysFile) {
 }
 
 TEST(DemoFailure, SaysThatAFolderCannotBeWritten) {
-  // Not even root writes there.
+  // Root cannot write there either.
   const Error error = errorOf([] { writeDemoDatabases({.folder = "/proc/self", .rows = 10}); });
   EXPECT_NE(error.number(), 0);
   EXPECT_THAT(error.description(), HasSubstr("/proc/self"));

@@ -15,7 +15,7 @@ inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
   return names;
 }
 
-/// The error that an action ends with; number 0 where it ends well.
+/// The error of an action; number 0 where it succeeds.
 template <typename Action>
 Error errorOf(Action action) {
   try {

@@ -12,7 +12,7 @@
 
 namespace korvel::test {
 
-/// A database file opened for reading, asked in plain SQL.
+/// A database file, opened for reading with SQL.
 class OpenedDatabase {
  public:
   explicit OpenedDatabase(const std::filesystem::path& file) {

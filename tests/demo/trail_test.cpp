@@ -53,7 +53,7 @@ TEST(Trail, FollowsFromTheSeed) {
   EXPECT_NE(fingerprint(dairyTrail(someRows, 7)), fingerprint({multiUserPlant(), someRows, 7, {}}));
 }
 
-// Whatever compiler made it: a change of this number is a change of the demo data that everybody sees.
+// The same with every compiler: a change of this number means that the demo data has changed.
 TEST(Trail, IsTheSameOnEveryMachine) {
   EXPECT_EQ(fingerprint(dairyTrail(someRows)), 11360065546057486285U);
   EXPECT_EQ(fingerprint({multiUserPlant(), someRows, 1, {}}), 8728506783289683406U);
@@ -64,7 +64,7 @@ TEST(Trail, RunsForwardInTime) {
     Trail trail = dairyTrail(rows);
     std::string before;
     while (const AuditRow* row = trail.next()) {
-      // Where an hour shows twice its summer rows come first; the mark sorts the second showing behind the first.
+      // In the repeated hour the summer rows come first; the mark sorts the second hour behind the first.
       const std::string time(row->dateTime);
       const bool doubledHour = time.starts_with("2003-10-26 02") || time.starts_with("2004-10-31 02");
       const std::string now = time.substr(0, 13) + (doubledHour && !row->summerTime ? "~" : "") + time.substr(13);
@@ -81,7 +81,7 @@ TEST(Trail, ShowsAsOldValueWhatWasTheNewValueBefore) {
   std::map<std::tuple<Value, Value, Value, Value>, Value> values;
   std::size_t compared = 0;
   while (const AuditRow* row = trail.next()) {
-    // Readings taken by hand are entered anew each time; a check-out changes nothing yet.
+    // Manual readings are entered again each time; a check-out changes nothing.
     if (row->eventItem == "LIC-1901") continue;
     EXPECT_EQ(row->oldValue == row->newValue, row->eventType == "CHECK_OUT") << lineOf(*row);
     const std::tuple thing{valueOf(row->projectGuid), valueOf(row->tableName), valueOf(row->fieldName),

@@ -8,7 +8,7 @@
 
 namespace korvel::test {
 
-/// What a network holds, and what happens when it is asked.
+/// The servers of a network, and actions during requests.
 struct CannedNetwork {
   std::vector<std::string> local;
   std::vector<std::string> all;

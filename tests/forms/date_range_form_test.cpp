@@ -104,7 +104,7 @@ TEST_F(DateRangeForm, TheFirstOpeningShowsTodayAndOkGivesOneDay) {
   EXPECT_FALSE(form().isVisible());
   EXPECT_EQ(from(), "2004-3-7");
   EXPECT_EQ(to(), "2004-3-7");
-  // In force it is put by whoever opened the dialog.
+  // The code that opened the dialog applies it.
   EXPECT_FALSE(range.DateRangeActive);
   EXPECT_THAT(recorder->messages, IsEmpty());
 }
@@ -180,7 +180,7 @@ TEST_F(DateRangeForm, SpaceAndEnterPickTheDayOfTheKeyboard) {
   key("ToDate", Qt::Key_Right);
   key("ToDate", Qt::Key_Enter);
   EXPECT_EQ(to(), "2004-3-8");
-  // Enter was the calendar's, not the button's.
+  // The calendar handled Enter, not the button.
   EXPECT_TRUE(form().isVisible());
 }
 
@@ -216,7 +216,7 @@ TEST_F(DateRangeForm, YearsMoveByArrowsAsMonthsDo) {
   EXPECT_EQ(from(), "2004-3-7");
   clickDay("FromDate", 31);
   EXPECT_EQ(from(), "2003-3-31");
-  // They stand around the arrows of the months, and stop where the calendar does.
+  // They are on both sides of the arrows of the months, and stop at the calendar's limits.
   const QWidget& month = *calendar("FromDate").findChild<QToolButton*>("qt_calendar_prevmonth");
   EXPECT_LE(back.geometry().right(), month.geometry().left());
   EXPECT_GE(forth.geometry().left(),

@@ -36,7 +36,7 @@ class FileList : public ::testing::Test {
   QStringList names() {
     QStringList texts;
     for (int i = 0; i < list().count(); ++i) texts.append(list().item(i)->text());
-    // The folder's own order is the system's.
+    // The order of the folder's entries is the system's.
     texts.sort();
     return texts;
   }
@@ -152,7 +152,7 @@ TEST_F(FileList, ANameThatIsNoTextStillOpensItsFile) {
   EXPECT_EQ(choices.fileName, "caf\xE9.vqf");
 }
 
-TEST_F(FileList, AFolderThatCannotBeReadIsSaid) {
+TEST_F(FileList, AFolderThatCannotBeReadIsReported) {
   choices.folder = folder.path().string() + "/missing/";
   form();
   QCoreApplication::processEvents();

@@ -1,4 +1,4 @@
-// The dialogs as the viewer opens them: made by the real services, bound to what all viewers share.
+// The dialogs as the viewer opens them: created by the real services, bound to the state of all viewers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -79,7 +79,7 @@ TEST_F(FormMakers, TheFieldPickerHandsItsQueryToTheViewers) {
     press(form, "Command1");
   }));
   EXPECT_EQ(libraryState().queryChoices.pickedQuery, "Select DateTime,UserName from Korvel_Audit_Trails");
-  // What it says of an empty selection goes the viewer's way, in its language.
+  // Its message about an empty selection is shown by the viewer, in its language.
   EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::information, "KorvelAudit Viewer Message",
                                                            "Wählen Sie mindestens eine Spalte aus."}));
 }
@@ -97,7 +97,7 @@ TEST_F(FormMakers, TheFileListShowsTheChosenFolderAndHandsTheFileOver) {
   EXPECT_EQ(libraryState().queryChoices.fileName, "b.vqf");
 }
 
-TEST_F(FormMakers, TheDateRangeKnowsTheNewestDayOfTheViewerThatOpensIt) {
+TEST_F(FormMakers, TheDateRangeHasTheNewestDayOfTheViewerThatOpensIt) {
   using namespace std::chrono_literals;
   libraryState().newestDay = std::chrono::year_month_day{2004y / 3 / 7};
   EXPECT_TRUE(open<query::frmAdvancedFilters>("frmAdvancedFilters", [](query::frmAdvancedFilters& form) {

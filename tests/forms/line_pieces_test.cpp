@@ -1,4 +1,4 @@
-// Long lines of the query box: kept in pieces, and never seen to be.
+// Long lines of the query box: kept in pieces, without a visible effect.
 #include "query/forms/line_pieces.h"
 
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ class LongLines : public ::testing::Test {
     QGuiApplication::clipboard()->setText(pasted);
     editor.paste();
   }
-  // As often as there can be steps, so that a step that undoing adds ends in a failure.
+  // As often as there can be steps, so that a step that undo adds fails the test.
   void undoAll() {
     for (int step = 0; step < mostSteps && editor.document()->isUndoAvailable(); ++step) editor.undo();
     EXPECT_FALSE(editor.document()->isUndoAvailable());
@@ -82,7 +82,7 @@ TEST_F(LongLines, AreKeptInPiecesAndHandedOutWhole) {
   editor.setQueryText("abcdefghijkl\r\nshort\r\n\r\n");
   EXPECT_EQ(blocks(), "abcd|efghijkl/short//");
   EXPECT_EQ(editor.queryText(), "abcdefghijkl\r\nshort\r\n\r\n");
-  // A piece ends behind a blank, where there is one near its end, and in no character.
+  // A piece ends behind a blank, where there is one near its end, and never inside a character.
   editor.setQueryText("abc defghijklm");
   EXPECT_EQ(blocks(), "abc |defg|hijklm");
   editor.setQueryText(QString::fromUtf8("abc\U0001F600defghi"));
@@ -237,7 +237,7 @@ TEST_F(LongLines, TheLineOfAnErrorIsCountedByLineEnds) {
 class ColouredLongLines : public LongLines {
  protected:
   ColouredLongLines() : LongLines(10) {}
-  /// The colour of each character, as the initial of what has it: keyword, literal, comment, plain.
+  /// The colour of each character, as the initial of its kind: keyword, literal, comment, plain.
   QString colours() {
     const query::SqlColours all = query::SqlColours::of(ui::Theme::of(editor));
     QString initials;

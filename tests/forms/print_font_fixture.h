@@ -12,7 +12,7 @@
 
 namespace korvel::test {
 
-/// The dialog of the print font, and who answers its dialog of fonts.
+/// The dialog of the print font, and the scripted answer of its font dialog.
 class PrintFontForm : public ::testing::Test {
  protected:
   void open() {

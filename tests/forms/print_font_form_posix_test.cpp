@@ -1,4 +1,4 @@
-// The toolkit's own dialog of fonts behind the form; on Windows the system has one of its own.
+// The form with the toolkit's font dialog; Windows has its own.
 #include <QDialog>
 
 #include "control/qt_control_services.h"

@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 class SelectDatabase : public ViewerTest {
  protected:
   SelectDatabase() { recorder->forms = {"frmSQLServerBrowser"}; }
-  /// What the dialog does with the connection state before it is closed.
+  /// The action on the connection state before the dialog is closed.
   void answer(std::function<void(db::ConnectionState&)> change) {
     recorder->onForm = [change = std::move(change)] { change(control::libraryState().connection); };
   }
@@ -148,7 +148,7 @@ TEST_F(SelectDatabase, TheDialogIsTheBrowserOwnedByTheControl) {
   QTimer whenModal;
   QObject::connect(&whenModal, &QTimer::timeout, [&] {
     QWidget* dialog = QApplication::activeModalWidget();
-    // It lists its servers when it is seen; before it has done so it hears no key.
+    // It lists its servers when it is shown; before that it handles no key.
     auto* servers = dialog == nullptr ? nullptr : dialog->findChild<QListWidget*>("SQL Servers");
     if (servers == nullptr || servers->count() == 0) return;
     whenModal.stop();
@@ -196,7 +196,7 @@ TEST_F(LastFailure, IsNoStoredProperty) {
   EXPECT_FALSE(viewer->WriteProperties().toMap().contains("LastFailureNumber"));
 }
 
-TEST_F(LastFailure, AnAnswerThatWasCutOffIsSaidInTheStatusPanel) {
+TEST_F(LastFailure, AnAnswerThatWasCutOffIsReportedInTheStatusPanel) {
   const auto viewer = shownViewer();
   server.resultSets = {{}};
   for (int i = 1; i <= 5000; ++i) server.resultSets[0].push_back(record(std::to_string(i), "CS"));

@@ -182,7 +182,7 @@ TEST_F(Browser, NoServerLeavesTheGroupEmpty) {
   EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
-TEST_F(Browser, ServersThatCannotBeListedAreSaid) {
+TEST_F(Browser, ServersThatCannotBeListedAreReported) {
   network.listingFailure = Error(101, "no network");
   EXPECT_EQ(serverNames(), QStringList());
   EXPECT_THAT(recorder->messages, ElementsAre(ShownMessage{MessageIcon::critical, "SQL Server / Audit Trail Browser",
@@ -197,7 +197,7 @@ TEST_F(Browser, AuditDatabasesOnlyInTheOrderOfTheServer) {
   EXPECT_EQ(element<QStatusBar>("StatusBar1").currentMessage(), "Audit databases on PLANT1: 3");
 }
 
-TEST_F(Browser, AFailedConnectionIsSaidAndLeavesNothingBehind) {
+TEST_F(Browser, AFailedConnectionIsReportedAndLeavesNothingBehind) {
   network.failures.emplace("(embedded)", Error(18456, "Login failed for <user>."));
   recorder->onMessage = [&] { EXPECT_EQ(recorder->pointers.back(), Pointer::standard); };
   clickServer(1);
@@ -211,7 +211,7 @@ TEST_F(Browser, AFailedConnectionIsSaidAndLeavesNothingBehind) {
   EXPECT_NE(listed(), "");
 }
 
-TEST_F(Browser, WhateverIsThrownIsSaid) {
+TEST_F(Browser, AnyExceptionIsReported) {
   bool broken = true;
   network.whileListing = [&] {
     if (broken) throw std::runtime_error("something odd");
@@ -281,7 +281,7 @@ TEST_F(Browser, OkWithoutAChoiceClearsBothStringsAndStays) {
   EXPECT_EQ(connection.ConnectionString, "");
 }
 
-TEST_F(Browser, IsSeenBeforeItsServersAreAskedFor) {
+TEST_F(Browser, IsShownBeforeItsServersAreListed) {
   db::frmSQLServerBrowser own(
       {connection, language, recorder, [this] { return std::make_unique<CannedDirectory>(network); }}, nullptr);
   bool visible = false;
@@ -423,7 +423,7 @@ TEST_F(Browser, ItIsNeverSmallerThanItsMinimum) {
 TEST_F(Browser, ASmallSizeThatIsForcedSnapsBackAndShowsItsLists) {
   form();
   for (const QSize forced : {QSize(60, 40), QSize(900, 40), QSize(60, 700)}) {
-    // As a window system does it, past the window's own least size.
+    // As a window system does, below the window's smallest size.
     const QSize expected = forced.expandedTo({twips(5000), twips(3000)});
     for (int time = 0; time < 10; ++time) {
       form().windowHandle()->resize(forced);
@@ -445,13 +445,13 @@ TEST_F(Browser, ASmallSizeThatIsForcedSnapsBackAndShowsItsLists) {
     EXPECT_GE(seen(servers()).width(), 40) << forced.width();
     EXPECT_LE(databases().mapTo(&form(), QPoint(0, databases().height())).y(), element("Controlspic").y());
   }
-  // With its room the splitter and what explains come back.
+  // With enough room the splitter and the explanation are shown again.
   form().resize(900, 700);
   EXPECT_NEAR(element("imgSplitterV").x(), twips(3600), 1);
   EXPECT_TRUE(element("lblInfo").isVisible());
 }
 
-TEST_F(Browser, AWindowSystemThatInsistsOnASmallSizeIsNotAskedForEver) {
+TEST_F(Browser, AWindowSystemThatInsistsOnASmallSizeIsObeyed) {
   form();
   int asked = 0;
   for (int i = 0; i < 20; ++i) {

@@ -38,7 +38,7 @@ class SqlEditorTest : public ::testing::Test {
     QApplication::setActiveWindow(&window);
     editor->setFocus();
   }
-  /// The colour that a place of the text is written in; invalid for the plain one.
+  /// The colour of the text at a position; invalid for the plain one.
   QColor colourAt(int place) {
     const QTextBlock block = editor->document()->findBlock(place);
     for (const QTextLayout::FormatRange& range : block.layout()->formats())
@@ -175,7 +175,7 @@ TEST_F(SqlEditorTest, ColoursFollowThePalette) {
 TEST_F(SqlEditorTest, ItsFontIsMonospacedAndAsLargeAsThoseAround) {
   if (QSysInfo::kernelType() == QLatin1String("winnt") &&
       !QFontInfo(QFontDatabase::systemFont(QFontDatabase::FixedFont)).fixedPitch())
-    GTEST_SKIP() << "the offscreen platform knows no monospaced font of Windows";
+    GTEST_SKIP() << "the offscreen platform has no monospaced font of Windows";
   for (const int points : {9, 20}) {
     QFont font = window.font();
     font.setPointSize(points);
@@ -196,7 +196,7 @@ TEST_F(SqlEditorTest, ParenthesesAreShownInPairs) {
   EXPECT_EQ(pair(), (QList<int>{20, 1}));
   putCursor(19);
   EXPECT_EQ(pair(), (QList<int>{18, 16}));
-  // In a text and in a comment it is no parenthesis.
+  // In a string and in a comment it is not a parenthesis.
   putCursor(7);
   EXPECT_EQ(pair(), QList<int>());
   editor->setQueryText("(a");
@@ -212,7 +212,7 @@ TEST_F(SqlEditorTest, TheLineOfAnErrorIsMarkedUntilTheNextEdit) {
   EXPECT_EQ(editor->extraSelections()[0].cursor.block().text(), "from");
   EXPECT_EQ(editor->extraSelections()[0].format.background().color(), colours().errorLine);
   EXPECT_EQ(editor->textCursor().block().text(), "from");
-  // Moving about and another palette are no edits.
+  // Moving the cursor and changing the palette are not edits.
   putCursor(0);
   editor->setPalette(ui::darkPalette());
   EXPECT_EQ(editor->errorLine(), 2);

@@ -82,7 +82,7 @@ TEST_F(FormFileTest, WhatTheControlDoesNotKnowStaysInTheFile) {
   write(R"({"DatabaseType": 1, "DefaultSQLServer": "S", "Notes": {"by": ["A", 2.5]}})");
   FormFile file = form();
   ASSERT_EQ(file.load(english), "");
-  // What equals its default is not saved, and must not stay either.
+  // A value that equals its default is not saved, and its old entry is removed.
   EXPECT_EQ(file.save({{"ViewSideTools", false}, {"DefaultSQLServer", "T"}}), "");
   FormFile again = form();
   ASSERT_EQ(again.load(english), "");

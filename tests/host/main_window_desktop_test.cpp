@@ -1,4 +1,4 @@
-// Keys of the window that lead to what belongs to the desktop: help files and the dialog for printers.
+// Keys of the window that use the desktop: help files and the dialog for printers.
 #include <QApplication>
 #include <QTest>
 #include <QTimer>
@@ -36,7 +36,7 @@ TEST_F(MainWindowTest, F1SaysWhichHelpFileIsMissing) {
   EXPECT_EQ(messages.texts(), QStringList{"The help file /nowhere/KorvelAuditViewerHelp_Eng.chm was not found."});
 }
 
-/// Closes every dialog as soon as it stands, and remembers which one it was.
+/// Closes every dialog as soon as it is shown, and records which one it was.
 class ClosedDialogs {
  public:
   ClosedDialogs() {

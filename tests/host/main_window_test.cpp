@@ -25,7 +25,7 @@ TEST_F(MainWindowTest, NothingInItGoesWhileItIsShown) {
   MainWindow window(options, english);
   window.resize(900, 600);
   window.show();
-  // A message of the control's first moments runs an event loop, in which it would go.
+  // A message during the control's start runs an event loop, in which the window would be deleted.
   EXPECT_TRUE(
       window.centralWidget()->findChildren<QAbstractAnimation*>(QString(), Qt::FindDirectChildrenOnly).isEmpty());
 }
@@ -67,7 +67,7 @@ TEST_F(MainWindowTest, OptionsComeBeforeTheForm) {
   EXPECT_EQ(window.viewer().DatabaseType(), 0);
 }
 
-TEST_F(MainWindowTest, AFormThatCannotBeUsedIsSaidAndKept) {
+TEST_F(MainWindowTest, AFormThatCannotBeUsedIsReportedAndKept) {
   for (const char* text : {"broken", R"({"DefaultSQLServer": "S", "DatabaseType": "many"})"}) {
     writeForm(text);
     const UnattendedMessages messages(qApp);
@@ -83,7 +83,7 @@ TEST_F(MainWindowTest, AFormThatCannotBeUsedIsSaidAndKept) {
   }
 }
 
-TEST_F(MainWindowTest, AFormThatCannotBeWrittenIsSaid) {
+TEST_F(MainWindowTest, AFormThatCannotBeWrittenIsReported) {
   writeForm("{}");
   options.formFile = *options.formFile + "/below/a/file.json";
   MainWindow window(options, english);
@@ -95,7 +95,7 @@ TEST_F(MainWindowTest, AFormThatCannotBeWrittenIsSaid) {
   EXPECT_FALSE(window.isVisible());
 }
 
-TEST_F(MainWindowTest, AShotIsNobodysForm) {
+TEST_F(MainWindowTest, AShotUsesNoForm) {
   options.shotFile = "unused.png";
   MainWindow window(options, english);
   window.show();
@@ -147,7 +147,7 @@ TEST_F(MainWindowPlacement, AMaximisedWindowRemembersItsOtherSizeToo) {
   EXPECT_EQ(window.geometry(), left);
 }
 
-TEST_F(MainWindowPlacement, AScreenThatIsGoneOrSmallerLosesNoWindow) {
+TEST_F(MainWindowPlacement, AMissingOrSmallerScreenLosesNoWindow) {
   for (const QRect& elsewhere : {QRect(20000, 9000, 700, 520), QRect(-500, -500, 9000, 9000)}) {
     store({elsewhere, false});
     MainWindow window(options, english);

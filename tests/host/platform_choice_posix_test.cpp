@@ -16,7 +16,7 @@ TEST(Platform, AShotNeedsNoDisplayAndAWindowDoes) {
   EXPECT_EQ(choosePlatform({"--shot=a.png"}), PlatformChoice::offscreen);
 }
 
-TEST(Platform, WhatSomebodyAskedForIsNotOverruled) {
+TEST(Platform, ARequestedPlatformIsNotOverruled) {
   const test::EnvironmentVariable display("DISPLAY");
   const test::EnvironmentVariable wayland("WAYLAND_DISPLAY");
   const test::EnvironmentVariable platform("QT_QPA_PLATFORM");

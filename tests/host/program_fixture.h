@@ -14,7 +14,7 @@
 
 namespace korvel::host {
 
-/// The program as a person starts it, without a display.
+/// The program as users start it, without a display.
 class Program : public ::testing::Test {
  protected:
   struct Result {
@@ -64,8 +64,7 @@ class Program : public ::testing::Test {
 /// Below the headers of a picture, the part of the first column that no line of the grid crosses.
 inline const QRect firstColumn(265, 145, 60, 285);
 
-/// How many lines of text stand below each other in the part of a picture: stretches of pixel rows that are not of one
-/// colour.
+/// The number of text lines in a part of a picture: runs of pixel rows that are not of one colour.
 inline int linesOfText(const QImage& picture, const QRect& part) {
   int lines = 0;
   bool inLine = false;

@@ -19,7 +19,7 @@ TEST_F(Program, WithoutADisplayItSaysSo) {
   EXPECT_TRUE(result.errors.contains("There is no display")) << result.errors.toStdString();
 }
 
-TEST_F(Program, WrongUsageIsSaidWithTheHelp) {
+TEST_F(Program, WrongUsageIsReportedWithTheHelp) {
   const Result result = run(shot({"--colour", "red"}));
   EXPECT_EQ(result.status, 2);
   EXPECT_TRUE(result.errors.contains("The command line is not understood: --colour"));

@@ -1,4 +1,4 @@
-// The program as a Windows program: without a console of its own, and drawing where nobody looks.
+// The program as a Windows program: without a console, and drawing off screen.
 #include <filesystem>
 
 #include "tests/host/program_fixture.h"
@@ -18,7 +18,7 @@ TEST_F(Program, HelpAndVersionGoWhereTheOutputIsLedTo) {
   EXPECT_TRUE(version.output.startsWith("Korvel Audit Viewer 1."));
 }
 
-TEST_F(Program, WrongUsageIsSaidInAnyScript) {
+TEST_F(Program, WrongUsageIsReportedInAnyScript) {
   const Result result = run({QStringLiteral("--\u010desky"), "x"}, nobodyLooks);
   EXPECT_EQ(result.status, 2);
   EXPECT_TRUE(result.errors.contains(QStringLiteral("The command line is not understood: --\u010desky")))

@@ -39,7 +39,7 @@ TEST(WindowPlacement, AWindowThatIsWhollySeenStays) {
   EXPECT_EQ(placedOn({laptop, desk}, across, titleBar), across);
 }
 
-TEST(WindowPlacement, AWindowOfAScreenThatIsGoneMovesToTheNearest) {
+TEST(WindowPlacement, AWindowOfAMissingScreenMovesToTheNearest) {
   EXPECT_EQ(placedOn({laptop}, QRect(2000, 100, 800, 500), titleBar), QRect(566, 100, 800, 500));
   EXPECT_EQ(placedOn({laptop}, QRect(-3000, -3000, 800, 500), titleBar), QRect(0, titleBar, 800, 500));
   EXPECT_EQ(placedOn({laptop, desk}, QRect(9000, 100, 800, 500), titleBar), QRect(3126, 100, 800, 500));

@@ -8,8 +8,7 @@
 
 namespace korvel::test {
 
-/// The product's own way to a server, but for the last inch: no login service is asked, and FreeTDS logs in with a name
-/// and a password.
+/// The product's access to a server without a login service: FreeTDS logs in with a name and a password.
 inline db::odbc::ServerAccess accessWithoutDomain() {
   db::odbc::ServerAccess access;
   access.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };

@@ -4,7 +4,7 @@
 namespace korvel::test {
 namespace {
 
-/// Notes how many allocations there had been when each row came.
+/// Records the number of allocations when each row came.
 class CountingSink final : public db::ResultSink {
  public:
   void beginResult(std::span<const db::Field>) override { counts.reserve(5000); }
@@ -35,7 +35,7 @@ TEST_F(OdbcAllocations, aRowCostsNoneOnceTheBufferHasGrown) {
   CountingSink sink;
   connection().execute("go", sink);
   ASSERT_EQ(sink.counts.size(), 2000U);
-  // The server's thread sends the answer in few parts while we read; 13,000 cells must not show.
+  // The server's thread sends the answer in few parts while it is read; 13,000 cells must not add allocations.
   EXPECT_LT(sink.counts.back() - sink.counts[1], 1000U);
   EXPECT_GT(sink.bytes, 2000U * 50U);
 }

@@ -117,7 +117,7 @@ TEST_F(OdbcAnswers, theConnectionLivesOnAfterAnError) {
   }
 }
 
-TEST_F(OdbcAnswers, commandsArriveToTheLetterAndAlone) {
+TEST_F(OdbcAnswers, commandsArriveUnchangedAndAlone) {
   const std::string call = "QueryAudits 'True','False','Ö 🛢 it''s'";
   server_.answer(call, Answer().procedure().result(number).row({1}));
   EXPECT_EQ(answerText(connection(), call), "Nr\n1\n");
@@ -142,7 +142,7 @@ TEST_F(OdbcAnswers, aSinkThatHasEnoughEndsTheAnswer) {
   EXPECT_EQ(text(Answer().result(number).row({1})), "Nr\n1\n");
 }
 
-/// Says after two result sets that it does not want to go on.
+/// Stops after two result sets.
 class TwoResultsSink final : public db::ResultSink {
  public:
   void beginResult(std::span<const db::Field>) override {}

@@ -91,7 +91,7 @@ class Directory : public WireTest {
               return connect("");
             }};
   }
-  /// What a listener is told while databases are listed, a line each: kind, severity, number, state and text.
+  /// The events of a listener while databases are listed, a line each: kind, severity, number, state and text.
   std::string toldOf(const db::BrowserOptions& options = db::browserOptions(true)) {
     std::string told;
     auto listing = directory();
@@ -173,7 +173,7 @@ TEST_F(Directory, oldServersAreAskedTheOldWay) {
   EXPECT_THAT(databases(), ElementsAre("Korvel_Audit - "));
 }
 
-TEST_F(Directory, failuresAreTold) {
+TEST_F(Directory, failuresAreReported) {
   server_.answerOthers([](const tds::Command&) { return Answer().error({229, "The SELECT permission was denied."}); });
   EXPECT_EQ(errorOf([&] { (void)databases(); })->number(), 229);
   server_.answerOthers([](const tds::Command&) { return Answer().close(); });
@@ -186,7 +186,7 @@ TEST_F(Directory, databasesOfTheEmbeddedEngineAreItsFiles) {
   for (const char* name : {"Korvel_Audit.db", "Alpha.db", "Korvel_Audit.db-wal", "notes.txt"})
     writeWholeFile(folder_ / name, "");
   std::filesystem::create_directory(folder_ / "folder.db");
-  // Names that no connection takes are not offered.
+  // Names that no connection accepts are not listed.
   writeWholeFile(folder_ / "a..b.db", "");
   writeWholeFile(folder_ / ".db.db", "");
   writeWholeFile(folder_ / "c:x.db", "");
@@ -204,8 +204,8 @@ TEST_F(Directory, databasesOfTheEmbeddedEngineAreItsFiles) {
   EXPECT_EQ(refusal("notes.txt"), "failure.notAFolder");
 }
 
-TEST_F(Directory, listenersHearOfCommandsAndMessages) {
-  // This driver does not tell the state.
+TEST_F(Directory, listenersGetCommandsAndMessages) {
+  // This driver does not return the state.
   server_.answerOthers([](const tds::Command&) {
     return Answer()
         .warning({4711, "The statistics are old.", 9, 2})
@@ -218,14 +218,14 @@ TEST_F(Directory, listenersHearOfCommandsAndMessages) {
   EXPECT_THAT(told, HasSubstr("message 9 4711 0: The statistics are old.\n"));
 }
 
-TEST_F(Directory, listenersHearOfEveryCommandThatIsTried) {
+TEST_F(Directory, listenersGetEveryCommandThatIsTried) {
   server_.answerOthers([](const tds::Command&) { return Answer().error({208, "Invalid object name."}); });
   const std::string told = toldOf();
   EXPECT_THAT(server_.texts(), ::testing::SizeIs(3));
   for (const std::string& text : server_.texts()) EXPECT_THAT(told, HasSubstr("command: " + text + "\n"));
 }
 
-TEST_F(Directory, listenersHearWhatFails) {
+TEST_F(Directory, listenersGetFailures) {
   server_.answerOthers([](const tds::Command&) { return Answer().close(); });
   EXPECT_THAT(toldOf(), HasSubstr("\nbroken: The connection to localhost:"));
   server_.answerOthers([](const tds::Command&) { return Answer().silence(); });

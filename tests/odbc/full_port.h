@@ -13,7 +13,7 @@
 
 namespace korvel::test {
 
-/// A port whose queue is full: it drops further connections without a word, as firewalls do.
+/// A port whose queue is full: further connections are dropped without an answer, as by a firewall.
 class FullPort {
  public:
   FullPort() : listener_(bindLoopback(SOCK_STREAM)) {

@@ -16,7 +16,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-/// The product as it is delivered, in a realm of its own.
+/// The product as it is delivered, in a separate realm.
 class OdbcKerberos : public RealmTest {
  protected:
   void SetUp() override {
@@ -29,7 +29,7 @@ class OdbcKerberos : public RealmTest {
   std::optional<Error> connectError() {
     return errorOf([&] { (void)db::odbc::openServer(serverName(), "Korvel_Audit", access_); });
   }
-  /// The key of the sentence about a login that fails.
+  /// The key of the message about a failed login.
   std::string failure() {
     const auto error = connectError();
     return error ? error->textKey() : "connected";
@@ -88,14 +88,14 @@ TEST_F(OdbcKerberos, saysThatTheTicketHasExpired) {
 
 TEST_F(OdbcKerberos, saysThatTheServiceIsUnknown) {
   realm_->signIn("auditor");
-  const tds::TdsServer stranger;
+  const tds::TdsServer unknown;
   access_.options.trustServerCertificate = true;
   const auto error = errorOf(
-      [&] { (void)db::odbc::openServer("localhost," + std::to_string(stranger.port()), "Korvel_Audit", access_); });
+      [&] { (void)db::odbc::openServer("localhost," + std::to_string(unknown.port()), "Korvel_Audit", access_); });
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.unknownService") << error->description();
-  EXPECT_THAT(error->description(), HasSubstr("MSSQLSvc/localhost:" + std::to_string(stranger.port())));
-  EXPECT_THAT(stranger.record().logins, IsEmpty());
+  EXPECT_THAT(error->description(), HasSubstr("MSSQLSvc/localhost:" + std::to_string(unknown.port())));
+  EXPECT_THAT(unknown.record().logins, IsEmpty());
 }
 
 TEST_F(OdbcKerberos, saysThatTheServerDoesNotTrustTheTicket) {
@@ -118,7 +118,7 @@ TEST_F(OdbcKerberos, saysThatTheServerRefusedTheUser) {
   EXPECT_THAT(error->description(), HasSubstr("KORVEL\\auditor"));
 }
 
-TEST_F(OdbcKerberos, saysThatTheLoginServiceIsGone) {
+TEST_F(OdbcKerberos, reportsThatTheLoginServiceIsUnreachable) {
   realm_->signIn("auditor");
   realm_->stopKdc();
   EXPECT_EQ(failure(), "failure.loginServiceSilent");
@@ -127,7 +127,7 @@ TEST_F(OdbcKerberos, saysThatTheLoginServiceIsGone) {
 TEST_F(OdbcKerberos, doesNotWaitForALoginServiceThatStaysSilent) {
   realm_->signIn("auditor");
   realm_->stopKdc();
-  // A service that takes questions and never answers.
+  // A service that accepts requests and never answers.
   const LoopbackSocket silent = bindLoopback(SOCK_DGRAM);
   writeWholeFile(folder_ / "krb5.conf",
                  "[libdefaults]\n\tdefault_realm = KORVEL.TEST\n\tdns_lookup_kdc = false\n"

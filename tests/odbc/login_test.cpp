@@ -39,7 +39,7 @@ TEST_F(OdbcLogin, takesOneConnection) {
   }
 }
 
-TEST_F(OdbcLogin, tellsTheIntentToReadOnly) {
+TEST_F(OdbcLogin, sendsTheIntentToReadOnly) {
   (void)connect();
   EXPECT_FALSE(lastLogin().readOnlyIntent);
   access_.options.readOnlyIntent = true;
@@ -85,7 +85,7 @@ TEST_F(OdbcLogin, refusesAnUnknownCertificate) {
   EXPECT_THAT(server_.record().logins, IsEmpty());
 }
 
-/// Whether somebody else's driver looks at a certificate is not known.
+/// It is not known whether an unknown driver checks a certificate.
 TEST_F(OdbcLogin, looksAtTheCertificateItselfBeforeAnUnknownDriverLogsIn) {
   access_.options.certificateAuthorities.clear();
   access_.options.driver = SCRIPTED_DRIVER;
@@ -186,7 +186,7 @@ TEST_F(OdbcLogin, saysThatTheDatabaseCannotBeOpened) {
   EXPECT_THAT(error->description(), HasSubstr("Nowhere"));
 }
 
-TEST_F(OdbcLogin, repeatsWhatElseTheServerSays) {
+TEST_F(OdbcLogin, repeatsOtherMessagesOfTheServer) {
   server_.refuseLogin(
       {{17809, "Could not connect because the maximum number of connections has been reached.", 10 + 4}});
   const auto error = connectError();
@@ -254,11 +254,11 @@ TEST_F(OdbcLogin, noSettingCanAddLinesOfItsOwn) {
 }
 
 TEST_F(OdbcLogin, saysThatADriverIsNotInstalled) {
-  access_.options.driver = "Driver of nobody, not FreeTDS";
+  access_.options.driver = "Unknown driver, not FreeTDS";
   const auto error = connectError();
   ASSERT_TRUE(error);
   EXPECT_EQ(error->textKey(), "failure.driverUnusable");
-  EXPECT_THAT(error->description(), HasSubstr("Driver of nobody"));
+  EXPECT_THAT(error->description(), HasSubstr("Unknown driver"));
 }
 
 TEST_F(OdbcLogin, theSettingsFileOfFreeTdsHasNoSay) {

@@ -72,7 +72,7 @@ TEST(ResolutionReply, isNeverReadBeyondItsEnd) {
   }
 }
 
-TEST(ResolutionReply, lengthsThatLieAreNotBelieved) {
+TEST(ResolutionReply, wrongLengthsAreIgnored) {
   const std::string text = "ServerName;S;InstanceName;I;tcp;1;;";
   EXPECT_THAT(parsed(resolutionReply(text, 65535)), SizeIs(1));
   EXPECT_THAT(parsed(resolutionReply(text, 10)), IsEmpty());
@@ -132,7 +132,7 @@ class ResolutionClientTest : public ::testing::Test {
     const net::Deadline deadline(10s);
     return client_.portOfInstance("AUDITSRV", net::resolveHost("localhost", 0, deadline).endpoints, instance, deadline);
   }
-  /// The sentence about an instance whose port is not found.
+  /// The message about an instance whose port is not found.
   std::string reason(const std::string& instance) {
     const auto error = test::errorOf([&] { (void)portOf(instance); });
     if (!error) return "found";
@@ -158,13 +158,13 @@ TEST_F(ResolutionClientTest, saysWhereThereIsNone) {
   EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
 }
 
-TEST_F(ResolutionClientTest, asksASilentHostWhatItHasAtAll) {
-  // As responders do: not a word about an instance that they do not have.
+TEST_F(ResolutionClientTest, asksASilentHostForAllItsInstances) {
+  // Real responders do not answer for an instance that they do not have.
   server_.announce({instanceOn("S", "ANOTHER", 1)});
   EXPECT_EQ(reason("WINCC"), "failure.instanceUnknown");
 }
 
-TEST_F(ResolutionClientTest, asksAgainWhereADatagramGotLost) {
+TEST_F(ResolutionClientTest, asksAgainAfterALostDatagram) {
   std::atomic<int> asked = 0;
   server_.replyBy([&](std::string_view request) -> std::vector<std::string> {
     if (asked++ == 0) return {};
@@ -199,7 +199,7 @@ TEST_F(ResolutionClientTest, listsTheInstancesOfAHost) {
   EXPECT_THAT(client_.instancesOf("no-such-computer.invalid"), IsEmpty());
 }
 
-TEST_F(ResolutionClientTest, aPortWhereNobodyListensIsKnownAtOnce) {
+TEST_F(ResolutionClientTest, aClosedPortIsReportedAtOnce) {
   std::uint16_t closed = 0;
   {
     const ResolutionResponder gone;
@@ -211,7 +211,7 @@ TEST_F(ResolutionClientTest, aPortWhereNobodyListensIsKnownAtOnce) {
 TEST_F(ResolutionClientTest, asksManyHostsAtOnce) {
   server_.announce({instanceOn("S", "A", 1)});
   std::vector<std::string> hosts;
-  for (int i = 1; i <= 20; ++i) hosts.push_back("127.0.0." + std::to_string(i));  // nobody listens but on the first
+  for (int i = 1; i <= 20; ++i) hosts.push_back("127.0.0." + std::to_string(i));  // only the first one listens
   hosts.emplace_back("no-such-computer.invalid");
   const auto before = std::chrono::steady_clock::now();
   const auto found = client_.allInstances(hosts, 1500ms);
@@ -219,23 +219,23 @@ TEST_F(ResolutionClientTest, asksManyHostsAtOnce) {
   EXPECT_THAT(found, SizeIs(1));
 }
 
-TEST_F(ResolutionClientTest, everybodysRepliesAreGathered) {
+TEST_F(ResolutionClientTest, allRepliesAreGathered) {
   server_.replyWith({resolutionReply({instanceOn("S", "A", 1)}), "nonsense", resolutionReply({instanceOn("T", "B", 2)}),
                      resolutionReply({instanceOn("S", "A", 1)})});
   const std::vector<std::string> hosts{"127.0.0.1"};
   EXPECT_THAT(client_.allInstances(hosts, 500ms), SizeIs(3));
 }
 
-TEST(Broadcast, reachesWhoeverListensOnAnInterface) {
+TEST(Broadcast, reachesListenersOnAnInterface) {
   ResolutionResponder everywhere(0, "0.0.0.0");
   everywhere.announce({instanceOn("S", "A", 1)});
   const std::vector<std::string> hosts{"127.255.255.255"};
   EXPECT_THAT(ResolutionClient(everywhere.port()).allInstances(hosts, 1000ms), Not(IsEmpty()));
-  // Real interfaces are asked otherwise, with the request for everybody.
+  // Real interfaces get another request, the broadcast.
   EXPECT_THAT(everywhere.requests(), Contains(hostRequest()));
 }
 
-/// "a.b.c.d" of every interface that takes broadcasts, reckoned from its address and its mask.
+/// "a.b.c.d" of every interface with broadcast, computed from its address and mask.
 std::multiset<std::string> broadcastAddresses() {
   std::multiset<std::string> addresses;
   ifaddrs* first = nullptr;

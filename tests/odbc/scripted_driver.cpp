@@ -30,7 +30,7 @@ SQLRETURN giveText(std::u16string_view text, SQLWCHAR* target, SQLSMALLINT* leng
 extern "C" {
 
 SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT, SQLHANDLE, SQLHANDLE* handle) {
-  *handle = new ScriptedStatement;  // for handles of other kinds no more than an address
+  *handle = new ScriptedStatement;  // for handles of other kinds only an address
   return SQL_SUCCESS;
 }
 SQLRETURN SQL_API SQLFreeHandle(SQLSMALLINT, SQLHANDLE handle) {

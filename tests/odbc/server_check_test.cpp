@@ -52,7 +52,7 @@ class ServerCheck : public WireTest {
   std::vector<db::CheckStep> check(const std::string& database = "Korvel_Audit") {
     return db::checkServer(serverName(), database, access_);
   }
-  /// The step that failed, and the sentence about it.
+  /// The failed step and its message.
   std::string failure() {
     const auto steps = check();
     const db::CheckStep* const step = failedStep(steps);
@@ -77,7 +77,7 @@ TEST_F(ServerCheck, goesTheWholeWay) {
   EXPECT_THAT(server_.record().problems, IsEmpty());
 }
 
-TEST_F(ServerCheck, claimsNoTicketThatNobodyLookedAt) {
+TEST_F(ServerCheck, reportsNoTicketThatWasNotChecked) {
   access_.requireTicket = [](const std::string&, const db::net::Deadline&) {
     return db::odbc::TicketState::leftToSystem;
   };
@@ -264,7 +264,7 @@ TEST_F(InstallProcedure, whoMayNotReadTheTableMayInstall) {
   EXPECT_EQ(server_.texts().back(), "COMMIT TRANSACTION");
 }
 
-TEST_F(InstallProcedure, anyOtherFailureOfTheLookIsToldAsItIs) {
+TEST_F(InstallProcedure, anyOtherFailureOfTheCheckIsReportedUnchanged) {
   server_.answerOthers([](const tds::Command&) { return Answer(); });
   server_.answer("SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0", Answer().error({823, "The disk failed.", 24}));
   EXPECT_EQ(errorOf([&] { db::installQueryAudits(serverName(), "Korvel_Audit", access_); })->number(), 823);

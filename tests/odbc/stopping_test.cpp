@@ -1,5 +1,5 @@
-// Queries that are stopped while a server is asked, servers that take no notice of it, and what becomes of what a typed
-// text has changed.
+// Queries that are stopped while a server runs them, servers that ignore the stop, and the rollback of changes by a
+// custom text.
 
 #include <chrono>
 #include <csignal>
@@ -89,7 +89,7 @@ class Stopping : public WireTest {
   std::function<bool(const tds::Record&)> holds_ = hasCommand;
 };
 
-TEST_F(Stopping, aServerThatNeverAnswersIsToldAndLeft) {
+TEST_F(Stopping, aServerThatNeverAnswersGetsAnAttentionAndIsLeft) {
   for (const Answer& answer : {Answer().silence(), begun().silence(), begun().done().silence()}) {
     const std::size_t attentions = server_.record().attentions;
     const std::size_t commands = server_.record().commands.size();
@@ -110,13 +110,13 @@ TEST_F(Stopping, aServerThatNeverAnswersIsToldAndLeft) {
   EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
-TEST_F(Stopping, nobodyWaitsForAServerThatNoticesLate) {
+TEST_F(Stopping, aServerThatAnswersTheAttentionLateIsNotWaitedFor) {
   const tds::Gate gate;
   server_.answerAttentionsAt(gate);
   answerWith(begun().silence());
   surroundings_.pace.grace = 0ms;
   EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
-  // Behind the query the server still holds the connection.
+  // After the query the server still holds the connection.
   EXPECT_TRUE(gate.waitUntilReached());
   EXPECT_EQ(server_.record().openConnections, 1U);
   expectNothingShown();
@@ -125,7 +125,7 @@ TEST_F(Stopping, nobodyWaitsForAServerThatNoticesLate) {
   expectNothingShown();
 }
 
-TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnection) {
+TEST_F(Stopping, aServerThatIgnoresAttentionsLosesItsConnection) {
   server_.ignoreAttentions();
   answerWith(begun().silence());
   EXPECT_EQ(customQuery(), CustomOutcome::stopped);
@@ -147,7 +147,7 @@ TEST_F(Stopping, aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt) {
   }
 }
 
-/// A connection that is asked for has no other end yet by which it could be known.
+/// A connection in progress has no peer address yet by which it could be identified.
 TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
   const FullPort full;
   otherServer_ = full.serverName();
@@ -158,8 +158,8 @@ TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
   EXPECT_FALSE(connectError());
 }
 
-/// A stop that comes while the driver does nothing: cancelling then waits for the server's word itself.
-TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo) {
+/// A stop while the driver is idle: cancelling then waits for the server's answer.
+TEST_F(Stopping, aServerThatIgnoresAttentionsLosesItsConnectionBetweenTwoRowsToo) {
   server_.ignoreAttentions();
   server_.answer("go", Answer()
                            .result(numberAndName)
@@ -195,7 +195,7 @@ TEST_F(Stopping, aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo) {
 }
 
 TEST_F(Stopping, afterAnEmptyFirstResultNoOtherIsWaitedFor) {
-  // FreeTDS tells the end of a result when it has seen the columns of the next one.
+  // FreeTDS reports the end of a result after the columns of the next one.
   answerWith(Answer().result(numberAndName).done().result(numberAndName).silence());
   const auto end = std::chrono::steady_clock::now() + tds::testTimeout;
   stopWhen([end](const tds::Record&) { return std::chrono::steady_clock::now() > end; });
@@ -215,7 +215,7 @@ TEST_F(Stopping, aStatementThatChangesNothingDoesNotEndItsBatch) {
 
 /// The tool on a server that does not answer, and Ctrl+C.
 TEST_F(Stopping, theToolEndsOnCtrlC) {
-  // Whatever this program was started to ignore.
+  // Whatever signals this program was started to ignore.
   const SignalSetting heard(SIGINT, SIG_DFL);
   const TemporaryFolder folder;
   const std::string target = (folder / "rows.csv").string();
@@ -240,7 +240,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
   }
 }
 
-/// What a typed text changes is taken back.
+/// Changes by a custom text are rolled back.
 class Undoing : public Stopping {
  protected:
   std::vector<std::string> transactionsOf(const Answer& answer) {

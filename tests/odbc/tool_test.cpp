@@ -1,4 +1,4 @@
-// The tool as it is delivered, against a server that speaks: settings file, ticket, driver and all.
+// The tool as it is delivered, against the TDS server: with settings file, ticket and driver.
 #include "db/procedure/audit_conditions.h"
 #include "settings/registry.h"
 #include "settings/registry_file.h"

@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 const std::vector<tds::Column> numberAndName{{"Nr", "int"}, {"Name", "nvarchar(30)"}};
 
-/// What goes wrong on the wire, and what the user is told: our sentence, or else the server's number.
+/// Failures on the wire and their messages: ours, or else the server's number.
 struct Trouble {
   const char* name;
   Answer answer;
@@ -270,7 +270,7 @@ TEST_F(OdbcTrouble, theServerDripsNonsenseDuringTheLogin) {
   }
 }
 
-/// The driver alone, without our own questions before it: what it does on a server that falls silent between the two.
+/// The driver alone, without our own steps before it, on a server that stops answering in between.
 TEST_F(OdbcTrouble, theDriverItselfDoesNotWaitForEver) {
   for (const bool encrypted : {true, false}) {
     if (!encrypted) withoutEncryption();
@@ -281,7 +281,7 @@ TEST_F(OdbcTrouble, theDriverItselfDoesNotWaitForEver) {
       request.driver = {access_.options.driver, db::odbc::DriverFamily::freeTds};
       request.address = {"localhost", server_.port()};
       request.options = access_.options;
-      request.options.connectionTimeout = 60s;  // what the driver makes of it
+      request.options.connectionTimeout = 60s;  // the driver decides what to do with it
       const auto error = errorOf([&] {
         const db::odbc::OdbcConnection connection(request, access_.driverText(request), db::net::Deadline(1s));
       });
@@ -313,7 +313,7 @@ TEST_F(OdbcTrouble, otherConnectionsOutliveACommandThatIsEnded) {
   EXPECT_EQ(answerText(*first, "go"), "Nr|Name\n1|pump\n");
 }
 
-TEST_F(OdbcTrouble, aClosedPortAndAComputerThatNobodyKnows) {
+TEST_F(OdbcTrouble, aClosedPortAndAnUnknownComputer) {
   const std::string server = serverName();
   server_.stop();
   EXPECT_EQ(errorOf([&] { (void)db::odbc::openServer(server, "D", access_); })->textKey(), "failure.portClosed");

@@ -116,7 +116,7 @@ TEST_F(OdbcValues, emptyTextIsNotNull) {
   EXPECT_EQ(value("nvarchar(9)", null), std::nullopt);
 }
 
-/// Every character that there is, surrogates left out, in one text of its own length.
+/// Every character except surrogates, in one text.
 std::string allOfUnicode() {
   std::u16string wide;
   std::string all;
@@ -150,7 +150,7 @@ TEST_F(OdbcValues, aMegabyteArrivesWhole) {
 }
 
 TEST_F(OdbcValues, textsOfEveryLengthAroundAPartOfTheBuffer) {
-  // 4,095 units fit at once: pairs that end before, at and behind that place, and at every later one.
+  // 4,095 units fit into the buffer: pairs that end before, at and behind that position, and at every later one.
   for (const std::size_t units : {4093U, 4094U, 4095U, 4096U, 4097U, 8188U, 8189U, 8190U, 8191U, 8192U}) {
     for (const char* last : {"x", "🛢", "🛢🛢", "x🛢x"}) {
       const std::string text = std::string(units, 'a') + last;

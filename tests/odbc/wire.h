@@ -30,7 +30,7 @@ class WireTest : public ::testing::Test {
   std::unique_ptr<db::Connection> connect(const std::string& database = "Korvel_Audit") {
     return db::odbc::openServer(serverName(), database, access_);
   }
-  /// Why no connection comes about; nothing where one does.
+  /// The error of connecting; nothing where it succeeds.
   std::optional<Error> connectError(const std::string& database = "Korvel_Audit") {
     return errorOf([&] { (void)connect(database); });
   }

@@ -5,7 +5,7 @@
 namespace korvel::test {
 namespace {
 
-/// How an answer's column is declared on the wire.
+/// The declaration of an answer's column on the wire.
 const char* declarationOf(db::ColumnKind kind) {
   switch (kind) {
     case db::ColumnKind::number:
@@ -28,7 +28,7 @@ tds::Value onTheWire(const std::optional<std::string>& text, db::ColumnKind kind
   return *text;
 }
 
-/// A server that has the same data as an embedded database, and says on the wire what that says.
+/// A server with the data and the answers of an embedded database.
 class ServerBackend final : public ConformanceBackend {
  public:
   ServerBackend() {

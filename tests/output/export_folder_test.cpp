@@ -71,7 +71,7 @@ TEST_F(ExportFolder, IsNotReachedThroughALink) {
   EXPECT_TRUE(fs::is_empty(home / "elsewhere"));
 }
 
-TEST_F(ExportFolder, OfSomebodyElseIsRefused) {
+TEST_F(ExportFolder, OfAnotherUserIsRefused) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
   fs::create_directories(home / "state/korvel/export");
   ASSERT_EQ(::chown((home / "state/korvel/export").c_str(), 12345, 12345), 0);

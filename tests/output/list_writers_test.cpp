@@ -16,7 +16,7 @@ namespace {
 
 using test::written;
 
-/// Three records of a standard list, with everything in them that a writer may stumble over.
+/// Three records of a standard list, with all that is difficult for a writer.
 results::ResultList standardList() {
   auto plain = test::auditRow("10", "CS");
   plain[1] = "2004-03-07 13:45:59.123";

@@ -25,7 +25,7 @@ class TextBytes : public ReportBytes {
   explicit TextBytes(std::string text) : text_(std::move(text)) {}
   void rewind() override { at_ = 0; }
   std::size_t read(std::span<char> to) override {
-    // Short reads, so that every mark is cut in two somewhere.
+    // Short reads, so that every mark is split at some point.
     const std::size_t size = std::min({to.size(), text_.size() - at_, std::size_t{7}});
     std::copy_n(text_.data() + at_, size, to.data());
     at_ += size;
@@ -177,7 +177,7 @@ TEST(ReportReader, RefusesTheNotesOfAnotherReport) {
   EXPECT_TRUE(isRefused(writtenReport({{"x", &two}}).bytes, writtenReport({{"x", &one}}).notes));
 }
 
-TEST(ReportReader, MissingFileIsSaidByNumber) {
+TEST(ReportReader, MissingFileIsReportedByNumber) {
   const test::TemporaryFolder folder;
   try {
     static_cast<void>(reportFile(folder / "absent"));

@@ -85,7 +85,7 @@ TEST(Report, IsReplacedByTheNextOne) {
   EXPECT_EQ(readWholeFile(folder / "report.htm"), single(second, "x"));
 }
 
-TEST(Report, TellsWhatTheCodePageDoesNotHold) {
+TEST(Report, ReportsWhatTheCodePageLacks) {
   const test::TemporaryFolder folder;
   const auto list = filledList({{"A"}}, {{"ポンプ"}, {"é"}});
   EXPECT_EQ(writeListReport({"x", &list}, {}, folder / reportName).replacedCharacters, 3U);

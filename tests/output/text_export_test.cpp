@@ -59,7 +59,7 @@ TEST_F(TextExportFile, OfAStandardListIsAsDisplayed) {
   EXPECT_EQ(text(list), "A,B,C,D,\r\na,,,\r\n");
 }
 
-TEST_F(TextExportFile, TellsItsProgress) {
+TEST_F(TextExportFile, ReportsItsProgress) {
   const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(2500, test::ScriptedRow{"x"}));
   std::vector<std::size_t> told;
   writeTextExport(list, file, [&](std::size_t rows) { told.push_back(rows); });

@@ -36,7 +36,7 @@ TEST(SpreadsheetDate, IsNoTextThatItWouldChange) {
     EXPECT_EQ(spreadsheetDate(text), std::nullopt) << text;
 }
 
-TEST(BooleanFrom, KnowsTheFormsOfServers) {
+TEST(BooleanFrom, ReadsTheFormsOfServers) {
   EXPECT_EQ(booleanFrom("1"), true);
   EXPECT_EQ(booleanFrom("False"), false);
   EXPECT_EQ(booleanFrom("2"), std::nullopt);

@@ -44,12 +44,12 @@ TEST_F(WorkbookOnAFullDisk, LeavesTheEarlierOne) {
 }
 
 TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
-  // So alike that the workbook is much smaller than what its rows take on their way into it.
+  // So similar that the workbook is much smaller than its temporary files.
   const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(3000, {"the same text in every row"}));
   write(list);
   const std::size_t whole = sheet().size();
   ASSERT_GT(whole, 3 * readWholeFile(file).size());
-  // The rows, the sheet that they become, and what stands around them: each may be what does not fit.
+  // Each part may be the one that does not fit: the rows, their sheet, and the parts around it.
   std::vector<std::size_t> sizes = {whole / 2, whole - 5000};
   for (std::size_t missing = 2000; missing > 0; missing -= 100) sizes.push_back(whole - missing);
   for (const std::size_t size : sizes) {

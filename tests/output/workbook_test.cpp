@@ -28,14 +28,14 @@ struct WorkbookFile : testing::Test {
   std::string part(const std::string& name) { return test::partOfZip(readWholeFile(file), name); }
   std::string sheet(int number = 1) { return part("xl/worksheets/sheet" + std::to_string(number) + ".xml"); }
   WorkbookSummary write(const results::ResultList& list) { return writeWorkbook(list, "ALL Audits", file); }
-  /// A workbook that is fed row by row.
+  /// A workbook that is written row by row.
   std::string finished(Workbook& book) {
     std::string bytes;
     summary = book.finish([&](std::string_view chunk) { bytes += chunk; });
     writeWholeFile(file, bytes);
     return bytes;
   }
-  /// What a reader of XML makes of the text of a cell.
+  /// The text of a cell, as an XML reader decodes it.
   static std::string plain(std::string text) {
     for (const auto& [coded, meant] : {std::pair{"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&amp;", "&"}})
       text = replaceAll(std::move(text), coded, meant);
@@ -106,7 +106,7 @@ TEST_F(WorkbookFile, CarriesHostileTextsAsText) {
   EXPECT_THAT(xml, HasSubstr("größer € é"));
 }
 
-/// What readers make of the codes in a text, from the left to the right.
+/// A text with its codes decoded as readers do, from left to right.
 std::string decoded(const std::string& text) {
   static const std::regex code("_x([0-9A-Fa-f]{4})_");
   std::string plain;

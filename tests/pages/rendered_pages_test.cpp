@@ -1,4 +1,4 @@
-// Pages as they look: what is drawn where, and in which ink.
+// Rendered pages: positions and colours.
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
@@ -26,7 +26,7 @@ constexpr int lineMost = 200;
 constexpr int groundLeast = 228;
 constexpr int groundMost = 244;
 
-/// One page, and where its table stands.
+/// One page, and the position of its table.
 class Picture {
  public:
   explicit Picture(QImage image) : image_(std::move(image)) {
@@ -78,7 +78,7 @@ class Picture {
     }
     return lines;
   }
-  /// Where lines stand between the columns of the header, the table's edges among them.
+  /// The positions of the lines between the header's columns, with the table's edges.
   [[nodiscard]] std::vector<int> columnEdges() const {
     std::vector<int> edges;
     for (int x = std::max(0, table_.left() - 4); x < std::min(image_.width(), table_.right() + 4); ++x) {
@@ -135,7 +135,7 @@ TEST_F(RenderedPages, HaveTheCaptionAboveAShadedHeader) {
   EXPECT_GT(caption.height(), dotsPerInch / 20) << "whole letters";
   EXPECT_LT(caption.bottom(), page.header().top());
   ASSERT_EQ(page.textLines(page.aboveHeader()).size(), 1U);
-  // Nothing but the headers stands on the ground, and it ends with them.
+  // Only the headers have the background, which ends with them.
   ASSERT_EQ(page.textLines(page.header()).size(), 1U);
   EXPECT_GT(page.header().height(), page.textLines(page.header()).front().height());
   EXPECT_EQ(page.grey(page.body().left() + 3, page.body().top() + 2), 255);
@@ -165,7 +165,7 @@ TEST_F(RenderedPages, KeepTextOffTheLines) {
   const std::vector<int> edges = page.columnEdges();
   ASSERT_EQ(edges.size(), 3U);
   for (std::size_t i = 0; i < 2; ++i) {
-    // From line to line: the lines themselves are no ink.
+    // From line to line, without the lines themselves.
     const QRect ink = page.inkIn({QPoint(edges[i], page.body().top()), QPoint(edges[i + 1], page.body().bottom())});
     const int leastDistance = 3 * dotsPerInch / 72 / 2;  // a point and a half
     EXPECT_GT(ink.left() - edges[i], leastDistance) << i;
@@ -174,7 +174,7 @@ TEST_F(RenderedPages, KeepTextOffTheLines) {
 }
 
 TEST_F(RenderedPages, ACellHasTheDirectionOfItsWholeText) {
-  // The points at the end of a line stand where its cell's direction ends.
+  // The ellipsis of a line is where its cell's writing direction ends.
   const auto list = filledList({{"A"}}, {{"שלום\nHHHH............"}, {"HHHH\nשששש............"}});
   const Picture page = draw(list);
   const std::vector<QRect> lines = page.textLines(page.column(0));

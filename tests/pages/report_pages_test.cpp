@@ -23,7 +23,7 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 
 struct ReportPages : WrittenPages {
-  /// Where the first such word stands, in points: an edge of its box, or an extent of the page.
+  /// The position of the first such word, in points: an edge of its box, or an extent of the page.
   double edgeOf(const std::string& word, const std::string& edge) {
     const std::string boxes = test::outputOf("pdftotext -bbox '" + (folder / "pages.pdf").string() + "' -");
     const auto at = boxes.find(">" + word + "</word>");
@@ -60,7 +60,7 @@ TEST_F(ReportPages, CarryTheirRemarkBetweenCaptionAndTableOnEveryPage) {
   EXPECT_GT(topOf("Alpha"), tableBefore);
   for (int i = 0; i < 200; ++i) ASSERT_EQ(count(text(), "N" + std::to_string(i) + "E"), 1U) << i;
 
-  // Too long for the page: it is small, and whole.
+  // Too long for the page: it is small and complete.
   texts.remark = QString(40, QLatin1Char('W')) + QString(200, QLatin1Char('m')) + QStringLiteral("END");
   write(list);
   EXPECT_LT(edgeOf(texts.remark.toStdString(), "xMax"), pageWidth());
@@ -90,7 +90,7 @@ TEST_F(ReportPages, SplitARowThatIsHigherThanAPage) {
 TEST_F(ReportPages, NameARowOnEveryPageThatHoldsSomeOfIt) {
   std::string longText;
   for (int i = 0; i < 200; ++i) longText += "line\n";
-  // However many lines the first column has itself: as many as a page holds, too.
+  // The same with a first column of as many lines as a page holds.
   std::string key;
   for (int lines = 1; lines < 80; ++lines) {
     key += (lines > 1 ? "\nK" : "K") + std::to_string(lines) + "E";
@@ -197,7 +197,7 @@ TEST_F(ReportPages, AreTurnedWhereThatFitsBetter) {
   EXPECT_EQ(orientationOf(narrow, Orientation::asFits), QPageLayout::Portrait);
   EXPECT_EQ(orientationOf(wide, Orientation::asFits), QPageLayout::Landscape);
   EXPECT_EQ(orientationOf(wide, Orientation::asGiven), QPageLayout::Portrait);
-  // The values alone would stand in portrait, not so with the room around each.
+  // The values alone would fit portrait, but not with their padding.
   const std::vector<test::ScriptedRow> digits{test::ScriptedRow(45, "00")};
   EXPECT_EQ(orientationOf(filledList(std::vector<db::Field>(45, db::Field{"n"}), digits), Orientation::asFits),
             QPageLayout::Landscape);
@@ -230,7 +230,7 @@ TEST_F(ReportPages, OfAnyFontAndAnyNumberOfColumnsEnd) {
     }
 }
 
-/// A word on a page, and where it stands.
+/// A word on a page, and its position.
 struct Word {
   QRectF box;
   std::string text;

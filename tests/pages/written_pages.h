@@ -46,7 +46,7 @@ struct WrittenPages : testing::Test {
     ListSource source({&reported, 1}, {"Courier", 9});
     return write(source, progress, selection);
   }
-  /// The text of the pages, as a reader that selects it gets it; of one page or of all.
+  /// The text of one page or of all, as a reader extracts it.
   std::string text(int page = 0) {
     const std::string number = std::to_string(page);
     return test::outputOf("pdftotext -raw " + (page == 0 ? "" : "-f " + number + " -l " + number) + " '" +

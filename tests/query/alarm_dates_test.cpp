@@ -30,7 +30,7 @@ TEST(AlarmDates, ComeFromAllDatesWithARangeAndTheAlarmCategory) {
   EXPECT_FALSE(alarmsComeFromAllDates(flagsOf("0100000000"), {2004y / 3 / 7, 2004y / 3 / 7, false}));
 }
 
-/// What is said is what an engine answers, for every choice of categories.
+/// The note agrees with the engine's answer for every choice of categories.
 TEST(AlarmDates, AgreeWithTheEngineForEveryChoiceOfCategories) {
   const test::TemporaryFolder folder;
   test::writeAuditDatabase(folder / "Korvel_Audit.db", {{1, "2001-01-01 12:00:00", "vel_AlgMessages", "CHANGE", "CS"},
@@ -57,7 +57,7 @@ TEST(AlarmDates, AgreeWithTheEngineForEveryChoiceOfCategories) {
   EXPECT_EQ(withOlderRows, 511U);
 }
 
-TEST(AlarmDates, AreToldInEveryLanguage) {
+TEST(AlarmDates, AreReportedInEveryLanguage) {
   EXPECT_NE(settings::ownText(alarmsOfAllDatesText, settings::LanguageOffset()), "");
   EXPECT_NE(settings::ownText(alarmsOfAllDatesText, settings::LanguageOffset("30000")),
             settings::ownText(alarmsOfAllDatesText, settings::LanguageOffset()));

@@ -25,7 +25,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::chrono_literals;
 
-/// A custom list that shows an earlier answer, and the server that is asked.
+/// A custom list that shows an earlier answer, and the server that is queried.
 struct CustomQuery : testing::Test {
   CustomQuery() {
     server.answer = {{{{"Before"}}, {{"kept"}}, {}}};
@@ -197,7 +197,7 @@ TEST_F(CustomQuery, AnAnswerOfManyRowsKeepsTheirOrder) {
   EXPECT_EQ(list.text({19'999}, {0}), "1");
 }
 
-/// What progress was told, on the thread that waits, while the server answers on another.
+/// The reported progress, on the waiting thread, while the server answers on another.
 struct CustomQueryProgress : CustomQuery {
   CustomQueryProgress() {
     surroundings.pace = {1ms, 20s};
@@ -211,7 +211,7 @@ struct CustomQueryProgress : CustomQuery {
     for (int i = 0; i < 1000; ++i) server.answer[0].rows.push_back({std::to_string(i)});
   }
 
-  /// On the server's side: false where it does not come about.
+  /// Called by the server: false after the timeout.
   bool waitUntilTold(std::size_t rows) {
     std::unique_lock lock(mutex);
     return changed.wait_for(lock, 20s, [&] { return !told.empty() && told.back() >= rows; });
@@ -229,20 +229,20 @@ struct CustomQueryProgress : CustomQuery {
   std::size_t stopAt = 0;
 };
 
-TEST_F(CustomQueryProgress, IsToldTheRowsSoFarFromNoneOn) {
+TEST_F(CustomQueryProgress, ReportsTheRowsSoFarFromZeroOn) {
   server.answer[0].breaksOff = [&] { EXPECT_TRUE(waitUntilTold(900)); };
   EXPECT_EQ(run().outcome, CustomOutcome::filled);
   EXPECT_EQ(told.front(), 0U);
   EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
 }
 
-TEST_F(CustomQueryProgress, IsToldNoOftenerThanItsPace) {
+TEST_F(CustomQueryProgress, ReportsNotMoreOftenThanItsPace) {
   surroundings.pace.interval = 1h;
   EXPECT_EQ(run().outcome, CustomOutcome::filled);
   EXPECT_THAT(told, ElementsAre(0U));
 }
 
-TEST_F(CustomQueryProgress, IsToldOnTheThreadThatWaits) {
+TEST_F(CustomQueryProgress, ReportsOnTheWaitingThread) {
   const std::thread::id here = std::this_thread::get_id();
   std::thread::id asked;
   const QueryProgress note = progress;
@@ -295,7 +295,7 @@ TEST_F(CustomQueryProgress, AServerThatDoesNotComeBackIsLeftBehind) {
   EXPECT_EQ(run().outcome, CustomOutcome::stopped);
   expectClearedWithColumnsOfBefore();
   EXPECT_TRUE(db::workIsLeftBehind());
-  // Whatever it says now concerns nobody.
+  // Its result is ignored from here on.
   answers.set_value();
   EXPECT_EQ(closed.get_future().wait_for(20s), std::future_status::ready);
   while (db::workIsLeftBehind()) std::this_thread::yield();
@@ -319,7 +319,7 @@ TEST_F(CustomQueryProgress, ThatThrowsWhileTheServerWorksIsAFailureToo) {
   expectFailure(run(), 51, "no window");
 }
 
-/// A machine whose memory a test decides on.
+/// A machine with memory that the test sets.
 struct QueryMemory : CustomQuery {
   QueryMemory() {
     surroundings.memory = [this] {

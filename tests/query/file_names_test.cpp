@@ -84,7 +84,7 @@ TEST(FileNames, MatchPatterns) {
   EXPECT_TRUE(matchesFilePattern("aXbXc", "a*x*c"));
   EXPECT_TRUE(matchesFilePattern("abab", "*ab"));
   EXPECT_FALSE(matchesFilePattern("abab", "*ba"));
-  // Would take years where every "*" went back to every other.
+  // Would take years with backtracking for every "*".
   EXPECT_FALSE(matchesFilePattern(std::string(200, 'a'), "*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*a*b"));
 }
 

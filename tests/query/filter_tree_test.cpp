@@ -81,7 +81,7 @@ TEST(FilterTree, RootIsClearedWithItsLastChild) {
   EXPECT_EQ(checked(tree), "");
 }
 
-// Through boxes alone no root is ever checked without a child, whatever is clicked in whatever order.
+// No order of clicks on boxes checks a root without a child.
 TEST(FilterTree, NoOrderOfClicksChecksARootAlone) {
   FilterTree tree;
   unsigned random = 1;

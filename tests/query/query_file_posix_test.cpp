@@ -24,7 +24,7 @@ TEST_F(QueryFile, NeverReplacesADatabase) {
   EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
 }
 
-TEST_F(QueryFile, ThatCannotBeReadIsSaid) {
+TEST_F(QueryFile, ThatCannotBeReadIsReported) {
   const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
   EXPECT_EQ(reading().number(), ENOENT);
   EXPECT_EQ(reading().textKey(), "queryFile.unreadable");

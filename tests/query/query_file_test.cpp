@@ -77,7 +77,7 @@ TEST_F(QueryFile, ReplacesAnEarlierOneWhole) {
   EXPECT_EQ(loadQueryFile(folder / pathFromUtf8("Grüße v1.2 alt.vqf")), "y\r\n");
 }
 
-TEST_F(QueryFile, ThatCannotBeWrittenIsSaid) {
+TEST_F(QueryFile, ThatCannotBeWrittenIsReported) {
   std::filesystem::create_directory(file);
   for (const auto& target : {file, folder / "absent/x.vqf"}) {
     const Error error = errorOf([&] { saveQueryFile(target, "x"); });
@@ -88,7 +88,7 @@ TEST_F(QueryFile, ThatCannotBeWrittenIsSaid) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
-TEST_F(QueryFile, ThatIsNoFileIsSaid) {
+TEST_F(QueryFile, ThatIsNoFileIsReported) {
   const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
   EXPECT_TRUE(means(reading().number(), std::errc::no_such_file_or_directory));
   EXPECT_EQ(reading().textKey(), "queryFile.unreadable");

@@ -22,7 +22,7 @@ ScriptedResult resultOf(std::vector<test::ScriptedRow> rows) {
   return {auditFields(), std::move(rows), {}};
 }
 
-/// A control's lists, tree and range, and the server that they ask.
+/// A control's lists, tree and range, and the server that is queried.
 struct StandardQuery : testing::Test {
   StandardQuery() { tree.selectAll(); }
 

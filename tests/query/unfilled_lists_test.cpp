@@ -13,7 +13,7 @@
 namespace korvel::query {
 namespace {
 
-/// An answer that has arrived whole, and memory that runs out while it is put into the lists.
+/// A complete answer, and memory that runs out while the lists are filled.
 struct UnfilledLists : testing::Test {
   /// Runs `query`, which fails at one allocation after its connection is closed, at a later one each time, until the
   /// lists are filled; `check` looks at the lists and the failure after each time before.

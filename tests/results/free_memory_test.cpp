@@ -48,7 +48,7 @@ TEST_F(FreeMemory, IsBoundByTheGroupsAbove) {
   expect(200000, 300000);
 }
 
-TEST_F(FreeMemory, KnowsTheFirstVersionOfGroups) {
+TEST_F(FreeMemory, ReadsTheFirstVersionOfGroups) {
   file("proc/self/cgroup", "9:name=systemd:/\n4:memory:/box/inner\n0::/\n");
   file("sys/fs/cgroup/memory/memory.limit_in_bytes", "9223372036854771712\n");
   file("sys/fs/cgroup/memory/memory.usage_in_bytes", "999999\n");
@@ -64,7 +64,7 @@ TEST_F(FreeMemory, IsUnknownWhereTheSystemDoesNotTell) {
   EXPECT_FALSE(memoryStateBelow(root / "absent"));
 }
 
-TEST_F(FreeMemory, IsToldByThisMachine) {
+TEST_F(FreeMemory, IsKnownOnThisMachine) {
   const auto state = memoryState();
   ASSERT_TRUE(state);
   EXPECT_GT(state->freeBytes, 0U);

@@ -17,7 +17,7 @@ namespace {
 using korvel::test::FailingAllocations;
 
 /// Runs `action` with one more allocation allowed each time until it succeeds; returns how often it failed. Each
-/// failure must be an Error in plain words; `check` runs after each.
+/// failure must be an Error with a message; `check` runs after each.
 template <typename Action, typename Check>
 int failuresUntilSuccess(Action action, Check check) {
   for (int allowed = 0;; ++allowed) {
@@ -94,7 +94,7 @@ TEST(OutOfMemory, AStoreMayBeDroppedAfterAFailure) {
   }
 }
 
-// Whichever thread runs out of memory, the one that hands over the rows is told.
+// When either thread runs out of memory, the error reaches the thread that delivers the rows.
 TEST(OutOfMemory, ALongAnswerFailsAsAnError) {
   constexpr std::size_t rows = 60000;
   std::vector<std::string> numbers;

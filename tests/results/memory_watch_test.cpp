@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint64_t megabyte = std::uint64_t{1} << 20U;
 constexpr std::uint64_t whole = 16384 * megabyte;
 
-/// A watch over a machine whose memory the test decides on.
+/// A watch over a machine with memory that the test sets.
 struct MemoryWatchTest : testing::Test {
   std::optional<MemoryState> state = MemoryState{whole / 2, whole};
   int looks = 0;

@@ -377,7 +377,7 @@ TEST(SortBy, SetsTheDirectionThatTheNextClickInverts) {
   EXPECT_EQ(list.sortOrder(), SortOrder::ascending);
 }
 
-TEST(SortBy, AColumnThatNobodyHasKeepsTheOrder) {
+TEST(SortBy, AColumnThatDoesNotExistKeepsTheOrder) {
   ResultList list = customList({{"b"}, {"a"}});
   list.sortBy({9}, SortOrder::descending);
   EXPECT_THAT(column(list, 0), ElementsAre("b", "a"));

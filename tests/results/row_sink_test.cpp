@@ -7,7 +7,7 @@
 namespace korvel::results::test {
 namespace {
 
-/// Pushes a result set as a connection does; returns whether the sink wanted all of it.
+/// Pushes a result set as a connection does; returns whether the sink accepted all of it.
 bool push(RowSink& sink, const std::vector<std::string>& names, const std::vector<Row>& rows) {
   std::vector<db::Field> made;
   for (const std::string& name : names) made.push_back({name, db::ColumnKind::text});

@@ -44,7 +44,7 @@ std::string shownText(const Value& value) {
   return caseFolded(trimBlanks(value ? *value : std::string{}));
 }
 
-/// What ranks are, said plainly: the place among the sorted distinct folded texts, the empty text first.
+/// The definition of ranks: the place among the sorted distinct folded texts, the empty text first.
 std::vector<std::uint32_t> plainRanks(const std::vector<Row>& rows, std::size_t column) {
   std::vector<std::string> texts{""};
   for (const Row& row : rows) texts.push_back(column < row.size() ? shownText(row[column]) : "");

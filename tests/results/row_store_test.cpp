@@ -48,7 +48,7 @@ TEST(RowStore, KeepsValuesExactlyAsTheyCame) {
   EXPECT_EQ(rowOf(*store, 1), rows[1]);
 }
 
-TEST(RowStore, TellsNullFromEmpty) {
+TEST(RowStore, DistinguishesNullFromEmpty) {
   const auto store = storeOf({{null}, {""}, {null}, {"a"}, {""}});
   EXPECT_EQ(valueOf(*store, 0, 0), null);
   EXPECT_EQ(valueOf(*store, 1, 0), "");
@@ -87,7 +87,7 @@ TEST(RowStore, ResultSetsMayDifferInWidth) {
   EXPECT_EQ(valueOf(store, 3, 1), null);
 }
 
-TEST(RowStore, EachRowKnowsTheFieldsItCameWith) {
+TEST(RowStore, EachRowHasTheFieldsItCameWith) {
   RowStore store;
   store.beginResult(std::vector<db::Field>{{"Nr", db::ColumnKind::number}});
   store.append(cells({"1"}));
@@ -162,7 +162,7 @@ TEST(RowStore, StopsLookingForRepeatsAndStaysRight) {
   for (std::size_t row = 0; row < unique; ++row) ASSERT_EQ(valueOf(store, row, 0), "entry " + number(row));
   EXPECT_EQ(valueOf(store, unique, 0), "same");
   EXPECT_EQ(valueOf(store, unique + 1, 0), null);
-  // It has stopped indeed: each repeat is stored again, with an address.
+  // It has stopped: each repeat is stored again, with an address.
   EXPECT_GT(store.memoryBytes(), before + 3 * blockRows * sizeof(char*));
 }
 
@@ -191,8 +191,8 @@ TEST(RowStore, FewRowsOfManyColumnsStaySmall) {
   EXPECT_EQ(valueOf(store, 0, 1999), "x");
 }
 
-// Somebody who knows the hash function can write values that all want the same place in the table.
-TEST(RowStore, ValuesMadeToCollideAreStillToldApart) {
+// An attacker who knows the hash function can choose values that collide in the table.
+TEST(RowStore, ValuesMadeToCollideAreDistinguished) {
   std::vector<std::string> colliding;
   for (std::size_t i = 0; colliding.size() < 400; ++i) {
     const std::string text = number(i);

@@ -52,11 +52,11 @@ TEST(StoreFiller, TakesAnotherAnswerAfterItsStoreWasTaken) {
   EXPECT_EQ(rowOf(*filler.takeStore(), 0), Row{"second"});
 }
 
-// However late the second thread finds out, nobody gets an answer with rows missing.
+// A late failure of the second thread must not give an answer with missing rows.
 TEST(StoreFiller, ARowThatCannotBeStoredIsReported) {
   StoreFiller filler;
   filler.beginResult(fields(3));
-  // Until every batch has been around: from here on only the store needs memory.
+  // Until every batch has been used once: from here on only the store allocates.
   for (std::size_t i = 0; i < 4 * longAnswer; ++i) filler.append(cells(wideRow(i)));
   filler.finish();
   const std::string text = "a text that the store does not know yet, too long to stand anywhere but in its own memory";
@@ -78,7 +78,7 @@ TEST(StoreFiller, ARowThatCannotBeStoredIsReported) {
     } catch (const Error& error) {
       number = error.number();
     } catch (const std::bad_alloc&) {
-      // There is no memory even for the failure; it is one all the same.
+      // The failure is reported although there is no memory for its text.
       number = outOfMemoryNumber;
     }
   }

@@ -22,7 +22,7 @@ std::string bytesOf(const WindowsCodePage& page, std::string_view text) {
   return bytes;
 }
 
-// What the code page of other systems gives: the bytes of files are the same everywhere.
+// The same bytes as on other systems.
 TEST(WindowsCodePage, OfTheWestIsTheSameAsElsewhere) {
   constexpr std::array<char32_t, 32> openBytes = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,

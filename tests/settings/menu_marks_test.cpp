@@ -1,4 +1,4 @@
-// The accelerator marks: the "&" before the letter that picks an entry of a menu.
+// The mnemonics: the "&" before the letter that selects an entry of a menu.
 #include <gtest/gtest.h>
 
 #include <algorithm>

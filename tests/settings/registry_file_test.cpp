@@ -268,7 +268,7 @@ TEST(RegistryFile, ALinkThatDanglesIsAMissingFileUntilItIsWritten) {
   EXPECT_FALSE(fs::exists(folder / "a.reg.lock"));
 }
 
-/// Lays the superuser's rights down for a while, where the test has them: they would open any file.
+/// Drops root's rights for a while, where the test has them: root can open any file.
 class OrdinaryUser {
  public:
   explicit OrdinaryUser(const fs::path& ownFolder) : wasSuperuser_(::geteuid() == 0) {

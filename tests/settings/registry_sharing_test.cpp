@@ -67,7 +67,7 @@ TEST(RegistrySharing, ProcessesThatWriteAtOnceLoseNothing) {
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-      // All start when the last writing end of the gate is closed.
+      // All writers start when the last write end of the gate is closed.
       ::close(gate[1]);
       char byte = 0;
       const auto atEnd = ::read(gate[0], &byte, 1);
@@ -77,7 +77,7 @@ TEST(RegistrySharing, ProcessesThatWriteAtOnceLoseNothing) {
   }
   ::close(gate[0]);
   ::close(gate[1]);
-  // Whoever reads meanwhile sees a whole file, whatever was written last.
+  // A reader sees a complete file at any time.
   RegistryFile backend(folder / "a.reg");
   for (int reads = 0; reads < 200; ++reads)
     EXPECT_NO_THROW(static_cast<void>(Registry(backend).GetSetting("Molvane", "AuditViewer", name(0, 0), "0")));

@@ -18,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// What the scripted store answers, and what it was asked.
+/// The answers of the scripted store, and the requests to it.
 struct Script {
   std::uint32_t open = errorSuccess;
   std::uint32_t create = errorSuccess;
@@ -145,7 +145,7 @@ TEST(Registry, RefusesBlankNamesBeforeTouchingTheStore) {
     const auto with = [&](const std::string& appName, const std::string& section, const std::string& key) {
       return raisedBy([&] { operation(script, key, section, appName); });
     };
-    // The first of several blank names is the one that is told.
+    // The first of several blank names is reported.
     EXPECT_EQ(with("", "", ""), (Raised{0x800403E8, "AppName may not be empty"}));
     EXPECT_EQ(with("  ", "S", "K"), (Raised{0x800403E8, "AppName may not be empty"}));
     EXPECT_EQ(with("A", " ", ""), (Raised{0x800403E9, "Section may not be empty"}));
@@ -249,7 +249,7 @@ TEST(Registry, SettingFailsWithTheSystemsNumberAndCloses) {
   EXPECT_EQ(script.calls.back(), "close");
 }
 
-/// A store that breaks its contract and throws.
+/// A store that violates its contract by throwing.
 class ThrowingBackend : public SettingsBackend {
  public:
   explicit ThrowingBackend(Script& script) : script_(script) {}

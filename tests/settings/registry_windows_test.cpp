@@ -15,7 +15,7 @@
 namespace korvel::settings {
 namespace {
 
-/// The real registry, below a key of the tests' own that goes with them.
+/// The real registry, below a key that the tests create and delete.
 struct WindowsRegistry : testing::Test {
   WindowsRegistry() {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
@@ -78,7 +78,7 @@ TEST_F(WindowsRegistry, ReadsWhatOthersHaveStored) {
   EXPECT_EQ(get("ViewerAppPath"), "C:\\x.exe");
 }
 
-TEST_F(WindowsRegistry, CountsATerminatorThatNobodyStored) {
+TEST_F(WindowsRegistry, CountsATerminatorThatWasNotStored) {
   save("Language", "10000");
   std::unique_ptr<SettingsKey> key;
   ASSERT_EQ(backend.openForReading("SOFTWARE\\MolvaneTest\\AuditViewerTest", key), errorSuccess);
@@ -139,7 +139,7 @@ TEST_F(WindowsRegistry, WithoutTheRightToWriteSavingFailsWithFive) {
   HKEY key = nullptr;
   ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &key),
             ERROR_SUCCESS);
-  // An empty list of rights: nobody may do anything but the owner, who may change the list.
+  // An empty access list: only the owner has a right, to change the list.
   ACL nobody{};
   ASSERT_NE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION), 0);
   const DWORD status =

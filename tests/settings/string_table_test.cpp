@@ -17,7 +17,7 @@ std::string text(int k, const std::string& offset) {
   return std::string(loadText(TextId{10000 + k}, LanguageOffset(offset)));
 }
 
-/// The English block, which other documents quote.
+/// The English block.
 constexpr std::array<std::string_view, fixedTextCount> english = {"File",
                                                                   "&Select Database",
                                                                   "Select database to view.",

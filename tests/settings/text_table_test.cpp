@@ -72,7 +72,7 @@ TextTable ownTable() {
 
 const std::array<std::string, languageCount> languages = {"en", "de", "fr", "es", "it"};
 
-/// The cells of both tables that `isWrong` complains of, as "key language".
+/// The cells of both tables for which `isWrong` holds, as "key language".
 std::vector<std::string> cellsWhere(const std::function<bool(const TextRow&, std::size_t)>& isWrong) {
   std::vector<std::string> cells;
   for (const TextTable& table : {fixedTable(), ownTable()})
@@ -95,7 +95,7 @@ TEST(TextTable, OurTablesAreSound) {
   for (const TextRow& row : own.rows) EXPECT_TRUE(std::regex_match(row.key, usualKey)) << row.key;
 }
 
-// A translation that is spelled as English is one that was thought about, and stands here.
+// Translations that are deliberately spelled as in English.
 TEST(TextTable, OurTranslationsAreTranslated) {
   EXPECT_THAT(
       cellsWhere([](const TextRow& row, std::size_t language) {
@@ -105,8 +105,8 @@ TEST(TextTable, OurTranslationsAreTranslated) {
                   "check.table fr", "dialog.no es", "dialog.no it", "preview.page fr", "preview.pages fr"));
 }
 
-/// Whether a sign of punctuation that French sets apart does not stand behind a blank that no line is broken at. Signs
-/// inside a word ("host:port") are no punctuation.
+/// Whether a punctuation mark that French separates does not follow a no-break space. Marks inside a word ("host:port")
+/// are not punctuation.
 bool hasLooseFrenchSign(std::string_view text) {
   constexpr std::string_view unbrokenBlank = "\u00A0";
   for (auto at = text.find_first_of(":;!?"); at != std::string_view::npos; at = text.find_first_of(":;!?", at + 1)) {
@@ -128,7 +128,8 @@ TEST(TextTable, OurFrenchSetsItsSignsApartWithoutBreakingLines) {
               IsEmpty());
 }
 
-// Names of settings and commands are quoted to be copied: with the marks that every keyboard and terminal has.
+// Names of settings and commands are quoted with marks that every keyboard and terminal has, so that they can be
+// copied.
 TEST(TextTable, OurTextsQuoteWithStraightMarks) {
   EXPECT_THAT(cellsWhere([](const TextRow& row, std::size_t language) {
                 for (const std::string_view mark : {"„", "“", "”", "«", "»", "‹", "›", "‚", "‘", "’"})

@@ -17,7 +17,7 @@ inline std::vector<db::Field> auditFields() {
   return fields;
 }
 
-/// A record whose cells say their column, with this number and audit type.
+/// A record with this number and audit type; the other cells have the names of their columns.
 inline ScriptedRow auditRow(std::optional<std::string> number, std::optional<std::string> auditType) {
   ScriptedRow row;
   for (const query::AuditColumn& column : query::auditColumns()) row.emplace_back(std::string(column.name));

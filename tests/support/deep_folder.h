@@ -10,7 +10,7 @@
 
 namespace korvel::test {
 
-/// A new folder with blanks and umlauts in its name, deeper than many calls of Windows go.
+/// A new folder with blanks and umlauts in its name and a path longer than MAX_PATH.
 class DeepFolder {
  public:
   DeepFolder() {

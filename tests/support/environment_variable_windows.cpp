@@ -18,7 +18,7 @@ std::optional<std::string> environmentValue(const std::string& name) {
 void setEnvironmentValue(const std::string& name, const std::optional<std::string>& value) {
   const std::wstring wideName = anyWideFromUtf8(name);
   const std::wstring wideValue = anyWideFromUtf8(value.value_or(""));
-  // The C library's copy first: it tells the system, but knows no empty value.
+  // The C library's copy first: it also sets the system's, but cannot store an empty value.
   _wputenv_s(wideName.c_str(), wideValue.c_str());
   SetEnvironmentVariableW(wideName.c_str(), value ? wideValue.c_str() : nullptr);
 }

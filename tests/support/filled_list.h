@@ -31,7 +31,7 @@ inline results::ResultList filledList(const std::vector<db::Field>& fields, cons
   return list;
 }
 
-/// All that a writer hands to its sink.
+/// The output of a writer, as one text.
 inline std::string written(output::ListFormat format, const results::ResultList& list) {
   std::string bytes;
   output::writeList(format, list, [&bytes](std::string_view chunk) { bytes += chunk; });

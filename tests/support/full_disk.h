@@ -6,7 +6,7 @@
 
 namespace korvel::test {
 
-/// As long as it lives, no file of this process grows beyond so many bytes: the disk is full, as far as programs see.
+/// While it lives, no file of this process can grow beyond so many bytes, as on a full disk.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {

@@ -5,7 +5,7 @@
 
 namespace korvel::test {
 
-/// Texts that a writer or reader of files may stumble over, all of them inside windows-1252.
+/// Texts that are difficult for writers and readers of files, all within windows-1252.
 inline std::vector<std::string> hostileTexts() {
   const std::string cell = "</td>\r\n<td width=\"100\" height=\"26\">";
   return {"<script>alert(1)</script>",

@@ -9,7 +9,7 @@
 
 namespace korvel::test {
 
-/// A file as another program has it open, without sharing it unless told otherwise.
+/// A file that another program has open, by default without sharing it.
 class LockedFile {
  public:
   explicit LockedFile(const std::filesystem::path& file, DWORD shared = 0)

@@ -10,14 +10,14 @@
 
 namespace korvel::test {
 
-/// Somebody who listens on a port of 127.0.0.1, of the system's choice, for as long as the object lives.
+/// A socket that listens on a port of 127.0.0.1, chosen by the system, for as long as the object lives.
 class LoopbackListener {
  public:
   /// Throws Error.
   explicit LoopbackListener(db::net::SocketKind kind = db::net::SocketKind::stream);
 
   [[nodiscard]] std::uint16_t port() const noexcept { return port_; }
-  /// Where to find it.
+  /// Its address.
   [[nodiscard]] std::vector<db::net::Endpoint> endpoints() const;
 
   /// The next connection. Throws Error where none comes.
@@ -32,11 +32,11 @@ class LoopbackListener {
   db::net::Socket socket_;
 };
 
-// What systems do in their own words; false and empty where they fail.
+// The system's calls; false and empty where they fail.
 [[nodiscard]] bool bindToLoopback(const db::net::Socket& socket, std::uint16_t& port);
 [[nodiscard]] bool listenOn(const db::net::Socket& socket);
 [[nodiscard]] db::net::Socket acceptOn(const db::net::Socket& socket);
-/// Takes a datagram off the socket and says who sent it.
+/// Receives a datagram and its sender's address.
 [[nodiscard]] std::optional<db::net::Endpoint> senderOf(const db::net::Socket& socket);
 
 }  // namespace korvel::test

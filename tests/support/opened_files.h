@@ -7,7 +7,7 @@
 
 namespace korvel::test {
 
-/// While it lives, files that the desktop is asked to open are noted instead.
+/// While it lives, files are recorded instead of being opened by the desktop.
 class OpenedFiles : public QObject {
   Q_OBJECT
 

@@ -5,8 +5,8 @@
 
 namespace korvel::test {
 
-/// While it lives, the settings of this process are a store of its own, which is empty at first: a file in `folder`, or
-/// a key that stands in for the machine's.
+/// While it lives, this process has its own, initially empty settings: a file in `folder`, or a key in place of the
+/// machine's.
 class OwnSettings {
  public:
   explicit OwnSettings(const std::filesystem::path& folder);

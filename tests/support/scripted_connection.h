@@ -12,17 +12,17 @@
 
 namespace korvel::test {
 
-/// A row as a script writes it; nothing is null.
+/// A row of a script; nothing is null.
 using ScriptedRow = std::vector<std::optional<std::string>>;
 
 struct ScriptedResult {
   std::vector<db::Field> fields;
   std::vector<ScriptedRow> rows;
-  /// Called instead of ending the result set; to throw what a broken connection throws.
+  /// Called instead of ending the result set; throws the error of a broken connection.
   std::function<void()> breaksOff;
 };
 
-/// A server that gives the same answer to every text and notes what happens to it.
+/// A server that gives the same answer to every text and records the calls.
 class ScriptedServer {
  public:
   std::vector<ScriptedResult> answer;

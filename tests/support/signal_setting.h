@@ -4,8 +4,8 @@
 
 namespace korvel::test {
 
-/// While it lives, a signal does what it is told to here: started in the background or without a terminal, the tests
-/// may have been told to ignore some.
+/// While it lives, a signal has this disposition: tests that are started in the background or without a terminal may
+/// ignore some signals.
 class SignalSetting {
  public:
   SignalSetting(int signal, void (*handler)(int)) : signal_(signal), before_(std::signal(signal, handler)) {}

@@ -9,7 +9,7 @@
 
 namespace korvel::test {
 
-/// A terminal that nobody sits at.
+/// A pseudo terminal.
 class Terminal {
  public:
   Terminal() : descriptor_(::posix_openpt(O_RDWR | O_NOCTTY)) {

@@ -8,7 +8,7 @@
 
 namespace korvel::test {
 
-/// How a run of the tool ended and what it said.
+/// The exit status and the output of a run of the tool.
 struct ToolRun {
   int status;
   std::string out;

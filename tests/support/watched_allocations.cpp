@@ -11,7 +11,7 @@ std::atomic<bool> limited{false};
 std::atomic<std::size_t> left{0};
 std::atomic<std::size_t> failuresLeft{0};
 
-/// Whether there was one more, which is taken.
+/// Takes one allocation; false where none is left.
 bool takeOne(std::atomic<std::size_t>& count) noexcept {
   std::size_t now = count;
   while (now != 0 && !count.compare_exchange_weak(now, now - 1)) continue;
@@ -26,8 +26,7 @@ bool mayAllocate() noexcept {
 
 }  // namespace
 
-// The program's own operator new: nothing else counts every allocation, or lets a test run out of memory at a place of
-// its choice.
+// Replaces the program's operator new: to count every allocation, and to let a chosen one fail.
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
   return mayAllocate() ? std::malloc(bytes == 0 ? 1 : bytes) : nullptr;
 }

@@ -10,7 +10,7 @@
 
 namespace korvel::test {
 
-/// The unpacked part `name` of an archive as workbooks are; throws where it has none or is broken.
+/// The unpacked part `name` of a zip archive; throws where it is missing or damaged.
 inline std::string partOfZip(std::string_view archive, std::string_view name) {
   const auto number = [archive](std::size_t at, std::size_t bytes) {
     std::size_t value = 0;

@@ -21,7 +21,7 @@ int inked(const QImage& image) {
   return pixels;
 }
 
-/// The colour of the most opaque pixel: that of the strokes, whatever anti-aliasing did to their edges.
+/// The colour of the most opaque pixel: that of the strokes, without their anti-aliased edges.
 QColor inkOf(const QImage& image) {
   QColor ink(Qt::transparent);
   for (int y = 0; y < image.height(); ++y) {

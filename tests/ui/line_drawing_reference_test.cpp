@@ -11,9 +11,8 @@
 namespace korvel::ui {
 namespace {
 
-/// How far a pixel may differ, in steps out of 255, and all of them together, as a share of the ink. The toolkit's
-/// reader cuts the rounding of rectangles to whole percents of their sides, which is seen at their corners when they
-/// are large.
+/// The tolerance of a pixel, in steps of 255, and of all pixels together, as a share of the ink. The toolkit's reader
+/// truncates the rounding of rectangles to whole percents of their sides, which shows at the corners of large ones.
 constexpr int pixelTolerance = 36;
 constexpr double inkTolerance = 0.01;
 

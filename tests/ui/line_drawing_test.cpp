@@ -71,7 +71,7 @@ TEST(LineDrawingTest, RefusesWhatItDoesNotKnow) {
   }
 }
 
-TEST(LineDrawingTest, RefusesADrawingThatLeavesItsMannerToSvg) {
+TEST(LineDrawingTest, RefusesADrawingWithoutItsOwnAttributes) {
   EXPECT_TRUE(drawing({}));
   for (const QByteArray left : {R"(fill="none" )", R"(stroke="currentColor" )", R"(stroke-linecap="round" )",
                                 R"( stroke-linejoin="round")", R"(viewBox="0 0 16 16" )"}) {

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-// Painting is tested without a display; a person may still set another platform to watch.
+// Painting is tested without a display; another platform can be set to watch.
 int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication application(argc, argv);

@@ -22,7 +22,7 @@
 namespace korvel::ui {
 namespace {
 
-/// Colours that somebody chose who needs them: green on black, yellow where something is selected.
+/// Colours of a high contrast scheme: green on black, yellow selection.
 QPalette strongPalette() {
   QPalette palette(Qt::green, Qt::black, Qt::green, Qt::black, Qt::gray, Qt::green, Qt::black);
   palette.setColor(QPalette::Highlight, Qt::yellow);
@@ -150,7 +150,7 @@ TEST(StrongContrast, InvertsASelectedRow) {
   EXPECT_GT(dark, 20);
 }
 
-/// The application's palette as the keeper sets it, and what it was before.
+/// The application's palette that is set, and the one before.
 class PreferredPalette : public ::testing::Test {
  protected:
   PreferredPalette() : before_(QApplication::palette()) { qunsetenv("KORVEL_THEME"); }

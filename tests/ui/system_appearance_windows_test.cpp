@@ -11,7 +11,7 @@
 namespace korvel::ui {
 namespace {
 
-/// A key that stands in for the user's own while it lives.
+/// A key in place of the user's own while it lives.
 class UsersKey {
  public:
   UsersKey() {
@@ -64,7 +64,7 @@ TEST(WindowsLook, IsThatOfWindowsUnlessOursIsAskedForOrDarkWindowsAre) {
   EXPECT_TRUE(isNative("native"));
 }
 
-TEST(WindowsLook, TellsAChangeWhenItIsAskedAgain) {
+TEST(WindowsLook, ReportsAChangeWhenItIsAskedAgain) {
   const UsersKey user;
   UsersKey::setLight(0);
   refreshSystemAppearance();

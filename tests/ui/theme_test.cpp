@@ -118,7 +118,7 @@ TEST(ThemeTest, TakesThePlatformsHighlightOnlyWhereItIsOne) {
   EXPECT_EQ(Theme::of(palette).accent, QColor("#c2185b"));
 }
 
-TEST(ThemeTest, TellsPalettesApartAfterManyOthers) {
+TEST(ThemeTest, DistinguishesPalettesAfterManyOthers) {
   const QPalette first = lightPalette();
   EXPECT_FALSE(Theme::of(first).dark);
   for (int i = 0; i < 100; ++i) {

@@ -30,7 +30,7 @@
 namespace korvel::ui {
 namespace {
 
-/// A window in the look and in one scheme.
+/// A window in our style and one colour scheme.
 struct Window {
   explicit Window(const QPalette& palette = lightPalette()) {
     applyStyle(widget);

@@ -101,7 +101,7 @@ TEST(ResultTableTest, AnEmptyListSaysAForeignTextToTheLetter) {
   const QImage hostile = list.rows();
   list.table.setEmptyText("failed: \\u202Efdp <b>x</b>");
   EXPECT_EQ(hostile, list.rows());
-  // An enormous one is neither laid out nor painted whole.
+  // A very long one is neither laid out nor painted completely.
   list.table.setEmptyText(QString(2000, QLatin1Char('x')));
   const QImage whole = list.rows();
   list.table.setEmptyText(QString(50'000'000, QLatin1Char('x')));
@@ -137,7 +137,7 @@ TEST(ResultTableTest, WhatTurnsTheDirectionOfWritingIsVisible) {
   EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("invoice\u202Efdp.exe")), "invoice\\u202Efdp.exe");
   EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("a\u200Eb\u2066c\uFEFF")), "a\\u200Eb\\u2066c\\uFEFF");
   EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8("x\U000E0041")), "x\\U000E0041");
-  // Joiners and soft hyphens shape words, and other scripts and pictures are what they are.
+  // Joiners and soft hyphens shape words; other scripts and pictures are unchanged.
   for (const char* kept : {"a\u00ADb", "a\u200Cb\u200Dc", "\u05E9\u05DC\u05D5\u05DD", "\U0001F600 done", "\\u202E"})
     EXPECT_EQ(RowDelegate::shownText(QString::fromUtf8(kept)), QString::fromUtf8(kept));
 
@@ -218,7 +218,7 @@ TEST(ResultHeaderTest, AscendingPointsUpInEveryStyleOfThePlatform) {
     list.table.setColumnWidth(0, 200);
     const auto picture = [&] { return painted(*header.viewport()).copy(0, 0, 200, header.height()); };
     header.showSort(-1, Qt::AscendingOrder);
-    // An arrow is what it adds to a header that has no text to move aside.
+    // A header without a text gets only the arrow.
     list.model.setHorizontalHeaderItem(0, new QStandardItem(QString()));
     const QImage plain = picture();
     const auto pointsUp = [&](Qt::SortOrder order) {
@@ -239,7 +239,7 @@ TEST(ResultHeaderTest, AscendingPointsUpInEveryStyleOfThePlatform) {
   }
 }
 
-TEST(ResultHeaderTest, PersonMayMoveAndResizeAndAClickAloneDoesNotSort) {
+TEST(ResultHeaderTest, CanBeMovedAndResizedAndAClickAloneDoesNotSort) {
   List list(3);
   EXPECT_TRUE(list.table.header()->sectionsMovable());
   EXPECT_EQ(list.table.header()->sectionResizeMode(0), QHeaderView::Interactive);
@@ -250,7 +250,7 @@ TEST(ResultHeaderTest, PersonMayMoveAndResizeAndAClickAloneDoesNotSort) {
   EXPECT_EQ(list.model.index(0, 0).data().toString(), "48211");
 }
 
-/// A tree as the filter tree: two roots, one with a child.
+/// A tree like the filter tree: two roots, one with a child.
 struct Tree {
   explicit Tree(const QPalette& palette = lightPalette()) {
     applyStyle(widget);

@@ -1,4 +1,4 @@
-// What people expect of a report list: selecting, copying, typing ahead, moving about, columns that fit.
+// The behaviour of a report list: selecting, copying, type-ahead, navigation, fitting columns.
 #include <gmock/gmock.h>
 
 #include <QApplication>
@@ -21,7 +21,7 @@ namespace {
 using control::RowSpan;
 using ::testing::ElementsAre;
 
-class ListManners : public ListView {
+class ListBehaviour : public ListView {
  protected:
   static QString clipboardText() { return QApplication::clipboard()->mimeData()->text(); }
   static QString clipboardHtml() { return QApplication::clipboard()->mimeData()->html(); }
@@ -44,7 +44,7 @@ class ListManners : public ListView {
 
 // --- copying -----------------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, CopyTakesTheSelectedRowsUnderTheirCaptions) {
+TEST_F(ListBehaviour, CopyTakesTheSelectedRowsUnderTheirCaptions) {
   fill({{"1", "a"}, {"2", "b"}, {"3", "c"}});
   select({2, 0});
   press(Qt::Key_C, Qt::ControlModifier);
@@ -55,7 +55,7 @@ TEST_F(ListManners, CopyTakesTheSelectedRowsUnderTheirCaptions) {
       << clipboardHtml().toStdString();
 }
 
-TEST_F(ListManners, CopyTakesColumnsAsTheyAreSeen) {
+TEST_F(ListBehaviour, CopyTakesColumnsAsTheyAreSeen) {
   fill({{"1", "a"}, {"2", "b"}});
   view.header()->moveSection(0, 1);
   view.selectAll();
@@ -66,7 +66,7 @@ TEST_F(ListManners, CopyTakesColumnsAsTheyAreSeen) {
   EXPECT_EQ(clipboardText(), "Area\na\nb\n");
 }
 
-TEST_F(ListManners, CopyQuotesCellsThatWouldBreakTheLines) {
+TEST_F(ListBehaviour, CopyQuotesCellsThatWouldBreakTheLines) {
   fill({{"1", "two\nlines"},
         {"2", "a\ttab"},
         {"3", "\r"},
@@ -85,7 +85,7 @@ TEST_F(ListManners, CopyQuotesCellsThatWouldBreakTheLines) {
             "6\t\"x\n\"\"y\"\"\"\n");
 }
 
-TEST_F(ListManners, CopiedHtmlShowsTextsAndNeverMarkup) {
+TEST_F(ListBehaviour, CopiedHtmlShowsTextsAndNeverMarkup) {
   fill({{"007", "<b>&\"x\"</b>\r\nnext\rlast"}});
   view.selectAll();
   view.copySelection();
@@ -96,14 +96,14 @@ TEST_F(ListManners, CopiedHtmlShowsTextsAndNeverMarkup) {
   EXPECT_TRUE(clipboardHtml().contains(QStringLiteral("mso-number-format:\"\\@\"")));
 }
 
-TEST_F(ListManners, CopyWithoutASelectionLeavesTheClipboardAlone) {
+TEST_F(ListBehaviour, CopyWithoutASelectionLeavesTheClipboardAlone) {
   fill({{"1", "a"}});
   QApplication::clipboard()->setText(QStringLiteral("before"));
   press(Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(clipboardText(), "before");
 }
 
-TEST_F(ListManners, ACopyThatIsTooLargeIsRefusedInPlainWords) {
+TEST_F(ListBehaviour, ACopyThatIsTooLargeIsRefusedWithAMessage) {
   fillMany(1000);
   QApplication::clipboard()->setText(QStringLiteral("before"));
   QSignalSpy refused(&view, &ResultListView::refused);
@@ -122,7 +122,7 @@ TEST_F(ListManners, ACopyThatIsTooLargeIsRefusedInPlainWords) {
 
 // --- selecting ---------------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, AMillionRowsAreSelectedAsOnePieceAndStaySoThroughSorts) {
+TEST_F(ListBehaviour, AMillionRowsAreSelectedAsOnePieceAndStaySoThroughSorts) {
   Rows rows(1000000, {"1", "a"});
   rows.front().second = "b";
   fill(rows);
@@ -133,7 +133,7 @@ TEST_F(ListManners, AMillionRowsAreSelectedAsOnePieceAndStaySoThroughSorts) {
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{0, 999999}));
 }
 
-TEST_F(ListManners, AllButOneOfAMillionRowsFollowASort) {
+TEST_F(ListBehaviour, AllButOneOfAMillionRowsFollowASort) {
   Rows rows(1000000, {"1", "a"});
   rows[500000].second = "b";
   fill(rows);
@@ -143,7 +143,7 @@ TEST_F(ListManners, AllButOneOfAMillionRowsFollowASort) {
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{0, 999998}));
 }
 
-TEST_F(ListManners, ASelectionThatASortScattersTooFarIsGivenUpInPlainWords) {
+TEST_F(ListBehaviour, ASelectionThatASortScattersTooFarIsClearedWithAMessage) {
   // Even numbers first, then odd ones: in the order of the numbers every second row is selected.
   Rows mixed;
   for (int i = 0; i < 10000; ++i) mixed.emplace_back(std::to_string(i < 5000 ? 2 * i : 2 * (i - 5000) + 1), "x");
@@ -158,7 +158,7 @@ TEST_F(ListManners, ASelectionThatASortScattersTooFarIsGivenUpInPlainWords) {
   EXPECT_EQ(current(), "0");
 }
 
-TEST_F(ListManners, ShiftAndControlSelectRangesAndSingleRows) {
+TEST_F(ListBehaviour, ShiftAndControlSelectRangesAndSingleRows) {
   fillMany(20);
   view.setCurrentIndex(model.index(2, 0));
   press(Qt::Key_Down, Qt::ShiftModifier);
@@ -174,22 +174,22 @@ TEST_F(ListManners, ShiftAndControlSelectRangesAndSingleRows) {
 
 // --- where memory runs out ----------------------------------------------------------------------------------------
 
-TEST_F(ListManners, AColumnIsMeasuredByTheRowsInSightWhereMemoryRunsOut) {
+TEST_F(ListBehaviour, AColumnIsMeasuredByTheRowsInSightWhereMemoryRunsOut) {
   fill({{"1", "a text that is wider than its caption"}, {"2", "b"}});
   const QAbstractItemView& measured = view;
   const int whole = measured.sizeHintForColumn(1);
   int hint = 0;
   {
-    // The first one is the measure's own.
+    // The first one belongs to the measurement.
     const FailingAllocations failing(0, 1);
     EXPECT_NO_THROW(hint = measured.sizeHintForColumn(1));
   }
   EXPECT_NEAR(hint, whole, 4);
 }
 
-// --- moving about ------------------------------------------------------------------------------------------------
+// --- navigation --------------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, HomeEndAndPagesGoThroughTheRows) {
+TEST_F(ListBehaviour, HomeEndAndPagesGoThroughTheRows) {
   fillMany(500);
   view.setCurrentIndex(model.index(100, 0));
   press(Qt::Key_End);
@@ -207,7 +207,7 @@ TEST_F(ListManners, HomeEndAndPagesGoThroughTheRows) {
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{0, 0}));
 }
 
-TEST_F(ListManners, LeftAndRightGoByColumnsAndUpAndDownStayInThem) {
+TEST_F(ListBehaviour, LeftAndRightGoByColumnsAndUpAndDownStayInThem) {
   fillMany(50);
   view.resize(200, 200);
   view.setColumnWidth(0, 300);
@@ -226,7 +226,7 @@ TEST_F(ListManners, LeftAndRightGoByColumnsAndUpAndDownStayInThem) {
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{49, 49}));
 }
 
-TEST_F(ListManners, KeysReachRowsWhoseCurrentCellIsHidden) {
+TEST_F(ListBehaviour, KeysReachRowsWhoseCurrentCellIsHidden) {
   fillMany(500);
   view.setCurrentIndex(model.index(0, 0));
   view.setColumnTwips(0, {0});
@@ -235,7 +235,7 @@ TEST_F(ListManners, KeysReachRowsWhoseCurrentCellIsHidden) {
   EXPECT_TRUE(view.viewport()->rect().intersects(view.visualRect(view.currentIndex())));
 }
 
-TEST_F(ListManners, ColumnsAreDraggedToOtherPlacesAndSortAsBefore) {
+TEST_F(ListBehaviour, ColumnsAreDraggedToOtherPlacesAndSortAsBefore) {
   fill({{"2", "b"}, {"1", "a"}});
   view.header()->moveSection(1, 0);
   EXPECT_EQ(view.columnViewportPosition(1), 0);
@@ -247,7 +247,7 @@ TEST_F(ListManners, ColumnsAreDraggedToOtherPlacesAndSortAsBefore) {
 
 // --- typing ahead ------------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, TypingFindsRowsByTheSortColumn) {
+TEST_F(ListBehaviour, TypingFindsRowsByTheSortColumn) {
   fill({{"1", "delta"}, {"2", "Charlie"}, {"3", "bravo two"}, {"4", "bravo one"}, {"5", "alpha"}});
   view.clickHeader(1);
   type("ch");
@@ -256,12 +256,12 @@ TEST_F(ListManners, TypingFindsRowsByTheSortColumn) {
   type("bravo t");
   EXPECT_EQ(current(1), "bravo two");
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{2, 2}));
-  // What nothing begins with moves nothing.
+  // A text that no row begins with selects nothing.
   type("zzz");
   EXPECT_EQ(current(1), "bravo two");
 }
 
-TEST_F(ListManners, TheSameLetterGoesThroughItsRows) {
+TEST_F(ListBehaviour, TheSameLetterGoesThroughItsRows) {
   fill({{"1", "a1"}, {"2", "b"}, {"3", "a2"}, {"4", "a3"}});
   view.clickHeader(1);
   type("a");
@@ -272,7 +272,7 @@ TEST_F(ListManners, TheSameLetterGoesThroughItsRows) {
   EXPECT_EQ(current(1), "a1");
 }
 
-TEST_F(ListManners, ABlankSelectsUnlessSomethingIsBeingTyped) {
+TEST_F(ListBehaviour, ABlankSelectsUnlessSomethingIsBeingTyped) {
   fill({{"1", "x"}, {"2", "y"}});
   view.setCurrentIndex(model.index(0, 0));
   view.selectionModel()->clearSelection();
@@ -280,7 +280,7 @@ TEST_F(ListManners, ABlankSelectsUnlessSomethingIsBeingTyped) {
   EXPECT_THAT(view.selectedSpans(), ElementsAre(RowSpan{0, 0}));
 }
 
-TEST_F(ListManners, TypingFindsNumbersInTheOrderOfTheirValues) {
+TEST_F(ListBehaviour, TypingFindsNumbersInTheOrderOfTheirValues) {
   fillMany(5000);
   view.clickHeader(0);  // already the sort key: descending
   view.setCurrentIndex(model.index(0, 0));
@@ -289,7 +289,7 @@ TEST_F(ListManners, TypingFindsNumbersInTheOrderOfTheirValues) {
   EXPECT_TRUE(view.viewport()->rect().intersects(view.visualRect(view.currentIndex())));
 }
 
-TEST_F(ListManners, TypingUsesTheFirstColumnOfAListThatIsNotSorted) {
+TEST_F(ListBehaviour, TypingUsesTheFirstColumnOfAListThatIsNotSorted) {
   fill({{"3", "a"}, {"1", "b"}, {"2", "c"}});
   type("2");
   EXPECT_EQ(current(1), "c");
@@ -299,9 +299,9 @@ TEST_F(ListManners, TypingUsesTheFirstColumnOfAListThatIsNotSorted) {
   EXPECT_EQ(current(1), "b");
 }
 
-// --- columns that fit --------------------------------------------------------------------------------------------
+// --- fitting columns ---------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, AColumnBecomesAsWideAsItsWidestEntry) {
+TEST_F(ListBehaviour, AColumnBecomesAsWideAsItsWidestEntry) {
   fill({{"1", "short"}, {"2", "a much longer text than all of the others, W"}, {"3", "medium length"}});
   view.autoSizeColumn(1);
   EXPECT_TRUE(showsWhole(1, 1));
@@ -316,7 +316,7 @@ TEST_F(ListManners, AColumnBecomesAsWideAsItsWidestEntry) {
   EXPECT_EQ(view.columnWidth(1), fitting);
 }
 
-TEST_F(ListManners, AColumnOfShortTextsFitsItsCaptionWithAnArrow) {
+TEST_F(ListBehaviour, AColumnOfShortTextsFitsItsCaptionWithAnArrow) {
   ui::applyStyle(view);
   fill({{"1", "a"}});
   view.autoSizeColumn(0);
@@ -332,7 +332,7 @@ TEST_F(ListManners, AColumnOfShortTextsFitsItsCaptionWithAnArrow) {
   EXPECT_EQ(view.columnWidth(0), width);
 }
 
-TEST_F(ListManners, AFitIgnoresRowsOfOtherLists) {
+TEST_F(ListBehaviour, AFitIgnoresRowsOfOtherLists) {
   auto store = std::make_shared<results::RowStore>();
   const std::vector<db::Field> fields{{"Nr"}, {"TableName"}};
   store->beginResult(fields);
@@ -352,7 +352,7 @@ TEST_F(ListManners, AFitIgnoresRowsOfOtherLists) {
   EXPECT_GT(view.columnWidth(1), alone + 50);
 }
 
-TEST_F(ListManners, AHiddenColumnStaysHiddenAndOthersAreNotTouched) {
+TEST_F(ListBehaviour, AHiddenColumnStaysHiddenAndOthersAreNotTouched) {
   fill({{"1", "a"}});
   view.setColumnTwips(0, {0});
   const int other = view.columnWidth(1);
@@ -363,7 +363,7 @@ TEST_F(ListManners, AHiddenColumnStaysHiddenAndOthersAreNotTouched) {
   EXPECT_EQ(view.columnWidth(1), other);
 }
 
-TEST_F(ListManners, ADoubleClickOnAHeadersEdgeAsksForAFitAndDoesNothingElse) {
+TEST_F(ListBehaviour, ADoubleClickOnAHeadersEdgeAsksForAFitAndDoesNothingElse) {
   fill({{"1", "a rather long text that needs more than an inch"}});
   QSignalSpy asked(&view, &ResultListView::fitRequested);
   const int width = view.columnWidth(1);
@@ -376,7 +376,7 @@ TEST_F(ListManners, ADoubleClickOnAHeadersEdgeAsksForAFitAndDoesNothingElse) {
 
 // --- records -----------------------------------------------------------------------------------------------------
 
-TEST_F(ListManners, EnterAndADoubleClickAskForTheRecord) {
+TEST_F(ListBehaviour, EnterAndADoubleClickAskForTheRecord) {
   fillMany(10);
   QSignalSpy requested(&view, &ResultListView::recordRequested);
   press(Qt::Key_Return);
@@ -394,7 +394,7 @@ TEST_F(ListManners, EnterAndADoubleClickAskForTheRecord) {
   EXPECT_EQ(requested[2][0], 5);
 }
 
-TEST_F(ListManners, ACutCellTellsItsWholeText) {
+TEST_F(ListBehaviour, ACutCellHasATooltipWithItsWholeText) {
   const std::string whole = "a text that is far too long for a column of one inch";
   fill({{"1", whole}, {"2", "short"}});
   const auto hover = [&](int row) {
@@ -409,7 +409,7 @@ TEST_F(ListManners, ACutCellTellsItsWholeText) {
   QToolTip::hideText();
 }
 
-TEST_F(ListManners, KeepsTheRulesOfModelsThroughAllOfThis) {
+TEST_F(ListBehaviour, ObeysTheRulesOfModelsInAllOfThis) {
   const ModelWatch watch(&model);
   fillMany(300);
   view.selectAll();
