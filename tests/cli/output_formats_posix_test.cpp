@@ -12,10 +12,10 @@
 #include "cli/pdf_output.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {

@@ -9,9 +9,9 @@
 #include "cli/output_formats.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
-#include "tests/support/signal_setting.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
 

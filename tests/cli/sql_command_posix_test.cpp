@@ -13,11 +13,10 @@
 #include "cli/exit_status.h"
 #include "query/query_file.h"
 #include "tests/cli/sql_command_fixture.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/program_output.h"
 #include "tests/support/scripted_connection.h"
-#include "tests/support/signal_setting.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/terminal.h"
 #include "tests/support/tool_run.h"
 
 namespace korvel::cli {

@@ -1,6 +1,6 @@
 // The text export and the exchange file on a full disk, and with a link in their place.
 #include "tests/control/exports_fixture.h"
-#include "tests/support/full_disk.h"
+#include "tests/support/process_conditions_posix.h"
 
 namespace korvel::test {
 namespace {

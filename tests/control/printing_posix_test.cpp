@@ -6,7 +6,7 @@
 
 #include "control/texts.h"
 #include "tests/control/printing_fixture.h"
-#include "tests/support/full_disk.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/program_output.h"
 
 namespace korvel::test {

@@ -10,7 +10,7 @@
 #include "base/whole_file.h"
 #include "demo/demo_database.h"
 #include "tests/demo/failures.h"
-#include "tests/support/full_disk.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::demo {

@@ -11,7 +11,7 @@
 #include "query/custom_query.h"
 #include "tests/odbc/full_port.h"
 #include "tests/odbc/wire.h"
-#include "tests/support/signal_setting.h"
+#include "tests/support/process_conditions_posix.h"
 
 namespace korvel::test {
 namespace {

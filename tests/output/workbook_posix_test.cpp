@@ -9,7 +9,7 @@
 #include "base/whole_file.h"
 #include "output/windows_error.h"
 #include "tests/support/filled_list.h"
-#include "tests/support/full_disk.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/zip_part.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/text.h"
-#include "tests/support/command_output_windows.h"
+#include "tests/support/program_output_windows.h"
 
 namespace korvel::settings {
 namespace {
@@ -66,8 +66,7 @@ TEST(WindowsCodePage, MayBeUtf8) {
 }
 
 TEST(WindowsCodePage, OfTheSystemIsNotThatOfTheProcess) {
-  const std::string noted =
-      test::commandOutput(R"(reg query HKLM\SYSTEM\CurrentControlSet\Control\Nls\CodePage /v ACP)");
+  const std::string noted = test::outputOf(R"(reg query HKLM\SYSTEM\CurrentControlSet\Control\Nls\CodePage /v ACP)");
   const std::string type = "REG_SZ";
   const std::size_t at = noted.find(type);
   ASSERT_NE(at, std::string::npos) << noted;

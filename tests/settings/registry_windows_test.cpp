@@ -10,7 +10,7 @@
 #include "base/wide_text_windows.h"
 #include "settings/registry.h"
 #include "settings/registry_advapi32.h"
-#include "tests/support/command_output_windows.h"
+#include "tests/support/program_output_windows.h"
 
 namespace korvel::settings {
 namespace {
@@ -66,15 +66,14 @@ struct WindowsRegistry : testing::Test {
 TEST_F(WindowsRegistry, HoldsWhatIsSavedWhereEverybodyFindsIt) {
   save("Language", "10000");
   EXPECT_EQ(get("Language"), "10000");
-  const std::string shown = test::commandOutput("reg query HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest");
+  const std::string shown = test::outputOf("reg query HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest");
   EXPECT_NE(shown.find("Language"), std::string::npos) << shown;
   EXPECT_NE(shown.find("REG_SZ"), std::string::npos) << shown;
   EXPECT_NE(shown.find("10000"), std::string::npos) << shown;
 }
 
 TEST_F(WindowsRegistry, ReadsWhatOthersHaveStored) {
-  test::commandOutput(
-      "reg add HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest /v ViewerAppPath /t REG_SZ /d C:\\x.exe /f");
+  test::outputOf("reg add HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest /v ViewerAppPath /t REG_SZ /d C:\\x.exe /f");
   EXPECT_EQ(get("ViewerAppPath"), "C:\\x.exe");
 }
 

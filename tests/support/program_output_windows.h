@@ -10,7 +10,7 @@
 namespace korvel::test {
 
 /// What a program of the system writes to its standard output; throws where it cannot be started.
-inline std::string commandOutput(const std::string& commandLine) {
+inline std::string outputOf(const std::string& commandLine) {
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::_popen(commandLine.c_str(), "rb"), ::_pclose);
   if (!pipe) throw std::runtime_error("cannot run " + commandLine);
   std::string text;
