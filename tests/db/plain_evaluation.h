@@ -12,7 +12,7 @@ namespace korvel::test {
 
 using Text = std::optional<std::string>;
 
-// ---- What QueryAudits means, said once more and in another way: no table of conditions, no SQL. ----
+// ---- The meaning of QueryAudits, implemented again without the table of conditions and without SQL. ----
 
 inline char lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
@@ -30,7 +30,7 @@ inline bool is(const Text& value, const std::string& expected) {
                     [](char a, char b) { return lower(a) == lower(b); });
 }
 
-/// `pattern` is a beginning, "_" in it any one character, of however many bytes.
+/// `pattern` is a prefix; "_" in it is any one character, of any number of bytes.
 inline bool like(const Text& value, const std::string& pattern) {
   if (!value) return false;
   const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
@@ -84,7 +84,7 @@ inline bool belongs(const AuditEntry& entry, std::size_t category, const Range* 
   }
 }
 
-// ---- Rows with every case that a comparison can get wrong. ----
+// ---- Rows with the cases in which a comparison can be wrong. ----
 
 inline std::vector<AuditEntry> nastyRows(int count) {
   const std::vector<Text> types = {"CS", "cs", "Cs ", "CS   ", " CS", "CSX", "C", "RT", "rt ",        "OA",
