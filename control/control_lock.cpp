@@ -8,7 +8,7 @@ namespace korvel::control {
 
 ControlLock::ControlLock(Surface& surface, CommandItems& menu, CommandItems& toolbar) : menu_(menu), toolbar_(toolbar) {
   const auto always = [] { return true; };
-  const auto dateRangeFormExists = [] { return platform().services->hasForm(formName::dateRange); };
+  const auto dateRangeFormExists = [] { return platform().services->hasForm(form_name::dateRange); };
   elements_ = {
       {surface.frameFilter, always},
       {surface.btQuery, always},

@@ -19,14 +19,14 @@ namespace korvel::control {
 enum class HelpCommand { contents = 1, index = 2 };
 
 /// Names of the forms that a control shows.
-namespace formName {
+namespace form_name {
 inline const QString serverBrowser = QStringLiteral("frmSQLServerBrowser");
 inline const QString dateRange = QStringLiteral("frmAdvancedFilters");
 inline const QString fields = QStringLiteral("frmFields");
 inline const QString fileList = QStringLiteral("frmFileList");
 inline const QString printFont = QStringLiteral("frmPrintFont");
 inline const QString about = QStringLiteral("frmAbout");
-}  // namespace formName
+}  // namespace form_name
 
 /// What the control shows to the user, apart from its own surface. Every call that shows a dialog returns when it is
 /// closed.

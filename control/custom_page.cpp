@@ -80,7 +80,7 @@ void CustomPage::btOpen_Click() {
   query::QueryChoices& choices = libraryState().queryChoices;
   choices.folder = folder.toStdString();
   choices.fileName.clear();
-  services->showForm(&viewer_, formName::fileList);
+  services->showForm(&viewer_, form_name::fileList);
   if (!alive || choices.fileName.empty()) return;
   openQueryFile(choices.folder + choices.fileName);
 }
@@ -100,7 +100,7 @@ void CustomPage::btEmunFields_Click() {
   const QPointer<AuditViewer> alive(&viewer_);
   std::string& picked = libraryState().queryChoices.pickedQuery;
   picked.clear();
-  services->showForm(&viewer_, formName::fields);
+  services->showForm(&viewer_, form_name::fields);
   if (!alive || picked.empty()) return;
   surface_.txtAdvancedQuery->setQueryText(fromUtf8(picked));
   queries_.btQuery_Click();

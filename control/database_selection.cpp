@@ -27,7 +27,7 @@ DatabaseSelection::DatabaseSelection(AuditViewer& viewer, const MessageBoxes& me
 void DatabaseSelection::SelectDatabase() {
   const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
-  services->showForm(&viewer_, formName::serverBrowser);
+  services->showForm(&viewer_, form_name::serverBrowser);
   if (!alive) return;
   // Deliberately also after Cancel, where an earlier selection is announced once more and its lists are cleared.
   if (!libraryState().connection.ConnectionString.empty()) {

@@ -89,12 +89,12 @@ QDialog* makeAbout(QWidget* owner) {
 }  // namespace
 
 QtControlServices::QtControlServices()
-    : forms_{{formName::serverBrowser, &makeServerBrowser},
-             {formName::dateRange, &makeDateRange},
-             {formName::fields, &makeQueryForm<query::frmFields>},
-             {formName::fileList, &makeQueryForm<query::frmFileList>},
-             {formName::printFont, &makePrintFont},
-             {formName::about, &makeAbout}} {}
+    : forms_{{form_name::serverBrowser, &makeServerBrowser},
+             {form_name::dateRange, &makeDateRange},
+             {form_name::fields, &makeQueryForm<query::frmFields>},
+             {form_name::fileList, &makeQueryForm<query::frmFileList>},
+             {form_name::printFont, &makePrintFont},
+             {form_name::about, &makeAbout}} {}
 
 void QtControlServices::messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) {
   const PointerForDialog pointer;

@@ -95,7 +95,7 @@ void SideTools::btDateRangeFilter_Click() {
   // The control may be gone when the dialog is closed.
   const auto followEverywhere = followDateRangeEverywhere_;
   libraryState().newestDay = queries_.newestDayShown();
-  services->showForm(&viewer_, formName::dateRange);
+  services->showForm(&viewer_, form_name::dateRange);
   // However the dialog was closed, the range is in force from now on.
   libraryState().dateRange.DateRangeActive = true;
   followEverywhere();

@@ -27,7 +27,7 @@ namespace korvel::control {
 namespace {
 
 bool printFontFormExists() {
-  return platform().services->hasForm(formName::printFont);
+  return platform().services->hasForm(form_name::printFont);
 }
 
 }  // namespace
@@ -93,7 +93,7 @@ std::span<const ViewerCommands::CommandAction> ViewerCommands::menuActions() noe
       CommandAction{"PAGESETUP",
                     [](ViewerCommands& commands, Command) {
                       const std::shared_ptr<ControlServices> services = platform().services;
-                      services->showForm(&commands.viewer_, formName::printFont);
+                      services->showForm(&commands.viewer_, form_name::printFont);
                     },
                     &printFontFormExists},
       CommandAction{"PRINT", [](ViewerCommands& commands, Command) { commands.targets_.outputs.btPrint_Click(); }},

@@ -58,7 +58,7 @@ void ViewerHelp::openHelp(HelpCommand command) {
 
 void ViewerHelp::ShowAbout() {
   const std::shared_ptr<ControlServices> services = platform().services;
-  services->showForm(&viewer_, formName::about);
+  services->showForm(&viewer_, form_name::about);
 }
 
 }  // namespace korvel::control
