@@ -4,6 +4,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace korvel {
@@ -16,7 +17,8 @@ inline constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x8
 /// is then the English sentence.
 class Error : public std::exception {
  public:
-  Error(std::int32_t number, std::string description, std::optional<int> line = std::nullopt);
+  Error(std::int32_t number, std::string description, std::optional<int> line = std::nullopt)
+      : number_(number), description_(std::move(description)), line_(line) {}
 
   /// The number shown to the user: a settings code, a database engine's error number, or a system error number.
   [[nodiscard]] std::int32_t number() const noexcept { return number_; }
@@ -26,7 +28,10 @@ class Error : public std::exception {
   /// Key of the sentence in the table of our own texts; empty where the description is the engine's own text.
   [[nodiscard]] const std::string& textKey() const noexcept { return textKey_; }
   [[nodiscard]] const std::vector<std::string>& textArguments() const noexcept { return textArguments_; }
-  void setText(std::string key, std::vector<std::string> arguments);
+  void setText(std::string key, std::vector<std::string> arguments) {
+    textKey_ = std::move(key);
+    textArguments_ = std::move(arguments);
+  }
   [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
  private:
@@ -36,9 +41,6 @@ class Error : public std::exception {
   std::string textKey_;
   std::vector<std::string> textArguments_;
 };
-
-/// The error for a failed system call: the system's number and its text after `what`, a colon and a blank.
-Error systemError(int systemNumber, const std::string& what);
 
 /// Runs one of several steps: a failure leaves this step undone, and the next one runs.
 template <typename Step>

@@ -14,17 +14,19 @@ namespace korvel::files {
 /// The kind of what `path` names, links followed; not_found where nothing is there. A device or pipe is not opened.
 [[nodiscard]] std::filesystem::file_status status(const std::filesystem::path& path, std::error_code& failure);
 /// The same of a link itself.
-[[nodiscard]] std::filesystem::file_status linkStatus(const std::filesystem::path& path, std::error_code& failure);
+[[nodiscard]] std::filesystem::file_status symlinkStatus(const std::filesystem::path& path, std::error_code& failure);
 [[nodiscard]] std::uintmax_t size(const std::filesystem::path& file, std::error_code& failure);
-[[nodiscard]] std::filesystem::file_time_type writtenAt(const std::filesystem::path& file, std::error_code& failure);
+[[nodiscard]] std::filesystem::file_time_type lastWriteTime(const std::filesystem::path& file,
+                                                            std::error_code& failure);
 /// Whether both name the same file.
-[[nodiscard]] bool areTheSame(const std::filesystem::path& left, const std::filesystem::path& right);
+[[nodiscard]] bool equivalent(const std::filesystem::path& left, const std::filesystem::path& right);
 
 /// What is in a folder, as the system lists it. Those listed before a failure are there.
-[[nodiscard]] std::vector<std::filesystem::path> entries(const std::filesystem::path& folder, std::error_code& failure);
+[[nodiscard]] std::vector<std::filesystem::path> listFolder(const std::filesystem::path& folder,
+                                                            std::error_code& failure);
 
 /// Makes a folder and those above it where they are not there.
-void createFolders(const std::filesystem::path& folder, std::error_code& failure);
+void createDirectories(const std::filesystem::path& folder, std::error_code& failure);
 /// Makes an empty file; fails where anything is there, a link to nowhere among it.
 void createNew(const std::filesystem::path& file, std::error_code& failure);
 /// Whether the file `target`, if it is there, can be replaced by another: `failure` says why not. A folder cannot.

@@ -13,7 +13,7 @@ fs::file_status status(const fs::path& path, std::error_code& failure) {
   return fs::status(path, failure);
 }
 
-fs::file_status linkStatus(const fs::path& path, std::error_code& failure) {
+fs::file_status symlinkStatus(const fs::path& path, std::error_code& failure) {
   return fs::symlink_status(path, failure);
 }
 
@@ -21,16 +21,16 @@ std::uintmax_t size(const fs::path& file, std::error_code& failure) {
   return fs::file_size(file, failure);
 }
 
-fs::file_time_type writtenAt(const fs::path& file, std::error_code& failure) {
+fs::file_time_type lastWriteTime(const fs::path& file, std::error_code& failure) {
   return fs::last_write_time(file, failure);
 }
 
-bool areTheSame(const fs::path& left, const fs::path& right) {
+bool equivalent(const fs::path& left, const fs::path& right) {
   std::error_code none;
   return fs::equivalent(left, right, none);
 }
 
-std::vector<fs::path> entries(const fs::path& folder, std::error_code& failure) {
+std::vector<fs::path> listFolder(const fs::path& folder, std::error_code& failure) {
   std::vector<fs::path> paths;
   for (fs::directory_iterator entry(folder, failure); !failure && entry != fs::directory_iterator();
        entry.increment(failure))
@@ -38,7 +38,7 @@ std::vector<fs::path> entries(const fs::path& folder, std::error_code& failure) 
   return paths;
 }
 
-void createFolders(const fs::path& folder, std::error_code& failure) {
+void createDirectories(const fs::path& folder, std::error_code& failure) {
   fs::create_directories(folder, failure);
 }
 
@@ -53,7 +53,7 @@ void createNew(const fs::path& file, std::error_code& failure) {
 }
 
 void checkReplaceable(const fs::path& target, std::error_code& failure) {
-  const fs::file_status there = linkStatus(target, failure);
+  const fs::file_status there = symlinkStatus(target, failure);
   if (!fs::exists(there) && there.type() != fs::file_type::unknown) failure.clear();
   if (fs::is_directory(there)) failure = std::make_error_code(std::errc::is_a_directory);
 }

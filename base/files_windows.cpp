@@ -6,9 +6,9 @@
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/paths_windows.h"
 #include "base/system_handle_windows.h"
 #include "base/text.h"
-#include "base/whole_path_windows.h"
 #include "base/wide_text_windows.h"
 
 namespace korvel::files {
@@ -39,8 +39,8 @@ bool isMissing(DWORD number) noexcept {
 /// Opens what is there to look at it, which its being open elsewhere does not hinder.
 SystemHandle opened(const fs::path& path, DWORD flags = 0) {
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  return SystemHandle(CreateFileW(pathForCalls(path).c_str(), FILE_READ_ATTRIBUTES, shared, nullptr, OPEN_EXISTING,
-                                  FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
+  return SystemHandle(CreateFileW(extendedLengthPath(path).c_str(), FILE_READ_ATTRIBUTES, shared, nullptr,
+                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | flags, nullptr));
 }
 
 std::uint64_t joined(DWORD high, DWORD low) noexcept {
@@ -60,7 +60,7 @@ using Search = std::unique_ptr<void, CloseSearch>;
 
 /// A search for `pattern`, at its first find; null with the system's error where it finds nothing.
 Search searchFor(const fs::path& pattern, WIN32_FIND_DATAW& found) {
-  const HANDLE search = FindFirstFileW(pathForCalls(pattern).c_str(), &found);
+  const HANDLE search = FindFirstFileW(extendedLengthPath(pattern).c_str(), &found);
   return Search(search == INVALID_HANDLE_VALUE ? nullptr : search);
 }
 
@@ -71,7 +71,7 @@ bool isPipeOrDevice(const fs::path& path) {
   constexpr std::wstring_view verbatim = LR"(\\?\)";
   constexpr std::wstring_view verbatimNetwork = LR"(UNC\)";
   constexpr std::wstring_view network = LR"(\\)";
-  std::wstring whole = wholePath(path.native());
+  std::wstring whole = fullPath(path.native());
   if (whole.starts_with(device)) return true;
   if (whole.starts_with(verbatim)) {
     whole.erase(0, verbatim.size());
@@ -111,7 +111,7 @@ fs::file_status status(const fs::path& path, std::error_code& failure) {
   return fs::file_status(typeOf(about.dwFileAttributes));
 }
 
-fs::file_status linkStatus(const fs::path& path, std::error_code& failure) {
+fs::file_status symlinkStatus(const fs::path& path, std::error_code& failure) {
   WIN32_FIND_DATAW found{};
   // A folder that cannot be searched, or the root of a disk, which is in no folder.
   if (!searchFor(path, found)) return files::status(path, failure);
@@ -131,7 +131,7 @@ std::uintmax_t size(const fs::path& file, std::error_code& failure) {
   return joined(about.nFileSizeHigh, about.nFileSizeLow);
 }
 
-fs::file_time_type writtenAt(const fs::path& file, std::error_code& failure) {
+fs::file_time_type lastWriteTime(const fs::path& file, std::error_code& failure) {
   const SystemHandle handle = opened(file);
   FILETIME time{};
   if (!went(handle.isOpen() ? GetFileTime(handle.get(), nullptr, nullptr, &time) : FALSE, failure))
@@ -143,7 +143,7 @@ fs::file_time_type writtenAt(const fs::path& file, std::error_code& failure) {
   return fs::file_time_type(std::chrono::nanoseconds(ticks * nanosecondsPerTick));
 }
 
-bool areTheSame(const fs::path& left, const fs::path& right) {
+bool equivalent(const fs::path& left, const fs::path& right) {
   const SystemHandle one = opened(left);
   const SystemHandle other = opened(right);
   BY_HANDLE_FILE_INFORMATION a{};
@@ -155,7 +155,7 @@ bool areTheSame(const fs::path& left, const fs::path& right) {
          a.nFileIndexLow == b.nFileIndexLow;
 }
 
-std::vector<fs::path> entries(const fs::path& folder, std::error_code& failure) {
+std::vector<fs::path> listFolder(const fs::path& folder, std::error_code& failure) {
   std::vector<fs::path> paths;
   WIN32_FIND_DATAW found{};
   const Search search = searchFor(folder / L"*", found);
@@ -179,28 +179,28 @@ std::vector<fs::path> entries(const fs::path& folder, std::error_code& failure) 
   return paths;
 }
 
-void createFolders(const fs::path& folder, std::error_code& failure) {
-  if (went(CreateDirectoryW(pathForCalls(folder).c_str(), nullptr), failure)) return;
+void createDirectories(const fs::path& folder, std::error_code& failure) {
+  if (went(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure)) return;
   std::error_code ignored;
   if (failure.value() == ERROR_PATH_NOT_FOUND && folder.has_relative_path() && folder.has_parent_path()) {
-    createFolders(folder.parent_path(), failure);
+    createDirectories(folder.parent_path(), failure);
     if (failure) return;
-    went(CreateDirectoryW(pathForCalls(folder).c_str(), nullptr), failure);
+    went(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure);
   }
   if (failure && fs::is_directory(files::status(folder, ignored))) failure.clear();
 }
 
 void createNew(const fs::path& file, std::error_code& failure) {
-  const SystemHandle made(
-      CreateFileW(pathForCalls(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const SystemHandle made(CreateFileW(extendedLengthPath(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
   went(made.isOpen() ? TRUE : FALSE, failure);
 }
 
 void checkReplaceable(const fs::path& target, std::error_code& failure) {
   // What the system asks of a file when another takes its name.
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), DELETE | FILE_READ_ATTRIBUTES, shared, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+  const SystemHandle file(CreateFileW(extendedLengthPath(target).c_str(), DELETE | FILE_READ_ATTRIBUTES, shared,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
                                       nullptr));
   BY_HANDLE_FILE_INFORMATION about{};
   if (!went(file.isOpen() ? GetFileInformationByHandle(file.get(), &about) : FALSE, failure)) {
@@ -212,13 +212,13 @@ void checkReplaceable(const fs::path& target, std::error_code& failure) {
 }
 
 void rename(const fs::path& from, const fs::path& to, std::error_code& failure) {
-  went(MoveFileExW(pathForCalls(from).c_str(), pathForCalls(to).c_str(),
+  went(MoveFileExW(extendedLengthPath(from).c_str(), extendedLengthPath(to).c_str(),
                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH),
        failure);
 }
 
 void remove(const fs::path& path, std::error_code& failure) {
-  const fs::path called = pathForCalls(path);
+  const fs::path called = extendedLengthPath(path);
   const DWORD attributes = GetFileAttributesW(called.c_str());
   const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
   if (went(isFolder ? RemoveDirectoryW(called.c_str()) : DeleteFileW(called.c_str()), failure)) return;
@@ -230,7 +230,7 @@ std::FILE* open(const fs::path& file, const char* mode) {
   std::wstring wide(narrow.begin(), narrow.end());
   // Never with the ends of lines translated.
   if (wide.find(L'b') == std::wstring::npos) wide += L'b';
-  return _wfopen(pathForCalls(file).c_str(), wide.c_str());
+  return _wfopen(extendedLengthPath(file).c_str(), wide.c_str());
 }
 
 }  // namespace korvel::files

@@ -17,16 +17,16 @@ namespace korvel {
 
 /// Whether `path` says where it leads without the current folder. The library's own answer is wrong for folders of the
 /// network on Windows.
-[[nodiscard]] bool isWhole(const std::filesystem::path& path);
+[[nodiscard]] bool isAbsolute(const std::filesystem::path& path);
 /// `path` said without the current folder; unchanged where it is whole already. The library's own function drops the
 /// leading separators of folders of the network on Windows. On a failure `path` itself.
-[[nodiscard]] std::filesystem::path wholeForm(const std::filesystem::path& path, std::error_code& failure);
+[[nodiscard]] std::filesystem::path absolutePath(const std::filesystem::path& path, std::error_code& failure);
 
 /// Whether the name of a file ends in `extension`, a dot and letters of ASCII, as the system compares names of files.
 [[nodiscard]] bool hasExtension(const std::filesystem::path& file, std::string_view extension);
 
 /// `path` in the form in which the system's calls take it however long it is; a relative one means the folder that is
 /// current now. For calls only, never to be shown or kept.
-[[nodiscard]] std::filesystem::path pathForCalls(const std::filesystem::path& path);
+[[nodiscard]] std::filesystem::path extendedLengthPath(const std::filesystem::path& path);
 
 }  // namespace korvel

@@ -10,11 +10,11 @@ std::string utf8FromPath(const std::filesystem::path& path) {
   return path.string();
 }
 
-bool isWhole(const std::filesystem::path& path) {
+bool isAbsolute(const std::filesystem::path& path) {
   return path.is_absolute();
 }
 
-std::filesystem::path wholeForm(const std::filesystem::path& path, std::error_code& failure) {
+std::filesystem::path absolutePath(const std::filesystem::path& path, std::error_code& failure) {
   std::filesystem::path whole = std::filesystem::absolute(path, failure);
   return failure ? path : whole;
 }
@@ -23,7 +23,7 @@ bool hasExtension(const std::filesystem::path& file, std::string_view extension)
   return file.extension() == extension;
 }
 
-std::filesystem::path pathForCalls(const std::filesystem::path& path) {
+std::filesystem::path extendedLengthPath(const std::filesystem::path& path) {
   return path;
 }
 

@@ -1,8 +1,8 @@
 #include <windows.h>
 
 #include "base/paths.h"
+#include "base/paths_windows.h"
 #include "base/text.h"
-#include "base/whole_path_windows.h"
 #include "base/wide_text_windows.h"
 
 namespace korvel {
@@ -20,7 +20,7 @@ bool isSeparator(wchar_t c) noexcept {
 
 }  // namespace
 
-std::wstring wholePath(const std::wstring& path) {
+std::wstring fullPath(const std::wstring& path) {
   std::wstring whole;
   // The working folder may change between two calls; each tells how much it needs, its terminator counted.
   for (DWORD needed = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr); needed > whole.size();) {
@@ -35,22 +35,22 @@ std::wstring wholePath(const std::wstring& path) {
 }
 
 fs::path pathFromUtf8(std::string_view text) {
-  return {anyWideFromUtf8(text)};
+  return {lossyWideFromUtf8(text)};
 }
 
 std::string utf8FromPath(const fs::path& path) {
   return utf8FromWide(path.native());
 }
 
-bool isWhole(const fs::path& path) {
+bool isAbsolute(const fs::path& path) {
   const std::wstring& text = path.native();
   return path.is_absolute() || (text.size() >= 2 && isSeparator(text[0]) && isSeparator(text[1]));
 }
 
-fs::path wholeForm(const fs::path& path, std::error_code& failure) {
+fs::path absolutePath(const fs::path& path, std::error_code& failure) {
   failure.clear();
-  if (isWhole(path)) return path;
-  std::wstring whole = wholePath(path.native());
+  if (isAbsolute(path)) return path;
+  std::wstring whole = fullPath(path.native());
   if (!whole.empty()) return {std::move(whole)};
   failure.assign(static_cast<int>(GetLastError()), std::system_category());
   return path;
@@ -60,13 +60,13 @@ bool hasExtension(const fs::path& file, std::string_view extension) {
   return equalsIgnoringAsciiCase(utf8FromPath(file.extension()), extension);
 }
 
-fs::path pathForCalls(const fs::path& path) {
+fs::path extendedLengthPath(const fs::path& path) {
   constexpr std::wstring_view verbatim = LR"(\\?\)";
   constexpr std::wstring_view device = LR"(\\.\)";
   constexpr std::wstring_view network = LR"(\\)";
   const std::wstring& text = path.native();
   if (text.empty() || text.starts_with(verbatim) || text.starts_with(device)) return path;
-  std::wstring whole = wholePath(text);
+  std::wstring whole = fullPath(text);
   // Short paths stay plain: names of devices mean something in them only.
   if (whole.size() <= longestPlainPath || whole.starts_with(device)) return path;
   if (whole.starts_with(network)) return {LR"(\\?\UNC\)" + whole.substr(network.size())};

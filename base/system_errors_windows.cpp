@@ -61,26 +61,64 @@ constexpr std::array rows = {
     Row{std::errc::cross_device_link, ERROR_NOT_SAME_DEVICE},
 };
 
+struct FileRow {
+  int number;
+  FileError whenReading;
+  FileError whenWriting;
+};
+
+constexpr std::array fileRows = {
+    FileRow{ERROR_FILE_NOT_FOUND, FileError::fileNotFound, FileError::pathNotFound},
+    FileRow{ERROR_PATH_NOT_FOUND, FileError::pathNotFound, FileError::pathNotFound},
+    FileRow{ERROR_BAD_NETPATH, FileError::pathNotFound, FileError::pathNotFound},
+    FileRow{ERROR_BAD_NET_NAME, FileError::pathNotFound, FileError::pathNotFound},
+    FileRow{ERROR_INVALID_DRIVE, FileError::deviceUnavailable, FileError::deviceUnavailable},
+    FileRow{ERROR_ACCESS_DENIED, FileError::permissionDenied, FileError::permissionDenied},
+    FileRow{ERROR_SHARING_VIOLATION, FileError::permissionDenied, FileError::permissionDenied},
+    FileRow{ERROR_LOCK_VIOLATION, FileError::permissionDenied, FileError::permissionDenied},
+    FileRow{ERROR_WRITE_PROTECT, FileError::pathFileAccess, FileError::pathFileAccess},
+    FileRow{ERROR_ALREADY_EXISTS, FileError::pathFileAccess, FileError::pathFileAccess},
+    FileRow{ERROR_DIRECTORY, FileError::pathNotFound, FileError::pathNotFound},
+    FileRow{directoryNotSupported, FileError::pathFileAccess, FileError::pathFileAccess},
+    FileRow{ERROR_FILE_EXISTS, FileError::pathFileAccess, FileError::pathFileAccess},
+    FileRow{ERROR_INVALID_NAME, FileError::badFileName, FileError::badFileName},
+    FileRow{ERROR_FILENAME_EXCED_RANGE, FileError::badFileName, FileError::badFileName},
+    FileRow{ERROR_INVALID_HANDLE, FileError::badFileName, FileError::badFileName},
+    FileRow{ERROR_INVALID_PARAMETER, FileError::invalidCall, FileError::invalidCall},
+    FileRow{ERROR_NOT_ENOUGH_MEMORY, FileError::outOfMemory, FileError::outOfMemory},
+    FileRow{ERROR_OUTOFMEMORY, FileError::outOfMemory, FileError::outOfMemory},
+    FileRow{ERROR_TOO_MANY_OPEN_FILES, FileError::tooManyFiles, FileError::tooManyFiles},
+    FileRow{ERROR_DISK_FULL, FileError::diskFull, FileError::diskFull},
+    FileRow{ERROR_HANDLE_DISK_FULL, FileError::diskFull, FileError::diskFull},
+    FileRow{ERROR_FILE_TOO_LARGE, FileError::diskFull, FileError::diskFull},
+    FileRow{ERROR_IO_DEVICE, FileError::deviceInputOutput, FileError::deviceInputOutput},
+    FileRow{ERROR_BROKEN_PIPE, FileError::deviceInputOutput, FileError::deviceInputOutput},
+    FileRow{ERROR_NO_DATA, FileError::deviceInputOutput, FileError::deviceInputOutput},
+    FileRow{ERROR_DEV_NOT_EXIST, FileError::deviceUnavailable, FileError::deviceUnavailable},
+    FileRow{ERROR_NOT_READY, FileError::diskNotReady, FileError::diskNotReady},
+    FileRow{WAIT_TIMEOUT, FileError::diskNotReady, FileError::diskNotReady},
+};
+
 }  // namespace
 
-int systemNumber(std::errc condition) noexcept {
+int systemErrorNumber(std::errc condition) noexcept {
   const auto* const found =
       std::find_if(rows.begin(), rows.end(), [condition](const Row& row) { return row.condition == condition; });
   return found == rows.end() ? ERROR_GEN_FAILURE : found->number;
 }
 
-int systemNumber(const std::error_code& failure) noexcept {
+int systemErrorNumber(const std::error_code& failure) noexcept {
   if (!failure || failure.category() != std::generic_category()) return failure.value();
-  return systemNumber(static_cast<std::errc>(failure.value()));
+  return systemErrorNumber(static_cast<std::errc>(failure.value()));
 }
 
-int systemNumberOfErrno(std::errc otherwise) noexcept {
+int systemErrorNumberFromErrno(std::errc otherwise) noexcept {
   // What the C library has no number for, a pipe that nobody reads any more for one, is "invalid argument" to it.
   if (errno == EINVAL && _doserrno != 0) return static_cast<int>(_doserrno);
-  return systemNumber(errno != 0 ? static_cast<std::errc>(errno) : otherwise);
+  return systemErrorNumber(errno != 0 ? static_cast<std::errc>(errno) : otherwise);
 }
 
-bool means(int systemNumber, std::errc condition) noexcept {
+bool isSystemError(int systemNumber, std::errc condition) noexcept {
   return std::any_of(rows.begin(), rows.end(),
                      [&](const Row& row) { return row.number == systemNumber && row.condition == condition; });
 }
@@ -93,6 +131,17 @@ std::string systemMessage(int systemNumber) {
   // A sentence of its own in the system's tables; here it stands within others.
   text.resize(text.find_last_not_of(L" .\r\n") + 1);
   return text.empty() ? "Windows error " + std::to_string(systemNumber) : utf8FromWide(text);
+}
+
+Win32Error win32ErrorFrom(int systemNumber) noexcept {
+  return static_cast<Win32Error>(systemNumber);
+}
+
+std::optional<FileError> fileErrorFrom(int systemNumber, FileAccess access) noexcept {
+  const auto* const found =
+      std::find_if(fileRows.begin(), fileRows.end(), [&](const FileRow& row) { return row.number == systemNumber; });
+  if (found == fileRows.end()) return std::nullopt;
+  return access == FileAccess::read ? found->whenReading : found->whenWriting;
 }
 
 }  // namespace korvel

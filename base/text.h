@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,16 +22,23 @@ void appendCaseFolded(std::string_view text, std::string& folded);
 /// Whether two texts differ at most in the case of ASCII letters (identifiers, command words, header captions).
 [[nodiscard]] bool equalsIgnoringAsciiCase(std::string_view left, std::string_view right) noexcept;
 
+/// The number of ASCII characters that `text` begins with.
+[[nodiscard]] std::size_t asciiPrefixLength(std::string_view text) noexcept;
+[[nodiscard]] bool isAscii(std::string_view text) noexcept;
+
+/// What stands for a character that cannot be told or shown.
+inline constexpr char32_t replacementCharacter = 0xFFFD;
+
 /// Whether `text` is well-formed UTF-8 (no surrogates, nothing above U+10FFFF, no over-long forms).
 [[nodiscard]] bool isValidUtf8(std::string_view text) noexcept;
 /// `text` with every malformed sequence replaced by U+FFFD.
 [[nodiscard]] std::string replaceInvalidUtf8(std::string_view text);
 
-/// Takes the first character off UTF-8 `text`, which must not be empty. Nothing where it begins with a byte that
-/// belongs to no character; that byte alone is taken off then.
-[[nodiscard]] std::optional<char32_t> takeCharacter(std::string_view& text) noexcept;
-/// Appends a character as UTF-8; U+FFFD where `character` is none.
-void appendCharacter(char32_t character, std::string& out);
+/// Takes the first code point off UTF-8 `text`, which must not be empty. Nothing where it begins with a malformed byte;
+/// that byte alone is taken off then.
+[[nodiscard]] std::optional<char32_t> takeCodePoint(std::string_view& text) noexcept;
+/// Appends a code point as UTF-8; U+FFFD where `codePoint` is a surrogate or too large.
+void appendCodePoint(char32_t codePoint, std::string& out);
 
 /// `text` with every `from` replaced by `to`.
 [[nodiscard]] std::string replaceAll(std::string text, std::string_view from, std::string_view to);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "bench/audit_file.h"
 #include "bench/least.h"
 #include "db/open_connection.h"
@@ -131,7 +131,7 @@ void loginOverTheWire(benchmark::State& state) {
   if (!driver) return state.SkipWithError("the FreeTDS ODBC driver is not installed");
   const test::TemporaryFolder folder;
   test::tds::TdsServer tdsServer;
-  writeWholeFile(folder / "authorities.pem", tdsServer.certificatePem());
+  writeFileAtomically(folder / "authorities.pem", tdsServer.certificatePem());
   db::odbc::ServerAccess access = test::accessWithoutDomain();
   access.options.certificateAuthorities = (folder / "authorities.pem").string();
   const std::string server = "localhost," + std::to_string(tdsServer.port());

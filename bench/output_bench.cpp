@@ -9,7 +9,7 @@
 #include <fstream>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "bench/audit_file.h"
 #include "bench/least.h"
 #include "bench/offscreen.h"
@@ -80,7 +80,7 @@ void pagesOfReport(benchmark::State& state) {
   for (auto _ : state) {
     state.SetIterationTime(time.measure([&] {
       output::ReportReader reader(output::reportFile(file), notes);
-      WholeFile pdf(outputBeside(folder, "report.pdf"));
+      AtomicFile pdf(outputBeside(folder, "report.pdf"));
       pages = output::pages::writePdf(reader, {}, [&](std::string_view bytes) { pdf.write(bytes); }).pages;
       pdf.commit();
     }));

@@ -62,7 +62,7 @@ std::optional<std::string> targetProblem(const OutputFormat& format, const std::
 }
 
 int outputFailed(std::ostream& err, const Error& error) {
-  if (means(error.number(), std::errc::broken_pipe)) return exitDone;
+  if (isSystemError(error.number(), std::errc::broken_pipe)) return exitDone;
   say(err, "error " + errorText(error));
   return exitOutput;
 }

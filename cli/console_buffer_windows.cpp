@@ -49,7 +49,7 @@ int ConsoleBuffer::sync() {
 }
 
 bool ConsoleBuffer::write(std::size_t size) {
-  const std::wstring text = anyWideFromUtf8(std::string_view(waiting_).substr(0, size));
+  const std::wstring text = lossyWideFromUtf8(std::string_view(waiting_).substr(0, size));
   waiting_.erase(0, size);
   for (std::wstring_view rest = text; !rest.empty();) {
     DWORD written = 0;

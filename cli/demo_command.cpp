@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "base/error.h"
+#include "base/numbers.h"
 #include "base/paths.h"
 #include "cli/common_options.h"
 #include "cli/exit_status.h"
@@ -30,19 +31,11 @@ std::string footer() {
          exampleFolder + "\n";
 }
 
-/// The parser alone would take -1 for a very large number, and a number that is too large for the largest.
-std::optional<std::uint64_t> wholeNumber(const std::string& text) {
-  std::uint64_t number = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (failure != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 /// Entry numbers sort as numbers up to nine digits; a trail with more rows would show itself out of order.
 constexpr std::uint64_t mostRows = 999'999'999;
 
 std::optional<std::uint64_t> rowsNamed(const std::string& text) {
-  const auto rows = wholeNumber(text);
+  const auto rows = parseInteger<std::uint64_t>(text);
   return rows && *rows <= mostRows ? rows : std::nullopt;
 }
 
@@ -56,7 +49,7 @@ CLI::App* addDemoCommand(CLI::App& app, DemoOptions& options) {
   addReadOption(*demo, {"--rows", "N", "Rows of each database (default: " + std::to_string(demo::defaultRows) + ")"},
                 rowsNamed, "no number of rows from 0 to " + std::to_string(mostRows),
                 [&options](std::uint64_t rows) { options.rows = rows; });
-  addReadOption(*demo, {"--seed", "S", "Another number, other data (default: 1)"}, wholeNumber,
+  addReadOption(*demo, {"--seed", "S", "Another number, other data (default: 1)"}, parseInteger<std::uint64_t>,
                 "no whole number from 0 on", [&options](std::uint64_t seed) { options.seed = seed; });
   demo->add_flag("--force", options.force, "Replace databases that are there already");
   demo->footer(footer());

@@ -5,11 +5,11 @@
 #include <iostream>
 #include <ostream>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
@@ -24,7 +24,7 @@ namespace {
 using Writer = std::function<void(const output::ByteSink&)>;
 
 Error cannotWrite(const std::string& what) {
-  return systemError(systemNumberOfErrno(std::errc::io_error), "cannot write " + what);
+  return systemError(systemErrorNumberFromErrno(std::errc::io_error), "cannot write " + what);
 }
 
 void writeToStream(std::ostream& out, const std::string& what, const Writer& write) {
@@ -38,7 +38,7 @@ void writeToStream(std::ostream& out, const std::string& what, const Writer& wri
 
 void writeThrough(const std::string& target, const Writer& write) {
   errno = 0;
-  std::ofstream out(pathForCalls(pathFromUtf8(target)), std::ios::binary);
+  std::ofstream out(extendedLengthPath(pathFromUtf8(target)), std::ios::binary);
   if (!out) throw cannotWrite(target);
   writeToStream(out, target, write);
 }
@@ -68,13 +68,14 @@ void writeTo(const std::string& target, std::ostream& out, const Writer& write) 
   if (target == "-") return writeToStream(out, "standard output", write);
   // Would only be noticed when all is written.
   if (target.empty())
-    throw systemError(systemNumber(std::errc::no_such_file_or_directory), "cannot write a file without a name");
+    throw systemError(systemErrorNumber(std::errc::no_such_file_or_directory), "cannot write a file without a name");
   std::error_code ignored;
   const fs::file_status status = files::status(pathFromUtf8(target), ignored);
-  if (fs::is_directory(status)) throw systemError(systemNumber(std::errc::is_a_directory), "cannot write " + target);
+  if (fs::is_directory(status))
+    throw systemError(systemErrorNumber(std::errc::is_a_directory), "cannot write " + target);
   // Renaming a file over a device would take the device away.
   if (fs::exists(status) && !fs::is_regular_file(status)) return writeThrough(target, write);
-  WholeFile file(pathFromUtf8(target));
+  AtomicFile file(pathFromUtf8(target));
   write([&file](std::string_view bytes) { file.write(bytes); });
   file.commit();
 }

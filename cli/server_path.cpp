@@ -33,7 +33,7 @@ fs::file_type typeOf(const fs::path& path) {
 std::optional<std::string> resolveServerPath(std::string& server, std::string* database, bool databaseNamed) {
   if (looksLikeAPath(server) && !db::isEmbeddedServer(server)) {
     std::error_code failure;
-    fs::path whole = wholeForm(pathFromUtf8(server), failure).lexically_normal();
+    fs::path whole = absolutePath(pathFromUtf8(server), failure).lexically_normal();
     if (failure) return server + " cannot be found: there is no working folder";
     if (!whole.has_filename() && whole.has_relative_path()) whole = whole.parent_path();  // a separator at the end
     server = utf8FromPath(whole);

@@ -244,7 +244,7 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
 
 int runSql(const SqlOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
-  if (options.fromFile && files::areTheSame(pathFromUtf8(options.file), pathFromUtf8(options.output)))
+  if (options.fromFile && files::equivalent(pathFromUtf8(options.file), pathFromUtf8(options.output)))
     return refused(err, options.output + " is the query file itself");
   std::string text = options.text;
   if (options.fromFile)

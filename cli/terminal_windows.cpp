@@ -22,8 +22,8 @@ bool standardOutputIsTerminal() {
 
 bool deviceIsTerminal(const std::filesystem::path& device) {
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE;
-  const SystemHandle opened(CreateFileW(pathForCalls(device).c_str(), GENERIC_READ | GENERIC_WRITE, shared, nullptr,
-                                        OPEN_EXISTING, 0, nullptr));
+  const SystemHandle opened(CreateFileW(extendedLengthPath(device).c_str(), GENERIC_READ | GENERIC_WRITE, shared,
+                                        nullptr, OPEN_EXISTING, 0, nullptr));
   return opened.isOpen() && isConsole(opened.get());
 }
 

@@ -5,7 +5,7 @@
 #include <QUrl>
 
 #include "control/file_programs.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 
 namespace korvel::control {
 
@@ -24,7 +24,7 @@ void startTextEditor(const QString& file) {
   QStringList command = QProcess::splitCommand(qEnvironmentVariable("KORVEL_EDITOR"));
   const bool started = command.isEmpty() ? QDesktopServices::openUrl(QUrl::fromLocalFile(file))
                                          : QProcess::startDetached(command.takeFirst(), command << file);
-  if (!started) throw output::windowsError(output::errorFileNotFound);
+  if (!started) throw fileError(FileError::fileNotFound);
 }
 
 }  // namespace korvel::control

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "control/native_window_windows.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 
 namespace korvel::control {
 namespace {
@@ -55,7 +55,7 @@ void startWindowsProgram(const QString& program, const QString& commandLine) {
   PROCESS_INFORMATION started{};
   if (CreateProcessW(program.toStdWString().c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &manner,
                      &started) == 0)
-    throw output::windowsError(output::errorFileNotFound);
+    throw fileError(FileError::fileNotFound);
   CloseHandle(started.hThread);
   CloseHandle(started.hProcess);
 }

@@ -46,7 +46,7 @@ void openInEditor(const QString& file) {
   try {
     services->startEditor(file);
   } catch (const Error& error) {
-    throw settings::explainedError(error.number(), "export.noEditor", {file.toStdString()});
+    throw settings::localizedError(error.number(), "export.noEditor", {file.toStdString()});
   }
 }
 

@@ -13,7 +13,7 @@ namespace korvel::db {
 namespace {
 
 [[noreturn]] void refuse(std::string key, std::vector<std::string> arguments = {}) {
-  throw settings::explainedError(systemNumber(std::errc::invalid_argument), std::move(key), std::move(arguments));
+  throw settings::localizedError(systemErrorNumber(std::errc::invalid_argument), std::move(key), std::move(arguments));
 }
 
 /// Walks over "key=value; key=value;". A value may stand in single or double quotes or in braces, its closing mark

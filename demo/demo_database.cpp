@@ -29,7 +29,7 @@ namespace {
 constexpr std::uint64_t mostRows = 999'999'999;
 
 Error fileError(const std::string& what, const fs::path& file, const std::error_code& code) {
-  return systemError(systemNumber(code), what + " " + utf8FromPath(file));
+  return systemError(systemErrorNumber(code), what + " " + utf8FromPath(file));
 }
 
 /// An unfinished file beside the one it is to become; gone with this object unless it was put in place.
@@ -46,7 +46,7 @@ class UnfinishedFile {
         path_ = std::move(name);
         return;
       }
-      if (!means(systemNumber(failure), std::errc::file_exists)) break;
+      if (!isSystemError(systemErrorNumber(failure), std::errc::file_exists)) break;
     }
     throw fileError("cannot create a file beside", target_, failure);
   }
@@ -109,7 +109,7 @@ class Filler {
   explicit Filler(const fs::path& file) {
     sqlite3* database = nullptr;
     const int code =
-        sqlite3_open_v2(utf8FromPath(pathForCalls(file)).c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
+        sqlite3_open_v2(utf8FromPath(extendedLengthPath(file)).c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
     database_.reset(database);
     check(code);
     run("PRAGMA journal_mode=OFF; PRAGMA locking_mode=EXCLUSIVE; PRAGMA synchronous=FULL; PRAGMA cache_size=-65536; "
@@ -174,15 +174,15 @@ void fill(const fs::path& file, Trail trail) {
 
 void checkRows(std::uint64_t rows) {
   if (rows > mostRows)
-    throw Error(systemNumber(std::errc::invalid_argument),
+    throw Error(systemErrorNumber(std::errc::invalid_argument),
                 "a demo database has at most " + std::to_string(mostRows) + " rows, not " + std::to_string(rows));
 }
 
 void refuseToReplace(const fs::path& file) {
   std::error_code ignored;
   // Of the link itself: a link to nowhere is somebody's too.
-  if (fs::exists(files::linkStatus(file, ignored)))
-    throw systemError(systemNumber(std::errc::file_exists), "will not replace " + utf8FromPath(file));
+  if (fs::exists(files::symlinkStatus(file, ignored)))
+    throw systemError(systemErrorNumber(std::errc::file_exists), "will not replace " + utf8FromPath(file));
 }
 
 }  // namespace
@@ -190,7 +190,7 @@ void refuseToReplace(const fs::path& file) {
 void writeDemoDatabases(const Options& options) {
   checkRows(options.rows);
   std::error_code code;
-  files::createFolders(options.folder, code);
+  files::createDirectories(options.folder, code);
   if (code) throw fileError("cannot make the folder", options.folder, code);
   const std::array targets = {options.folder / "Korvel_Audit.db", options.folder / "Korvel_Audit_MU.db"};
   if (!options.force)

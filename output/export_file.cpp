@@ -1,7 +1,7 @@
 #include "output/export_file.h"
 
 #include "base/files.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 
 namespace korvel::output {
 
@@ -14,7 +14,7 @@ void translating(Work work) {
   try {
     work();
   } catch (const Error& error) {
-    throw asWindowsError(error, FileTask::write);
+    throw asFileError(error, FileAccess::write);
   }
 }
 
@@ -22,8 +22,8 @@ void translating(Work work) {
 
 ExportFile::ExportFile(const fs::path& target) {
   std::error_code ignored;
-  if (fs::is_directory(files::linkStatus(target, ignored))) throw windowsError(errorPathFileAccess);
-  translating([&] { file_.emplace(target, AtLink::replace); });
+  if (fs::is_directory(files::symlinkStatus(target, ignored))) throw fileError(FileError::pathFileAccess);
+  translating([&] { file_.emplace(target, SymlinkPolicy::replace); });
 }
 
 void ExportFile::write(std::string_view bytes) {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 
 namespace korvel::output {
 
@@ -19,7 +19,7 @@ class ExportFile {
   void commit();
 
  private:
-  std::optional<WholeFile> file_;
+  std::optional<AtomicFile> file_;
 };
 
 }  // namespace korvel::output

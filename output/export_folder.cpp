@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "base/paths.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 #include "settings/registry.h"
 #include "settings/shared_file.h"
 
@@ -33,7 +33,7 @@ struct OwnFolder {
 constexpr std::array ownFolders = {OwnFolder{"korvel", othersMayWrite}, OwnFolder{"export", othersMayAnything}};
 
 [[noreturn]] void fail(int systemNumber) {
-  throw asWindowsError(systemError(systemNumber, "cannot use the folder of exports"), FileTask::write);
+  throw asFileError(systemError(systemNumber, "cannot use the folder of exports"), FileAccess::write);
 }
 
 class FolderHandle {

@@ -2,7 +2,6 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "output/export_folder.h"
-#include "output/windows_error.h"
 #include "settings/registry.h"
 
 namespace korvel::output {
@@ -15,12 +14,12 @@ fs::path exportPath(std::string_view name) {
   if (!windir.empty()) return pathFromUtf8(windir + "\\" + std::string(name));
   // The profile's folders are the user's alone already.
   const std::string profile = settings::GetEnvironment("LOCALAPPDATA");
-  if (profile.empty()) throw windowsError(errorPathNotFound);
+  if (profile.empty()) throw fileError(FileError::pathNotFound);
   const fs::path folder = pathFromUtf8(profile) / "korvel" / "export";
   std::error_code failure;
-  files::createFolders(folder, failure);
-  if (failure) throw asWindowsError(systemError(systemNumber(failure), "cannot create a folder"), FileTask::write);
-  if (fs::is_symlink(files::linkStatus(folder, failure))) throw windowsError(errorPathFileAccess);
+  files::createDirectories(folder, failure);
+  if (failure) throw asFileError(systemError(systemErrorNumber(failure), "cannot create a folder"), FileAccess::write);
+  if (fs::is_symlink(files::symlinkStatus(folder, failure))) throw fileError(FileError::pathFileAccess);
   return folder / name;
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvel::output {
@@ -11,11 +12,9 @@ namespace korvel::output {
 namespace {
 
 void appendJsonString(std::string_view value, std::string& out) {
-  constexpr std::string_view figures = "0123456789abcdef";
-  const auto appendCode = [&out, figures](unsigned code) {
+  const auto appendCode = [&out](unsigned char code) {
     out += "\\u00";
-    out += figures[code >> 4U];
-    out += figures[code & 0xFU];
+    appendHex(code, out);
   };
   out += '"';
   for (std::size_t i = 0; i < value.size(); ++i) {

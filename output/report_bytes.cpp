@@ -5,14 +5,14 @@
 
 #include "base/files.h"
 #include "base/system_errors.h"
-#include "output/windows_error.h"
 
 namespace korvel::output {
 
 namespace {
 
 [[noreturn]] void fail() {
-  throw asWindowsError(systemError(systemNumberOfErrno(std::errc::io_error), "cannot read the report"), FileTask::read);
+  throw asFileError(systemError(systemErrorNumberFromErrno(std::errc::io_error), "cannot read the report"),
+                    FileAccess::read);
 }
 
 struct CloseFile {

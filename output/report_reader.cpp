@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/system_errors.h"
 #include "output/report_layout.h"
-#include "output/windows_error.h"
 #include "settings/code_page.h"
 
 namespace korvel::output {
@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t readBytes = std::size_t{1} << 17U;
 
 [[noreturn]] void refuse() {
-  throw windowsError(errorInvalidFileFormat);
+  throw fileError(FileError::invalidFileFormat);
 }
 
 /// The size that the writer wrote: digits, and a point between them.

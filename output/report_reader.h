@@ -15,7 +15,8 @@ namespace korvel::output {
 
 /// Reads a report file of our own back, value by value, as the writer's notes lead it: markup in a value is the value's
 /// text and nothing else. Takes the memory of one row. A file that is not the one that the notes are about is
-/// errorInvalidFileFormat, at the latest behind its last section: whoever shows a report goes through all of it first.
+/// FileError::invalidFileFormat, at the latest behind its last section: whoever shows a report goes through all of it
+/// first.
 class ReportReader final : public ReportSource {
  public:
   ReportReader(std::unique_ptr<ReportBytes> bytes, ReportNotes notes);

@@ -4,8 +4,8 @@
 
 #include <cerrno>
 
+#include "base/system_errors.h"
 #include "output/scratch_file.h"
-#include "output/windows_error.h"
 
 namespace korvel::output {
 
@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 [[noreturn]] void fail(int systemNumber) {
-  throw asWindowsError(systemError(systemNumber, "cannot write a file for a while"), FileTask::write);
+  throw asFileError(systemError(systemNumber, "cannot write a file for a while"), FileAccess::write);
 }
 
 }  // namespace
@@ -38,7 +38,7 @@ void ScratchFile::checkRoom(std::uint64_t bytes) const {
   const bool emptied = ::ftruncate(descriptor, 0) == 0;
   const int failure = emptied ? 0 : errno;
   ::close(descriptor);
-  if (isOfTheDisk(refusal)) fail(refusal);
+  if (isDiskFailure(refusal)) fail(refusal);
   if (!emptied) fail(failure);
 }
 

@@ -9,7 +9,6 @@
 #include "base/system_errors.h"
 #include "base/system_handle_windows.h"
 #include "output/scratch_file.h"
-#include "output/windows_error.h"
 
 namespace korvel::output {
 
@@ -18,7 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 [[noreturn]] void fail(DWORD systemNumber) {
-  throw asWindowsError(systemError(static_cast<int>(systemNumber), "cannot write a file for a while"), FileTask::write);
+  throw asFileError(systemError(static_cast<int>(systemNumber), "cannot write a file for a while"), FileAccess::write);
 }
 
 /// `name` in the code page of the C library's files; empty where that has not all of it.
@@ -49,7 +48,7 @@ ScratchFile::ScratchFile(const fs::path& folder) {
       path_ = std::move(name);
       return;
     }
-    if (!means(systemNumber(failure), std::errc::file_exists)) break;
+    if (!isSystemError(systemErrorNumber(failure), std::errc::file_exists)) break;
   }
   fail(static_cast<DWORD>(failure.value()));
 }
@@ -60,7 +59,7 @@ ScratchFile::~ScratchFile() {
 }
 
 void ScratchFile::checkRoom(std::uint64_t bytes) const {
-  const SystemHandle file(CreateFileW(pathForCalls(path_).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+  const SystemHandle file(CreateFileW(extendedLengthPath(path_).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
   const auto setSize = [&file](std::uint64_t size) -> DWORD {
     LARGE_INTEGER end{};

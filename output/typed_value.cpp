@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvel::output {
@@ -11,10 +12,6 @@ namespace korvel::output {
 namespace {
 
 constexpr int digitsOfASpreadsheet = 15;
-
-bool isDigit(char c) noexcept {
-  return c >= '0' && c <= '9';
-}
 
 std::size_t digitsAt(std::string_view text) noexcept {
   std::size_t count = 0;

@@ -9,12 +9,12 @@
 #include <utility>
 
 #include "base/files.h"
+#include "base/numbers.h"
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "output/export_file.h"
 #include "output/scratch_file.h"
 #include "output/typed_value.h"
-#include "output/windows_error.h"
 
 namespace korvel::output {
 
@@ -31,13 +31,13 @@ constexpr double dateColumnWidth = 23;
 constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
 
 [[noreturn]] void fail(int systemNumber) {
-  throw asWindowsError(systemError(systemNumber, "cannot write the workbook"), FileTask::write);
+  throw asFileError(systemError(systemNumber, "cannot write the workbook"), FileAccess::write);
 }
 
 /// What the library says about a failure of its own: mostly it says where, and the system why.
 [[noreturn]] void failAs(lxw_error error) {
-  if (error == LXW_ERROR_MEMORY_MALLOC_FAILED) throw windowsError(errorOutOfMemory);
-  fail(systemNumberOfErrno(std::errc::io_error));
+  if (error == LXW_ERROR_MEMORY_MALLOC_FAILED) throw fileError(FileError::outOfMemory);
+  fail(systemErrorNumberFromErrno(std::errc::io_error));
 }
 
 struct CloseFile {
@@ -50,7 +50,7 @@ bool cutToUnits(std::string& text) {
   std::size_t units = 0;
   for (std::string_view rest = text; !rest.empty();) {
     const std::size_t at = text.size() - rest.size();
-    const auto character = takeCharacter(rest);
+    const auto character = takeCodePoint(rest);
     constexpr char32_t firstOfTwoUnits = 0x10000;
     units += character && *character >= firstOfTwoUnits ? 2U : 1U;
     if (units > mostUnits) {
@@ -82,8 +82,8 @@ bool makeText(std::string& text) {
 /// Whether the four bytes from `at` on are hexadecimal digits.
 bool isCodeAt(std::string_view text, std::size_t at) noexcept {
   constexpr std::size_t digits = 4;
-  constexpr std::string_view hexadecimal = "0123456789abcdefABCDEF";
-  return at + digits <= text.size() && text.substr(at, digits).find_first_not_of(hexadecimal) == std::string_view::npos;
+  const std::string_view code = at + digits <= text.size() ? text.substr(at, digits) : std::string_view{};
+  return !code.empty() && std::all_of(code.begin(), code.end(), [](char c) { return hexDigitValue(c).has_value(); });
 }
 
 /// Readers take _x0041_ for the character of that code, also where a value holds just these seven characters. The code
@@ -110,12 +110,12 @@ std::string sheetName(const std::string& text, std::size_t number) {
   std::string name;
   std::size_t units = suffix.size();
   for (std::string_view rest = text; !rest.empty();) {
-    const char32_t character = takeCharacter(rest).value_or(U'\uFFFD');
+    const char32_t character = takeCodePoint(rest).value_or(U'\uFFFD');
     const bool isRefused =
         character < U' ' || (character < 0x80 && refused.find(static_cast<char>(character)) != std::string_view::npos);
     units += character > 0xFFFF ? 2U : 1U;
     if (units > longestSheetName) break;
-    appendCharacter(isRefused ? U'_' : character, name);
+    appendCodePoint(isRefused ? U'_' : character, name);
   }
   return (name.empty() ? "Sheet" : name) + suffix;
 }
@@ -130,7 +130,7 @@ struct Workbook::Impl {
     options.tmpdir = temporaryFolder.empty() ? nullptr : temporaryFolder.data();
     options.use_zip64 = LXW_FALSE;
     book = workbook_new_opt(nameForTheLibrary(scratch.path()).c_str(), &options);
-    if (book == nullptr) throw windowsError(errorOutOfMemory);
+    if (book == nullptr) throw fileError(FileError::outOfMemory);
     headerFormat = workbook_add_format(book);
     format_set_bold(headerFormat);
     dateTimeFormat = workbook_add_format(book);
@@ -154,8 +154,8 @@ struct Workbook::Impl {
   /// its own, so that rows would be missing without a word.
   void checkRows() const {
     if (sheet == nullptr || sheet->optimize_tmpfile == nullptr || std::ferror(sheet->optimize_tmpfile) == 0) return;
-    const int number = systemNumberOfErrno(std::errc::io_error);
-    fail(isOfTheDisk(number) ? number : systemNumber(std::errc::io_error));
+    const int number = systemErrorNumberFromErrno(std::errc::io_error);
+    fail(isDiskFailure(number) ? number : systemErrorNumber(std::errc::io_error));
   }
 
   void endSheet() {
@@ -181,7 +181,7 @@ struct Workbook::Impl {
     endSheet();
     errno = 0;
     sheet = workbook_add_worksheet(book, sheetName(name, ++summary.sheets).c_str());
-    if (sheet == nullptr) fail(systemNumberOfErrno(std::errc::not_enough_memory));
+    if (sheet == nullptr) fail(systemErrorNumberFromErrno(std::errc::not_enough_memory));
     worksheet_freeze_panes(sheet, 1, 0);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const auto column = static_cast<lxw_col_t>(i);
@@ -257,7 +257,7 @@ void Workbook::limitSheets(std::uint32_t rows) noexcept {
 void Workbook::beginResult(std::span<const db::Field> fields) {
   Impl& book = *impl_;
   // A record of more columns than a sheet has cannot be shown whole, and half of it is not shown.
-  if (fields.size() > mostColumns) throw windowsError(errorInvalidCall);
+  if (fields.size() > mostColumns) throw fileError(FileError::invalidCall);
   book.endSheet();
   book.fields.assign(fields.begin(), fields.end());
   book.rowOfResult = 0;
@@ -291,14 +291,14 @@ WorkbookSummary Workbook::finish(const ByteSink& sink) {
   if (error != LXW_NO_ERROR) failAs(error);
   errno = 0;
   const std::unique_ptr<std::FILE, CloseFile> file(files::open(book.scratch.path(), "rb"));
-  if (!file) fail(systemNumberOfErrno(std::errc::io_error));
+  if (!file) fail(systemErrorNumberFromErrno(std::errc::io_error));
   std::array<char, std::size_t{1} << 16U> chunk{};
   for (;;) {
     const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), file.get());
     if (got > 0) sink({chunk.data(), got});
     if (got < chunk.size()) break;
   }
-  if (std::ferror(file.get()) != 0) fail(systemNumberOfErrno(std::errc::io_error));
+  if (std::ferror(file.get()) != 0) fail(systemErrorNumberFromErrno(std::errc::io_error));
   return std::move(book.summary);
 }
 

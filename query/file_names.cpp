@@ -71,7 +71,7 @@ bool matches(std::string_view name, std::string_view pattern) {
     }
     if (name.empty() && pattern.empty()) return true;
     std::string_view rest = name;
-    if (!name.empty()) static_cast<void>(takeCharacter(rest));
+    if (!name.empty()) static_cast<void>(takeCodePoint(rest));
     const std::string_view character = name.substr(0, name.size() - rest.size());
     if (!character.empty() && pattern.starts_with('?')) {
       pattern.remove_prefix(1);
@@ -79,7 +79,7 @@ bool matches(std::string_view name, std::string_view pattern) {
       pattern.remove_prefix(character.size());
     } else {
       if (!afterStar || taken.empty()) return false;
-      static_cast<void>(takeCharacter(taken));
+      static_cast<void>(takeCodePoint(taken));
       pattern = *afterStar;
       name = taken;
       continue;
@@ -89,21 +89,21 @@ bool matches(std::string_view name, std::string_view pattern) {
 }
 
 Error folderUnreadable(const std::string& folder, int systemNumber) {
-  return settings::explainedError(systemNumber, "queryFile.folderUnreadable", {folder, systemMessage(systemNumber)});
+  return settings::localizedError(systemNumber, "queryFile.folderUnreadable", {folder, systemMessage(systemNumber)});
 }
 
 }  // namespace
 
 std::optional<Error> fileNameProblem(std::string_view name) {
-  using settings::explainedError;
+  using settings::localizedError;
   if (name.empty()) return std::nullopt;
   if (name.size() > longestName)
-    return explainedError(nameTooLong, "queryFile.nameTooLong", {std::to_string(longestName)});
+    return localizedError(nameTooLong, "queryFile.nameTooLong", {std::to_string(longestName)});
   if (!isValidUtf8(name) || std::any_of(name.begin(), name.end(), isForbidden))
-    return explainedError(invalidName, "queryFile.nameCharacter", {shown(name), "/ \\ < > : \" | ? *"});
+    return localizedError(invalidName, "queryFile.nameCharacter", {shown(name), "/ \\ < > : \" | ? *"});
   if (name.ends_with('.') || name.ends_with(' '))
-    return explainedError(invalidName, "queryFile.nameEnd", {shown(name)});
-  if (isDevice(name)) return explainedError(invalidName, "queryFile.nameDevice", {shown(name)});
+    return localizedError(invalidName, "queryFile.nameEnd", {shown(name)});
+  if (isDevice(name)) return localizedError(invalidName, "queryFile.nameDevice", {shown(name)});
   return std::nullopt;
 }
 
@@ -127,14 +127,14 @@ std::vector<std::string> listedFiles(const std::string& folder, std::string_view
   try {
     std::vector<std::string> names;
     std::error_code failure;
-    for (const fs::path& entry : files::entries(pathFromUtf8(place), failure)) {
+    for (const fs::path& entry : files::listFolder(pathFromUtf8(place), failure)) {
       std::string name = utf8FromPath(entry.filename());
       // An entry that cannot be looked at, a link into nowhere for one, is no file to open.
       std::error_code unknown;
       if (matchesFilePattern(name, pattern) && fs::is_regular_file(files::status(entry, unknown)))
         names.push_back(std::move(name));
     }
-    if (failure) throw folderUnreadable(place, systemNumber(failure));
+    if (failure) throw folderUnreadable(place, systemErrorNumber(failure));
     return names;
   } catch (const std::bad_alloc&) {
     throw results::outOfMemory();

@@ -5,10 +5,10 @@
 #include <new>
 #include <system_error>
 
+#include "base/atomic_file.h"
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "db/database_file.h"
 #include "results/out_of_memory.h"
 #include "settings/code_page.h"
@@ -26,7 +26,7 @@ constexpr std::string_view lineEnd = "\r\n";
 constexpr std::uintmax_t largestFileBytes = std::uintmax_t{64} << 20U;
 
 Error unreadable(const fs::path& file, int systemNumber) {
-  return settings::explainedError(systemNumber, "queryFile.unreadable",
+  return settings::localizedError(systemNumber, "queryFile.unreadable",
                                   {utf8FromPath(file), systemMessage(systemNumber)});
 }
 
@@ -42,13 +42,13 @@ bool fitsQueryFile(std::string_view text) {
 
 void saveQueryFile(const fs::path& file, std::string_view text) {
   if (db::isDatabaseFile(file))
-    throw settings::explainedError(systemNumber(std::errc::operation_not_permitted), "queryFile.isDatabase",
+    throw settings::localizedError(systemErrorNumber(std::errc::operation_not_permitted), "queryFile.isDatabase",
                                    {utf8FromPath(file)});
   try {
-    writeWholeFile(file, queryFileBytes(text));
+    writeFileAtomically(file, queryFileBytes(text));
   } catch (const Error& error) {
     const int number = error.number();
-    throw settings::explainedError(number, "queryFile.unwritable", {utf8FromPath(file), systemMessage(number)});
+    throw settings::localizedError(number, "queryFile.unwritable", {utf8FromPath(file), systemMessage(number)});
   } catch (const std::bad_alloc&) {
     throw results::outOfMemory();
   }
@@ -72,15 +72,15 @@ std::string textOfQueryFile(std::string_view bytes) {
 std::string loadQueryFile(const fs::path& file) {
   std::error_code failure;
   const fs::file_status status = files::status(file, failure);
-  if (failure && status.type() != fs::file_type::not_found) throw unreadable(file, systemNumber(failure));
-  if (fs::is_directory(status)) throw unreadable(file, systemNumber(std::errc::is_a_directory));
+  if (failure && status.type() != fs::file_type::not_found) throw unreadable(file, systemErrorNumber(failure));
+  if (fs::is_directory(status)) throw unreadable(file, systemErrorNumber(std::errc::is_a_directory));
   // A pipe, for one, would be waited for without end.
   if (fs::exists(status) && !fs::is_regular_file(status))
-    throw unreadable(file, systemNumber(std::errc::invalid_argument));
+    throw unreadable(file, systemErrorNumber(std::errc::invalid_argument));
   if (const auto size = files::size(file, failure); !failure && size > largestFileBytes)
-    throw unreadable(file, systemNumber(std::errc::file_too_large));
+    throw unreadable(file, systemErrorNumber(std::errc::file_too_large));
   try {
-    return textOfQueryFile(readWholeFile(file));
+    return textOfQueryFile(readFile(file));
   } catch (const Error& error) {
     throw unreadable(file, error.number());
   } catch (const std::bad_alloc&) {

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "base/numbers.h"
 #include "base/text.h"
-#include "results/number_text.h"
 #include "results/text_ranks.h"
 
 namespace korvel::results {

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 
 namespace korvel::results {
 
@@ -17,7 +17,7 @@ namespace {
 
 std::string contentOf(const fs::path& file) {
   try {
-    return readWholeFile(file);
+    return readFile(file);
   } catch (const Error&) {
     return {};  // no such file, no such limit
   }

@@ -24,14 +24,14 @@ std::uint64_t MemoryWatch::reserveOf(std::uint64_t wholeBytes) noexcept {
 
 void MemoryWatch::measure() {
   sinceLook_ = 0;
-  if (isShort(gauge_())) throw settings::explainedError(outOfMemoryNumber, "query.memoryShort");
+  if (isShort(gauge_())) throw settings::localizedError(outOfMemoryNumber, "query.memoryShort");
 }
 
 void MemoryWatch::engineAtWork() {
   const bool isShortNow = isShort(gauge_());
   if (!begun_) shortFromTheStart_ = isShortNow;
   begun_ = true;
-  if (isShortNow && !shortFromTheStart_) throw settings::explainedError(outOfMemoryNumber, "query.memoryShort");
+  if (isShortNow && !shortFromTheStart_) throw settings::localizedError(outOfMemoryNumber, "query.memoryShort");
 }
 
 }  // namespace korvel::results

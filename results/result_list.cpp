@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/numbers.h"
 #include "base/text.h"
-#include "results/number_text.h"
 #include "results/out_of_memory.h"
 
 namespace korvel::results {

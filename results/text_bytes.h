@@ -113,19 +113,6 @@ inline constexpr std::size_t shortBytes = 7;
   return static_cast<std::uint32_t>(mixed ^ mixed >> 32U);
 }
 
-[[nodiscard]] inline bool isAscii(std::string_view text) noexcept {
-  constexpr std::uint64_t highBits = 0x8080808080808080U;
-  const std::size_t size = text.size();
-  if (size < 8) {
-    for (const char c : text)
-      if ((static_cast<unsigned char>(c) & 0x80U) != 0) return false;
-    return true;
-  }
-  std::uint64_t seen = loadWord(text.data() + size - 8);
-  for (std::size_t i = 0; i + 8 < size; i += 8) seen |= loadWord(text.data() + i);
-  return (seen & highBits) == 0;
-}
-
 /// The eight bytes of `text` from `offset` as a number that orders as the bytes do, ASCII capitals as small letters;
 /// bytes beyond the end read as 0.
 [[nodiscard]] inline std::uint64_t orderingWord(std::string_view text, std::size_t offset) noexcept {

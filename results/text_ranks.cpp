@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "base/numbers.h"
 #include "base/text.h"
-#include "results/number_text.h"
 #include "results/text_arena.h"
 #include "results/text_bytes.h"
 #include "results/word_sort.h"

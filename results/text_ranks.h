@@ -7,6 +7,9 @@
 
 namespace korvel::results {
 
+/// Entry numbers are ordered as texts padded with zeros to this many digits.
+inline constexpr std::size_t entryNumberDigits = 9;
+
 /// The rank of every text among all of them, without regard to case and by code point, so the same on every machine.
 /// The empty text ranks 0 whether or not it occurs; the others follow without gaps; texts that differ only in case rank
 /// equal.

@@ -38,7 +38,7 @@ std::string textOfBytes(std::string_view bytes) {
     if (byte < firstOpenByte)
       text.push_back(c);
     else
-      appendCharacter(byte < endOfOpenBytes ? openBytes.at(byte - firstOpenByte) : char32_t{byte}, text);
+      appendCodePoint(byte < endOfOpenBytes ? openBytes.at(byte - firstOpenByte) : char32_t{byte}, text);
   }
   return text;
 }

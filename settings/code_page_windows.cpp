@@ -59,12 +59,12 @@ bool WindowsCodePage::appendBytesOf(char32_t character, std::string& bytes) cons
 
 bool WindowsCodePage::appendConverted(char32_t character, std::string& bytes) const {
   std::string utf8;
-  appendCharacter(character, utf8);
+  appendCodePoint(character, utf8);
   if (number_ == CP_UTF8) {
     bytes += utf8;
     return true;
   }
-  const std::wstring wide = anyWideFromUtf8(utf8);
+  const std::wstring wide = lossyWideFromUtf8(utf8);
   constexpr std::size_t mostBytes = 8;
   std::array<char, mostBytes> converted{};
   BOOL replaced = FALSE;
@@ -86,7 +86,7 @@ std::string WindowsCodePage::textOfBytes(std::string_view bytes) const {
         text.push_back(c);
       else
         // A byte that is no character keeps its number, as Windows has it.
-        appendCharacter(
+        appendCodePoint(
             characters_.at(byte - firstBeyondAscii) != 0 ? characters_.at(byte - firstBeyondAscii) : char32_t{byte},
             text);
     }

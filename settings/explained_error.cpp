@@ -12,7 +12,7 @@ std::string sentence(const std::string& key, const std::vector<std::string>& arg
 
 }  // namespace
 
-Error explainedError(std::int32_t number, std::string key, std::vector<std::string> arguments) {
+Error localizedError(std::int32_t number, std::string key, std::vector<std::string> arguments) {
   Error error(number, sentence(key, arguments, LanguageOffset{}));
   error.setText(std::move(key), std::move(arguments));
   return error;

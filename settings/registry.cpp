@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/error.h"
+#include "base/system_errors.h"
 #include "base/text.h"
-#include "settings/system_error_number.h"
 
 namespace korvel::settings {
 
@@ -28,10 +28,10 @@ constexpr std::int32_t codeOf(std::uint32_t code) noexcept {
 }
 
 /// A section that could not be opened. Whoever reads of a file that is not understood learns which one, and what to do.
-[[noreturn]] void raiseUnopened(const SettingsBackend& backend, std::uint32_t failure, const char* description) {
-  Error error(codeOf(platformBase + failure), description);
+[[noreturn]] void raiseUnopened(const SettingsBackend& backend, Win32Error failure, const char* description) {
+  Error error(codeOf(platformBase + numberOf(failure)), description);
   const std::string file = backend.file();
-  if (failure == errorBadDatabase && !file.empty()) error.setText("settings.notUnderstood", {description, file});
+  if (failure == Win32Error::badDatabase && !file.empty()) error.setText("settings.notUnderstood", {description, file});
   throw error;
 }
 
@@ -71,19 +71,19 @@ std::string Registry::GetSetting(const std::string& appName, const std::string& 
                                  const std::string& fallback) const {
   return trapped([&](std::unique_ptr<SettingsKey>& opened) -> std::string {
     checkArguments(appName, section, key);
-    const std::uint32_t failure = backend_.openForReading(keyPath(appName, section), opened);
-    if (failure == errorFileNotFound) return fallback;
-    if (failure != errorSuccess) raiseUnopened(backend_, failure, "Could not open registry section");
+    const Win32Error failure = backend_.openForReading(keyPath(appName, section), opened);
+    if (failure == Win32Error::fileNotFound) return fallback;
+    if (failure != Win32Error::success) raiseUnopened(backend_, failure, "Could not open registry section");
 
     std::uint32_t type = 0;
     std::uint32_t size = 0;
-    if (opened->querySize(key, type, size) != errorSuccess) return fallback;
+    if (opened->querySize(key, type, size) != Win32Error::success) return fallback;
     // The code carries the type here and a system error above; deliberate.
     if (type != static_cast<std::uint32_t>(ValueType::string)) raise(platformBase + type, "Registry data not a string");
     if (size == 0) return {};
 
     std::vector<char> buffer(size, '\0');
-    if (opened->queryData(key, buffer) != errorSuccess) return fallback;
+    if (opened->queryData(key, buffer) != Win32Error::success) return fallback;
     return {buffer.data(), static_cast<std::size_t>(size) - 1};
   });
 }
@@ -92,10 +92,10 @@ void Registry::SaveSetting(const std::string& appName, const std::string& sectio
                            const std::string& value) const {
   trapped([&](std::unique_ptr<SettingsKey>& opened) {
     checkArguments(appName, section, key);
-    std::uint32_t failure = backend_.createOrOpen(keyPath(appName, section), opened);
-    if (failure != errorSuccess) raiseUnopened(backend_, failure, "Could not open/create registry section");
+    Win32Error failure = backend_.createOrOpen(keyPath(appName, section), opened);
+    if (failure != Win32Error::success) raiseUnopened(backend_, failure, "Could not open/create registry section");
     failure = opened->setString(key, value);
-    if (failure != errorSuccess) raise(platformBase + failure, "Could not set key value");
+    if (failure != Win32Error::success) raise(platformBase + numberOf(failure), "Could not set key value");
   });
 }
 

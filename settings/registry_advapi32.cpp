@@ -16,12 +16,12 @@ namespace korvel::settings {
 namespace {
 
 /// A path or name as the calls take it, up to its terminator: a NUL inside would cut it and address another.
-std::uint32_t wideName(const std::string& name, std::wstring& wide) {
-  if (name.find('\0') != std::string::npos) return ERROR_INVALID_PARAMETER;
+Win32Error wideName(const std::string& name, std::wstring& wide) {
+  if (name.find('\0') != std::string::npos) return Win32Error::invalidParameter;
   auto converted = wideFromUtf8(name);
-  if (!converted) return ERROR_NO_UNICODE_TRANSLATION;
+  if (!converted) return Win32Error::noUnicodeTranslation;
   wide = *std::move(converted);
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 class Advapi32Key : public SettingsKey {
@@ -31,42 +31,42 @@ class Advapi32Key : public SettingsKey {
   Advapi32Key(const Advapi32Key&) = delete;
   Advapi32Key& operator=(const Advapi32Key&) = delete;
 
-  std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
+  Win32Error querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
     RegistryValue value;
-    const std::uint32_t failure = query(valueName, value);
+    const Win32Error failure = query(valueName, value);
     type = value.type;
     size = static_cast<std::uint32_t>(value.bytes.size());
     return failure;
   }
 
-  std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) override {
+  Win32Error queryData(const std::string& valueName, std::vector<char>& buffer) override {
     RegistryValue value;
-    const std::uint32_t failure = query(valueName, value);
-    if (failure != errorSuccess) return failure;
-    if (buffer.size() < value.bytes.size()) return ERROR_MORE_DATA;
+    const Win32Error failure = query(valueName, value);
+    if (failure != Win32Error::success) return failure;
+    if (buffer.size() < value.bytes.size()) return Win32Error::moreData;
     std::copy(value.bytes.begin(), value.bytes.end(), buffer.begin());
-    return errorSuccess;
+    return Win32Error::success;
   }
 
-  std::uint32_t setString(const std::string& valueName, const std::string& value) override {
+  Win32Error setString(const std::string& valueName, const std::string& value) override {
     std::wstring name;
-    const std::uint32_t failure = wideName(valueName, name);
-    if (failure != errorSuccess) return failure;
+    const Win32Error failure = wideName(valueName, name);
+    if (failure != Win32Error::success) return failure;
     const auto data = wideFromUtf8(value);
-    if (!data) return ERROR_NO_UNICODE_TRANSLATION;
+    if (!data) return Win32Error::noUnicodeTranslation;
     // The length counts no terminator; deliberate. A query counts one all the same.
     const auto length = static_cast<DWORD>(data->size() * sizeof(wchar_t));
-    return static_cast<std::uint32_t>(
+    return static_cast<Win32Error>(
         RegSetValueExW(handle_, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(data->c_str()), length));
   }
 
  private:
   /// Type and bytes of a value, a string as UTF-8. The size of a converted string is known only with its data, so both
   /// queries read it whole.
-  std::uint32_t query(const std::string& valueName, RegistryValue& value) const {
+  Win32Error query(const std::string& valueName, RegistryValue& value) const {
     std::wstring name;
-    const std::uint32_t failure = wideName(valueName, name);
-    if (failure != errorSuccess) return failure;
+    const Win32Error failure = wideName(valueName, name);
+    if (failure != Win32Error::success) return failure;
     DWORD type = REG_NONE;
     DWORD size = 0;
     LSTATUS status = RegQueryValueExW(handle_, name.c_str(), nullptr, &type, nullptr, &size);
@@ -82,7 +82,7 @@ class Advapi32Key : public SettingsKey {
     }
     value.type = type;
     if (status == ERROR_SUCCESS && type == REG_SZ) value.bytes = reportedString(value.bytes);
-    return static_cast<std::uint32_t>(status);
+    return static_cast<Win32Error>(status);
   }
 
   HKEY handle_;
@@ -90,25 +90,25 @@ class Advapi32Key : public SettingsKey {
 
 }  // namespace
 
-std::uint32_t RegistryAdvapi32::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+Win32Error RegistryAdvapi32::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
   std::wstring path;
-  const std::uint32_t failure = wideName(keyPath, path);
-  if (failure != errorSuccess) return failure;
+  const Win32Error failure = wideName(keyPath, path);
+  if (failure != Win32Error::success) return failure;
   HKEY handle = nullptr;
   const LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &handle);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
-  return static_cast<std::uint32_t>(status);
+  return static_cast<Win32Error>(status);
 }
 
-std::uint32_t RegistryAdvapi32::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+Win32Error RegistryAdvapi32::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
   std::wstring path;
-  const std::uint32_t failure = wideName(keyPath, path);
-  if (failure != errorSuccess) return failure;
+  const Win32Error failure = wideName(keyPath, path);
+  if (failure != Win32Error::success) return failure;
   HKEY handle = nullptr;
   const LSTATUS status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                          KEY_ALL_ACCESS, nullptr, &handle, nullptr);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
-  return static_cast<std::uint32_t>(status);
+  return static_cast<Win32Error>(status);
 }
 
 }  // namespace korvel::settings

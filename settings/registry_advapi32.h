@@ -8,8 +8,8 @@ namespace korvel::settings {
 /// on most systems; no other hive is tried without them.
 class RegistryAdvapi32 : public SettingsBackend {
  public:
-  std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
-  std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  Win32Error openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  Win32Error createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
 };
 
 }  // namespace korvel::settings

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "settings/utf16.h"
+#include "base/utf16.h"
 
 namespace korvel::settings {
 
@@ -45,7 +45,7 @@ std::optional<RegistryDocument> RegistryDocument::parse(std::string bytes) {
   RegistryDocument document;
   if (bytes.starts_with(utf16Mark)) {
     if (bytes.size() % 2 != 0) return std::nullopt;
-    bytes = utf8FromUtf16(std::string_view(bytes).substr(utf16Mark.size()));
+    bytes = utf8FromUtf16Bytes(std::string_view(bytes).substr(utf16Mark.size()));
   }
   document.text_ = std::move(bytes);
   if (!isValidUtf8(document.text_) || !document.read()) return std::nullopt;

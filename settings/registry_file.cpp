@@ -5,10 +5,10 @@
 #include <string_view>
 #include <utility>
 
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "settings/registry.h"
 #include "settings/registry_document.h"
-#include "settings/system_error_number.h"
 
 namespace korvel::settings {
 
@@ -35,38 +35,38 @@ std::string fullPath(std::string_view keyPath) {
   return path;
 }
 
-std::uint32_t load(const SharedFile& file, RegistryDocument& document) {
+Win32Error load(const SharedFile& file, RegistryDocument& document) {
   std::string bytes;
-  const std::uint32_t failure = file.read(bytes);
-  if (failure != errorSuccess) return failure;
+  const Win32Error failure = file.read(bytes);
+  if (failure != Win32Error::success) return failure;
   // Made by somebody who meant to fill it, or cut off by a full disk: there is nothing in it that could be lost.
   if (bytes.empty()) {
     document = RegistryDocument();
-    return errorSuccess;
+    return Win32Error::success;
   }
   auto parsed = RegistryDocument::parse(std::move(bytes));
-  if (!parsed) return errorBadDatabase;
+  if (!parsed) return Win32Error::badDatabase;
   document = *std::move(parsed);
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 /// Takes the lock, reads the file (a missing one is an empty document), lets `change` work on the document, and writes
 /// it where its text has changed.
 template <typename Change>
-std::uint32_t update(const SharedFile& file, RegistryDocument& document, const Change& change) {
+Win32Error update(const SharedFile& file, RegistryDocument& document, const Change& change) {
   SharedFile::Lock lock;
-  std::uint32_t failure = lock.take(file);
-  if (failure != errorSuccess) return failure;
+  Win32Error failure = lock.take(file);
+  if (failure != Win32Error::success) return failure;
   RegistryDocument current;
   failure = load(file, current);
-  if (failure != errorSuccess && failure != errorFileNotFound) return failure;
+  if (failure != Win32Error::success && failure != Win32Error::fileNotFound) return failure;
   const std::string before = current.text();
   change(current);
   if (current.text() != before)
     failure = lock.write(current.text());
   else
-    failure = errorSuccess;
-  if (failure == errorSuccess) document = std::move(current);
+    failure = Win32Error::success;
+  if (failure == Win32Error::success) document = std::move(current);
   return failure;
 }
 
@@ -78,26 +78,26 @@ class FileKey : public SettingsKey {
     if (writable != nullptr) file_ = std::make_unique<SharedFile>(*writable);
   }
 
-  std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
+  Win32Error querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
     const RegistryValue* value = document_.find(path_, valueName);
-    if (value == nullptr) return errorFileNotFound;
+    if (value == nullptr) return Win32Error::fileNotFound;
     type = value->type;
     size = static_cast<std::uint32_t>(value->bytes.size());
-    return errorSuccess;
+    return Win32Error::success;
   }
 
-  std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) override {
+  Win32Error queryData(const std::string& valueName, std::vector<char>& buffer) override {
     const RegistryValue* value = document_.find(path_, valueName);
-    if (value == nullptr) return errorFileNotFound;
-    if (buffer.size() < value->bytes.size()) return errorMoreData;
+    if (value == nullptr) return Win32Error::fileNotFound;
+    if (buffer.size() < value->bytes.size()) return Win32Error::moreData;
     std::copy(value->bytes.begin(), value->bytes.end(), buffer.begin());
-    return errorSuccess;
+    return Win32Error::success;
   }
 
-  std::uint32_t setString(const std::string& valueName, const std::string& value) override {
-    if (!file_) return errorAccessDenied;
-    if (!fitsOneLine(valueName)) return errorInvalidParameter;
-    if (!isValidUtf8(value)) return errorNoUnicodeTranslation;
+  Win32Error setString(const std::string& valueName, const std::string& value) override {
+    if (!file_) return Win32Error::accessDenied;
+    if (!fitsOneLine(valueName)) return Win32Error::invalidParameter;
+    if (!isValidUtf8(value)) return Win32Error::noUnicodeTranslation;
     return update(*file_, document_, [&](RegistryDocument& document) { document.setString(path_, valueName, value); });
   }
 
@@ -109,25 +109,25 @@ class FileKey : public SettingsKey {
 
 }  // namespace
 
-std::uint32_t RegistryFile::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
-  if (!fitsOneLine(keyPath)) return errorInvalidParameter;
+Win32Error RegistryFile::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+  if (!fitsOneLine(keyPath)) return Win32Error::invalidParameter;
   RegistryDocument document;
-  const std::uint32_t failure = load(file_, document);
-  if (failure != errorSuccess) return failure;
+  const Win32Error failure = load(file_, document);
+  if (failure != Win32Error::success) return failure;
   std::string path = fullPath(keyPath);
-  if (!document.hasKey(path)) return errorFileNotFound;
+  if (!document.hasKey(path)) return Win32Error::fileNotFound;
   key = std::make_unique<FileKey>(std::move(document), std::move(path), nullptr);
-  return errorSuccess;
+  return Win32Error::success;
 }
 
-std::uint32_t RegistryFile::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
-  if (!fitsOneLine(keyPath)) return errorInvalidParameter;
+Win32Error RegistryFile::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
+  if (!fitsOneLine(keyPath)) return Win32Error::invalidParameter;
   std::string path = fullPath(keyPath);
   RegistryDocument document;
-  const std::uint32_t failure = update(file_, document, [&](RegistryDocument& current) { current.addKey(path); });
-  if (failure != errorSuccess) return failure;
+  const Win32Error failure = update(file_, document, [&](RegistryDocument& current) { current.addKey(path); });
+  if (failure != Win32Error::success) return failure;
   key = std::make_unique<FileKey>(std::move(document), std::move(path), &file_);
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 std::string RegistryFile::file() const {

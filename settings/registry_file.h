@@ -22,8 +22,8 @@ class RegistryFile : public SettingsBackend {
                         std::chrono::milliseconds patience = SharedFile::usualPatience)
       : file_(file, patience) {}
 
-  std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
-  std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  Win32Error openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
+  Win32Error createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) override;
   [[nodiscard]] std::string file() const override;
 
  private:

@@ -1,12 +1,12 @@
 #include "settings/registry_value.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
+#include "base/numbers.h"
 #include "base/text.h"
+#include "base/utf16.h"
 #include "settings/settings_backend.h"
-#include "settings/utf16.h"
 
 namespace korvel::settings {
 
@@ -29,19 +29,15 @@ void skipBlanks(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
 }
 
-int digitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 /// One to `most` hexadecimal digits as a number.
 std::optional<std::uint32_t> takeHexadecimal(std::string_view& text, std::size_t most) {
   std::uint32_t number = 0;
   std::size_t count = 0;
-  for (; count < most && count < text.size() && digitValue(text[count]) >= 0; ++count)
-    number = number << 4U | static_cast<std::uint32_t>(digitValue(text[count]));
+  for (; count < most && count < text.size(); ++count) {
+    const auto digit = hexDigitValue(text[count]);
+    if (!digit) break;
+    number = number << 4U | *digit;
+  }
   if (count == 0) return std::nullopt;
   text.remove_prefix(count);
   return number;
@@ -63,7 +59,7 @@ std::optional<std::string> takeByteList(std::string_view& text) {
   skipBlanks(text);
   const bool continued = !text.empty() && text.front() == '\\';
   if (continued && !takeContinuation(text)) return std::nullopt;
-  if (!continued && (text.empty() || digitValue(text.front()) < 0)) return bytes;
+  if (!continued && (text.empty() || !hexDigitValue(text.front()))) return bytes;
   for (;;) {
     const auto byte = takeHexadecimal(text, 2);
     if (!byte) return std::nullopt;
@@ -93,18 +89,11 @@ bool isControl(char c) {
   return (static_cast<unsigned char>(c) < 0x20U && c != '\t') || c == '\x7F';
 }
 
-void appendByte(char byte, std::string& text) {
-  constexpr std::array<char, 16> digits = {'0', '1', '2', '3', '4', '5', '6', '7',
-                                           '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
-  text.push_back(digits[static_cast<unsigned char>(byte) >> 4U]);
-  text.push_back(digits[static_cast<unsigned char>(byte) & 0xFU]);
-}
-
 }  // namespace
 
 std::string reportedString(std::string_view utf16) {
   if (utf16.empty()) return {};
-  std::string text = utf8FromUtf16(utf16);
+  std::string text = utf8FromUtf16Bytes(utf16);
   // A terminator is counted once, whether the writer stored one or not.
   if (text.empty() || text.back() != '\0') text.push_back('\0');
   return text;
@@ -154,7 +143,7 @@ std::string quoted(std::string_view text) {
 
 std::string stringData(std::string_view text, std::string_view lineEnd) {
   if (std::none_of(text.begin(), text.end(), isControl)) return quoted(text);
-  std::string bytes = utf16FromUtf8(text).value_or(std::string{});
+  std::string bytes = utf16BytesFromUtf8(text).value_or(std::string{});
   bytes.append(2, '\0');
   std::string result = "hex(1):";
   for (std::size_t i = 0; i < bytes.size(); ++i) {
@@ -164,7 +153,7 @@ std::string stringData(std::string_view text, std::string_view lineEnd) {
       result += lineEnd;
       result += "  ";
     }
-    appendByte(bytes[i], result);
+    appendHex(static_cast<unsigned char>(bytes[i]), result);
   }
   return result;
 }

@@ -13,9 +13,9 @@
 #include <system_error>
 #include <thread>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
-#include "settings/system_error_number.h"
+#include "base/system_errors.h"
 
 namespace korvel::settings {
 
@@ -27,61 +27,61 @@ constexpr mode_t ownFolderMode = 0700;
 constexpr mode_t lockMode = 0666;
 constexpr int mostLinks = 40;
 
-std::uint32_t lastError() noexcept {
-  return systemErrorNumber(errno);
+Win32Error lastError() noexcept {
+  return win32ErrorFrom(errno);
 }
 
 /// Creates the missing folders of `folder`, for the user alone.
-std::uint32_t createFolders(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST) return errorSuccess;
+Win32Error createFolders(const fs::path& folder) {
+  if (::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST) return Win32Error::success;
   if (errno != ENOENT || !folder.has_relative_path()) return lastError();
-  const std::uint32_t failure = createFolders(folder.parent_path());
-  if (failure != errorSuccess) return failure;
-  return ::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST ? errorSuccess : lastError();
+  const Win32Error failure = createFolders(folder.parent_path());
+  if (failure != Win32Error::success) return failure;
+  return ::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST ? Win32Error::success : lastError();
 }
 
 /// The file itself behind any symbolic links, so that all who reach it by whatever name take the same lock. The file
 /// need not be there; its folder is created.
-std::uint32_t resolve(fs::path path, fs::path& target) {
+Win32Error resolve(fs::path path, fs::path& target) {
   for (int links = 0; links <= mostLinks; ++links) {
-    std::uint32_t failure = createFolders(path.parent_path());
-    if (failure != errorSuccess) return failure;
+    Win32Error failure = createFolders(path.parent_path());
+    if (failure != Win32Error::success) return failure;
     std::error_code error;
     const fs::path folder = fs::canonical(path.parent_path(), error);
-    if (error) return systemErrorNumber(error.value());
+    if (error) return win32ErrorFrom(error.value());
     target = folder / path.filename();
     struct stat status {};
-    if (::lstat(target.c_str(), &status) != 0) return errno == ENOENT ? errorSuccess : lastError();
-    if (S_ISDIR(status.st_mode)) return systemErrorNumber(EISDIR);
-    if (!S_ISLNK(status.st_mode)) return errorSuccess;
+    if (::lstat(target.c_str(), &status) != 0) return errno == ENOENT ? Win32Error::success : lastError();
+    if (S_ISDIR(status.st_mode)) return win32ErrorFrom(EISDIR);
+    if (!S_ISLNK(status.st_mode)) return Win32Error::success;
     path = folder / fs::read_symlink(target, error);
-    if (error) return systemErrorNumber(error.value());
+    if (error) return win32ErrorFrom(error.value());
   }
-  return systemErrorNumber(ELOOP);
+  return win32ErrorFrom(ELOOP);
 }
 
-std::uint32_t mayReplace(const fs::path& target) {
+Win32Error mayReplace(const fs::path& target) {
   const auto allowed = [](const fs::path& path, int rights) {
     return ::faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
   };
   if (!allowed(target.parent_path(), W_OK | X_OK)) return lastError();
   // Replacing needs no right to the file itself. Who took that right away meant it all the same.
   if (!allowed(target, W_OK) && errno != ENOENT) return lastError();
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 /// The system offers a lock that waits for ever or not at all, so waiting for a while is asking again and again.
-std::uint32_t lockWithin(std::chrono::milliseconds patience, int descriptor) {
+Win32Error lockWithin(std::chrono::milliseconds patience, int descriptor) {
   using Clock = std::chrono::steady_clock;
   constexpr std::chrono::milliseconds pause{5};
   const auto deadline = Clock::now() + patience;
   while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
     if (errno != EWOULDBLOCK) return lastError();
-    if (Clock::now() >= deadline) return errorLockViolation;
+    if (Clock::now() >= deadline) return Win32Error::lockViolation;
     std::this_thread::sleep_for(pause);
   }
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 /// The folder that `variable` names, otherwise `belowHome` in the user's home; empty where no home is known.
@@ -111,24 +111,24 @@ SharedFile::SharedFile(const fs::path& path, std::chrono::milliseconds patience)
   path_ = path.empty() ? path : fs::absolute(path, ignored);
 }
 
-std::uint32_t SharedFile::read(std::string& bytes) const {
+Win32Error SharedFile::read(std::string& bytes) const {
   struct stat status {};
   if (::stat(path_.c_str(), &status) != 0) return lastError();
-  if (S_ISDIR(status.st_mode)) return systemErrorNumber(EISDIR);
-  if (!S_ISREG(status.st_mode)) return errorBadDatabase;
+  if (S_ISDIR(status.st_mode)) return win32ErrorFrom(EISDIR);
+  if (!S_ISREG(status.st_mode)) return Win32Error::badDatabase;
   try {
-    bytes = readWholeFile(path_);
+    bytes = readFile(path_);
   } catch (const Error& error) {
-    return systemErrorNumber(error.number());
+    return win32ErrorFrom(error.number());
   }
-  return errorSuccess;
+  return Win32Error::success;
 }
 
-std::uint32_t SharedFile::Lock::take(const SharedFile& file) {
-  if (file.path_.empty()) return errorPathNotFound;
-  std::uint32_t failure = resolve(file.path_, target_);
-  if (failure == errorSuccess) failure = mayReplace(target_);
-  if (failure != errorSuccess) return failure;
+Win32Error SharedFile::Lock::take(const SharedFile& file) {
+  if (file.path_.empty()) return Win32Error::pathNotFound;
+  Win32Error failure = resolve(file.path_, target_);
+  if (failure == Win32Error::success) failure = mayReplace(target_);
+  if (failure != Win32Error::success) return failure;
   const std::string lockFile = target_.string() + ".lock";
   descriptor_ = ::open(lockFile.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, lockMode);
   if (descriptor_ < 0) return lastError();
@@ -139,13 +139,13 @@ SharedFile::Lock::~Lock() {
   if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-std::uint32_t SharedFile::Lock::write(std::string_view bytes) const {
+Win32Error SharedFile::Lock::write(std::string_view bytes) const {
   try {
-    writeWholeFile(target_, bytes);
+    writeFileAtomically(target_, bytes);
   } catch (const Error& error) {
-    return systemErrorNumber(error.number());
+    return win32ErrorFrom(error.number());
   }
-  return errorSuccess;
+  return Win32Error::success;
 }
 
 fs::path configurationFolder() {

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "base/system_errors.h"
+
 namespace korvel::settings {
 
-/// A text file that several processes and threads read and rewrite. All functions answer with a system error number.
+/// A text file that several processes and threads read and rewrite. All functions answer with an error number of Windows.
 class SharedFile {
  public:
-  /// How long a writer waits for the lock of another: far longer than a change takes, and not so long that whoever
-  /// waits takes the program for dead.
+  /// How long a writer waits for the lock of another: far longer than a change takes, and short enough that the
+  /// program does not seem to hang.
   static constexpr std::chrono::milliseconds usualPatience{5000};
 
   /// A relative `path` means the folder that is current now.
@@ -20,7 +21,7 @@ class SharedFile {
 
   [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
   /// The whole file as some writer left it, never half of two. Only a regular file is read: a pipe would block.
-  [[nodiscard]] std::uint32_t read(std::string& bytes) const;
+  [[nodiscard]] Win32Error read(std::string& bytes) const;
 
   /// The right to rewrite the file, held by one holder at a time. The lock is a file of its own beside the settings
   /// (their own file is replaced by every write, so a lock on it would lock nothing); it stays there when the lock is
@@ -30,7 +31,7 @@ class SharedFile {
     /// Waits for the lock; creates the file's folders and the lock file if need be. Fails where the file could not be
     /// rewritten: no right to write to it or to its folder, or a holder (33) that outlasts the file's patience, as a
     /// stopped process would.
-    [[nodiscard]] std::uint32_t take(const SharedFile& file);
+    [[nodiscard]] Win32Error take(const SharedFile& file);
 
     Lock() = default;
     ~Lock();
@@ -38,7 +39,7 @@ class SharedFile {
     Lock& operator=(const Lock&) = delete;
 
     /// Replaces the file whole. Only while the lock is held.
-    [[nodiscard]] std::uint32_t write(std::string_view bytes) const;
+    [[nodiscard]] Win32Error write(std::string_view bytes) const;
 
    private:
     std::filesystem::path target_;

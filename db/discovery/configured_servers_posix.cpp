@@ -1,8 +1,8 @@
 #include <filesystem>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "db/discovery/configured_servers.h"
 #include "settings/registry.h"
 
@@ -23,7 +23,7 @@ void addServersOf(const fs::path& file, std::vector<std::string> (*read)(std::st
                   std::vector<std::string>& servers) {
   if (file.empty()) return;
   try {
-    for (auto& server : read(readWholeFile(file))) servers.push_back(std::move(server));
+    for (auto& server : read(readFile(file))) servers.push_back(std::move(server));
   } catch (const Error&) {  // NOLINT(bugprone-empty-catch): a file that is not there names no servers
   }
 }

@@ -81,7 +81,7 @@ std::vector<std::string> hostsOf(const std::vector<std::string>& servers) {
 std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
   std::vector<DatabaseInfo> databases;
   std::error_code error;
-  for (const fs::path& entry : files::entries(folder, error)) {
+  for (const fs::path& entry : files::listFolder(folder, error)) {
     std::error_code ignored;
     const std::string name = utf8FromPath(entry.stem());
     // What cannot be opened by its name is not offered.
@@ -89,7 +89,7 @@ std::vector<DatabaseInfo> embeddedDatabases(const fs::path& folder) {
         fs::is_regular_file(files::status(entry, ignored)))
       databases.push_back({name, false, utf8FromPath(entry)});
   }
-  if (error) throw folderFailure(folder, systemNumber(error));
+  if (error) throw folderFailure(folder, systemErrorNumber(error));
   std::sort(databases.begin(), databases.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
   return databases;
 }

@@ -60,7 +60,7 @@ class HostInquiry {
 std::uint16_t ResolutionClient::portOfInstance(const std::string& hostName, std::span<const net::Endpoint> host,
                                                const std::string& instance, const net::Deadline& deadline) const {
   const auto fail = [&](const char* key) {
-    return settings::explainedError(instanceNotFound, key, {hostName, instance});
+    return settings::localizedError(instanceNotFound, key, {hostName, instance});
   };
   const std::vector<net::Endpoint> responders = net::atPort({host.begin(), host.end()}, port_);
   // Responders say nothing of an instance that they do not know; but they name those that they do.

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "base/error.h"
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvel::db {
@@ -62,10 +63,8 @@ bool isUsable(const InstanceInfo& instance) {
 }  // namespace
 
 std::optional<std::uint16_t> parsePort(std::string_view text) {
-  std::uint16_t port = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-  if (error != std::errc{} || end != text.data() + text.size() || port == 0) return std::nullopt;
-  return port;
+  const auto port = parseInteger<std::uint16_t>(text);
+  return port == 0 ? std::nullopt : port;
 }
 
 std::string InstanceInfo::displayName() const {

@@ -15,7 +15,7 @@ bool isDatabaseFile(const fs::path& file) {
   std::error_code ignored;
   if (!fs::is_regular_file(files::status(file, ignored))) return false;
   std::array<char, signature.size()> start{};
-  std::ifstream in(pathForCalls(file), std::ios::binary);
+  std::ifstream in(extendedLengthPath(file), std::ios::binary);
   in.read(start.data(), static_cast<std::streamsize>(start.size()));
   return in && std::string_view(start.data(), start.size()) == signature;
 }

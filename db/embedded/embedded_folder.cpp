@@ -40,21 +40,21 @@ bool isEmbeddedDatabaseName(std::string_view database) {
 
 Error folderFailure(const std::filesystem::path& folder, int systemNumber) {
   for (const FolderSentence& sentence : folderSentences)
-    if (means(systemNumber, sentence.condition))
-      return settings::explainedError(systemNumber, sentence.key, {utf8FromPath(folder)});
-  return settings::explainedError(systemNumber, "failure.folderUnreadable",
+    if (isSystemError(systemNumber, sentence.condition))
+      return settings::localizedError(systemNumber, sentence.key, {utf8FromPath(folder)});
+  return settings::localizedError(systemNumber, "failure.folderUnreadable",
                                   {utf8FromPath(folder), systemMessage(systemNumber)});
 }
 
 bool isEmbeddedServer(std::string_view server) {
-  return equalsIgnoringAsciiCase(server, embeddedServerName) || isWhole(pathFromUtf8(server));
+  return equalsIgnoringAsciiCase(server, embeddedServerName) || isAbsolute(pathFromUtf8(server));
 }
 
 std::filesystem::path embeddedFolder() {
   if (const auto named = pathFromUtf8(settings::GetEnvironment("KORVEL_AUDIT_DATA")); !named.empty()) {
     std::error_code noWorkingFolder;
-    auto folder = wholeForm(named, noWorkingFolder);
-    if (noWorkingFolder) throw folderFailure(named, systemNumber(noWorkingFolder));
+    auto folder = absolutePath(named, noWorkingFolder);
+    if (noWorkingFolder) throw folderFailure(named, systemErrorNumber(noWorkingFolder));
     return folder;
   }
   return userDataFolder() / "korvel" / "audit";
@@ -66,7 +66,7 @@ std::filesystem::path embeddedFolderOf(std::string_view server) {
 
 std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder, std::string_view database) {
   if (!isEmbeddedDatabaseName(database))
-    throw settings::explainedError(systemNumber(std::errc::invalid_argument), "db.notAName",
+    throw settings::localizedError(systemErrorNumber(std::errc::invalid_argument), "db.notAName",
                                    {replaceAll(std::string(database), std::string(1, '\0'), "\\0")});
   return folder / pathFromUtf8(std::string(database) + ".db");
 }

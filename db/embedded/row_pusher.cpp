@@ -1,12 +1,11 @@
 #include "db/embedded/row_pusher.h"
+#include "base/numbers.h"
 
 #include <sqlite3.h>
 
 #include <array>
 #include <charconv>
 #include <string_view>
-
-#include "db/hex_text.h"
 
 namespace korvel::db {
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "base/numbers.h"
 #include "db/connection.h"
 #include "db/embedded/row_values.h"
-#include "db/number_text.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

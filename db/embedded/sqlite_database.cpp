@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/files.h"
+#include "base/numbers.h"
 #include "base/paths.h"
 #include "db/embedded/stored_times.h"
 #include "settings/explained_error.h"
@@ -27,7 +28,7 @@ bool usesWriteAheadLog(const std::filesystem::path& file) {
   constexpr std::size_t readVersion = 19;
   constexpr char writeAheadLog = 2;
   std::array<char, readVersion + 1> header{};
-  std::ifstream stream(pathForCalls(file), std::ios::binary);
+  std::ifstream stream(extendedLengthPath(file), std::ios::binary);
   stream.read(header.data(), header.size());
   return stream && (header[writeVersion] == writeAheadLog || header[readVersion] == writeAheadLog);
 }
@@ -35,9 +36,8 @@ bool usesWriteAheadLog(const std::filesystem::path& file) {
 std::string fileUri(const std::filesystem::path& file, std::string_view parameters) {
   // Not the separators: two of them at the beginning would be taken for those of a server's name.
   constexpr std::string_view plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._";
-  constexpr std::string_view hexDigits = "0123456789abcdef";
   std::string uri = "file:";
-  for (const char c : utf8FromPath(pathForCalls(file))) {
+  for (const char c : utf8FromPath(extendedLengthPath(file))) {
     const auto byte = static_cast<unsigned char>(c);
     if (plain.find(c) != std::string_view::npos)
       uri += c;
@@ -77,19 +77,19 @@ void SqliteFinalizer::operator()(sqlite3_stmt* statement) const noexcept {
 SqliteDatabase::SqliteDatabase(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout) : file_(file) {
   std::error_code failure;
   // Without a working folder a relative path leads nowhere; it is said below.
-  file_ = wholeForm(file, failure);
+  file_ = absolutePath(file, failure);
   const auto status = files::status(file_, failure);
   if (status.type() == std::filesystem::file_type::not_found)
-    throw settings::explainedError(SQLITE_CANTOPEN, "db.fileMissing", {utf8FromPath(file_)});
+    throw settings::localizedError(SQLITE_CANTOPEN, "db.fileMissing", {utf8FromPath(file_)});
   // A pipe, for one, would be waited for without end.
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-    throw settings::explainedError(SQLITE_CANTOPEN, "db.notAFile", {utf8FromPath(file_)});
+    throw settings::localizedError(SQLITE_CANTOPEN, "db.notAFile", {utf8FromPath(file_)});
   open();
   lockDown(busyTimeout);
 }
 
 void SqliteDatabase::open() {
-  std::string name = utf8FromPath(pathForCalls(file_));
+  std::string name = utf8FromPath(extendedLengthPath(file_));
   int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX;
   const FileState before = state();
   if (usesWriteAheadLog(file_)) {
@@ -101,7 +101,7 @@ void SqliteDatabase::open() {
     if (logIsEmpty)
       relyingOn_ = before;  // all is in the file itself, and the engine trusts that nobody writes to it meanwhile
     else if (!std::filesystem::exists(files::status(beside(file_, "-shm"), missing)))
-      throw settings::explainedError(SQLITE_READONLY_RECOVERY, "db.logUnread",
+      throw settings::localizedError(SQLITE_READONLY_RECOVERY, "db.logUnread",
                                      {utf8FromPath(file_), utf8FromPath(log)});
     name = fileUri(file_, logIsEmpty ? "?mode=ro&immutable=1" : "?mode=ro&readonly_shm=1");
     flags |= SQLITE_OPEN_URI;
@@ -179,7 +179,7 @@ SqliteStatement SqliteDatabase::prepare(const std::string& text, std::size_t& st
   if (statement && sqlite3_stmt_readonly(compiled) == 0) throw refusal(std::string_view(text).substr(start));
   if (statement && sqlite3_bind_parameter_count(compiled) > 0) {
     const char* const name = sqlite3_bind_parameter_name(compiled, 1);
-    throw settings::explainedError(SQLITE_ERROR, "db.parameterWithoutValue",
+    throw settings::localizedError(SQLITE_ERROR, "db.parameterWithoutValue",
                                    {name == nullptr ? "?" : name, utf8FromPath(file_)});
   }
   start = static_cast<std::size_t>(rest - text.data());
@@ -206,7 +206,7 @@ std::string SqliteDatabase::tableOrder(const std::string& table) {
 Error SqliteDatabase::refusal(std::string_view statement) const {
   std::string what = guard_.refused().empty() ? firstWord(statement) : guard_.refused();
   if (what.empty()) what = "this";
-  return settings::explainedError(SQLITE_AUTH, "db.readOnly", {what, utf8FromPath(file_)});
+  return settings::localizedError(SQLITE_AUTH, "db.readOnly", {what, utf8FromPath(file_)});
 }
 
 Error SqliteDatabase::error(int code) const {
@@ -217,7 +217,7 @@ Error SqliteDatabase::error(int code) const {
   const int number = fromHandle ? sqlite3_extended_errcode(handle_.get()) : code;
   if ((number & 0xff) == SQLITE_AUTH) return refusal({});
   if ((number & 0xff) == SQLITE_READONLY)
-    return settings::explainedError(number, "db.changeInterrupted", {utf8FromPath(file_)});
+    return settings::localizedError(number, "db.changeInterrupted", {utf8FromPath(file_)});
   return {number, std::string(fromHandle ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code)) + " (" +
                       utf8FromPath(file_) + ")"};
 }
@@ -226,13 +226,13 @@ SqliteDatabase::FileState SqliteDatabase::state() const {
   std::error_code failure;
   FileState now;
   now.size = files::size(file_, failure);
-  now.written = files::writtenAt(file_, failure);
+  now.written = files::lastWriteTime(file_, failure);
   return now;
 }
 
 void SqliteDatabase::checkUnchanged() const {
   if (relyingOn_ && *relyingOn_ != state())
-    throw settings::explainedError(SQLITE_BUSY_SNAPSHOT, "db.changedMeanwhile", {utf8FromPath(file_)});
+    throw settings::localizedError(SQLITE_BUSY_SNAPSHOT, "db.changedMeanwhile", {utf8FromPath(file_)});
 }
 
 }  // namespace korvel::db

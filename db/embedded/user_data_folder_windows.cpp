@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "base/error.h"
+#include "base/system_errors.h"
 #include "db/embedded/user_data_folder.h"
 
 namespace korvel::db {

@@ -8,7 +8,7 @@ namespace korvel::db::net {
 
 void refuseAuthorities(const std::string& file) {
   constexpr std::int32_t invalidParameter = 87;
-  throw settings::explainedError(invalidParameter, "failure.noAuthorities", {file});
+  throw settings::localizedError(invalidParameter, "failure.noAuthorities", {file});
 }
 
 }  // namespace korvel::db::net

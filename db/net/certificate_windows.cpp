@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "base/wide_text_windows.h"
 #include "db/net/authorities.h"
 
@@ -44,7 +44,7 @@ int addCertificates(HCERTSTORE store, const std::string& file) {
   constexpr std::string_view end = "-----END CERTIFICATE-----";
   std::string text;
   try {
-    text = readWholeFile(pathFromUtf8(file));
+    text = readFile(pathFromUtf8(file));
   } catch (const Error&) {
     return 0;
   }
@@ -108,7 +108,7 @@ std::string problemOf(const Certificate& certificate, const std::string& host, c
   const Chain chain = chainOf(certificate, engine.get(), deadline);
   if (!chain) return lastMessage();
 
-  std::wstring name = anyWideFromUtf8(host);
+  std::wstring name = lossyWideFromUtf8(host);
   SSL_EXTRA_CERT_CHAIN_POLICY_PARA server{};
   server.cbSize = sizeof server;
   server.dwAuthType = AUTHTYPE_SERVER;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/system_errors.h"
 #include "db/net/loose_thread.h"
 
 namespace korvel::db::net {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/system_errors.h"
 #include "db/net/run_beside.h"
 #include "db/net/socket_calls.h"
 

@@ -155,7 +155,7 @@ Lookup lookUp(const std::string& host, std::uint16_t port) {
   Lookup lookup;
   lookup.entry.fullName = host;
   ADDRINFOW* found = nullptr;
-  lookup.error = ::GetAddrInfoW(anyWideFromUtf8(host).c_str(), std::to_wstring(port).c_str(), &hints, &found);
+  lookup.error = ::GetAddrInfoW(lossyWideFromUtf8(host).c_str(), std::to_wstring(port).c_str(), &hints, &found);
   if (lookup.error != 0 || found == nullptr) return lookup;
   const std::unique_ptr<ADDRINFOW, decltype(&::FreeAddrInfoW)> owner(found, &::FreeAddrInfoW);
   for (const ADDRINFOW* address = found; address != nullptr; address = address->ai_next) {

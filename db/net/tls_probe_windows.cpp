@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/system_errors.h"
 #include "base/wide_text_windows.h"
 #include "db/net/certificate_windows.h"
 #include "db/net/packet.h"
@@ -70,7 +71,7 @@ class Token {
 class Handshake {
  public:
   Handshake(const Socket& socket, const std::string& host, const Deadline& deadline)
-      : socket_(socket), host_(anyWideFromUtf8(host)), deadline_(deadline) {}
+      : socket_(socket), host_(lossyWideFromUtf8(host)), deadline_(deadline) {}
   ~Handshake() {
     if (begun_) ::DeleteSecurityContext(&context_);
   }

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvel::db {
@@ -18,11 +19,8 @@ std::string setting(const settings::Registry& registry, const std::string& name)
 
 void readSeconds(const settings::Registry& registry, const std::string& name, long least,
                  std::chrono::seconds& seconds) {
-  const std::string text = setting(registry, name);
-  long value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc{} && end == text.data() + text.size() && value >= least && value <= longestTimeout)
-    seconds = std::chrono::seconds(value);
+  const auto value = parseInteger<long>(setting(registry, name));
+  if (value && *value >= least && *value <= longestTimeout) seconds = std::chrono::seconds(*value);
 }
 
 }  // namespace

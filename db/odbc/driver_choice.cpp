@@ -42,7 +42,7 @@ Driver chooseDriver(const std::vector<std::string>& installed, std::string_view 
                                     [&](const std::string& name) { return equalsIgnoringAsciiCase(name, known.name); });
     if (found != installed.end()) return {*found, known.family, true};
   }
-  throw settings::explainedError(driverNotFound, "failure.noDriver");
+  throw settings::localizedError(driverNotFound, "failure.noDriver");
 }
 
 }  // namespace korvel::db::odbc

@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
+#include "base/system_errors.h"
 #include "db/odbc/driver_configuration.h"
 #include "db/odbc/driver_platform.h"
 
@@ -42,7 +43,7 @@ DriverConfiguration::DriverConfiguration(const LoginRequest& request) {
   folder_ = name;
   const auto file = folder_ / "server.conf";
   try {
-    writeWholeFile(file, text);
+    writeFileAtomically(file, text);
   } catch (...) {
     removeFolder();
     throw;

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "db/odbc/odbc_text.h"
+#include "base/utf16.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db::odbc {
@@ -30,7 +30,7 @@ bool canBeQuoted(std::string_view value) {
 std::string joined(const Attributes& attributes) {
   std::string text;
   for (const auto& [key, value] : attributes) {
-    if (!canBeQuoted(value)) throw settings::explainedError(invalidParameter, "failure.notInConnection", {value});
+    if (!canBeQuoted(value)) throw settings::localizedError(invalidParameter, "failure.notInConnection", {value});
     text += key;
     text += "={";
     text += value;
@@ -44,7 +44,7 @@ Attributes freeTdsAttributes(const LoginRequest& request, const DriverPlatform& 
   if (needsConfiguration(request)) {
     // Without our section it would read somebody else's, which may ask for less, or trust everybody.
     if (!platform.givesConfiguration)
-      throw settings::explainedError(invalidParameter, "failure.driverChecksNothing", {request.driver.name});
+      throw settings::localizedError(invalidParameter, "failure.driverChecksNothing", {request.driver.name});
     attributes.emplace_back("Servername", request.address.host);
   } else {
     // Host and port apart: together they would leave a NUL in the server name of the login.
@@ -62,7 +62,7 @@ Attributes commonVendorAttributes(const LoginRequest& request, const DriverPlatf
   const ConnectionOptions& options = request.options;
   // This driver knows the system's authorities only, and would refuse the server without a word about the setting.
   if (options.encrypt && !options.trustServerCertificate && !options.certificateAuthorities.empty())
-    throw settings::explainedError(
+    throw settings::localizedError(
         invalidParameter,
         platform.givesConfiguration ? "failure.authoritiesNotForDriver" : "failure.authoritiesNotForSystem",
         {request.driver.name});
@@ -84,7 +84,7 @@ Attributes vendorAttributes(const LoginRequest& request, const DriverPlatform& p
 Attributes oldVendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   // It would take the word for a mistake and connect to the primary: readers were to be kept off that.
   if (request.options.readOnlyIntent)
-    throw settings::explainedError(invalidParameter, "failure.noIntentForDriver", {request.driver.name});
+    throw settings::localizedError(invalidParameter, "failure.noIntentForDriver", {request.driver.name});
   Attributes attributes = commonVendorAttributes(request, platform);
   attributes.emplace_back("Network", "DBMSSOCN");
   return attributes;
@@ -112,8 +112,8 @@ std::string driverText(const LoginRequest& request) {
 }
 
 std::string driverTextOn(const DriverPlatform& platform, const LoginRequest& request) {
-  if (toUtf16(request.database).size() > longestName)
-    throw settings::explainedError(invalidParameter, "failure.notInConnection", {request.database});
+  if (utf16FromUtf8(request.database).size() > longestName)
+    throw settings::localizedError(invalidParameter, "failure.notInConnection", {request.database});
   Attributes attributes = attributesOf(request, platform);
   attributes.insert(attributes.begin(), {"Driver", request.driver.name});
   if (!request.database.empty()) attributes.emplace_back("Database", request.database);
@@ -134,7 +134,7 @@ bool checksCertificates(const LoginRequest& request) {
 std::string freeTdsConfiguration(const LoginRequest& request) {
   const std::string& file = request.options.certificateAuthorities;
   if (std::any_of(file.begin(), file.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20U; }))
-    throw settings::explainedError(invalidParameter, "failure.notInConnection", {file});
+    throw settings::localizedError(invalidParameter, "failure.notInConnection", {file});
   return "[" + request.address.host + "]\n\thost = " + request.address.host +
          "\n\tport = " + std::to_string(request.address.port) +
          "\n\ttds version = 7.4\n\tencryption = require\n\tca file = " + (file.empty() ? "system" : file) +

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/numbers.h"
 #include "db/net/socket.h"
 #include "db/odbc/driver_sockets.h"
 
@@ -81,12 +82,8 @@ std::set<int> connectionsTo(std::uint16_t port, Connecting connectingOnes = Conn
   const std::unique_ptr<DIR, int (*)(DIR*)> folder(::opendir("/proc/self/fd"), &::closedir);
   if (!folder) return found;
   while (const dirent* entry = ::readdir(folder.get())) {
-    const std::string_view name = entry->d_name;
-    int descriptor = -1;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), descriptor);
-    if (error == std::errc{} && end == name.data() + name.size() &&
-        (peerPortOf(descriptor) == port || isConnecting(descriptor)))
-      found.insert(descriptor);
+    const auto descriptor = parseInteger<int>(entry->d_name);
+    if (descriptor && (peerPortOf(*descriptor) == port || isConnecting(*descriptor))) found.insert(*descriptor);
   }
   return found;
 }

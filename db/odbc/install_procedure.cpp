@@ -39,7 +39,7 @@ void requireAuditTable(const Run& run) {
   try {
     run(auditTableProbe);
   } catch (const Error& error) {
-    if (error.number() == nameUnknownNumber) throw settings::explainedError(error.number(), "failure.tableMissing");
+    if (error.number() == nameUnknownNumber) throw settings::localizedError(error.number(), "failure.tableMissing");
     if (error.number() != rightMissingNumber) throw;
   }
 }
@@ -83,7 +83,7 @@ void installQueryAudits(Connection& connection) {
 }
 
 void installQueryAudits(const std::string& server, const std::string& database, const odbc::ServerAccess& access) {
-  if (isEmbeddedServer(server)) throw settings::explainedError(ENOTSUP, "failure.procedureBuiltIn");
+  if (isEmbeddedServer(server)) throw settings::localizedError(ENOTSUP, "failure.procedureBuiltIn");
   installQueryAudits(*odbc::openServer(server, database, access));
 }
 

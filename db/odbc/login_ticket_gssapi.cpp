@@ -50,13 +50,13 @@ std::string messageOf(OM_uint32 code, int type) {
   const auto* const reason =
       std::find_if(reasons.begin(), reasons.end(), [&](const Reason& entry) { return entry.minor == number; });
   if (GSS_ROUTINE_ERROR(major) == GSS_S_CREDENTIALS_EXPIRED)
-    throw settings::explainedError(loginFailed, "failure.ticketExpired", {servicePrincipal});
+    throw settings::localizedError(loginFailed, "failure.ticketExpired", {servicePrincipal});
   if (reason != reasons.end())
-    throw settings::explainedError(loginFailed, std::string(reason->textKey), {servicePrincipal});
+    throw settings::localizedError(loginFailed, std::string(reason->textKey), {servicePrincipal});
   if (GSS_ROUTINE_ERROR(major) == GSS_S_NO_CRED)
-    throw settings::explainedError(loginFailed, "failure.noTicket", {servicePrincipal});
+    throw settings::localizedError(loginFailed, "failure.noTicket", {servicePrincipal});
   const std::string detail = number != 0 ? messageOf(minor, GSS_C_MECH_CODE) : messageOf(major, GSS_C_GSS_CODE);
-  throw settings::explainedError(loginFailed, "failure.loginService", {servicePrincipal, detail});
+  throw settings::localizedError(loginFailed, "failure.loginService", {servicePrincipal, detail});
 }
 
 /// The names and buffers that the login library hands out, given back by destruction.
@@ -100,7 +100,7 @@ void getTicket(const std::string& servicePrincipal) {
   OM_uint32 major = gss_acquire_cred(&minor, GSS_C_NO_NAME, GSS_C_INDEFINITE, GSS_C_NO_OID_SET, GSS_C_INITIATE,
                                      &credentials.id, nullptr, &lifetime);
   if (GSS_ERROR(major)) refuse(major, minor, servicePrincipal);
-  if (lifetime == 0) throw settings::explainedError(loginFailed, "failure.ticketExpired", {servicePrincipal});
+  if (lifetime == 0) throw settings::localizedError(loginFailed, "failure.ticketExpired", {servicePrincipal});
 
   ServiceName service;
   std::string text = servicePrincipal;
@@ -120,7 +120,7 @@ TicketState requireTicket(const std::string& servicePrincipal, const net::Deadli
   // The login library waits for silent login services as long as it likes.
   std::future<void> answer = net::runBeside([servicePrincipal] { getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
-    throw settings::explainedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
+    throw settings::localizedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
   answer.get();
   return TicketState::valid;
 }

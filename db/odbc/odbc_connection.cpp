@@ -8,11 +8,11 @@
 #include <optional>
 #include <utility>
 
+#include "base/utf16.h"
 #include "db/odbc/driver_configuration.h"
 #include "db/odbc/odbc_diagnostics.h"
 #include "db/odbc/odbc_failures.h"
 #include "db/odbc/odbc_row_reader.h"
-#include "db/odbc/odbc_text.h"
 
 namespace korvel::db::odbc {
 
@@ -109,7 +109,7 @@ void OdbcConnection::logIn(const LoginRequest& request, const std::string& text,
   SQLSetConnectAttrW(handle, SQL_ATTR_LOGIN_TIMEOUT, asAttribute(std::chrono::ceil<std::chrono::seconds>(left)),
                      SQL_IS_UINTEGER);
   const DriverConfiguration configuration(request);
-  std::u16string wide = toUtf16(text);
+  std::u16string wide = utf16FromUtf8(text);
   const SQLRETURN result = SQLDriverConnectW(handle, nullptr, asWide(wide), static_cast<SQLSMALLINT>(wide.size()),
                                              nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
   if (!SQL_SUCCEEDED(result)) throw DriverFailure(diagnosticsOf(SQL_HANDLE_DBC, handle));
@@ -186,7 +186,7 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   // From the watching thread: while the driver is busy inside a call, this is what it hears.
   const DriverWatch::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
-  std::u16string text = toUtf16(commandText);
+  std::u16string text = utf16FromUtf8(commandText);
   SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
   // A statement that has changed no row may answer so; its batch goes on behind it.
   if (result == SQL_NO_DATA) result = SQLMoreResults(handle);

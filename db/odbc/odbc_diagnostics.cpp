@@ -7,7 +7,7 @@
 #include <array>
 #include <string_view>
 
-#include "db/odbc/odbc_text.h"
+#include "base/utf16.h"
 
 namespace korvel::db::odbc {
 
@@ -87,9 +87,9 @@ std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle) 
     }
     if (!SQL_SUCCEEDED(result)) return diagnostics;
     Diagnostic diagnostic;
-    diagnostic.state = toUtf8({reinterpret_cast<const char16_t*>(state.data()), 5});
+    diagnostic.state = utf8FromUtf16({reinterpret_cast<const char16_t*>(state.data()), 5});
     diagnostic.number = number;
-    diagnostic.message = withoutComponents(toUtf8(units(message, length)));
+    diagnostic.message = withoutComponents(utf8FromUtf16(units(message, length)));
     if (number != 0) {
       const auto severity = serversNumber(handleType, handle, record, diagnosticSeverity);
       const auto serversState = serversNumber(handleType, handle, record, diagnosticMessageState);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "db/odbc/odbc_text.h"
+#include "base/utf16.h"
 
 namespace korvel::db::odbc {
 
@@ -21,7 +21,7 @@ std::vector<std::string> installedDrivers(const Environment& environment) {
                     attributes.data(), static_cast<SQLSMALLINT>(attributes.size()), &attributesLength);
     if (!SQL_SUCCEEDED(result)) return names;
     const auto units = std::min<std::size_t>(static_cast<std::size_t>(nameLength), name.size() - 1);
-    names.push_back(toUtf8({reinterpret_cast<const char16_t*>(name.data()), units}));
+    names.push_back(utf8FromUtf16({reinterpret_cast<const char16_t*>(name.data()), units}));
   }
 }
 

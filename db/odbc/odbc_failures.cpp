@@ -67,20 +67,20 @@ std::string shownAddress(const ServerAddress& address) {
 }
 
 Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request, bool timedOut) {
-  using settings::explainedError;
+  using settings::localizedError;
   const std::string server = shownAddress(request.address);
   if (firstOf(diagnostics, [](const Diagnostic& d) { return d.number == databaseCannotBeOpened; }) != nullptr)
-    return explainedError(databaseCannotBeOpened, "failure.databaseRefused", {server, request.database});
+    return localizedError(databaseCannotBeOpened, "failure.databaseRefused", {server, request.database});
   if (const Diagnostic* const unusable = firstOf(diagnostics, tellsOfUnusableDriver))
-    return explainedError(driverNotFound, "failure.driverUnusable", {request.driver.name, unusable->message});
+    return localizedError(driverNotFound, "failure.driverUnusable", {request.driver.name, unusable->message});
   const Diagnostic* const refused = firstOf(diagnostics, [](const Diagnostic& d) {
     return std::find(refusedLogins.begin(), refusedLogins.end(), d.number) != refusedLogins.end();
   });
-  if (refused != nullptr) return explainedError(refused->number, "failure.loginRefused", {server, refused->message});
+  if (refused != nullptr) return localizedError(refused->number, "failure.loginRefused", {server, refused->message});
   if (const Diagnostic* const said = firstOf(diagnostics, isServersWord)) return {said->number, said->message};
   if (timedOut || firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfTimeout(); }) != nullptr)
-    return explainedError(timeoutExpired, "failure.loginSilent", {server});
-  return explainedError(connectionLost, "failure.loginBroken", {server, lossOf(diagnostics)});
+    return localizedError(timeoutExpired, "failure.loginSilent", {server});
+  return localizedError(connectionLost, "failure.loginBroken", {server, lossOf(diagnostics)});
 }
 
 std::optional<ServerEvent> eventOfFailure(const std::vector<Diagnostic>& diagnostics, const Error& failure) {
@@ -96,14 +96,14 @@ std::optional<ServerEvent> eventOfFailure(const std::vector<Diagnostic>& diagnos
 
 Error commandFailure(const std::vector<Diagnostic>& diagnostics, const ServerAddress& address,
                      std::chrono::seconds timeout, bool timedOut) {
-  using settings::explainedError;
+  using settings::localizedError;
   if (const Diagnostic* const said = firstOf(diagnostics, isServersWord))
     return {said->number, said->message, said->line};
   if (timedOut || firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfTimeout(); }) != nullptr)
-    return explainedError(timeoutExpired, "failure.commandTimeout",
+    return localizedError(timeoutExpired, "failure.commandTimeout",
                           {shownAddress(address), std::to_string(timeout.count())});
   if (firstOf(diagnostics, [](const Diagnostic& d) { return d.tellsOfLostConnection(); }) != nullptr)
-    return explainedError(connectionLost, "failure.connectionLost", {shownAddress(address), lossOf(diagnostics)});
+    return localizedError(connectionLost, "failure.connectionLost", {shownAddress(address), lossOf(diagnostics)});
   if (const Diagnostic* const error = firstOf(diagnostics, [](const Diagnostic& d) { return !d.isInformation(); }))
     return {unspecifiedFailure, error->message};
   return {unspecifiedFailure, lossOf(diagnostics)};

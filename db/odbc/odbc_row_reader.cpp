@@ -8,10 +8,9 @@
 #include <cstdint>
 #include <string_view>
 
-#include "db/hex_text.h"
-#include "db/number_text.h"
+#include "base/numbers.h"
+#include "base/utf16.h"
 #include "db/odbc/odbc_diagnostics.h"
-#include "db/odbc/odbc_text.h"
 
 namespace korvel::db::odbc {
 
@@ -80,7 +79,7 @@ void RowReader::describe(SQLUSMALLINT column) {
     name.resize(static_cast<std::size_t>(length) + 1);
     ask();
   }
-  fields_.push_back({toUtf8({reinterpret_cast<const char16_t*>(name.data()), static_cast<std::size_t>(length)}),
+  fields_.push_back({utf8FromUtf16({reinterpret_cast<const char16_t*>(name.data()), static_cast<std::size_t>(length)}),
                      kindOf(type), nullable != SQL_NO_NULLS});
   decimals_.push_back(digits);
   switch (type) {
@@ -165,7 +164,7 @@ void RowReader::addLeadingZero(std::size_t begin) {
 
 bool RowReader::readWide(SQLUSMALLINT column) {
   const auto append = [&](std::size_t units) {
-    char* const begin = room(units * mostUtf8BytesOfUnit);
+    char* const begin = room(units * maxUtf8BytesPerUnit);
     textSize_ += static_cast<std::size_t>(writeUtf8({buffer_.data(), units}, begin) - begin);
   };
   // A character outside the basic plane may be cut in two at the end of a part; its first half waits at the front.

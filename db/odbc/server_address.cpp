@@ -37,7 +37,7 @@ ServerName parseServerName(std::string_view name) {
   ServerName server;
   if (const auto comma = rest.find(','); comma != std::string_view::npos) {
     server.port = parsePort(trimBlanks(rest.substr(comma + 1)));
-    if (!server.port) throw settings::explainedError(invalidParameter, "failure.noPort", {std::string(name)});
+    if (!server.port) throw settings::localizedError(invalidParameter, "failure.noPort", {std::string(name)});
     rest = rest.substr(0, comma);
   }
   if (const auto backslash = rest.find('\\'); backslash != std::string_view::npos) {
@@ -50,7 +50,7 @@ ServerName parseServerName(std::string_view name) {
     server.host = "localhost";
     return server;
   }
-  if (!isHostName(host)) throw settings::explainedError(invalidParameter, "failure.noHostName", {std::string(name)});
+  if (!isHostName(host)) throw settings::localizedError(invalidParameter, "failure.noHostName", {std::string(name)});
   server.host = host;
   return server;
 }

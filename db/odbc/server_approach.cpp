@@ -27,7 +27,7 @@ auto explained(const char* silentKey, const char* failedKey, const std::string& 
     return step();
   } catch (const Error& error) {
     if (!error.textKey().empty()) throw;
-    throw settings::explainedError(error.number(), net::isTimeout(error.number()) ? silentKey : failedKey,
+    throw settings::localizedError(error.number(), net::isTimeout(error.number()) ? silentKey : failedKey,
                                    {what, error.description()});
   }
 }
@@ -92,13 +92,13 @@ void ServerApproach::encrypt() {
   const ConnectionOptions& options = access_.options;
   const std::string shown = shownAddress(address_);
   if (options.encrypt && greeting_.encryption == net::ServerEncryption::notSupported)
-    throw settings::explainedError(encryptionNotSupported, "failure.noEncryption", {shown});
+    throw settings::localizedError(encryptionNotSupported, "failure.noEncryption", {shown});
   if (options.encrypt && !options.trustServerCertificate) {
     handshake_ = explained("failure.serverSilent", "failure.handshake", shown, [&] {
       return net::shakeHands(*socket_, address_.host, options.certificateAuthorities, deadline_);
     });
     if (!handshake_->problem.empty())
-      throw settings::explainedError(untrustedRoot, "failure.certificate", {shown, handshake_->problem});
+      throw settings::localizedError(untrustedRoot, "failure.certificate", {shown, handshake_->problem});
   }
   socket_.reset();
 }

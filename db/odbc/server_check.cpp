@@ -119,9 +119,9 @@ FirstValueSink explainedAnswer(Connection& connection, std::string_view command,
   try {
     return answerOf(connection, command);
   } catch (const Error& error) {
-    if (tellsOfMissingTable(error)) throw settings::explainedError(error.number(), tableMissing.sentence);
+    if (tellsOfMissingTable(error)) throw settings::localizedError(error.number(), tableMissing.sentence);
     for (const Remedy& remedy : remedies)
-      if (error.number() == remedy.number) throw settings::explainedError(remedy.number, remedy.sentence);
+      if (error.number() == remedy.number) throw settings::localizedError(remedy.number, remedy.sentence);
     throw;
   }
 }
@@ -180,8 +180,8 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, std::string data
                      std::error_code error;
                      const auto status = files::status(folder, error);
                      if (std::filesystem::exists(status) && !std::filesystem::is_directory(status))
-                       throw folderFailure(folder, systemNumber(std::errc::not_a_directory));
-                     if (error) throw folderFailure(folder, systemNumber(error));
+                       throw folderFailure(folder, systemErrorNumber(std::errc::not_a_directory));
+                     if (error) throw folderFailure(folder, systemErrorNumber(error));
                      return Found{"check.name.embedded", {utf8FromPath(folder)}};
                    }});
   if (database.empty())
@@ -249,7 +249,7 @@ std::string checkTitle(const CheckStep& step, const settings::LanguageOffset& of
 std::string checkDetail(const CheckStep& step, const settings::LanguageOffset& offset) {
   if (step.failure) return std::to_string(step.failure->number()) + ": " + settings::describe(*step.failure, offset);
   if (step.outcome == CheckOutcome::notReached) return std::string(settings::ownText("check.notReached", offset));
-  return settings::describe(settings::explainedError(0, step.detailKey, step.detailArguments), offset);
+  return settings::describe(settings::localizedError(0, step.detailKey, step.detailArguments), offset);
 }
 
 std::vector<CheckStep> checkServer(const std::string& server, const std::string& database,

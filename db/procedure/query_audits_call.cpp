@@ -3,6 +3,7 @@
 #include <bitset>
 
 #include "base/error.h"
+#include "base/numbers.h"
 #include "base/text.h"
 
 namespace korvel::db {
@@ -23,9 +24,6 @@ enum Refusal : std::int32_t {
   unknownParameter = 8145
 };
 
-constexpr bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 constexpr bool startsWord(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '#' ||
          static_cast<unsigned char>(c) >= 0x80;

@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/system_errors.h"
 #include "output/pages/cell_text.h"
 #include "output/pages/column_widths.h"
 #include "output/pages/page_painter.h"
-#include "output/windows_error.h"
 
 namespace korvel::output::pages {
 
@@ -100,7 +100,7 @@ bool ReportFlow::draw(const PageSelection& selection) {
   for (const QPageRanges::Range& span : spans) toDraw_ += (span.to - span.from + 1) * copies;
 
   QPainter painter;
-  if (!painter.begin(&device_)) throw windowsError(errorDeviceUnavailable);
+  if (!painter.begin(&device_)) throw fileError(FileError::deviceUnavailable);
   PagePainter out(painter);
   out_ = &out;
   painted_ = 0;
@@ -111,7 +111,7 @@ bool ReportFlow::draw(const PageSelection& selection) {
   } catch (const Cancelled&) {
     return false;
   }
-  if (!painter.end()) throw windowsError(errorDeviceInputOutput);
+  if (!painter.end()) throw fileError(FileError::deviceInputOutput);
   return true;
 }
 
@@ -277,7 +277,7 @@ void ReportFlow::beginPage() {
 void ReportFlow::endPage() {
   if (out_ == nullptr) return;
   for (int copy = 0; copy < pageCopies_; ++copy) {
-    if (painted_++ > 0 && !device_.newPage()) throw windowsError(errorDeviceInputOutput);
+    if (painted_++ > 0 && !device_.newPage()) throw fileError(FileError::deviceInputOutput);
     out_->paint();
     ++drawn_;
     report(drawn_);

@@ -47,7 +47,7 @@ struct PaintedPages {
 /// its column headers in the section's font on each of them. Nothing is cut: lines are wrapped, rows that are higher
 /// than a page go on on the next, columns for which there is no room stand on further sheets. A selection without a
 /// page of the report leaves the device alone. Takes the memory of one page and one row. What the source throws comes
-/// through. Needs a QGuiApplication. A device that cannot be painted on is Error with errorDeviceUnavailable.
+/// through. Needs a QGuiApplication. A device that cannot be painted on is Error with FileError::deviceUnavailable.
 PaintedPages paintReport(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts,
                          Orientation orientation = Orientation::asFits, const PageProgress& progress = {},
                          const PageSelection& selection = {});

@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/system_errors.h"
 #include "output/pages/pdf.h"
 #include "output/pages/report_flow.h"
-#include "output/windows_error.h"
 
 namespace korvel::output::pages {
 
@@ -53,7 +53,7 @@ QSizeF ReportSheets::pageSize() const {
 QImage ReportSheets::picture(int page, qreal dotsPerInch) {
   const QSizeF size = pageSize() * dotsPerInch / pointsPerInch;
   QImage picture(std::max(1, qRound(size.width())), std::max(1, qRound(size.height())), QImage::Format_RGB32);
-  if (picture.isNull()) throw windowsError(errorOutOfMemory);
+  if (picture.isNull()) throw fileError(FileError::outOfMemory);
   picture.fill(Qt::white);
   // Fonts are as large as on the device that the pages were laid out for; the painter makes them small again.
   const int metre = qRound(device_->logicalDpiX() * inchesPerMetre);

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "base/wide_text_windows.h"
 #include "tests/support/deep_folder.h"
 #include "tests/support/locked_file_windows.h"
@@ -32,15 +32,15 @@ TEST(Paths, ThatAreNoTextAreShownAllTheSame) {
 
 TEST(Paths, ForCallsAreAsTheyAreUntilTheyAreLong) {
   const std::wstring part(60, L'x');
-  EXPECT_EQ(pathForCalls(L"C:\\a b\\c.txt").native(), L"C:\\a b\\c.txt");
-  EXPECT_EQ(pathForCalls(L"NUL").native(), L"NUL");
+  EXPECT_EQ(extendedLengthPath(L"C:\\a b\\c.txt").native(), L"C:\\a b\\c.txt");
+  EXPECT_EQ(extendedLengthPath(L"NUL").native(), L"NUL");
   std::wstring deep = L"C:";
   for (int i = 0; i < 5; ++i) deep += L"/" + part;
-  EXPECT_TRUE(pathForCalls(deep).native().starts_with(L"\\\\?\\C:\\" + part + L"\\" + part));
+  EXPECT_TRUE(extendedLengthPath(deep).native().starts_with(L"\\\\?\\C:\\" + part + L"\\" + part));
   std::wstring network = L"\\\\server\\share";
   for (int i = 0; i < 5; ++i) network += L"\\" + part;
-  EXPECT_TRUE(pathForCalls(network).native().starts_with(L"\\\\?\\UNC\\server\\share\\" + part));
-  EXPECT_EQ(pathForCalls(pathForCalls(deep)), pathForCalls(deep));
+  EXPECT_TRUE(extendedLengthPath(network).native().starts_with(L"\\\\?\\UNC\\server\\share\\" + part));
+  EXPECT_EQ(extendedLengthPath(extendedLengthPath(deep)), extendedLengthPath(deep));
 }
 
 TEST(Files, InADeepFolderAreFilesLikeOthers) {
@@ -48,17 +48,17 @@ TEST(Files, InADeepFolderAreFilesLikeOthers) {
   const fs::path file = folder / pathFromUtf8("Bericht für Öl.txt");
   std::error_code failure;
   EXPECT_EQ(files::status(file, failure).type(), fs::file_type::not_found);
-  writeWholeFile(file, "one");
-  writeWholeFile(file, "two!");
-  EXPECT_EQ(readWholeFile(file), "two!");
+  writeFileAtomically(file, "one");
+  writeFileAtomically(file, "two!");
+  EXPECT_EQ(readFile(file), "two!");
   EXPECT_EQ(files::status(file, failure).type(), fs::file_type::regular);
   EXPECT_EQ(files::status(folder.path(), failure).type(), fs::file_type::directory);
   EXPECT_EQ(files::size(file, failure), 4U);
   EXPECT_FALSE(failure);
-  EXPECT_EQ(files::entries(folder.path(), failure), std::vector{file});
+  EXPECT_EQ(files::listFolder(folder.path(), failure), std::vector{file});
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(files::open(file, "rb"), std::fclose);
   EXPECT_TRUE(opened);
-  EXPECT_TRUE(files::areTheSame(file, folder.path() / "." / file.filename()));
+  EXPECT_TRUE(files::equivalent(file, folder.path() / "." / file.filename()));
 }
 
 TEST(Files, AreMadeNewOrNotAtAll) {
@@ -67,7 +67,7 @@ TEST(Files, AreMadeNewOrNotAtAll) {
   files::createNew(folder / "a", failure);
   EXPECT_FALSE(failure);
   files::createNew(folder / "a", failure);
-  EXPECT_TRUE(means(systemNumber(failure), std::errc::file_exists));
+  EXPECT_TRUE(isSystemError(systemErrorNumber(failure), std::errc::file_exists));
   files::rename(folder / "a", folder / "b", failure);
   EXPECT_FALSE(failure);
   files::remove(folder / "a", failure);
@@ -78,12 +78,12 @@ TEST(Files, AreMadeNewOrNotAtAll) {
 
 TEST(Files, AreNoFolders) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a", "x");
+  writeFileAtomically(folder / "a", "x");
   std::error_code failure;
-  EXPECT_TRUE(files::entries(folder / "a", failure).empty());
-  EXPECT_TRUE(means(systemNumber(failure), std::errc::not_a_directory)) << failure.value();
-  EXPECT_TRUE(files::entries(folder / "absent", failure).empty());
-  EXPECT_TRUE(means(systemNumber(failure), std::errc::no_such_file_or_directory)) << failure.value();
+  EXPECT_TRUE(files::listFolder(folder / "a", failure).empty());
+  EXPECT_TRUE(isSystemError(systemErrorNumber(failure), std::errc::not_a_directory)) << failure.value();
+  EXPECT_TRUE(files::listFolder(folder / "absent", failure).empty());
+  EXPECT_TRUE(isSystemError(systemErrorNumber(failure), std::errc::no_such_file_or_directory)) << failure.value();
 }
 
 TEST(Files, ThatArePipesAndDevicesAreNoFiles) {
@@ -112,15 +112,15 @@ TEST(Files, ThatAreLookedAtTakeNoPipesPlace) {
 
 TEST(Files, WithVerbatimNamesAreFiles) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a", "x");
+  writeFileAtomically(folder / "a", "x");
   std::error_code failure;
-  const fs::path verbatim = LR"(\\?\)" + wholeForm(folder / "a", failure).make_preferred().native();
+  const fs::path verbatim = LR"(\\?\)" + absolutePath(folder / "a", failure).make_preferred().native();
   EXPECT_EQ(files::status(verbatim, failure).type(), fs::file_type::regular) << verbatim;
 }
 
 TEST(Files, CanBeReplacedUnlessSomethingHindersIt) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a", "x");
+  writeFileAtomically(folder / "a", "x");
   std::error_code failure;
   files::checkReplaceable(folder / "absent", failure);
   EXPECT_FALSE(failure);
@@ -135,9 +135,9 @@ TEST(Files, CanBeReplacedUnlessSomethingHindersIt) {
 
 TEST(Files, TellWhenTheyWereWritten) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a", "x");
+  writeFileAtomically(folder / "a", "x");
   std::error_code failure;
-  const auto before = files::writtenAt(folder / "a", failure);
+  const auto before = files::lastWriteTime(folder / "a", failure);
   EXPECT_FALSE(failure);
   FILETIME other{};
   other.dwHighDateTime = 30'000'000;
@@ -146,18 +146,19 @@ TEST(Files, TellWhenTheyWereWritten) {
         CreateFileW((folder / "a").c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_NE(SetFileTime(file.get(), nullptr, nullptr, &other), 0);
   }
-  EXPECT_NE(files::writtenAt(folder / "a", failure), before);
+  EXPECT_NE(files::lastWriteTime(folder / "a", failure), before);
 }
 
 TEST(SystemErrors, CarryTheNumbersOfWindows) {
-  EXPECT_EQ(systemNumber(std::errc::no_such_file_or_directory), ERROR_FILE_NOT_FOUND);
-  EXPECT_TRUE(means(ERROR_PATH_NOT_FOUND, std::errc::no_such_file_or_directory));
-  EXPECT_EQ(systemNumber(std::make_error_code(std::errc::permission_denied)), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(systemNumber(std::error_code(ERROR_SHARING_VIOLATION, std::system_category())), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(systemErrorNumber(std::errc::no_such_file_or_directory), ERROR_FILE_NOT_FOUND);
+  EXPECT_TRUE(isSystemError(ERROR_PATH_NOT_FOUND, std::errc::no_such_file_or_directory));
+  EXPECT_EQ(systemErrorNumber(std::make_error_code(std::errc::permission_denied)), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(systemErrorNumber(std::error_code(ERROR_SHARING_VIOLATION, std::system_category())),
+            ERROR_SHARING_VIOLATION);
   errno = ENOSPC;
-  EXPECT_EQ(systemNumberOfErrno(std::errc::io_error), ERROR_DISK_FULL);
+  EXPECT_EQ(systemErrorNumberFromErrno(std::errc::io_error), ERROR_DISK_FULL);
   errno = 0;
-  EXPECT_EQ(systemNumberOfErrno(std::errc::io_error), ERROR_IO_DEVICE);
+  EXPECT_EQ(systemErrorNumberFromErrno(std::errc::io_error), ERROR_IO_DEVICE);
 }
 
 TEST(SystemErrors, HaveTheSystemsTexts) {

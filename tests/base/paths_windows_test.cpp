@@ -13,8 +13,8 @@ TEST(PathsOnWindows, ThatAreWholeStayAsTheyAre) {
   for (const wchar_t* whole : {LR"(\\server\share\x)", L"//server/share/x", LR"(\/server\share\x)", LR"(\\?\C:\x)",
                                LR"(\\?\UNC\server\share\x)", LR"(C:\x)", L"c:/x"}) {
     std::error_code failure;
-    EXPECT_TRUE(isWhole(whole)) << fs::path(whole);
-    EXPECT_EQ(wholeForm(whole, failure).native(), whole);
+    EXPECT_TRUE(isAbsolute(whole)) << fs::path(whole);
+    EXPECT_EQ(absolutePath(whole, failure).native(), whole);
     EXPECT_FALSE(failure);
   }
 }
@@ -22,8 +22,8 @@ TEST(PathsOnWindows, ThatAreWholeStayAsTheyAre) {
 TEST(PathsOnWindows, ThatAreRelativeLeadFromTheCurrentFolder) {
   std::error_code failure;
   const std::wstring here = fs::current_path().native();
-  EXPECT_EQ(wholeForm(L"a/b.db", failure).native(), here + (here.ends_with(L'\\') ? L"" : L"\\") + L"a\\b.db");
-  EXPECT_EQ(wholeForm(L"\\a", failure).native(), here.substr(0, 2) + L"\\a") << "of the current disk";
+  EXPECT_EQ(absolutePath(L"a/b.db", failure).native(), here + (here.ends_with(L'\\') ? L"" : L"\\") + L"a\\b.db");
+  EXPECT_EQ(absolutePath(L"\\a", failure).native(), here.substr(0, 2) + L"\\a") << "of the current disk";
   EXPECT_FALSE(failure);
 }
 

@@ -39,17 +39,17 @@ TEST(Text, ReplacesMalformedUtf8) {
 
 TEST(Text, TakesCharactersOneByOne) {
   std::string_view text = "\xE2\x82\xAC\xFFz";
-  EXPECT_EQ(takeCharacter(text), U'\u20AC');
-  EXPECT_EQ(takeCharacter(text), std::nullopt);
-  EXPECT_EQ(takeCharacter(text), U'z');
+  EXPECT_EQ(takeCodePoint(text), U'\u20AC');
+  EXPECT_EQ(takeCodePoint(text), std::nullopt);
+  EXPECT_EQ(takeCodePoint(text), U'z');
   EXPECT_TRUE(text.empty());
 }
 
 TEST(Text, AppendsCharacters) {
   std::string text;
-  appendCharacter(U'\u00E9', text);
-  appendCharacter(U'\U0001F600', text);
-  appendCharacter(char32_t{0xD800}, text);
+  appendCodePoint(U'\u00E9', text);
+  appendCodePoint(U'\U0001F600', text);
+  appendCodePoint(char32_t{0xD800}, text);
   EXPECT_EQ(text, "\xC3\xA9\xF0\x9F\x98\x80\xEF\xBF\xBD");
 }
 

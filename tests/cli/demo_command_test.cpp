@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
@@ -38,17 +38,17 @@ TEST_F(DemoCommand, UsesTheEmbeddedFolderWithoutAnother) {
 
 TEST_F(DemoCommand, KeepsWhatIsThereWithoutForce) {
   ASSERT_EQ(runTool({"demo", "--folder", at, "--rows", "50"}).status, exitDone);
-  const std::string before = readWholeFile(folder / "Korvel_Audit.db");
+  const std::string before = readFile(folder / "Korvel_Audit.db");
   const ToolRun refused = runTool({"demo", "--folder", at, "--rows", "60", "--seed", "2"});
   EXPECT_EQ(refused.status, exitOutput);
   EXPECT_NE(refused.err, "");
-  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), before);
+  EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), before);
   EXPECT_EQ(runTool({"demo", "--folder", at, "--rows", "60", "--seed", "2", "--force"}).status, exitDone);
-  EXPECT_NE(readWholeFile(folder / "Korvel_Audit.db"), before);
+  EXPECT_NE(readFile(folder / "Korvel_Audit.db"), before);
 }
 
 TEST_F(DemoCommand, FolderThatCannotBeMadeIsReported) {
-  writeWholeFile(folder / "file", "x");
+  writeFileAtomically(folder / "file", "x");
   const ToolRun tool = runTool({"demo", "--folder", (folder / "file/below").string(), "--rows", "10"});
   EXPECT_EQ(tool.status, exitOutput);
   EXPECT_NE(tool.err.find("korvel-audit: error "), std::string::npos) << tool.err;
@@ -103,17 +103,17 @@ TEST_F(DemoQuery, MissingDatabaseIsADatabaseFailure) {
 }
 
 TEST_F(DemoQuery, DamagedFileIsADatabaseFailure) {
-  writeWholeFile(folder / "Broken.db", "this is no database, however long it is read");
+  writeFileAtomically(folder / "Broken.db", "this is no database, however long it is read");
   const ToolRun tool = query({"--database", "Broken"});
   EXPECT_EQ(tool.status, exitDatabase);
   EXPECT_NE(tool.err.find("korvel-audit: database error "), std::string::npos) << tool.err;
 }
 
 TEST_F(DemoQuery, LeavesTheDatabaseAsItIs) {
-  const std::string before = readWholeFile(folder / "Korvel_Audit.db");
+  const std::string before = readFile(folder / "Korvel_Audit.db");
   query({});
   query({"--output", (folder / "Korvel_Audit.db").string()});
-  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), before);
+  EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), before);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), std::filesystem::directory_iterator()),
             2);
 }

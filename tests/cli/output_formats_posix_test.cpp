@@ -7,7 +7,7 @@
 #include <QString>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "cli/pdf_output.h"
 #include "tests/cli/output_formats_fixture.h"

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"

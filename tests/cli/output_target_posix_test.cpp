@@ -6,8 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 #include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 
@@ -26,7 +26,7 @@ TEST_F(OutputTarget, DeviceIsWrittenThroughAndStays) {
 TEST_F(OutputTarget, FailuresCarryTheNumberOfTheSystem) {
   EXPECT_EQ(failureOf(folder.path().string()), EISDIR);
   EXPECT_EQ(failureOf((folder / "absent/file").string()), ENOENT);
-  writeWholeFile(folder / "file", "x");
+  writeFileAtomically(folder / "file", "x");
   EXPECT_EQ(failureOf((folder / "file/below").string()), ENOTDIR);
 }
 

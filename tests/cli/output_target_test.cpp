@@ -6,9 +6,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 
@@ -25,36 +25,36 @@ TEST_F(OutputTarget, DashIsStandardOutput) {
 TEST_F(OutputTarget, FileIsReplacedWhole) {
   const fs::path file = folder / "file";
   write(file.string());
-  EXPECT_EQ(readWholeFile(file), "one two");
-  writeWholeFile(file, "a longer text than the new one");
+  EXPECT_EQ(readFile(file), "one two");
+  writeFileAtomically(file, "a longer text than the new one");
   write(file.string());
-  EXPECT_EQ(readWholeFile(file), "one two");
+  EXPECT_EQ(readFile(file), "one two");
   EXPECT_EQ(out.str(), "");
 }
 
 TEST_F(OutputTarget, FailureOnTheWayLeavesTheFileAsItWas) {
   const fs::path file = folder / "file";
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   EXPECT_THROW(writeTo(file.string(), out,
                        [](const output::ByteSink& sink) {
                          sink(std::string(1U << 20U, 'x'));
                          throw std::runtime_error("gone");
                        }),
                std::runtime_error);
-  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(readFile(file), "earlier");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 1)
       << "a temporary file is left";
 }
 
 TEST_F(OutputTarget, FoldersAndMissingOnesAreFailures) {
-  EXPECT_EQ(failureOf(folder.path().string()), systemNumber(std::errc::is_a_directory));
+  EXPECT_EQ(failureOf(folder.path().string()), systemErrorNumber(std::errc::is_a_directory));
   EXPECT_TRUE(means(failureOf((folder / "absent" / "file").string()), std::errc::no_such_file_or_directory));
 }
 
 TEST_F(OutputTarget, RecognisesADatabaseByItsFirstBytes) {
-  writeWholeFile(folder / "database", std::string("SQLite format 3\0", 16));
-  writeWholeFile(folder / "text", "SQLite format 3 is described here");
-  writeWholeFile(folder / "empty", "");
+  writeFileAtomically(folder / "database", std::string("SQLite format 3\0", 16));
+  writeFileAtomically(folder / "text", "SQLite format 3 is described here");
+  writeFileAtomically(folder / "empty", "");
   EXPECT_TRUE(isDatabaseFile(folder / "database"));
   for (const char* name : {"text", "empty", "absent", "."}) EXPECT_FALSE(isDatabaseFile(folder / name)) << name;
 }

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "tests/support/temporary_folder.h"
 
@@ -20,8 +20,8 @@ struct Program : testing::Test {
     const int result = std::system(command.c_str());  // NOLINT(cert-env33-c,concurrency-mt-unsafe)
     return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
   }
-  std::string out() { return readWholeFile(folder / "out"); }
-  std::string err() { return readWholeFile(folder / "err"); }
+  std::string out() { return readFile(folder / "out"); }
+  std::string err() { return readFile(folder / "err"); }
 
   test::TemporaryFolder folder;
 };
@@ -55,7 +55,7 @@ TEST_F(Program, AReaderThatLeavesIsNoFailure) {
                   "; echo $? >status; } | { exec <&-; echo >gone; }; rm gone"),
               0)
         << command;
-    EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitDone) + "\n") << command;
+    EXPECT_EQ(readFile(folder / "status"), std::to_string(exitDone) + "\n") << command;
     EXPECT_EQ(err(), "") << command;
   };
   leftAlone("audit query --quiet --format json");
@@ -74,7 +74,7 @@ TEST_F(Program, AnEndlessQueryEndsWithItsReader) {
   ASSERT_EQ(run("audit demo --rows 300"), exitDone) << err();
   EXPECT_EQ(run("{ audit sql " + std::string(endless) + " --format csv; echo $? >status; } | head -n 2"), 0);
   EXPECT_EQ(out(), "n\r\n1\r\n");
-  EXPECT_EQ(readWholeFile(folder / "status"), std::to_string(exitDone) + "\n");
+  EXPECT_EQ(readFile(folder / "status"), std::to_string(exitDone) + "\n");
   EXPECT_EQ(err(), "");
 }
 

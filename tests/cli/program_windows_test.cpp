@@ -9,8 +9,8 @@
 #include <string>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "base/wide_text_windows.h"
 #include "cli/console_buffer_windows.h"
 #include "cli/exit_status.h"
@@ -25,7 +25,7 @@ namespace {
 
 /// The program itself; its exit status.
 DWORD runProgram(const std::string& arguments) {
-  std::wstring line = anyWideFromUtf8("\"" KORVEL_AUDIT_PROGRAM "\" " + arguments);
+  std::wstring line = lossyWideFromUtf8("\"" KORVEL_AUDIT_PROGRAM "\" " + arguments);
   STARTUPINFOW start{};
   start.cb = sizeof start;
   PROCESS_INFORMATION process{};
@@ -46,7 +46,7 @@ TEST(ProgramOnWindows, TakesArgumentsOfAllLanguagesAndWritesBytesAsTheyAre) {
   ASSERT_EQ(runProgram("demo --rows 20 --folder \"" + data + "\""), DWORD{exitDone});
   ASSERT_EQ(runProgram("sql --server \"" + data + "\" --format csv --output \"" + output + "\" \"select 'ä€😀' as a\""),
             DWORD{exitDone});
-  EXPECT_EQ(readWholeFile(pathFromUtf8(output)), "a\r\nä€😀\r\n");
+  EXPECT_EQ(readFile(pathFromUtf8(output)), "a\r\nä€😀\r\n");
 }
 
 TEST(ProgramOnWindows, WritesThroughADevice) {

@@ -4,7 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "cli/output_formats.h"
 #include "tests/cli/query_command_fixture.h"
@@ -24,19 +24,19 @@ using test::ToolRun;
 
 TEST_F(QueryCommand, NeverReplacesADatabase) {
   const std::string bytes("SQLite format 3\0and pages", 25);
-  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  writeFileAtomically(folder / "Korvel_Audit.db", bytes);
   std::filesystem::create_symlink(folder / "Korvel_Audit.db", folder / "link");
   for (const char* name : {"Korvel_Audit.db", "link"}) {
     const ToolRun tool = run({"--output", (folder / name).string()});
     EXPECT_EQ(tool.status, exitWrongUsage) << name;
-    EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+    EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), bytes);
   }
   EXPECT_TRUE(server.opened.empty());
 }
 
 TEST_F(QueryCommand, NamesASettingsFileThatIsNotUnderstood) {
   const std::string settings = (folder / "settings.reg").string();
-  writeWholeFile(settings, "not a registry");
+  writeFileAtomically(settings, "not a registry");
   const test::EnvironmentVariable named("KORVEL_REGISTRY", settings);
   for (const char* command : {"query", "databases"}) {
     const ToolRun tool = test::runTool({command, "--server", "AUDITSRV"});
@@ -69,14 +69,14 @@ TEST_F(QueryCommand, ThePagesTellOfAlarmRowsOfAllDates) {
 
 TEST_F(QueryCommand, StoppedWhileItIsWrittenLeavesFilesAsTheyWere) {
   const test::SignalSetting heard(SIGINT, SIG_DFL);
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   server.onClose = [] { std::raise(SIGINT); };
   for (const OutputFormat& format : outputFormats()) {
     const test::ToolRun tool =
         run({"--quiet", "--format", std::string(format.name), "--output", (folder / "out").string()});
     EXPECT_EQ(tool.status, exitStopped) << format.name;
     EXPECT_EQ(tool.err, "korvel-audit: stopped\n") << format.name;
-    EXPECT_EQ(readWholeFile(folder / "out"), "earlier") << format.name;
+    EXPECT_EQ(readFile(folder / "out"), "earlier") << format.name;
   }
 }
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"
@@ -85,14 +85,14 @@ TEST_F(QueryCommand, NoRecordsIsReported) {
 }
 
 TEST_F(QueryCommand, EmptyListOfAFullAnswerIsNoRecordsToo) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   const ToolRun tool = run({"--list", "3", "--format", "json", "--output", (folder / "out").string()});
   EXPECT_EQ(tool.status, exitNoRecords);
   EXPECT_EQ(tool.out, "");
   EXPECT_NE(tool.err.find("list 0 (ALL Audits): 4 records\n"), std::string::npos);
   EXPECT_NE(tool.err.find("korvel-audit: list 3 (Document Control) is empty; nothing was written\n"),
             std::string::npos);
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
 }
 
 TEST_F(QueryCommand, FailureOfTheDatabaseIsReportedWithNumberAndText) {
@@ -104,12 +104,12 @@ TEST_F(QueryCommand, FailureOfTheDatabaseIsReportedWithNumberAndText) {
 }
 
 TEST_F(QueryCommand, FailureHalfWayWritesNothing) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   server.answer[0].breaksOff = [] { throw Error(10054, "connection reset"); };
   const ToolRun tool = run({"--output", (folder / "out").string()});
   EXPECT_EQ(tool.status, exitDatabase);
   EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
   EXPECT_EQ(run({}).out, "");
 }
 
@@ -157,7 +157,7 @@ TEST_F(QueryCommand, SaysWhatIsMissingFromAnAnswerThatCannotBeCompleted) {
 }
 
 TEST_F(QueryCommand, LeavesFilesAsTheyWereWhereCompletingFails) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
   server.refusesExecution = [&] {
     if (server.executed.size() > 1) throw Error(10054, "connection reset");
@@ -165,7 +165,7 @@ TEST_F(QueryCommand, LeavesFilesAsTheyWereWhereCompletingFails) {
   const ToolRun tool = run({"--complete", "--output", (folder / "out").string()});
   EXPECT_EQ(tool.status, exitDatabase);
   EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
 }
 
 TEST_F(QueryCommand, QuietLeavesOutTheCountsAndNothingElse) {
@@ -202,22 +202,22 @@ TEST_F(QueryCommand, ATargetThatCannotBeWrittenIsReportedBeforeTheQuery) {
 }
 
 TEST_F(QueryCommand, WhatHasNothingToWriteLeavesAFileAsItWas) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   EXPECT_EQ(run({"--list", "3", "--output", (folder / "out").string()}).status, exitNoRecords);
   server.refusesExecution = [] { throw Error(208, "Invalid object name"); };
   EXPECT_EQ(run({"--output", (folder / "out").string()}).status, exitDatabase);
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1) << "nothing stands beside it";
 }
 
 TEST_F(QueryCommand, WritesAFileWhole) {
   const std::string file = (folder / "out.csv").string();
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   const ToolRun tool = run({"--format", "csv", "--output", file});
   EXPECT_EQ(tool.status, exitDone);
   EXPECT_EQ(tool.out, "");
-  EXPECT_EQ(readWholeFile(file), run({"--format", "csv"}).out);
-  EXPECT_EQ(run({"--format", "csv", "--output", "-"}).out, readWholeFile(file));
+  EXPECT_EQ(readFile(file), run({"--format", "csv"}).out);
+  EXPECT_EQ(run({"--format", "csv", "--output", "-"}).out, readFile(file));
 }
 
 TEST_F(QueryCommand, FileThatCannotBeWrittenIsAnOutputFailure) {

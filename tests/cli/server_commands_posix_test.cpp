@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "demo/demo_database.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"

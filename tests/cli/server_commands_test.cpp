@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "demo/demo_database.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
@@ -69,7 +69,7 @@ TEST_F(ServerCommands, CheckNamesTheStepThatFailsAndThoseNotReached) {
 TEST_F(ServerCommands, PrintsTheProcedure) {
   const ToolRun run = runTool({"install-procedure", "--print"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out, readWholeFile(std::filesystem::path(KORVEL_SOURCE_DIR) / "sql" / "QueryAudits.sql"));
+  EXPECT_EQ(run.out, readFile(std::filesystem::path(KORVEL_SOURCE_DIR) / "sql" / "QueryAudits.sql"));
 }
 
 TEST_F(ServerCommands, InstallNeedsAServerAndADatabase) {

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::cli {
@@ -15,8 +15,8 @@ namespace {
 struct ServerPath : testing::Test {
   ServerPath() {
     std::filesystem::create_directory(folder / "data");
-    writeWholeFile(folder / "data" / "Plant.db", "");
-    writeWholeFile(folder / "data" / "notes.txt", "");
+    writeFileAtomically(folder / "data" / "Plant.db", "");
+    writeFileAtomically(folder / "data" / "notes.txt", "");
   }
 
   std::string path(const char* name) const { return utf8FromPath(folder / "data" / name); }

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <streambuf>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
 #include "tests/cli/sql_command_fixture.h"
@@ -27,14 +27,14 @@ using test::SignalSetting;
 using test::ToolRun;
 
 TEST_F(SqlCommand, NeverReplacesItsOwnQueryFile) {
-  writeWholeFile(folder / "q.vqf", "select 1");
+  writeFileAtomically(folder / "q.vqf", "select 1");
   std::filesystem::create_symlink("q.vqf", folder / "link");
   for (const char* name : {"q.vqf", "link"}) {
     const ToolRun tool = run({"--file", file("q.vqf"), "--output", file(name)});
     EXPECT_EQ(tool.status, exitWrongUsage);
     EXPECT_NE(tool.err.find("is the query file itself"), std::string::npos) << tool.err;
   }
-  EXPECT_EQ(readWholeFile(folder / "q.vqf"), "select 1");
+  EXPECT_EQ(readFile(folder / "q.vqf"), "select 1");
 }
 
 TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
@@ -46,7 +46,7 @@ TEST_F(SqlCommand, WritesOnlyTheFirstResultSet) {
 }
 
 TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   server.answer[0].rows.assign(100'000, {"1", "x", "y"});
   // As a shell starts background processes: the test must not depend on it.
   const SignalSetting ignored(SIGINT, SIG_IGN);
@@ -60,7 +60,7 @@ TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
     const bool streamed = std::count(streamedFormats.begin(), streamedFormats.end(), format) > 0;
     EXPECT_TRUE(!streamed || server.rowsOffered < 100) << format;
   }
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
   server.refusesExecution = {};
   EXPECT_EQ(run({"q", "--format", "csv"}).status, exitDone);

@@ -9,8 +9,8 @@
 #include <nlohmann/json.hpp>
 #include <streambuf>
 
+#include "base/atomic_file.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "cli/exit_status.h"
 #include "query/query_file.h"
 #include "tests/cli/sql_command_fixture.h"
@@ -33,9 +33,9 @@ TEST_F(SqlCommand, SendsTheTextAsItIs) {
 }
 
 TEST_F(SqlCommand, TakesTheTextFromAQueryFile) {
-  writeWholeFile(folder / "q.vqf",
-                 "select 'Gr\xFC\xDF"
-                 "e'\rfrom x");
+  writeFileAtomically(folder / "q.vqf",
+                      "select 'Gr\xFC\xDF"
+                      "e'\rfrom x");
   EXPECT_EQ(run({"--file", file("q.vqf")}).status, exitDone);
   EXPECT_EQ(server.executed, std::vector<std::string>{"select 'Grüße'\r\nfrom x\r\n"});
 }
@@ -52,21 +52,21 @@ TEST_F(SqlCommand, NeedsAFileAndAFormatThatThereAre) {
 }
 
 TEST_F(SqlCommand, NeedsExactlyOneText) {
-  writeWholeFile(folder / "q.vqf", "select 1");
+  writeFileAtomically(folder / "q.vqf", "select 1");
   EXPECT_EQ(run({}).status, exitWrongUsage);
   EXPECT_EQ(run({"select 1", "--file", file("q.vqf")}).status, exitWrongUsage);
   EXPECT_EQ(run({"select 1", "select 2"}).status, exitWrongUsage);
   const ToolRun absent = run({"--file", file("absent.vqf")});
   EXPECT_EQ(absent.status, exitWrongUsage);
   EXPECT_NE(absent.err.find("absent.vqf cannot be read: " +
-                            systemMessage(systemNumber(std::errc::no_such_file_or_directory))),
+                            systemMessage(systemErrorNumber(std::errc::no_such_file_or_directory))),
             std::string::npos)
       << absent.err;
   EXPECT_TRUE(server.opened.empty());
 }
 
 TEST_F(SqlCommand, AnEmptyTextIsNoQuery) {
-  writeWholeFile(folder / "empty.vqf", "\r\n");
+  writeFileAtomically(folder / "empty.vqf", "\r\n");
   for (const char* text : {"", "  ", "\t\r\n"}) {
     const ToolRun tool = run({text});
     EXPECT_EQ(tool.status, exitWrongUsage);
@@ -99,7 +99,7 @@ TEST_F(SqlCommand, WritesEveryFormat) {
 
 TEST_F(SqlCommand, NoRecordsIsReported) {
   server.answer[0].rows.clear();
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   for (const std::string& format : allFormats) {
     for (const std::string& target : {std::string("-"), file("out"), file("new")}) {
       const ToolRun tool = run({"q", "--format", format, "--output", target});
@@ -108,7 +108,7 @@ TEST_F(SqlCommand, NoRecordsIsReported) {
       EXPECT_EQ(tool.err, "korvel-audit: No Records Found for Query\n");
     }
   }
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
@@ -125,14 +125,14 @@ TEST_F(SqlCommand, FailureOfTheDatabaseIsReportedWithNumberLineAndText) {
 }
 
 TEST_F(SqlCommand, FailureHalfWayLeavesFilesAsTheyWere) {
-  writeWholeFile(folder / "out", "earlier");
+  writeFileAtomically(folder / "out", "earlier");
   server.answer[0].breaksOff = [] { throw Error(10054, "connection reset"); };
   for (const std::string& format : allFormats) {
     const ToolRun tool = run({"q", "--format", format, "--output", file("out")});
     EXPECT_EQ(tool.status, exitDatabase) << format;
     EXPECT_EQ(tool.err, "korvel-audit: database error 10054: connection reset\n");
   }
-  EXPECT_EQ(readWholeFile(folder / "out"), "earlier");
+  EXPECT_EQ(readFile(folder / "out"), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
@@ -142,7 +142,7 @@ TEST_F(SqlCommand, WritesAFileWhole) {
     // Pages and workbooks contain the time of their creation.
     const std::string again = run({"q", "--format", format}).out;
     const std::size_t compared = outputFormatNamed(format)->isBinary ? 4 : again.size();
-    EXPECT_EQ(readWholeFile(folder / "out").substr(0, compared), again.substr(0, compared)) << format;
+    EXPECT_EQ(readFile(folder / "out").substr(0, compared), again.substr(0, compared)) << format;
     EXPECT_FALSE(again.empty()) << format;
   }
 }
@@ -231,9 +231,9 @@ TEST_F(SqlCommand, AnOutputsFailureIsNotExplainedByTheQuery) {
 
 TEST_F(SqlCommand, NeverReplacesADatabase) {
   const std::string bytes("SQLite format 3\0and pages", 25);
-  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  writeFileAtomically(folder / "Korvel_Audit.db", bytes);
   EXPECT_EQ(run({"q", "--format", "csv", "--output", file("Korvel_Audit.db")}).status, exitWrongUsage);
-  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+  EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), bytes);
   EXPECT_TRUE(server.opened.empty());
 }
 

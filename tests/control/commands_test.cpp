@@ -384,7 +384,7 @@ TEST_F(Dispatch, OnTheCustomPageTheCommandsRunItsQuery) {
 
 TEST_F(Dispatch, AFailureOfAMenuCommandIsShown) {
   const auto viewer = shownViewer();
-  settings.openFailure = settings::errorAccessDenied;
+  settings.openFailure = Win32Error::accessDenied;
   choose(*viewer, "Language/LANGUAGE/GERMAN");
   ASSERT_EQ(recorder->messages.size(), 1U);
   EXPECT_EQ(recorder->messages[0].icon, MessageIcon::critical);

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "tests/control/command_surfaces.h"
 #include "tests/support/temporary_folder.h"
 
@@ -31,9 +31,7 @@ class Outputs : public CommandTest {
     return viewer;
   }
   /// By UTF-8 names below the folder.
-  [[nodiscard]] std::string written(const std::string& name) const {
-    return readWholeFile(folder / pathFromUtf8(name));
-  }
+  [[nodiscard]] std::string written(const std::string& name) const { return readFile(folder / pathFromUtf8(name)); }
   [[nodiscard]] QString path(const std::string& name) const {
     return QString::fromStdString(utf8FromPath(folder / pathFromUtf8(name)));
   }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/procedure/audit_conditions.h"
 
 namespace korvel {
@@ -54,7 +54,7 @@ TEST(ComponentLibrary, ExportsWhatThePublicHeadersDeclareAndNothingElse) {
 }
 
 TEST(ComponentLibrary, CarriesTheInstallationTextOfTheProcedureWhole) {
-  EXPECT_NE(readWholeFile(KORVEL_LIBRARY).find(db::queryAuditsScript()), std::string::npos);
+  EXPECT_NE(readFile(KORVEL_LIBRARY).find(db::queryAuditsScript()), std::string::npos);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ using ui::MessageIcon;
 
 TEST_F(TextExport, APlantedLinkIsReplacedAndNotFollowed) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
-  writeWholeFile(folder / "precious", "kept");
+  writeFileAtomically(folder / "precious", "kept");
   std::filesystem::create_symlink(folder / "precious", folder / "velview.txt");
   viewer->ExportNotepad();
   EXPECT_EQ(written("precious"), "kept");
@@ -21,7 +21,7 @@ TEST_F(TextExport, APlantedLinkIsReplacedAndNotFollowed) {
 
 TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
-  writeWholeFile(folder / "velview.txt", "earlier");
+  writeFileAtomically(folder / "velview.txt", "earlier");
   {
     const test::FullDisk full(4096);
     viewer->ExportNotepad();
@@ -38,7 +38,7 @@ TEST_F(TextExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
 
 TEST_F(SpreadsheetExport, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(2500, {"a", "b", "c"}));
-  writeWholeFile(folder / "velviewex.log", "earlier");
+  writeFileAtomically(folder / "velviewex.log", "earlier");
   {
     const test::FullDisk full(4096);
     viewer->ExportExcel();

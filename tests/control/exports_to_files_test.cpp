@@ -2,7 +2,7 @@
 #include <QDir>
 
 #include "base/error.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 #include "tests/control/exports_fixture.h"
 
 namespace korvel::test {
@@ -111,7 +111,7 @@ TEST_F(TextExport, AMissingFolderIsAnErrorWithItsNumber) {
 
 TEST_F(TextExport, AMissingEditorIsAnErrorAndTheFileStays) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
-  recorder->onEditor = [] { throw output::windowsError(output::errorFileNotFound); };
+  recorder->onEditor = [] { throw fileError(FileError::fileNotFound); };
   viewer->ExportNotepad();
   EXPECT_THAT(
       recorder->messages,
@@ -189,7 +189,7 @@ TEST_F(TextExport, TheEditorMayFailAfterTheControlsDeath) {
   auto viewer = viewerWith({{"a", "b", "c"}});
   recorder->onEditor = [&] {
     viewer.reset();
-    throw output::windowsError(output::errorFileNotFound);
+    throw fileError(FileError::fileNotFound);
   };
   viewer->ExportNotepad();
   EXPECT_THAT(recorder->messages, IsEmpty());

@@ -121,7 +121,7 @@ TEST_F(Help, APathThatNoLongerExistsKeepsTheFile) {
 TEST_F(Help, SettingsThatCannotBeReadStopNoOtherStep) {
   settings.values["ViewerAppPath"] = viewerPath.toStdString();
   const auto viewer = newViewer();
-  settings.openFailure = settings::errorAccessDenied;
+  settings.openFailure = Win32Error::accessDenied;
   libraryState().language = settings::LanguageOffset("10000");
   viewer->BuildMisc();
   EXPECT_EQ(libraryState().helpFile, "C:\\Program\\KorvelAuditViewerHelp_Eng.chm");

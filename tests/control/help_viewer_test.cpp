@@ -8,7 +8,7 @@
 #include <QTimer>
 #include <QUrl>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "control/file_programs.h"
 #include "control/qt_control_services.h"
 #include "tests/support/opened_files.h"
@@ -29,7 +29,7 @@ class HelpViewer : public ::testing::Test {
     boxes_.start(0);
   }
   QString helpFile(const char* name) {
-    writeWholeFile(folder / name, "help");
+    writeFileAtomically(folder / name, "help");
     return QString::fromStdString((folder / name).string());
   }
 

@@ -94,7 +94,7 @@ TEST_F(Locking, SelectingADatabaseStillWorks) {
 }
 
 TEST_F(Locking, OfCommandsThatWereNeverBuiltSaysSo) {
-  settings.openFailure = settings::errorAccessDenied;
+  settings.openFailure = Win32Error::accessDenied;
   const auto viewer = newViewer();
   recorder->messages.clear();
   viewer->LockControls();

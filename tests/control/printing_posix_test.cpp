@@ -19,7 +19,7 @@ using ui::MessageIcon;
 
 TEST_F(Printing, OnAFullDiskLeavesTheEarlierFileAndTheNextOneWorks) {
   const auto viewer = viewerWith(std::vector<std::array<std::string, 3>>(200, {"a", "b", "c"}));
-  writeWholeFile(folder / "printed.pdf", "earlier");
+  writeFileAtomically(folder / "printed.pdf", "earlier");
   click(*viewer, "btPrint");
   {
     const test::FullDisk full(4096);
@@ -103,7 +103,7 @@ TEST_F(PrintedPages, FromThePreviewAreThoseThatWereChosen) {
 }
 
 TEST_F(PrintedPages, ThatTheReportDoesNotHaveAreReportedAndAnEarlierFileStays) {
-  writeWholeFile(folder / "printed.pdf", "earlier");
+  writeFileAtomically(folder / "printed.pdf", "earlier");
   choosePages("50-60", 1, true);
   click(*viewer, "btPrint");
   completeDocuments();

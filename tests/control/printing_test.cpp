@@ -92,7 +92,7 @@ TEST_F(Printing, AReportThatWasChangedMeanwhileIsNotPrinted) {
   click(*viewer, "btPrint");
   std::string report = written("report.htm");
   report.replace(report.find(">a<"), 3, ">z<");
-  writeWholeFile(folder / "report.htm", report);
+  writeFileAtomically(folder / "report.htm", report);
   completeDocuments();
   EXPECT_EQ(recorder->printerDialogs, 0);
   ASSERT_THAT(recorder->messages, SizeIs(1));
@@ -126,7 +126,7 @@ TEST_F(Printing, AReportThatCannotBeWrittenIsReported) {
 
 TEST_F(Printing, APrinterThatTakesNothingIsReportedAndAnOlderFileStays) {
   const auto viewer = viewerWith({{"a", "b", "c"}});
-  writeWholeFile(folder / "printed.pdf", "older");
+  writeFileAtomically(folder / "printed.pdf", "older");
   recorder->onPrinter = [this](QPrinter& printer) {
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(path("gone/printed.pdf"));

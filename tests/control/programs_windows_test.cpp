@@ -6,7 +6,7 @@
 
 #include "base/error.h"
 #include "control/file_programs_windows.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 #include "settings/code_page.h"
 
 namespace korvel::control {
@@ -73,7 +73,7 @@ TEST(Notepad, ThatIsNotThereIsAFileThatIsNotFound) {
     startWindowsProgram("C:\\no such folder\\notepad.exe", "notepad C:\\a.txt");
     FAIL() << "started";
   } catch (const Error& error) {
-    EXPECT_EQ(error.number(), output::errorFileNotFound);
+    EXPECT_EQ(error.number(), numberOf(FileError::fileNotFound));
   }
 }
 

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "tests/control/custom_page_fixture.h"
 #include "tests/support/temporary_folder.h"
 
@@ -17,9 +17,7 @@ class QueryFiles : public CustomPage {
     recorder->chosenFolder = QString::fromStdString(utf8FromPath(folder.path()));
     recorder->typedText = "My query";
   }
-  [[nodiscard]] std::string saved(const std::string& name = "My query.vqf") const {
-    return readWholeFile(folder / name);
-  }
+  [[nodiscard]] std::string saved(const std::string& name = "My query.vqf") const { return readFile(folder / name); }
   [[nodiscard]] bool folderIsEmpty() const { return std::filesystem::is_empty(folder.path()); }
   void choose(const std::string& name) {
     recorder->onForm = [name] { control::libraryState().queryChoices.fileName = name; };

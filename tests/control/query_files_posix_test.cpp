@@ -6,7 +6,7 @@ namespace {
 
 TEST_F(QueryFiles, ANameThatIsNoTextIsOpened) {
   const auto viewer = customPage();
-  writeWholeFile(folder / "caf\xE9.vqf", "x");
+  writeFileAtomically(folder / "caf\xE9.vqf", "x");
   choose("caf\xE9.vqf");
   click(*viewer, "btOpen");
   EXPECT_EQ(editor(*viewer).queryText(), "x\r\n");

@@ -55,7 +55,7 @@ TEST_F(QueryFiles, AnEmptyNameAndACancelledFolderWriteNothing) {
 
 TEST_F(QueryFiles, AnEarlierFileIsReplacedWithoutAQuestion) {
   const auto viewer = customPage();
-  writeWholeFile(folder / "My query.vqf", "old and longer than the new one");
+  writeFileAtomically(folder / "My query.vqf", "old and longer than the new one");
   editor(*viewer).setQueryText("new");
   click(*viewer, "btSave");
   EXPECT_EQ(saved(), "new\r\n");
@@ -101,7 +101,7 @@ TEST_F(QueryFiles, AFileThatCannotBeWrittenIsReported) {
 
 TEST_F(QueryFiles, OpeningReadsTheChosenFileOfTheChosenFolder) {
   const auto viewer = customPage();
-  writeWholeFile(folder / "one.vqf", "select 1\r\n\r\nfrom \xE9");
+  writeFileAtomically(folder / "one.vqf", "select 1\r\n\r\nfrom \xE9");
   choose("one.vqf");
   click(*viewer, "btOpen");
   EXPECT_EQ(recorder->folderQuestions, (QList<std::pair<QString, bool>>{{"Browse for Custom Query File", false}}));

@@ -5,10 +5,10 @@
 #include <QTest>
 #include <filesystem>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 #include "control/file_programs.h"
-#include "output/windows_error.h"
+#include "base/system_errors.h"
 #include "tests/support/opened_files.h"
 #include "tests/support/temporary_folder.h"
 
@@ -17,7 +17,7 @@ namespace {
 
 class TextEditor : public ::testing::Test {
  protected:
-  TextEditor() { writeWholeFile(file, "text"); }
+  TextEditor() { writeFileAtomically(file, "text"); }
   static std::int32_t failureOf(const std::filesystem::path& file) {
     try {
       startTextEditor(QString::fromStdString(file.string()));
@@ -41,13 +41,13 @@ TEST_F(TextEditor, IsTheProgramThatTheEnvironmentNames) {
 
 TEST_F(TextEditor, ThatIsNotThereIsAFileThatIsNotFound) {
   const test::EnvironmentVariable editor("KORVEL_EDITOR", (folder / "absent").string());
-  EXPECT_EQ(failureOf(file), output::errorFileNotFound);
+  EXPECT_EQ(failureOf(file), numberOf(FileError::fileNotFound));
 }
 
 TEST_F(TextEditor, IsTheDesktopsWhereNoneIsNamed) {
   const test::EnvironmentVariable editor("KORVEL_EDITOR");
   // The offscreen platform has no desktop.
-  EXPECT_EQ(failureOf(file), output::errorFileNotFound);
+  EXPECT_EQ(failureOf(file), numberOf(FileError::fileNotFound));
   const test::OpenedFiles opened;
   EXPECT_EQ(failureOf(file), 0);
   EXPECT_EQ(opened.files(), QStringList{QString::fromStdString(file.string())});

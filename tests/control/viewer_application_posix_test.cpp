@@ -1,5 +1,5 @@
 // The viewer's path where settings are a file and paths of Windows are not absolute.
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "korvel/ViewerApplication.h"
 #include "tests/control/viewer_path_fixture.h"
 
@@ -13,9 +13,9 @@ TEST_F(ViewerPath, OfAnInstallationStays) {
 }
 
 TEST_F(ViewerPath, IsNotWorthAFailure) {
-  writeWholeFile(folder / "settings.reg", "no settings at all");
+  writeFileAtomically(folder / "settings.reg", "no settings at all");
   provideViewerPath("/opt/bin");
-  EXPECT_EQ(readWholeFile(folder / "settings.reg"), "no settings at all");
+  EXPECT_EQ(readFile(folder / "settings.reg"), "no settings at all");
 }
 
 }  // namespace

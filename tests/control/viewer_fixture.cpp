@@ -9,21 +9,21 @@ namespace {
 class MemoryKey final : public settings::SettingsKey {
  public:
   explicit MemoryKey(MemorySettings::Content& content) : content_(content), values_(content.values) {}
-  std::uint32_t querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
+  Win32Error querySize(const std::string& valueName, std::uint32_t& type, std::uint32_t& size) override {
     const auto found = values_.find(valueName);
-    if (found == values_.end()) return settings::errorFileNotFound;
+    if (found == values_.end()) return Win32Error::fileNotFound;
     type = static_cast<std::uint32_t>(settings::ValueType::string);
     size = static_cast<std::uint32_t>(found->second.size()) + 1;
-    return settings::errorSuccess;
+    return Win32Error::success;
   }
-  std::uint32_t queryData(const std::string& valueName, std::vector<char>& buffer) override {
+  Win32Error queryData(const std::string& valueName, std::vector<char>& buffer) override {
     const std::string& value = values_.at(valueName);
     std::memcpy(buffer.data(), value.data(), value.size());
-    return settings::errorSuccess;
+    return Win32Error::success;
   }
-  std::uint32_t setString(const std::string& valueName, const std::string& value) override {
+  Win32Error setString(const std::string& valueName, const std::string& value) override {
     values_[valueName] = content_.storesInstead.value_or(value);
-    return settings::errorSuccess;
+    return Win32Error::success;
   }
 
  private:
@@ -35,9 +35,9 @@ class MemoryKey final : public settings::SettingsKey {
 
 std::uint32_t MemorySettings::openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) {
   EXPECT_EQ(keyPath, "SOFTWARE\\Molvane\\AuditViewer");
-  if (content_.openFailure != settings::errorSuccess) return content_.openFailure;
+  if (content_.openFailure != Win32Error::success) return content_.openFailure;
   key = std::make_unique<MemoryKey>(content_);
-  return settings::errorSuccess;
+  return Win32Error::success;
 }
 
 ViewerTest::ViewerTest() : realPlatform_(control::platform()) {

@@ -26,14 +26,14 @@ class MemorySettings final : public settings::SettingsBackend {
  public:
   struct Content {
     std::map<std::string, std::string> values;
-    std::uint32_t openFailure = settings::errorSuccess;
+    Win32Error openFailure = Win32Error::success;
     std::string file;
     /// The contents of the store after any write.
     std::optional<std::string> storesInstead;
   };
   explicit MemorySettings(Content& content) : content_(content) {}
-  std::uint32_t openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override;
-  std::uint32_t createOrOpen(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override {
+  Win32Error openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override;
+  Win32Error createOrOpen(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) override {
     return openForReading(keyPath, key);
   }
   [[nodiscard]] std::string file() const override { return content_.file; }

@@ -27,7 +27,7 @@ struct AuditEntry {
 class DatabaseWriter {
  public:
   explicit DatabaseWriter(const std::filesystem::path& file) {
-    if (sqlite3_open(utf8FromPath(pathForCalls(file)).c_str(), &handle_) != SQLITE_OK)
+    if (sqlite3_open(utf8FromPath(extendedLengthPath(file)).c_str(), &handle_) != SQLITE_OK)
       throw std::runtime_error("cannot write " + utf8FromPath(file));
     run("PRAGMA synchronous=OFF");  // for speed: tests need not survive a power failure
   }

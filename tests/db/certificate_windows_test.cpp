@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "tests/db/collected_answer.h"
 #include "tests/support/temporary_folder.h"
 
@@ -103,7 +103,7 @@ Certificate certificateOf(std::string_view pem) {
 class CertificateOnWindows : public ::testing::Test {
  protected:
   std::string fileOf(std::string_view text) {
-    writeWholeFile(folder_ / "authorities.pem", text);
+    writeFileAtomically(folder_ / "authorities.pem", text);
     return utf8FromPath(folder_ / "authorities.pem");
   }
   static std::string problem(std::string_view certificate, const std::string& host, const std::string& authorities) {

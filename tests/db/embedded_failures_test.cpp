@@ -6,7 +6,7 @@
 #include <functional>
 #include <utility>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/embedded/embedded_connection.h"
 #include "tests/db/audit_database.h"
 #include "tests/db/collected_answer.h"
@@ -44,7 +44,7 @@ TEST_F(EmbeddedFailures, notAFile) {
 }
 
 TEST_F(EmbeddedFailures, notADatabase) {
-  writeWholeFile(
+  writeFileAtomically(
       file(),
       "This is a plain text, and long enough to be taken for the header of a database, if one did not look.\n"
       "This is a plain text, and long enough to be taken for the header of a database, if one did not look.\n");
@@ -54,10 +54,10 @@ TEST_F(EmbeddedFailures, notADatabase) {
 }
 
 TEST_F(EmbeddedFailures, emptyFileHasNoTable) {
-  writeWholeFile(file(), "");
+  writeFileAtomically(file(), "");
   const auto connection = openEmbedded(folder_.path(), "D");
   EXPECT_EQ(kindOf(test::errorOfText(*connection, "SELECT * FROM Korvel_Audit_Trails")), SQLITE_ERROR);
-  EXPECT_EQ(readWholeFile(file()), "");
+  EXPECT_EQ(readFile(file()), "");
 }
 
 TEST_F(EmbeddedFailures, missingTable) {
@@ -119,7 +119,7 @@ TEST_F(EmbeddedFailures, damagedPages) {
   for (int number = 1; number <= 3000; ++number)
     entries.push_back({number, "2004-03-07 13:45:59.123", "UA", "E", "CS"});
   test::writeAuditDatabase(folder_ / "D.db", entries);
-  const std::string whole = readWholeFile(file());
+  const std::string whole = readFile(file());
   constexpr std::size_t pageSize = 4096;
   std::size_t failures = 0;
   for (std::size_t page = 1; page * pageSize < whole.size(); page += 5) {

@@ -19,11 +19,12 @@ using namespace std::string_literals;
 using test::EnvironmentVariable;
 
 TEST(EmbeddedFolder, thatCannotBeListedHasItsOwnReason) {
-  EXPECT_EQ(folderFailure("/x", systemNumber(std::errc::no_such_file_or_directory)).textKey(), "failure.noFolder");
-  EXPECT_EQ(folderFailure("/x", systemNumber(std::errc::not_a_directory)).textKey(), "failure.notAFolder");
-  EXPECT_EQ(folderFailure("/x", systemNumber(std::errc::permission_denied)).textKey(), "failure.folderDenied");
-  EXPECT_EQ(folderFailure("/x", systemNumber(std::errc::io_error)).textKey(), "failure.folderUnreadable");
-  EXPECT_EQ(folderFailure("/x", systemNumber(std::errc::io_error)).number(), systemNumber(std::errc::io_error));
+  EXPECT_EQ(folderFailure("/x", systemErrorNumber(std::errc::no_such_file_or_directory)).textKey(), "failure.noFolder");
+  EXPECT_EQ(folderFailure("/x", systemErrorNumber(std::errc::not_a_directory)).textKey(), "failure.notAFolder");
+  EXPECT_EQ(folderFailure("/x", systemErrorNumber(std::errc::permission_denied)).textKey(), "failure.folderDenied");
+  EXPECT_EQ(folderFailure("/x", systemErrorNumber(std::errc::io_error)).textKey(), "failure.folderUnreadable");
+  EXPECT_EQ(folderFailure("/x", systemErrorNumber(std::errc::io_error)).number(),
+            systemErrorNumber(std::errc::io_error));
 }
 
 TEST(EmbeddedDatabaseFile, refusesMoreThanAName) {

@@ -6,7 +6,7 @@
 
 #include <map>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/embedded/embedded_connection.h"
 #include "tests/db/audit_database.h"
 #include "tests/db/collected_answer.h"
@@ -21,7 +21,7 @@ class OtherPrograms : public testing::Test {
   std::map<std::string, std::string> contents() const {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.path()))
-      files[entry.path().filename()] = readWholeFile(entry.path());
+      files[entry.path().filename()] = readFile(entry.path());
     return files;
   }
 
@@ -84,7 +84,7 @@ TEST_F(OtherPrograms, emptyWriteAheadLog) {
     test::DatabaseWriter writer(file_);
     makeWithLog(writer);
   }
-  writeWholeFile(folder_ / "D.db-wal", "");
+  writeFileAtomically(folder_ / "D.db-wal", "");
   EXPECT_EQ(numbersWithoutATrace(), "Nr\n1\n") << "an empty log holds nothing that the file lacks";
 }
 

@@ -3,7 +3,7 @@
 
 #include <map>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/embedded/embedded_connection.h"
 #include "tests/db/audit_database.h"
 #include "tests/db/collected_answer.h"
@@ -32,7 +32,7 @@ class EmbeddedReadOnly : public testing::Test {
   std::map<std::string, std::string> contents() const {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.path()))
-      if (entry.is_regular_file()) files[entry.path().string()] = readWholeFile(entry.path());
+      if (entry.is_regular_file()) files[entry.path().string()] = readFile(entry.path());
     return files;
   }
   std::string path(const char* name) const { return (folder_ / name).string(); }

@@ -3,8 +3,8 @@
 #include <charconv>
 #include <limits>
 
+#include "base/numbers.h"
 #include "db/embedded/embedded_connection.h"
-#include "db/number_text.h"
 #include "tests/db/audit_database.h"
 #include "tests/db/collected_answer.h"
 #include "tests/support/temporary_folder.h"

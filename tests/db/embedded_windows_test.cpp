@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "db/connection_state.h"
 #include "db/discovery/configured_servers.h"
 #include "db/discovery/network_directory.h"
@@ -57,8 +57,8 @@ TEST(EmbeddedOnWindows, DatabaseOfTheNetworkIsNamedAsItIs) {
 
 TEST(EmbeddedOnWindows, DatabasesAreOfferedWhateverTheCaseOfTheirExtension) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "Alt.DB", "");
-  writeWholeFile(folder / "Neu.db", "");
+  writeFileAtomically(folder / "Alt.DB", "");
+  writeFileAtomically(folder / "Neu.db", "");
   const auto found = makeServerDirectory()->databases(utf8FromPath(folder.path()), browserOptions(false));
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found[0].name, "Alt");

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/procedure/audit_conditions.h"
 
 namespace korvel::db {
@@ -19,8 +19,8 @@ std::size_t countOf(std::string_view text, std::string_view part) {
 
 // With KORVEL_UPDATE_GOLDENS=1 in the environment the committed file is written anew.
 TEST(QueryAuditsScript, isTheCommittedFile) {
-  if (std::getenv("KORVEL_UPDATE_GOLDENS") != nullptr) writeWholeFile(scriptFile, queryAuditsScript());
-  EXPECT_EQ(readWholeFile(scriptFile), queryAuditsScript());
+  if (std::getenv("KORVEL_UPDATE_GOLDENS") != nullptr) writeFileAtomically(scriptFile, queryAuditsScript());
+  EXPECT_EQ(readFile(scriptFile), queryAuditsScript());
 }
 
 TEST(QueryAuditsScript, saysInItsHeadThatPermissionsAreDroppedAndHowTheyComeBack) {

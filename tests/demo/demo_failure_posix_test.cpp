@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 #include "demo/demo_database.h"
 #include "tests/demo/failures.h"
 #include "tests/support/process_conditions_posix.h"
@@ -55,12 +55,12 @@ TEST(DemoFailure, LeavesNothingOnAFullDisk) {
 TEST(DemoFailure, KeepsTheOldDatabaseOnAFullDisk) {
   const TemporaryFolder folder;
   writeDemoDatabase(folder / "kept.db", 50, 1);
-  const std::string before = readWholeFile(folder / "kept.db");
+  const std::string before = readFile(folder / "kept.db");
   {
     const FullDisk disk(diskBytes);
     EXPECT_NE(errorOf([&] { writeDemoDatabase(folder / "kept.db", 20000, 1); }).number(), 0);
   }
-  EXPECT_EQ(readWholeFile(folder / "kept.db"), before);
+  EXPECT_EQ(readFile(folder / "kept.db"), before);
   EXPECT_THAT(namesIn(folder.path()), UnorderedElementsAre("kept.db"));
 }
 

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "demo/demo_database.h"
 #include "tests/support/locked_file_windows.h"
 #include "tests/support/temporary_folder.h"
@@ -14,7 +14,7 @@ namespace {
 TEST(DemoOnWindows, ReplacesNeitherWhereAProgramReadsOne) {
   const test::TemporaryFolder folder;
   for (const char* name : {"Korvel_Audit.db", "Korvel_Audit.db-wal", "Korvel_Audit_MU.db"})
-    writeWholeFile(folder / name, "old");
+    writeFileAtomically(folder / name, "old");
   {
     // As an engine that reads it has it open.
     const test::LockedFile held(folder / "Korvel_Audit_MU.db", FILE_SHARE_READ | FILE_SHARE_WRITE);
@@ -28,7 +28,7 @@ TEST(DemoOnWindows, ReplacesNeitherWhereAProgramReadsOne) {
     }
   }
   for (const char* name : {"Korvel_Audit.db", "Korvel_Audit.db-wal", "Korvel_Audit_MU.db"})
-    EXPECT_EQ(readWholeFile(folder / name), "old") << name;
+    EXPECT_EQ(readFile(folder / name), "old") << name;
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace korvel::test {
 class OpenedDatabase {
  public:
   explicit OpenedDatabase(const std::filesystem::path& file) {
-    if (sqlite3_open_v2(utf8FromPath(pathForCalls(file)).c_str(), &database_, SQLITE_OPEN_READONLY, nullptr) !=
+    if (sqlite3_open_v2(utf8FromPath(extendedLengthPath(file)).c_str(), &database_, SQLITE_OPEN_READONLY, nullptr) !=
         SQLITE_OK)
       throw std::runtime_error("cannot open " + utf8FromPath(file));
   }

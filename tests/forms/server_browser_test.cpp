@@ -229,7 +229,7 @@ TEST_F(Browser, AnyExceptionIsReported) {
 
 TEST_F(Browser, AFailureIsExplainedInTheUsersLanguage) {
   language = settings::LanguageOffset("10000");
-  network.failures.emplace("PLANT1", settings::explainedError(11001, "failure.hostUnknown", {"PLANT1"}));
+  network.failures.emplace("PLANT1", settings::localizedError(11001, "failure.hostUnknown", {"PLANT1"}));
   clickServer(1);
   ASSERT_EQ(recorder->messages.size(), 1U);
   EXPECT_TRUE(recorder->messages[0].text.startsWith("Die Datenbanken von PLANT1 können nicht aufgelistet werden."));

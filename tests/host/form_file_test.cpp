@@ -4,7 +4,7 @@
 
 #include <system_error>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::host {
@@ -15,8 +15,8 @@ const ViewerLanguage english;
 class FormFileTest : public ::testing::Test {
  protected:
   FormFile form(const char* name = "form.json") { return FormFile(QString::fromStdString((folder / name).string())); }
-  void write(const std::string& text) { writeWholeFile(folder / "form.json", text); }
-  std::string text() { return readWholeFile(folder / "form.json"); }
+  void write(const std::string& text) { writeFileAtomically(folder / "form.json", text); }
+  std::string text() { return readFile(folder / "form.json"); }
 
   test::TemporaryFolder folder;
 };

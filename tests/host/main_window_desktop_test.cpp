@@ -14,7 +14,7 @@ namespace {
 TEST_F(MainWindowTest, F1IsHelpContents) {
   const test::OpenedFiles opened;
   const std::string help = (folder / "KorvelAuditViewerHelp_Ger.chm").string();
-  writeWholeFile(help, "help");
+  writeFileAtomically(help, "help");
   set("Language", "10000");
   set("ViewerAppPath", (folder / "KorvelAuditViewer.exe").string());
   MainWindow window(options, english);

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "host/main_window.h"
 #include "settings/registry.h"
 #include "tests/support/own_settings.h"
@@ -17,8 +17,8 @@ inline const ViewerLanguage english;
 class MainWindowTest : public ::testing::Test {
  protected:
   MainWindowTest() { options.formFile = QString::fromStdString((folder / "form.json").string()); }
-  void writeForm(const std::string& text) { writeWholeFile(folder / "form.json", text); }
-  std::string formText() { return readWholeFile(folder / "form.json"); }
+  void writeForm(const std::string& text) { writeFileAtomically(folder / "form.json", text); }
+  std::string formText() { return readFile(folder / "form.json"); }
   static void set(const char* key, const std::string& value) {
     settings::Registry(*settings::platformBackend()).SaveSetting("Molvane", "AuditViewer", key, value);
   }

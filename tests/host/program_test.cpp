@@ -1,4 +1,4 @@
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "tests/host/program_fixture.h"
 
 namespace korvel::host {
@@ -62,7 +62,7 @@ TEST_F(Program, APlatformIsAskedForWithOneDashOrTwo) {
 
 TEST_F(Program, SettingsThatCannotBeReadAreNoEmptyAnswer) {
   writeDatabase(1);
-  writeWholeFile(folder / "settings.reg", "no settings at all");
+  writeFileAtomically(folder / "settings.reg", "no settings at all");
   const Result result = run(shot());
   EXPECT_EQ(result.status, 3);
   EXPECT_TRUE(result.errors.contains(":Error in Initialize.  Error Message: ")) << result.errors.toStdString();

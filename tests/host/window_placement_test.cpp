@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "host/form_file.h"
 #include "tests/support/temporary_folder.h"
 
@@ -94,7 +94,7 @@ class StoredPlacement : public ::testing::Test {
 const WindowPlacement kept{QRect(120, 80, 1280, 800), true};
 
 TEST_F(StoredPlacement, StandsInTheFormAmongTheProperties) {
-  writeWholeFile(path, R"({"DatabaseType": 1})");
+  writeFileAtomically(path, R"({"DatabaseType": 1})");
   EXPECT_EQ(storedPlacement(form()), std::nullopt);
   keep(kept);
   EXPECT_EQ(storedPlacement(form()), kept);
@@ -102,7 +102,7 @@ TEST_F(StoredPlacement, StandsInTheFormAmongTheProperties) {
 }
 
 TEST_F(StoredPlacement, StaysWhenThePropertiesAreSaved) {
-  writeWholeFile(path, R"({"DatabaseType": 1})");
+  writeFileAtomically(path, R"({"DatabaseType": 1})");
   FormFile file = form();
   storePlacement(file, kept);
   EXPECT_EQ(file.save({{"DatabaseType", 0}}), "");
@@ -111,15 +111,15 @@ TEST_F(StoredPlacement, StaysWhenThePropertiesAreSaved) {
 
 TEST_F(StoredPlacement, ThatIsTheSameIsNotWrittenAgain) {
   const std::string asTyped = R"({ "WindowPlacement" : "maximized 120 80 1280 800" })";
-  writeWholeFile(path, asTyped);
+  writeFileAtomically(path, asTyped);
   keep(kept);
-  EXPECT_EQ(readWholeFile(path), asTyped);
+  EXPECT_EQ(readFile(path), asTyped);
 }
 
 TEST_F(StoredPlacement, LeavesWhatAnotherWindowSavedMeanwhile) {
-  writeWholeFile(path, R"({"DatabaseType": 1})");
+  writeFileAtomically(path, R"({"DatabaseType": 1})");
   FormFile file = form();
-  writeWholeFile(path, R"({"DatabaseType": 0, "ViewSideTools": false})");
+  writeFileAtomically(path, R"({"DatabaseType": 0, "ViewSideTools": false})");
   storePlacement(file, kept);
   EXPECT_EQ(form().properties().value("DatabaseType"), QVariant(0));
   EXPECT_EQ(form().properties().value("ViewSideTools"), QVariant(false));
@@ -128,7 +128,7 @@ TEST_F(StoredPlacement, LeavesWhatAnotherWindowSavedMeanwhile) {
 
 TEST_F(StoredPlacement, ThatIsDamagedIsNone) {
   for (const char* value : {"\"somewhere\"", "1", "null", "{}"}) {
-    writeWholeFile(path, "{\"WindowPlacement\": " + std::string(value) + "}");
+    writeFileAtomically(path, "{\"WindowPlacement\": " + std::string(value) + "}");
     EXPECT_EQ(storedPlacement(form()), std::nullopt) << value;
   }
 }
@@ -140,17 +140,17 @@ TEST_F(StoredPlacement, MakesNoFormWhereThereIsNone) {
 
 TEST_F(StoredPlacement, AFileThatIsNoFormStaysAsItIs) {
   FormFile file = form();
-  writeWholeFile(path, "no form at all");
+  writeFileAtomically(path, "no form at all");
   storePlacement(file, kept);
-  EXPECT_EQ(readWholeFile(path), "no form at all");
+  EXPECT_EQ(readFile(path), "no form at all");
 }
 
 TEST_F(StoredPlacement, AFormThatIsToBeLeftStaysAsItIs) {
-  writeWholeFile(path, "{}");
+  writeFileAtomically(path, "{}");
   FormFile file = form();
   file.leaveAsItIs();
   storePlacement(file, kept);
-  EXPECT_EQ(readWholeFile(path), "{}");
+  EXPECT_EQ(readFile(path), "{}");
 }
 
 }  // namespace

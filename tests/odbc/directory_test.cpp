@@ -44,8 +44,8 @@ TEST(ConfiguredServers, samplesAndOtherProductsAreNone) {
 
 TEST(ConfiguredServers, withoutAUsersFolderTheCurrentOneHasNoSay) {
   const TemporaryFolder folder;
-  writeWholeFile(folder / ".odbc.ini", "[Planted]\nDriver = FreeTDS\nServer = planted-odbc\n");
-  writeWholeFile(folder / ".freetds.conf", "[planted]\n\thost = planted-freetds\n");
+  writeFileAtomically(folder / ".odbc.ini", "[Planted]\nDriver = FreeTDS\nServer = planted-odbc\n");
+  writeFileAtomically(folder / ".freetds.conf", "[planted]\n\thost = planted-freetds\n");
   const EnvironmentVariable odbcIni("ODBCINI");
   const EnvironmentVariable freeTdsConf("FREETDSCONF");
   const auto before = std::filesystem::current_path();
@@ -79,8 +79,8 @@ class Directory : public WireTest {
  protected:
   void SetUp() override {
     WireTest::SetUp();
-    writeWholeFile(folder_ / "odbc.ini", "[Plant]\nDriver = FreeTDS\nServer = 127.0.0.1\nPort = 1444\n");
-    writeWholeFile(folder_ / "freetds.conf", "[Other]\n\thost = other.invalid\n");
+    writeFileAtomically(folder_ / "odbc.ini", "[Plant]\nDriver = FreeTDS\nServer = 127.0.0.1\nPort = 1444\n");
+    writeFileAtomically(folder_ / "freetds.conf", "[Other]\n\thost = other.invalid\n");
   }
   NetworkDirectory directory() {
     return {db::ResolutionClient(resolution_.port()),
@@ -184,12 +184,12 @@ TEST_F(Directory, failuresAreReported) {
 
 TEST_F(Directory, databasesOfTheEmbeddedEngineAreItsFiles) {
   for (const char* name : {"Korvel_Audit.db", "Alpha.db", "Korvel_Audit.db-wal", "notes.txt"})
-    writeWholeFile(folder_ / name, "");
+    writeFileAtomically(folder_ / name, "");
   std::filesystem::create_directory(folder_ / "folder.db");
   // Names that no connection accepts are not listed.
-  writeWholeFile(folder_ / "a..b.db", "");
-  writeWholeFile(folder_ / ".db.db", "");
-  writeWholeFile(folder_ / "c:x.db", "");
+  writeFileAtomically(folder_ / "a..b.db", "");
+  writeFileAtomically(folder_ / ".db.db", "");
+  writeFileAtomically(folder_ / "c:x.db", "");
   const auto found = directory().databases("(embedded)", db::browserOptions(false));
   ASSERT_EQ(found.size(), 2U);
   EXPECT_EQ(found[0].name, "Alpha");

@@ -129,10 +129,10 @@ TEST_F(OdbcKerberos, doesNotWaitForALoginServiceThatStaysSilent) {
   realm_->stopKdc();
   // A service that accepts requests and never answers.
   const LoopbackSocket silent = bindLoopback(SOCK_DGRAM);
-  writeWholeFile(folder_ / "krb5.conf",
-                 "[libdefaults]\n\tdefault_realm = KORVEL.TEST\n\tdns_lookup_kdc = false\n"
-                 "[realms]\n\tKORVEL.TEST = {\n\t\tkdc = 127.0.0.1:" +
-                     std::to_string(silent.port) + "\n\t}\n");
+  writeFileAtomically(folder_ / "krb5.conf",
+                      "[libdefaults]\n\tdefault_realm = KORVEL.TEST\n\tdns_lookup_kdc = false\n"
+                      "[realms]\n\tKORVEL.TEST = {\n\t\tkdc = 127.0.0.1:" +
+                          std::to_string(silent.port) + "\n\t}\n");
   const EnvironmentVariable configuration("KRB5_CONFIG", (folder_ / "krb5.conf").string());
   access_.options.connectionTimeout = 1s;
   const auto before = std::chrono::steady_clock::now();

@@ -96,12 +96,12 @@ TEST_F(OdbcLogin, looksAtTheCertificateItselfBeforeAnUnknownDriverLogsIn) {
 }
 
 TEST_F(OdbcLogin, refusesAnotherServersCertificate) {
-  writeWholeFile(folder_ / "other.pem", tds::TdsServer().certificatePem());
+  writeFileAtomically(folder_ / "other.pem", tds::TdsServer().certificatePem());
   access_.options.certificateAuthorities = (folder_ / "other.pem").string();
   EXPECT_EQ(connectKey(), "failure.certificate");
   access_.options.certificateAuthorities = (folder_ / "nowhere.pem").string();
   EXPECT_EQ(connectKey(), "failure.noAuthorities");
-  writeWholeFile(folder_ / "nonsense.pem", "no certificate");
+  writeFileAtomically(folder_ / "nonsense.pem", "no certificate");
   access_.options.certificateAuthorities = (folder_ / "nonsense.pem").string();
   EXPECT_EQ(connectKey(), "failure.noAuthorities");
 }
@@ -262,7 +262,8 @@ TEST_F(OdbcLogin, saysThatADriverIsNotInstalled) {
 }
 
 TEST_F(OdbcLogin, theSettingsFileOfFreeTdsHasNoSay) {
-  writeWholeFile(folder_ / "mine.conf", "[global]\n\tencryption = off\n\ttds version = 7.0\n[localhost]\n\thost = x\n");
+  writeFileAtomically(folder_ / "mine.conf",
+                      "[global]\n\tencryption = off\n\ttds version = 7.0\n[localhost]\n\thost = x\n");
   const EnvironmentVariable configuration("FREETDSCONF", (folder_ / "mine.conf").string());
   (void)connect();
   EXPECT_TRUE(lastLogin().sessionEncrypted);

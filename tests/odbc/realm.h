@@ -19,7 +19,7 @@ class RealmTest : public ::testing::Test {
     server_.emplace();
     realm_->addService("MSSQLSvc/localhost:" + std::to_string(server_->port()));
     server_->checkTickets(realm_->serviceKeytab());
-    writeWholeFile(authorities(), server_->certificatePem());
+    writeFileAtomically(authorities(), server_->certificatePem());
   }
 
   [[nodiscard]] std::string serverName() const { return "localhost," + std::to_string(server_->port()); }

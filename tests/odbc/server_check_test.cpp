@@ -150,7 +150,7 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
   access_.options.certificateAuthorities = authorities;
 
   access_.requireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::TicketState {
-    throw settings::explainedError(18452, "failure.noTicket", {principal});
+    throw settings::localizedError(18452, "failure.noTicket", {principal});
   };
   EXPECT_EQ(failure(), "ticket failure.noTicket");
   access_.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };

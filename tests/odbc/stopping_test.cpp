@@ -219,7 +219,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
   const SignalSetting heard(SIGINT, SIG_DFL);
   const TemporaryFolder folder;
   const std::string target = (folder / "rows.csv").string();
-  writeWholeFile(target, "before");
+  writeFileAtomically(target, "before");
   server_.answerOthers([](const tds::Command&) {
     (void)std::raise(SIGINT);
     return begun().silence();
@@ -234,7 +234,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
     EXPECT_EQ(cli::runTool(std::move(all), out, err, connector()), 130) << arguments[0];
     EXPECT_EQ(out.str(), "");
     EXPECT_THAT(err.str(), ::testing::HasSubstr("stopped"));
-    EXPECT_EQ(readWholeFile(target), "before");
+    EXPECT_EQ(readFile(target), "before");
     while (db::workIsLeftBehind()) std::this_thread::yield();
     EXPECT_TRUE(server_.waitUntilDisconnected());
   }

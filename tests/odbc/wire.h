@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "tests/db/collected_answer.h"
 #include "tests/odbc/access_without_domain.h"
 #include "tests/support/temporary_folder.h"
@@ -22,7 +22,7 @@ class WireTest : public ::testing::Test {
  protected:
   void SetUp() override {
     if (!installedFreeTds()) GTEST_SKIP() << "the FreeTDS ODBC driver is not installed";
-    writeWholeFile(folder_ / "authorities.pem", server_.certificatePem());
+    writeFileAtomically(folder_ / "authorities.pem", server_.certificatePem());
     access_.options.certificateAuthorities = (folder_ / "authorities.pem").string();
   }
 

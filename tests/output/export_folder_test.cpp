@@ -6,8 +6,8 @@
 
 #include <filesystem>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::output {
@@ -75,13 +75,13 @@ TEST_F(ExportFolder, OfAnotherUserIsRefused) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
   fs::create_directories(home / "state/korvel/export");
   ASSERT_EQ(::chown((home / "state/korvel/export").c_str(), 12345, 12345), 0);
-  EXPECT_EQ(failure(), errorPermissionDenied);
+  EXPECT_EQ(failure(), numberOf(FileError::permissionDenied));
 }
 
 TEST_F(ExportFolder, WithAFileInItsPlaceIsAMissingPath) {
   fs::create_directories(home / "state");
-  writeWholeFile(home / "state/korvel", "x");
-  EXPECT_EQ(failure(), errorPathNotFound);
+  writeFileAtomically(home / "state/korvel", "x");
+  EXPECT_EQ(failure(), numberOf(FileError::pathNotFound));
 }
 
 }  // namespace

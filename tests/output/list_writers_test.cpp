@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "query/audit_record.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/filled_list.h"
@@ -43,7 +43,7 @@ results::ResultList standardList() {
 TEST(ListWriters, WriteTheKeptBytes) {
   for (const auto& [name, format] : listFormatNames) {
     const std::string file = KORVEL_SOURCE_DIR "/tests/data/output/list." + std::string(name);
-    EXPECT_EQ(written(format, standardList()), readWholeFile(file)) << name;
+    EXPECT_EQ(written(format, standardList()), readFile(file)) << name;
   }
 }
 

@@ -5,14 +5,14 @@
 #include <functional>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
+#include "base/system_errors.h"
 #include "output/export_folder.h"
 #include "output/report.h"
 #include "output/scratch_file.h"
 #include "output/text_export.h"
-#include "output/windows_error.h"
 #include "output/workbook.h"
 #include "tests/support/deep_folder.h"
 #include "tests/support/filled_list.h"
@@ -47,7 +47,7 @@ TEST_F(OutputsOnWindows, GoIntoTheFolderOfWindows) {
   const fs::path file = exportPath(textExportName);
   EXPECT_EQ(utf8FromPath(file), utf8FromPath(windows) + "\\velview.txt");
   writeTextExport(list, file);
-  EXPECT_EQ(readWholeFile(file), "A,B,\r\n1,\xE4\r\n");
+  EXPECT_EQ(readFile(file), "A,B,\r\n1,\xE4\r\n");
 }
 
 TEST_F(OutputsOnWindows, GoToTheRootOfADiskThatStandsAlone) {
@@ -66,7 +66,7 @@ TEST_F(OutputsOnWindows, WithoutItGoAmongTheUsersData) {
 TEST_F(OutputsOnWindows, OverAFileThatAnotherProgramHoldsAreDenied) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / textExportName;
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   {
     const test::LockedFile locked(file);
     ASSERT_TRUE(locked.isLocked());
@@ -75,28 +75,28 @@ TEST_F(OutputsOnWindows, OverAFileThatAnotherProgramHoldsAreDenied) {
                                 writeListReport({"x", &list}, {}, file);
                               }),
                               std::function<void()>([&] { writeWorkbook(list, "x", file); })}) {
-      EXPECT_EQ(failureOf(write), errorPermissionDenied);
+      EXPECT_EQ(failureOf(write), numberOf(FileError::permissionDenied));
       EXPECT_EQ(description, "Permission denied");
     }
   }
-  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(readFile(file), "earlier");
 }
 
 TEST_F(OutputsOnWindows, OverAFileThatIsNotToBeWrittenAreDenied) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / textExportName;
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
-  EXPECT_EQ(failureOf([&] { writeTextExport(list, file); }), errorPermissionDenied);
+  EXPECT_EQ(failureOf([&] { writeTextExport(list, file); }), numberOf(FileError::permissionDenied));
   SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(OutputsOnWindows, MayStandInADeepFolder) {
   const test::DeepFolder folder;
   writeTextExport(list, folder / textExportName);
-  EXPECT_EQ(readWholeFile(folder / textExportName), "A,B,\r\n1,\xE4\r\n");
+  EXPECT_EQ(readFile(folder / textExportName), "A,B,\r\n1,\xE4\r\n");
   writeWorkbook(list, "x", folder / "x.xlsx");
-  EXPECT_EQ(readWholeFile(folder / "x.xlsx").substr(0, 2), "PK");
+  EXPECT_EQ(readFile(folder / "x.xlsx").substr(0, 2), "PK");
 }
 
 TEST_F(OutputsOnWindows, WorkbooksAreMadeInAFolderOfAnyName) {

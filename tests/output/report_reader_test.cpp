@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "output/report.h"
-#include "output/windows_error.h"
 #include "settings/code_page.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/hostile_texts.h"
@@ -77,7 +77,7 @@ bool isRefused(const std::string& bytes, const ReportNotes& notes) {
     readAll(reader);
     return false;
   } catch (const Error& error) {
-    EXPECT_EQ(error.number(), errorInvalidFileFormat);
+    EXPECT_EQ(error.number(), numberOf(FileError::invalidFileFormat));
     return true;
   }
 }
@@ -183,7 +183,7 @@ TEST(ReportReader, MissingFileIsReportedByNumber) {
     static_cast<void>(reportFile(folder / "absent"));
     FAIL() << "no error";
   } catch (const Error& error) {
-    EXPECT_EQ(error.number(), errorFileNotFound);
+    EXPECT_EQ(error.number(), numberOf(FileError::fileNotFound));
   }
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/temporary_folder.h"
 
@@ -21,7 +21,7 @@ constexpr std::array<std::string_view, 6> captions = {"ALL Audits",       "Confi
                                                       "Document Control", "KorvelAudit",   "Custom"};
 
 std::string kept(const std::string& name) {
-  return readWholeFile(KORVEL_SOURCE_DIR "/tests/data/output/" + name);
+  return readFile(KORVEL_SOURCE_DIR "/tests/data/output/" + name);
 }
 
 std::string single(const results::ResultList& list, std::string_view caption, const PrintFont& font = {}) {
@@ -50,7 +50,7 @@ TEST(Report, OfAllListsHasProjectLinesAndNoEmptyLists) {
   lists[4] = filledList({{"C"}}, {{"3"}, {"4"}});
   lists[5] = filledList({{"A"}}, {{"never reported"}});
   const ReportNotes notes = writeAllListsReport(lists, captions, {}, folder / reportName);
-  EXPECT_EQ(readWholeFile(folder / "report.htm"), kept("report_all.htm"));
+  EXPECT_EQ(readFile(folder / "report.htm"), kept("report_all.htm"));
   ASSERT_EQ(notes.sections.size(), 2U);
   EXPECT_EQ(notes.sections[1].rows, 2U);
 }
@@ -82,7 +82,7 @@ TEST(Report, IsReplacedByTheNextOne) {
   const auto second = filledList({{"A"}}, {{"second"}});
   writeListReport({"x", &first}, {}, folder / reportName);
   writeListReport({"x", &second}, {}, folder / reportName);
-  EXPECT_EQ(readWholeFile(folder / "report.htm"), single(second, "x"));
+  EXPECT_EQ(readFile(folder / "report.htm"), single(second, "x"));
 }
 
 TEST(Report, ReportsWhatTheCodePageLacks) {
@@ -98,7 +98,7 @@ TEST(Report, ThatCannotBeWrittenSaysSoByNumber) {
     writeListReport({"x", &list}, {}, folder / "absent" / reportName);
     FAIL() << "no error";
   } catch (const Error& error) {
-    EXPECT_EQ(error.number(), errorPathNotFound);
+    EXPECT_EQ(error.number(), numberOf(FileError::pathNotFound));
   }
 }
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 #include "output/text_export.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/temporary_folder.h"
@@ -16,7 +16,7 @@ namespace korvel::output {
 struct TextExportFile : testing::Test {
   std::string text(const results::ResultList& list) {
     replaced = writeTextExport(list, file);
-    return readWholeFile(file);
+    return readFile(file);
   }
   int failureOf(const results::ResultList& list, const std::filesystem::path& path) {
     try {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/output/text_export_fixture.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/temporary_folder.h"
@@ -22,15 +22,15 @@ namespace fs = std::filesystem;
 using test::filledList;
 
 TEST_F(TextExportFile, ReplacesALinkInItsPlace) {
-  writeWholeFile(folder / "victim", "untouched");
+  writeFileAtomically(folder / "victim", "untouched");
   fs::create_symlink("victim", file);
   EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
-  EXPECT_EQ(readWholeFile(folder / "victim"), "untouched");
+  EXPECT_EQ(readFile(folder / "victim"), "untouched");
   EXPECT_FALSE(fs::is_symlink(file));
 }
 
 TEST_F(TextExportFile, OnAFullDiskLeavesTheEarlierOne) {
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   rlimit before{};
   ::getrlimit(RLIMIT_FSIZE, &before);
   rlimit small = before;
@@ -40,9 +40,9 @@ TEST_F(TextExportFile, OnAFullDiskLeavesTheEarlierOne) {
   const int number = failureOf(filledList({{"A"}}, {{std::string(100000, 'x')}}), file);
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, oldHandler);
-  EXPECT_EQ(number, errorDiskFull);
+  EXPECT_EQ(number, numberOf(FileError::diskFull));
   EXPECT_EQ(description, "Disk full");
-  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(readFile(file), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
 }
 

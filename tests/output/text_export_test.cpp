@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/output/text_export_fixture.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/temporary_folder.h"
@@ -23,11 +23,11 @@ TEST_F(TextExportFile, HoldsTwoLinesForOneRow) {
   EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
   EXPECT_EQ(replaced, 0U);
   writeExchangeFile(abc, folder / exchangeFileName);
-  EXPECT_EQ(readWholeFile(folder / "velviewex.log"), "A|B|C|\r\na|b|c\r\n");
+  EXPECT_EQ(readFile(folder / "velviewex.log"), "A|B|C|\r\na|b|c\r\n");
 }
 
 TEST_F(TextExportFile, IsReplacedByTheNextOne) {
-  writeWholeFile(file, std::string(10000, 'x'));
+  writeFileAtomically(file, std::string(10000, 'x'));
   EXPECT_EQ(text(abc), "A,B,C,\r\na,b,c\r\n");
   EXPECT_EQ(filesInFolder(), 1U);
 }
@@ -36,7 +36,7 @@ TEST_F(TextExportFile, QuotesNothing) {
   const auto list = filledList({{"A"}, {"B"}}, {{"1,5", "x|y"}, {"\"q\"", "two\r\nlines"}, {"<td>", "=1+1\t\x01"}});
   EXPECT_EQ(text(list), "A,B,\r\n1,5,x|y\r\n\"q\",two\r\nlines\r\n<td>,=1+1\t\x01\r\n");
   writeExchangeFile(list, file);
-  EXPECT_EQ(readWholeFile(file), "A|B|\r\n1,5|x|y\r\n\"q\"|two\r\nlines\r\n<td>|=1+1\t\x01\r\n");
+  EXPECT_EQ(readFile(file), "A|B|\r\n1,5|x|y\r\n\"q\"|two\r\nlines\r\n<td>|=1+1\t\x01\r\n");
 }
 
 TEST_F(TextExportFile, IsInTheCodePageWithoutAMark) {
@@ -67,20 +67,20 @@ TEST_F(TextExportFile, ReportsItsProgress) {
 }
 
 TEST_F(TextExportFile, GivenUpOnTheWayLeavesTheEarlierOne) {
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   EXPECT_THROW(writeTextExport(abc, file, [](std::size_t) { throw std::runtime_error("stop"); }), std::runtime_error);
-  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(readFile(file), "earlier");
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
 TEST_F(TextExportFile, FailuresCarryTheNumbersOfWindows) {
-  EXPECT_EQ(failureOf(abc, folder / "absent" / textExportName), errorPathNotFound);
+  EXPECT_EQ(failureOf(abc, folder / "absent" / textExportName), numberOf(FileError::pathNotFound));
   EXPECT_EQ(description, "Path not found");
   fs::create_directory(file);
-  EXPECT_EQ(failureOf(abc, file), errorPathFileAccess);
+  EXPECT_EQ(failureOf(abc, file), numberOf(FileError::pathFileAccess));
   EXPECT_EQ(description, "Path/File access error");
-  writeWholeFile(folder / "plain", "x");
-  EXPECT_EQ(failureOf(abc, folder / "plain" / textExportName), errorPathNotFound);
+  writeFileAtomically(folder / "plain", "x");
+  EXPECT_EQ(failureOf(abc, folder / "plain" / textExportName), numberOf(FileError::pathNotFound));
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/process_conditions_posix.h"
 #include "tests/support/temporary_folder.h"
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using test::filledList;
 
 struct WorkbookOnAFullDisk : testing::Test {
-  std::string part(const std::string& name) { return test::partOfZip(readWholeFile(file), name); }
+  std::string part(const std::string& name) { return test::partOfZip(readFile(file), name); }
   std::string sheet(int number = 1) { return part("xl/worksheets/sheet" + std::to_string(number) + ".xml"); }
   WorkbookSummary write(const results::ResultList& list) { return writeWorkbook(list, "ALL Audits", file); }
   test::TemporaryFolder folder;
@@ -28,7 +28,7 @@ struct WorkbookOnAFullDisk : testing::Test {
 };
 
 TEST_F(WorkbookOnAFullDisk, LeavesTheEarlierOne) {
-  writeWholeFile(file, "earlier");
+  writeFileAtomically(file, "earlier");
   std::vector<test::ScriptedRow> rows;
   for (int i = 0; i < 5000; ++i) rows.push_back({std::to_string(i * 7919)});
   const auto list = filledList({{"A"}}, rows);
@@ -39,8 +39,8 @@ TEST_F(WorkbookOnAFullDisk, LeavesTheEarlierOne) {
   } catch (const Error& error) {
     number = error.number();
   }
-  EXPECT_EQ(number, errorDiskFull);
-  EXPECT_EQ(readWholeFile(file), "earlier");
+  EXPECT_EQ(number, numberOf(FileError::diskFull));
+  EXPECT_EQ(readFile(file), "earlier");
 }
 
 TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
@@ -48,7 +48,7 @@ TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
   const auto list = filledList({{"A"}}, std::vector<test::ScriptedRow>(3000, {"the same text in every row"}));
   write(list);
   const std::size_t whole = sheet().size();
-  ASSERT_GT(whole, 3 * readWholeFile(file).size());
+  ASSERT_GT(whole, 3 * readFile(file).size());
   // Each part may be the one that does not fit: the rows, their sheet, and the parts around it.
   std::vector<std::size_t> sizes = {whole / 2, whole - 5000};
   for (std::size_t missing = 2000; missing > 0; missing -= 100) sizes.push_back(whole - missing);
@@ -60,7 +60,7 @@ TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
     } catch (const Error& error) {
       number = error.number();
     }
-    EXPECT_EQ(number, errorDiskFull) << whole - size << " bytes too few";
+    EXPECT_EQ(number, numberOf(FileError::diskFull)) << whole - size << " bytes too few";
   }
 }
 

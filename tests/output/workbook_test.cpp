@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
-#include "output/windows_error.h"
+#include "base/atomic_file.h"
+#include "base/system_errors.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/hostile_texts.h"
 #include "tests/support/temporary_folder.h"
@@ -25,14 +25,14 @@ using testing::HasSubstr;
 using testing::Not;
 
 struct WorkbookFile : testing::Test {
-  std::string part(const std::string& name) { return test::partOfZip(readWholeFile(file), name); }
+  std::string part(const std::string& name) { return test::partOfZip(readFile(file), name); }
   std::string sheet(int number = 1) { return part("xl/worksheets/sheet" + std::to_string(number) + ".xml"); }
   WorkbookSummary write(const results::ResultList& list) { return writeWorkbook(list, "ALL Audits", file); }
   /// A workbook that is written row by row.
   std::string finished(Workbook& book) {
     std::string bytes;
     summary = book.finish([&](std::string_view chunk) { bytes += chunk; });
-    writeWholeFile(file, bytes);
+    writeFileAtomically(file, bytes);
     return bytes;
   }
   /// The text of a cell, as an XML reader decodes it.
@@ -235,8 +235,8 @@ TEST_F(WorkbookFile, FailuresCarryTheNumbersOfWindows) {
       return static_cast<int>(error.number());
     }
   };
-  EXPECT_EQ(failure(folder / "absent/book.xlsx"), errorPathNotFound);
-  EXPECT_EQ(failure(folder.path()), errorPathFileAccess);
+  EXPECT_EQ(failure(folder / "absent/book.xlsx"), numberOf(FileError::pathNotFound));
+  EXPECT_EQ(failure(folder.path()), numberOf(FileError::pathFileAccess));
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "output/list_source.h"
 #include "output/pages/pdf.h"
 #include "tests/support/filled_list.h"
@@ -37,7 +37,7 @@ struct WrittenPages : testing::Test {
     std::string bytes;
     const PaintedPages painted = writePdf(
         source, texts, [&](std::string_view chunk) { bytes += chunk; }, progress, QPageSize(QPageSize::A4), selection);
-    writeWholeFile(folder / "pages.pdf", bytes);
+    writeFileAtomically(folder / "pages.pdf", bytes);
     return painted;
   }
   PaintedPages write(const results::ResultList& list, const PageProgress& progress = {},

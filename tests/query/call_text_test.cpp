@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "query/standard_query.h"
 
 namespace korvel::query {
@@ -23,7 +23,7 @@ TEST(CallText, HoldsThirteenQuotedValuesInParameterOrder) {
 }
 
 TEST(CallText, EqualsTheKeptTexts) {
-  std::istringstream kept(readWholeFile(KORVEL_SOURCE_DIR "/tests/data/query/call_texts.txt"));
+  std::istringstream kept(readFile(KORVEL_SOURCE_DIR "/tests/data/query/call_texts.txt"));
   int cases = 0;
   for (std::string input, expected; std::getline(kept, input) && std::getline(kept, expected); ++cases) {
     std::istringstream words(input);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
 #include "query/custom_query.h"
@@ -92,7 +92,7 @@ TEST_F(CustomQueryOfAFile, AMissingDatabaseIsAnError) {
 }
 
 TEST_F(CustomQueryOfAFile, ChangesAreRefused) {
-  const std::string before = readWholeFile(folder / "Korvel_Audit.db");
+  const std::string before = readFile(folder / "Korvel_Audit.db");
   for (const char* text :
        {"UPDATE Korvel_Audit_Trails SET Comments = 'forged'", "INSERT INTO Korvel_Audit_Trails (Nr) VALUES (9)",
         "DELETE FROM Korvel_Audit_Trails", "DROP TABLE Korvel_Audit_Trails", "CREATE TABLE t (a)",
@@ -103,7 +103,7 @@ TEST_F(CustomQueryOfAFile, ChangesAreRefused) {
     EXPECT_EQ(error.textKey(), "db.readOnly") << text;
   }
   run("SELECT 1; DELETE FROM Korvel_Audit_Trails");
-  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), before);
+  EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), before);
 }
 
 constexpr const char* endless =

@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "query/query_file.h"
 #include "tests/support/temporary_folder.h"
 
@@ -18,7 +18,7 @@ using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 struct ListedFilesOfPosix : testing::Test {
-  void file(const std::string& name) const { writeWholeFile(folder / name, "x"); }
+  void file(const std::string& name) const { writeFileAtomically(folder / name, "x"); }
 
   test::TemporaryFolder folder;
 };

@@ -5,8 +5,8 @@
 
 #include <cerrno>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "query/query_file.h"
 #include "tests/support/temporary_folder.h"
 
@@ -89,7 +89,7 @@ TEST(FileNames, MatchPatterns) {
 }
 
 struct ListedFiles : testing::Test {
-  void file(const std::string& name) const { writeWholeFile(folder / name, "x"); }
+  void file(const std::string& name) const { writeFileAtomically(folder / name, "x"); }
 
   test::TemporaryFolder folder;
 };
@@ -104,7 +104,7 @@ TEST_F(ListedFiles, ComeInTheOrderOfTheFolder) {
 
 TEST_F(ListedFiles, MatchTheExtensionAndAreFiles) {
   for (const char* name : {"b.vqf", "A.VQF", "Größe v1.2 alt.vqf", "a.txt", "vqf", "a.vqfx"})
-    writeWholeFile(folder / pathFromUtf8(name), "x");
+    writeFileAtomically(folder / pathFromUtf8(name), "x");
   std::filesystem::create_directory(folder / "folder.vqf");
   const std::string place = utf8FromPath(folder.path());
   const auto expected = UnorderedElementsAre("b.vqf", "A.VQF", "Größe v1.2 alt.vqf");

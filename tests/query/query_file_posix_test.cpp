@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <functional>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "settings/explained_error.h"
 #include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
@@ -18,10 +18,10 @@ namespace {
 
 TEST_F(QueryFile, NeverReplacesADatabase) {
   const std::string bytes("SQLite format 3\0and pages", 25);
-  writeWholeFile(folder / "Korvel_Audit.db", bytes);
+  writeFileAtomically(folder / "Korvel_Audit.db", bytes);
   std::filesystem::create_symlink(folder / "Korvel_Audit.db", file);
   EXPECT_EQ(errorOf([&] { saveQueryFile(file, "x"); }).textKey(), "queryFile.isDatabase");
-  EXPECT_EQ(readWholeFile(folder / "Korvel_Audit.db"), bytes);
+  EXPECT_EQ(readFile(folder / "Korvel_Audit.db"), bytes);
 }
 
 TEST_F(QueryFile, ThatCannotBeReadIsReported) {
@@ -38,7 +38,7 @@ TEST_F(QueryFile, ThatCannotBeReadIsReported) {
   EXPECT_EQ(reading().number(), ELOOP);
   std::filesystem::remove(file);
   if (::geteuid() == 0) return;  // who may read everything
-  writeWholeFile(file, "x");
+  writeFileAtomically(file, "x");
   std::filesystem::permissions(file, std::filesystem::perms::none);
   EXPECT_EQ(reading().number(), EACCES);
 }

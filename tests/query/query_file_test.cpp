@@ -5,9 +5,9 @@
 
 #include <functional>
 
+#include "base/atomic_file.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "base/whole_file.h"
 #include "settings/explained_error.h"
 #include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
@@ -66,13 +66,13 @@ TEST_F(QueryFile, MayBeLarge) {
   saveQueryFile(file, text);
   EXPECT_EQ(loadQueryFile(file), text + "\r\n");
   std::filesystem::resize_file(file, (std::uintmax_t{64} << 20U) + 1);
-  EXPECT_EQ(errorOf([&] { (void)loadQueryFile(file); }).number(), systemNumber(std::errc::file_too_large));
+  EXPECT_EQ(errorOf([&] { (void)loadQueryFile(file); }).number(), systemErrorNumber(std::errc::file_too_large));
 }
 
 TEST_F(QueryFile, ReplacesAnEarlierOneWhole) {
-  writeWholeFile(file, "a much longer text than the one that comes now");
+  writeFileAtomically(file, "a much longer text than the one that comes now");
   saveQueryFile(file, "x");
-  EXPECT_EQ(readWholeFile(file), "x\r\n");
+  EXPECT_EQ(readFile(file), "x\r\n");
   saveQueryFile(folder / pathFromUtf8("Grüße v1.2 alt.vqf"), "y");
   EXPECT_EQ(loadQueryFile(folder / pathFromUtf8("Grüße v1.2 alt.vqf")), "y\r\n");
 }
@@ -90,17 +90,17 @@ TEST_F(QueryFile, ThatCannotBeWrittenIsReported) {
 
 TEST_F(QueryFile, ThatIsNoFileIsReported) {
   const auto reading = [&] { return errorOf([&] { (void)loadQueryFile(file); }); };
-  EXPECT_TRUE(means(reading().number(), std::errc::no_such_file_or_directory));
+  EXPECT_TRUE(isSystemError(reading().number(), std::errc::no_such_file_or_directory));
   EXPECT_EQ(reading().textKey(), "queryFile.unreadable");
   std::filesystem::create_directory(file);
-  EXPECT_EQ(reading().number(), systemNumber(std::errc::is_a_directory));
+  EXPECT_EQ(reading().number(), systemErrorNumber(std::errc::is_a_directory));
 }
 
 TEST_F(QueryFile, NeverReplacesADatabaseOfItsName) {
   const std::string bytes("SQLite format 3\0and pages", 25);
-  writeWholeFile(file, bytes);
+  writeFileAtomically(file, bytes);
   EXPECT_EQ(errorOf([&] { saveQueryFile(file, "x"); }).textKey(), "queryFile.isDatabase");
-  EXPECT_EQ(readWholeFile(file), bytes);
+  EXPECT_EQ(readFile(file), bytes);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "results/free_memory_linux.h"
 #include "tests/support/temporary_folder.h"
 
@@ -13,7 +13,7 @@ struct FreeMemory : testing::Test {
 
   void file(const std::filesystem::path& name, const std::string& content) const {
     std::filesystem::create_directories((root / name).parent_path());
-    writeWholeFile(root / name, content);
+    writeFileAtomically(root / name, content);
   }
   void expect(std::uint64_t freeBytes, std::uint64_t wholeBytes) const {
     const auto state = memoryStateBelow(root.path());

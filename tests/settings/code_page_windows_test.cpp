@@ -18,7 +18,7 @@ constexpr unsigned japanese = 932;
 std::string bytesOf(const WindowsCodePage& page, std::string_view text) {
   std::string bytes;
   while (!text.empty())
-    if (!page.appendBytesOf(takeCharacter(text).value_or(0), bytes)) bytes += '?';
+    if (!page.appendBytesOf(takeCodePoint(text).value_or(0), bytes)) bytes += '?';
   return bytes;
 }
 
@@ -32,7 +32,7 @@ TEST(WindowsCodePage, OfTheWestIsTheSameAsElsewhere) {
   for (unsigned byte = 0x80; byte < 0x100; ++byte) {
     const char32_t character = byte < 0xA0 ? openBytes.at(byte - 0x80) : char32_t{byte};
     std::string text;
-    appendCharacter(character, text);
+    appendCodePoint(character, text);
     const std::string bytes(1, static_cast<char>(byte));
     EXPECT_EQ(page.textOfBytes(bytes), text) << byte;
     EXPECT_EQ(bytesOf(page, text), bytes) << byte;

@@ -13,11 +13,11 @@
 #include <string>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
+#include "base/system_errors.h"
 #include "settings/explained_error.h"
 #include "settings/registry.h"
-#include "settings/system_error_number.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::settings {
@@ -91,7 +91,7 @@ TEST(RegistryFile, ReturnsTheVeryStringWritten) {
 TEST(RegistryFile, WritesTheFileWhole) {
   const test::TemporaryFolder folder;
   save(folder / "sub" / "deep" / "a.reg", "Language", "10000");
-  EXPECT_EQ(readWholeFile(folder / "sub" / "deep" / "a.reg"), header + "\"Language\"=\"10000\"\n");
+  EXPECT_EQ(readFile(folder / "sub" / "deep" / "a.reg"), header + "\"Language\"=\"10000\"\n");
   // The settings and their lock; no temporary file is left.
   EXPECT_EQ(std::distance(fs::directory_iterator(folder / "sub" / "deep"), fs::directory_iterator()), 2);
   EXPECT_EQ(fs::status(folder / "sub").permissions(), fs::perms::owner_all);
@@ -128,28 +128,28 @@ TEST(RegistryFile, DoubledBackslashesAddressTheSameSection) {
 TEST(RegistryFile, NumbersAndBytesAreNoStringsAndSurvive) {
   const test::TemporaryFolder folder;
   const std::string others = "\"N\"=dword:0000002a\n\"B\"=hex:01,02\n\"X\"=hex(2):25,00\n";
-  writeWholeFile(folder / "a.reg", header + others);
+  writeFileAtomically(folder / "a.reg", header + others);
   EXPECT_EQ(raisedBy([&] { get(folder / "a.reg", "N"); }), "Registry data not a string 4");
   EXPECT_EQ(raisedBy([&] { get(folder / "a.reg", "B"); }), "Registry data not a string 3");
   EXPECT_EQ(raisedBy([&] { get(folder / "a.reg", "X"); }), "Registry data not a string 2");
   save(folder / "a.reg", "Language", "0");
-  EXPECT_EQ(readWholeFile(folder / "a.reg"), header + others + "\"Language\"=\"0\"\n");
+  EXPECT_EQ(readFile(folder / "a.reg"), header + others + "\"Language\"=\"0\"\n");
 }
 
 TEST(RegistryFile, EmptyStringsOfBothSizes) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.reg", header + "\"Zero\"=hex(1):\n\"One\"=\"\"\n");
+  writeFileAtomically(folder / "a.reg", header + "\"Zero\"=hex(1):\n\"One\"=\"\"\n");
   EXPECT_EQ(get(folder / "a.reg", "Zero"), "");
   EXPECT_EQ(get(folder / "a.reg", "One"), "");
 
   RegistryFile backend(folder / "a.reg");
   std::unique_ptr<SettingsKey> key;
-  ASSERT_EQ(backend.openForReading("SOFTWARE\\Molvane\\AuditViewer", key), errorSuccess);
+  ASSERT_EQ(backend.openForReading("SOFTWARE\\Molvane\\AuditViewer", key), Win32Error::success);
   std::uint32_t type = 0;
   std::uint32_t size = 7;
-  EXPECT_EQ(key->querySize("Zero", type, size), errorSuccess);
+  EXPECT_EQ(key->querySize("Zero", type, size), Win32Error::success);
   EXPECT_EQ(size, 0U);
-  EXPECT_EQ(key->querySize("One", type, size), errorSuccess);
+  EXPECT_EQ(key->querySize("One", type, size), Win32Error::success);
   EXPECT_EQ(size, 1U);
 }
 
@@ -158,15 +158,15 @@ TEST(RegistryFile, AKeyOpenedForReadingIsASnapshotAndTakesNothing) {
   save(folder / "a.reg", "K", "before");
   RegistryFile backend(folder / "a.reg");
   std::unique_ptr<SettingsKey> key;
-  ASSERT_EQ(backend.openForReading("SOFTWARE\\Molvane\\AuditViewer", key), errorSuccess);
+  ASSERT_EQ(backend.openForReading("SOFTWARE\\Molvane\\AuditViewer", key), Win32Error::success);
   save(folder / "a.reg", "K", "quite another length");
   std::vector<char> buffer(7);
-  EXPECT_EQ(key->queryData("K", buffer), errorSuccess);
+  EXPECT_EQ(key->queryData("K", buffer), Win32Error::success);
   EXPECT_STREQ(buffer.data(), "before");
   buffer.resize(6);
-  EXPECT_EQ(key->queryData("K", buffer), errorMoreData);
-  EXPECT_EQ(key->queryData("None", buffer), errorFileNotFound);
-  EXPECT_EQ(key->setString("K", "x"), errorAccessDenied);
+  EXPECT_EQ(key->queryData("K", buffer), Win32Error::moreData);
+  EXPECT_EQ(key->queryData("None", buffer), Win32Error::fileNotFound);
+  EXPECT_EQ(key->setString("K", "x"), Win32Error::accessDenied);
 }
 
 TEST(RegistryFile, ADamagedFileIsAFailureAndStaysAsItIs) {
@@ -174,27 +174,27 @@ TEST(RegistryFile, ADamagedFileIsAFailureAndStaysAsItIs) {
   const std::string damaged[] = {"not a registry", "\n", header + "\"Language\"=\"100", header + "\x80",
                                  std::string(3, '\0')};
   for (const std::string& bytes : damaged) {
-    writeWholeFile(folder / "a.reg", bytes);
+    writeFileAtomically(folder / "a.reg", bytes);
     EXPECT_EQ(readingRaises(folder / "a.reg"), "Could not open registry section 1009");
     EXPECT_EQ(writingRaises(folder / "a.reg"), "Could not open/create registry section 1009");
-    EXPECT_EQ(readWholeFile(folder / "a.reg"), bytes);
+    EXPECT_EQ(readFile(folder / "a.reg"), bytes);
   }
 }
 
 TEST(RegistryFile, AFileWithoutAByteIsAnEmptyStore) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.reg", "");
+  writeFileAtomically(folder / "a.reg", "");
   EXPECT_EQ(get(folder / "a.reg", "Language"), "default");
-  EXPECT_EQ(readWholeFile(folder / "a.reg"), "") << "reading writes nothing";
+  EXPECT_EQ(readFile(folder / "a.reg"), "") << "reading writes nothing";
   save(folder / "a.reg", "Language", "20000");
   EXPECT_EQ(get(folder / "a.reg", "Language"), "20000");
-  EXPECT_TRUE(readWholeFile(folder / "a.reg").starts_with("Windows Registry Editor Version 5.00\n"));
+  EXPECT_TRUE(readFile(folder / "a.reg").starts_with("Windows Registry Editor Version 5.00\n"));
 }
 
 TEST(RegistryFile, AFileThatIsNotUnderstoodIsNamedWithWhatToDo) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / "a.reg";
-  writeWholeFile(file, "not a registry");
+  writeFileAtomically(file, "not a registry");
   const std::pair<std::function<void()>, std::string> operations[] = {
       {[&] { get(file, "Language"); }, "Could not open registry section"},
       {[&] { save(file, "Language", "0"); }, "Could not open/create registry section"}};
@@ -236,7 +236,7 @@ TEST(RegistryFile, AFolderInPlaceOfTheFile) {
 
 TEST(RegistryFile, APathThroughAFile) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "plain", "x");
+  writeFileAtomically(folder / "plain", "x");
   EXPECT_EQ(readingRaises(folder / "plain" / "a.reg"), "Could not open registry section 3");
   EXPECT_EQ(writingRaises(folder / "plain" / "a.reg"), "Could not open/create registry section 3");
 }
@@ -327,7 +327,7 @@ TEST(RegistryFile, AFullDiskKeepsTheEarlierSettings) {
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, handler);
   EXPECT_EQ(raised, "Could not set key value 223");
-  EXPECT_EQ(readWholeFile(folder / "a.reg"), header + "\"Language\"=\"0\"\n");
+  EXPECT_EQ(readFile(folder / "a.reg"), header + "\"Language\"=\"0\"\n");
 }
 
 TEST(RegistryFile, NamesAndValuesThatNoFileCanHold) {
@@ -379,12 +379,12 @@ TEST(PlatformBackend, KeepsSettingsInTheNamedFile) {
 }
 
 TEST(SystemErrorNumber, AreThoseThatUsersKnow) {
-  EXPECT_EQ(systemErrorNumber(ENOENT), 2U);
-  EXPECT_EQ(systemErrorNumber(ENOTDIR), 3U) << "a path through a file is no setting that was never written";
-  EXPECT_EQ(systemErrorNumber(EACCES), 5U);
-  EXPECT_EQ(systemErrorNumber(EROFS), 19U);
-  EXPECT_EQ(systemErrorNumber(ENOSPC), 112U);
-  EXPECT_EQ(systemErrorNumber(ESTALE), 1016U);
+  EXPECT_EQ(numberOf(win32ErrorFrom(ENOENT)), 2U);
+  EXPECT_EQ(numberOf(win32ErrorFrom(ENOTDIR)), 3U) << "a path through a file is no setting that was never written";
+  EXPECT_EQ(numberOf(win32ErrorFrom(EACCES)), 5U);
+  EXPECT_EQ(numberOf(win32ErrorFrom(EROFS)), 19U);
+  EXPECT_EQ(numberOf(win32ErrorFrom(ENOSPC)), 112U);
+  EXPECT_EQ(numberOf(win32ErrorFrom(ESTALE)), 1016U);
 }
 
 }  // namespace

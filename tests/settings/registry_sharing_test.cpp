@@ -11,13 +11,13 @@
 #include <thread>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
+#include "base/system_errors.h"
 #include "settings/registry.h"
 #include "settings/registry_document.h"
 #include "settings/registry_file.h"
 #include "settings/shared_file.h"
-#include "settings/system_error_number.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::settings {
@@ -119,14 +119,14 @@ TEST(RegistrySharing, AHolderThatNeverLetsGoIsNotWaitedForWithoutEnd) {
   const test::TemporaryFolder folder;
   RegistryFile backend(folder / "a.reg", std::chrono::milliseconds{0});
   ASSERT_EQ(savingRaises(backend), "(nothing)");
-  const std::string before = readWholeFile(folder / "a.reg");
+  const std::string before = readFile(folder / "a.reg");
   {
     SharedFile::Lock holder;
-    ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), errorSuccess);
+    ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), Win32Error::success);
     EXPECT_EQ(savingRaises(backend), "Could not open/create registry section 33");
     // Reading needs no lock.
     EXPECT_EQ(Registry(backend).GetSetting("Molvane", "AuditViewer", "Language", "lost"), "10000");
-    EXPECT_EQ(readWholeFile(folder / "a.reg"), before);
+    EXPECT_EQ(readFile(folder / "a.reg"), before);
   }
   EXPECT_EQ(savingRaises(backend), "(nothing)");
 }
@@ -135,20 +135,20 @@ TEST(RegistrySharing, ASectionOpenedEarlierDoesNotWaitWithoutEndEither) {
   const test::TemporaryFolder folder;
   RegistryFile backend(folder / "a.reg", std::chrono::milliseconds{0});
   std::unique_ptr<SettingsKey> key;
-  ASSERT_EQ(backend.createOrOpen("SOFTWARE\\Molvane\\AuditViewer", key), errorSuccess);
+  ASSERT_EQ(backend.createOrOpen("SOFTWARE\\Molvane\\AuditViewer", key), Win32Error::success);
   SharedFile::Lock holder;
-  ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), errorSuccess);
-  EXPECT_EQ(key->setString("Language", "10000"), errorLockViolation);
+  ASSERT_EQ(holder.take(SharedFile(folder / "a.reg")), Win32Error::success);
+  EXPECT_EQ(key->setString("Language", "10000"), Win32Error::lockViolation);
 }
 
 TEST(RegistrySharing, AnotherProgramsValueSurvivesBetweenOpeningAndSetting) {
   const test::TemporaryFolder folder;
   RegistryFile backend(folder / "a.reg");
   std::unique_ptr<SettingsKey> key;
-  ASSERT_EQ(backend.createOrOpen("SOFTWARE\\Molvane\\AuditViewer", key), errorSuccess);
+  ASSERT_EQ(backend.createOrOpen("SOFTWARE\\Molvane\\AuditViewer", key), Win32Error::success);
   RegistryFile other(folder / "a.reg");
   Registry(other).SaveSetting("Molvane", "AuditViewer", "ViewerAppPath", "theirs");
-  ASSERT_EQ(key->setString("Language", "ours"), errorSuccess);
+  ASSERT_EQ(key->setString("Language", "ours"), Win32Error::success);
   EXPECT_EQ(Registry(backend).GetSetting("Molvane", "AuditViewer", "ViewerAppPath", "lost"), "theirs");
   EXPECT_EQ(Registry(backend).GetSetting("Molvane", "AuditViewer", "Language", "lost"), "ours");
 }

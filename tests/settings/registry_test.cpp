@@ -20,11 +20,11 @@ using testing::IsEmpty;
 
 /// The answers of the scripted store, and the requests to it.
 struct Script {
-  std::uint32_t open = errorSuccess;
-  std::uint32_t create = errorSuccess;
-  std::uint32_t querySize = errorSuccess;
-  std::uint32_t queryData = errorSuccess;
-  std::uint32_t set = errorSuccess;
+  Win32Error open = Win32Error::success;
+  Win32Error create = Win32Error::success;
+  Win32Error querySize = Win32Error::success;
+  Win32Error queryData = Win32Error::success;
+  Win32Error set = Win32Error::success;
   std::uint32_t type = static_cast<std::uint32_t>(ValueType::string);
   std::string bytes{"10000\0", 6};
   std::vector<std::string> calls;
@@ -35,20 +35,20 @@ class ScriptedKey : public SettingsKey {
   explicit ScriptedKey(Script& script) : script_(script) {}
   ~ScriptedKey() override { script_.calls.emplace_back("close"); }
 
-  std::uint32_t querySize(const std::string& name, std::uint32_t& type, std::uint32_t& size) override {
+  Win32Error querySize(const std::string& name, std::uint32_t& type, std::uint32_t& size) override {
     script_.calls.push_back("size of <" + name + ">");
     type = script_.type;
     size = static_cast<std::uint32_t>(script_.bytes.size());
     return script_.querySize;
   }
-  std::uint32_t queryData(const std::string& name, std::vector<char>& buffer) override {
+  Win32Error queryData(const std::string& name, std::vector<char>& buffer) override {
     const bool empty = std::all_of(buffer.begin(), buffer.end(), [](char c) { return c == '\0'; });
     script_.calls.push_back("data of <" + name + "> into " + std::to_string(buffer.size()) +
                             (empty ? " NULs" : " used bytes"));
     std::copy(script_.bytes.begin(), script_.bytes.end(), buffer.begin());
     return script_.queryData;
   }
-  std::uint32_t setString(const std::string& name, const std::string& value) override {
+  Win32Error setString(const std::string& name, const std::string& value) override {
     script_.calls.push_back("set <" + name + "> to <" + value + ">");
     return script_.set;
   }
@@ -60,17 +60,17 @@ class ScriptedKey : public SettingsKey {
 class ScriptedBackend : public SettingsBackend {
  public:
   explicit ScriptedBackend(Script& script) : script_(script) {}
-  std::uint32_t openForReading(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
+  Win32Error openForReading(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
     return answer("open " + path, script_.open, key);
   }
-  std::uint32_t createOrOpen(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
+  Win32Error createOrOpen(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
     return answer("create " + path, script_.create, key);
   }
 
  private:
-  std::uint32_t answer(const std::string& call, std::uint32_t failure, std::unique_ptr<SettingsKey>& key) {
+  Win32Error answer(const std::string& call, Win32Error failure, std::unique_ptr<SettingsKey>& key) {
     script_.calls.push_back(call);
-    if (failure == errorSuccess) key = std::make_unique<ScriptedKey>(script_);
+    if (failure == Win32Error::success) key = std::make_unique<ScriptedKey>(script_);
     return failure;
   }
 
@@ -171,19 +171,19 @@ TEST(Registry, NumbersAreThoseThatManualsPrint) {
 
 TEST(Registry, MissingSectionOrValueGivesTheDefault) {
   Script missingSection;
-  missingSection.open = errorFileNotFound;
+  missingSection.open = Win32Error::fileNotFound;
   EXPECT_EQ(get(missingSection), "default");
   EXPECT_THAT(missingSection.calls, ElementsAre("open SOFTWARE\\Molvane\\AuditViewer"));
 
-  for (const std::uint32_t failure : {errorFileNotFound, errorAccessDenied, 234U}) {
+  for (const Win32Error failure : {Win32Error::fileNotFound, Win32Error::accessDenied, Win32Error::moreData}) {
     Script noSize;
     noSize.querySize = failure;
-    EXPECT_EQ(get(noSize), "default") << failure;
+    EXPECT_EQ(get(noSize), "default") << numberOf(failure);
     EXPECT_EQ(noSize.calls.back(), "close");
 
     Script noData;
     noData.queryData = failure;
-    EXPECT_EQ(get(noData), "default") << failure;
+    EXPECT_EQ(get(noData), "default") << numberOf(failure);
     EXPECT_EQ(noData.calls.back(), "close");
   }
 }
@@ -208,7 +208,7 @@ TEST(Registry, DropsOneCharacterOnly) {
 TEST(Registry, OpeningFailsWithTheSystemsNumber) {
   const auto opening = [](std::uint32_t failure) {
     Script script;
-    script.open = failure;
+    script.open = static_cast<Win32Error>(failure);
     return raisedBy([&] { get(script); });
   };
   EXPECT_EQ(opening(5), (Raised{0x800407D5, "Could not open registry section"}));
@@ -233,18 +233,18 @@ TEST(Registry, AnEmptyValueOfAnotherTypeIsStillNoString) {
 }
 
 TEST(Registry, CreatingFailsWithTheSystemsNumber) {
-  for (const std::uint32_t failure : {errorFileNotFound, errorAccessDenied, 112U}) {
+  for (const Win32Error failure : {Win32Error::fileNotFound, Win32Error::accessDenied, Win32Error::diskFull}) {
     Script script;
     script.create = failure;
     EXPECT_EQ(raisedBy([&] { save(script); }),
-              (Raised{0x800407D0 + failure, "Could not open/create registry section"}));
+              (Raised{0x800407D0 + numberOf(failure), "Could not open/create registry section"}));
     EXPECT_THAT(script.calls, ElementsAre("create SOFTWARE\\Molvane\\AuditViewer"));
   }
 }
 
 TEST(Registry, SettingFailsWithTheSystemsNumberAndCloses) {
   Script script;
-  script.set = 112;
+  script.set = Win32Error::diskFull;
   EXPECT_EQ(raisedBy([&] { save(script); }), (Raised{0x80040840, "Could not set key value"}));
   EXPECT_EQ(script.calls.back(), "close");
 }
@@ -253,10 +253,10 @@ TEST(Registry, SettingFailsWithTheSystemsNumberAndCloses) {
 class ThrowingBackend : public SettingsBackend {
  public:
   explicit ThrowingBackend(Script& script) : script_(script) {}
-  std::uint32_t openForReading(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
+  Win32Error openForReading(const std::string& path, std::unique_ptr<SettingsKey>& key) override {
     return createOrOpen(path, key);
   }
-  std::uint32_t createOrOpen(const std::string& /*path*/, std::unique_ptr<SettingsKey>& key) override {
+  Win32Error createOrOpen(const std::string& /*path*/, std::unique_ptr<SettingsKey>& key) override {
     key = std::make_unique<ScriptedKey>(script_);
     if (own) throw Error(42, "gone");
     throw std::runtime_error("broken");

@@ -80,10 +80,10 @@ TEST_F(WindowsRegistry, ReadsWhatOthersHaveStored) {
 TEST_F(WindowsRegistry, CountsATerminatorThatWasNotStored) {
   save("Language", "10000");
   std::unique_ptr<SettingsKey> key;
-  ASSERT_EQ(backend.openForReading("SOFTWARE\\MolvaneTest\\AuditViewerTest", key), errorSuccess);
+  ASSERT_EQ(backend.openForReading("SOFTWARE\\MolvaneTest\\AuditViewerTest", key), Win32Error::success);
   std::uint32_t type = 0;
   std::uint32_t size = 0;
-  EXPECT_EQ(key->querySize("Language", type, size), errorSuccess);
+  EXPECT_EQ(key->querySize("Language", type, size), Win32Error::success);
   EXPECT_EQ(type, 1U);
   EXPECT_EQ(size, 6U);
 }

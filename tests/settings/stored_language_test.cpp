@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
-#include "base/whole_file.h"
 #include "settings/registry.h"
 #include "settings/registry_file.h"
 #include "tests/support/temporary_folder.h"
@@ -21,7 +21,7 @@ TEST(StoredLanguage, IsTheTextOfTheSetting) {
 
 TEST(StoredLanguage, AStoreThatCannotBeReadIsAFailure) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "settings.reg", "no settings at all");
+  writeFileAtomically(folder / "settings.reg", "no settings at all");
   RegistryFile store(folder / "settings.reg");
   EXPECT_THROW(static_cast<void>(storedLanguage(store)), Error);
 }

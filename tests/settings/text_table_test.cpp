@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 
 namespace korvel::settings {
 namespace {
@@ -61,7 +61,7 @@ TEST(TextTable, ADamagedRowFallsBackToEnglish) {
 }
 
 TextTable ourTable(const std::string& name, const std::string& keyCaption) {
-  return parseTextTable(readWholeFile(std::string(KORVEL_SOURCE_DIR) + "/settings/texts/" + name), keyCaption);
+  return parseTextTable(readFile(std::string(KORVEL_SOURCE_DIR) + "/settings/texts/" + name), keyCaption);
 }
 TextTable fixedTable() {
   return ourTable("fixed_texts.tsv", "k");

@@ -18,7 +18,7 @@ class DeepFolder {
     for (path_ = above_.path(); utf8FromPath(path_).size() < beyondPlainPaths;)
       path_ /= pathFromUtf8("Prüfpfade der Anlage Süd (alt) µ");
     std::error_code failure;
-    files::createFolders(path_, failure);
+    files::createDirectories(path_, failure);
     if (failure) throw std::system_error(failure);
   }
   ~DeepFolder() { removeAll(above_.path()); }
@@ -31,7 +31,7 @@ class DeepFolder {
  private:
   static void removeAll(const std::filesystem::path& folder) {
     std::error_code ignored;
-    for (const auto& entry : files::entries(folder, ignored)) {
+    for (const auto& entry : files::listFolder(folder, ignored)) {
       removeAll(entry);
       files::remove(entry, ignored);
     }

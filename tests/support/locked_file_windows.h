@@ -13,8 +13,8 @@ namespace korvel::test {
 class LockedFile {
  public:
   explicit LockedFile(const std::filesystem::path& file, DWORD shared = 0)
-      : handle_(CreateFileW(pathForCalls(file).c_str(), GENERIC_READ | GENERIC_WRITE, shared, nullptr, OPEN_EXISTING,
-                            FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+      : handle_(CreateFileW(extendedLengthPath(file).c_str(), GENERIC_READ | GENERIC_WRITE, shared, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
 
   [[nodiscard]] bool isLocked() const noexcept { return handle_.isOpen(); }
 

@@ -9,7 +9,7 @@
 #include <iostream>
 #include <string>
 
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 #include "tests/tds_server/kerberos/kerberos_realm.h"
 #include "tests/tds_server/server.h"
 
@@ -60,8 +60,8 @@ int serve(const std::filesystem::path& folder) {
   server.answerOthers(answerTo);
 
   const std::string authorities = (folder / "authorities.pem").string();
-  writeWholeFile(authorities, server.certificatePem());
-  writeWholeFile(folder / "environment", "export KORVEL_TEST_SERVER=localhost," + port + "\nexport KRB5_CONFIG='" +
+  writeFileAtomically(authorities, server.certificatePem());
+  writeFileAtomically(folder / "environment", "export KORVEL_TEST_SERVER=localhost," + port + "\nexport KRB5_CONFIG='" +
                                              (realm.ticketCache().parent_path() / "krb5.conf").string() +
                                              "'\nexport KRB5CCNAME='FILE:" + realm.ticketCache().string() + "'\n");
   while (std::getchar() != EOF) {

@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
-#include "base/whole_file.h"
 #include "tests/support/locked_file_windows.h"
 #include "tests/support/temporary_folder.h"
 
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 /// The error number of writing `file`, whose message must have the path `named`, as users write it.
 int writingFailure(const fs::path& file, const fs::path& named) {
   try {
-    writeWholeFile(file, "two");
+    writeFileAtomically(file, "two");
     return 0;
   } catch (const Error& error) {
     EXPECT_NE(error.description().find(" " + utf8FromPath(named)), std::string::npos) << error.description();
@@ -77,34 +77,34 @@ std::size_t filesIn(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-TEST(WholeFileOnWindows, ThatAnotherProgramHoldsIsNotReplaced) {
+TEST(AtomicFileOnWindows, ThatAnotherProgramHoldsIsNotReplaced) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / pathFromUtf8("Ölstand heute.txt");
-  writeWholeFile(file, "one");
+  writeFileAtomically(file, "one");
   {
     const test::LockedFile locked(file);
     ASSERT_TRUE(locked.isLocked());
     EXPECT_EQ(writingFailure(file), ERROR_SHARING_VIOLATION);
-    EXPECT_THROW(static_cast<void>(readWholeFile(file)), Error);
+    EXPECT_THROW(static_cast<void>(readFile(file)), Error);
   }
-  EXPECT_EQ(readWholeFile(file), "one");
+  EXPECT_EQ(readFile(file), "one");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFileOnWindows, ThatIsMarkedAsNotToBeWrittenIsNotReplaced) {
+TEST(AtomicFileOnWindows, ThatIsMarkedAsNotToBeWrittenIsNotReplaced) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / "a.txt";
-  writeWholeFile(file, "one");
+  writeFileAtomically(file, "one");
   ASSERT_NE(SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY), 0);
   EXPECT_EQ(writingFailure(file), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(readWholeFile(file), "one");
+  EXPECT_EQ(readFile(file), "one");
   SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFileOnWindows, AnIncompleteFileCannotBeOpenedByOthers) {
+TEST(AtomicFileOnWindows, AnIncompleteFileCannotBeOpenedByOthers) {
   const test::TemporaryFolder folder;
-  const WholeFile file(folder / "a.txt");
+  const AtomicFile file(folder / "a.txt");
   ASSERT_EQ(filesIn(folder.path()), 1U);
   const fs::path unfinished = fs::directory_iterator(folder.path())->path();
   const test::LockedFile other(unfinished, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
@@ -112,70 +112,70 @@ TEST(WholeFileOnWindows, AnIncompleteFileCannotBeOpenedByOthers) {
   EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
 }
 
-TEST(WholeFileOnWindows, InPlaceOfAFolderIsAFailure) {
+TEST(AtomicFileOnWindows, InPlaceOfAFolderIsAFailure) {
   const test::TemporaryFolder folder;
   fs::create_directory(folder / "a.txt");
   EXPECT_EQ(writingFailure(folder / "a.txt"), ERROR_ACCESS_DENIED);
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFileOnWindows, ThatAProgramHasOpenWithoutSharingItsRemovalIsInUse) {
+TEST(AtomicFileOnWindows, ThatAProgramHasOpenWithoutSharingItsRemovalIsInUse) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / "a.txt";
-  writeWholeFile(file, "one");
+  writeFileAtomically(file, "one");
   {
     const test::LockedFile held(file, FILE_SHARE_READ | FILE_SHARE_WRITE);
     ASSERT_TRUE(held.isLocked());
     EXPECT_EQ(writingFailure(file), ERROR_SHARING_VIOLATION);
   }
-  EXPECT_EQ(readWholeFile(file), "one");
+  EXPECT_EQ(readFile(file), "one");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFileOnWindows, KeepsItsRightsWhereItIsWrittenThroughOnly) {
+TEST(AtomicFileOnWindows, KeepsItsRightsWhereItIsWrittenThroughOnly) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / "a.txt";
-  writeWholeFile(file, "one");
+  writeFileAtomically(file, "one");
   const std::wstring rightsOfANewFile = rightsOf(file);
   giveRights(file, L"D:P(A;;FA;;;" + userIdentity() + L")");
   const std::wstring ownRights = rightsOf(file);
   if (ownRights == rightsOfANewFile) GTEST_SKIP() << "a new file gets no rights of its own here";
   {
-    const WholeFile unfinished(file);
+    const AtomicFile unfinished(file);
     for (const auto& entry : fs::directory_iterator(folder.path()))
       EXPECT_EQ(rightsOf(entry.path()), ownRights) << "before the first byte, too";
   }
-  writeWholeFile(file, "two");
+  writeFileAtomically(file, "two");
   EXPECT_EQ(rightsOf(file), ownRights);
-  WholeFile other(file, AtLink::replace);
+  AtomicFile other(file, SymlinkPolicy::replace);
   other.write("three");
   other.commit();
   EXPECT_EQ(rightsOf(file), rightsOfANewFile) << "what lay there says nothing about the new one";
-  EXPECT_EQ(readWholeFile(file), "three");
+  EXPECT_EQ(readFile(file), "three");
 }
 
-TEST(WholeFileOnWindows, KeepsItsMarks) {
+TEST(AtomicFileOnWindows, KeepsItsMarks) {
   const test::TemporaryFolder folder;
   const fs::path file = folder / "a.txt";
   constexpr DWORD marks = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-  writeWholeFile(file, "one");
+  writeFileAtomically(file, "one");
   ASSERT_NE(SetFileAttributesW(file.c_str(), marks), 0);
-  writeWholeFile(file, "two");
+  writeFileAtomically(file, "two");
   EXPECT_EQ(GetFileAttributesW(file.c_str()) & marks, marks);
-  EXPECT_EQ(readWholeFile(file), "two");
+  EXPECT_EQ(readFile(file), "two");
 }
 
-TEST(WholeFileOnWindows, MayBeNamedFromTheCurrentFolder) {
+TEST(AtomicFileOnWindows, MayBeNamedFromTheCurrentFolder) {
   const test::TemporaryFolder folder;
   const fs::path before = fs::current_path();
   fs::current_path(folder.path());
-  writeWholeFile("a.txt", "one");
-  writeWholeFile("a.txt", "two");
+  writeFileAtomically("a.txt", "one");
+  writeFileAtomically("a.txt", "two");
   fs::current_path(before);
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "two");
+  EXPECT_EQ(readFile(folder / "a.txt"), "two");
 }
 
-TEST(WholeFileOnWindows, IsNotPutInPlaceOfALinkThatLeadsNowhere) {
+TEST(AtomicFileOnWindows, IsNotPutInPlaceOfALinkThatLeadsNowhere) {
   const test::TemporaryFolder folder;
   const fs::path link = folder / "link.txt";
   constexpr DWORD withoutPrivilege = 2;
@@ -187,35 +187,35 @@ TEST(WholeFileOnWindows, IsNotPutInPlaceOfALinkThatLeadsNowhere) {
   EXPECT_NE(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
 }
 
-TEST(WholeFileOnWindows, HoldsBytesAsTheyAre) {
+TEST(AtomicFileOnWindows, HoldsBytesAsTheyAre) {
   const test::TemporaryFolder folder;
   const std::string bytes("a\nb\r\nc\x1A\0d", 9);
-  writeWholeFile(folder / "a.txt", bytes);
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), bytes);
+  writeFileAtomically(folder / "a.txt", bytes);
+  EXPECT_EQ(readFile(folder / "a.txt"), bytes);
 }
 
-TEST(WholeFileOnWindows, KeepsOrReplacesALinkAsRequested) {
+TEST(AtomicFileOnWindows, KeepsOrReplacesALinkAsRequested) {
   const test::TemporaryFolder folder;
   const fs::path real = folder / "real.txt";
   const fs::path link = folder / "link.txt";
-  writeWholeFile(real, "one");
+  writeFileAtomically(real, "one");
   constexpr DWORD withoutPrivilege = 2;
   CreateSymbolicLinkW(link.c_str(), real.c_str(), withoutPrivilege);
   const DWORD attributes = GetFileAttributesW(link.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
     GTEST_SKIP() << "no links to be had here: error " << GetLastError();
-  writeWholeFile(link, "two");
+  writeFileAtomically(link, "two");
   EXPECT_NE(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
-  EXPECT_EQ(readWholeFile(real), "two");
+  EXPECT_EQ(readFile(real), "two");
   {
     const test::LockedFile locked(real);
     EXPECT_EQ(writingFailure(link, real), ERROR_SHARING_VIOLATION);
   }
-  WholeFile file(link, AtLink::replace);
+  AtomicFile file(link, SymlinkPolicy::replace);
   file.write("three");
   file.commit();
   EXPECT_EQ(GetFileAttributesW(link.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT, 0U);
-  EXPECT_EQ(readWholeFile(real), "two");
+  EXPECT_EQ(readFile(real), "two");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "base/file_rights_windows.h"
+#include "base/file_dacl_windows.h"
 
 namespace korvel {
 
@@ -10,12 +10,12 @@ bool isNotToBeHad(DWORD number) noexcept {
 
 }  // namespace
 
-PSECURITY_DESCRIPTOR FileRights::descriptor() const {
+PSECURITY_DESCRIPTOR FileDacl::descriptor() const {
   // The system's calls read from it only, though they do not say so.
   return const_cast<char*>(bytes_.data());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
-DWORD FileRights::take(HANDLE file) {
+DWORD FileDacl::take(HANDLE file) {
   bytes_.clear();
   // They may change between two calls; each tells how much it needs.
   for (DWORD needed = 0;;) {
@@ -37,14 +37,14 @@ DWORD FileRights::take(HANDLE file) {
   return ERROR_SUCCESS;
 }
 
-DWORD FileRights::giveTo(HANDLE file) const {
+DWORD FileDacl::applyTo(HANDLE file) const {
   if (bytes_.empty() || SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, descriptor()) != 0)
     return ERROR_SUCCESS;
   const DWORD number = GetLastError();
-  return areTheFilesOwn() ? number : ERROR_SUCCESS;
+  return hasExplicitEntries() ? number : ERROR_SUCCESS;
 }
 
-bool FileRights::areTheFilesOwn() const {
+bool FileDacl::hasExplicitEntries() const {
   if (bytes_.empty()) return false;
   SECURITY_DESCRIPTOR_CONTROL control = 0;
   DWORD revision = 0;

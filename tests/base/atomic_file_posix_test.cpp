@@ -1,4 +1,4 @@
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -36,59 +36,59 @@ std::size_t filesIn(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-TEST(WholeFile, KeepsTheTargetsRights) {
+TEST(AtomicFile, KeepsTheTargetsRights) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "one");
   fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
-  writeWholeFile(folder / "a.txt", "two");
+  writeFileAtomically(folder / "a.txt", "two");
   EXPECT_EQ(fs::status(folder / "a.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(WholeFile, ANewFileGetsTheRightsThatTheUsersMaskAllows) {
+TEST(AtomicFile, ANewFileGetsTheRightsThatTheUsersMaskAllows) {
   const test::TemporaryFolder folder;
   const mode_t before = ::umask(027);
   maskChanges = 0;
-  writeWholeFile(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "one");
   EXPECT_EQ(maskChanges, 0);
   ::umask(before);
   EXPECT_EQ(fs::status(folder / "a.txt").permissions(),
             fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 }
 
-TEST(WholeFile, AnIncompleteFileCannotBeReadByOthers) {
+TEST(AtomicFile, AnIncompleteFileCannotBeReadByOthers) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "one");
   fs::permissions(folder / "a.txt", fs::perms::owner_read | fs::perms::owner_write);
-  const WholeFile file(folder / "a.txt");
+  const AtomicFile file(folder / "a.txt");
   for (const auto& entry : fs::directory_iterator(folder.path()))
     EXPECT_EQ(entry.status().permissions(), fs::perms::owner_read | fs::perms::owner_write) << entry.path();
   EXPECT_EQ(filesIn(folder.path()), 2U);
 }
 
-TEST(WholeFile, WritesThroughALink) {
+TEST(AtomicFile, WritesThroughALink) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "real.txt", "one");
+  writeFileAtomically(folder / "real.txt", "one");
   fs::create_symlink("real.txt", folder / "link.txt");
-  writeWholeFile(folder / "link.txt", "two");
+  writeFileAtomically(folder / "link.txt", "two");
   EXPECT_TRUE(fs::is_symlink(folder / "link.txt"));
-  EXPECT_EQ(readWholeFile(folder / "real.txt"), "two");
+  EXPECT_EQ(readFile(folder / "real.txt"), "two");
 }
 
-TEST(WholeFile, ReplacesALinkOnRequest) {
+TEST(AtomicFile, ReplacesALinkOnRequest) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "real.txt", "one");
+  writeFileAtomically(folder / "real.txt", "one");
   fs::create_symlink("real.txt", folder / "link.txt");
-  WholeFile file(folder / "link.txt", AtLink::replace);
+  AtomicFile file(folder / "link.txt", SymlinkPolicy::replace);
   file.write("two");
   file.commit();
   EXPECT_FALSE(fs::is_symlink(folder / "link.txt"));
-  EXPECT_EQ(readWholeFile(folder / "link.txt"), "two");
-  EXPECT_EQ(readWholeFile(folder / "real.txt"), "one");
+  EXPECT_EQ(readFile(folder / "link.txt"), "two");
+  EXPECT_EQ(readFile(folder / "real.txt"), "one");
 }
 
-TEST(WholeFile, FullDiskLeavesTheEarlierFile) {
+TEST(AtomicFile, FullDiskLeavesTheEarlierFile) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "one");
   rlimit before{};
   ::getrlimit(RLIMIT_FSIZE, &before);
   rlimit small = before;
@@ -97,14 +97,14 @@ TEST(WholeFile, FullDiskLeavesTheEarlierFile) {
   ::setrlimit(RLIMIT_FSIZE, &small);
   int number = 0;
   try {
-    writeWholeFile(folder / "a.txt", std::string(10000, 'x'));
+    writeFileAtomically(folder / "a.txt", std::string(10000, 'x'));
   } catch (const Error& error) {
     number = error.number();
   }
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, oldHandler);
   EXPECT_EQ(number, EFBIG);
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(readFile(folder / "a.txt"), "one");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 

@@ -1,4 +1,4 @@
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 
 #include <gtest/gtest.h>
 
@@ -18,44 +18,44 @@ std::size_t filesIn(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-TEST(WholeFile, ReplacesTheTarget) {
+TEST(AtomicFile, ReplacesTheTarget) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.txt", "one");
-  writeWholeFile(folder / "a.txt", "two");
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "two");
+  writeFileAtomically(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "two");
+  EXPECT_EQ(readFile(folder / "a.txt"), "two");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFile, WithoutCommitLeavesTheTargetAndNothingElse) {
+TEST(AtomicFile, WithoutCommitLeavesTheTargetAndNothingElse) {
   const test::TemporaryFolder folder;
-  writeWholeFile(folder / "a.txt", "one");
+  writeFileAtomically(folder / "a.txt", "one");
   {
-    WholeFile file(folder / "a.txt");
+    AtomicFile file(folder / "a.txt");
     file.write("two");
   }
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(readFile(folder / "a.txt"), "one");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFile, WritersOfOneTargetDoNotMeet) {
+TEST(AtomicFile, WritersOfOneTargetDoNotMeet) {
   const test::TemporaryFolder folder;
-  WholeFile first(folder / "a.txt");
-  WholeFile second(folder / "a.txt");
+  AtomicFile first(folder / "a.txt");
+  AtomicFile second(folder / "a.txt");
   first.write("one");
   second.write("two");
   second.commit();
   first.commit();
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "one");
+  EXPECT_EQ(readFile(folder / "a.txt"), "one");
   EXPECT_EQ(filesIn(folder.path()), 1U);
 }
 
-TEST(WholeFile, MissingFolderIsASystemError) {
+TEST(AtomicFile, MissingFolderIsASystemError) {
   const test::TemporaryFolder folder;
   try {
-    writeWholeFile(folder / "none" / "a.txt", "x");
+    writeFileAtomically(folder / "none" / "a.txt", "x");
     FAIL() << "no error";
   } catch (const Error& error) {
-    EXPECT_TRUE(means(error.number(), std::errc::no_such_file_or_directory)) << error.number();
+    EXPECT_TRUE(isSystemError(error.number(), std::errc::no_such_file_or_directory)) << error.number();
   }
 }
 

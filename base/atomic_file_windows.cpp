@@ -12,13 +12,13 @@
 #include <string>
 #include <utility>
 
-#include "base/error.h"
-#include "base/file_rights_windows.h"
+#include "base/atomic_file.h"
+#include "base/file_dacl_windows.h"
 #include "base/files.h"
 #include "base/paths.h"
+#include "base/paths_windows.h"
+#include "base/system_errors.h"
 #include "base/system_handle_windows.h"
-#include "base/whole_file.h"
-#include "base/whole_path_windows.h"
 
 namespace korvel {
 
@@ -52,15 +52,15 @@ fs::path plainForm(const std::wstring& name) {
   else if (plain.starts_with(verbatim))
     plain.erase(0, verbatim.size());
   // Names of some programs' making, and disks without a letter, mean something in the system's own form only.
-  return wholePath(plain) == plain ? fs::path(plain) : fs::path(name);
+  return fullPath(plain) == plain ? fs::path(plain) : fs::path(name);
 }
 
 /// Where a link leads; `target` itself where it is none. Throws Error for a link that leads nowhere: what was meant
 /// cannot be told.
 fs::path followedLinks(const fs::path& target) {
   std::error_code ignored;
-  if (files::linkStatus(target, ignored).type() != fs::file_type::symlink) return target;
-  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), FILE_READ_ATTRIBUTES, sharedByAll, nullptr,
+  if (files::symlinkStatus(target, ignored).type() != fs::file_type::symlink) return target;
+  const SystemHandle file(CreateFileW(extendedLengthPath(target).c_str(), FILE_READ_ATTRIBUTES, sharedByAll, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   if (!file.isOpen()) throw failed("cannot follow the link", target);
   std::wstring name(GetFinalPathNameByHandleW(file.get(), nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
@@ -89,8 +89,8 @@ SystemHandle createBeside(const fs::path& target, DWORD attributes, DWORD access
     if (suffix.empty()) break;
     fs::path name = target;
     name += suffix;
-    SystemHandle file(
-        CreateFileW(pathForCalls(name).c_str(), GENERIC_WRITE | access, 0, nullptr, CREATE_NEW, attributes, nullptr));
+    SystemHandle file(CreateFileW(extendedLengthPath(name).c_str(), GENERIC_WRITE | access, 0, nullptr, CREATE_NEW,
+                                  attributes, nullptr));
     if (file.isOpen()) created = std::move(name);
     if (file.isOpen() || GetLastError() != ERROR_FILE_EXISTS) return file;
   }
@@ -101,15 +101,15 @@ SystemHandle createBeside(const fs::path& target, DWORD attributes, DWORD access
 struct Standing {
   bool isThere = false;
   DWORD attributes = FILE_ATTRIBUTE_NORMAL;
-  FileRights rights;
+  FileDacl rights;
 };
 
 /// Looks at what stands in the target's place, and whether the person may write it, as far as it is a plain file: a
 /// file that is marked as not to be written, or that another program keeps to itself, is not replaced either. A number
 /// of the system, or 0.
 DWORD whyNotWritable(const fs::path& target, Standing& standing) {
-  const SystemHandle file(CreateFileW(pathForCalls(target).c_str(), GENERIC_WRITE, sharedByAll, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  const SystemHandle file(CreateFileW(extendedLengthPath(target).c_str(), GENERIC_WRITE, sharedByAll, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   BY_HANDLE_FILE_INFORMATION about{};
   if (!file.isOpen() || GetFileInformationByHandle(file.get(), &about) == 0) {
     const DWORD number = GetLastError();
@@ -123,10 +123,10 @@ DWORD whyNotWritable(const fs::path& target, Standing& standing) {
 
 /// Sees to it that the new file has `rights`, as far as they are not simply those of its folder. A number of the
 /// system, or 0.
-DWORD keepRights(const FileRights& rights, HANDLE file, bool maySet) {
-  if (maySet) return rights.giveTo(file);
-  if (!rights.areTheFilesOwn()) return ERROR_SUCCESS;
-  FileRights given;
+DWORD keepRights(const FileDacl& rights, HANDLE file, bool maySet) {
+  if (maySet) return rights.applyTo(file);
+  if (!rights.hasExplicitEntries()) return ERROR_SUCCESS;
+  FileDacl given;
   const DWORD number = given.take(file);
   if (number != ERROR_SUCCESS) return number;
   return given == rights ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
@@ -184,13 +184,13 @@ DWORD patiently(Rename rename) {
 /// or 0.
 DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& target) {
   std::error_code failure;
-  const fs::path to = pathForCalls(wholeForm(target, failure));
+  const fs::path to = extendedLengthPath(absolutePath(target, failure));
   DWORD number = patiently([&] { return renameOpen(file.get(), to.native()); });
   if (number == ERROR_SUCCESS) {
     FlushFileBuffers(file.get());  // the new name too; the bytes are on the disk already
   } else if (!isRefusal(number)) {
     file = SystemHandle();
-    const fs::path from = pathForCalls(written);
+    const fs::path from = extendedLengthPath(written);
     number = patiently([&] {
       return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0
                  ? ERROR_SUCCESS
@@ -205,13 +205,13 @@ DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& tar
 
 }  // namespace
 
-WholeFile::WholeFile(fs::path target, AtLink atLink)
-    : target_(atLink == AtLink::writeThrough ? followedLinks(target) : std::move(target)) {
+AtomicFile::AtomicFile(fs::path target, SymlinkPolicy symlinks)
+    : target_(symlinks == SymlinkPolicy::follow ? followedLinks(target) : std::move(target)) {
   Standing standing;
   if (const DWORD number = whyNotWritable(target_, standing); number != ERROR_SUCCESS)
     throw failed("cannot write", target_, number);
   // What somebody else left in the place of a file says nothing about who may read the new one.
-  const bool keeps = atLink == AtLink::writeThrough && standing.isThere;
+  const bool keeps = symlinks == SymlinkPolicy::follow && standing.isThere;
   const DWORD attributes = keeps ? keptAttributes(standing.attributes) : FILE_ATTRIBUTE_NORMAL;
   SystemHandle file = createBeside(target_, attributes, keeps ? DELETE | WRITE_DAC : DELETE, temporary_);
   // Many folders of the network let nobody set rights, but give all their files the same.
@@ -222,18 +222,18 @@ WholeFile::WholeFile(fs::path target, AtLink atLink)
   if (const DWORD number = keeps ? keepRights(standing.rights, file.get(), maySetRights) : ERROR_SUCCESS;
       number != ERROR_SUCCESS) {
     file = SystemHandle();
-    DeleteFileW(pathForCalls(temporary_).c_str());
+    DeleteFileW(extendedLengthPath(temporary_).c_str());
     throw failed("cannot keep the rights of", target_, number);
   }
   file_ = reinterpret_cast<std::intptr_t>(file.release());
 }
 
-WholeFile::~WholeFile() {
+AtomicFile::~AtomicFile() {
   SystemHandle(handleOf(file_)) = SystemHandle();
-  if (!temporary_.empty()) DeleteFileW(pathForCalls(temporary_).c_str());
+  if (!temporary_.empty()) DeleteFileW(extendedLengthPath(temporary_).c_str());
 }
 
-void WholeFile::flush() {
+void AtomicFile::flush() {
   std::string_view rest = buffer_;
   while (!rest.empty()) {
     DWORD written = 0;
@@ -244,7 +244,7 @@ void WholeFile::flush() {
   buffer_.clear();
 }
 
-void WholeFile::commit() {
+void AtomicFile::commit() {
   flush();
   if (FlushFileBuffers(handleOf(file_)) == 0) throw failed("cannot write", target_);
   const DWORD number = putInPlace(SystemHandle(handleOf(std::exchange(file_, -1))), temporary_, target_);
@@ -252,9 +252,9 @@ void WholeFile::commit() {
   temporary_.clear();
 }
 
-std::string readWholeFile(const fs::path& file) {
-  const SystemHandle opened(CreateFileW(pathForCalls(file).c_str(), GENERIC_READ, sharedByAll, nullptr, OPEN_EXISTING,
-                                        FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+std::string readFile(const fs::path& file) {
+  const SystemHandle opened(CreateFileW(extendedLengthPath(file).c_str(), GENERIC_READ, sharedByAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
   if (!opened.isOpen()) throw failed("cannot open", file);
   std::string bytes;
   std::string chunk(chunkBytes, '\0');

@@ -1,25 +1,23 @@
-#include "db/odbc/odbc_text.h"
+#include "base/utf16.h"
 
 #include <cstdint>
 #include <cstring>
 
 #include "base/text.h"
 
-namespace korvel::db::odbc {
+namespace korvel {
 
 namespace {
 
-constexpr char32_t replacement = 0xFFFD;
-
-constexpr bool isLowSurrogate(char16_t unit) noexcept {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
+constexpr char32_t firstHigh = 0xD800;
+constexpr char32_t firstLow = 0xDC00;
+constexpr char32_t firstSupplementary = 0x10000;
 
 char* writeCodePoint(char32_t codePoint, char* out) {
   const auto byte = [&](char32_t value) { *out++ = static_cast<char>(static_cast<unsigned char>(value)); };
   if (codePoint < 0x800) {
     byte(0xC0U | (codePoint >> 6U));
-  } else if (codePoint < 0x10000) {
+  } else if (codePoint < firstSupplementary) {
     byte(0xE0U | (codePoint >> 12U));
     byte(0x80U | ((codePoint >> 6U) & 0x3FU));
   } else {
@@ -44,22 +42,16 @@ bool writeFourPlain(const char16_t* in, char* out) {
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view utf8) {
-  const std::string valid = replaceInvalidUtf8(utf8);
+std::u16string utf16FromUtf8(std::string_view utf8) {
   std::u16string utf16;
-  utf16.reserve(valid.size());
-  for (std::size_t i = 0; i < valid.size();) {
-    const auto lead = static_cast<unsigned char>(valid[i]);
-    const std::size_t length = lead < 0x80 ? 1U : lead < 0xE0 ? 2U : lead < 0xF0 ? 3U : 4U;
-    char32_t codePoint = length == 1 ? lead : lead & (0xFFU >> (length + 1U));
-    for (std::size_t k = 1; k < length; ++k)
-      codePoint = (codePoint << 6U) | (static_cast<unsigned char>(valid[i + k]) & 0x3FU);
-    i += length;
-    if (codePoint < 0x10000) {
+  utf16.reserve(utf8.size());
+  while (!utf8.empty()) {
+    const char32_t codePoint = takeCodePoint(utf8).value_or(replacementCharacter);
+    if (codePoint < firstSupplementary) {
       utf16.push_back(static_cast<char16_t>(codePoint));
     } else {
-      utf16.push_back(static_cast<char16_t>(0xD800U + ((codePoint - 0x10000U) >> 10U)));
-      utf16.push_back(static_cast<char16_t>(0xDC00U + ((codePoint - 0x10000U) & 0x3FFU)));
+      utf16.push_back(static_cast<char16_t>(firstHigh + ((codePoint - firstSupplementary) >> 10U)));
+      utf16.push_back(static_cast<char16_t>(firstLow + ((codePoint - firstSupplementary) & 0x3FFU)));
     }
   }
   return utf16;
@@ -80,19 +72,40 @@ char* writeUtf8(std::u16string_view utf16, char* out) {
     if (unit < 0x80) {
       *out++ = static_cast<char>(unit);
     } else if (isHighSurrogate(unit) && in != end && isLowSurrogate(*in)) {
-      const char32_t high = unit - 0xD800U;
-      const char32_t low = *in++ - 0xDC00U;
-      out = writeCodePoint(0x10000U + (high << 10U) + low, out);
+      const char32_t high = unit - firstHigh;
+      const char32_t low = *in++ - firstLow;
+      out = writeCodePoint(firstSupplementary + (high << 10U) + low, out);
     } else {
-      out = writeCodePoint(isHighSurrogate(unit) || isLowSurrogate(unit) ? replacement : char32_t{unit}, out);
+      out = writeCodePoint(isHighSurrogate(unit) || isLowSurrogate(unit) ? replacementCharacter : char32_t{unit}, out);
     }
   }
 }
 
-std::string toUtf8(std::u16string_view utf16) {
-  std::string utf8(utf16.size() * mostUtf8BytesOfUnit, '\0');
+std::string utf8FromUtf16(std::u16string_view utf16) {
+  std::string utf8(utf16.size() * maxUtf8BytesPerUnit, '\0');
   utf8.resize(static_cast<std::size_t>(writeUtf8(utf16, utf8.data()) - utf8.data()));
   return utf8;
 }
 
-}  // namespace korvel::db::odbc
+std::optional<std::string> utf16BytesFromUtf8(std::string_view text) {
+  if (!isValidUtf8(text)) return std::nullopt;
+  const std::u16string units = utf16FromUtf8(text);
+  std::string bytes;
+  bytes.reserve(units.size() * 2);
+  for (const char16_t unit : units) {
+    bytes.push_back(static_cast<char>(unit & 0xFFU));
+    bytes.push_back(static_cast<char>(unit >> 8U));
+  }
+  return bytes;
+}
+
+std::string utf8FromUtf16Bytes(std::string_view bytes) {
+  std::u16string units;
+  units.reserve(bytes.size() / 2);
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2)
+    units.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[at]) |
+                                          static_cast<unsigned>(static_cast<unsigned char>(bytes[at + 1])) << 8U));
+  return utf8FromUtf16(units);
+}
+
+}  // namespace korvel

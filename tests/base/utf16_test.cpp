@@ -1,13 +1,13 @@
-#include "db/odbc/odbc_text.h"
+#include "base/utf16.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
-namespace korvel::db::odbc {
+namespace korvel {
 namespace {
 
-TEST(OdbcText, plainAndOtherCharactersAtEveryPlace) {
+TEST(Utf16, plainAndOtherCharactersAtEveryPlace) {
   struct Character {
     std::u16string wide;
     std::string narrow;
@@ -29,15 +29,15 @@ TEST(OdbcText, plainAndOtherCharactersAtEveryPlace) {
         wide.append(other.wide).append(after, u'z');
         std::string narrow(before, 'a');
         narrow.append(other.narrow).append(after, 'z');
-        EXPECT_EQ(toUtf8(wide), narrow);
-        EXPECT_EQ(toUtf16(narrow), wide);
-        EXPECT_EQ(toUtf8(wide + wide), narrow + narrow);
+        EXPECT_EQ(utf8FromUtf16(wide), narrow);
+        EXPECT_EQ(utf16FromUtf8(narrow), wide);
+        EXPECT_EQ(utf8FromUtf16(wide + wide), narrow + narrow);
       }
     }
   }
 }
 
-TEST(OdbcText, writesNothingBehindItsEnd) {
+TEST(Utf16, writesNothingBehindItsEnd) {
   for (std::size_t size = 0; size < 12; ++size) {
     std::string out(3 * size + 8, '#');
     const std::u16string wide(size, u'a');
@@ -47,17 +47,17 @@ TEST(OdbcText, writesNothingBehindItsEnd) {
   }
 }
 
-TEST(OdbcText, surrogatesWithoutPartnersAreReplaced) {
-  EXPECT_EQ(toUtf8(std::u16string{0xD83D}), "\uFFFD");
-  EXPECT_EQ(toUtf8(std::u16string{u'a', 0xD83D, u'b', u'c', u'd', u'e'}), "a\uFFFDbcde");
-  EXPECT_EQ(toUtf8(std::u16string{0xDEE2, 0xD83D}), "\uFFFD\uFFFD");
-  EXPECT_EQ(toUtf8(std::u16string{0xD83D, 0xD83D, 0xDEE2}), "\uFFFD🛢");
+TEST(Utf16, surrogatesWithoutPartnersAreReplaced) {
+  EXPECT_EQ(utf8FromUtf16(std::u16string{0xD83D}), "\uFFFD");
+  EXPECT_EQ(utf8FromUtf16(std::u16string{u'a', 0xD83D, u'b', u'c', u'd', u'e'}), "a\uFFFDbcde");
+  EXPECT_EQ(utf8FromUtf16(std::u16string{0xDEE2, 0xD83D}), "\uFFFD\uFFFD");
+  EXPECT_EQ(utf8FromUtf16(std::u16string{0xD83D, 0xD83D, 0xDEE2}), "\uFFFD🛢");
 }
 
-TEST(OdbcText, malformedUtf8IsReplaced) {
-  EXPECT_EQ(toUtf16("a\xFF"), u"a\uFFFD");
-  EXPECT_EQ(toUtf16(""), u"");
+TEST(Utf16, malformedUtf8IsReplaced) {
+  EXPECT_EQ(utf16FromUtf8("a\xFF"), u"a\uFFFD");
+  EXPECT_EQ(utf16FromUtf8(""), u"");
 }
 
 }  // namespace
-}  // namespace korvel::db::odbc
+}  // namespace korvel

@@ -1,4 +1,4 @@
-#include "base/whole_file.h"
+#include "base/atomic_file.h"
 
 #include <fcntl.h>
 #include <sys/random.h>
@@ -11,8 +11,8 @@
 #include <system_error>
 #include <utility>
 
-#include "base/error.h"
 #include "base/paths.h"
+#include "base/system_errors.h"
 
 namespace korvel {
 
@@ -74,12 +74,12 @@ void syncFolderOf(const fs::path& file) {
 
 }  // namespace
 
-WholeFile::WholeFile(fs::path target, AtLink atLink)
-    : target_(atLink == AtLink::writeThrough ? followedLinks(std::move(target)) : std::move(target)) {
+AtomicFile::AtomicFile(fs::path target, SymlinkPolicy symlinks)
+    : target_(symlinks == SymlinkPolicy::follow ? followedLinks(std::move(target)) : std::move(target)) {
   struct stat status {};
   bool replaces = ::lstat(target_.c_str(), &status) == 0 && !S_ISLNK(status.st_mode);
   // What somebody else left in the place of a file says nothing about who may read the new one.
-  if (atLink == AtLink::replace && status.st_uid != ::geteuid()) replaces = false;
+  if (symlinks == SymlinkPolicy::replace && status.st_uid != ::geteuid()) replaces = false;
   // A new file gets what the user's mask allows: the system applies it, for to ask for the mask is to change it, in all
   // threads. A replacement is the user's alone until it has the rights of the file that it replaces.
   constexpr mode_t newFileMode = 0666;
@@ -90,12 +90,12 @@ WholeFile::WholeFile(fs::path target, AtLink atLink)
   if (replaces) ::fchmod(descriptor, status.st_mode & 07777U);
 }
 
-WholeFile::~WholeFile() {
+AtomicFile::~AtomicFile() {
   if (file_ >= 0) ::close(static_cast<int>(file_));
   if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
-void WholeFile::flush() {
+void AtomicFile::flush() {
   std::string_view rest = buffer_;
   while (!rest.empty()) {
     const auto written = ::write(static_cast<int>(file_), rest.data(), rest.size());
@@ -108,7 +108,7 @@ void WholeFile::flush() {
   buffer_.clear();
 }
 
-void WholeFile::commit() {
+void AtomicFile::commit() {
   flush();
   if (::fsync(static_cast<int>(file_)) != 0) throw failed("cannot write", target_);
   const int descriptor = static_cast<int>(std::exchange(file_, -1));
@@ -118,7 +118,7 @@ void WholeFile::commit() {
   syncFolderOf(target_);
 }
 
-std::string readWholeFile(const fs::path& file) {
+std::string readFile(const fs::path& file) {
   const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throw failed("cannot open", file);
   std::string bytes;
