@@ -9,7 +9,7 @@
 namespace korvel::output {
 
 /// A file that an output goes to, whole or not at all. A link in its place is replaced, never followed: exports go to
-/// places with known names, where anybody may have put one. Throws Error with the numbers of windows_error.h.
+/// places with known names, where anybody may have put one. Throws Error with a FileError.
 class ExportFile {
  public:
   /// Creates a file beside `target`; fails at once where that cannot be, or where a folder stands in the file's place.

@@ -33,7 +33,7 @@ ReportNotes writeReport(ReportTemplate form, std::span<const ReportList> lists, 
                         const ByteSink& sink, const RowProgress& progress = {});
 
 /// The report of one list into a file, whole or not at all, over an earlier one. Throws Error with the numbers of
-/// windows_error.h.
+/// FileError.
 ReportNotes writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
                             const RowProgress& progress = {});
 /// The same for those lists 1 to 4 that have rows; `lists` and `captions` are those of all pages.

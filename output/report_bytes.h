@@ -17,7 +17,7 @@ class ReportBytes {
 };
 
 /// The bytes of a file. The same file is read each time, whatever takes its name meanwhile. Throws Error with the
-/// numbers of windows_error.h.
+/// numbers of FileError.
 [[nodiscard]] std::unique_ptr<ReportBytes> reportFile(const std::filesystem::path& file);
 
 }  // namespace korvel::output

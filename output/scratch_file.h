@@ -6,7 +6,7 @@
 
 namespace korvel::output {
 
-/// An empty file of this user's alone that goes with the object. Throws Error with the numbers of windows_error.h.
+/// An empty file of this user's alone that goes with the object. Throws Error with a FileError.
 class ScratchFile {
  public:
   explicit ScratchFile(const std::filesystem::path& folder);

@@ -14,7 +14,7 @@ inline constexpr std::string_view exchangeFileName = "velviewex.log";
 
 /// Both write the list as it is displayed (separated_lines.h) in the system's code page, whole or not at all, over an
 /// earlier file. They return how many characters the code page does not hold; each stands as "?" in the file. Throw
-/// Error with the numbers of windows_error.h.
+/// Error with a FileError.
 
 /// The text export: commas.
 std::size_t writeTextExport(const results::ResultList& list, const std::filesystem::path& file,

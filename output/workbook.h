@@ -38,7 +38,7 @@ struct WorkbookSummary {
 /// set, and another each time a sheet is full. The header row is frozen and filters. Values keep their types where
 /// nothing is lost by it: numbers of up to 15 digits, dates and times to the millisecond, booleans; all else is text,
 /// also what begins with "=". Null and the empty text are both an empty cell. Throws Error with the numbers of
-/// windows_error.h.
+/// FileError.
 class Workbook final : public db::ResultSink {
  public:
   /// `name` is that of the sheets, with a number where there are several. Rows are kept in files of `temporaryFolder`

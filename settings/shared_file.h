@@ -9,7 +9,8 @@
 
 namespace korvel::settings {
 
-/// A text file that several processes and threads read and rewrite. All functions answer with an error number of Windows.
+/// A text file that several processes and threads read and rewrite. All functions answer with an error number of
+/// Windows.
 class SharedFile {
  public:
   /// How long a writer waits for the lock of another: far longer than a change takes, and short enough that the

@@ -48,7 +48,7 @@ TEST_F(OutputTarget, FailureOnTheWayLeavesTheFileAsItWas) {
 
 TEST_F(OutputTarget, FoldersAndMissingOnesAreFailures) {
   EXPECT_EQ(failureOf(folder.path().string()), systemErrorNumber(std::errc::is_a_directory));
-  EXPECT_TRUE(means(failureOf((folder / "absent" / "file").string()), std::errc::no_such_file_or_directory));
+  EXPECT_TRUE(isSystemError(failureOf((folder / "absent" / "file").string()), std::errc::no_such_file_or_directory));
 }
 
 TEST_F(OutputTarget, RecognisesADatabaseByItsFirstBytes) {
