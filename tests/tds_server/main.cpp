@@ -62,8 +62,8 @@ int serve(const std::filesystem::path& folder) {
   const std::string authorities = (folder / "authorities.pem").string();
   writeFileAtomically(authorities, server.certificatePem());
   writeFileAtomically(folder / "environment", "export KORVEL_TEST_SERVER=localhost," + port + "\nexport KRB5_CONFIG='" +
-                                             (realm.ticketCache().parent_path() / "krb5.conf").string() +
-                                             "'\nexport KRB5CCNAME='FILE:" + realm.ticketCache().string() + "'\n");
+                                                  (realm.ticketCache().parent_path() / "krb5.conf").string() +
+                                                  "'\nexport KRB5CCNAME='FILE:" + realm.ticketCache().string() + "'\n");
   while (std::getchar() != EOF) {
   }
   return 0;
