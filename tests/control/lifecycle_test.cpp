@@ -229,7 +229,7 @@ TEST_F(Lifecycle, AFailingInitializeReportsItAndStops) {
 }
 
 TEST_F(Lifecycle, ASettingsFileThatIsNotUnderstoodIsNamed) {
-  settings.openFailure = 1009;
+  settings.openFailure = Win32Error::badDatabase;
   settings.file = "/home/plant/settings.reg";
   const auto viewer = newViewer();
   ASSERT_EQ(recorder->messages.size(), 1U);

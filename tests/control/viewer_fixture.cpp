@@ -33,7 +33,7 @@ class MemoryKey final : public settings::SettingsKey {
 
 }  // namespace
 
-std::uint32_t MemorySettings::openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) {
+Win32Error MemorySettings::openForReading(const std::string& keyPath, std::unique_ptr<settings::SettingsKey>& key) {
   EXPECT_EQ(keyPath, "SOFTWARE\\Molvane\\AuditViewer");
   if (content_.openFailure != Win32Error::success) return content_.openFailure;
   key = std::make_unique<MemoryKey>(content_);
