@@ -28,7 +28,7 @@ Error failed(const std::string& what, const fs::path& file) {
 }
 
 fs::path followedLinks(fs::path target) {
-  // A handful of links is plenty; a loop ends as the open failure it is.
+  // Deeper chains and loops fail when the file is opened.
   for (int i = 0; i < 16; ++i) {
     std::error_code ignored;
     if (!fs::is_symlink(target, ignored)) break;
@@ -39,7 +39,7 @@ fs::path followedLinks(fs::path target) {
   return target;
 }
 
-/// Six characters that no other writer is likely to choose. Whether a file of that name is new, the open call decides.
+/// Six random characters. O_EXCL makes sure that no file of that name is there.
 std::string randomSuffix() {
   constexpr std::string_view characters = "abcdefghijklmnopqrstuvwxyz0123456789";
   std::uint64_t number = 0;
@@ -51,7 +51,7 @@ std::string randomSuffix() {
 
 /// Creates a new file beside `target` and puts its name into `created`; -1 with `errno` where it cannot.
 int createBeside(const fs::path& target, mode_t mode, fs::path& created) {
-  // One collision would be a wonder; so many are a folder that somebody fills on purpose.
+  // A collision is very unlikely; this many mean that such files are created on purpose.
   for (int attempts = 0; attempts < 100; ++attempts) {
     const std::string suffix = randomSuffix();
     if (suffix.empty()) return -1;
@@ -78,10 +78,10 @@ AtomicFile::AtomicFile(fs::path target, SymlinkPolicy symlinks)
     : target_(symlinks == SymlinkPolicy::follow ? followedLinks(std::move(target)) : std::move(target)) {
   struct stat status {};
   bool replaces = ::lstat(target_.c_str(), &status) == 0 && !S_ISLNK(status.st_mode);
-  // What somebody else left in the place of a file says nothing about who may read the new one.
+  // A file that another user put there does not decide who may read the new one.
   if (symlinks == SymlinkPolicy::replace && status.st_uid != ::geteuid()) replaces = false;
-  // A new file gets what the user's mask allows: the system applies it, for to ask for the mask is to change it, in all
-  // threads. A replacement is the user's alone until it has the rights of the file that it replaces.
+  // The system applies the umask to a new file: reading the umask would change it for all threads. A replacement is
+  // private until it has the permissions of the file that it replaces.
   constexpr mode_t newFileMode = 0666;
   constexpr mode_t ownFileMode = 0600;
   const int descriptor = createBeside(target_, replaces ? ownFileMode : newFileMode, temporary_);

@@ -42,7 +42,7 @@ HANDLE handleOf(std::intptr_t file) noexcept {
   return reinterpret_cast<HANDLE>(file);  // NOLINT(performance-no-int-to-ptr): the system's own way of numbering
 }
 
-/// What the system says of where an open file is, as a person knows it.
+/// The usual form of the name that the system gives for an open file.
 fs::path plainForm(const std::wstring& name) {
   constexpr std::wstring_view network = LR"(\\?\UNC\)";
   constexpr std::wstring_view verbatim = LR"(\\?\)";
@@ -51,12 +51,12 @@ fs::path plainForm(const std::wstring& name) {
     plain.replace(0, network.size(), LR"(\\)");
   else if (plain.starts_with(verbatim))
     plain.erase(0, verbatim.size());
-  // Names of some programs' making, and disks without a letter, mean something in the system's own form only.
+  // Names with trailing dots or blanks, and volumes without a letter, are valid in the extended-length form only.
   return fullPath(plain) == plain ? fs::path(plain) : fs::path(name);
 }
 
 /// Where a link leads; `target` itself where it is none. Throws Error for a link that leads nowhere: what was meant
-/// cannot be told.
+/// is unknown.
 fs::path followedLinks(const fs::path& target) {
   std::error_code ignored;
   if (files::symlinkStatus(target, ignored).type() != fs::file_type::symlink) return target;
@@ -71,7 +71,7 @@ fs::path followedLinks(const fs::path& target) {
   return plainForm(name);
 }
 
-/// Six characters that no other writer is likely to choose. Whether a file of that name is new, the system decides.
+/// Six random characters. CREATE_NEW makes sure that no file of that name is there.
 std::wstring randomSuffix() {
   constexpr std::wstring_view characters = L"abcdefghijklmnopqrstuvwxyz0123456789";
   std::uint64_t number = 0;
@@ -83,7 +83,7 @@ std::wstring randomSuffix() {
 
 /// Creates a new file beside `target`, which no other program opens meanwhile, and puts its name into `created`.
 SystemHandle createBeside(const fs::path& target, DWORD attributes, DWORD access, fs::path& created) {
-  // One collision would be a wonder; so many are a folder that somebody fills on purpose.
+  // A collision is very unlikely; this many mean that such files are created on purpose.
   for (int attempts = 0; attempts < 100; ++attempts) {
     const std::wstring suffix = randomSuffix();
     if (suffix.empty()) break;
@@ -97,17 +97,16 @@ SystemHandle createBeside(const fs::path& target, DWORD attributes, DWORD access
   return SystemHandle();
 }
 
-/// What stands in the target's place.
-struct Standing {
+/// The file that is to be replaced.
+struct Existing {
   bool isThere = false;
   DWORD attributes = FILE_ATTRIBUTE_NORMAL;
-  FileDacl rights;
+  FileDacl dacl;
 };
 
-/// Looks at what stands in the target's place, and whether the person may write it, as far as it is a plain file: a
-/// file that is marked as not to be written, or that another program keeps to itself, is not replaced either. A number
-/// of the system, or 0.
-DWORD whyNotWritable(const fs::path& target, Standing& standing) {
+/// Reads the attributes and the access control list of the target and checks that the user may write it: a file that
+/// is read-only, or that another program has opened exclusively, is not replaced. A number of the system, or 0.
+DWORD inspectTarget(const fs::path& target, Existing& existing) {
   const SystemHandle file(CreateFileW(extendedLengthPath(target).c_str(), GENERIC_WRITE, sharedByAll, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
   BY_HANDLE_FILE_INFORMATION about{};
@@ -115,21 +114,20 @@ DWORD whyNotWritable(const fs::path& target, Standing& standing) {
     const DWORD number = GetLastError();
     return number == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : number;
   }
-  standing.isThere = true;
-  standing.attributes = about.dwFileAttributes;
+  existing.isThere = true;
+  existing.attributes = about.dwFileAttributes;
   if ((about.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) return ERROR_ACCESS_DENIED;
-  return standing.rights.take(file.get());
+  return existing.dacl.readFrom(file.get());
 }
 
-/// Sees to it that the new file has `rights`, as far as they are not simply those of its folder. A number of the
-/// system, or 0.
-DWORD keepRights(const FileDacl& rights, HANDLE file, bool maySet) {
-  if (maySet) return rights.applyTo(file);
-  if (!rights.hasExplicitEntries()) return ERROR_SUCCESS;
+/// Gives the new file the access control list, unless its folder gives it the same. A number of the system, or 0.
+DWORD keepDacl(const FileDacl& dacl, HANDLE file, bool maySet) {
+  if (maySet) return dacl.applyTo(file);
+  if (!dacl.hasExplicitEntries()) return ERROR_SUCCESS;
   FileDacl given;
-  const DWORD number = given.take(file);
+  const DWORD number = given.readFrom(file);
   if (number != ERROR_SUCCESS) return number;
-  return given == rights ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+  return given == dacl ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
 /// Those of a file's attributes that its replacement keeps.
@@ -139,8 +137,8 @@ DWORD keptAttributes(DWORD attributes) noexcept {
   return (attributes & kept) != 0 ? attributes & kept : FILE_ATTRIBUTE_NORMAL;
 }
 
-/// Renames an open file, so that nobody can come between its end and its name, over what has the name `to`. A number of
-/// the system, or 0.
+/// Renames an open file over what has the name `to`; open, so that no other program can change it in between. A number
+/// of the system, or 0.
 DWORD renameOpen(HANDLE file, const std::wstring& to) {
   struct Way {
     FILE_INFO_BY_HANDLE_CLASS kind;
@@ -148,7 +146,7 @@ DWORD renameOpen(HANDLE file, const std::wstring& to) {
   };
   // FileRenameInfoEx, which the compiler's headers hide.
   constexpr auto renameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
-  // The first is younger, and gets past readers that share all.
+  // The first is newer, and works while other programs read the target with all sharing.
   constexpr std::array ways = {Way{renameInfoEx, FILE_RENAME_FLAG_REPLACE_IF_EXISTS | FILE_RENAME_FLAG_POSIX_SEMANTICS},
                                Way{FileRenameInfo, TRUE}};
   const std::size_t nameBytes = to.size() * sizeof(wchar_t);
@@ -167,9 +165,9 @@ DWORD renameOpen(HANDLE file, const std::wstring& to) {
   return number;
 }
 
-/// Calls `rename` again while it is refused for another's sake: programs that look at every new file do not look long.
+/// Calls `rename` again while another program blocks it: virus scanners open every new file for a moment.
 template <typename Rename>
-DWORD patiently(Rename rename) {
+DWORD retryWhileBlocked(Rename rename) {
   constexpr std::array<DWORD, 4> pauses = {10, 20, 40, 80};  // milliseconds
   DWORD number = rename();
   for (const DWORD pause : pauses) {
@@ -180,25 +178,25 @@ DWORD patiently(Rename rename) {
   return number;
 }
 
-/// Puts the open file `written` in the place of `target`. On a failure, both are as they were. A number of the system,
+/// Replaces `target` by the open file `written`. On a failure, both are as they were. A number of the system,
 /// or 0.
-DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& target) {
+DWORD replaceTarget(SystemHandle file, const fs::path& written, const fs::path& target) {
   std::error_code failure;
   const fs::path to = extendedLengthPath(absolutePath(target, failure));
-  DWORD number = patiently([&] { return renameOpen(file.get(), to.native()); });
+  DWORD number = retryWhileBlocked([&] { return renameOpen(file.get(), to.native()); });
   if (number == ERROR_SUCCESS) {
     FlushFileBuffers(file.get());  // the new name too; the bytes are on the disk already
   } else if (!isRefusal(number)) {
     file = SystemHandle();
     const fs::path from = extendedLengthPath(written);
-    number = patiently([&] {
+    number = retryWhileBlocked([&] {
       return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0
                  ? ERROR_SUCCESS
                  : GetLastError();
     });
   }
   if (number != ERROR_ACCESS_DENIED) return number;
-  // Windows says so of a file that another program has open, too.
+  // Windows gives this number for a file that another program has open, too.
   files::checkReplaceable(target, failure);
   return failure.value() == ERROR_SHARING_VIOLATION ? ERROR_SHARING_VIOLATION : number;
 }
@@ -207,19 +205,19 @@ DWORD putInPlace(SystemHandle file, const fs::path& written, const fs::path& tar
 
 AtomicFile::AtomicFile(fs::path target, SymlinkPolicy symlinks)
     : target_(symlinks == SymlinkPolicy::follow ? followedLinks(target) : std::move(target)) {
-  Standing standing;
-  if (const DWORD number = whyNotWritable(target_, standing); number != ERROR_SUCCESS)
+  Existing existing;
+  if (const DWORD number = inspectTarget(target_, existing); number != ERROR_SUCCESS)
     throw failed("cannot write", target_, number);
-  // What somebody else left in the place of a file says nothing about who may read the new one.
-  const bool keeps = symlinks == SymlinkPolicy::follow && standing.isThere;
-  const DWORD attributes = keeps ? keptAttributes(standing.attributes) : FILE_ATTRIBUTE_NORMAL;
+  // A file that another user put there does not decide who may read the new one.
+  const bool keeps = symlinks == SymlinkPolicy::follow && existing.isThere;
+  const DWORD attributes = keeps ? keptAttributes(existing.attributes) : FILE_ATTRIBUTE_NORMAL;
   SystemHandle file = createBeside(target_, attributes, keeps ? DELETE | WRITE_DAC : DELETE, temporary_);
-  // Many folders of the network let nobody set rights, but give all their files the same.
-  const bool maySetRights = file.isOpen() || !keeps || GetLastError() != ERROR_ACCESS_DENIED;
-  if (!maySetRights) file = createBeside(target_, attributes, DELETE, temporary_);
+  // Many network folders do not allow setting access control lists, but give all their files the same.
+  const bool maySetDacl = file.isOpen() || !keeps || GetLastError() != ERROR_ACCESS_DENIED;
+  if (!maySetDacl) file = createBeside(target_, attributes, DELETE, temporary_);
   if (!file.isOpen()) throw failed("cannot create a file beside", target_);
   // Before the first byte.
-  if (const DWORD number = keeps ? keepRights(standing.rights, file.get(), maySetRights) : ERROR_SUCCESS;
+  if (const DWORD number = keeps ? keepDacl(existing.dacl, file.get(), maySetDacl) : ERROR_SUCCESS;
       number != ERROR_SUCCESS) {
     file = SystemHandle();
     DeleteFileW(extendedLengthPath(temporary_).c_str());
@@ -247,7 +245,7 @@ void AtomicFile::flush() {
 void AtomicFile::commit() {
   flush();
   if (FlushFileBuffers(handleOf(file_)) == 0) throw failed("cannot write", target_);
-  const DWORD number = putInPlace(SystemHandle(handleOf(std::exchange(file_, -1))), temporary_, target_);
+  const DWORD number = replaceTarget(SystemHandle(handleOf(std::exchange(file_, -1))), temporary_, target_);
   if (number != ERROR_SUCCESS) throw failed("cannot replace", target_, number);
   temporary_.clear();
 }

@@ -13,8 +13,8 @@ namespace korvel {
 inline constexpr std::int32_t unspecifiedFailure = static_cast<std::int32_t>(0x80004005U);
 
 /// A failure as the system names it: a number and a description. The one exception type that crosses rooms.
-/// Failures that we explain in the user's language carry the key of their sentence and what fills it; the description
-/// is then the English sentence.
+/// A failure that is explained in the user's language carries the key of its sentence and the values for it; the
+/// description is then the English sentence.
 class Error : public std::exception {
  public:
   Error(std::int32_t number, std::string description, std::optional<int> line = std::nullopt)

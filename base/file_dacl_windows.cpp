@@ -4,7 +4,7 @@ namespace korvel {
 
 namespace {
 
-bool isNotToBeHad(DWORD number) noexcept {
+bool isUnsupported(DWORD number) noexcept {
   return number == ERROR_NOT_SUPPORTED || number == ERROR_INVALID_FUNCTION || number == ERROR_CALL_NOT_IMPLEMENTED;
 }
 
@@ -15,9 +15,9 @@ PSECURITY_DESCRIPTOR FileDacl::descriptor() const {
   return const_cast<char*>(bytes_.data());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
-DWORD FileDacl::take(HANDLE file) {
+DWORD FileDacl::readFrom(HANDLE file) {
   bytes_.clear();
-  // They may change between two calls; each tells how much it needs.
+  // The size may change between two calls; each gives the size it needs.
   for (DWORD needed = 0;;) {
     const auto room = static_cast<DWORD>(bytes_.size());
     if (GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, descriptor(), room, &needed) != 0) break;
@@ -27,7 +27,7 @@ DWORD FileDacl::take(HANDLE file) {
       continue;
     }
     bytes_.clear();
-    return isNotToBeHad(number) ? ERROR_SUCCESS : number;
+    return isUnsupported(number) ? ERROR_SUCCESS : number;
   }
   SECURITY_DESCRIPTOR_CONTROL control = 0;
   DWORD revision = 0;

@@ -6,14 +6,14 @@
 
 namespace korvel {
 
-/// Who may do what with a file, as the file itself says. The functions give the system's number of a failure, or 0.
+/// The access control list of a file (DACL). The functions give the system's number of a failure, or 0.
 class FileDacl {
  public:
-  /// Takes those of an open file. A disk that knows no rights has none to take.
-  DWORD take(HANDLE file);
-  /// Gives them to another open file, to the letter; those that came from its folder go on coming from there.
+  /// Reads that of an open file; empty on a file system without access control.
+  DWORD readFrom(HANDLE file);
+  /// Sets it on another open file, unchanged; inherited entries stay inherited.
   [[nodiscard]] DWORD applyTo(HANDLE file) const;
-  /// Whether a new file in the same folder might have others: some were given to the file itself.
+  /// Whether there are entries that were not inherited: a new file in the same folder would lack them.
   [[nodiscard]] bool hasExplicitEntries() const;
   [[nodiscard]] bool operator==(const FileDacl&) const = default;
 

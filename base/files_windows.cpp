@@ -21,8 +21,8 @@ void fail(std::error_code& failure) {
   failure.assign(static_cast<int>(GetLastError()), std::system_category());
 }
 
-/// Says how a call went.
-bool went(BOOL done, std::error_code& failure) {
+/// Sets `failure` from the result of a call.
+bool succeeded(BOOL done, std::error_code& failure) {
   if (done != 0)
     failure.clear();
   else
@@ -36,7 +36,7 @@ bool isMissing(DWORD number) noexcept {
          number == ERROR_BAD_PATHNAME;
 }
 
-/// Opens what is there to look at it, which its being open elsewhere does not hinder.
+/// Opens a file or folder for its attributes alone, also while other programs have it open.
 SystemHandle opened(const fs::path& path, DWORD flags = 0) {
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   return SystemHandle(CreateFileW(extendedLengthPath(path).c_str(), FILE_READ_ATTRIBUTES, shared, nullptr,
@@ -64,8 +64,7 @@ Search searchFor(const fs::path& pattern, WIN32_FIND_DATAW& found) {
   return Search(search == INVALID_HANDLE_VALUE ? nullptr : search);
 }
 
-/// Whether `path` leads to something that is no file, on this computer or another: it must not be opened to be looked
-/// at.
+/// Whether `path` names a pipe or device, on this computer or another: these must not be opened to look at them.
 bool isPipeOrDevice(const fs::path& path) {
   constexpr std::wstring_view device = LR"(\\.\)";
   constexpr std::wstring_view verbatim = LR"(\\?\)";
@@ -95,7 +94,7 @@ fs::file_type typeOf(DWORD attributes) noexcept {
 }  // namespace
 
 fs::file_status status(const fs::path& path, std::error_code& failure) {
-  // To open a pipe is to take the place of the one for whom it waits.
+  // Opening a pipe would take the connection that its server waits for.
   if (isPipeOrDevice(path)) {
     failure.clear();
     return fs::file_status(fs::file_type::character);
@@ -107,7 +106,8 @@ fs::file_status status(const fs::path& path, std::error_code& failure) {
   if (kind == FILE_TYPE_CHAR) return fs::file_status(fs::file_type::character);
   if (kind == FILE_TYPE_PIPE) return fs::file_status(fs::file_type::fifo);
   BY_HANDLE_FILE_INFORMATION about{};
-  if (!went(GetFileInformationByHandle(file.get(), &about), failure)) return fs::file_status(fs::file_type::unknown);
+  if (!succeeded(GetFileInformationByHandle(file.get(), &about), failure))
+    return fs::file_status(fs::file_type::unknown);
   return fs::file_status(typeOf(about.dwFileAttributes));
 }
 
@@ -123,10 +123,10 @@ fs::file_status symlinkStatus(const fs::path& path, std::error_code& failure) {
 }
 
 std::uintmax_t size(const fs::path& file, std::error_code& failure) {
-  // The file's own answer: what its folder says of an open file lags behind.
+  // From the file itself: the folder's entry of an open file is updated late.
   const SystemHandle handle = opened(file);
   BY_HANDLE_FILE_INFORMATION about{};
-  if (!went(handle.isOpen() ? GetFileInformationByHandle(handle.get(), &about) : FALSE, failure))
+  if (!succeeded(handle.isOpen() ? GetFileInformationByHandle(handle.get(), &about) : FALSE, failure))
     return static_cast<std::uintmax_t>(-1);
   return joined(about.nFileSizeHigh, about.nFileSizeLow);
 }
@@ -134,10 +134,10 @@ std::uintmax_t size(const fs::path& file, std::error_code& failure) {
 fs::file_time_type lastWriteTime(const fs::path& file, std::error_code& failure) {
   const SystemHandle handle = opened(file);
   FILETIME time{};
-  if (!went(handle.isOpen() ? GetFileTime(handle.get(), nullptr, nullptr, &time) : FALSE, failure))
+  if (!succeeded(handle.isOpen() ? GetFileTime(handle.get(), nullptr, nullptr, &time) : FALSE, failure))
     return fs::file_time_type::min();
   constexpr std::int64_t nanosecondsPerTick = 100;
-  // Windows counts from another year than others, from which nanoseconds would not fit.
+  // Windows counts from 1601, from where 64 bits of nanoseconds would not reach today.
   constexpr std::int64_t ticksTo1970 = 116'444'736'000'000'000;
   const auto ticks = static_cast<std::int64_t>(joined(time.dwHighDateTime, time.dwLowDateTime)) - ticksTo1970;
   return fs::file_time_type(std::chrono::nanoseconds(ticks * nanosecondsPerTick));
@@ -161,9 +161,9 @@ std::vector<fs::path> listFolder(const fs::path& folder, std::error_code& failur
   const Search search = searchFor(folder / L"*", found);
   if (!search) {
     fail(failure);
-    // The root of an empty disk has not even itself in it.
+    // The root of an empty disk has no entry at all, not even its own.
     if (failure.value() == ERROR_FILE_NOT_FOUND) failure.clear();
-    // Of a file, Windows says that there is no such path.
+    // For a file, Windows reports a missing path.
     std::error_code ignored;
     const fs::file_status there = files::status(folder, ignored);
     if (failure && fs::exists(there) && !fs::is_directory(there))
@@ -180,12 +180,12 @@ std::vector<fs::path> listFolder(const fs::path& folder, std::error_code& failur
 }
 
 void createDirectories(const fs::path& folder, std::error_code& failure) {
-  if (went(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure)) return;
+  if (succeeded(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure)) return;
   std::error_code ignored;
   if (failure.value() == ERROR_PATH_NOT_FOUND && folder.has_relative_path() && folder.has_parent_path()) {
     createDirectories(folder.parent_path(), failure);
     if (failure) return;
-    went(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure);
+    succeeded(CreateDirectoryW(extendedLengthPath(folder).c_str(), nullptr), failure);
   }
   if (failure && fs::is_directory(files::status(folder, ignored))) failure.clear();
 }
@@ -193,17 +193,17 @@ void createDirectories(const fs::path& folder, std::error_code& failure) {
 void createNew(const fs::path& file, std::error_code& failure) {
   const SystemHandle made(CreateFileW(extendedLengthPath(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
-  went(made.isOpen() ? TRUE : FALSE, failure);
+  succeeded(made.isOpen() ? TRUE : FALSE, failure);
 }
 
 void checkReplaceable(const fs::path& target, std::error_code& failure) {
-  // What the system asks of a file when another takes its name.
+  // The access that the system needs to replace a file.
   constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const SystemHandle file(CreateFileW(extendedLengthPath(target).c_str(), DELETE | FILE_READ_ATTRIBUTES, shared,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
                                       nullptr));
   BY_HANDLE_FILE_INFORMATION about{};
-  if (!went(file.isOpen() ? GetFileInformationByHandle(file.get(), &about) : FALSE, failure)) {
+  if (!succeeded(file.isOpen() ? GetFileInformationByHandle(file.get(), &about) : FALSE, failure)) {
     if (isMissing(static_cast<DWORD>(failure.value()))) failure.clear();
     return;
   }
@@ -212,16 +212,16 @@ void checkReplaceable(const fs::path& target, std::error_code& failure) {
 }
 
 void rename(const fs::path& from, const fs::path& to, std::error_code& failure) {
-  went(MoveFileExW(extendedLengthPath(from).c_str(), extendedLengthPath(to).c_str(),
-                   MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH),
-       failure);
+  succeeded(MoveFileExW(extendedLengthPath(from).c_str(), extendedLengthPath(to).c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH),
+            failure);
 }
 
 void remove(const fs::path& path, std::error_code& failure) {
   const fs::path called = extendedLengthPath(path);
   const DWORD attributes = GetFileAttributesW(called.c_str());
   const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  if (went(isFolder ? RemoveDirectoryW(called.c_str()) : DeleteFileW(called.c_str()), failure)) return;
+  if (succeeded(isFolder ? RemoveDirectoryW(called.c_str()) : DeleteFileW(called.c_str()), failure)) return;
   if (isMissing(static_cast<DWORD>(failure.value()))) failure.clear();
 }
 

@@ -22,7 +22,7 @@ bool isSeparator(wchar_t c) noexcept {
 
 std::wstring fullPath(const std::wstring& path) {
   std::wstring whole;
-  // The working folder may change between two calls; each tells how much it needs, its terminator counted.
+  // The working folder may change between two calls; each gives the size that it needs, its terminator counted.
   for (DWORD needed = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr); needed > whole.size();) {
     whole.resize(needed);
     needed = GetFullPathNameW(path.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr);

@@ -21,7 +21,8 @@ namespace korvel {
 [[nodiscard]] int systemErrorNumber(const std::error_code& failure) noexcept;
 /// The number for what `errno` says, as functions of the C library set it; that of `otherwise` where it is 0.
 [[nodiscard]] int systemErrorNumberFromErrno(std::errc otherwise) noexcept;
-/// Whether a number of the system means this condition. Several may: Windows tells a missing file from a missing path.
+/// Whether a number of the system means this condition. Several may: Windows has one for a missing file and one for a
+/// missing path.
 [[nodiscard]] bool isSystemError(int systemNumber, std::errc condition) noexcept;
 
 /// The system's message for one of its numbers, in UTF-8.

@@ -113,7 +113,7 @@ int systemErrorNumber(const std::error_code& failure) noexcept {
 }
 
 int systemErrorNumberFromErrno(std::errc otherwise) noexcept {
-  // What the C library has no number for, a pipe that nobody reads any more for one, is "invalid argument" to it.
+  // The C library reports "invalid argument" for what it has no number for, such as a pipe without a reader.
   if (errno == EINVAL && _doserrno != 0) return static_cast<int>(_doserrno);
   return systemErrorNumber(errno != 0 ? static_cast<std::errc>(errno) : otherwise);
 }

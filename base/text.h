@@ -26,7 +26,7 @@ void appendCaseFolded(std::string_view text, std::string& folded);
 [[nodiscard]] std::size_t asciiPrefixLength(std::string_view text) noexcept;
 [[nodiscard]] bool isAscii(std::string_view text) noexcept;
 
-/// What stands for a character that cannot be told or shown.
+/// Stands for bytes that are no character.
 inline constexpr char32_t replacementCharacter = 0xFFFD;
 
 /// Whether `text` is well-formed UTF-8 (no surrogates, nothing above U+10FFFF, no over-long forms).

@@ -5,11 +5,9 @@
 
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "cli/names.h"
 #include "cli/output_target.h"
-#include "cli/read_option.h"
+#include "cli/server_path.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
 #include "query/query_failure.h"

@@ -9,10 +9,8 @@
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "cli/common_options.h"
-#include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "cli/platform_help.h"
-#include "cli/read_option.h"
+#include "cli/platform.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {

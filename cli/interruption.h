@@ -4,9 +4,8 @@
 
 namespace korvel::cli {
 
-/// While it lives, Ctrl+C, the request to end and the end of the terminal leave the program running and are only noted,
-/// so that work is ended in good order. The second one ends it as ever. What the program was started to ignore stays
-/// ignored.
+/// While an object exists, Ctrl+C, a request to terminate and the closing of the terminal are only noted, so that work
+/// ends in good order. The second one ends the process. Signals that the process was started to ignore stay ignored.
 class Interruption {
  public:
   Interruption();

@@ -1,7 +1,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "cli/program_start.h"
+#include "cli/platform.h"
 #include "cli/tool.h"
 #include "db/attended_work.h"
 

@@ -8,19 +8,22 @@
 #include "base/text.h"
 #include "cli/messages.h"
 #include "cli/pdf_output.h"
-#include "output/json_row_writer.h"
+#include "output/csv_writer.h"
+#include "output/json_writer.h"
+#include "output/list_table.h"
 #include "output/list_writers.h"
-#include "output/record_copies.h"
 #include "output/report.h"
+#include "output/separated_text.h"
 #include "output/workbook.h"
 
 namespace korvel::cli {
 
 namespace {
 
-template <output::ListFormat format>
-void writeText(const CaptionedList& list, const output::ByteSink& sink, std::ostream& /*err*/) {
-  output::writeList(format, list.list, sink);
+/// For a format that can carry every value.
+template <void (*write)(const results::ResultList&, const output::ByteSink&)>
+void writeAll(const CaptionedList& list, const output::ByteSink& sink, std::ostream& /*err*/) {
+  write(list.list, sink);
 }
 
 void sayReplacements(const output::JsonReplacements& replaced, std::ostream& err) {
@@ -36,9 +39,9 @@ void writeJson(const CaptionedList& list, const output::ByteSink& sink, std::ost
 }
 
 /// Says at the end what JSON could not carry.
-class JsonWriter final : public output::RowWriter {
+class CommentedJsonWriter final : public output::RowWriter {
  public:
-  JsonWriter(const output::ByteSink& sink, std::ostream& err) : records_(sink), err_(err) {}
+  CommentedJsonWriter(const output::ByteSink& sink, std::ostream& err) : records_(sink), err_(err) {}
 
   void begin(std::span<const db::Field> fields) override { records_.begin(fields); }
   void row(std::span<const db::Cell> cells) override { records_.row(cells); }
@@ -48,7 +51,7 @@ class JsonWriter final : public output::RowWriter {
   }
 
  private:
-  output::JsonRowWriter records_;
+  output::JsonWriter records_;
   std::ostream& err_;
 };
 
@@ -100,20 +103,25 @@ RowWriterPointer streamXlsx(std::string_view caption, const output::ByteSink& si
 }
 
 RowWriterPointer streamJson(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& err) {
-  return std::make_unique<JsonWriter>(sink, err);
+  return std::make_unique<CommentedJsonWriter>(sink, err);
 }
 
-template <output::ListFormat format>
+RowWriterPointer streamCsv(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& /*err*/) {
+  return std::make_unique<output::CsvWriter>(sink);
+}
+
+template <char separator>
 RowWriterPointer streamText(std::string_view /*caption*/, const output::ByteSink& sink, std::ostream& /*err*/) {
-  return output::rowWriterOf(format, sink);
+  return std::make_unique<output::SeparatedTextWriter>(sink, separator);
 }
 
-using output::ListFormat;
+using output::exchangeSeparator;
+using output::textExportSeparator;
 constexpr std::array formats = {
-    OutputFormat{"table", false, writeText<ListFormat::table>, nullptr},
-    OutputFormat{"text", false, writeText<ListFormat::text>, streamText<ListFormat::text>},
-    OutputFormat{"exchange", false, writeText<ListFormat::exchange>, streamText<ListFormat::exchange>},
-    OutputFormat{"csv", false, writeText<ListFormat::csv>, streamText<ListFormat::csv>},
+    OutputFormat{"table", false, writeAll<output::writeTable>, nullptr},
+    OutputFormat{"text", false, writeAll<output::writeText>, streamText<textExportSeparator>},
+    OutputFormat{"exchange", false, writeAll<output::writeExchange>, streamText<exchangeSeparator>},
+    OutputFormat{"csv", false, writeAll<output::writeCsv>, streamCsv},
     OutputFormat{"json", false, writeJson, streamJson},
     OutputFormat{"html", false, writeHtml, nullptr},
     OutputFormat{"pdf", true, writePdf, nullptr},

@@ -23,7 +23,7 @@ struct CaptionedList {
 struct OutputFormat {
   std::string_view name;
   bool isBinary;  ///< nothing for a terminal
-  /// Writes the list; what cannot be written as it is, is said to `err`.
+  /// Writes the list; notes to `err` what the format cannot carry.
   void (*write)(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);
   /// Writes records one by one, in the memory of a few; null for a form that has to know all of them first. Caption,
   /// sink and `err` outlive what it gives.

@@ -10,10 +10,9 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "cli/exit_status.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
-#include "cli/terminal.h"
+#include "cli/platform.h"
 
 namespace korvel::cli {
 

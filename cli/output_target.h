@@ -15,14 +15,14 @@ using db::isDatabaseFile;
 /// Whether what is written to `target` appears on a terminal.
 [[nodiscard]] bool isTerminal(const std::string& target, const std::ostream& out);
 
-/// Runs `write` with a sink for the place that `target` names: "-" is `out`, a file is written whole or not at all, a
-/// device or pipe is written through. Throws Error with the system's error number.
+/// Runs `write` with a sink for the place that `target` names: "-" is `out`, a file is written atomically, a device or
+/// pipe directly. Throws Error with the system's error number.
 void writeTo(const std::string& target, std::ostream& out, const std::function<void(const output::ByteSink&)>& write);
 
-/// Thrown by a sink once the program was asked to end: the output is not to be.
+/// Thrown by a sink once the program was asked to end: the output is abandoned.
 struct Stopped {};
 
-/// Says so; the exit status.
+/// Reports it; gives the exit status.
 int stopped(std::ostream& err);
 
 /// A sink that writes to `target`, which outlives it, until the program is asked to end; see Interruption.

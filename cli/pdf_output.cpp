@@ -6,15 +6,15 @@
 #include <memory>
 #include <string>
 
-#include "cli/drawing_platform.h"
-#include "output/list_source.h"
+#include "cli/platform.h"
 #include "output/pages/pdf.h"
+#include "output/report_source.h"
 
 namespace korvel::cli {
 
 namespace {
 
-/// What fonts need of the toolkit: an application, and no display whatever the environment says.
+/// Qt needs an application to draw text; it must not need a display, whatever the environment says.
 class TextDrawing {
  public:
   TextDrawing() : before_(qInstallMessageHandler(silent)) {
@@ -29,7 +29,7 @@ class TextDrawing {
   TextDrawing& operator=(const TextDrawing&) = delete;
 
  private:
-  /// What the toolkit notes about desktops and their folders means nothing here.
+  /// Qt's warnings about desktops and their folders do not matter here.
   static void silent(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/) {}
 
   QtMessageHandler before_;

@@ -6,11 +6,9 @@
 
 #include "base/text.h"
 #include "cli/common_options.h"
-#include "cli/exit_status.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
-#include "cli/read_option.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
 #include "query/alarm_dates.h"
@@ -69,7 +67,7 @@ constexpr const char* footer =
     "  korvel-audit query --category D1 --category D2 --format csv --output checks.csv\n"
     "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
 
-/// Ends the writing of an output that is not to be.
+/// Thrown to abandon an output.
 struct NothingToWrite {};
 
 /// The first year that a server's dates have.
@@ -164,7 +162,7 @@ void sayCounts(const query::ResultLists& lists, std::ostream& err) {
     err << listText(i) << ": " << recordsText(lists[i].rowCount()) << '\n';
 }
 
-/// What whoever reads the answer would not expect.
+/// Notes on what a reader of the answer would not expect.
 void sayNotes(const query::FilterTree& tree, const query::DateRange& range, const query::QueryReport& report,
               std::ostream& err) {
   if (query::alarmsComeFromAllDates(tree.flags(), range))
@@ -302,7 +300,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
   int status = exitDone;
   const auto failure = query::failureOf([&] {
     try {
-      // The target is there before the query runs: a place that cannot be written to costs nobody a long wait.
+      // The target is opened before the query runs: one that cannot be written fails at once.
       writeTo(options.output, out, [&](const output::ByteSink& sink) {
         const Answered answer = fillLists(options, connect, lists, err);
         status = answer.status;

@@ -7,9 +7,8 @@
 
 #include "base/error.h"
 #include "cli/common_options.h"
-#include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "cli/names.h"
+#include "cli/server_path.h"
 #include "db/discovery/network_directory.h"
 #include "db/odbc/install_procedure.h"
 #include "db/odbc/server_check.h"
@@ -39,7 +38,7 @@ CLI::Option* addDatabase(CLI::App& command, std::string& database) {
 }
 
 /// Runs `work`, which fills a text and gives the exit status, and writes the text; what the database reports goes to
-/// the person.
+/// standard error.
 template <typename Work>
 int reporting(std::ostream& out, std::ostream& err, const Work& work) {
   try {

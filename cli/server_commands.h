@@ -9,7 +9,7 @@ class App;
 
 namespace korvel::cli {
 
-/// What the commands about servers are told.
+/// Options of the commands about servers.
 struct ServerOptions {
   std::string server;
   std::string database;

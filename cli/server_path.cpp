@@ -6,7 +6,6 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
-#include "cli/names.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {
@@ -29,6 +28,11 @@ fs::file_type typeOf(const fs::path& path) {
 }
 
 }  // namespace
+
+std::optional<std::string> connectionName(const std::string& name) {
+  if (!db::leadsTo(name, name)) return std::nullopt;
+  return name;
+}
 
 std::optional<std::string> resolveServerPath(std::string& server, std::string* database, bool databaseNamed) {
   if (looksLikeAPath(server) && !db::isEmbeddedServer(server)) {

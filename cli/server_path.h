@@ -5,7 +5,11 @@
 
 namespace korvel::cli {
 
-/// Makes what a person names as a server into a name that the engine knows. A path (it holds a slash or begins with a
+/// The name of a server or database, as long as a connection string gives it back as it is: a semicolon in it would end
+/// the value there, and the rest be taken for something else.
+[[nodiscard]] std::optional<std::string> connectionName(const std::string& name);
+
+/// Makes the user's name of a server into a name that the engine knows. A path (it holds a slash or begins with a
 /// dot) counts from the working folder. The path of a database file stands for its folder and, in `database`, for its
 /// name; null where the command asks for no database. `databaseNamed` says that a name was given beside. Gives the
 /// reason where the command line cannot be obeyed.

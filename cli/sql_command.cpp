@@ -12,13 +12,12 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "cli/common_options.h"
-#include "cli/exit_status.h"
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
 #include "db/attended_work.h"
 #include "db/connection_state.h"
-#include "output/record_stream.h"
+#include "output/row_writer.h"
 #include "query/audit_record.h"
 #include "query/custom_query.h"
 #include "query/query_failure.h"
@@ -65,7 +64,7 @@ constexpr const char* footer =
 
 constexpr std::string_view noRecordsText = "No Records Found for Query";
 
-/// Ends the writing of an output that is not to be.
+/// Thrown to abandon an output.
 struct NothingToWrite {};
 
 std::string databaseText(const Error& error) {
@@ -95,11 +94,11 @@ bool wanted() {
   return !Interruption::requested();
 }
 
-/// Writes an answer while it arrives, on the thread of the query, and looks after the machine's memory meanwhile: a
+/// Writes an answer while it arrives, on the thread of the query, and watches the free memory meanwhile: a
 /// server's rows take none, but the embedded engine sorts in it.
 class WatchedStream final : public db::ResultSink {
  public:
-  /// Once `close` was called nothing is written to `target` any more, and nobody else's is used.
+  /// Once `close` was called, nothing of the caller's is used any more.
   WatchedStream(const OutputFormat& format, std::string_view caption, const output::ByteSink& target, std::ostream& err)
       : outlet_([this, &target](std::string_view bytes) {
           const std::lock_guard lock(mutex_);
@@ -158,7 +157,7 @@ class SqlRun {
         connectionString_(db::buildConnectionString(options.server, options.database)),
         err_(err) {}
 
-  /// The target is there before the query runs: a place that cannot be written to costs nobody a long wait.
+  /// The target is opened before the query runs: one that cannot be written fails at once.
   int run(std::ostream& out) {
     query::CustomReport report;
     const auto failure = query::failureOf([&] {

@@ -9,9 +9,8 @@
 
 #include "cli/common_options.h"
 #include "cli/demo_command.h"
-#include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "cli/platform_help.h"
+#include "cli/platform.h"
 #include "cli/query_command.h"
 #include "cli/server_commands.h"
 #include "cli/server_path.h"

@@ -9,7 +9,7 @@
 
 namespace korvel::cli {
 
-/// The whole tool: `arguments` without the program's name, rows to `out`, everything said to the person to `err`.
+/// Runs the tool: `arguments` without the program's name, rows to `out`, messages to `err`.
 /// Returns the exit status (ExitStatus); throws nothing.
 int runTool(std::vector<std::string> arguments, std::ostream& out, std::ostream& err,
             const query::Connector& connect = db::openConnection);

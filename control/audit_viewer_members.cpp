@@ -2,7 +2,7 @@
 
 #include "control/library_state.h"
 #include "db/connection_state.h"
-#include "settings/stored_language.h"
+#include "settings/registry.h"
 
 namespace korvel {
 

@@ -13,7 +13,7 @@
 #include "query/file_names.h"
 #include "query/forms/query_file_drop.h"
 #include "query/query_file.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::control {
 

@@ -14,10 +14,10 @@
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
-#include "output/export_folder.h"
+#include "output/export_file.h"
 #include "output/report.h"
 #include "output/text_export.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::control {
 

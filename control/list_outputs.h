@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "output/row_progress.h"
+#include "output/byte_sink.h"
 #include "results/result_list.h"
 
 namespace korvel {

@@ -16,7 +16,6 @@
 #include "output/export_file.h"
 #include "output/pages/pdf.h"
 #include "output/pages/report_sheets.h"
-#include "output/report_bytes.h"
 #include "output/report_reader.h"
 
 namespace korvel::control {

@@ -7,7 +7,6 @@
 
 #include "base/error.h"
 #include "settings/registry.h"
-#include "settings/stored_language.h"
 #include "ui/icons/application_icon.h"
 #include "ui/message_box.h"
 #include "ui/style/palettes.h"

@@ -20,7 +20,6 @@
 #include "control/viewer_help.h"
 #include "korvel/AuditViewer.h"
 #include "settings/registry.h"
-#include "settings/stored_language.h"
 
 namespace korvel::control {
 

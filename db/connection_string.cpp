@@ -7,7 +7,7 @@
 #include "base/text.h"
 #include "db/connection_state.h"
 #include "db/open_connection.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 namespace {

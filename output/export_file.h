@@ -8,8 +8,8 @@
 
 namespace korvel::output {
 
-/// A file that an output goes to, whole or not at all. A link in its place is replaced, never followed: exports go to
-/// places with known names, where anybody may have put one. Throws Error with a FileError.
+/// An atomic file that an output goes to. A link in its place is replaced, never followed: exports go to places with
+/// known names, where another user may have put one. Throws Error with a FileError.
 class ExportFile {
  public:
   /// Creates a file beside `target`; fails at once where that cannot be, or where a folder stands in the file's place.
@@ -21,5 +21,11 @@ class ExportFile {
  private:
   std::optional<AtomicFile> file_;
 };
+
+/// Where the file `name` of an output goes: into the folder that the environment variable "windir" names. Where it is
+/// not set, into a folder of the user's own, korvel/export among what programs keep for the user, which is created for
+/// the user alone; never into a folder that others share. Throws Error with a FileError where that folder cannot be
+/// created, belongs to another user, or is reached through a link.
+[[nodiscard]] std::filesystem::path exportPath(std::string_view name);
 
 }  // namespace korvel::output

@@ -10,4 +10,7 @@ struct PrintFont {
   double size = 9;  ///< points
 };
 
+/// A font size as decimal text: up to four fractional digits, none that say nothing, a point in every locale.
+[[nodiscard]] std::string fontSizeText(double points);
+
 }  // namespace korvel::output

@@ -9,7 +9,6 @@
 #include "output/byte_sink.h"
 #include "output/print_font.h"
 #include "output/report_notes.h"
-#include "output/row_progress.h"
 #include "results/result_list.h"
 
 namespace korvel::output {
@@ -32,7 +31,7 @@ enum class ReportTemplate {
 ReportNotes writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
                         const ByteSink& sink, const RowProgress& progress = {});
 
-/// The report of one list into a file, whole or not at all, over an earlier one. Throws Error with the numbers of
+/// The report of one list into an atomic file, over an earlier one. Throws Error with the numbers of
 /// FileError.
 ReportNotes writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
                             const RowProgress& progress = {});
@@ -44,8 +43,5 @@ ReportNotes writeAllListsReport(std::span<const results::ResultList> lists, std:
 /// The lists of the second template: 1 to 4, as far as they have rows.
 [[nodiscard]] std::vector<ReportList> listsWithRows(std::span<const results::ResultList> lists,
                                                     std::span<const std::string_view> captions);
-
-/// A font size as decimal text: up to four fractional digits, none that say nothing, a point in every locale.
-[[nodiscard]] std::string fontSizeText(double points);
 
 }  // namespace korvel::output

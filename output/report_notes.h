@@ -7,9 +7,9 @@
 
 namespace korvel::output {
 
-/// What the writer of a report tells its reader beside the file. Values stand in the file as they are, so a value may
-/// hold the very bytes that end one; from the file alone nobody could tell where such a value ends, and an audited text
-/// could print rows that were never audited. The notes say it, and tell a file that was changed since.
+/// What the writer of a report passes to its reader beside the file. Values are not escaped in the file, so a value may
+/// hold the bytes that end a value; from the file alone the end of such a value is unknown, and an audited text could
+/// print rows that were never audited. The notes hold the lengths of such values, and detect a changed file.
 struct ReportNotes {
   struct Section {
     std::size_t columns = 0;
@@ -30,8 +30,8 @@ struct ReportNotes {
   std::size_t replacedCharacters = 0;  ///< that the code page does not hold: each stands as "?"
 };
 
-/// A sum over bytes that any change is all but certain to change (FNV-1a, 64 bits). Against accidents and other
-/// programs, not against a cryptographer: whoever may write to the file may as well write to this process.
+/// A checksum (FNV-1a, 64 bits) against accidental changes and other programs. It need not resist attacks: a process
+/// that can write the file can also write this process's memory.
 class ReportChecksum {
  public:
   void add(std::string_view bytes) noexcept {

@@ -1,8 +1,11 @@
 #include "output/report_reader.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstdio>
 
+#include "base/files.h"
 #include "base/system_errors.h"
 #include "output/report_layout.h"
 #include "settings/code_page.h"
@@ -25,7 +28,38 @@ double sizeFrom(std::string_view text) {
   return size;
 }
 
+[[noreturn]] void failToRead() {
+  throw asFileError(systemError(systemErrorNumberFromErrno(std::errc::io_error), "cannot read the report"),
+                    FileAccess::read);
+}
+
+struct CloseFile {
+  void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
+};
+
+class FileBytes : public ReportBytes {
+ public:
+  explicit FileBytes(const std::filesystem::path& file) : file_(files::open(file, "rb")) {
+    if (!file_) failToRead();
+  }
+  void rewind() override {
+    if (std::fseek(file_.get(), 0, SEEK_SET) != 0) failToRead();
+  }
+  std::size_t read(std::span<char> to) override {
+    const std::size_t got = std::fread(to.data(), 1, to.size(), file_.get());
+    if (got < to.size() && std::ferror(file_.get()) != 0) failToRead();
+    return got;
+  }
+
+ private:
+  std::unique_ptr<std::FILE, CloseFile> file_;
+};
+
 }  // namespace
+
+std::unique_ptr<ReportBytes> reportFile(const std::filesystem::path& file) {
+  return std::make_unique<FileBytes>(file);
+}
 
 ReportReader::ReportReader(std::unique_ptr<ReportBytes> bytes, ReportNotes notes)
     : source_(std::move(bytes)), notes_(std::move(notes)) {

@@ -1,22 +1,36 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "output/report_bytes.h"
 #include "output/report_notes.h"
 #include "output/report_source.h"
 
 namespace korvel::output {
 
-/// Reads a report file of our own back, value by value, as the writer's notes lead it: markup in a value is the value's
-/// text and nothing else. Takes the memory of one row. A file that is not the one that the notes are about is
-/// FileError::invalidFileFormat, at the latest behind its last section: whoever shows a report goes through all of it
-/// first.
+/// The bytes of a report, from the beginning as often as is needed. Throws Error.
+class ReportBytes {
+ public:
+  virtual ~ReportBytes() = default;
+  virtual void rewind() = 0;
+  /// Fills `to` as far as there are bytes; returns how many, 0 at the end.
+  virtual std::size_t read(std::span<char> to) = 0;
+};
+
+/// The bytes of a file. The same file is read each time, whatever takes its name meanwhile. Throws Error with the
+/// numbers of FileError.
+[[nodiscard]] std::unique_ptr<ReportBytes> reportFile(const std::filesystem::path& file);
+
+/// Reads a report file back, value by value, with the writer's notes: markup in a value is part of its text. Takes the
+/// memory of one row. A file that is not the one that the notes are about is FileError::invalidFileFormat, at the
+/// latest behind its last section: whoever shows a report goes through all of it first.
 class ReportReader final : public ReportSource {
  public:
   ReportReader(std::unique_ptr<ReportBytes> bytes, ReportNotes notes);

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "output/print_font.h"
+#include "output/report.h"
 
 namespace korvel::output {
 
@@ -27,6 +30,23 @@ class ReportSource {
   virtual bool nextSection(SectionHead& head) = 0;
   /// The next row of the section, as many cells as it has headers, valid until the next call. False after the last one.
   virtual bool nextRow(std::vector<std::string_view>& cells) = 0;
+};
+
+/// Lists as they are displayed, without the detour of a file: nothing is lost to a code page. The lists must outlive it
+/// and keep their rows.
+class ListSource final : public ReportSource {
+ public:
+  ListSource(std::span<const ReportList> lists, PrintFont font);
+
+  void rewind() override;
+  bool nextSection(SectionHead& head) override;
+  bool nextRow(std::vector<std::string_view>& cells) override;
+
+ private:
+  std::vector<ReportList> lists_;
+  PrintFont font_;
+  std::size_t nextList_ = 0;
+  std::size_t nextRow_ = 0;
 };
 
 }  // namespace korvel::output

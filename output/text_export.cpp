@@ -3,35 +3,26 @@
 #include <string>
 
 #include "output/export_file.h"
-#include "output/separated_lines.h"
+#include "output/list_writers.h"
+#include "output/separated_text.h"
 #include "settings/code_page.h"
 
 namespace korvel::output {
 
 namespace {
 
-constexpr std::size_t chunkBytes = std::size_t{1} << 18U;
-
 std::size_t writeLines(const results::ResultList& list, char separator, const std::filesystem::path& path,
                        const RowProgress& progress) {
   ExportFile file(path);
   std::size_t replaced = 0;
-  std::string lines;
   std::string bytes;
-  const auto flush = [&] {
+  const ByteSink inCodePage = [&](std::string_view lines) {
     bytes.clear();
     replaced += settings::appendInCodePage(lines, bytes);
     file.write(bytes);
-    lines.clear();
   };
-  lines.reserve(2 * chunkBytes);
-  appendHeaderLine(list, separator, lines);
-  for (std::size_t row = 0; row < list.rowCount(); ++row) {
-    appendRowLine(list, {row}, separator, lines);
-    if (lines.size() >= chunkBytes) flush();
-    reportRows(progress, row + 1, list.rowCount());
-  }
-  flush();
+  SeparatedTextWriter writer(inCodePage, separator);
+  writeDisplayedRows(list, writer, progress);
   file.commit();
   return replaced;
 }

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "output/row_progress.h"
+#include "output/byte_sink.h"
 #include "results/result_list.h"
 
 namespace korvel::output {
@@ -12,8 +12,8 @@ namespace korvel::output {
 inline constexpr std::string_view textExportName = "velview.txt";
 inline constexpr std::string_view exchangeFileName = "velviewex.log";
 
-/// Both write the list as it is displayed (separated_lines.h) in the system's code page, whole or not at all, over an
-/// earlier file. They return how many characters the code page does not hold; each stands as "?" in the file. Throw
+/// Both write the list as it is displayed (SeparatedTextWriter) in the system's code page, atomically, over an earlier
+/// file. They return how many characters the code page does not hold; each stands as "?" in the file. Throw
 /// Error with a FileError.
 
 /// The text export: commas.

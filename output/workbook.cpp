@@ -13,7 +13,7 @@
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "output/export_file.h"
-#include "output/scratch_file.h"
+#include "output/temporary_file.h"
 #include "output/typed_value.h"
 
 namespace korvel::output {
@@ -123,13 +123,13 @@ std::string sheetName(const std::string& text, std::size_t number) {
 }  // namespace
 
 struct Workbook::Impl {
-  Impl(std::string sheetsName, const fs::path& folder)
-      : name(std::move(sheetsName)), temporaryFolder(nameForTheLibrary(folder)), scratch(folder) {
+  Impl(std::string sheetsName, const fs::path& folder, std::uint32_t rows)
+      : name(std::move(sheetsName)), temporaryFolder(cLibraryPath(folder)), scratch(folder), rowsPerSheet(rows) {
     lxw_workbook_options options{};
     options.constant_memory = LXW_TRUE;
     options.tmpdir = temporaryFolder.empty() ? nullptr : temporaryFolder.data();
     options.use_zip64 = LXW_FALSE;
-    book = workbook_new_opt(nameForTheLibrary(scratch.path()).c_str(), &options);
+    book = workbook_new_opt(cLibraryPath(scratch.path()).c_str(), &options);
     if (book == nullptr) throw fileError(FileError::outOfMemory);
     headerFormat = workbook_add_format(book);
     format_set_bold(headerFormat);
@@ -139,7 +139,7 @@ struct Workbook::Impl {
   ~Impl() {
     if (book == nullptr) return;
     // The library closes the file of a sheet's rows only when it assembles the book.
-    for (lxw_worksheet* each = STAILQ_FIRST(book->worksheets); each != nullptr; each = STAILQ_NEXT(each, list_pointers))
+    for (lxw_worksheet* const each : sheets)
       if (each->optimize_tmpfile != nullptr) static_cast<void>(std::fclose(each->optimize_tmpfile));
     lxw_workbook_free(book);
   }
@@ -150,8 +150,9 @@ struct Workbook::Impl {
     if (error != LXW_NO_ERROR) failAs(error);
   }
 
-  /// Rows go to a file of the sheet's own, one behind the other. The library looks at none of its writes to files of
-  /// its own, so that rows would be missing without a word.
+  /// Rows go to a temporary file of the sheet, one behind the other. The library checks none of its writes to it: on a
+  /// full disk it would report success for a workbook whose rows are missing. So we check the file, which the library's
+  /// public header names; a test fails where a release keeps its rows elsewhere.
   void checkRows() const {
     if (sheet == nullptr || sheet->optimize_tmpfile == nullptr || std::ferror(sheet->optimize_tmpfile) == 0) return;
     const int number = systemErrorNumberFromErrno(std::errc::io_error);
@@ -170,8 +171,8 @@ struct Workbook::Impl {
     sheet = nullptr;
   }
 
-  /// A sheet is put together from its rows in another file, and whether that is whole the library does not look: there
-  /// must be room for it before.
+  /// A sheet is assembled from its rows in another file, whose writes the library does not check either: so we make
+  /// sure of the room before.
   void checkRoom() const {
     constexpr std::uint64_t aroundTheRows = std::uint64_t{1} << 20U;
     scratch.checkRoom(static_cast<std::uint64_t>(largestSheet) + aroundTheRows);
@@ -182,6 +183,7 @@ struct Workbook::Impl {
     errno = 0;
     sheet = workbook_add_worksheet(book, sheetName(name, ++summary.sheets).c_str());
     if (sheet == nullptr) fail(systemErrorNumberFromErrno(std::errc::not_enough_memory));
+    sheets.push_back(sheet);
     worksheet_freeze_panes(sheet, 1, 0);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const auto column = static_cast<lxw_col_t>(i);
@@ -231,13 +233,14 @@ struct Workbook::Impl {
 
   std::string name;
   std::string temporaryFolder;
-  ScratchFile scratch;
+  TemporaryFile scratch;
+  std::uint32_t rowsPerSheet;
   lxw_workbook* book = nullptr;
-  lxw_worksheet* sheet = nullptr;
+  std::vector<lxw_worksheet*> sheets;
+  lxw_worksheet* sheet = nullptr;  ///< that takes rows
   lxw_format* headerFormat = nullptr;
   lxw_format* dateTimeFormat = nullptr;
   std::vector<db::Field> fields;
-  std::uint32_t sheetRows = rowsOfASheet;
   lxw_row_t nextRow = 0;
   off_t largestSheet = 0;  ///< bytes of its rows
   std::size_t result = 0;
@@ -246,13 +249,9 @@ struct Workbook::Impl {
   WorkbookSummary summary;
 };
 
-Workbook::Workbook(std::string name, const fs::path& temporaryFolder)
-    : impl_(std::make_unique<Impl>(std::move(name), temporaryFolder)) {}
+Workbook::Workbook(std::string name, const fs::path& temporaryFolder, std::uint32_t rowsPerSheet)
+    : impl_(std::make_unique<Impl>(std::move(name), temporaryFolder, rowsPerSheet)) {}
 Workbook::~Workbook() = default;
-
-void Workbook::limitSheets(std::uint32_t rows) noexcept {
-  impl_->sheetRows = rows;
-}
 
 void Workbook::beginResult(std::span<const db::Field> fields) {
   Impl& book = *impl_;
@@ -266,7 +265,7 @@ void Workbook::beginResult(std::span<const db::Field> fields) {
 
 bool Workbook::row(std::span<const db::Cell> cells) {
   Impl& book = *impl_;
-  if (book.nextRow >= book.sheetRows) book.beginSheet();
+  if (book.nextRow >= book.rowsPerSheet) book.beginSheet();
   const std::size_t width = std::min(cells.size(), book.fields.size());
   errno = 0;
   for (std::size_t i = 0; i < width; ++i) book.write(i, cells[i]);

@@ -10,7 +10,6 @@
 
 #include "db/connection.h"
 #include "output/byte_sink.h"
-#include "output/row_progress.h"
 #include "results/result_list.h"
 
 namespace korvel::output {
@@ -41,10 +40,14 @@ struct WorkbookSummary {
 /// FileError.
 class Workbook final : public db::ResultSink {
  public:
-  /// `name` is that of the sheets, with a number where there are several. Rows are kept in files of `temporaryFolder`
-  /// that have no name for others to find.
+  /// The most rows that a sheet holds, its header counted.
+  static constexpr std::uint32_t maxRowsPerSheet = 1'048'576;
+
+  /// `name` is that of the sheets, with a number where there are several. Rows are kept in unnamed files of
+  /// `temporaryFolder`. `rowsPerSheet` counts the header.
   explicit Workbook(std::string name,
-                    const std::filesystem::path& temporaryFolder = std::filesystem::temp_directory_path());
+                    const std::filesystem::path& temporaryFolder = std::filesystem::temp_directory_path(),
+                    std::uint32_t rowsPerSheet = maxRowsPerSheet);
   ~Workbook() override;
   Workbook(const Workbook&) = delete;
   Workbook& operator=(const Workbook&) = delete;
@@ -56,10 +59,6 @@ class Workbook final : public db::ResultSink {
   /// Completes the workbook and hands over its bytes; nothing may follow.
   WorkbookSummary finish(const ByteSink& sink);
 
-  /// The most rows of one sheet, its header counted. Tests make do with fewer.
-  static constexpr std::uint32_t rowsOfASheet = 1'048'576;
-  void limitSheets(std::uint32_t rows) noexcept;
-
  private:
   struct Impl;
   std::unique_ptr<Impl> impl_;
@@ -68,7 +67,7 @@ class Workbook final : public db::ResultSink {
 /// Every column of the records behind a list's rows, values as stored, in the list's order.
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,
                               const RowProgress& progress = {});
-/// The same into a file, whole or not at all; a link in its place is replaced.
+/// The same into an atomic file; a link in its place is replaced.
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const std::filesystem::path& file,
                               const RowProgress& progress = {});
 

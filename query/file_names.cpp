@@ -11,7 +11,7 @@
 #include "base/text.h"
 #include "query/query_file.h"
 #include "results/out_of_memory.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::query {
 

@@ -12,7 +12,7 @@
 #include "db/database_file.h"
 #include "results/out_of_memory.h"
 #include "settings/code_page.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::query {
 

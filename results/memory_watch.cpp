@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "results/out_of_memory.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::results {
 

@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "base/text.h"
-#include "settings/code_page_characters.h"
 
 namespace korvel::settings {
 

@@ -6,8 +6,8 @@
 
 namespace korvel::settings {
 
-/// The system's code page, in which the system writes its files: what Windows is set to there, windows-1252 elsewhere.
-/// Both directions keep tabs and line ends as they are.
+// The code page of the fixed files: the system's on Windows, windows-1252 elsewhere. Both directions keep tabs and line
+// ends as they are.
 
 /// Appends UTF-8 `text` to `bytes` in the code page. A character that the code page does not hold becomes one "?", and
 /// so does each byte that is no UTF-8. Returns how many became one.
@@ -20,5 +20,12 @@ std::size_t appendInCodePage(std::string_view text, std::string& bytes);
 /// `bytes` in the code page as UTF-8. Every byte has a character: the five that windows-1252 leaves open stand for the
 /// control characters of their number, as Windows has it.
 [[nodiscard]] std::string fromCodePage(std::string_view bytes);
+
+// The platform's part: what the code page holds beyond ASCII.
+
+/// Appends the bytes of a character beyond ASCII; false, and nothing appended, where the code page does not hold it.
+[[nodiscard]] bool appendBytesOf(char32_t character, std::string& bytes);
+/// The UTF-8 text of bytes.
+[[nodiscard]] std::string textOfBytes(std::string_view bytes);
 
 }  // namespace korvel::settings

@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "base/wide_text_windows.h"
-#include "settings/code_page_characters.h"
+#include "settings/code_page.h"
 
 namespace korvel::settings {
 
@@ -19,7 +19,7 @@ unsigned systemCodePage() {
   constexpr std::size_t longestNumber = 16;
   std::array<wchar_t, longestNumber> digits{};
   DWORD bytes = sizeof digits;
-  // The system's own note: the language's default does not tell of a system that is set to UTF-8.
+  // From the registry: GetACP() follows the process, whose manifest may have set it to UTF-8.
   const LSTATUS read = RegGetValueW(HKEY_LOCAL_MACHINE, LR"(SYSTEM\CurrentControlSet\Control\Nls\CodePage)", L"ACP",
                                     RRF_RT_REG_SZ, nullptr, digits.data(), &bytes);
   const unsigned long number = read == ERROR_SUCCESS ? std::wcstoul(digits.data(), nullptr, 10) : 0;

@@ -27,7 +27,7 @@ constexpr std::int32_t codeOf(std::uint32_t code) noexcept {
   throw Error(codeOf(code), description);
 }
 
-/// A section that could not be opened. Whoever reads of a file that is not understood learns which one, and what to do.
+/// A section that could not be opened. The message for a damaged file names the file and what to do.
 [[noreturn]] void raiseUnopened(const SettingsBackend& backend, Win32Error failure, const char* description) {
   Error error(codeOf(platformBase + numberOf(failure)), description);
   const std::string file = backend.file();
@@ -97,6 +97,11 @@ void Registry::SaveSetting(const std::string& appName, const std::string& sectio
     failure = opened->setString(key, value);
     if (failure != Win32Error::success) raise(platformBase + numberOf(failure), "Could not set key value");
   });
+}
+
+LanguageOffset storedLanguage(SettingsBackend& backend) {
+  return LanguageOffset(
+      Registry(backend).GetSetting(std::string(applicationName), std::string(viewerSection), "Language", "0"));
 }
 
 }  // namespace korvel::settings

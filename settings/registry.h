@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "settings/settings_backend.h"
+#include "settings/string_table.h"
 
 namespace korvel::settings {
 
@@ -36,6 +37,10 @@ class Registry {
  private:
   SettingsBackend& backend_;
 };
+
+/// The language that the viewer is set to: the setting "Language" of its section, "0" where there is none. Throws Error
+/// where the store cannot be read.
+[[nodiscard]] LanguageOffset storedLanguage(SettingsBackend& backend);
 
 /// The value of a process environment variable, or "" when it is not set.
 [[nodiscard]] std::string GetEnvironment(const std::string& name);

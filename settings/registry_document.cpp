@@ -15,7 +15,7 @@ constexpr std::string_view header = "Windows Registry Editor Version 5.00";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view utf16Mark = "\xFF\xFE";
 
-/// A form in which two names are equal when a registry takes them for the same. Case folding alone would also make "ß"
+/// A key for comparing names as a registry does. Case folding alone would also make "ß"
 /// and "ss" equal, which a registry, comparing character by character, keeps apart: so the count of characters joins
 /// it.
 std::string comparable(std::string_view name) {

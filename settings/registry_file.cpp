@@ -22,7 +22,7 @@ bool fitsOneLine(std::string_view name) {
 }
 
 /// The path below the hive, without the empty parts that doubled backslashes make: a registry ignores them too.
-std::string fullPath(std::string_view keyPath) {
+std::string pathInHive(std::string_view keyPath) {
   std::string path(hive);
   while (!keyPath.empty()) {
     const std::string_view part = keyPath.substr(0, keyPath.find('\\'));
@@ -39,7 +39,7 @@ Win32Error load(const SharedFile& file, RegistryDocument& document) {
   std::string bytes;
   const Win32Error failure = file.read(bytes);
   if (failure != Win32Error::success) return failure;
-  // Made by somebody who meant to fill it, or cut off by a full disk: there is nothing in it that could be lost.
+  // Created to be filled, or cut off by a full disk: there is nothing in it that could be lost.
   if (bytes.empty()) {
     document = RegistryDocument();
     return Win32Error::success;
@@ -114,7 +114,7 @@ Win32Error RegistryFile::openForReading(const std::string& keyPath, std::unique_
   RegistryDocument document;
   const Win32Error failure = load(file_, document);
   if (failure != Win32Error::success) return failure;
-  std::string path = fullPath(keyPath);
+  std::string path = pathInHive(keyPath);
   if (!document.hasKey(path)) return Win32Error::fileNotFound;
   key = std::make_unique<FileKey>(std::move(document), std::move(path), nullptr);
   return Win32Error::success;
@@ -122,7 +122,7 @@ Win32Error RegistryFile::openForReading(const std::string& keyPath, std::unique_
 
 Win32Error RegistryFile::createOrOpen(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
   if (!fitsOneLine(keyPath)) return Win32Error::invalidParameter;
-  std::string path = fullPath(keyPath);
+  std::string path = pathInHive(keyPath);
   RegistryDocument document;
   const Win32Error failure = update(file_, document, [&](RegistryDocument& current) { current.addKey(path); });
   if (failure != Win32Error::success) return failure;

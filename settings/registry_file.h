@@ -9,11 +9,11 @@
 namespace korvel::settings {
 
 /// Settings in a text file in the manner of a registry export (see RegistryDocument), with the key paths of the
-/// machine-wide hive. Programs that write at once lose nothing of each other's: every change reads the file anew and
-/// replaces it whole, under a lock. A section opened for reading shows the file as it was when it was opened.
+/// machine-wide hive. Concurrent writers do not lose each other's changes: every change reads the file anew and
+/// replaces it atomically, under a lock. A section opened for reading shows the file as it was when it was opened.
 ///
-/// A file that is missing is a missing section (2), and one without a byte an empty store. One that cannot be read, or
-/// not be understood (1009), is a failure to open, never an empty store.
+/// A file that is missing is a missing section (2), and one without a byte an empty store. One that cannot be read or
+/// parsed (1009) is a failure to open, never an empty store.
 class RegistryFile : public SettingsBackend {
  public:
   /// `file` and its folders need not be there until something is written. An empty path has no settings and takes none.

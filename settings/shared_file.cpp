@@ -1,4 +1,3 @@
-// The only file of the settings room that asks a POSIX system for more than the standard library offers.
 #include "settings/shared_file.h"
 
 #include <fcntl.h>
@@ -40,7 +39,7 @@ Win32Error createFolders(const fs::path& folder) {
   return ::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST ? Win32Error::success : lastError();
 }
 
-/// The file itself behind any symbolic links, so that all who reach it by whatever name take the same lock. The file
+/// The file behind any symbolic links, so that all processes take the same lock, whatever name they use. The file
 /// need not be there; its folder is created.
 Win32Error resolve(fs::path path, fs::path& target) {
   for (int links = 0; links <= mostLinks; ++links) {
@@ -65,7 +64,7 @@ Win32Error mayReplace(const fs::path& target) {
     return ::faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
   };
   if (!allowed(target.parent_path(), W_OK | X_OK)) return lastError();
-  // Replacing needs no right to the file itself. Who took that right away meant it all the same.
+  // Replacing needs no permission on the file itself, but a read-only file is not to be changed.
   if (!allowed(target, W_OK) && errno != ENOENT) return lastError();
   return Win32Error::success;
 }

@@ -21,7 +21,7 @@ class SharedFile {
   explicit SharedFile(const std::filesystem::path& path, std::chrono::milliseconds patience = usualPatience);
 
   [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
-  /// The whole file as some writer left it, never half of two. Only a regular file is read: a pipe would block.
+  /// The file as one writer left it, never a mixture. Only a regular file is read: a pipe would block.
   [[nodiscard]] Win32Error read(std::string& bytes) const;
 
   /// The right to rewrite the file, held by one holder at a time. The lock is a file of its own beside the settings
@@ -39,7 +39,7 @@ class SharedFile {
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 
-    /// Replaces the file whole. Only while the lock is held.
+    /// Replaces the file atomically. Only while the lock is held.
     [[nodiscard]] Win32Error write(std::string_view bytes) const;
 
    private:

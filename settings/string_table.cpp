@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <stdexcept>
+#include <utility>
 
 #include "settings/text_table.h"
 
@@ -39,6 +40,10 @@ std::string_view entry(int number, Language language) {
   const auto& rows = fixedTable().rows;
   if (number < 1 || number > fixedTextCount || static_cast<std::size_t>(number) > rows.size()) return {};
   return rows[static_cast<std::size_t>(number) - 1].texts[static_cast<std::size_t>(language.index)];
+}
+
+std::string sentence(const std::string& key, const std::vector<std::string>& arguments, const LanguageOffset& offset) {
+  return filled(ownText(key, offset), arguments);
 }
 
 }  // namespace
@@ -83,6 +88,16 @@ std::string filled(std::string_view text, std::span<const std::string> values) {
 
 std::string filled(std::string_view text, std::string_view first, std::string_view second) {
   return filled(text, std::array{std::string(first), std::string(second)});
+}
+
+Error localizedError(std::int32_t number, std::string key, std::vector<std::string> arguments) {
+  Error error(number, sentence(key, arguments, LanguageOffset{}));
+  error.setText(std::move(key), std::move(arguments));
+  return error;
+}
+
+std::string describe(const Error& error, const LanguageOffset& offset) {
+  return error.textKey().empty() ? error.description() : sentence(error.textKey(), error.textArguments(), offset);
 }
 
 }  // namespace korvel::settings

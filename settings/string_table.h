@@ -1,10 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "base/error.h"
 
 namespace korvel::settings {
 
@@ -50,5 +54,11 @@ class LanguageOffset {
 [[nodiscard]] std::string filled(std::string_view text, std::span<const std::string> values);
 /// `text` with "%1" replaced by `first` and "%2" by `second`.
 [[nodiscard]] std::string filled(std::string_view text, std::string_view first, std::string_view second = {});
+
+/// An error that we explain ourselves: the sentence `key` of the table of our own texts, its "%1", "%2" ... filled.
+[[nodiscard]] Error localizedError(std::int32_t number, std::string key, std::vector<std::string> arguments = {});
+
+/// What to show for an error: our sentence in the user's language, or the engine's own text.
+[[nodiscard]] std::string describe(const Error& error, const LanguageOffset& offset);
 
 }  // namespace korvel::settings

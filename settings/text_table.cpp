@@ -23,7 +23,7 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
   }
 }
 
-/// The text that a cell stands for; false where the cell holds a backslash that means nothing.
+/// The text that a cell stands for; false where the cell holds an unknown escape.
 bool unescape(std::string_view cell, std::string& text) {
   bool sound = true;
   for (std::size_t i = 0; i < cell.size(); ++i) {

@@ -20,7 +20,7 @@ struct TextRow {
 struct TextTable {
   std::vector<TextRow> rows;
   /// What is wrong with the table, one sentence a finding; empty for a sound one. A damaged row keeps what can be read
-  /// of it and shows English for what cannot: a slip in one cell must not take the whole program's texts away.
+  /// of it and shows English for what cannot: a mistake in one cell must not make the other texts unusable.
   std::vector<std::string> problems;
 };
 

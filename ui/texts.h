@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "settings/explained_error.h"
 #include "settings/string_table.h"
 
 namespace korvel::ui {

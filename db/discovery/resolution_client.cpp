@@ -6,7 +6,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 

@@ -8,8 +8,8 @@
 #include "db/embedded/embedded_connection.h"
 #include "db/embedded/user_data_folder.h"
 #include "db/open_connection.h"
-#include "settings/explained_error.h"
 #include "settings/registry.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 namespace {

@@ -11,7 +11,7 @@
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "db/embedded/stored_times.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::net {
 

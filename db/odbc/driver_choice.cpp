@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "base/text.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::odbc {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/utf16.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::odbc {
 

@@ -7,7 +7,7 @@
 #include "db/procedure/audit_conditions.h"
 #include "db/procedure/audit_table.h"
 #include "db/trimmed_line.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 

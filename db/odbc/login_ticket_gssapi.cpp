@@ -10,7 +10,7 @@
 
 #include "db/net/run_beside.h"
 #include "db/odbc/login_ticket.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::odbc {
 

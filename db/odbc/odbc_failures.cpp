@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::odbc {
 

@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "db/discovery/resolution_protocol.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 

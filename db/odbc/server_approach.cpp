@@ -11,7 +11,7 @@
 #include "db/odbc/odbc_connection.h"
 #include "db/odbc/odbc_drivers.h"
 #include "db/odbc/odbc_failures.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db::odbc {
 

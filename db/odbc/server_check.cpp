@@ -22,7 +22,7 @@
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
 #include "db/procedure/audit_table.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::db {
 

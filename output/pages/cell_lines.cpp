@@ -4,13 +4,20 @@
 #include <QTextLayout>
 #include <QTextOption>
 #include <algorithm>
+#include <string>
 #include <utility>
 
-#include "output/pages/cell_text.h"
+#include "output/terminal_text.h"
 
 namespace korvel::output::pages {
 
 namespace {
+
+constexpr std::string_view windowsLineBreak = "\u21B5";
+
+bool isPlain(std::string_view value) noexcept {
+  return std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
 
 /// Shaping takes many bytes a character, so long texts are shaped in parts.
 constexpr qsizetype shapedAtOnce = 2000;
@@ -90,6 +97,24 @@ void breakShaped(CellLines& cell, qreal width, const QFont& font, QPaintDevice& 
 }
 
 }  // namespace
+
+QString shownOnPaper(std::string_view value) {
+  if (isPlain(value)) return QString::fromLatin1(value.data(), static_cast<qsizetype>(value.size()));
+  QString shown;
+  std::string visible;
+  while (!value.empty()) {
+    const std::size_t text = std::min(value.find_first_of("\r\n"), value.size());
+    const bool pair = value.substr(text).starts_with("\r\n");
+    const std::size_t whole = std::min(text + (pair ? 2U : 1U), value.size());
+    visible.clear();
+    appendTerminalText(value.substr(0, pair ? text : whole), visible);
+    if (pair) visible += windowsLineBreak;
+    shown += QString::fromUtf8(visible.data(), static_cast<qsizetype>(visible.size()));
+    value.remove_prefix(whole);
+    if (!value.empty()) shown += forcedBreak;
+  }
+  return shown;
+}
 
 bool mayBreakBehind(QStringView text, qsizetype i) noexcept {
   const QChar c = text[i];

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <string_view>
 #include <vector>
 
 #include "output/pages/glyph_face.h"
@@ -9,6 +10,14 @@
 class QPaintDevice;
 
 namespace korvel::output::pages {
+
+/// Stands in shown text where a line ends by the value's own will.
+inline constexpr QChar forcedBreak{QChar::LineSeparator};
+
+/// UTF-8 `value` as it is shown on paper: control characters, characters that turn the direction of writing and bytes
+/// that are no text visible as \t, \x1B, \u202E; a line break visible as well (CR LF as an arrow, else \n or \r), and a
+/// new line after it.
+[[nodiscard]] QString shownOnPaper(std::string_view value);
 
 /// A text broken into the lines of a column.
 struct CellLines {
@@ -35,7 +44,7 @@ struct TextExtent {
   qreal line = 0;
   qreal word = 0;
 };
-/// Widens `extent` to that of `text`. Of an enormous text the beginning tells enough.
+/// Widens `extent` to that of `text`. Only the beginning of a very long text is measured.
 void measure(QStringView text, GlyphFace& face, QPaintDevice& device, TextExtent& extent);
 
 /// Whether a line may end behind character `i`: dates, times and numbers stay in one piece.

@@ -44,7 +44,7 @@ void PagePainter::cell(const CellLines& cell, std::size_t first, std::size_t cou
     }
     qreal x = at.x();
     for (const QChar c : cell.line(i)) {
-      // Blanks are written too: whoever copies text from the page gets its words apart.
+      // Blanks are written too, so that text copied from the page keeps its words apart.
       run->glyphs.push_back(face.glyph(c));
       run->positions.push_back({x, y});
       x += face.advance(c);

@@ -9,7 +9,7 @@ namespace korvel::output::pages {
 
 namespace {
 
-/// What the PDF writer writes to. No exception may pass through the toolkit: the first one is kept for later.
+/// The device of the PDF writer. Qt does not support exceptions, so the first one is kept and thrown afterwards.
 class SinkDevice : public QIODevice {
  public:
   explicit SinkDevice(const ByteSink& sink) : sink_(sink) { open(QIODevice::WriteOnly); }

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "base/system_errors.h"
-#include "output/pages/cell_text.h"
+#include "output/pages/cell_lines.h"
 #include "output/pages/column_widths.h"
 #include "output/pages/page_painter.h"
 
@@ -229,7 +229,7 @@ void ReportFlow::layOut(const PageStart& start) {
   here_ = start;
   if (out_ == nullptr) starts_.clear();
   SectionHead head;
-  if (!openSection(start.section, head)) {  // a report without sections is a page that says so by being empty
+  if (!openSection(start.section, head)) {  // a report without sections is one empty page
     plan_ = {};
     beginPage();
     endPage();
@@ -283,7 +283,7 @@ void ReportFlow::endPage() {
     report(drawn_);
   }
   out_->clear();
-  // Behind the report's last page its source tells whether it was whole.
+  // Only behind its last section the source knows whether the report was complete.
   if (page_ == lastPage_ && page_ < pages_) throw PageDone{};
 }
 
@@ -378,7 +378,7 @@ void ReportFlow::drawCells(const std::vector<CellLines>& cells, std::size_t firs
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const CellLines& cell = cells[i];
     const qreal width = plan_.widths[i] - padding();
-    // The rest of a row tells on every page whose rest it is.
+    // The rest of a row repeats the row's key on every page.
     if (i == 0 && first >= cell.lines.size())
       out_->cell(cell, 0, 1, {x + inset, top}, width, face, PagePainter::Ink::faint);
     else if (first < cell.lines.size())
@@ -387,6 +387,13 @@ void ReportFlow::drawCells(const std::vector<CellLines>& cells, std::size_t firs
     out_->line({x, y_}, {x, y_ + height});
   }
   out_->line({0, y_ + height}, {x, y_ + height});
+}
+
+PaintedPages paintReport(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts,
+                         Orientation orientation, const PageProgress& progress, const PageSelection& selection) {
+  ReportFlow flow(report, device, texts, progress);
+  const bool whole = flow.count(orientation) && flow.draw(selection);
+  return {flow.drawn(), !whole, flow.pages()};
 }
 
 }  // namespace korvel::output::pages

@@ -18,11 +18,11 @@ namespace korvel::output::pages {
 
 class PagePainter;
 
-/// A report's way over its pages. Measured and counted once, it can be drawn from the beginning to the end, or page by
+/// Lays a report out on pages. Measured and counted once, it can be drawn from the beginning to the end, or page by
 /// page in any order.
 class ReportFlow {
  public:
-  /// All must outlive it. `device` tells the size of the pages and the resolution that they are laid out for.
+  /// All must outlive it. The pages have the size and resolution of `device`.
   ReportFlow(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts, const PageProgress& progress);
   ~ReportFlow();
   ReportFlow(const ReportFlow&) = delete;

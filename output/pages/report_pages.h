@@ -32,7 +32,7 @@ enum class Orientation {
   asGiven  ///< as the device has it
 };
 
-/// Hears of every page that is drawn, copies counted, and now and then while pages are still counted (page 0 of 0).
+/// Called for every page that is drawn, copies counted, and now and then while pages are still counted (page 0 of 0).
 /// False cancels.
 using PageProgress = std::function<bool(int page, int pages)>;
 

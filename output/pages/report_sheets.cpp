@@ -37,7 +37,7 @@ bool ReportSheets::layOut(const PageProgress& progress) {
   progress_ = progress;
   flow_ = std::make_unique<ReportFlow>(*report_, *device_, texts_, progress_);
   const bool whole = flow_->count(Orientation::asFits);
-  // Whoever heard of it may be gone when pages are drawn.
+  // The receiver of the progress may be gone when pages are drawn.
   progress_ = {};
   return whole;
 }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "cli/query_command.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool_run.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "cli/pdf_output.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
@@ -24,6 +24,12 @@ TEST_F(OutputFormats, HaveNamesInAnyCaseOfLetters) {
   for (const OutputFormat& format : outputFormats()) EXPECT_EQ(outputFormatNamed(format.name), &format);
   EXPECT_EQ(outputFormatNamed("PDF"), outputFormatNamed("pdf"));
   EXPECT_EQ(outputFormatNamed("docx"), nullptr);
+}
+
+TEST_F(OutputFormats, AreWrittenWhileTheAnswerArrivesWhereTheyNeedNotKnowAllRows) {
+  for (const char* name : {"text", "exchange", "csv", "json", "xlsx"})
+    EXPECT_NE(outputFormatNamed(name)->stream, nullptr) << name;
+  EXPECT_EQ(outputFormatNamed("table")->stream, nullptr) << "its widths are those of all rows";
 }
 
 TEST_F(OutputFormats, HtmlIsTheReportFileAndSaysWhatItDoesNotHold) {

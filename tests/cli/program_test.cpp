@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::cli {

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "cli/output_formats.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"

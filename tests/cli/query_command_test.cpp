@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "tests/cli/query_command_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"

@@ -10,7 +10,7 @@
 #include <streambuf>
 
 #include "base/atomic_file.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "query/query_file.h"
 #include "tests/cli/sql_command_fixture.h"
 #include "tests/support/process_conditions_posix.h"

@@ -11,7 +11,7 @@
 
 #include "base/atomic_file.h"
 #include "base/system_errors.h"
-#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "query/query_file.h"
 #include "tests/cli/sql_command_fixture.h"
 #include "tests/support/scripted_connection.h"

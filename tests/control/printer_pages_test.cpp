@@ -8,7 +8,7 @@
 #include <QPrintEngine>
 #include <QPrinter>
 
-#include "output/list_source.h"
+#include "output/report_source.h"
 #include "tests/support/filled_list.h"
 
 namespace korvel::control {

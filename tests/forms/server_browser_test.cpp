@@ -18,7 +18,7 @@
 #include <stdexcept>
 
 #include "db/attended_work.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/control/recorder.h"
 #include "tests/control/window_thread.h"
 #include "tests/forms/canned_directory.h"

@@ -1,6 +1,6 @@
 #include <chrono>
 
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/odbc/wire.h"
 
 namespace korvel::test {

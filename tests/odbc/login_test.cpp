@@ -1,5 +1,5 @@
 #include "db/odbc/odbc_connection.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/odbc/wire.h"
 
 namespace korvel::test {

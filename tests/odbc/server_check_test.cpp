@@ -2,7 +2,7 @@
 
 #include "db/odbc/install_procedure.h"
 #include "db/procedure/audit_conditions.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/db/audit_database.h"
 #include "tests/odbc/wire.h"
 

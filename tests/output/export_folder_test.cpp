@@ -1,4 +1,4 @@
-#include "output/export_folder.h"
+#include "output/export_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

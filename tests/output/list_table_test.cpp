@@ -12,7 +12,7 @@ namespace {
 using test::filledList;
 
 std::string table(const results::ResultList& list) {
-  return '\n' + test::written(ListFormat::table, list);
+  return '\n' + test::written(writeTable, list);
 }
 
 TEST(Table, AlignsItsColumns) {

@@ -9,9 +9,9 @@
 #include "base/error.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "output/export_folder.h"
+#include "output/export_file.h"
 #include "output/report.h"
-#include "output/scratch_file.h"
+#include "output/temporary_file.h"
 #include "output/text_export.h"
 #include "output/workbook.h"
 #include "tests/support/deep_folder.h"
@@ -117,10 +117,10 @@ TEST_F(OutputsOnWindows, WorkbooksAreMadeInAFolderOfAnyName) {
   EXPECT_TRUE(fs::is_empty(odd));
 }
 
-TEST_F(OutputsOnWindows, AScratchFileGoesWithItsObject) {
+TEST_F(OutputsOnWindows, ATemporaryFileGoesWithItsObject) {
   const test::TemporaryFolder folder;
   {
-    const ScratchFile scratch(folder.path());
+    const TemporaryFile scratch(folder.path());
     scratch.checkRoom(1'000'000);
     EXPECT_EQ(fs::file_size(scratch.path()), 0U);
     EXPECT_NE(failureOf([&] { scratch.checkRoom(std::uint64_t{1} << 62U); }), 0) << "no disk has so much room";

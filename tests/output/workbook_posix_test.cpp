@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,25 @@ TEST_F(WorkbookOnAFullDisk, WhoseRowsFillTheDiskIsNotTakenForWhole) {
     }
     EXPECT_EQ(number, numberOf(FileError::diskFull)) << whole - size << " bytes too few";
   }
+}
+
+std::size_t openFiles() {
+  const fs::directory_iterator files("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(fs::begin(files), fs::end(files)));
+}
+
+TEST(WorkbookThatIsGivenUp, LeavesNoFileOpen) {
+  const std::size_t before = openFiles();
+  {
+    Workbook book("Rows", fs::temp_directory_path(), 3);
+    book.beginResult(std::vector<db::Field>{{"A"}});
+    for (int i = 0; i < 5; ++i) {
+      const db::Cell cell{"text"};
+      book.row({&cell, 1});
+    }
+    EXPECT_GT(openFiles(), before) << "each sheet keeps its rows in a file";
+  }
+  EXPECT_EQ(openFiles(), before);
 }
 
 }  // namespace

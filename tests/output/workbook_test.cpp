@@ -176,8 +176,7 @@ TEST_F(WorkbookFile, ReportsWhatACellCannotHold) {
 }
 
 TEST_F(WorkbookFile, GoesOnOnAnotherSheetWhenOneIsFull) {
-  Workbook book("Rows");
-  book.limitSheets(3);
+  Workbook book("Rows", fs::temp_directory_path(), 3);
   const std::vector<db::Field> fields{{"A"}};
   book.beginResult(fields);
   for (const char* text : {"r0", "r1", "r2", "r3", "r4"}) {

@@ -6,8 +6,6 @@
 #include <QPdfWriter>
 #include <string>
 
-#include "output/pages/cell_text.h"
-
 namespace korvel::output::pages {
 namespace {
 

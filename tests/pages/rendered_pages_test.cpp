@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "output/list_source.h"
 #include "output/pages/report_sheets.h"
+#include "output/report_source.h"
 #include "tests/support/filled_list.h"
 
 namespace korvel::output::pages {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/atomic_file.h"
-#include "output/list_source.h"
 #include "output/pages/pdf.h"
+#include "output/report_source.h"
 #include "tests/support/filled_list.h"
 #include "tests/support/program_output.h"
 #include "tests/support/temporary_folder.h"

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "results/out_of_memory.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/support/scripted_connection.h"
 
 namespace korvel::query {

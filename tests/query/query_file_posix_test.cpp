@@ -9,7 +9,7 @@
 #include <functional>
 
 #include "base/atomic_file.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
 

@@ -8,7 +8,7 @@
 #include "base/atomic_file.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 #include "tests/query/query_file_fixture.h"
 #include "tests/support/temporary_folder.h"
 

@@ -16,8 +16,8 @@
 #include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/system_errors.h"
-#include "settings/explained_error.h"
 #include "settings/registry.h"
+#include "settings/string_table.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::settings {

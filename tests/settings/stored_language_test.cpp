@@ -1,10 +1,9 @@
-#include "settings/stored_language.h"
+#include "settings/registry.h"
 
 #include <gtest/gtest.h>
 
 #include "base/atomic_file.h"
 #include "base/error.h"
-#include "settings/registry.h"
 #include "settings/registry_file.h"
 #include "tests/support/temporary_folder.h"
 

@@ -32,9 +32,10 @@ inline results::ResultList filledList(const std::vector<db::Field>& fields, cons
 }
 
 /// The output of a writer, as one text.
-inline std::string written(output::ListFormat format, const results::ResultList& list) {
+template <typename Write>
+std::string written(Write write, const results::ResultList& list) {
   std::string bytes;
-  output::writeList(format, list, [&bytes](std::string_view chunk) { bytes += chunk; });
+  write(list, [&bytes](std::string_view chunk) { bytes += chunk; });
   return bytes;
 }
 
