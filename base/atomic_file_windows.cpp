@@ -1,6 +1,6 @@
 // ntsecapi.h needs the types of windows.h.
 #include <windows.h>
-// Behind it.
+// After it.
 #include <ntsecapi.h>
 
 #include <algorithm>
@@ -33,7 +33,7 @@ Error failed(const std::string& what, const fs::path& file, DWORD number = GetLa
   return systemError(static_cast<int>(number), what + " " + utf8FromPath(file));
 }
 
-/// Whether a renaming was refused for the sake of what is there, not because a disk knows no such renaming.
+/// Whether a rename was refused because of the target, not because the file system lacks this kind of rename.
 bool isRefusal(DWORD number) noexcept {
   return number == ERROR_ACCESS_DENIED || number == ERROR_SHARING_VIOLATION;
 }

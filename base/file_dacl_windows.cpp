@@ -11,7 +11,7 @@ bool isUnsupported(DWORD number) noexcept {
 }  // namespace
 
 PSECURITY_DESCRIPTOR FileDacl::descriptor() const {
-  // The system's calls read from it only, though they do not say so.
+  // The system's calls only read it, though they take a pointer to non-const.
   return const_cast<char*>(bytes_.data());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
@@ -31,7 +31,7 @@ DWORD FileDacl::readFrom(HANDLE file) {
   }
   SECURITY_DESCRIPTOR_CONTROL control = 0;
   DWORD revision = 0;
-  // Without this mark the system forgets which of them came from the folder.
+  // Without this flag the system forgets which entries were inherited.
   if (GetSecurityDescriptorControl(descriptor(), &control, &revision) != 0 && (control & SE_DACL_AUTO_INHERITED) != 0)
     SetSecurityDescriptorControl(bytes_.data(), SE_DACL_AUTO_INHERIT_REQ, SE_DACL_AUTO_INHERIT_REQ);
   return ERROR_SUCCESS;

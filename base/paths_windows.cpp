@@ -67,7 +67,7 @@ fs::path extendedLengthPath(const fs::path& path) {
   const std::wstring& text = path.native();
   if (text.empty() || text.starts_with(verbatim) || text.starts_with(device)) return path;
   std::wstring whole = fullPath(text);
-  // Short paths stay plain: names of devices mean something in them only.
+  // Short paths stay as they are: device names are recognised only there.
   if (whole.size() <= longestPlainPath || whole.starts_with(device)) return path;
   if (whole.starts_with(network)) return {LR"(\\?\UNC\)" + whole.substr(network.size())};
   return {whole.insert(0, verbatim)};

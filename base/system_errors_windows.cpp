@@ -20,7 +20,7 @@ struct Row {
 /// ERROR_DIRECTORY_NOT_SUPPORTED, which the compiler's headers lack.
 constexpr int directoryNotSupported = 336;
 
-/// The first row of a condition is its number; all rows of a number say what it means.
+/// The first row of a condition gives its number; a number means the conditions of all its rows.
 constexpr std::array rows = {
     Row{std::errc::no_such_file_or_directory, ERROR_FILE_NOT_FOUND},
     Row{std::errc::no_such_file_or_directory, ERROR_PATH_NOT_FOUND},
@@ -128,7 +128,7 @@ std::string systemMessage(int systemNumber) {
   std::wstring text(longestMessage, L'\0');
   text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
                              nullptr, static_cast<DWORD>(systemNumber), 0, text.data(), longestMessage, nullptr));
-  // A sentence of its own in the system's tables; here it stands within others.
+  // The system's message is a sentence; here it is part of one.
   text.resize(text.find_last_not_of(L" .\r\n") + 1);
   return text.empty() ? "Windows error " + std::to_string(systemNumber) : utf8FromWide(text);
 }

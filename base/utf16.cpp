@@ -29,7 +29,7 @@ char* writeCodePoint(char32_t codePoint, char* out) {
   return out;
 }
 
-/// Four units at once, where each of them is one byte.
+/// Writes four units at once, where all of them are ASCII.
 bool writeFourPlain(const char16_t* in, char* out) {
   std::uint64_t units = 0;
   std::memcpy(&units, in, sizeof units);
@@ -63,7 +63,7 @@ char* writeUtf8(std::u16string_view utf16, char* out) {
   const char16_t* const begin = in;
   const char16_t* const end = in + utf16.size();
   for (;;) {
-    // Most texts are plain. Their last units are written together with some before them, once more.
+    // Most texts are ASCII. Their last units are written together with some that were written before.
     for (; end - in >= block && writeFourPlain(in, out); in += block) out += block;
     if (in == end) return out;
     const std::ptrdiff_t rest = end - in;

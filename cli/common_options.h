@@ -20,7 +20,7 @@ struct OptionHelp {
   std::string text;
 };
 
-/// A check for the parser: what `read` gives nothing for is refused with "'...' is " and the complaint.
+/// A check for the parser: a text that `read` refuses is reported with "'...' is " and the complaint.
 template <typename Read>
 auto readableBy(Read read, std::string complaint) {
   return [read, complaint = std::move(complaint)](const std::string& text) {
@@ -45,18 +45,18 @@ void addConnection(CLI::App& command, std::string& server, std::string& database
 /// Adds --format and --output, which keep what is in them where they are not given.
 void addTarget(CLI::App& command, const OutputFormat*& format, std::string& output);
 
-/// Why a format cannot go to where it was sent; nothing where it can.
+/// Why a format cannot be written to a target; nothing where it can.
 [[nodiscard]] std::optional<std::string> targetProblem(const OutputFormat& format, const std::string& output,
                                                        const std::ostream& out);
 
-/// Says why an output could not be written; gives the exit status for it. That the reader of a pipe has left is no
-/// failure: it has had what it wanted.
+/// Reports why an output could not be written; gives the exit status for it. A pipe that its reader closed is no
+/// failure.
 int outputFailed(std::ostream& err, const Error& error);
 
 /// Writes a text to standard output; gives `status`, or that of a failure.
 int writeText(std::ostream& out, std::ostream& err, std::string_view text, int status);
 
-/// Says why a command line cannot be obeyed; gives the exit status for it.
+/// Reports why a command line cannot be executed; gives the exit status for it.
 int refused(std::ostream& err, std::string_view why);
 
 }  // namespace korvel::cli

@@ -7,7 +7,7 @@
 
 namespace korvel::cli {
 
-/// A stream's way to a console: UTF-8, as text, never half a character.
+/// A stream buffer for a console: takes UTF-8 and writes whole characters.
 class ConsoleBuffer final : public std::streambuf {
  public:
   explicit ConsoleBuffer(HANDLE console) noexcept : console_(console) {}

@@ -12,7 +12,7 @@ namespace {
 // The last one comes when the terminal is closed.
 constexpr std::array signals = {SIGINT, SIGTERM, SIGHUP};
 
-/// What a signal's handler may touch: it needs no start, and no lock.
+/// The flag that the signal handler sets: initialised at compile time and lock-free.
 std::atomic<bool>& noted() noexcept {
   static constinit std::atomic<bool> flag{false};
   static_assert(std::atomic<bool>::is_always_lock_free);

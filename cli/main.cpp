@@ -8,7 +8,7 @@
 int main(int count, char** arguments) {
   const int status = korvel::cli::runTool(korvel::cli::startProgram(count, arguments), std::cout, std::cerr);
   std::cout.flush();
-  // What a query that was left behind still uses is not taken from it.
+  // A detached query may still use static objects: they are not destroyed.
   if (korvel::db::workIsLeftBehind()) std::_Exit(status);
   return status;
 }

@@ -14,7 +14,7 @@ namespace korvel::cli {
 enum ExitStatus : int {
   exitDone = 0,        ///< rows were written, or the demo databases are there
   exitNoRecords = 1,   ///< the answer, or the list that was asked for, has no rows; nothing was written
-  exitWrongUsage = 2,  ///< the command line cannot be obeyed; nothing was tried
+  exitWrongUsage = 2,  ///< the command line is wrong; nothing was tried
   exitDatabase = 3,    ///< the database failed; no file was written
   exitOutput = 4,      ///< the rows, or the demo databases, could not be written
   exitIncomplete = 5,  ///< rows were written, and a note says which are missing

@@ -38,7 +38,7 @@ void writeJson(const CaptionedList& list, const output::ByteSink& sink, std::ost
   sayReplacements(output::writeJson(list.list, sink), err);
 }
 
-/// Says at the end what JSON could not carry.
+/// Notes at the end what JSON could not carry.
 class CommentedJsonWriter final : public output::RowWriter {
  public:
   CommentedJsonWriter(const output::ByteSink& sink, std::ostream& err) : records_(sink), err_(err) {}
@@ -76,7 +76,7 @@ void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ost
   sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink), err);
 }
 
-/// Fills a workbook, which comes into being with the first row: an answer without rows leaves nothing behind.
+/// Fills a workbook, which is created with the first row: an answer without rows leaves no temporary file.
 class XlsxWriter final : public output::RowWriter {
  public:
   XlsxWriter(std::string_view caption, const output::ByteSink& sink, std::ostream& err)

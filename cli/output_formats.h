@@ -12,17 +12,17 @@
 
 namespace korvel::cli {
 
-/// A list that is to leave the tool, and the caption of its page.
+/// A list to be written, and the caption of its page.
 struct CaptionedList {
   const results::ResultList& list;
   std::string_view caption;
   std::string remark;  ///< what a reader of the pages would not expect; empty where there is nothing
 };
 
-/// A form in which a list leaves the tool.
+/// A format in which a list is written.
 struct OutputFormat {
   std::string_view name;
-  bool isBinary;  ///< nothing for a terminal
+  bool isBinary;  ///< not written to a terminal
   /// Writes the list; notes to `err` what the format cannot carry.
   void (*write)(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);
   /// Writes records one by one, in the memory of a few; null for a form that has to know all of them first. Caption,

@@ -28,7 +28,7 @@ Error cannotWrite(const std::string& what) {
 
 void writeToStream(std::ostream& out, const std::string& what, const Writer& write) {
   write([&out, &what](std::string_view bytes) {
-    errno = 0;  // what came before, a query for one, is not why writing fails
+    errno = 0;  // left by earlier calls
     if (!out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()))) throw cannotWrite(what);
   });
   errno = 0;
@@ -65,14 +65,14 @@ output::ByteSink untilInterrupted(const output::ByteSink& target) {
 
 void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
   if (target == "-") return writeToStream(out, "standard output", write);
-  // Would only be noticed when all is written.
+  // Would fail only after everything was written.
   if (target.empty())
     throw systemError(systemErrorNumber(std::errc::no_such_file_or_directory), "cannot write a file without a name");
   std::error_code ignored;
   const fs::file_status status = files::status(pathFromUtf8(target), ignored);
   if (fs::is_directory(status))
     throw systemError(systemErrorNumber(std::errc::is_a_directory), "cannot write " + target);
-  // Renaming a file over a device would take the device away.
+  // Renaming a file over a device would remove the device.
   if (fs::exists(status) && !fs::is_regular_file(status)) return writeThrough(target, write);
   AtomicFile file(pathFromUtf8(target));
   write([&file](std::string_view bytes) { file.write(bytes); });

@@ -7,10 +7,10 @@ class QString;
 
 namespace korvel::cli {
 
-/// What pages say of the time of their printing.
+/// The time of printing as pages show it.
 [[nodiscard]] QString printedAt(const QDateTime& time);
 
-/// The list as pages, values as they are stored in Unicode. Starts what draws text only now, without a display.
+/// The list as pages, values as they are stored in Unicode. Starts Qt only now, without a display.
 void writePdf(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);
 
 }  // namespace korvel::cli

@@ -79,7 +79,7 @@ std::string categoryText(const query::FilterNode& node) {
          std::string(node.argument == 0 ? node.caption : db::categoryConditions()[node.argument - 1].parameter);
 }
 
-/// Why a text is no category; empty where it is one.
+/// Why a text is not a category; empty where it is one.
 std::string categoryProblem(const std::string& text) {
   if (categoryNamed(text)) return {};
   std::string sharing;
@@ -93,7 +93,7 @@ std::string categoryProblem(const std::string& text) {
   return quoted + (sharing.empty() ? "no category; there are " + known : "the caption of " + sharing);
 }
 
-/// Why a text is no day to ask for; empty where it is one.
+/// Why a text is not a valid day; empty where it is one.
 std::string dayProblem(const std::string& text) {
   const auto day = query::parseDay(text);
   const std::string quoted = "'" + output::terminalText(text) + "' is ";
@@ -265,7 +265,7 @@ std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
   std::optional<query::NodeIndex> captioned;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     if (!equalsIgnoringAsciiCase(key, nodes[i].caption)) continue;
-    if (captioned) return std::nullopt;  // that of two: which one is meant?
+    if (captioned) return std::nullopt;  // ambiguous
     captioned = query::NodeIndex{i + 1};
   }
   return captioned;

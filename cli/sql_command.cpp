@@ -73,7 +73,7 @@ std::string databaseText(const Error& error) {
   return text + ": " + settings::describe(error, settings::LanguageOffset{});
 }
 
-/// How a query came out, apart from failures to write.
+/// Reports the outcome of a query, apart from failures to write; gives the exit status.
 int ended(std::ostream& err, const query::CustomReport& report) {
   switch (report.outcome) {
     case query::CustomOutcome::stopped:
@@ -107,7 +107,8 @@ class WatchedStream final : public db::ResultSink {
         stream_(format.stream(caption, outlet_, err), wanted) {}
 
   void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
-  /// A failure to write ends the answer in good order and is kept for throwUnwritten(): it is none of the engine's.
+  /// A failure to write ends the answer in good order and is kept for throwUnwritten(): it is not an error of the
+  /// database.
   bool row(std::span<const db::Cell> cells) override {
     try {
       return stream_.row(cells);
@@ -123,7 +124,7 @@ class WatchedStream final : public db::ResultSink {
     return stream_.goOn();
   }
 
-  /// The query is left behind, with this stream: waits until the byte that is being written is written.
+  /// The query was detached, and keeps this stream: waits until a write in progress has ended.
   void close() {
     const std::lock_guard lock(mutex_);
     closed_ = true;

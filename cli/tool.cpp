@@ -45,7 +45,7 @@ std::string commandNames(const CLI::App& app) {
   return names;
 }
 
-/// What the parser would only say to be missing: which word of the command line it does not know as a command.
+/// Names the word that is not a command; the parser would only report a missing command.
 std::optional<std::string> commandProblem(const CLI::App& app, const std::vector<std::string>& arguments) {
   if (arguments.empty()) return "no command was given; there are " + commandNames(app);
   const std::string& first = arguments.front();

@@ -25,7 +25,7 @@ constexpr mode_t ownMode = 0700;
 constexpr mode_t othersMayWrite = 0022;
 constexpr mode_t othersMayAnything = 0077;
 
-/// One folder below another, each with what of its mode others must not have.
+/// A folder below another, and the permission bits that it must not have.
 struct OwnFolder {
   const char* name;
   mode_t forbidden;

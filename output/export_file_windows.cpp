@@ -10,9 +10,9 @@ namespace fs = std::filesystem;
 
 fs::path exportPath(std::string_view name) {
   const std::string windir = settings::GetEnvironment("windir");
-  // Put together as text: a disk alone means its root, not the folder that is current on it.
+  // Joined as text: a drive alone means its root here, not its current folder.
   if (!windir.empty()) return pathFromUtf8(windir + "\\" + std::string(name));
-  // The profile's folders are the user's alone already.
+  // Folders of the profile are private already.
   const std::string profile = settings::GetEnvironment("LOCALAPPDATA");
   if (profile.empty()) throw fileError(FileError::pathNotFound);
   const fs::path folder = pathFromUtf8(profile) / "korvel" / "export";

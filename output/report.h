@@ -31,8 +31,7 @@ enum class ReportTemplate {
 ReportNotes writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
                         const ByteSink& sink, const RowProgress& progress = {});
 
-/// The report of one list into an atomic file, over an earlier one. Throws Error with the numbers of
-/// FileError.
+/// The report of one list into an atomic file, over an earlier one. Throws Error with a FileError.
 ReportNotes writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
                             const RowProgress& progress = {});
 /// The same for those lists 1 to 4 that have rows; `lists` and `captions` are those of all pages.

@@ -24,8 +24,8 @@ class ReportBytes {
   virtual std::size_t read(std::span<char> to) = 0;
 };
 
-/// The bytes of a file. The same file is read each time, whatever takes its name meanwhile. Throws Error with the
-/// numbers of FileError.
+/// The bytes of a file. The same file is read each time, whatever takes its name meanwhile. Throws Error with a
+/// FileError.
 [[nodiscard]] std::unique_ptr<ReportBytes> reportFile(const std::filesystem::path& file);
 
 /// Reads a report file back, value by value, with the writer's notes: markup in a value is part of its text. Takes the

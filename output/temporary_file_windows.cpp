@@ -76,13 +76,13 @@ void TemporaryFile::checkRoom(std::uint64_t bytes) const {
 }
 
 std::string cLibraryPath(const fs::path& path) {
-  // Some of its functions take UTF-8 and some the code page: a name that is the same in both suits all.
+  // Some C library functions take UTF-8 and some the code page: a name must be the same in both.
   const auto isPlain = [](const std::wstring& name) {
     return std::all_of(name.begin(), name.end(), [](wchar_t unit) { return unit < 0x80; });
   };
   std::wstring name = path.native();
   if (!isPlain(name)) {
-    // The short form is plain, where the disk has one.
+    // The short (8.3) form is ASCII, where the disk has one.
     name.resize(GetShortPathNameW(path.c_str(), nullptr, 0));
     name.resize(GetShortPathNameW(path.c_str(), name.data(), static_cast<DWORD>(name.size())));
     if (name.empty() || !isPlain(name)) name = path.native();

@@ -23,7 +23,7 @@ void appendHexadecimal(std::uint32_t number, int digits, std::string& out) {
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += figures[(number >> shift) & 0xFU];
 }
 
-/// Joiners shape letters and pictures, a soft hyphen shows as one: these stay.
+/// Joiners shape letters and emoji, and a soft hyphen is visible: they need no escape.
 constexpr bool isHarmlessFormat(utf8proc_int32_t codePoint) noexcept {
   return codePoint == 0x00AD || codePoint == 0x200C || codePoint == 0x200D;
 }

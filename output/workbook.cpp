@@ -34,7 +34,7 @@ constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
   throw asFileError(systemError(systemNumber, "cannot write the workbook"), FileAccess::write);
 }
 
-/// What the library says about a failure of its own: mostly it says where, and the system why.
+/// For an error of the library: mostly errno has the reason.
 [[noreturn]] void failAs(lxw_error error) {
   if (error == LXW_ERROR_MEMORY_MALLOC_FAILED) throw fileError(FileError::outOfMemory);
   fail(systemErrorNumberFromErrno(std::errc::io_error));

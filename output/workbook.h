@@ -36,8 +36,7 @@ struct WorkbookSummary {
 /// A spreadsheet workbook (xlsx) that is written while rows arrive, in the memory of one row: a sheet for every result
 /// set, and another each time a sheet is full. The header row is frozen and filters. Values keep their types where
 /// nothing is lost by it: numbers of up to 15 digits, dates and times to the millisecond, booleans; all else is text,
-/// also what begins with "=". Null and the empty text are both an empty cell. Throws Error with the numbers of
-/// FileError.
+/// also what begins with "=". Null and the empty text are both an empty cell. Throws Error with a FileError.
 class Workbook final : public db::ResultSink {
  public:
   /// The most rows that a sheet holds, its header counted.

@@ -146,8 +146,8 @@ std::string_view RegistryDocument::lineEnd() const {
 
 void RegistryDocument::replace(std::size_t begin, std::size_t end, std::string_view replacement) {
   text_.replace(begin, end - begin, replacement);
-  // The places of everything behind have moved. Settings are few: reading anew beats keeping count. What the document
-  // writes it can read.
+  // The places of everything behind have moved. Settings are few: reading anew is simpler than adjusting. What the
+  // document writes it can read.
   static_cast<void>(read());
 }
 

@@ -59,7 +59,7 @@ void breakPlain(CellLines& cell, qreal width, GlyphFace& face) {
   cell.lines.push_back({start, text.size() - start});
 }
 
-/// Where the part of a text that begins at `start` ends: at a forced break, or where it has got long enough.
+/// Where the part of a text that begins at `start` ends: at a forced break, or where it is long enough.
 qsizetype endOfPart(const QString& text, qsizetype start) {
   const qsizetype limit = std::min(start + shapedAtOnce, text.size());
   const qsizetype forced = text.indexOf(forcedBreak, start);
@@ -68,7 +68,7 @@ qsizetype endOfPart(const QString& text, qsizetype start) {
   qsizetype end = limit;
   while (end > limit - 100 && !text[end - 1].isSpace()) --end;
   if (!text[end - 1].isSpace()) end = limit;
-  // Never between what makes one character.
+  // Never within a surrogate pair or a combined character.
   while (end > start + 1 && (text[end].isLowSurrogate() || text[end].isMark() || text[end].unicode() == 0x200D ||
                              text[end - 1].unicode() == 0x200D))
     --end;

@@ -15,7 +15,7 @@ struct Range {
   char16_t first;
   char16_t last;
 };
-/// Letters that stand side by side whatever their neighbours are.
+/// Letters whose shape does not depend on their neighbours.
 constexpr std::array plainRanges = {Range{0x20, 0x7E},     Range{0xA0, 0xAC},     Range{0xAE, 0x24F},
                                     Range{0x370, 0x3FF},   Range{0x400, 0x482},   Range{0x48A, 0x52F},
                                     Range{0x2010, 0x2027}, Range{0x2030, 0x205E}, Range{0x20A0, 0x20BF},
