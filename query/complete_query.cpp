@@ -12,7 +12,7 @@
 #include "query/query_failure.h"
 #include "query/row_join.h"
 #include "results/out_of_memory.h"
-#include "settings/explained_error.h"
+#include "settings/string_table.h"
 
 namespace korvel::query {
 namespace {
