@@ -4,8 +4,8 @@
 #include <QProcess>
 #include <QUrl>
 
-#include "control/file_programs.h"
 #include "base/system_errors.h"
+#include "control/file_programs.h"
 
 namespace korvel::control {
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <string>
 
-#include "control/native_window_windows.h"
 #include "base/system_errors.h"
+#include "control/native_window_windows.h"
 
 namespace korvel::control {
 namespace {

@@ -86,7 +86,7 @@ float WidestText::estimate(std::string_view text) {
       before = at;
       text.remove_prefix(1);
     } else {
-      const char32_t at = std::max<char32_t>(takeCodePoint(text), ' ');
+      const char32_t at = std::max<char32_t>(takeCharacter(text), ' ');
       width += otherAdvance(before, at);
       before = at;
     }

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "base/error.h"
-#include "control/file_programs_windows.h"
 #include "base/system_errors.h"
+#include "control/file_programs_windows.h"
 #include "settings/code_page.h"
 
 namespace korvel::control {

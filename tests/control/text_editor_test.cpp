@@ -7,8 +7,8 @@
 
 #include "base/atomic_file.h"
 #include "base/error.h"
-#include "control/file_programs.h"
 #include "base/system_errors.h"
+#include "control/file_programs.h"
 #include "tests/support/opened_files.h"
 #include "tests/support/temporary_folder.h"
 
