@@ -212,7 +212,7 @@ TEST_F(Lifecycle, TheStoredLanguageCaptionsTheSideControls) {
 }
 
 TEST_F(Lifecycle, AFailingInitializeReportsItAndStops) {
-  settings.openFailure = settings::errorAccessDenied;
+  settings.openFailure = Win32Error::accessDenied;
   const auto viewer = newViewer();
   ASSERT_EQ(recorder->messages.size(), 1U);
   const int number = static_cast<int>(0x80040000U + 2005U);
