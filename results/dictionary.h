@@ -66,7 +66,6 @@ class Dictionary {
   [[nodiscard]] bool isCrowded() const noexcept { return crowded_; }
   /// Drops what only looking up needs; nothing may be looked up any more.
   void stopLookingUp() noexcept;
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
  private:
   /// The bits are a text of up to seven bytes, or the address of a longer one. The lowest bit of the

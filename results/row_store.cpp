@@ -110,14 +110,6 @@ db::Cell RowStore::cell(RowId row, ColumnIndex column) const noexcept {
   return {textAt(stored), stored == nullptr};
 }
 
-std::size_t RowStore::memoryBytes() const noexcept {
-  std::size_t bytes =
-      sizeof(Impl) + impl_->columns.capacity() * sizeof(Column) + impl_->segments.capacity() * sizeof(Segment);
-  for (const Segment& segment : impl_->segments) bytes += segment.fields.capacity() * sizeof(db::Field);
-  for (const Column& column : impl_->columns) bytes += column.memoryBytes();
-  return bytes;
-}
-
 std::vector<std::uint32_t> RowStore::ranks(ColumnIndex column, bool numericKeys) const {
   try {
     std::vector<std::uint32_t> ranks(impl_->rowCount, 0);

@@ -40,8 +40,6 @@ class RowStore final {
   [[nodiscard]] std::span<const db::Field> fieldsOf(RowId row) const noexcept;
   /// The value; an empty null cell beyond the row's width. The text lives as long as the store.
   [[nodiscard]] db::Cell cell(RowId row, ColumnIndex column) const noexcept;
-  /// Bytes held on the heap.
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
   /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have
   /// equal ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to

@@ -63,11 +63,6 @@ void StoreFiller::finish() {
   if (appender_ != nullptr) withMemory([&] { appender_->finish(); });
 }
 
-RowStore& StoreFiller::store() {
-  finish();
-  return *store_;
-}
-
 std::shared_ptr<const RowStore> StoreFiller::takeStore() {
   finish();
   appender_.reset();

@@ -29,7 +29,6 @@ class TextArena {
  public:
   /// Throws std::bad_alloc; nothing is changed then.
   StoredText add(std::string_view text);
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
  private:
   char* allocate(std::size_t bytes);
@@ -38,7 +37,6 @@ class TextArena {
   char* next_ = nullptr;
   std::size_t left_ = 0;
   std::size_t chunkBytes_ = 0;
-  std::size_t allocated_ = 0;
 };
 
 }  // namespace korvel::results
