@@ -147,12 +147,12 @@ void loginOverTheWire(benchmark::State& state) {
     });
     state.SetIterationTime(time.measure([&] { (void)db::odbc::openServer(server, "Korvel_Audit", access); }));
     stepTime.measure([&] {
-      db::odbc::ServerApproach approach(server, access);
-      approach.findServer();
-      approach.reachPort();
-      approach.greet();
+      db::odbc::ServerConnector approach(server, access);
+      approach.resolveServer();
+      approach.connectPort();
+      approach.exchangePreLogin();
       approach.encrypt();
-      approach.proveUser();
+      approach.acquireTicket();
       (void)approach.logIn("Korvel_Audit");
     });
   }

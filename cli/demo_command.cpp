@@ -12,6 +12,7 @@
 #include "cli/messages.h"
 #include "cli/platform_help.h"
 #include "cli/read_option.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {

@@ -7,6 +7,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "cli/names.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {

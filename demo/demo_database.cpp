@@ -15,7 +15,7 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "db/embedded/audit_schema.h"
+#include "db/embedded/audit_statements.h"
 #include "demo/trail.h"
 #include "query/audit_record.h"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "output/byte_sink.h"
-#include "results/heap_bytes.h"
+#include "results/text_arena.h"
 
 namespace korvel::output {
 

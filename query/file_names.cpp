@@ -10,7 +10,7 @@
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "query/query_file.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "settings/explained_error.h"
 
 namespace korvel::query {

@@ -9,8 +9,8 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/whole_file.h"
-#include "db/database_file.h"
-#include "results/out_of_memory.h"
+#include "db/embedded/embedded_folder.h"
+#include "results/memory_watch.h"
 #include "settings/code_page.h"
 #include "settings/explained_error.h"
 

@@ -10,9 +10,8 @@
 
 #include "db/connection.h"
 #include "results/dictionary.h"
-#include "results/heap_bytes.h"
-#include "results/ids.h"
 #include "results/text_arena.h"
+#include "results/row_store.h"
 
 namespace korvel::results {
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "results/out_of_memory.h"
 #include "settings/explained_error.h"
 
 namespace korvel::results {

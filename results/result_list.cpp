@@ -9,7 +9,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "results/number_text.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 

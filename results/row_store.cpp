@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "results/column.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 

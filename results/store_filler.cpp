@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "results/background_appender.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 

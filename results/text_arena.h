@@ -1,12 +1,21 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
-#include "results/heap_bytes.h"
 
 namespace korvel::results {
+
+/// Bytes on the heap that nobody has written yet.
+// NOLINTNEXTLINE(modernize-avoid-c-arrays): an array of a size known at run time only; a vector would clear it first.
+using HeapBytes = std::unique_ptr<char[]>;
+
+/// Throws std::bad_alloc.
+[[nodiscard]] inline HeapBytes heapBytes(std::size_t size) {
+  return HeapBytes(new char[size]);
+}
 
 /// A text kept in a TextArena: the address of its length and bytes. The null address stands for a null value.
 using StoredText = const char*;

@@ -1,13 +1,14 @@
+#include "db/embedded/embedded_folder.h"
+
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <system_error>
 
+#include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/text.h"
-#include "db/embedded/embedded_connection.h"
-#include "db/embedded/user_data_folder.h"
-#include "db/open_connection.h"
 #include "settings/explained_error.h"
 #include "settings/registry.h"
 
@@ -69,6 +70,16 @@ std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder, 
     throw settings::explainedError(systemNumber(std::errc::invalid_argument), "db.notAName",
                                    {replaceAll(std::string(database), std::string(1, '\0'), "\\0")});
   return folder / pathFromUtf8(std::string(database) + ".db");
+}
+
+bool isDatabaseFile(const std::filesystem::path& file) {
+  constexpr std::string_view signature{"SQLite format 3\0", 16};
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(files::status(file, ignored))) return false;
+  std::array<char, signature.size()> start{};
+  std::ifstream in(pathForCalls(file), std::ios::binary);
+  in.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return in && std::string_view(start.data(), start.size()) == signature;
 }
 
 }  // namespace korvel::db

@@ -9,7 +9,7 @@
 
 #include "base/files.h"
 #include "base/paths.h"
-#include "db/embedded/stored_times.h"
+#include "db/embedded/audit_statements.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {

@@ -12,7 +12,7 @@
 #include "base/system_errors.h"
 #include "base/whole_file.h"
 #include "base/wide_text_windows.h"
-#include "db/net/authorities.h"
+#include "db/net/tls_handshake.h"
 
 namespace korvel::db::net {
 

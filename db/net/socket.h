@@ -69,16 +69,16 @@ void sendAll(const Socket& socket, std::string_view bytes, const Deadline& deadl
 [[nodiscard]] std::string receiveExactly(const Socket& socket, std::size_t size, const Deadline& deadline);
 
 /// Datagram sockets that wait together. Networks that refuse a datagram are no error, because others may answer.
-class Datagrams {
+class DatagramSockets {
  public:
   /// Asks each endpoint from a socket of its own, which hears nobody else: a stranger cannot answer in its place.
-  void ask(std::span<const Endpoint> endpoints, std::string_view request);
-  /// Puts a question once more to those whom ask() asked and who may still answer: datagrams get lost.
-  void askAgain(std::string_view request);
+  void send(std::span<const Endpoint> endpoints, std::string_view request);
+  /// Puts a question once more to those whom send() asked and who may still answer: datagrams get lost.
+  void resend(std::string_view request);
   /// Whether somebody may still answer.
-  [[nodiscard]] bool mayAnswer() const noexcept { return !sockets_.empty(); }
+  [[nodiscard]] bool expectsAnswers() const noexcept { return !sockets_.empty(); }
   /// Asks all endpoints of a family, broadcast addresses among them, from one socket that hears everybody.
-  void askOpenly(std::span<const Endpoint> endpoints, std::string_view request);
+  void broadcast(std::span<const Endpoint> endpoints, std::string_view request);
   /// The next datagram, at most `limit` bytes of it; false when the deadline passes first or nobody is left to answer.
   [[nodiscard]] bool receive(std::vector<std::byte>& bytes, std::size_t limit, const Deadline& deadline);
 

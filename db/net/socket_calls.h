@@ -41,7 +41,7 @@ enum class SocketKind { stream, datagram };
 /// A closed socket and the reason in `error`, where the system has none of this family.
 [[nodiscard]] Socket openSocket(int family, SocketKind kind, int& error) noexcept;
 /// For a datagram socket that asks everybody: broadcasts are allowed, and refusals by some are not heard.
-void speakToEverybody(const Socket& socket) noexcept;
+void enableBroadcast(const Socket& socket) noexcept;
 
 /// Begins to connect; `later` until pendingError() knows more.
 [[nodiscard]] CallResult startConnect(const Socket& socket, const Endpoint& endpoint) noexcept;

@@ -82,7 +82,7 @@ Socket openSocket(int family, SocketKind kind, int& error) noexcept {
   return Socket(noSocket);
 }
 
-void speakToEverybody(const Socket& socket) noexcept {
+void enableBroadcast(const Socket& socket) noexcept {
   const BOOL on = TRUE;
   ::setsockopt(socketOf(socket), SOL_SOCKET, SO_BROADCAST, reinterpret_cast<const char*>(&on), sizeof on);
   // One port where nobody listens, or one question that died on its way, would otherwise be told in the place of the

@@ -1,6 +1,6 @@
 #include "db/odbc/driver_configuration.h"
 
-#include "db/odbc/driver_platform.h"
+#include "db/odbc/odbc_driver.h"
 
 namespace korvel::db::odbc {
 

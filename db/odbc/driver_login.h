@@ -3,8 +3,7 @@
 #include <string>
 
 #include "db/odbc/connection_options.h"
-#include "db/odbc/driver_family.h"
-#include "db/odbc/driver_platform.h"
+#include "db/odbc/odbc_driver.h"
 #include "db/odbc/server_address.h"
 
 namespace korvel::db::odbc {

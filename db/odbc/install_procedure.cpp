@@ -3,10 +3,9 @@
 #include <cerrno>
 
 #include "base/text.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
-#include "db/procedure/audit_table.h"
-#include "db/trimmed_line.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -21,7 +20,7 @@ class IgnoringSink final : public ResultSink {
 };
 
 bool separatesBatches(std::string_view line) {
-  return equalsIgnoringAsciiCase(trimmedLine(line), "GO");
+  return equalsIgnoringAsciiCase(trimWhitespace(line), "GO");
 }
 
 /// Takes the transaction back, where the server has not done so itself.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "db/connection.h"
-#include "db/odbc/server_approach.h"
+#include "db/odbc/server_connector.h"
 
 namespace korvel::db {
 

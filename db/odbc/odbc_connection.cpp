@@ -52,12 +52,12 @@ Error withLineOf(std::string_view text, const Error& error) {
 }
 
 /// Pushes the statement's current result; false when the sink has had enough.
-bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
+bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatchdog& watch) {
   RowReader reader(statement, watch);
   if (reader.fields().empty()) return true;  // only a row count
   sink.beginResult(reader.fields());
   while (reader.next())
-    if (!sink.row(reader.cells()) || !sink.goOn()) return false;
+    if (!sink.row(reader.cells()) || !sink.shouldContinue()) return false;
   sink.endResult();
   return true;
 }
@@ -91,7 +91,7 @@ std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const
   sockets_.expect(address_.port);
   {
     // What a login has begun nobody needs: a stop shuts it down at once.
-    const DriverWatch watch(sockets_, {left}, stop_);
+    const DriverWatchdog watch(sockets_, {left}, stop_);
     try {
       logIn(request, text, left);
       if (onEvent_) diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection_.get());
@@ -120,11 +120,11 @@ OdbcConnection::~OdbcConnection() {
 }
 
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
-  runWatched(commandText, [&](DriverWatch& watch) { run(commandText, sink, watch); });
+  runWatched(commandText, [&](DriverWatchdog& watch) { run(commandText, sink, watch); });
 }
 
-void OdbcConnection::executeUndone(std::string_view commandText, ResultSink& sink) {
-  runWatched(commandText, [&](DriverWatch& watch) {
+void OdbcConnection::executeRolledBack(std::string_view commandText, ResultSink& sink) {
+  runWatched(commandText, [&](DriverWatchdog& watch) {
     beginTransaction();
     try {
       run(commandText, sink, watch);
@@ -151,10 +151,10 @@ void OdbcConnection::rollBack() noexcept {
 template <typename Run>
 void OdbcConnection::runWatched(std::string_view commandText, const Run& run) {
   const bool limited = commandTimeout_.count() > 0;
-  DriverPatience patience;
+  WatchdogTimeouts patience;
   if (limited) patience.silence = commandTimeout_ + driversGrace;
   patience.afterStop = patienceAfterStop;
-  DriverWatch watch(sockets_, patience, stop_);
+  DriverWatchdog watch(sockets_, patience, stop_);
   if (onEvent_) tell(ServerEvent{ServerEventKind::commandSent, std::string(commandText)});
   try {
     run(watch);
@@ -179,12 +179,12 @@ void OdbcConnection::tellMessages(const std::vector<Diagnostic>& diagnostics) co
       tell(ServerEvent{ServerEventKind::serverMessage, said.message, said.severity, said.number, said.messageState});
 }
 
-void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
-  if (!sink.goOn()) return;
+void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatchdog& watch) {
+  if (!sink.shouldContinue()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
   // From the watching thread: while the driver is busy inside a call, this is what it hears.
-  const DriverWatch::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
+  const DriverWatchdog::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
   std::u16string text = toUtf16(commandText);
   SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
@@ -194,8 +194,8 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
     watch.heard();
-    if (!pushResult(handle, sink, watch) || !sink.goOn()) {
-      watch.answerIsDecided();
+    if (!pushResult(handle, sink, watch) || !sink.shouldContinue()) {
+      watch.discardRest();
       SQLCancel(handle);
       return;
     }

@@ -54,7 +54,7 @@ ColumnKind kindOf(SQLSMALLINT type) noexcept {
 
 }  // namespace
 
-RowReader::RowReader(SQLHSTMT statement, DriverWatch& watch)
+RowReader::RowReader(SQLHSTMT statement, DriverWatchdog& watch)
     : statement_(statement), watch_(watch), buffer_(bufferUnits) {
   SQLSMALLINT count = 0;
   check(SQLNumResultCols(statement_, &count), SQL_HANDLE_STMT, statement_);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "db/connection.h"
-#include "db/odbc/driver_watch.h"
+#include "db/odbc/driver_watchdog.h"
 
 namespace korvel::db::odbc {
 
@@ -24,7 +24,7 @@ namespace korvel::db::odbc {
 class RowReader {
  public:
   /// Describes the current result; both outlive the reader. Whatever arrives is told to the watch.
-  RowReader(SQLHSTMT statement, DriverWatch& watch);
+  RowReader(SQLHSTMT statement, DriverWatchdog& watch);
 
   /// Empty for a result that is only a row count.
   [[nodiscard]] const std::vector<Field>& fields() const noexcept { return fields_; }
@@ -59,7 +59,7 @@ class RowReader {
   bool readBinary(SQLUSMALLINT column);
 
   SQLHSTMT statement_;
-  DriverWatch& watch_;
+  DriverWatchdog& watch_;
   std::vector<Field> fields_;
   std::vector<Reading> readings_;
   std::vector<int> decimals_;

@@ -18,10 +18,10 @@
 #include "db/connection_state.h"
 #include "db/discovery/network_directory.h"
 #include "db/embedded/embedded_connection.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/odbc/odbc_failures.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
-#include "db/procedure/audit_table.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -194,34 +194,34 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, std::string data
   return runAll(steps);
 }
 
-Found encryptionFound(const odbc::ServerApproach& approach, const ConnectionOptions& options) {
+Found encryptionFound(const odbc::ServerConnector& approach, const ConnectionOptions& options) {
   if (approach.handshake()) return {"check.encryption.found", {approach.handshake()->protocol}};
   return {options.encrypt ? "check.encryption.unchecked" : "check.encryption.optional", {}};
 }
 
 std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string database,
                                           const odbc::ServerAccess& access) {
-  odbc::ServerApproach approach(server, access);
+  odbc::ServerConnector approach(server, access);
   std::unique_ptr<Connection> connection;
   std::vector<Step> steps;
   steps.push_back({"name", [&] {
-                     approach.findServer();
+                     approach.resolveServer();
                      return Found{"check.name.found", {odbc::shownAddress(approach.address())}};
                    }});
   steps.push_back({"port", [&] {
-                     approach.reachPort();
+                     approach.connectPort();
                      return Found{"check.port.found", {std::to_string(approach.address().port)}};
                    }});
   steps.push_back({"protocol", [&] {
-                     approach.greet();
-                     return Found{"check.protocol.found", {approach.greeting().version}};
+                     approach.exchangePreLogin();
+                     return Found{"check.protocol.found", {approach.preLoginAnswer().version}};
                    }});
   steps.push_back({"encryption", [&] {
                      approach.encrypt();
                      return encryptionFound(approach, access.options);
                    }});
   steps.push_back({"ticket", [&] {
-                     if (approach.proveUser() == odbc::TicketState::leftToSystem)
+                     if (approach.acquireTicket() == odbc::TicketState::leftToSystem)
                        return Found{"check.ticket.leftToSystem", {}};
                      return Found{"check.ticket.found", {approach.servicePrincipal()}};
                    }});
@@ -232,7 +232,7 @@ std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string
   if (database.empty())
     steps.push_back({"databases", [&] { return chooseDatabase(serverDatabases(*connection), database); }});
   steps.push_back({"database", [&] {
-                     approach.restartClock();
+                     approach.restartTimeout();
                      connection = approach.logIn(database);
                      return Found{"check.database.found", {database}};
                    }});

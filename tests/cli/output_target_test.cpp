@@ -9,6 +9,7 @@
 #include "base/error.h"
 #include "base/system_errors.h"
 #include "base/whole_file.h"
+#include "db/embedded/embedded_folder.h"
 #include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 

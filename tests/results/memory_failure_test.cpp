@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "base/error.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "results/result_list.h"
 #include "results/store_filler.h"
 #include "tests/results/stored_rows.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "tests/results/stored_rows.h"
 #include "tests/support/watched_allocations.h"
 
