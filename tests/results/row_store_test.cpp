@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-#include "results/text_bytes.h"
+#include "results/dictionary.h"
 #include "tests/results/stored_rows.h"
 #include "tests/support/watched_allocations.h"
 
