@@ -14,9 +14,9 @@
 #include "db/connection_state.h"
 #include "db/connection_string.h"
 #include "db/open_connection.h"
-#include "query/standard_query.h"
 #include "query/complete_query.h"
 #include "query/query_failure.h"
+#include "query/standard_query.h"
 #include "settings/string_table.h"
 
 namespace korvel::cli {
@@ -229,7 +229,8 @@ Answered fillLists(const QueryOptions& options, const query::Connector& connect,
   const query::StandardQueryRequest question{tree, options.range, connectionString};
   const auto shouldContinue = [] { return !Interruption::requested(); };
   if (!options.complete)
-    return answered(options, tree, query::runStandardQuery(question, connect, lists, options.list, shouldContinue), lists, err);
+    return answered(options, tree, query::runStandardQuery(question, connect, lists, options.list, shouldContinue),
+                    lists, err);
 
   query::CompleteAnswer whole = query::completeStandardQuery(
       question, connect, [&](const query::CompletionProgress& /*progress*/) { return shouldContinue(); });

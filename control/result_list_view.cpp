@@ -214,7 +214,7 @@ int ResultListView::searchColumn() const {
 
 int ResultListView::findRow(int column, const QString& beginning, int from) const {
   const auto row = results::findPrefix(model_.list(), {static_cast<std::size_t>(column)}, beginning.toStdString(),
-                                          {static_cast<std::size_t>(from)});
+                                       {static_cast<std::size_t>(from)});
   return row && row->value < static_cast<std::size_t>(model_.rowCount()) ? static_cast<int>(row->value) : -1;
 }
 

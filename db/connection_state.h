@@ -7,7 +7,7 @@
 
 namespace korvel::db {
 
-/// Which audit database a host wants. The member and the database it selects are spelled differently on purpose.
+/// Which audit database a host wants. The member and the database it selects are deliberately spelled differently.
 enum class DatabaseTypeEnum : int { Korvel_Audit = 0, Korvel_AuditMU = 1 };
 
 /// The database selection that all instances of the control share. An empty ConnectionString means that none is

@@ -10,7 +10,7 @@ namespace korvel::db {
 
 namespace {
 
-/// Counts the work that was left behind and goes on.
+/// Counts the abandoned workers that still run.
 class LeftBehind {
  public:
   void add() {
@@ -37,7 +37,7 @@ class LeftBehind {
   int count_ = 0;
 };
 
-/// Never destroyed: work that was left behind may outlive everything else.
+/// Never destroyed: an abandoned worker may outlive everything else.
 LeftBehind& leftBehind() {
   // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): it locks itself
   static auto* const only = new LeftBehind;
@@ -55,7 +55,7 @@ class Task {
     } catch (...) {
       thrown = std::current_exception();
     }
-    // Whoever waits may take away what the work refers to.
+    // The waiting thread may destroy what the work refers to as soon as this has ended.
     work = nullptr;
     const std::lock_guard lock(mutex_);
     thrown_ = std::move(thrown);
@@ -109,7 +109,7 @@ bool awaitEnd(Task& task, const WaitCallback& onWait, std::chrono::milliseconds 
 }  // namespace
 
 bool waitForWorker(std::function<void(const std::stop_token&)> work, const WaitCallback& onWait,
-                const WaitTiming& pace) {
+                   const WaitTiming& pace) {
   const auto task = std::make_shared<Task>();
   const net::JoinThread join =
       net::startThread([task, work = std::move(work)]() mutable { task->run(std::move(work)); });
@@ -124,7 +124,7 @@ bool waitForWorker(std::function<void(const std::stop_token&)> work, const WaitC
     task->askToEnd();
     ended = task->endsWithin(pace.grace) || !task->leaveBehind();
   }
-  // Its last steps too: a program that ends next takes nothing from it.
+  // Also its last steps: the program may end next.
   if (ended) join();
   if (attendanceFailed) std::rethrow_exception(attendanceFailed);
   if (ended) task->throwWhatWasThrown();

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "base/text.h"
-#include "db/procedure/audit_selection.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/audit_selection.h"
 #include "query/query_failure.h"
 #include "query/row_join.h"
 #include "results/memory_watch.h"
@@ -376,8 +376,8 @@ const CompletionReport& CompleteAnswer::fill(ResultLists& lists, std::size_t cur
 }
 
 CompleteAnswer completeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
-                                        const CompletionCallback& onWait, const QueryEnvironment& environment,
-                                        std::size_t rowLimit) {
+                                     const CompletionCallback& onWait, const QueryEnvironment& environment,
+                                     std::size_t rowLimit) {
   CompleteAnswer answer;
   if (!question.tree.anyRootChecked()) {
     answer.report_.outcome = QueryOutcome::noCriteria;

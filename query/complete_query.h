@@ -85,7 +85,7 @@ class CompleteAnswer {
 
  private:
   friend CompleteAnswer completeStandardQuery(const StandardQueryRequest&, const Connector&, const CompletionCallback&,
-                                                 const QueryEnvironment&, std::size_t);
+                                              const QueryEnvironment&, std::size_t);
   class Collected;
 
   CompletionReport report_;
@@ -98,8 +98,8 @@ class CompleteAnswer {
 /// breaks is asked for once more, on another connection. Nothing that is thrown below leaves it. `rowLimit` is the
 /// procedure's; tests take a smaller one.
 [[nodiscard]] CompleteAnswer completeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
-                                                      const CompletionCallback& onWait = {},
-                                                      const QueryEnvironment& environment = {},
-                                                      std::size_t rowLimit = db::rowLimitPerResult);
+                                                   const CompletionCallback& onWait = {},
+                                                   const QueryEnvironment& environment = {},
+                                                   std::size_t rowLimit = db::rowLimitPerResult);
 
 }  // namespace korvel::query

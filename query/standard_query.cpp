@@ -135,7 +135,7 @@ void clearStandardLists(ResultLists& lists) noexcept {
 }
 
 StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
-                                   const db::WaitCallback& onWait, const QueryEnvironment& environment) {
+                                         const db::WaitCallback& onWait, const QueryEnvironment& environment) {
   if (!question.tree.anyRootChecked()) return StandardQueryResult({QueryOutcome::noCriteria, std::nullopt, 0});
 
   bool stopped = false;

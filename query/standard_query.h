@@ -26,7 +26,7 @@ namespace korvel::query {
 /// procedure limits the whole trail, alarm rows included.
 [[nodiscard]] bool alarmsComeFromAllDates(const CategoryFlags& flags, const DateRange& range) noexcept;
 
-/// The text that says so: what whoever chose a range does not expect is told wherever the answer is read.
+/// The key of the note about that, which is shown wherever the rows are.
 inline constexpr std::string_view alarmsOfAllDatesText = "query.alarmsOfAllDates";
 
 /// Opens a connection for a connection string, which ends what is under way when it is asked to stop;
@@ -72,7 +72,7 @@ class StandardQueryResult {
   StandardQueryResult& operator=(StandardQueryResult&&) noexcept;
   ~StandardQueryResult();
 
-  /// What stands for an answer that nobody wants any more.
+  /// The result of a query that was stopped.
   [[nodiscard]] static StandardQueryResult stopped();
 
   /// Spreads the rows by audit type into lists 0..4, which are empty, and sorts list `currentList` with its key and
@@ -80,8 +80,8 @@ class StandardQueryResult {
   QueryReport fill(ResultLists& lists, std::size_t currentList);
 
  private:
-  friend StandardQueryResult executeStandardQuery(const StandardQueryRequest&, const Connector&, const db::WaitCallback&,
-                                            const QueryEnvironment&);
+  friend StandardQueryResult executeStandardQuery(const StandardQueryRequest&, const Connector&,
+                                                  const db::WaitCallback&, const QueryEnvironment&);
   class Sink;
   explicit StandardQueryResult(QueryReport report);
 
@@ -91,14 +91,14 @@ class StandardQueryResult {
 
 /// The first step of the standard query: removes the rows of lists 0..4. List 5 keeps its rows.
 void clearStandardLists(ResultLists& lists) noexcept;
-/// Runs the call over a connection of its own, on a thread of its own; `onWait` is called meanwhile. Where nothing
-/// is ticked nobody is asked. Nothing that is thrown below leaves it.
+/// Runs the call over a connection of its own, on a thread of its own; `onWait` is called meanwhile. Where nothing is
+/// ticked no connection is opened. Nothing that is thrown below leaves it.
 [[nodiscard]] StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
-                                                 const db::WaitCallback& onWait = {},
-                                                 const QueryEnvironment& environment = {});
+                                                       const db::WaitCallback& onWait = {},
+                                                       const QueryEnvironment& environment = {});
 
-/// The standard query for callers to whom nobody looks meanwhile: clears, asks, fills. Lists are filled only when the
-/// whole answer has arrived and the connection is closed.
+/// The standard query for callers without a window: clears, executes, fills. Lists are filled only when the whole
+/// answer has arrived and the connection is closed.
 QueryReport runStandardQuery(const StandardQueryRequest& question, const Connector& connect, ResultLists& lists,
                              std::size_t currentList, const db::WaitCallback& onWait = {},
                              const QueryEnvironment& environment = {});

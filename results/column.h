@@ -10,8 +10,8 @@
 
 #include "db/connection.h"
 #include "results/dictionary.h"
-#include "results/text_arena.h"
 #include "results/row_store.h"
+#include "results/text_arena.h"
 
 namespace korvel::results {
 

@@ -111,7 +111,7 @@ std::optional<RowPosition> findSorted(const ResultList& list, const std::string&
 }  // namespace
 
 std::optional<RowPosition> findPrefix(const ResultList& list, ColumnIndex column, std::string_view beginning,
-                                         RowPosition from) {
+                                      RowPosition from) {
   const std::string folded = caseFolded(beginning);
   const std::size_t rows = list.rowCount();
   if (folded.empty() || rows == 0) return std::nullopt;

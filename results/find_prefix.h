@@ -11,6 +11,6 @@ namespace korvel::results {
 /// `beginning`, whatever the case. Nothing where there is none, and for an empty beginning. On the sort key of a sorted
 /// list this takes some twenty looks at its rows, on any other column one look at each.
 [[nodiscard]] std::optional<RowPosition> findPrefix(const ResultList& list, ColumnIndex column,
-                                                       std::string_view beginning, RowPosition from);
+                                                    std::string_view beginning, RowPosition from);
 
 }  // namespace korvel::results

@@ -29,8 +29,8 @@ struct MemoryState {
 /// How memory is measured: memoryState outside tests.
 using MemoryGauge = std::function<std::optional<MemoryState>()>;
 
-/// Ends the loading of an answer before the machine has no memory left, for a system that runs out of it ends
-/// processes without a word.
+/// Ends the loading of an answer before the machine has no memory left, because a system that runs out of it kills
+/// processes without warning.
 class MemoryWatch {
  public:
   explicit MemoryWatch(MemoryGauge gauge = memoryState) : gauge_(std::move(gauge)) {}

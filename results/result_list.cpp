@@ -8,8 +8,8 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "results/number_text.h"
 #include "results/memory_watch.h"
+#include "results/number_text.h"
 
 namespace korvel::results {
 

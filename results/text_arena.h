@@ -5,10 +5,9 @@
 #include <string_view>
 #include <vector>
 
-
 namespace korvel::results {
 
-/// Bytes on the heap that nobody has written yet.
+/// Uninitialised bytes on the heap.
 // NOLINTNEXTLINE(modernize-avoid-c-arrays): an array of a size known at run time only; a vector would clear it first.
 using HeapBytes = std::unique_ptr<char[]>;
 

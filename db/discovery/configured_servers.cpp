@@ -54,7 +54,7 @@ bool speaksOurVersion(const Section& section) {
   return error != std::errc{} || major >= firstVersion;
 }
 
-/// Hosts that nobody has: the examples in the file that the driver's package installs.
+/// Hosts that do not exist: the examples in the file that the driver's package installs.
 constexpr std::array<std::string_view, 2> sampleHosts = {"ntmachine.domain.com", "symachine.domain.com"};
 
 bool isSample(std::string_view host) {

@@ -14,20 +14,20 @@ namespace {
 
 constexpr std::int32_t instanceNotFound = 1225;
 
-/// More instances than any network has; who answers with more wants to fill our memory.
+/// More instances than any network has: bounds the memory that forged replies can take.
 constexpr std::size_t mostInstances = 4096;
 
 /// A conversation with one host, at all its addresses: what it says counts whichever of them it comes from, since they
 /// share one responder.
 class HostInquiry {
  public:
-  /// `first` is asked now, and again while nobody answers, from then on together with `later` where there is such.
+  /// `first` is sent now, and again until a reply arrives, from then on together with `later` where there is such.
   HostInquiry(std::span<const net::Endpoint> host, std::string first, std::string later, const net::Deadline& deadline)
       : first_(std::move(first)), later_(std::move(later)), deadline_(deadline), round_(deadline.within(askAgainTime)) {
     datagrams_.send(host, first_);
   }
 
-  /// The instances of the next reply that names some; none when the time is over or nobody is left to answer.
+  /// The instances of the next reply that names some; none when the time is over or no more replies can come.
   std::vector<InstanceInfo> next() {
     std::vector<std::byte> reply;
     while (datagrams_.expectsAnswers() && !deadline_.passed()) {

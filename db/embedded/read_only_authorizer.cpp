@@ -52,7 +52,8 @@ void ReadOnlyAuthorizer::install(sqlite3* handle) {
   sqlite3_set_authorizer(handle, authorize, this);
 }
 
-int ReadOnlyAuthorizer::authorize(void* self, int action, const char* first, const char* second, const char*, const char*) {
+int ReadOnlyAuthorizer::authorize(void* self, int action, const char* first, const char* second, const char*,
+                                  const char*) {
   return static_cast<ReadOnlyAuthorizer*>(self)->allows(action, first, second) ? SQLITE_OK : SQLITE_DENY;
 }
 

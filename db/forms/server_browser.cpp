@@ -17,9 +17,9 @@
 
 #include "db/connection_string.h"
 #include "db/embedded/embedded_folder.h"
-#include "db/worker.h"
 #include "db/forms/event_echo.h"
 #include "db/open_connection.h"
+#include "db/worker.h"
 #include "ui/query_watch.h"
 #include "ui/result_table.h"
 #include "ui/texts.h"

@@ -8,19 +8,17 @@
 
 namespace korvel::db::net {
 
-/// Waits for the end of a thread, once. Whoever drops it unused leaves the thread behind.
+/// Joins a thread; called at most once. The thread is detached when this is destroyed uncalled.
 using JoinThread = std::function<void()>;
 
-/// Starts a thread that can be waited for, or left behind. `work` throws nothing. Throws Error where no thread is to be
-/// had.
+/// Starts a thread that can be joined or detached. `work` throws nothing. Throws Error where no thread is to be had.
 [[nodiscard]] JoinThread startThread(std::function<void()> work);
 
-/// Starts a thread for which nobody ever waits.
+/// Starts a detached thread.
 void startDetachedThread(std::function<void()> work);
 
-/// Runs `work` on a thread of its own that can be left behind: for calls into the system that wait as long as they
-/// like. Whatever the work uses must be its own, because it may go on after the caller has given it up. Throws Error
-/// where no thread is to be had.
+/// Runs `work` on a detached thread, for system calls that cannot be given a timeout. The work must own all that it
+/// uses, because it may go on after the caller has stopped waiting. Throws Error where no thread is to be had.
 template <typename Work>
 [[nodiscard]] std::future<std::invoke_result_t<Work>> runDetached(Work work) {
   const auto task = std::make_shared<std::packaged_task<std::invoke_result_t<Work>()>>(std::move(work));

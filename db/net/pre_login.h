@@ -9,7 +9,7 @@
 
 namespace korvel::db::net {
 
-// The packets of the server's protocol, as far as they are needed before anybody logs in.
+// The packets of the server's protocol, as far as they are needed before the login.
 
 inline constexpr unsigned char packetTypePreLogin = 0x12;
 inline constexpr unsigned char packetTypeReply = 0x04;
@@ -38,7 +38,7 @@ void appendWord(std::string& bytes, std::size_t value);
 /// Throws the error for an answer that is none of this protocol.
 [[noreturn]] void refuseAnswer();
 
-/// What a server says about encryption before anybody logs in.
+/// The server's answer about encryption, before the login.
 enum class ServerEncryption : std::uint8_t { off = 0, on = 1, notSupported = 2, required = 3 };
 
 struct PreLoginAnswer {

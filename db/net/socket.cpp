@@ -177,7 +177,7 @@ bool DatagramSockets::receive(std::vector<std::byte>& bytes, std::size_t limit, 
         bytes.resize(received.bytes);
         return true;
       }
-      // A socket that asked one host alone hears that nobody listens there.
+      // A connected socket reports that the port of its host is closed.
       if (received.outcome != CallOutcome::later) sockets_.erase(sockets_.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }

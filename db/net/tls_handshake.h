@@ -20,8 +20,8 @@ struct TlsHandshake {
 /// words before the login. Nothing is sent over the connection afterwards. Throws Error where no encryption comes
 /// about: a timeout, a closed connection, two sides that have no method in common; and, with a sentence of its own, for
 /// a file in which no certificate can be read.
-[[nodiscard]] TlsHandshake performTlsHandshake(const Socket& socket, const std::string& host, const std::string& authorities,
-                                   const Deadline& deadline);
+[[nodiscard]] TlsHandshake performTlsHandshake(const Socket& socket, const std::string& host,
+                                               const std::string& authorities, const Deadline& deadline);
 
 /// Throws the error for a file of authorities in which no certificate can be read.
 [[noreturn]] inline void refuseAuthorities(const std::string& file) {

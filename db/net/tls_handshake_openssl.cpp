@@ -70,7 +70,7 @@ std::string drain(BIO* memory) {
 }  // namespace
 
 TlsHandshake performTlsHandshake(const Socket& socket, const std::string& host, const std::string& authorities,
-                     const Deadline& deadline) {
+                                 const Deadline& deadline) {
   ERR_clear_error();
   const Context context = makeContext(authorities);
   const Connection connection = makeConnection(context, host);

@@ -21,7 +21,7 @@ namespace korvel::db::net {
 
 namespace {
 
-/// More than any server has to say at once: who goes on wants to fill our memory.
+/// More than any server sends at once: bounds the memory that a hostile server can take.
 constexpr std::size_t longestFlight = std::size_t{1024} * 1024;
 
 [[noreturn]] void refuse(SECURITY_STATUS status) {
@@ -81,7 +81,7 @@ class Handshake {
     bool asked = false;
     for (SECURITY_STATUS status = step(); status != SEC_E_OK; status = step()) {
       if (status == SEC_I_INCOMPLETE_CREDENTIALS && !asked) {
-        asked = true;  // for a certificate of ours, in vain; the same words are answered without one now
+        asked = true;  // for a client certificate, which we do not have; the same bytes are answered without one now
         continue;
       }
       const bool incomplete = status == SEC_E_INCOMPLETE_MESSAGE;
@@ -110,7 +110,7 @@ class Handshake {
                                                      begun_ ? nullptr : &context_, &outList, &granted, nullptr);
     if (status == SEC_E_INCOMPLETE_MESSAGE) return status;
     begun_ = begun_ || status >= 0;
-    // Also a farewell: the server then knows why.
+    // An alert is sent too: the server can log why.
     if (status >= 0 || (granted & ISC_RET_EXTENDED_ERROR) != 0) sendPreLogin(socket_, token.bytes(), deadline_);
     if (status != SEC_I_INCOMPLETE_CREDENTIALS) {
       const std::size_t left = in[1].BufferType == SECBUFFER_EXTRA ? in[1].cbBuffer : 0;
@@ -147,7 +147,7 @@ std::string protocolOf(CtxtHandle* context) {
 }  // namespace
 
 TlsHandshake performTlsHandshake(const Socket& socket, const std::string& host, const std::string& authorities,
-                     const Deadline& deadline) {
+                                 const Deadline& deadline) {
   Handshake handshake(socket, host, deadline);
   handshake.run();
   const CERT_CONTEXT* shown = nullptr;

@@ -8,7 +8,7 @@ const DriverPlatform& driverPlatform() noexcept {
   return windowsDrivers;
 }
 
-// The drivers of this system check certificates by themselves. FreeTDS, where somebody chose it, cannot be told to:
+// The drivers of this system check certificates by themselves. FreeTDS, where it was chosen, cannot be configured to:
 // driverText() refuses what it would need a configuration for.
 DriverConfiguration::DriverConfiguration(const LoginRequest& /*request*/) {}
 

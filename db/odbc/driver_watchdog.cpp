@@ -7,7 +7,7 @@ namespace korvel::db::odbc {
 
 namespace {
 
-/// A driver may try the host's next address after one was closed under it, and a statement that has not begun yet
+/// A driver may try the host's next address after its connection was shut down, and a statement that has not begun yet
 /// cannot be cancelled: what ends it is done again until all is over.
 constexpr std::chrono::milliseconds again{50};
 

@@ -15,14 +15,14 @@ namespace korvel::db::odbc {
 
 /// When a driver's wait is ended from outside.
 struct WatchdogTimeouts {
-  /// Time without a word of the server after which the driver's connections are shut down; nothing: never.
+  /// Time without data from the server after which the driver's connections are shut down; nothing: never.
   std::optional<std::chrono::milliseconds> silence;
   /// Time after a stop, in which the statement is cancelled again and again, until the connections are shut down.
   std::chrono::milliseconds afterStop{0};
 };
 
-/// Ends what a driver waits for when the server has said nothing for too long or nobody wants the answer any more, from
-/// a thread of its own, for as long as the object lives.
+/// Ends a driver's wait when the server has sent nothing for too long, or after a stop, from a thread of its own, for
+/// as long as the object lives.
 class DriverWatchdog {
  public:
   /// `sockets` stay as they are while they are watched.
@@ -31,9 +31,9 @@ class DriverWatchdog {
   DriverWatchdog(const DriverWatchdog&) = delete;
   DriverWatchdog& operator=(const DriverWatchdog&) = delete;
 
-  /// The server has said something: patience begins anew.
+  /// The server has sent something: the silence is counted anew.
   void heard() noexcept { lastWord_.store(now(), std::memory_order_relaxed); }
-  /// Nobody wants the rest of the answer, which the driver may still wait for when it is to end.
+  /// The rest of the answer is not needed; the driver may still wait for it when the statement is closed.
   void discardRest();
   /// Whether the driver's connections had to be shut down because the server was silent.
   [[nodiscard]] bool expired() const noexcept { return expired_.load(); }
@@ -68,7 +68,7 @@ class DriverWatchdog {
   void cancelUntilDone();
   void wake();
   void watch();
-  /// Does what is due and says when the next thing is; nothing: when somebody wakes the thread.
+  /// Does what is due and says when the next thing is; nothing: when wake() is called.
   std::optional<Clock::time_point> act();
 
   const DriverSockets& sockets_;

@@ -32,7 +32,8 @@ void undo(const Run& run) {
   }
 }
 
-/// Throws Error for a database without an audit trail. Who may create procedures need not be allowed to read it.
+/// Throws Error for a database without an audit trail. The right to create procedures does not include the right to
+/// read the table.
 template <typename Run>
 void requireAuditTable(const Run& run) {
   try {

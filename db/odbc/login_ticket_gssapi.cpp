@@ -117,7 +117,7 @@ void getTicket(const std::string& servicePrincipal) {
 }  // namespace
 
 TicketState acquireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
-  // The login library waits for silent login services as long as it likes.
+  // The Kerberos library has no timeout for KDCs that do not answer.
   std::future<void> answer = net::runDetached([servicePrincipal] { getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
     throw settings::explainedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});

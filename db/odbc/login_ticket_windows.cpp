@@ -3,7 +3,7 @@
 namespace korvel::db::odbc {
 
 TicketState acquireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
-  // Who has signed in to Windows can prove it, by a ticket or otherwise; the driver leaves the choice to the system.
+  // The user is signed in to Windows; the driver lets the system choose between a ticket and other proofs.
   return TicketState::leftToSystem;
 }
 

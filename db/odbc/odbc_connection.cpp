@@ -22,10 +22,10 @@ namespace {
 /// in better order, but a server that sends half a packet makes it wait twice as long.
 constexpr std::chrono::milliseconds driversGrace{500};
 
-/// How soon a login that waits for another one hears a stop.
+/// How soon a login that waits for another one reacts to a stop.
 constexpr std::chrono::milliseconds stopInterval{50};
 
-/// How long a driver may take to end a statement that nobody wants any more.
+/// How long a driver may take to end a stopped statement.
 constexpr std::chrono::seconds patienceAfterStop{2};
 
 SQLPOINTER asAttribute(std::chrono::seconds value) {
@@ -51,7 +51,7 @@ Error withLineOf(std::string_view text, const Error& error) {
   return {error.number(), error.description()};
 }
 
-/// Pushes the statement's current result; false when the sink has had enough.
+/// Pushes the statement's current result; false when the sink has stopped it.
 bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatchdog& watch) {
   RowReader reader(statement, watch);
   if (reader.fields().empty()) return true;  // only a row count
@@ -83,14 +83,14 @@ OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& t
 
 std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const std::string& text,
                                               const net::Deadline& deadline, std::vector<Diagnostic>& diagnostics) {
-  // Waiting for another login is not this server's silence.
+  // Waiting for another login does not count as this server's silence.
   const std::chrono::milliseconds left = deadline.left();
   std::unique_lock oneLoginAtATime(loginMutex(), std::defer_lock);
   while (!oneLoginAtATime.try_lock_for(stopInterval))
     if (stop_.stop_requested()) return loginFailure({}, request, true);
   sockets_.expect(address_.port);
   {
-    // What a login has begun nobody needs: a stop shuts it down at once.
+    // An incomplete login has nothing to preserve: a stop shuts it down at once.
     const DriverWatchdog watch(sockets_, {left}, stop_);
     try {
       logIn(request, text, left);
@@ -183,7 +183,7 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   if (!sink.shouldContinue()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
-  // From the watching thread: while the driver is busy inside a call, this is what it hears.
+  // From the watching thread: SQLCancel reaches a driver that is busy inside a call.
   const DriverWatchdog::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
   std::u16string text = toUtf16(commandText);

@@ -8,8 +8,8 @@
 #include <cstdint>
 
 #include "base/text.h"
-#include "db/odbc/odbc_text.h"
 #include "db/odbc/odbc_handle.h"
+#include "db/odbc/odbc_text.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db::odbc {
@@ -27,7 +27,7 @@ bool isKnown(std::string_view driver, const DriverPlatform& platform) {
                      [&](const KnownDriver& known) { return equalsIgnoringAsciiCase(driver, known.name); });
 }
 
-/// The family of a driver that nobody has told us of, by its name or its file's.
+/// The family of a driver that is not in the table, by its name or the name of its file.
 DriverFamily familyOf(std::string_view driver, const DriverPlatform& platform) {
   for (const KnownDriver& known : platform.known)
     if (equalsIgnoringAsciiCase(driver, known.name)) return known.family;
@@ -37,7 +37,7 @@ DriverFamily familyOf(std::string_view driver, const DriverPlatform& platform) {
 
 }  // namespace
 
-std::vector<std::string> installedDrivers(){
+std::vector<std::string> installedDrivers() {
   const Environment environment = makeEnvironment();
   std::vector<std::string> names;
   std::array<SQLWCHAR, 512> name{};

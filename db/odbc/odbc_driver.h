@@ -9,7 +9,7 @@
 
 namespace korvel::db::odbc {
 
-/// Families of drivers, which take their settings in different words.
+/// Families of drivers, which take their settings as different attributes.
 enum class DriverFamily : std::uint8_t {
   vendor,     ///< the server's vendor's own, of today
   oldVendor,  ///< the one that every Windows has, as old as the system's first versions
@@ -19,7 +19,7 @@ enum class DriverFamily : std::uint8_t {
 struct Driver {
   std::string name;
   DriverFamily family = DriverFamily::vendor;
-  /// Whether its manners are known: somebody else's driver gets the vendor's words and may not heed them.
+  /// Whether its attributes are known: any other driver gets the vendor's and may ignore them.
   bool isKnown = true;
 };
 
@@ -35,14 +35,14 @@ struct DriverPlatform {
   bool givesConfiguration;
 };
 
-/// Without "SQL Server": who gives a driver that name there means the vendor's own, of today.
+/// Without "SQL Server": a driver of that name is an alias of the vendor's current one there.
 inline constexpr std::array<KnownDriver, 3> posixKnownDrivers = {
     {{"ODBC Driver 18 for SQL Server", DriverFamily::vendor},
      {"ODBC Driver 17 for SQL Server", DriverFamily::vendor},
      {"FreeTDS", DriverFamily::freeTds}}};
 inline constexpr DriverPlatform posixDrivers{posixKnownDrivers, true};
 
-/// FreeTDS comes last: it checks nobody's certificate there.
+/// FreeTDS comes last: it checks no certificates there.
 inline constexpr std::array<KnownDriver, 4> windowsKnownDrivers = {
     {{"ODBC Driver 18 for SQL Server", DriverFamily::vendor},
      {"ODBC Driver 17 for SQL Server", DriverFamily::vendor},

@@ -130,7 +130,8 @@ FirstValueSink askTable(Connection& connection, std::string_view command) {
   return explainedAnswer(connection, command, std::array{tableMissing, tableDenied});
 }
 
-/// Who may not read the table may still be allowed to call the procedure, and needs no more for standard queries.
+/// A user without the right to read the table may have the right to call the procedure, which suffices for standard
+/// queries.
 bool isDenial(const Error& error) {
   return error.textKey() == tableDenied.sentence;
 }

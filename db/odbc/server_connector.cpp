@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "db/odbc/odbc_driver.h"
 #include "db/odbc/odbc_connection.h"
+#include "db/odbc/odbc_driver.h"
 #include "db/odbc/odbc_failures.h"
 #include "settings/explained_error.h"
 
@@ -84,7 +84,7 @@ void ServerConnector::connectPort() {
 
 void ServerConnector::exchangePreLogin() {
   preLoginAnswer_ = explained("failure.serverSilent", "failure.noServer", shownAddress(address_),
-                        [&] { return net::exchangePreLogin(*socket_, deadline_); });
+                              [&] { return net::exchangePreLogin(*socket_, deadline_); });
 }
 
 void ServerConnector::encrypt() {

@@ -28,7 +28,7 @@ struct ServerAccess {
   std::function<TicketState(const std::string& servicePrincipal, const net::Deadline&)> acquireTicket =
       odbc::acquireTicket;
   std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
-  /// Told what happens on the connections that are opened; on the thread that uses them.
+  /// Receives the events of the connections that are opened, on the thread that uses them.
   ServerListener onEvent;
   /// Ends what is under way on the connections that are opened.
   std::stop_token stop;
@@ -48,17 +48,17 @@ class ServerConnector {
   void resolveServer();
   /// Connects to the port.
   void connectPort();
-  /// Hears the server's first words; drivers would wait for them for ever.
+  /// Exchanges the pre-login packets; drivers would wait for the server's answer without a timeout.
   void exchangePreLogin();
-  /// Shakes hands and looks at the certificate, where the options ask for it.
+  /// Performs the TLS handshake and checks the certificate, where the options ask for it.
   void encrypt();
-  /// Makes sure that the running user can prove who he is, where the system does not see to that.
+  /// Acquires the running user's ticket, where the system does not do that itself.
   TicketState acquireTicket();
   /// Logs in. `database` may be empty.
   [[nodiscard]] std::unique_ptr<Connection> logIn(const std::string& database);
 
-  /// All of it, with the driver's connection as the only one where everything goes well; after resolveServer(). A driver
-  /// that fails without a word of the server, or that hears none, leaves time for the steps, which then say why.
+  /// All of it, with the driver's connection as the only one where everything goes well; after resolveServer(). A
+  /// driver that fails without a message of the server leaves time for the steps, which then find the reason.
   [[nodiscard]] std::unique_ptr<Connection> connect(const std::string& database);
 
   [[nodiscard]] const ServerAddress& address() const { return address_; }
@@ -72,7 +72,7 @@ class ServerConnector {
  private:
   [[nodiscard]] LoginRequest requestFor(const std::string& database) const;
   [[nodiscard]] std::unique_ptr<Connection> logInBy(const net::Deadline& deadline, const LoginRequest& request) const;
-  /// The steps before the login, for what they say when they fail.
+  /// Runs the steps before the login, which throw the reason why it failed.
   void diagnose();
 
   ServerAccess access_;
