@@ -11,7 +11,7 @@ namespace korvel::db {
 namespace {
 
 /// Counts the abandoned workers that still run.
-class LeftBehind {
+class AbandonedWorkers {
  public:
   void add() {
     const std::lock_guard lock(mutex_);
@@ -38,9 +38,9 @@ class LeftBehind {
 };
 
 /// Never destroyed: an abandoned worker may outlive everything else.
-LeftBehind& leftBehind() {
+AbandonedWorkers& abandonedWorkers() {
   // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): it locks itself
-  static auto* const only = new LeftBehind;
+  static auto* const only = new AbandonedWorkers;
   return *only;
 }
 
@@ -60,7 +60,7 @@ class Task {
     const std::lock_guard lock(mutex_);
     thrown_ = std::move(thrown);
     ended_ = true;
-    if (isLeftBehind_) leftBehind().remove();
+    if (isAbandoned_) abandonedWorkers().remove();
     changed_.notify_all();
   }
 
@@ -73,16 +73,16 @@ class Task {
     changed_.wait(lock, [this] { return ended_; });
   }
 
-  void askToEnd() { stop_.request_stop(); }
+  void requestStop() { stop_.request_stop(); }
   /// False where the work has ended after all.
-  [[nodiscard]] bool leaveBehind() {
+  [[nodiscard]] bool abandon() {
     const std::lock_guard lock(mutex_);
     if (ended_) return false;
-    isLeftBehind_ = true;
-    leftBehind().add();
+    isAbandoned_ = true;
+    abandonedWorkers().add();
     return true;
   }
-  void throwWhatWasThrown() const {
+  void rethrow() const {
     if (thrown_) std::rethrow_exception(thrown_);
   }
 
@@ -92,7 +92,7 @@ class Task {
   std::condition_variable changed_;
   std::exception_ptr thrown_;
   bool ended_ = false;
-  bool isLeftBehind_ = false;
+  bool isAbandoned_ = false;
 };
 
 /// Waits until the work has ended, or is not wanted any more; true for the former.
@@ -114,29 +114,29 @@ bool waitForWorker(std::function<void(const std::stop_token&)> work, const WaitC
   const net::JoinThread join =
       net::startThread([task, work = std::move(work)]() mutable { task->run(std::move(work)); });
   bool ended = false;
-  std::exception_ptr attendanceFailed;
+  std::exception_ptr callbackFailed;
   try {
     ended = awaitEnd(*task, onWait, pace.interval);
   } catch (...) {
-    attendanceFailed = std::current_exception();
+    callbackFailed = std::current_exception();
   }
   if (!ended) {
-    task->askToEnd();
-    ended = task->endsWithin(pace.grace) || !task->leaveBehind();
+    task->requestStop();
+    ended = task->endsWithin(pace.grace) || !task->abandon();
   }
   // Also its last steps: the program may end next.
   if (ended) join();
-  if (attendanceFailed) std::rethrow_exception(attendanceFailed);
-  if (ended) task->throwWhatWasThrown();
+  if (callbackFailed) std::rethrow_exception(callbackFailed);
+  if (ended) task->rethrow();
   return ended;
 }
 
 bool hasAbandonedWorkers() noexcept {
-  return leftBehind().isAny();
+  return abandonedWorkers().isAny();
 }
 
 void waitForAbandonedWorkers(std::chrono::milliseconds atMost) {
-  leftBehind().awaitEnd(atMost);
+  abandonedWorkers().awaitEnd(atMost);
 }
 
 }  // namespace korvel::db

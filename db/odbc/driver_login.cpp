@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "db/odbc/driver_configuration.h"
 #include "db/odbc/odbc_text.h"
 #include "settings/explained_error.h"
 

@@ -13,11 +13,11 @@ constexpr std::chrono::milliseconds again{50};
 
 }  // namespace
 
-DriverWatchdog::DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts patience, const std::stop_token& stop)
+DriverWatchdog::DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts timeouts, const std::stop_token& stop)
     : sockets_(sockets),
-      patience_(patience),
+      timeouts_(timeouts),
       stop_(stop),
-      lastWord_(now()),
+      lastActivity_(now()),
       thread_([this] { watch(); }),
       onStop_(stop, Waker{this}) {}
 
@@ -83,7 +83,7 @@ std::optional<DriverWatchdog::Clock::time_point> DriverWatchdog::act() {
   const auto atTheLatest = [&next](Clock::time_point moment) { next = next ? std::min(*next, moment) : moment; };
   const bool stopped = stop_.stop_requested();
   if (stopped || decided_) {
-    if (!ending_) ending_ = time + patience_.afterStop;
+    if (!ending_) ending_ = time + timeouts_.afterStop;
     if (time >= *ending_) {
       sockets_.shutDown();
     } else {
@@ -92,8 +92,8 @@ std::optional<DriverWatchdog::Clock::time_point> DriverWatchdog::act() {
     }
     atTheLatest(time + again);
   }
-  if (patience_.silence && !decided_) {
-    const Clock::time_point end = lastWord() + *patience_.silence;
+  if (timeouts_.silence && !decided_) {
+    const Clock::time_point end = lastActivity() + *timeouts_.silence;
     if (expired_ || end <= time) {
       expired_ = true;
       sockets_.shutDown();

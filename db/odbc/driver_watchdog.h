@@ -26,13 +26,13 @@ struct WatchdogTimeouts {
 class DriverWatchdog {
  public:
   /// `sockets` stay as they are while they are watched.
-  DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts patience, const std::stop_token& stop);
+  DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts timeouts, const std::stop_token& stop);
   ~DriverWatchdog();
   DriverWatchdog(const DriverWatchdog&) = delete;
   DriverWatchdog& operator=(const DriverWatchdog&) = delete;
 
   /// The server has sent something: the silence is counted anew.
-  void heard() noexcept { lastWord_.store(now(), std::memory_order_relaxed); }
+  void noteActivity() noexcept { lastActivity_.store(now(), std::memory_order_relaxed); }
   /// The rest of the answer is not needed; the driver may still wait for it when the statement is closed.
   void discardRest();
   /// Whether the driver's connections had to be shut down because the server was silent.
@@ -61,8 +61,8 @@ class DriverWatchdog {
   };
 
   static Clock::rep now() noexcept { return Clock::now().time_since_epoch().count(); }
-  [[nodiscard]] Clock::time_point lastWord() const noexcept {
-    return Clock::time_point(Clock::duration(lastWord_.load(std::memory_order_relaxed)));
+  [[nodiscard]] Clock::time_point lastActivity() const noexcept {
+    return Clock::time_point(Clock::duration(lastActivity_.load(std::memory_order_relaxed)));
   }
   void setCancel(std::function<void()> cancel);
   void cancelUntilDone();
@@ -72,9 +72,9 @@ class DriverWatchdog {
   std::optional<Clock::time_point> act();
 
   const DriverSockets& sockets_;
-  const WatchdogTimeouts patience_;
+  const WatchdogTimeouts timeouts_;
   const std::stop_token stop_;
-  std::atomic<Clock::rep> lastWord_;
+  std::atomic<Clock::rep> lastActivity_;
   std::atomic<bool> expired_{false};
   std::atomic<bool> decided_{false};
   std::optional<Clock::time_point> ending_;  // the watching thread's

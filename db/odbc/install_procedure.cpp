@@ -2,10 +2,10 @@
 
 #include <cerrno>
 
-#include "base/text.h"
 #include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 #include "settings/explained_error.h"
 
 namespace korvel::db {
@@ -18,10 +18,6 @@ class IgnoringSink final : public ResultSink {
   bool row(std::span<const Cell>) override { return true; }
   void endResult() override {}
 };
-
-bool separatesBatches(std::string_view line) {
-  return equalsIgnoringAsciiCase(trimWhitespace(line), "GO");
-}
 
 /// Takes the transaction back, where the server has not done so itself.
 template <typename Run>
@@ -44,28 +40,7 @@ void requireAuditTable(const Run& run) {
   }
 }
 
-void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
-  if (batch.find_first_not_of(" \t\r\n") != std::string::npos) batches.push_back(std::move(batch));
-  batch.clear();
-}
-
 }  // namespace
-
-std::vector<std::string> scriptBatches(std::string_view script) {
-  std::vector<std::string> batches;
-  std::string batch;
-  while (!script.empty()) {
-    const auto end = script.find('\n');
-    const std::string_view line = script.substr(0, end == std::string_view::npos ? end : end + 1);
-    script.remove_prefix(line.size());
-    if (separatesBatches(line.substr(0, line.find('\n'))))
-      addUnlessEmpty(batches, batch);
-    else
-      batch += line;
-  }
-  addUnlessEmpty(batches, batch);
-  return batches;
-}
 
 void installQueryAudits(Connection& connection) {
   IgnoringSink sink;

@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds driversGrace{500};
 constexpr std::chrono::milliseconds stopInterval{50};
 
 /// How long a driver may take to end a stopped statement.
-constexpr std::chrono::seconds patienceAfterStop{2};
+constexpr std::chrono::seconds timeAfterStop{2};
 
 SQLPOINTER asAttribute(std::chrono::seconds value) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how ODBC takes numbers
@@ -151,10 +151,10 @@ void OdbcConnection::rollBack() noexcept {
 template <typename Run>
 void OdbcConnection::runWatched(std::string_view commandText, const Run& run) {
   const bool limited = commandTimeout_.count() > 0;
-  WatchdogTimeouts patience;
-  if (limited) patience.silence = commandTimeout_ + driversGrace;
-  patience.afterStop = patienceAfterStop;
-  DriverWatchdog watch(sockets_, patience, stop_);
+  WatchdogTimeouts timeouts;
+  if (limited) timeouts.silence = commandTimeout_ + driversGrace;
+  timeouts.afterStop = timeAfterStop;
+  DriverWatchdog watch(sockets_, timeouts, stop_);
   if (onEvent_) tell(ServerEvent{ServerEventKind::commandSent, std::string(commandText)});
   try {
     run(watch);
@@ -193,7 +193,7 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   while (result != SQL_NO_DATA) {
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
-    watch.heard();
+    watch.noteActivity();
     if (!pushResult(handle, sink, watch) || !sink.shouldContinue()) {
       watch.discardRest();
       SQLCancel(handle);

@@ -50,9 +50,6 @@ inline constexpr std::array<KnownDriver, 4> windowsKnownDrivers = {
      {"FreeTDS", DriverFamily::freeTds}}};
 inline constexpr DriverPlatform windowsDrivers{windowsKnownDrivers, false};
 
-/// Those of the system that the program runs on.
-[[nodiscard]] const DriverPlatform& driverPlatform() noexcept;
-
 /// The names of the drivers that the driver manager knows.
 [[nodiscard]] std::vector<std::string> installedDrivers();
 /// The best of the installed drivers, in the platform's order; `wanted`, where it is not empty, is taken as it is.

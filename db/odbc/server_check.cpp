@@ -195,46 +195,46 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, std::string data
   return runAll(steps);
 }
 
-Found encryptionFound(const odbc::ServerConnector& approach, const ConnectionOptions& options) {
-  if (approach.handshake()) return {"check.encryption.found", {approach.handshake()->protocol}};
+Found encryptionFound(const odbc::ServerConnector& connector, const ConnectionOptions& options) {
+  if (connector.handshake()) return {"check.encryption.found", {connector.handshake()->protocol}};
   return {options.encrypt ? "check.encryption.unchecked" : "check.encryption.optional", {}};
 }
 
 std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string database,
                                           const odbc::ServerAccess& access) {
-  odbc::ServerConnector approach(server, access);
+  odbc::ServerConnector connector(server, access);
   std::unique_ptr<Connection> connection;
   std::vector<Step> steps;
   steps.push_back({"name", [&] {
-                     approach.resolveServer();
-                     return Found{"check.name.found", {odbc::shownAddress(approach.address())}};
+                     connector.resolveServer();
+                     return Found{"check.name.found", {odbc::shownAddress(connector.address())}};
                    }});
   steps.push_back({"port", [&] {
-                     approach.connectPort();
-                     return Found{"check.port.found", {std::to_string(approach.address().port)}};
+                     connector.connectPort();
+                     return Found{"check.port.found", {std::to_string(connector.address().port)}};
                    }});
   steps.push_back({"protocol", [&] {
-                     approach.exchangePreLogin();
-                     return Found{"check.protocol.found", {approach.preLoginAnswer().version}};
+                     connector.exchangePreLogin();
+                     return Found{"check.protocol.found", {connector.preLoginAnswer().version}};
                    }});
   steps.push_back({"encryption", [&] {
-                     approach.encrypt();
-                     return encryptionFound(approach, access.options);
+                     connector.checkEncryption();
+                     return encryptionFound(connector, access.options);
                    }});
   steps.push_back({"ticket", [&] {
-                     if (approach.acquireTicket() == odbc::TicketState::leftToSystem)
+                     if (connector.acquireTicket() == odbc::TicketState::leftToSystem)
                        return Found{"check.ticket.leftToSystem", {}};
-                     return Found{"check.ticket.found", {approach.servicePrincipal()}};
+                     return Found{"check.ticket.found", {connector.servicePrincipal()}};
                    }});
   steps.push_back({"login", [&] {
-                     connection = approach.logIn({});
+                     connection = connector.logIn({});
                      return Found{"check.login.found", {}};
                    }});
   if (database.empty())
     steps.push_back({"databases", [&] { return chooseDatabase(serverDatabases(*connection), database); }});
   steps.push_back({"database", [&] {
-                     approach.restartTimeout();
-                     connection = approach.logIn(database);
+                     connector.restartTimeout();
+                     connection = connector.logIn(database);
                      return Found{"check.database.found", {database}};
                    }});
   addDatabaseSteps(steps, connection);

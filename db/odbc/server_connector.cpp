@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "db/odbc/driver_configuration.h"
 #include "db/odbc/odbc_connection.h"
 #include "db/odbc/odbc_driver.h"
 #include "db/odbc/odbc_failures.h"
@@ -32,7 +33,7 @@ auto explained(const char* silentKey, const char* failedKey, const std::string& 
 }
 
 /// Of what is left of the timeout, what is kept for the steps that say why a driver has failed.
-std::chrono::milliseconds timeToExplain(const net::Deadline& deadline) {
+std::chrono::milliseconds timeToDiagnose(const net::Deadline& deadline) {
   return std::min<std::chrono::milliseconds>(deadline.left() / 4, std::chrono::seconds{2});
 }
 
@@ -87,7 +88,7 @@ void ServerConnector::exchangePreLogin() {
                               [&] { return net::exchangePreLogin(*socket_, deadline_); });
 }
 
-void ServerConnector::encrypt() {
+void ServerConnector::checkEncryption() {
   const ConnectionOptions& options = access_.options;
   const std::string shown = shownAddress(address_);
   if (options.encrypt && preLoginAnswer_.encryption == net::ServerEncryption::notSupported)
@@ -128,11 +129,11 @@ std::unique_ptr<Connection> ServerConnector::logIn(const std::string& database) 
 void ServerConnector::diagnose() {
   connectPort();
   exchangePreLogin();
-  encrypt();
+  checkEncryption();
 }
 
 std::unique_ptr<Connection> ServerConnector::connect(const std::string& database) {
-  const std::chrono::milliseconds kept = timeToExplain(deadline_);
+  const std::chrono::milliseconds kept = timeToDiagnose(deadline_);
   const net::Deadline deadline(deadline_.left() - kept);
   bool looked = false;
   try {
@@ -156,9 +157,9 @@ std::unique_ptr<Connection> ServerConnector::connect(const std::string& database
 
 std::unique_ptr<Connection> openServer(const std::string& server, const std::string& database,
                                        const ServerAccess& access) {
-  ServerConnector approach(server, access);
-  approach.resolveServer();
-  return approach.connect(database);
+  ServerConnector connector(server, access);
+  connector.resolveServer();
+  return connector.connect(database);
 }
 
 }  // namespace korvel::db::odbc

@@ -51,7 +51,7 @@ class ServerConnector {
   /// Exchanges the pre-login packets; drivers would wait for the server's answer without a timeout.
   void exchangePreLogin();
   /// Performs the TLS handshake and checks the certificate, where the options ask for it.
-  void encrypt();
+  void checkEncryption();
   /// Acquires the running user's ticket, where the system does not do that itself.
   TicketState acquireTicket();
   /// Logs in. `database` may be empty.

@@ -45,7 +45,4 @@ inline constexpr std::string_view auditTableProbe = "SELECT * FROM Korvel_Audit_
 inline constexpr std::int32_t nameUnknownNumber = 208;
 inline constexpr std::int32_t rightMissingNumber = 229;
 
-/// The installation script of dbo.QueryAudits: drops the old procedure, creates it anew. Lines end with LF.
-[[nodiscard]] std::string queryAuditsScript();
-
 }  // namespace korvel::db

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/whole_file.h"
-#include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 
 namespace korvel {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "base/whole_file.h"
-#include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 
 namespace korvel::db {
 namespace {

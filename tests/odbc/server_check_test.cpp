@@ -1,7 +1,7 @@
 #include "db/odbc/server_check.h"
 
 #include "db/odbc/install_procedure.h"
-#include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 #include "settings/explained_error.h"
 #include "tests/db/audit_database.h"
 #include "tests/odbc/wire.h"
