@@ -11,6 +11,7 @@
 #include "db/procedure/audit_conditions.h"
 #include "query/date_slices.h"
 #include "tests/db/plain_evaluation.h"
+#include "tests/query/filter_nodes.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::query {
@@ -146,7 +147,7 @@ class CompleteQuery : public testing::Test {
                        const CompletionCallback& onWait = {}) {
     FilterTree tree;
     for (const FilterNode& node : filterNodes())
-      if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(*tree.find(node.key), true);
+      if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(nodeOf(node.key), true);
     const std::string connectionString = "a server";
     lists = makeResultLists();
     CompleteAnswer answer =
