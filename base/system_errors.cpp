@@ -32,8 +32,8 @@ constexpr std::array usualTexts = {
 
 }  // namespace
 
-Error systemError(int systemNumber, const std::string& what) {
-  return {systemNumber, what + ": " + systemMessage(systemNumber)};
+Error systemError(int systemErrorNumber, const std::string& what) {
+  return {systemErrorNumber, what + ": " + systemMessage(systemErrorNumber)};
 }
 
 Error fileError(FileError error) {
@@ -43,10 +43,10 @@ Error fileError(FileError error) {
           std::string(found == usualTexts.end() ? "Application-defined or object-defined error" : found->text)};
 }
 
-bool isDiskFailure(int systemNumber) noexcept {
-  const auto error = fileErrorFrom(systemNumber, FileAccess::write);
+bool isDiskFailure(int systemErrorNumber) noexcept {
+  const auto error = fileErrorFrom(systemErrorNumber, FileAccess::write);
   return error == FileError::diskFull || error == FileError::deviceInputOutput ||
-         isSystemError(systemNumber, std::errc::read_only_file_system);
+         isSystemError(systemErrorNumber, std::errc::read_only_file_system);
 }
 
 Error asFileError(const Error& failure, FileAccess access) {

@@ -23,12 +23,12 @@ namespace korvel {
 [[nodiscard]] int systemErrorNumberFromErrno(std::errc otherwise) noexcept;
 /// Whether a number of the system means this condition. Several may: Windows has one for a missing file and one for a
 /// missing path.
-[[nodiscard]] bool isSystemError(int systemNumber, std::errc condition) noexcept;
+[[nodiscard]] bool isSystemError(int systemErrorNumber, std::errc condition) noexcept;
 
 /// The system's message for one of its numbers, in UTF-8.
-[[nodiscard]] std::string systemMessage(int systemNumber);
+[[nodiscard]] std::string systemMessage(int systemErrorNumber);
 /// The error for a failed system call: the system's number and its message after `what`, a colon and a blank.
-[[nodiscard]] Error systemError(int systemNumber, const std::string& what);
+[[nodiscard]] Error systemError(int systemErrorNumber, const std::string& what);
 
 /// Error numbers of Windows, under which users and manuals know the failures of a registry. A value may be another
 /// number than those named.
@@ -57,7 +57,7 @@ enum class Win32Error : std::uint32_t {
   return static_cast<std::uint32_t>(error);
 }
 /// The number of Windows for one of the system's.
-[[nodiscard]] Win32Error win32ErrorFrom(int systemNumber) noexcept;
+[[nodiscard]] Win32Error win32ErrorFrom(int systemErrorNumber) noexcept;
 
 /// Error numbers that the messages of outputs lead with, as Windows users know them from its programs.
 enum class FileError : std::int32_t {
@@ -86,10 +86,10 @@ enum class FileAccess { read, write };
 /// The error of such a number with its usual text, which is English like the messages that it is shown in.
 [[nodiscard]] Error fileError(FileError error);
 /// The file error for one of the system's numbers; nothing for one that has no counterpart.
-[[nodiscard]] std::optional<FileError> fileErrorFrom(int systemNumber, FileAccess access) noexcept;
+[[nodiscard]] std::optional<FileError> fileErrorFrom(int systemErrorNumber, FileAccess access) noexcept;
 /// What to raise for a failure that carries a number of the system: the file error for it, or the failure itself.
 [[nodiscard]] Error asFileError(const Error& failure, FileAccess access);
 /// Whether a number of the system says that a disk is full, broken, or write-protected.
-[[nodiscard]] bool isDiskFailure(int systemNumber) noexcept;
+[[nodiscard]] bool isDiskFailure(int systemErrorNumber) noexcept;
 
 }  // namespace korvel

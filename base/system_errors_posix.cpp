@@ -44,9 +44,9 @@ constexpr std::array rows = {
     Row{ETIMEDOUT, Win32Error::registryIoFailed, FileError::diskNotReady, FileError::diskNotReady},
 };
 
-const Row* rowOf(int systemNumber) noexcept {
+const Row* rowOf(int systemErrorNumber) noexcept {
   const auto* const found =
-      std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.number == systemNumber; });
+      std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.number == systemErrorNumber; });
   return found == rows.end() ? nullptr : found;
 }
 
@@ -64,22 +64,22 @@ int systemErrorNumberFromErrno(std::errc otherwise) noexcept {
   return errno != 0 ? errno : static_cast<int>(otherwise);
 }
 
-bool isSystemError(int systemNumber, std::errc condition) noexcept {
-  return systemNumber == static_cast<int>(condition);
+bool isSystemError(int systemErrorNumber, std::errc condition) noexcept {
+  return systemErrorNumber == static_cast<int>(condition);
 }
 
-std::string systemMessage(int systemNumber) {
-  return std::generic_category().message(systemNumber);
+std::string systemMessage(int systemErrorNumber) {
+  return std::generic_category().message(systemErrorNumber);
 }
 
-Win32Error win32ErrorFrom(int systemNumber) noexcept {
-  if (systemNumber == 0) return Win32Error::success;
-  const Row* const row = rowOf(systemNumber);
+Win32Error win32ErrorFrom(int systemErrorNumber) noexcept {
+  if (systemErrorNumber == 0) return Win32Error::success;
+  const Row* const row = rowOf(systemErrorNumber);
   return row == nullptr ? Win32Error::registryIoFailed : row->win32;
 }
 
-std::optional<FileError> fileErrorFrom(int systemNumber, FileAccess access) noexcept {
-  const Row* const row = rowOf(systemNumber);
+std::optional<FileError> fileErrorFrom(int systemErrorNumber, FileAccess access) noexcept {
+  const Row* const row = rowOf(systemErrorNumber);
   if (row == nullptr) return std::nullopt;
   return access == FileAccess::read ? row->whenReading : row->whenWriting;
 }

@@ -118,28 +118,28 @@ int systemErrorNumberFromErrno(std::errc otherwise) noexcept {
   return systemErrorNumber(errno != 0 ? static_cast<std::errc>(errno) : otherwise);
 }
 
-bool isSystemError(int systemNumber, std::errc condition) noexcept {
+bool isSystemError(int systemErrorNumber, std::errc condition) noexcept {
   return std::any_of(rows.begin(), rows.end(),
-                     [&](const Row& row) { return row.number == systemNumber && row.condition == condition; });
+                     [&](const Row& row) { return row.number == systemErrorNumber && row.condition == condition; });
 }
 
-std::string systemMessage(int systemNumber) {
+std::string systemMessage(int systemErrorNumber) {
   constexpr DWORD longestMessage = 4096;
   std::wstring text(longestMessage, L'\0');
   text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-                             nullptr, static_cast<DWORD>(systemNumber), 0, text.data(), longestMessage, nullptr));
+                             nullptr, static_cast<DWORD>(systemErrorNumber), 0, text.data(), longestMessage, nullptr));
   // The system's message is a sentence; here it is part of one.
   text.resize(text.find_last_not_of(L" .\r\n") + 1);
-  return text.empty() ? "Windows error " + std::to_string(systemNumber) : utf8FromWide(text);
+  return text.empty() ? "Windows error " + std::to_string(systemErrorNumber) : utf8FromWide(text);
 }
 
-Win32Error win32ErrorFrom(int systemNumber) noexcept {
-  return static_cast<Win32Error>(systemNumber);
+Win32Error win32ErrorFrom(int systemErrorNumber) noexcept {
+  return static_cast<Win32Error>(systemErrorNumber);
 }
 
-std::optional<FileError> fileErrorFrom(int systemNumber, FileAccess access) noexcept {
-  const auto* const found =
-      std::find_if(fileRows.begin(), fileRows.end(), [&](const FileRow& row) { return row.number == systemNumber; });
+std::optional<FileError> fileErrorFrom(int systemErrorNumber, FileAccess access) noexcept {
+  const auto* const found = std::find_if(fileRows.begin(), fileRows.end(),
+                                         [&](const FileRow& row) { return row.number == systemErrorNumber; });
   if (found == fileRows.end()) return std::nullopt;
   return access == FileAccess::read ? found->whenReading : found->whenWriting;
 }

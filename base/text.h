@@ -14,6 +14,14 @@ namespace korvel {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+/// The text without the blanks, tabs and carriage returns around it.
+[[nodiscard]] constexpr std::string_view trimWhitespace(std::string_view text) noexcept {
+  constexpr std::string_view white = " \t\r";
+  const auto first = text.find_first_not_of(white);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(white) - first + 1);
+}
+
 /// Appends the case-folded form of UTF-8 `text` to `folded`: the same bytes on every machine, whatever its locale.
 /// Bytes that are not UTF-8 are kept as they stand, so that no two different texts fold together by accident.
 void appendCaseFolded(std::string_view text, std::string& folded);

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "db/connection_state.h"
+#include "db/connection_string.h"
 #include "demo/demo_database.h"
 
 namespace korvel::bench {

@@ -8,10 +8,10 @@
 
 #include "bench/audit_file.h"
 #include "bench/offscreen.h"
+#include "bench/stored_answer.h"
 #include "control/result_list_view.h"
 #include "db/open_connection.h"
 #include "query/audit_record.h"
-#include "results/row_sink.h"
 
 namespace korvel::bench {
 namespace {
@@ -24,9 +24,8 @@ using results::RowId;
 struct ManyRecords {
   explicit ManyRecords(std::uint32_t step) : model(list), view((offscreenApplication<QApplication>(), model)) {
     query::setUpAuditColumns(list);
-    results::RowSink sink;
-    db::openConnection(millionRecords().connectionString())->execute("Select * from Korvel_Audit_Trails", sink);
-    const auto store = sink.takeStore();
+    const auto store =
+        storedAnswer(*db::openConnection(millionRecords().connectionString()), "Select * from Korvel_Audit_Trails");
     std::vector<RowId> rows;
     for (std::uint32_t row = 0; row < store->rowCount(); row += step) rows.push_back({row});
     {

@@ -147,13 +147,13 @@ void loginOverTheWire(benchmark::State& state) {
     });
     state.SetIterationTime(time.measure([&] { (void)db::odbc::openServer(server, "Korvel_Audit", access); }));
     stepTime.measure([&] {
-      db::odbc::ServerApproach approach(server, access);
-      approach.findServer();
-      approach.reachPort();
-      approach.greet();
-      approach.encrypt();
-      approach.proveUser();
-      (void)approach.logIn("Korvel_Audit");
+      db::odbc::ServerConnector connector(server, access);
+      connector.resolveServer();
+      connector.connectPort();
+      connector.exchangePreLogin();
+      connector.checkEncryption();
+      connector.acquireTicket();
+      (void)connector.logIn("Korvel_Audit");
     });
   }
   state.counters["bare_ms"] = bareTime.seconds * 1000;

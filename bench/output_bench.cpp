@@ -1,18 +1,18 @@
 // Output of lists: the text export of a million records against sqlite3's CSV, reports on pages, workbooks.
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <QGuiApplication>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "base/atomic_file.h"
 #include "bench/audit_file.h"
 #include "bench/least.h"
+#include "bench/memory.h"
 #include "bench/offscreen.h"
+#include "bench/stored_answer.h"
 #include "db/open_connection.h"
 #include "output/pages/pdf.h"
 #include "output/report.h"
@@ -20,7 +20,6 @@
 #include "output/text_export.h"
 #include "output/workbook.h"
 #include "query/audit_record.h"
-#include "results/row_sink.h"
 
 namespace korvel::bench {
 namespace {
@@ -28,10 +27,8 @@ namespace {
 results::ResultList listOf(const AuditFolder& folder, std::size_t rows) {
   results::ResultList list(results::RowFilling::standard);
   query::setUpAuditColumns(list);
-  results::RowSink sink;
-  db::openConnection(folder.connectionString())
-      ->execute("Select * from Korvel_Audit_Trails where Nr <= " + std::to_string(rows), sink);
-  const auto store = sink.takeStore();
+  const auto store = storedAnswer(*db::openConnection(folder.connectionString()),
+                                  "Select * from Korvel_Audit_Trails where Nr <= " + std::to_string(rows));
   std::vector<results::RowId> ids;
   for (std::uint32_t row = 0; row < store->rowCount(); ++row) ids.push_back({row});
   list.setRows(store, std::move(ids));
@@ -40,26 +37,6 @@ results::ResultList listOf(const AuditFolder& folder, std::size_t rows) {
 
 std::filesystem::path outputBeside(const AuditFolder& folder, const char* name) {
   return folder.file().parent_path() / name;
-}
-
-/// A line of the system's statistics of this process, in megabytes; 0 where there is none.
-double accountOf(const std::string& title) {
-  std::ifstream account("/proc/self/status");
-  constexpr double kibibytes = 1024;
-  for (std::string line; std::getline(account, line);)
-    if (line.starts_with(title)) return std::atof(line.c_str() + title.size()) / kibibytes;
-  return 0;
-}
-double residentMegabytes() {
-  return accountOf("VmRSS:");
-}
-double peakMegabytes() {
-  return accountOf("VmHWM:");
-}
-/// Resets the peak, after returning freed memory to the system.
-void forgetPeak() {
-  ::malloc_trim(0);
-  std::ofstream("/proc/self/clear_refs") << "5";
 }
 
 /// A report file on paper. The process that measures holds the file only, not the list, as far as memory is counted.

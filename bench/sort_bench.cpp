@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "bench/audit_file.h"
+#include "bench/stored_answer.h"
 #include "db/open_connection.h"
 #include "query/audit_record.h"
 #include "results/result_list.h"
-#include "results/row_sink.h"
 
 namespace korvel::bench {
 namespace {
@@ -24,9 +24,7 @@ using results::RowId;
 using results::SortOrder;
 
 std::shared_ptr<const results::RowStore> storeOf(const std::string& statement) {
-  results::RowSink sink;
-  db::openConnection(millionRecords().connectionString())->execute(statement, sink);
-  return sink.takeStore();
+  return storedAnswer(*db::openConnection(millionRecords().connectionString()), statement);
 }
 
 enum Arrival : std::int64_t { byEntryNumber = 0, shuffled = 1 };

@@ -22,7 +22,9 @@ constexpr std::size_t wantedRows = 45000;
 query::FilterTree nineCategories() {
   query::FilterTree tree;
   tree.selectAll();
-  tree.setChecked(*tree.find("R1"), false);
+  const auto& nodes = query::filterNodes();
+  for (std::size_t i = 0; i < nodes.size(); ++i)
+    if (nodes[i].key == "R1") tree.setChecked({i + 1}, false);
   return tree;
 }
 

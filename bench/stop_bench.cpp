@@ -11,7 +11,7 @@
 
 #include "bench/offscreen.h"
 #include "control/library_state.h"
-#include "db/attended_work.h"
+#include "db/worker.h"
 #include "korvel/AuditViewer.h"
 #include "tests/odbc/access_without_domain.h"
 #include "tests/tds_server/server.h"
@@ -61,7 +61,7 @@ void stopping(benchmark::State& state, const std::function<void(test::tds::TdsSe
     state.SetIterationTime(taken);
     longest = std::max(longest, taken);
     // The connection ends in the background, or is detached.
-    while (db::workIsLeftBehind()) std::this_thread::yield();
+    while (db::hasAbandonedWorkers()) std::this_thread::yield();
     closed = std::max(closed, std::chrono::duration<double>(Clock::now() - escape).count());
   }
   state.counters["longest_ms"] = longest * 1000;

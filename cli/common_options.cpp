@@ -9,6 +9,7 @@
 #include "cli/output_target.h"
 #include "cli/server_path.h"
 #include "db/connection_state.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 #include "query/query_failure.h"
 

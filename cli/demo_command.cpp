@@ -11,6 +11,7 @@
 #include "cli/common_options.h"
 #include "cli/messages.h"
 #include "cli/platform.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {

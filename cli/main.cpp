@@ -3,12 +3,12 @@
 
 #include "cli/platform.h"
 #include "cli/tool.h"
-#include "db/attended_work.h"
+#include "db/worker.h"
 
 int main(int count, char** arguments) {
   const int status = korvel::cli::runTool(korvel::cli::startProgram(count, arguments), std::cout, std::cerr);
   std::cout.flush();
   // A detached query may still use static objects: they are not destroyed.
-  if (korvel::db::workIsLeftBehind()) std::_Exit(status);
+  if (korvel::db::hasAbandonedWorkers()) std::_Exit(status);
   return status;
 }

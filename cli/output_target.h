@@ -4,7 +4,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "db/database_file.h"
+#include "db/embedded/embedded_folder.h"
 #include "output/byte_sink.h"
 
 namespace korvel::cli {

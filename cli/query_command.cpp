@@ -10,10 +10,11 @@
 #include "cli/messages.h"
 #include "cli/output_target.h"
 #include "db/connection_state.h"
+#include "db/connection_string.h"
 #include "db/open_connection.h"
-#include "query/alarm_dates.h"
 #include "query/complete_query.h"
 #include "query/query_failure.h"
+#include "query/standard_query.h"
 #include "settings/string_table.h"
 
 namespace korvel::cli {
@@ -223,13 +224,14 @@ Answered fillLists(const QueryOptions& options, const query::Connector& connect,
                    std::ostream& err) {
   const query::FilterTree tree = treeOf(options);
   const std::string connectionString = db::buildConnectionString(options.server, options.database);
-  const query::StandardQuestion question{tree, options.range, connectionString};
-  const auto goOn = [] { return !Interruption::requested(); };
+  const query::StandardQueryRequest question{tree, options.range, connectionString};
+  const auto shouldContinue = [] { return !Interruption::requested(); };
   if (!options.complete)
-    return answered(options, tree, query::runStandardQuery(question, connect, lists, options.list, goOn), lists, err);
+    return answered(options, tree, query::runStandardQuery(question, connect, lists, options.list, shouldContinue),
+                    lists, err);
 
-  query::CompleteAnswer whole = query::completeStandardQuestion(
-      question, connect, [&](const query::CompletionProgress& /*progress*/) { return goOn(); });
+  query::CompleteAnswer whole = query::completeStandardQuery(
+      question, connect, [&](const query::CompletionProgress& /*progress*/) { return shouldContinue(); });
   // A file holds the answer or stays as it was: what had come when it was stopped is not written.
   if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err), {}};
   const query::CompletionReport report = whole.fill(lists, options.list);

@@ -12,7 +12,7 @@
 #include "db/discovery/network_directory.h"
 #include "db/odbc/install_procedure.h"
 #include "db/odbc/server_check.h"
-#include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 
 namespace korvel::cli {
 

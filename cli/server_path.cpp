@@ -6,6 +6,8 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/text.h"
+#include "db/connection_string.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 
 namespace korvel::cli {
@@ -30,7 +32,7 @@ fs::file_type typeOf(const fs::path& path) {
 }  // namespace
 
 std::optional<std::string> connectionName(const std::string& name) {
-  if (!db::leadsTo(name, name)) return std::nullopt;
+  if (!db::connectionStringRoundTrips(name, name)) return std::nullopt;
   return name;
 }
 

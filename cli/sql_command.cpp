@@ -15,8 +15,9 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
-#include "db/attended_work.h"
 #include "db/connection_state.h"
+#include "db/connection_string.h"
+#include "db/worker.h"
 #include "output/row_writer.h"
 #include "query/audit_record.h"
 #include "query/custom_query.h"
@@ -118,10 +119,10 @@ class WatchedStream final : public db::ResultSink {
     }
   }
   void endResult() override { stream_.endResult(); }
-  bool goOn() override {
+  bool shouldContinue() override {
     if (unwritten_) return false;
     look_.look(memory_);
-    return stream_.goOn();
+    return stream_.shouldContinue();
   }
 
   /// The query was detached, and keeps this stream: waits until a write in progress has ended.
@@ -142,7 +143,7 @@ class WatchedStream final : public db::ResultSink {
   bool closed_ = false;
   output::ByteSink outlet_;
   output::RecordStream stream_;
-  query::PacedLook look_{query::QuerySurroundings{}};
+  query::PacedMemoryCheck look_{query::QueryEnvironment{}};
   results::MemoryWatch memory_;
   std::exception_ptr unwritten_;
 };
@@ -197,10 +198,10 @@ class SqlRun {
       return query::failureOf([&] {
         const auto connection = connect(connectionString, stop);
         if (!connection) throw query::internalFailure();
-        connection->executeUndone(text, *stream);
+        connection->executeRolledBack(text, *stream);
       });
     };
-    const auto result = db::runAttended(work, wanted);
+    const auto result = db::runOnWorker(work, wanted);
     if (!result) {
       stream->close();
       return {CustomOutcome::stopped, std::nullopt};

@@ -4,7 +4,7 @@
 
 #include "control/surface.h"
 #include "control/texts.h"
-#include "query/alarm_dates.h"
+#include "query/standard_query.h"
 
 namespace korvel::control {
 

@@ -12,10 +12,9 @@
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
-#include "query/alarm_dates.h"
 #include "query/complete_query.h"
 #include "query/custom_query.h"
-#include "query/newest_day.h"
+#include "query/standard_query.h"
 #include "ui/query_watch.h"
 
 namespace korvel::control {
@@ -117,13 +116,13 @@ void AuditQueries::TriggerQuery() {
   askedRange_ = range;
   changeStandardLists([&] { query::clearStandardLists(lists_); });
   DisplayNoOfRecords();
-  query::StandardAnswer whole;
-  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
-    whole = query::askStandardQuestion({filterTree_, range, answer.connectionString}, platform().connect, goOn,
-                                       platform().queryEnvironment);
+  query::StandardQueryResult whole;
+  const AnswerUse use = runWatched([&](const db::WaitCallback& goOn) {
+    whole = query::executeStandardQuery({filterTree_, range, answer.connectionString}, platform().connect, goOn,
+                                        platform().queryEnvironment);
   });
   if (use == AnswerUse::controlIsGone) return;
-  if (use == AnswerUse::outdated) whole = query::StandardAnswer::stopped();
+  if (use == AnswerUse::outdated) whole = query::StandardQueryResult::stopped();
   query::QueryReport report;
   // The page that is in front now: a queued call may have chosen another one.
   const bool customPage = surface_.currentTab() == query::customList;
@@ -177,15 +176,15 @@ void AuditQueries::LoadAll() {
   AnswerUse use = AnswerUse::outdated;
   {
     const ui::BusyPointer busy(*services);
-    use = runWatched([&](const db::Attendance& goOn) {
+    use = runWatched([&](const db::WaitCallback& goOn) {
       const auto attendance = [&](const query::CompletionProgress& progress) {
         if (alive)
           surface_.StatusBar1->setStatus(
               ownText("complete.progress").arg(ui::countText(progress.rows), ui::countText(progress.slices)));
         return goOn();
       };
-      whole = query::completeStandardQuestion({tree, range, answer.connectionString}, platform().connect, attendance,
-                                              platform().queryEnvironment);
+      whole = query::completeStandardQuery({tree, range, answer.connectionString}, platform().connect, attendance,
+                                           platform().queryEnvironment);
     });
   }
   if (use == AnswerUse::controlIsGone) return;
@@ -250,7 +249,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
   results::ResultList answer(results::RowFilling::whole);
   query::CustomReport report;
   const std::string text = QueryString.toStdString();
-  const AnswerUse use = runWatched([&](const db::Attendance& goOn) {
+  const AnswerUse use = runWatched([&](const db::WaitCallback& goOn) {
     const query::QueryProgress progress = [&](std::size_t rows) {
       if (alive && rows > 0) surface_.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(ui::countText(rows)));
       return goOn();
@@ -293,7 +292,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
   }
 }
 
-AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const db::Attendance& goOn)>& ask) {
+AuditQueries::AnswerUse AuditQueries::runWatched(const std::function<void(const db::WaitCallback& goOn)>& ask) {
   const QPointer<AuditViewer> alive(&viewer_);
   // Queued calls of the host may select another database or delete this control: every use below checks `alive` first.
   const int selection = answers_.selections();

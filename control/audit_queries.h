@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "base/error.h"
-#include "db/attended_work.h"
+#include "db/worker.h"
 #include "query/filter_tree.h"
 #include "query/standard_query.h"
 
@@ -65,7 +65,7 @@ class AuditQueries {
   };
   /// Runs what asks a database; windows are painted meanwhile, Esc stops it, and nothing else happens. The control may
   /// be gone afterwards.
-  [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::Attendance& goOn)>& ask);
+  [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::WaitCallback& goOn)>& ask);
   void setLastFailure(LastFailure failure);
   /// Runs `change` while the models of the standard lists know that their rows change.
   void changeStandardLists(const std::function<void()>& change);

@@ -9,7 +9,7 @@
 
 #include "base/error.h"
 #include "control/audit_viewer_members.h"
-#include "db/attended_work.h"
+#include "db/worker.h"
 #include "ui/style/viewer_style.h"
 
 namespace korvel {
@@ -20,7 +20,7 @@ namespace {
 /// it before it unloads what the query uses.
 void awaitStoppedQueries() {
   constexpr std::chrono::milliseconds untilGivenUp{2500};
-  db::awaitWorkLeftBehind(untilGivenUp);
+  db::waitForAbandonedWorkers(untilGivenUp);
 }
 
 }  // namespace

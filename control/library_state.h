@@ -50,7 +50,7 @@ struct Platform {
   query::Connector connect;
   std::function<std::unique_ptr<db::ServerDirectory>()> openDirectory;
   /// Clock and memory that custom queries run by.
-  query::QuerySurroundings queryEnvironment{};
+  query::QueryEnvironment queryEnvironment{};
 };
 
 /// Dialogs of Qt, the platform's settings store, the database engines, the servers of the network.

@@ -10,7 +10,7 @@
 
 #include "control/texts.h"
 #include "control/widest_text.h"
-#include "results/find_beginning.h"
+#include "results/find_prefix.h"
 #include "ui/screen_measure.h"
 
 namespace korvel::control {
@@ -213,8 +213,8 @@ int ResultListView::searchColumn() const {
 }
 
 int ResultListView::findRow(int column, const QString& beginning, int from) const {
-  const auto row = results::findBeginning(model_.list(), {static_cast<std::size_t>(column)}, beginning.toStdString(),
-                                          {static_cast<std::size_t>(from)});
+  const auto row = results::findPrefix(model_.list(), {static_cast<std::size_t>(column)}, beginning.toStdString(),
+                                       {static_cast<std::size_t>(from)});
   return row && row->value < static_cast<std::size_t>(model_.rowCount()) ? static_cast<int>(row->value) : -1;
 }
 

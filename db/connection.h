@@ -37,7 +37,7 @@ class ResultSink {
   virtual void endResult() = 0;
   /// Asked again and again while an engine works, also before its first row and between result sets, within the call of
   /// execute. False ends the answer as row() does; what it throws ends it as well and comes out of execute.
-  virtual bool goOn() { return true; }
+  virtual bool shouldContinue() { return true; }
 };
 
 /// An open connection to one audit database; closed by destruction. Used by one thread at a time.
@@ -47,9 +47,9 @@ class Connection {
   /// Runs `commandText` and pushes its whole answer. Throws Error where the engine reports a failure, also when part of
   /// the answer has already been pushed: the sink's owner must then drop what it got.
   virtual void execute(std::string_view commandText, ResultSink& sink) = 0;
-  /// The same, and takes back whatever the text has changed, also when it fails or is stopped: for texts that somebody
-  /// typed. A text that commits by itself is beyond it. Engines that cannot write have nothing to take back.
-  virtual void executeUndone(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
+  /// The same, in a transaction that is rolled back, also when the text fails or is stopped: for texts that users type.
+  /// A text that commits its own transaction is not rolled back. Engines that cannot write execute the text as it is.
+  virtual void executeRolledBack(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
   /// Selects rows of the audit trail from its table, beyond the procedure's limit. Throws Error like execute, with
   /// rightMissingNumber where the login may not read the table.
   virtual void select(const AuditSelection& selection, ResultSink& sink) {

@@ -1,18 +1,11 @@
 #include "db/connection_state.h"
 
+#include "db/connection_string.h"
+
 namespace korvel::db {
 
 std::string_view databaseName(int databaseType) noexcept {
   return databaseType == static_cast<int>(DatabaseTypeEnum::Korvel_Audit) ? "Korvel_Audit" : "Korvel_Audit_MU";
-}
-
-std::string buildConnectionString(std::string_view server, std::string_view database) {
-  std::string text = "Provider=SQLOLEDB; Server=";
-  text += server;
-  text += "; Database=";
-  text += database;
-  text += "; Integrated Security=SSPI;";
-  return text;
 }
 
 std::string selectionText(const ConnectionState& state) {

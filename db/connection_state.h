@@ -7,7 +7,7 @@
 
 namespace korvel::db {
 
-/// Which audit database a host wants. The member and the database it selects are spelled differently on purpose.
+/// Which audit database a host wants. The member and the database it selects are deliberately spelled differently.
 enum class DatabaseTypeEnum : int { Korvel_Audit = 0, Korvel_AuditMU = 1 };
 
 /// The database selection that all instances of the control share. An empty ConnectionString means that none is
@@ -22,8 +22,6 @@ struct ConnectionState {
 
 /// "Korvel_Audit" for 0, "Korvel_Audit_MU" for every other value.
 [[nodiscard]] std::string_view databaseName(int databaseType) noexcept;
-/// The connection string, blanks and closing semicolon included; always the running user's own login.
-[[nodiscard]] std::string buildConnectionString(std::string_view server, std::string_view database);
 /// server + " - [" + database + "]".
 [[nodiscard]] std::string selectionText(const ConnectionState& state);
 

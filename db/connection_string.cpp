@@ -1,3 +1,5 @@
+#include "db/connection_string.h"
+
 #include <array>
 #include <span>
 #include <utility>
@@ -91,6 +93,15 @@ bool isOneOf(std::string_view text, std::span<const std::string_view> names) {
 
 }  // namespace
 
+std::string buildConnectionString(std::string_view server, std::string_view database) {
+  std::string text = "Provider=SQLOLEDB; Server=";
+  text += server;
+  text += "; Database=";
+  text += database;
+  text += "; Integrated Security=SSPI;";
+  return text;
+}
+
 ConnectionTarget parseConnectionString(std::string_view connectionString) {
   if (trimBlanks(connectionString).empty()) refuse("db.noneSelected");
   ConnectionTarget target;
@@ -105,7 +116,7 @@ ConnectionTarget parseConnectionString(std::string_view connectionString) {
   return target;
 }
 
-bool leadsTo(std::string_view server, std::string_view database) {
+bool connectionStringRoundTrips(std::string_view server, std::string_view database) {
   try {
     const ConnectionTarget target = parseConnectionString(buildConnectionString(server, database));
     return target.server == server && target.database == database;

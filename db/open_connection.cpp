@@ -2,8 +2,10 @@
 
 #include <array>
 
+#include "db/connection_string.h"
 #include "db/embedded/embedded_connection.h"
-#include "db/odbc/server_approach.h"
+#include "db/embedded/embedded_folder.h"
+#include "db/odbc/server_connector.h"
 
 namespace korvel::db {
 namespace {

@@ -43,7 +43,7 @@ struct BrowserOptions {
 class ServerDirectory {
  public:
   virtual ~ServerDirectory() = default;
-  /// Told of events where somebody listens; called on the thread that lists, within the call that does so.
+  /// Receives events, where it is set; called on the thread that lists, within that call.
   ServerListener onEvent;
   /// Ends what is under way on connections to servers. Set before the call that lists.
   std::stop_token stop;

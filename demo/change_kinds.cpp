@@ -117,7 +117,7 @@ constexpr std::array kinds = {
     ChangeKind{auditSystem, "AU", auditTrail, "Korvel_Audit_Service", "Backup", auditService, choice(backupStates), 35},
     ChangeKind{auditSystem, "AU", auditTrail, "Korvel_Audit_Settings", "RetentionDays", auditService, number(30, 3650),
                15},
-    // Taken over from the records kept before the audit trail: no audit type, or one that nobody knows any more.
+    // Taken over from the records kept before the audit trail: no audit type, or an unknown one.
     ChangeKind{unattributed, "", "Import", "History", "State", tag, choice(importStates), 70},
     ChangeKind{unattributed, "XX", "Import", "History", "Address", tag, choice(addresses), 30},
 };

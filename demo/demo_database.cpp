@@ -15,7 +15,7 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "db/embedded/audit_schema.h"
+#include "db/embedded/audit_statements.h"
 #include "demo/trail.h"
 #include "query/audit_record.h"
 
@@ -180,7 +180,7 @@ void checkRows(std::uint64_t rows) {
 
 void refuseToReplace(const fs::path& file) {
   std::error_code ignored;
-  // Of the link itself: a link to nowhere is somebody's too.
+  // Of the link itself: a link whose target is missing is not replaced either.
   if (fs::exists(files::symlinkStatus(file, ignored)))
     throw systemError(systemErrorNumber(std::errc::file_exists), "will not replace " + utf8FromPath(file));
 }
@@ -202,7 +202,7 @@ void writeDemoDatabases(const Options& options) {
                                 [&] { fill(multi.path(), Trail(multiUserPlant(), options.rows, options.seed, {})); });
   fill(single.path(), Trail(singleUserPlant(), options.rows, options.seed, dairyStory()));
   multiFilled.get();
-  // Somebody may have been faster.
+  // Another process may have created it first.
   if (!options.force)
     for (const fs::path& target : targets) refuseToReplace(target);
   // Both or neither: what would hinder the second is asked before the first is replaced.

@@ -28,7 +28,7 @@ struct Actor {
 };
 
 constexpr Actor nightOperator{"LEITWARTE-2", "DAIRY\\operator", "tgruber", "Toni Größer"};
-/// Nobody signed on: the station's own account is all that is known.
+/// No operator signed on: only the station's own account is known.
 constexpr Actor unknownAtStation{"LEITWARTE-2", "DAIRY\\operator", std::nullopt, std::nullopt};
 constexpr Actor engineer{"DAIRY-ES1", "DAIRY\\jhuebner", "jhuebner", "Jörg Hübner"};
 constexpr Actor quality{"DAIRY-NB07", "DAIRY\\qvogt", "qvogt", "Dr. Ute Vogt"};

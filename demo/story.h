@@ -7,7 +7,7 @@
 
 namespace korvel::demo {
 
-/// A row that is told rather than drawn by lot; its number, time text and summer flag follow from the moment.
+/// A row that is written by hand rather than generated; its number, time text and summer flag follow from the moment.
 struct StoryRow {
   Moment moment;
   AuditRow row;

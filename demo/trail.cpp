@@ -186,7 +186,7 @@ void Trail::choosePerson(const WallTime& wall) {
   }
   osUser_ = osUserText_;
   if (random_.chance(4, 100)) {
-    appUser_ = "";  // nobody signed on
+    appUser_ = "";  // no operator signed on
   } else {
     appUser_ = person.login;
     userName_ = person.fullName;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/error.h"
+#include "db/connection_string.h"
 #include "db/odbc/driver_login.h"
 #include "db/odbc/server_address.h"
 #include "db/open_connection.h"

@@ -5,7 +5,7 @@
 
 #include "output/byte_sink.h"
 #include "output/row_writer.h"
-#include "results/heap_bytes.h"
+#include "results/text_arena.h"
 
 namespace korvel::output {
 

@@ -32,8 +32,8 @@ struct OwnFolder {
 };
 constexpr std::array ownFolders = {OwnFolder{"korvel", othersMayWrite}, OwnFolder{"export", othersMayAnything}};
 
-[[noreturn]] void fail(int systemNumber) {
-  throw asFileError(systemError(systemNumber, "cannot use the folder of exports"), FileAccess::write);
+[[noreturn]] void fail(int systemErrorNumber) {
+  throw asFileError(systemError(systemErrorNumber, "cannot use the folder of exports"), FileAccess::write);
 }
 
 class FolderHandle {

@@ -16,7 +16,7 @@ void RecordStream::beginResult(std::span<const db::Field> fields) {
 }
 
 bool RecordStream::row(std::span<const db::Cell> cells) {
-  if (!goOn()) return false;
+  if (!shouldContinue()) return false;
   if (rowCount_++ == 0) writer_->begin(fields_);
   writer_->row(cells);
   return true;
@@ -26,7 +26,7 @@ void RecordStream::endResult() {
   complete_ = true;
 }
 
-bool RecordStream::goOn() {
+bool RecordStream::shouldContinue() {
   if (complete_) return false;
   if (!stopped_) stopped_ = !wanted_();
   return !stopped_;

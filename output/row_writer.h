@@ -36,7 +36,7 @@ class RecordStream final : public db::ResultSink {
   void beginResult(std::span<const db::Field> fields) override;
   bool row(std::span<const db::Cell> cells) override;
   void endResult() override;
-  bool goOn() override;
+  bool shouldContinue() override;
 
   /// The answer has arrived: writes what is left.
   void finish();

@@ -13,8 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void fail(int systemNumber) {
-  throw asFileError(systemError(systemNumber, "cannot write a file for a while"), FileAccess::write);
+[[noreturn]] void fail(int systemErrorNumber) {
+  throw asFileError(systemError(systemErrorNumber, "cannot write a file for a while"), FileAccess::write);
 }
 
 }  // namespace

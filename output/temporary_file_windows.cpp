@@ -16,8 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-[[noreturn]] void fail(DWORD systemNumber) {
-  throw asFileError(systemError(static_cast<int>(systemNumber), "cannot write a file for a while"), FileAccess::write);
+[[noreturn]] void fail(DWORD systemErrorNumber) {
+  throw asFileError(systemError(static_cast<int>(systemErrorNumber), "cannot write a file for a while"),
+                    FileAccess::write);
 }
 
 /// `name` in the code page of the C library's files; empty where that has not all of it.

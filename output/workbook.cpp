@@ -30,8 +30,8 @@ constexpr double columnWidth = 16;
 constexpr double dateColumnWidth = 23;
 constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
 
-[[noreturn]] void fail(int systemNumber) {
-  throw asFileError(systemError(systemNumber, "cannot write the workbook"), FileAccess::write);
+[[noreturn]] void fail(int systemErrorNumber) {
+  throw asFileError(systemError(systemErrorNumber, "cannot write the workbook"), FileAccess::write);
 }
 
 /// For an error of the library: mostly errno has the reason.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -36,5 +37,9 @@ inline constexpr std::array<std::string_view, listCount> pageCaptions = {"ALL Au
 
 /// Clears the headers of the list and adds the eighteen columns, each 1440 twips wide; rows are not touched.
 void setUpAuditColumns(results::ResultList& list);
+
+/// The last day that a row of an audit trail's list lies on, by its column "DateTime"; nothing where no row tells one.
+/// Throws Error when memory runs out.
+[[nodiscard]] std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list);
 
 }  // namespace korvel::query

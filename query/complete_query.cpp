@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "base/text.h"
+#include "db/procedure/audit_conditions.h"
 #include "db/procedure/audit_selection.h"
-#include "db/procedure/audit_table.h"
 #include "query/query_failure.h"
 #include "query/row_join.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "settings/string_table.h"
 
 namespace korvel::query {
@@ -65,7 +65,7 @@ class Collector final : public db::ResultSink {
     return !stop_.stop_requested();
   }
   void endResult() override { ++count_; }
-  bool goOn() override { return !stop_.stop_requested(); }
+  bool shouldContinue() override { return !stop_.stop_requested(); }
 
   [[nodiscard]] std::size_t count() const noexcept { return count_; }
 
@@ -375,9 +375,9 @@ const CompletionReport& CompleteAnswer::fill(ResultLists& lists, std::size_t cur
   return report_;
 }
 
-CompleteAnswer completeStandardQuestion(const StandardQuestion& question, const Connector& connect,
-                                        const CompletionAttendance& attendance, const QuerySurroundings& surroundings,
-                                        std::size_t rowLimit) {
+CompleteAnswer completeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
+                                     const CompletionCallback& onWait, const QueryEnvironment& environment,
+                                     std::size_t rowLimit) {
   CompleteAnswer answer;
   if (!question.tree.anyRootChecked()) {
     answer.report_.outcome = QueryOutcome::noCriteria;
@@ -387,9 +387,9 @@ CompleteAnswer completeStandardQuestion(const StandardQuestion& question, const 
   const auto broken = failureOf([&] {
     const CategoryFlags flags = question.tree.flags();
     const bool categoriesOverlap = !flags.all() && flags.count() > 1;
-    const auto collected = std::make_shared<Collected>(surroundings.memory, categoriesOverlap);
+    const auto collected = std::make_shared<Collected>(environment.memory, categoriesOverlap);
     const auto work = [flags, range = question.range, connectionString = question.connectionString, connect,
-                       memory = surroundings.memory, collected,
+                       memory = environment.memory, collected,
                        rowLimit](const std::stop_token& stop) -> std::optional<Error> {
       return failureOf([&] {
         try {
@@ -399,13 +399,13 @@ CompleteAnswer completeStandardQuestion(const StandardQuestion& question, const 
       });
     };
     bool stopped = false;
-    db::Attendance noted;
-    if (attendance)
+    db::WaitCallback noted;
+    if (onWait)
       noted = [&] {
-        stopped = !attendance(collected->progress());
+        stopped = !onWait(collected->progress());
         return !stopped;
       };
-    const auto failure = db::runAttended(work, noted, surroundings.pace);
+    const auto failure = db::runOnWorker(work, noted, environment.pace);
     answer.report_ = collected->take();
     answer.collected_ = collected;
     if (stopped || !failure)

@@ -63,7 +63,7 @@ struct CompletionProgress {
   std::size_t slices = 0;
 };
 /// Called again and again on the thread that waits. False stops the query.
-using CompletionAttendance = std::function<bool(const CompletionProgress&)>;
+using CompletionCallback = std::function<bool(const CompletionProgress&)>;
 
 /// Everything that the standard query would find without the procedure's limit; in no list yet.
 class CompleteAnswer {
@@ -84,8 +84,8 @@ class CompleteAnswer {
   const CompletionReport& fill(ResultLists& lists, std::size_t currentList);
 
  private:
-  friend CompleteAnswer completeStandardQuestion(const StandardQuestion&, const Connector&, const CompletionAttendance&,
-                                                 const QuerySurroundings&, std::size_t);
+  friend CompleteAnswer completeStandardQuery(const StandardQueryRequest&, const Connector&, const CompletionCallback&,
+                                              const QueryEnvironment&, std::size_t);
   class Collected;
 
   CompletionReport report_;
@@ -94,12 +94,12 @@ class CompleteAnswer {
 
 /// Asks the standard question and finishes what the procedure's limit cuts: the same call runs over slices of the date
 /// range, each small enough, and the answers are joined. A minute that is still cut is selected from the table, where
-/// the login may read it. Runs on a thread of its own; `attendance` is called meanwhile. A slice whose connection
+/// the login may read it. Runs on a thread of its own; `onWait` is called meanwhile. A slice whose connection
 /// breaks is asked for once more, on another connection. Nothing that is thrown below leaves it. `rowLimit` is the
 /// procedure's; tests take a smaller one.
-[[nodiscard]] CompleteAnswer completeStandardQuestion(const StandardQuestion& question, const Connector& connect,
-                                                      const CompletionAttendance& attendance = {},
-                                                      const QuerySurroundings& surroundings = {},
-                                                      std::size_t rowLimit = db::rowLimitPerResult);
+[[nodiscard]] CompleteAnswer completeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
+                                                   const CompletionCallback& onWait = {},
+                                                   const QueryEnvironment& environment = {},
+                                                   std::size_t rowLimit = db::rowLimitPerResult);
 
 }  // namespace korvel::query

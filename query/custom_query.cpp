@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "query/paced_look.h"
+#include "query/query_environment.h"
 #include "query/query_failure.h"
 #include "results/store_filler.h"
 
@@ -18,8 +18,8 @@ namespace {
 class FirstResultSink final : public db::ResultSink {
  public:
   /// The rows so far are written to `rowsSoFar`, which others read.
-  FirstResultSink(const QuerySurroundings& surroundings, std::stop_token stop, std::atomic<std::size_t>& rowsSoFar)
-      : filler_(surroundings.memory), look_(surroundings), stop_(std::move(stop)), rowsSoFar_(rowsSoFar) {}
+  FirstResultSink(const QueryEnvironment& environment, std::stop_token stop, std::atomic<std::size_t>& rowsSoFar)
+      : filler_(environment.memory), look_(environment), stop_(std::move(stop)), rowsSoFar_(rowsSoFar) {}
 
   void beginResult(std::span<const db::Field> fields) override {
     if (begun_) {
@@ -43,7 +43,7 @@ class FirstResultSink final : public db::ResultSink {
   }
 
   /// Engines that have sent the first result set send no other.
-  bool goOn() override { return !complete_ && mayGoOn(); }
+  bool shouldContinue() override { return !complete_ && mayGoOn(); }
 
   [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
 
@@ -74,7 +74,7 @@ class FirstResultSink final : public db::ResultSink {
   }
 
   results::StoreFiller filler_;
-  PacedLook look_;
+  PacedMemoryCheck look_;
   std::stop_token stop_;
   std::atomic<std::size_t>& rowsSoFar_;
   std::vector<db::Field> fields_;
@@ -93,31 +93,31 @@ struct CustomAnswer {
 
 CustomReport runCustomQuery(const std::string& text, const std::string& connectionString, const Connector& connect,
                             results::ResultList& list, const QueryProgress& progress,
-                            const QuerySurroundings& surroundings) {
+                            const QueryEnvironment& environment) {
   list.clear();
   // Shared with the query's thread, which may be left behind.
   const auto rowsSoFar = std::make_shared<std::atomic<std::size_t>>(0);
   bool stopped = false;
-  const db::Attendance attendance = [&] {
+  const db::WaitCallback onWait = [&] {
     stopped = progress && !progress(rowsSoFar->load(std::memory_order_relaxed));
     return !stopped;
   };
   std::optional<CustomAnswer> answer;
   auto broken = failureOf([&] {
-    if (!attendance()) return;
-    const auto work = [text, connectionString, connect, surroundings, rowsSoFar](const std::stop_token& stop) {
+    if (!onWait()) return;
+    const auto work = [text, connectionString, connect, environment, rowsSoFar](const std::stop_token& stop) {
       CustomAnswer whole;
       // The connection lives inside this step: it is closed before the list is filled, also when the answer breaks off.
       whole.failure = failureOf([&] {
-        whole.sink = std::make_unique<FirstResultSink>(surroundings, stop, *rowsSoFar);
+        whole.sink = std::make_unique<FirstResultSink>(environment, stop, *rowsSoFar);
         const auto connection = connect(connectionString, stop);
         if (!connection) throw internalFailure();
-        if (whole.sink->goOn()) connection->executeUndone(text, *whole.sink);
+        if (whole.sink->shouldContinue()) connection->executeRolledBack(text, *whole.sink);
         whole.sink->finish();
       });
       return whole;
     };
-    answer = db::runAttended(work, progress ? attendance : db::Attendance{}, surroundings.pace);
+    answer = db::runOnWorker(work, progress ? onWait : db::WaitCallback{}, environment.pace);
   });
   if (stopped) return {CustomOutcome::stopped, std::nullopt};
   if (!broken && answer) broken = std::move(answer->failure);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/error.h"
-#include "query/paced_look.h"
+#include "query/query_environment.h"
 #include "query/standard_query.h"
 #include "results/result_list.h"
 
@@ -24,13 +24,13 @@ struct CustomReport {
 };
 
 /// Runs any text over a connection of its own (`connectionString` is the AdvancedConnectionString), on a thread of its
-/// own, takes back what the text has changed (db::Connection::executeUndone) and fills the custom list with the first
-/// result set that has columns; later ones are not looked at. The list's rows are cleared first. Only an answer that
-/// has arrived whole and has rows is shown: it brings its own columns, one a field under the field's name, 1440 twips
-/// wide, unsorted, for the order of the rows is the query's. Otherwise the list keeps the columns that it had, without
-/// rows. Nothing that is thrown below leaves it.
+/// own, takes back what the text has changed (db::Connection::executeRolledBack) and fills the custom list with the
+/// first result set that has columns; later ones are not looked at. The list's rows are cleared first. Only an answer
+/// that has arrived whole and has rows is shown: it brings its own columns, one a field under the field's name, 1440
+/// twips wide, unsorted, for the order of the rows is the query's. Otherwise the list keeps the columns that it had,
+/// without rows. Nothing that is thrown below leaves it.
 CustomReport runCustomQuery(const std::string& text, const std::string& connectionString, const Connector& connect,
                             results::ResultList& list, const QueryProgress& progress = {},
-                            const QuerySurroundings& surroundings = {});
+                            const QueryEnvironment& environment = {});
 
 }  // namespace korvel::query

@@ -10,7 +10,7 @@
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "query/query_file.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "settings/string_table.h"
 
 namespace korvel::query {
@@ -88,8 +88,9 @@ bool matches(std::string_view name, std::string_view pattern) {
   }
 }
 
-Error folderUnreadable(const std::string& folder, int systemNumber) {
-  return settings::localizedError(systemNumber, "queryFile.folderUnreadable", {folder, systemMessage(systemNumber)});
+Error folderUnreadable(const std::string& folder, int systemErrorNumber) {
+  return settings::localizedError(systemErrorNumber, "queryFile.folderUnreadable",
+                                  {folder, systemMessage(systemErrorNumber)});
 }
 
 }  // namespace

@@ -26,12 +26,6 @@ const std::array<FilterNode, filterNodeCount>& filterNodes() noexcept {
   return nodes;
 }
 
-std::optional<NodeIndex> FilterTree::find(std::string_view key) const noexcept {
-  for (std::size_t i = 0; i < nodes.size(); ++i)
-    if (nodes[i].key == key) return NodeIndex{i + 1};
-  return std::nullopt;
-}
-
 void FilterTree::setChecked(NodeIndex node, bool checked) {
   checked_.at(node.value - 1) = checked;
   const bool isRoot = nodes[node.value - 1].parent == 0;

@@ -3,7 +3,6 @@
 #include <array>
 #include <bitset>
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include "db/procedure/audit_conditions.h"
@@ -34,7 +33,6 @@ using CategoryFlags = std::bitset<db::categoryCount>;
 class FilterTree {
  public:
   [[nodiscard]] bool isChecked(NodeIndex node) const { return checked_.at(node.value - 1); }
-  [[nodiscard]] std::optional<NodeIndex> find(std::string_view key) const noexcept;
 
   void selectAll() noexcept { checked_.fill(true); }
   void unselectAll() noexcept { checked_.fill(false); }

@@ -1,6 +1,6 @@
 #include "query/query_failure.h"
 
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::query {
 

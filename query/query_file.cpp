@@ -9,8 +9,8 @@
 #include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
-#include "db/database_file.h"
-#include "results/out_of_memory.h"
+#include "db/embedded/embedded_folder.h"
+#include "results/memory_watch.h"
 #include "settings/code_page.h"
 #include "settings/string_table.h"
 
@@ -25,9 +25,9 @@ constexpr std::string_view lineEnd = "\r\n";
 /// Far beyond any query: a file of this size was chosen by mistake, and a text box would not stand it.
 constexpr std::uintmax_t largestFileBytes = std::uintmax_t{64} << 20U;
 
-Error unreadable(const fs::path& file, int systemNumber) {
-  return settings::localizedError(systemNumber, "queryFile.unreadable",
-                                  {utf8FromPath(file), systemMessage(systemNumber)});
+Error unreadable(const fs::path& file, int systemErrorNumber) {
+  return settings::localizedError(systemErrorNumber, "queryFile.unreadable",
+                                  {utf8FromPath(file), systemMessage(systemErrorNumber)});
 }
 
 }  // namespace

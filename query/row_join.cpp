@@ -4,7 +4,7 @@
 #include <new>
 
 #include "base/text.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::query {
 namespace {

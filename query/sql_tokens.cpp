@@ -207,7 +207,7 @@ constexpr bool isHexDigit(char16_t c) noexcept {
 constexpr bool isBlank(char16_t c) noexcept {
   return c <= u' ' || c == u'\u00A0' || c == u'\u2028' || c == u'\u2029';
 }
-// Letters of other scripts are not told from their signs: both are shown as they are.
+// Letters and signs of other scripts are not distinguished: both are shown as they are.
 constexpr bool beginsWord(char16_t c) noexcept {
   return isLetter(c) || c == u'_' || c == u'#' || (c >= u'\u0080' && !isBlank(c));
 }

@@ -34,6 +34,11 @@ std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) 
   return text;
 }
 
+bool alarmsComeFromAllDates(const CategoryFlags& flags, const DateRange& range) noexcept {
+  constexpr std::size_t alarms = 1;  // parameter 2, counted from 0
+  return range.DateRangeActive && flags[alarms] && !flags.all();
+}
+
 ResultLists makeResultLists() {
   using results::ResultList;
   using results::RowFilling;
@@ -45,7 +50,7 @@ ResultLists makeResultLists() {
 }
 
 /// Stores each row once and notes, while the row passes by, which of the lists 0..4 it goes to.
-class StandardAnswer::Sink final : public db::ResultSink {
+class StandardQueryResult::Sink final : public db::ResultSink {
  public:
   Sink(const results::MemoryGauge& memory, std::stop_token stop) : filler_(memory), stop_(std::move(stop)) {}
 
@@ -73,7 +78,7 @@ class StandardAnswer::Sink final : public db::ResultSink {
   void endResult() override { noteEmptyFirst(); }
 
   /// After an empty first result nothing that follows is waited for.
-  bool goOn() override { return !firstResultEmpty_ && !stop_.stop_requested(); }
+  bool shouldContinue() override { return !firstResultEmpty_ && !stop_.stop_requested(); }
 
   [[nodiscard]] bool firstResultEmpty() const noexcept { return firstResultEmpty_; }
   [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
@@ -102,17 +107,17 @@ class StandardAnswer::Sink final : public db::ResultSink {
   bool firstResultEmpty_ = false;
 };
 
-StandardAnswer::StandardAnswer() = default;
-StandardAnswer::StandardAnswer(QueryReport report) : report_(std::move(report)) {}
-StandardAnswer::StandardAnswer(StandardAnswer&&) noexcept = default;
-StandardAnswer& StandardAnswer::operator=(StandardAnswer&&) noexcept = default;
-StandardAnswer::~StandardAnswer() = default;
+StandardQueryResult::StandardQueryResult() = default;
+StandardQueryResult::StandardQueryResult(QueryReport report) : report_(std::move(report)) {}
+StandardQueryResult::StandardQueryResult(StandardQueryResult&&) noexcept = default;
+StandardQueryResult& StandardQueryResult::operator=(StandardQueryResult&&) noexcept = default;
+StandardQueryResult::~StandardQueryResult() = default;
 
-StandardAnswer StandardAnswer::stopped() {
-  return StandardAnswer({QueryOutcome::stopped, std::nullopt, 0});
+StandardQueryResult StandardQueryResult::stopped() {
+  return StandardQueryResult({QueryOutcome::stopped, std::nullopt, 0});
 }
 
-QueryReport StandardAnswer::fill(ResultLists& lists, std::size_t currentList) {
+QueryReport StandardQueryResult::fill(ResultLists& lists, std::size_t currentList) {
   if (!sink_) return report_;
   const auto unfilled = failureOf([&] {
     sink_->fill(lists);
@@ -129,50 +134,50 @@ void clearStandardLists(ResultLists& lists) noexcept {
   for (std::size_t i = 0; i < standardListCount; ++i) lists[i].clear();
 }
 
-StandardAnswer askStandardQuestion(const StandardQuestion& question, const Connector& connect,
-                                   const db::Attendance& attendance, const QuerySurroundings& surroundings) {
-  if (!question.tree.anyRootChecked()) return StandardAnswer({QueryOutcome::noCriteria, std::nullopt, 0});
+StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
+                                         const db::WaitCallback& onWait, const QueryEnvironment& environment) {
+  if (!question.tree.anyRootChecked()) return StandardQueryResult({QueryOutcome::noCriteria, std::nullopt, 0});
 
   bool stopped = false;
-  std::optional<StandardAnswer> answer;
+  std::optional<StandardQueryResult> answer;
   const auto broken = failureOf([&] {
     // Everything is the work's own: it may be left behind.
     const auto work = [call = queryAuditsText(question.tree.flags(), question.range),
                        connectionString = question.connectionString, connect,
-                       memory = surroundings.memory](const std::stop_token& stop) {
-      StandardAnswer whole;
+                       memory = environment.memory](const std::stop_token& stop) {
+      StandardQueryResult whole;
       // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
       const auto failure = failureOf([&] {
-        whole.sink_ = std::make_unique<StandardAnswer::Sink>(memory, stop);
+        whole.sink_ = std::make_unique<StandardQueryResult::Sink>(memory, stop);
         const auto connection = connect(connectionString, stop);
         if (!connection) throw internalFailure();
         connection->execute(call, *whole.sink_);
         whole.sink_->finish();
       });
       const bool noRecords = whole.sink_ && (whole.sink_->firstResultEmpty() || (!failure && !whole.sink_->hasRows()));
-      if (noRecords) return StandardAnswer({QueryOutcome::noRecords, std::nullopt, 0});
-      if (failure) return StandardAnswer({QueryOutcome::failed, failure, 0});
+      if (noRecords) return StandardQueryResult({QueryOutcome::noRecords, std::nullopt, 0});
+      if (failure) return StandardQueryResult({QueryOutcome::failed, failure, 0});
       whole.report_ = {QueryOutcome::filled, std::nullopt, whole.sink_->fullResults()};
       return whole;
     };
-    db::Attendance noted;
-    if (attendance)
+    db::WaitCallback noted;
+    if (onWait)
       noted = [&] {
-        stopped = !attendance();
+        stopped = !onWait();
         return !stopped;
       };
-    answer = db::runAttended(work, noted, surroundings.pace);
+    answer = db::runOnWorker(work, noted, environment.pace);
   });
-  if (broken) return StandardAnswer({QueryOutcome::failed, broken, 0});
-  if (stopped || !answer) return StandardAnswer::stopped();
+  if (broken) return StandardQueryResult({QueryOutcome::failed, broken, 0});
+  if (stopped || !answer) return StandardQueryResult::stopped();
   return std::move(*answer);
 }
 
-QueryReport runStandardQuery(const StandardQuestion& question, const Connector& connect, ResultLists& lists,
-                             std::size_t currentList, const db::Attendance& attendance,
-                             const QuerySurroundings& surroundings) {
+QueryReport runStandardQuery(const StandardQueryRequest& question, const Connector& connect, ResultLists& lists,
+                             std::size_t currentList, const db::WaitCallback& onWait,
+                             const QueryEnvironment& environment) {
   clearStandardLists(lists);
-  return askStandardQuestion(question, connect, attendance, surroundings).fill(lists, currentList);
+  return executeStandardQuery(question, connect, onWait, environment).fill(lists, currentList);
 }
 
 }  // namespace korvel::query

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "db/connection.h"
-#include "results/heap_bytes.h"
+#include "results/text_arena.h"
 
 namespace korvel::results {
 

@@ -105,12 +105,6 @@ void Column::takeBackLastRow() noexcept {
   if (size_ % blockRows != 0) use(blocks_[size_ / blockRows]);
 }
 
-std::size_t Column::memoryBytes() const noexcept {
-  std::size_t bytes = blocks_.capacity() * sizeof(Block) + dictionary_.memoryBytes() + arena_.memoryBytes();
-  for (const Block& block : blocks_) bytes += blockRows * static_cast<std::size_t>(block.width);
-  return bytes;
-}
-
 template <typename Visit>
 void Column::forEachPlain(Visit visit) const {
   for (std::size_t index = 0; index * blockRows < size_; ++index) {

@@ -10,8 +10,7 @@
 
 #include "db/connection.h"
 #include "results/dictionary.h"
-#include "results/heap_bytes.h"
-#include "results/ids.h"
+#include "results/row_store.h"
 #include "results/text_arena.h"
 
 namespace korvel::results {
@@ -60,7 +59,6 @@ class Column {
     return block.at<StoredText>(at);
   }
 
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
   /// Calls `visit` with every text of the column at least once; nulls are passed over.
   void visitDistinct(const std::function<void(std::string_view)>& visit) const;
   /// The same for some rows only: calls `visit` with every text that they have.

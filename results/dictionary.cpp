@@ -45,8 +45,4 @@ void Dictionary::stopLookingUp() noexcept {
   mask_ = 0;
 }
 
-std::size_t Dictionary::memoryBytes() const noexcept {
-  return values_.capacity() * sizeof(StoredText) + slots_.capacity() * sizeof(Slot);
-}
-
 }  // namespace korvel::results

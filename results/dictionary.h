@@ -1,5 +1,8 @@
 #pragma once
 
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -14,6 +17,14 @@ namespace korvel::results {
 /// Stands for a distinct value of one column; 0 is null.
 using ValueCode = std::uint32_t;
 inline constexpr ValueCode nullCode = 0;
+
+/// Hashes for tables in memory: those of texts, and of the bits of a short one.
+[[nodiscard]] inline std::uint32_t hashOf(std::string_view text) noexcept {
+  return static_cast<std::uint32_t>(XXH3_64bits(text.data(), text.size()));
+}
+[[nodiscard]] inline std::uint32_t hashOfWord(std::uint64_t word) noexcept {
+  return static_cast<std::uint32_t>(XXH3_64bits(&word, sizeof word));
+}
 
 /// The distinct values of one column, numbered in the order of their first appearance.
 class Dictionary {
@@ -66,7 +77,6 @@ class Dictionary {
   [[nodiscard]] bool isCrowded() const noexcept { return crowded_; }
   /// Drops what only looking up needs; nothing may be looked up any more.
   void stopLookingUp() noexcept;
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
  private:
   /// The bits are a text of up to seven bytes, or the address of a longer one. The lowest bit of the

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "results/out_of_memory.h"
 #include "settings/string_table.h"
 
 namespace korvel::results {

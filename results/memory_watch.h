@@ -2,15 +2,35 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <utility>
 
-#include "results/free_memory.h"
+#include "base/error.h"
 
 namespace korvel::results {
 
-/// Ends the loading of an answer before the machine has no memory left, for a system that runs out of it ends
-/// processes without a word.
+inline constexpr std::int32_t outOfMemoryNumber = 7;
+
+/// Its text is short enough to need no memory of its own.
+[[nodiscard]] inline Error outOfMemory() {
+  return {outOfMemoryNumber, "Out of memory"};
+}
+
+/// What this process may still use, and what it could use at most: of the machine, or of its share where that is less.
+struct MemoryState {
+  std::uint64_t freeBytes = 0;
+  std::uint64_t wholeBytes = 0;
+};
+
+/// Measures it now; nothing where the system does not tell. Takes a fraction of a millisecond.
+[[nodiscard]] std::optional<MemoryState> memoryState();
+
+/// How memory is measured: memoryState outside tests.
+using MemoryGauge = std::function<std::optional<MemoryState>()>;
+
+/// Ends the loading of an answer before the machine has no memory left, because a system that runs out of it kills
+/// processes without warning.
 class MemoryWatch {
  public:
   explicit MemoryWatch(MemoryGauge gauge = memoryState) : gauge_(std::move(gauge)) {}

@@ -9,7 +9,7 @@
 #include "base/error.h"
 #include "base/numbers.h"
 #include "base/text.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 

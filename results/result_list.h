@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "base/twips.h"
-#include "results/ids.h"
 #include "results/row_store.h"
 
 namespace korvel::results {

@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "results/column.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 
@@ -108,14 +108,6 @@ db::Cell RowStore::cell(RowId row, ColumnIndex column) const noexcept {
   if (column.value >= impl_->columns.size()) return {{}, true};
   const StoredText stored = impl_->columns[column.value].stored(row.value);
   return {textAt(stored), stored == nullptr};
-}
-
-std::size_t RowStore::memoryBytes() const noexcept {
-  std::size_t bytes =
-      sizeof(Impl) + impl_->columns.capacity() * sizeof(Column) + impl_->segments.capacity() * sizeof(Segment);
-  for (const Segment& segment : impl_->segments) bytes += segment.fields.capacity() * sizeof(db::Field);
-  for (const Column& column : impl_->columns) bytes += column.memoryBytes();
-  return bytes;
 }
 
 std::vector<std::uint32_t> RowStore::ranks(ColumnIndex column, bool numericKeys) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -9,9 +10,26 @@
 #include <vector>
 
 #include "db/connection.h"
-#include "results/ids.h"
 
 namespace korvel::results {
+
+/// A row of a RowStore, counted from 0 in the order of arrival.
+struct RowId {
+  std::uint32_t value = 0;
+  friend constexpr auto operator<=>(RowId, RowId) = default;
+};
+
+/// A column of a record or of a list, counted from 0.
+struct ColumnIndex {
+  std::size_t value = 0;
+  friend constexpr auto operator<=>(ColumnIndex, ColumnIndex) = default;
+};
+
+/// A place in a list as it is shown, counted from 0 from the top.
+struct RowPosition {
+  std::size_t value = 0;
+  friend constexpr auto operator<=>(RowPosition, RowPosition) = default;
+};
 
 /// The rows of one answer, each stored once, column by column: a column keeps every distinct value once and a code of
 /// 1, 2 or 4 bytes a row; a column whose values hardly repeat stops looking for repeats. Values are kept exactly as the
@@ -40,8 +58,6 @@ class RowStore final {
   [[nodiscard]] std::span<const db::Field> fieldsOf(RowId row) const noexcept;
   /// The value; an empty null cell beyond the row's width. The text lives as long as the store.
   [[nodiscard]] db::Cell cell(RowId row, ColumnIndex column) const noexcept;
-  /// Bytes held on the heap.
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
   /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have
   /// equal ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to

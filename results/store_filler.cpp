@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "results/background_appender.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 
 namespace korvel::results {
 
@@ -61,11 +61,6 @@ RowId StoreFiller::append(std::span<const db::Cell> cells) {
 
 void StoreFiller::finish() {
   if (appender_ != nullptr) withMemory([&] { appender_->finish(); });
-}
-
-RowStore& StoreFiller::store() {
-  finish();
-  return *store_;
 }
 
 std::shared_ptr<const RowStore> StoreFiller::takeStore() {

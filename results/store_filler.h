@@ -32,8 +32,6 @@ class StoreFiller {
   [[nodiscard]] MemoryWatch& memory() noexcept { return memory_; }
 
   [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
-  /// The store, which nothing is appended to until the next append.
-  [[nodiscard]] RowStore& store();
   /// Hands the store over with all of its rows; the filler is empty afterwards and takes another answer.
   [[nodiscard]] std::shared_ptr<const RowStore> takeStore();
 

@@ -26,13 +26,11 @@ char* TextArena::allocate(std::size_t bytes) {
   if (bytes > largestChunkBytes / 4) {
     // A long text gets a chunk of its own, so that the current one keeps its free end.
     chunks_.push_back(heapBytes(bytes));
-    allocated_ += bytes;
     return chunks_.back().get();
   }
   const std::size_t wanted = std::max(bytes, std::clamp(chunkBytes_ * 2, firstChunkBytes, largestChunkBytes));
   chunks_.push_back(heapBytes(wanted));
   chunkBytes_ = wanted;
-  allocated_ += wanted;
   next_ = chunks_.back().get() + bytes;
   left_ = wanted - bytes;
   return chunks_.back().get();
@@ -49,10 +47,6 @@ StoredText TextArena::add(std::string_view text) {
   for (std::size_t i = 0; i < lengthBytes; ++i) stored[i] = length[i];
   copyText(text, stored + lengthBytes);
   return stored;
-}
-
-std::size_t TextArena::memoryBytes() const noexcept {
-  return allocated_ + chunks_.capacity() * sizeof(chunks_.front());
 }
 
 }  // namespace korvel::results

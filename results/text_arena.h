@@ -1,12 +1,20 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
-#include "results/heap_bytes.h"
-
 namespace korvel::results {
+
+/// Uninitialised bytes on the heap.
+// NOLINTNEXTLINE(modernize-avoid-c-arrays): an array of a size known at run time only; a vector would clear it first.
+using HeapBytes = std::unique_ptr<char[]>;
+
+/// Throws std::bad_alloc.
+[[nodiscard]] inline HeapBytes heapBytes(std::size_t size) {
+  return HeapBytes(new char[size]);
+}
 
 /// A text kept in a TextArena: the address of its length and bytes. The null address stands for a null value.
 using StoredText = const char*;
@@ -29,7 +37,6 @@ class TextArena {
  public:
   /// Throws std::bad_alloc; nothing is changed then.
   StoredText add(std::string_view text);
-  [[nodiscard]] std::size_t memoryBytes() const noexcept;
 
  private:
   char* allocate(std::size_t bytes);
@@ -38,7 +45,6 @@ class TextArena {
   char* next_ = nullptr;
   std::size_t left_ = 0;
   std::size_t chunkBytes_ = 0;
-  std::size_t allocated_ = 0;
 };
 
 }  // namespace korvel::results

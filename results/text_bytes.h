@@ -57,36 +57,6 @@ inline void copyText(std::string_view text, char* to) noexcept {
   }
 }
 
-/// Multiplies to 128 bits and folds the halves together, so that every bit of both factors reaches the low ones.
-[[nodiscard]] inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
-  __extension__ using Wide = unsigned __int128;
-  const Wide product = static_cast<Wide>(a) * b;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
-}
-
-/// A hash for tables in memory; it differs between machines of different byte order and must never be stored.
-[[nodiscard]] inline std::uint32_t hashOf(std::string_view text) noexcept {
-  constexpr std::uint64_t first = 0x9E3779B97F4A7C15U;
-  constexpr std::uint64_t second = 0xC2B2AE3D27D4EB4FU;
-  const std::size_t size = text.size();
-  const char* const at = text.data();
-  std::uint64_t state = first ^ size;
-  std::uint64_t head = 0;
-  std::uint64_t tail = 0;
-  if (size >= 8) {
-    for (std::size_t i = 0; i + 16 < size; i += 8) state = foldedProduct(loadWord(at + i) ^ second, state);
-    head = loadWord(at + (size > 16 ? size - 16 : 0));
-    tail = loadWord(at + size - 8);
-  } else if (size >= 4) {
-    head = loadHalfWord(at);
-    tail = loadHalfWord(at + size - 4);
-  } else {
-    for (std::size_t i = 0; i < size; ++i) head = head << 8U | static_cast<unsigned char>(at[i]);
-  }
-  const std::uint64_t mixed = foldedProduct(head ^ state, tail ^ second);
-  return static_cast<std::uint32_t>(mixed ^ mixed >> 32U);
-}
-
 /// Longest text that fits, with its length, into a word.
 inline constexpr std::size_t shortBytes = 7;
 [[nodiscard]] constexpr bool isShort(std::string_view text) noexcept {
@@ -106,11 +76,6 @@ inline constexpr std::size_t shortBytes = 7;
     return bits | head | tail << ((size - 4) * 8U);
   }
   return size == 0 ? bits : bits | byteAt(0) | byteAt(size / 2) | byteAt(size - 1);
-}
-
-[[nodiscard]] inline std::uint32_t hashOfWord(std::uint64_t word) noexcept {
-  const std::uint64_t mixed = foldedProduct(word ^ 0xA0761D6478BD642FU, 0xE7037ED1A0B428DBU);
-  return static_cast<std::uint32_t>(mixed ^ mixed >> 32U);
 }
 
 /// The eight bytes of `text` from `offset` as a number that orders as the bytes do, ASCII capitals as small letters;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <utility>
@@ -11,11 +12,56 @@
 #include "base/text.h"
 #include "results/text_arena.h"
 #include "results/text_bytes.h"
-#include "results/word_sort.h"
 
 namespace korvel::results {
 
 namespace {
+
+/// An index with the number by which it is to be ordered.
+struct WordItem {
+  std::uint64_t word = 0;
+  std::uint32_t index = 0;
+};
+
+constexpr std::size_t fewItems = 256;  // below, counting 256 possible bytes costs more than comparing
+constexpr unsigned wordBits = 64;
+constexpr unsigned digitBits = 8;
+
+bool less(const WordItem& a, const WordItem& b) noexcept {
+  return a.word < b.word;
+}
+
+/// Sorts `items` by their words, equal ones staying in order. `spare` has at least as many items; what it holds is
+/// lost.
+void sortByWord(std::span<WordItem> items, std::span<WordItem> spare) {
+  // Running numbers and time stamps mostly arrive in their order.
+  if (std::is_sorted(items.begin(), items.end(), less)) return;
+  if (items.size() < fewItems) {
+    std::sort(items.begin(), items.end(), [](const WordItem& a, const WordItem& b) {
+      return a.word != b.word ? a.word < b.word : a.index < b.index;
+    });
+    return;
+  }
+  std::uint64_t varying = 0;
+  for (const WordItem& item : items) varying |= item.word ^ items.front().word;
+
+  std::span<WordItem> from = items;
+  std::span<WordItem> to = spare.first(items.size());
+  for (unsigned shift = 0; shift < wordBits; shift += digitBits) {
+    if ((varying >> shift & 0xFFU) == 0) continue;
+    std::array<std::size_t, 256> next{};
+    for (const WordItem& item : from) ++next[item.word >> shift & 0xFFU];
+    std::size_t begin = 0;
+    for (std::size_t& place : next) {
+      const std::size_t count = place;
+      place = begin;
+      begin += count;
+    }
+    for (const WordItem& item : from) to[next[item.word >> shift & 0xFFU]++] = item;
+    std::swap(from, to);
+  }
+  if (from.data() != items.data()) std::copy(from.begin(), from.end(), items.begin());
+}
 
 constexpr std::size_t wordBytes = 8;
 

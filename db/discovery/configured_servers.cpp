@@ -7,7 +7,6 @@
 #include <map>
 
 #include "base/text.h"
-#include "db/trimmed_line.h"
 
 namespace korvel::db {
 
@@ -25,18 +24,18 @@ void readSections(std::string_view text, const std::function<void(const std::str
   };
   while (!text.empty()) {
     const auto end = text.find('\n');
-    const std::string_view line = trimmedLine(text.substr(0, end));
+    const std::string_view line = trimWhitespace(text.substr(0, end));
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     if (line.empty() || line.front() == '#' || line.front() == ';') continue;
     if (line.front() == '[') {
       finish();
       // A heading that is not closed heads nothing.
-      name = line.back() == ']' ? trimmedLine(line.substr(1, line.size() - 2)) : std::string_view{};
+      name = line.back() == ']' ? trimWhitespace(line.substr(1, line.size() - 2)) : std::string_view{};
       continue;
     }
     const auto equals = line.find('=');
     if (equals != std::string_view::npos)
-      section[caseFolded(trimmedLine(line.substr(0, equals)))] = trimmedLine(line.substr(equals + 1));
+      section[caseFolded(trimWhitespace(line.substr(0, equals)))] = trimWhitespace(line.substr(equals + 1));
   }
   finish();
 }
@@ -55,7 +54,7 @@ bool speaksOurVersion(const Section& section) {
   return error != std::errc{} || major >= firstVersion;
 }
 
-/// Hosts that nobody has: the examples in the file that the driver's package installs.
+/// Hosts that do not exist: the examples in the file that the driver's package installs.
 constexpr std::array<std::string_view, 2> sampleHosts = {"ntmachine.domain.com", "symachine.domain.com"};
 
 bool isSample(std::string_view host) {

@@ -14,8 +14,9 @@
 #include "base/text.h"
 #include "db/discovery/configured_servers.h"
 #include "db/embedded/embedded_connection.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/odbc/server_address.h"
-#include "db/odbc/server_approach.h"
+#include "db/odbc/server_connector.h"
 #include "db/open_connection.h"
 
 namespace korvel::db {

@@ -13,7 +13,7 @@ namespace korvel::db {
 /// The real directory: the resolution protocol, the user's configuration, this computer, the embedded folder.
 class NetworkDirectory final : public ServerDirectory {
  public:
-  /// Opens a connection to a server's default database, which tells the listener what happens on it and heeds a stop.
+  /// Opens a connection to a server's default database, which reports its events to the listener and ends at a stop.
   using Connect = std::function<std::unique_ptr<Connection>(const std::string& server, const ServerListener& listener,
                                                             const std::stop_token& stop)>;
   NetworkDirectory(ResolutionClient resolver, Connect connect);

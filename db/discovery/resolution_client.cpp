@@ -14,25 +14,25 @@ namespace {
 
 constexpr std::int32_t instanceNotFound = 1225;
 
-/// More instances than any network has; who answers with more wants to fill our memory.
+/// More instances than any network has: bounds the memory that forged replies can take.
 constexpr std::size_t mostInstances = 4096;
 
 /// A conversation with one host, at all its addresses: what it says counts whichever of them it comes from, since they
 /// share one responder.
 class HostInquiry {
  public:
-  /// `first` is asked now, and again while nobody answers, from then on together with `later` where there is such.
+  /// `first` is sent now, and again until a reply arrives, from then on together with `later` where there is such.
   HostInquiry(std::span<const net::Endpoint> host, std::string first, std::string later, const net::Deadline& deadline)
       : first_(std::move(first)), later_(std::move(later)), deadline_(deadline), round_(deadline.within(askAgainTime)) {
-    datagrams_.ask(host, first_);
+    datagrams_.send(host, first_);
   }
 
-  /// The instances of the next reply that names some; none when the time is over or nobody is left to answer.
+  /// The instances of the next reply that names some; none when the time is over or no more replies can come.
   std::vector<InstanceInfo> next() {
     std::vector<std::byte> reply;
-    while (datagrams_.mayAnswer() && !deadline_.passed()) {
+    while (datagrams_.expectsAnswers() && !deadline_.passed()) {
       if (!datagrams_.receive(reply, listReplyLimit, round_)) {
-        askAgain();
+        resend();
         continue;
       }
       auto instances = parseResolutionReply(reply, listReplyLimit);
@@ -42,17 +42,17 @@ class HostInquiry {
   }
 
  private:
-  void askAgain() {
+  void resend() {
     round_ = deadline_.within(askAgainTime);
-    datagrams_.askAgain(first_);
-    if (!later_.empty()) datagrams_.askAgain(later_);
+    datagrams_.resend(first_);
+    if (!later_.empty()) datagrams_.resend(later_);
   }
 
   std::string first_;
   std::string later_;
   net::Deadline deadline_;
   net::Deadline round_;
-  net::Datagrams datagrams_;
+  net::DatagramSockets datagrams_;
 };
 
 }  // namespace
@@ -90,11 +90,11 @@ std::vector<InstanceInfo> ResolutionClient::instancesOf(const std::string& host)
 
 std::vector<InstanceInfo> ResolutionClient::allInstances(std::span<const std::string> hosts,
                                                          std::chrono::milliseconds time) const {
-  net::Datagrams datagrams;
-  datagrams.askOpenly(net::broadcastEndpoints(port_), broadcastRequest());
+  net::DatagramSockets datagrams;
+  datagrams.broadcast(net::broadcastEndpoints(port_), broadcastRequest());
   // Servers answer a broadcast while the names of the hosts are still looked up.
   const net::Deadline deadline(time);
-  datagrams.askOpenly(net::resolveHosts(hosts, port_, deadline.within(hostReplyTime)), hostRequest());
+  datagrams.broadcast(net::resolveHosts(hosts, port_, deadline.within(hostReplyTime)), hostRequest());
   std::vector<InstanceInfo> all;
   std::vector<std::byte> reply;
   while (all.size() < mostInstances && datagrams.receive(reply, listReplyLimit, deadline))

@@ -25,14 +25,14 @@ class ResolutionClient {
   explicit ResolutionClient(std::uint16_t port = resolutionPort) : port_(port) {}
 
   /// The TCP port of a named instance. `host` has been looked up already; sentences call it `hostName`. Throws Error,
-  /// each with a sentence of its own: nobody answers within hostReplyTime, the host names its instances and this is
-  /// none of them, or the instance does not listen on TCP.
+  /// each with a sentence of its own: no reply within hostReplyTime, the host names its instances and this is none of
+  /// them, or the instance does not listen on TCP.
   [[nodiscard]] std::uint16_t portOfInstance(const std::string& hostName, std::span<const net::Endpoint> host,
                                              const std::string& instance, const net::Deadline& deadline) const;
   /// The instances of one host; empty when it does not answer within hostReplyTime.
   [[nodiscard]] std::vector<InstanceInfo> instancesOf(const std::string& host) const;
-  /// Every instance that answers within `time`: all hosts are asked at once, and everybody whom a broadcast on any
-  /// interface reaches.
+  /// Every instance that answers within `time`: all hosts are asked at once, and a broadcast is sent on every
+  /// interface.
   [[nodiscard]] std::vector<InstanceInfo> allInstances(std::span<const std::string> hosts,
                                                        std::chrono::milliseconds time = broadcastTime) const;
 

@@ -36,8 +36,8 @@ struct InstanceInfo {
 /// Throws Error for a name that no instance can have (empty, over 32 bytes, control characters).
 [[nodiscard]] std::string instanceRequest(std::string_view instanceName);
 
-/// The instances of a reply of at most `limit` bytes. Replies come unasked from anybody on the network, so nothing in
-/// them is believed: what is malformed is left out, and nothing is read beyond the bytes that arrived.
+/// The instances of a reply of at most `limit` bytes. Any host of the network can send one, so it is treated as hostile
+/// input: malformed entries are left out, and nothing is read beyond the bytes received.
 [[nodiscard]] std::vector<InstanceInfo> parseResolutionReply(std::span<const std::byte> reply, std::size_t limit);
 
 }  // namespace korvel::db

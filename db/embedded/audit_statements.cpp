@@ -1,11 +1,13 @@
 #include "db/embedded/audit_statements.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <bitset>
+#include <optional>
 
 #include "base/text.h"
 #include "db/embedded/server_date.h"
-#include "db/embedded/stored_times.h"
 
 namespace korvel::db {
 namespace {
@@ -108,6 +110,24 @@ std::string categoryStatement(const CategoryCondition& category, const std::stri
   return selectionOfAny(alternativesOf(category, dates), tableOrder, rowLimit);
 }
 
+std::optional<std::string_view> textOf(sqlite3_value* value) noexcept {
+  if (sqlite3_value_type(value) != SQLITE_TEXT) return std::nullopt;
+  const unsigned char* const text = sqlite3_value_text(value);
+  if (text == nullptr) return std::nullopt;
+  return std::string_view(reinterpret_cast<const char*>(text), static_cast<std::size_t>(sqlite3_value_bytes(value)));
+}
+
+bool isTimeWithin(sqlite3_value** values) noexcept {
+  const auto stored = textOf(values[0]);
+  const auto from = textOf(values[1]);
+  const auto to = textOf(values[2]);
+  if (!stored || !from || !to) return false;
+  const auto time = canonicalStoredTime(*stored);
+  if (!time) return false;
+  const std::string_view moment(time->data(), time->size());
+  return *from <= moment && moment <= *to;
+}
+
 }  // namespace
 
 std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::string_view tableOrder,
@@ -143,6 +163,55 @@ std::string auditSelectionStatement(const AuditSelection& selection, std::string
   // A row without a date lies outside of every range.
   if (!isWithin) condition.append(condition.empty() ? "" : " AND ").append("NOT coalesce(" + dates + ", 0)");
   return selectionOfAll("*", condition, tableOrder);
+}
+
+int addStoredTimeFunction(sqlite3* handle) noexcept {
+  return sqlite3_create_function_v2(
+      handle, storedTimeFunction.data(), 3, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY, nullptr,
+      [](sqlite3_context* context, int, sqlite3_value** values) {
+        sqlite3_result_int(context, isTimeWithin(values) ? 1 : 0);
+      },
+      nullptr, nullptr, nullptr);
+}
+
+std::string auditTableSchema() {
+  // DATETIME and BIT are for readers of the declared types; SQLite stores the texts and numbers as they are given.
+  return R"sql(CREATE TABLE Korvel_Audit_Trails (
+  Nr INTEGER PRIMARY KEY,
+  DateTime DATETIME,
+  ProjectGUID TEXT COLLATE NOCASE,
+  DatabaseName TEXT COLLATE NOCASE,
+  ApplicationName TEXT COLLATE NOCASE,
+  TableName TEXT COLLATE NOCASE,
+  FieldName TEXT COLLATE NOCASE,
+  EventType TEXT COLLATE NOCASE,
+  EventItem TEXT COLLATE NOCASE,
+  OldValue TEXT COLLATE NOCASE,
+  NewValue TEXT COLLATE NOCASE,
+  PCName TEXT COLLATE NOCASE,
+  OSUser TEXT COLLATE NOCASE,
+  AppUser TEXT COLLATE NOCASE,
+  UserName TEXT COLLATE NOCASE,
+  AuditType TEXT COLLATE NOCASE,
+  Comments TEXT COLLATE NOCASE,
+  T1 BIT
+);
+)sql";
+}
+
+std::string auditIndexes() {
+  // Equality first, then Nr: the rows of a category come out in table order and stop at the row limit, nothing is
+  // sorted. DateTime last: a date range is tested on the index entry, without a look at the row.
+  return R"sql(CREATE INDEX Korvel_Audit_Trails_DateTime ON Korvel_Audit_Trails (DateTime);
+CREATE INDEX Korvel_Audit_Trails_Type ON Korvel_Audit_Trails (
+  rtrim(AuditType) COLLATE NOCASE, Nr, DateTime);
+CREATE INDEX Korvel_Audit_Trails_Event ON Korvel_Audit_Trails (
+  rtrim(AuditType) COLLATE NOCASE, rtrim(EventType) COLLATE NOCASE, Nr, DateTime);
+CREATE INDEX Korvel_Audit_Trails_Area2 ON Korvel_Audit_Trails (
+  rtrim(AuditType) COLLATE NOCASE, substr(TableName, 1, 2) COLLATE NOCASE, Nr, DateTime);
+CREATE INDEX Korvel_Audit_Trails_Area3 ON Korvel_Audit_Trails (
+  substr(TableName, 1, 3) COLLATE NOCASE, Nr, DateTime);
+)sql";
 }
 
 }  // namespace korvel::db

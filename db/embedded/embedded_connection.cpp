@@ -4,6 +4,7 @@
 
 #include "base/error.h"
 #include "db/embedded/audit_statements.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/embedded/row_pusher.h"
 #include "db/embedded/sqlite_database.h"
 #include "db/procedure/query_audits_call.h"
@@ -42,7 +43,7 @@ class EmbeddedConnection final : public Connection {
   /// Runs the statements of a text one after the other; false once the sink has had enough.
   bool runText(const std::string& text, ResultSink& sink) {
     for (std::size_t start = 0; start < text.size();) {
-      if (!sink.goOn()) return false;
+      if (!sink.shouldContinue()) return false;
       const SqliteStatement statement = database_.prepare(text, start);
       if (!statement) continue;
       const int code = RowPusher(statement.get(), sink).push();

@@ -5,7 +5,6 @@
 #include <memory>
 #include <string_view>
 
-#include "base/error.h"
 #include "db/connection.h"
 #include "db/procedure/audit_conditions.h"
 
@@ -17,16 +16,6 @@ struct EmbeddedOptions {
   /// Rows that QueryAudits returns at most in each result set; tests take fewer.
   std::size_t rowLimit = rowLimitPerResult;
 };
-
-/// Whether an embedded database can have this name: that of a plain file.
-[[nodiscard]] bool isEmbeddedDatabaseName(std::string_view database);
-
-/// What to say of a folder of embedded databases that cannot be listed, by the system's number for it.
-[[nodiscard]] Error folderFailure(const std::filesystem::path& folder, int systemNumber);
-
-/// The file of an embedded database. Throws Error for a name that is more than a plain file name.
-[[nodiscard]] std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder,
-                                                         std::string_view database);
 
 /// Opens database `database` of `folder` for reading only: no text that is run over the connection changes a file or
 /// makes one. The call text of QueryAudits is answered by the engine itself, any other text runs as SQL, statement by

@@ -1,12 +1,15 @@
+#include "db/embedded/embedded_folder.h"
+
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <system_error>
 
+#include "base/files.h"
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "db/embedded/embedded_connection.h"
-#include "db/embedded/user_data_folder.h"
 #include "db/open_connection.h"
 #include "settings/registry.h"
 #include "settings/string_table.h"
@@ -38,12 +41,12 @@ bool isEmbeddedDatabaseName(std::string_view database) {
   });
 }
 
-Error folderFailure(const std::filesystem::path& folder, int systemNumber) {
+Error folderFailure(const std::filesystem::path& folder, int systemErrorNumber) {
   for (const FolderSentence& sentence : folderSentences)
-    if (isSystemError(systemNumber, sentence.condition))
-      return settings::localizedError(systemNumber, sentence.key, {utf8FromPath(folder)});
-  return settings::localizedError(systemNumber, "failure.folderUnreadable",
-                                  {utf8FromPath(folder), systemMessage(systemNumber)});
+    if (isSystemError(systemErrorNumber, sentence.condition))
+      return settings::localizedError(systemErrorNumber, sentence.key, {utf8FromPath(folder)});
+  return settings::localizedError(systemErrorNumber, "failure.folderUnreadable",
+                                  {utf8FromPath(folder), systemMessage(systemErrorNumber)});
 }
 
 bool isEmbeddedServer(std::string_view server) {
@@ -69,6 +72,16 @@ std::filesystem::path embeddedDatabaseFile(const std::filesystem::path& folder, 
     throw settings::localizedError(systemErrorNumber(std::errc::invalid_argument), "db.notAName",
                                    {replaceAll(std::string(database), std::string(1, '\0'), "\\0")});
   return folder / pathFromUtf8(std::string(database) + ".db");
+}
+
+bool isDatabaseFile(const std::filesystem::path& file) {
+  constexpr std::string_view signature{"SQLite format 3\0", 16};
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(files::status(file, ignored))) return false;
+  std::array<char, signature.size()> start{};
+  std::ifstream in(extendedLengthPath(file), std::ios::binary);
+  in.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return in && std::string_view(start.data(), start.size()) == signature;
 }
 
 }  // namespace korvel::db

@@ -57,7 +57,7 @@ RowPusher::Asking::Asking(RowPusher& pusher) : database_(sqlite3_db_handle(pushe
   const auto ask = [](void* self) noexcept -> int {
     auto& asking = *static_cast<RowPusher*>(self);
     try {
-      asking.stopped_ = !asking.sink_.goOn();
+      asking.stopped_ = !asking.sink_.shouldContinue();
     } catch (...) {
       asking.failure_ = std::current_exception();
       asking.stopped_ = true;

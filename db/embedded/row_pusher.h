@@ -20,9 +20,9 @@ class RowPusher {
   /// Both must outlive the pusher.
   RowPusher(sqlite3_stmt* statement, ResultSink& sink);
 
-  /// Runs the statement to its end, or until the sink has had enough, which is asked whether it wants to go on also
-  /// while a row is long in coming. Gives SQLite's last result code: SQLITE_DONE, SQLITE_ROW where the sink has had
-  /// enough, else a failure. Statements without columns run without a word to the sink.
+  /// Runs the statement to its end, or until the sink stops it; the sink is also asked while SQLite works on a row.
+  /// Gives SQLite's last result code: SQLITE_DONE, SQLITE_ROW where the sink has stopped it, else a failure. Statements
+  /// without columns run without a call of the sink.
   [[nodiscard]] int push();
 
  private:
@@ -52,7 +52,7 @@ class RowPusher {
   std::vector<NumberText> numbers_;
   std::vector<std::string> hexTexts_;
   bool outOfMemory_ = false;
-  bool stopped_ = false;        ///< the sink does not want to go on
+  bool stopped_ = false;        ///< the sink has stopped the statement
   std::exception_ptr failure_;  ///< what the sink threw while SQLite was asking it: no exception passes through C
 };
 

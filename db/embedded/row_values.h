@@ -8,10 +8,13 @@ namespace korvel::db {
 
 /// The values of a statement's current row.
 ///
-/// Asking the library for a column costs more than reading the value, eighteen times a row. The library keeps a row's
-/// values side by side, evenly spaced; where the first row shows that it does, the values between the first and the
-/// last are reached by their distance, and every further row proves by its last column that this still holds. Where it
-/// does not, every column is asked for: slower, never wrong.
+/// sqlite3_column_value costs more than reading the value, eighteen times a row. The library keeps the values of a row
+/// in an array. Where the first row shows that they are evenly spaced, the values between the first and the last are
+/// reached by their distance, and every further row verifies it by its last column. Where they are not, every column is
+/// asked for: slower, never wrong. With sqlite3_column_value for every column, a million records take 2.26 instead of
+/// 1.96 times stepping to load (bench_store), a custom query for them 2.28 instead of 2.00 (bench_custom_query), a
+/// standard query 1.50 instead of 1.42 (bench_standard_query); with sqlite3_column_text 3.3 and 1.77. A test fails when
+/// the library lays the values out differently.
 class RowValues {
  public:
   RowValues(sqlite3_stmt* statement, std::size_t columns) : statement_(statement), columns_(columns) {}

@@ -10,7 +10,7 @@
 #include "base/files.h"
 #include "base/numbers.h"
 #include "base/paths.h"
-#include "db/embedded/stored_times.h"
+#include "db/embedded/audit_statements.h"
 #include "settings/string_table.h"
 
 namespace korvel::db {
@@ -99,7 +99,7 @@ void SqliteDatabase::open() {
     const auto logSize = files::size(log, missing);
     const bool logIsEmpty = missing || logSize == 0;
     if (logIsEmpty)
-      relyingOn_ = before;  // all is in the file itself, and the engine trusts that nobody writes to it meanwhile
+      relyingOn_ = before;  // the log holds nothing; checkUnchanged() verifies that the file was not written meanwhile
     else if (!std::filesystem::exists(files::status(beside(file_, "-shm"), missing)))
       throw settings::localizedError(SQLITE_READONLY_RECOVERY, "db.logUnread",
                                      {utf8FromPath(file_), utf8FromPath(log)});

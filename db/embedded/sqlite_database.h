@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "db/embedded/read_only_guard.h"
+#include "db/embedded/read_only_authorizer.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -56,7 +56,7 @@ class SqliteDatabase {
   [[nodiscard]] FileState state() const;
 
   std::filesystem::path file_;
-  ReadOnlyGuard guard_;
+  ReadOnlyAuthorizer guard_;
   std::optional<FileState> relyingOn_;
   std::unique_ptr<sqlite3, SqliteCloser> handle_;  // last: closed before the guard goes
 };

@@ -15,9 +15,11 @@
 #include <utility>
 #include <vector>
 
-#include "db/attended_work.h"
+#include "db/connection_string.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/forms/event_echo.h"
 #include "db/open_connection.h"
+#include "db/worker.h"
 #include "ui/query_watch.h"
 #include "ui/result_table.h"
 #include "ui/texts.h"
@@ -130,11 +132,11 @@ frmSQLServerBrowser::Listing frmSQLServerBrowser::list(const std::function<Resul
       listed.failure = failureOf([&] { listed.result = ask(*directory); });
       return listed;
     };
-    const Attendance attendance = [&] {
+    const WaitCallback attendance = [&] {
       tellEvents();
       return wanted = watch.goOn() && alive;
     };
-    std::optional<Listed<Result>> listed = runAttended(work, attendance);
+    std::optional<Listed<Result>> listed = runOnWorker(work, attendance);
     tellEvents();
     // Clicks and keys that are still queued were meant for this listing: they are dropped, so that they start no other
     // one.
@@ -224,7 +226,7 @@ void frmSQLServerBrowser::txtServer_Enter() {
   const QString server = txtServer_->text().trimmed();
   if (server.isEmpty()) return;
   // A semicolon would end the name in the middle of the connection string.
-  if (!leadsTo(server.toStdString(), auditName.toStdString())) {
+  if (!connectionStringRoundTrips(server.toStdString(), auditName.toStdString())) {
     services_->messageBox(this, MessageIcon::critical, windowTitle(), ownText("failure.notInConnection", server));
     return;
   }
@@ -251,9 +253,9 @@ void frmSQLServerBrowser::cmdOK_Click() {
     return;
   }
   const std::string server = SmartViewBar_->selectedCaption().toStdString();
-  if (!leadsTo(server, database.toStdString())) {
+  if (!connectionStringRoundTrips(server, database.toStdString())) {
     // A name that would end early in the connection string may lead to another server.
-    const bool serverFits = leadsTo(server, auditName.toStdString());
+    const bool serverFits = connectionStringRoundTrips(server, auditName.toStdString());
     services_->messageBox(this, MessageIcon::critical, windowTitle(),
                           ownText("failure.notInConnection", serverFits ? database : ui::fromUtf8(server)));
     return;

@@ -12,7 +12,7 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/wide_text_windows.h"
-#include "db/net/authorities.h"
+#include "db/net/tls_handshake.h"
 
 namespace korvel::db::net {
 
@@ -67,11 +67,11 @@ int addCertificates(HCERTSTORE store, const std::string& file) {
   }
 }
 
-/// Who is trusted; `file` must not be empty.
+/// The chain engine that trusts the certificates of `file` alone; `file` must not be empty.
 Engine engineFor(const std::string& file) {
   const Store roots(::CertOpenStore(CERT_STORE_PROV_MEMORY, 0, 0, 0, nullptr));
   if (!roots) return nullptr;
-  // Nobody promises that an engine with no roots at all trusts none.
+  // It is not documented that an engine without roots trusts no certificate.
   if (addCertificates(roots.get(), file) == 0) refuseAuthorities(file);
   CERT_CHAIN_ENGINE_CONFIG config{};
   // Without the last member, which older systems do not know.
@@ -121,7 +121,7 @@ std::string problemOf(const Certificate& certificate, const std::string& host, c
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how the system names its policies
   if (::CertVerifyCertificateChainPolicy(CERT_CHAIN_POLICY_SSL, chain.get(), &policy, &status) == 0)
     return lastMessage();
-  // Not every system's policy minds a chain that ends before an authority.
+  // Some systems' policies accept a chain that ends before an authority.
   if (status.dwError == 0 && (chain->TrustStatus.dwErrorStatus & CERT_TRUST_IS_PARTIAL_CHAIN) != 0)
     return systemMessage(static_cast<int>(CERT_E_CHAINING));
   return status.dwError == 0 ? std::string{} : systemMessage(static_cast<int>(status.dwError));

@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "base/system_errors.h"
-#include "db/net/run_beside.h"
+#include "db/net/detached_thread.h"
 #include "db/net/socket_calls.h"
 
 namespace korvel::db::net {
@@ -46,7 +46,7 @@ int tryConnect(const Socket& socket, const Endpoint& endpoint, const Deadline& d
 
 /// A resolver that hangs must not hang the viewer.
 std::future<Lookup> startLookup(const std::string& host, std::uint16_t port) {
-  return runBeside([host, port] { return lookUp(host, port); });
+  return runDetached([host, port] { return lookUp(host, port); });
 }
 
 bool isDone(const std::future<Lookup>& lookup, const Deadline& deadline) {
@@ -55,8 +55,8 @@ bool isDone(const std::future<Lookup>& lookup, const Deadline& deadline) {
 
 }  // namespace
 
-bool isTimeout(int systemNumber) noexcept {
-  return systemNumber == socketErrors.timedOut;
+bool isTimeout(int systemErrorNumber) noexcept {
+  return systemErrorNumber == socketErrors.timedOut;
 }
 
 HostEntry resolveHost(const std::string& host, std::uint16_t port, const Deadline& deadline) {
@@ -134,7 +134,7 @@ std::string receiveExactly(const Socket& socket, std::size_t size, const Deadlin
   return bytes;
 }
 
-void Datagrams::ask(std::span<const Endpoint> endpoints, std::string_view request) {
+void DatagramSockets::send(std::span<const Endpoint> endpoints, std::string_view request) {
   for (const Endpoint& endpoint : endpoints) {
     int error = 0;
     Socket socket = openSocket(endpoint.family, SocketKind::datagram, error);
@@ -145,20 +145,20 @@ void Datagrams::ask(std::span<const Endpoint> endpoints, std::string_view reques
   }
 }
 
-void Datagrams::askAgain(std::string_view request) {
+void DatagramSockets::resend(std::string_view request) {
   // The refusal of the question before is reported here, too.
   std::erase_if(sockets_,
                 [&](const Socket& socket) { return sendSome(socket, request).outcome == CallOutcome::refused; });
 }
 
-void Datagrams::askOpenly(std::span<const Endpoint> endpoints, std::string_view request) {
+void DatagramSockets::broadcast(std::span<const Endpoint> endpoints, std::string_view request) {
   std::map<int, Socket> byFamily;
   for (const Endpoint& endpoint : endpoints) {
     auto found = byFamily.find(endpoint.family);
     if (found == byFamily.end()) {
       int error = 0;
       found = byFamily.emplace(endpoint.family, openSocket(endpoint.family, SocketKind::datagram, error)).first;
-      speakToEverybody(found->second);
+      enableBroadcast(found->second);
     }
     (void)sendTo(found->second, endpoint, request);  // networks that refuse are no error
   }
@@ -166,7 +166,7 @@ void Datagrams::askOpenly(std::span<const Endpoint> endpoints, std::string_view 
     if (socket.isOpen()) sockets_.push_back(std::move(socket));
 }
 
-bool Datagrams::receive(std::vector<std::byte>& bytes, std::size_t limit, const Deadline& deadline) {
+bool DatagramSockets::receive(std::vector<std::byte>& bytes, std::size_t limit, const Deadline& deadline) {
   std::vector<bool> ready;
   while (!sockets_.empty()) {
     if (!waitToReceive(sockets_, ready, deadline)) return false;
@@ -178,7 +178,7 @@ bool Datagrams::receive(std::vector<std::byte>& bytes, std::size_t limit, const 
         bytes.resize(received.bytes);
         return true;
       }
-      // A socket that asked one host alone hears that nobody listens there.
+      // A connected socket reports that the port of its host is closed.
       if (received.outcome != CallOutcome::later) sockets_.erase(sockets_.begin() + static_cast<std::ptrdiff_t>(i));
     }
   }

@@ -43,15 +43,15 @@ struct Endpoint {
 };
 
 /// System error numbers that callers tell apart.
-[[nodiscard]] bool isTimeout(int systemNumber) noexcept;
+[[nodiscard]] bool isTimeout(int systemErrorNumber) noexcept;
 
 /// What the system knows of a host's name.
 struct HostEntry {
   std::string fullName;             ///< the name that the host itself goes by, where the system tells it; else as asked
   std::vector<Endpoint> endpoints;  ///< in the order in which the system prefers them
 };
-/// Looks a host up. Throws Error: the system's number for names that nobody knows is its resolver's; a resolver that
-/// does not answer in time is a timeout.
+/// Looks a host up. Throws Error: for an unknown name with the number of the system's resolver; a resolver that does
+/// not answer in time is a timeout.
 [[nodiscard]] HostEntry resolveHost(const std::string& host, std::uint16_t port, const Deadline& deadline);
 /// The addresses of many hosts, looked up at once; hosts that cannot be found have none.
 [[nodiscard]] std::vector<Endpoint> resolveHosts(std::span<const std::string> hosts, std::uint16_t port,
@@ -69,17 +69,19 @@ void sendAll(const Socket& socket, std::string_view bytes, const Deadline& deadl
 [[nodiscard]] std::string receiveExactly(const Socket& socket, std::size_t size, const Deadline& deadline);
 
 /// Datagram sockets that wait together. Networks that refuse a datagram are no error, because others may answer.
-class Datagrams {
+class DatagramSockets {
  public:
-  /// Asks each endpoint from a socket of its own, which hears nobody else: a stranger cannot answer in its place.
-  void ask(std::span<const Endpoint> endpoints, std::string_view request);
-  /// Puts a question once more to those whom ask() asked and who may still answer: datagrams get lost.
-  void askAgain(std::string_view request);
-  /// Whether somebody may still answer.
-  [[nodiscard]] bool mayAnswer() const noexcept { return !sockets_.empty(); }
-  /// Asks all endpoints of a family, broadcast addresses among them, from one socket that hears everybody.
-  void askOpenly(std::span<const Endpoint> endpoints, std::string_view request);
-  /// The next datagram, at most `limit` bytes of it; false when the deadline passes first or nobody is left to answer.
+  /// Sends a request to each endpoint from a connected socket of its own, which receives from that endpoint only: no
+  /// other host can answer in its place.
+  void send(std::span<const Endpoint> endpoints, std::string_view request);
+  /// Sends a request again to the endpoints of send() that may still answer, because datagrams get lost.
+  void resend(std::string_view request);
+  /// Whether an answer may still come.
+  [[nodiscard]] bool expectsAnswers() const noexcept { return !sockets_.empty(); }
+  /// Sends a request to all endpoints, broadcast addresses among them, from one unconnected socket for each address
+  /// family.
+  void broadcast(std::span<const Endpoint> endpoints, std::string_view request);
+  /// The next datagram, at most `limit` bytes of it; false when the deadline passes first or no more answers can come.
   [[nodiscard]] bool receive(std::vector<std::byte>& bytes, std::size_t limit, const Deadline& deadline);
 
  private:

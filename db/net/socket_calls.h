@@ -28,7 +28,7 @@ extern const SocketErrors socketErrors;
 enum class CallOutcome {
   done,
   later,    ///< it could only go on by waiting
-  refused,  ///< a datagram reached a port where nobody listens
+  refused,  ///< a datagram reached a closed port
   failed,
 };
 struct CallResult {
@@ -40,8 +40,8 @@ struct CallResult {
 enum class SocketKind { stream, datagram };
 /// A closed socket and the reason in `error`, where the system has none of this family.
 [[nodiscard]] Socket openSocket(int family, SocketKind kind, int& error) noexcept;
-/// For a datagram socket that asks everybody: broadcasts are allowed, and refusals by some are not heard.
-void speakToEverybody(const Socket& socket) noexcept;
+/// Allows broadcasts on a datagram socket, and ignores reports of closed ports.
+void enableBroadcast(const Socket& socket) noexcept;
 
 /// Begins to connect; `later` until pendingError() knows more.
 [[nodiscard]] CallResult startConnect(const Socket& socket, const Endpoint& endpoint) noexcept;

@@ -70,7 +70,7 @@ Socket openSocket(int family, SocketKind kind, int& error) noexcept {
   return Socket(descriptor);
 }
 
-void speakToEverybody(const Socket& socket) noexcept {
+void enableBroadcast(const Socket& socket) noexcept {
   const int on = 1;
   ::setsockopt(descriptorOf(socket), SOL_SOCKET, SO_BROADCAST, &on, sizeof on);
 }

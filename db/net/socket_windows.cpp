@@ -54,7 +54,7 @@ int atMost(std::chrono::milliseconds time) noexcept {
 CallResult failure() noexcept {
   const int number = ::WSAGetLastError();
   if (number == WSAEWOULDBLOCK) return {CallOutcome::later, 0, number};
-  // For datagrams, what connections call a reset says that nobody listens at the port.
+  // For datagrams, the error of a reset connection means a closed port.
   const bool refused = number == WSAECONNRESET || number == WSAECONNREFUSED;
   return {refused ? CallOutcome::refused : CallOutcome::failed, 0, number};
 }
@@ -82,7 +82,7 @@ Socket openSocket(int family, SocketKind kind, int& error) noexcept {
   return Socket(noSocket);
 }
 
-void speakToEverybody(const Socket& socket) noexcept {
+void enableBroadcast(const Socket& socket) noexcept {
   const BOOL on = TRUE;
   ::setsockopt(socketOf(socket), SOL_SOCKET, SO_BROADCAST, reinterpret_cast<const char*>(&on), sizeof on);
   // One port where nobody listens, or one question that died on its way, would otherwise be told in the place of the
@@ -174,7 +174,7 @@ std::vector<Endpoint> broadcastEndpoints(std::uint16_t port) {
   if (::GetIpAddrTable(table, &size, FALSE) != NO_ERROR) return endpoints;
   for (const MIB_IPADDRROW& row : std::span(table->table, table->dwNumEntries)) {
     constexpr unsigned down = MIB_IPADDR_DISCONNECTED | MIB_IPADDR_DELETED;
-    // The interface that is this computer itself has nobody else on it.
+    // The loopback interface has no other hosts.
     const DWORD loopback = htonl(INADDR_LOOPBACK);
     if (row.dwAddr == 0 || row.dwAddr == loopback || row.dwMask == 0 || (row.wType & down) != 0) continue;
     sockaddr_in address{};

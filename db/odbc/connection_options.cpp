@@ -10,7 +10,7 @@ namespace korvel::db {
 
 namespace {
 
-/// More seconds than anybody waits; also keeps a deadline inside the clock's range.
+/// One day; keeps a deadline inside the clock's range.
 constexpr long longestTimeout = 24L * 60 * 60;
 
 std::string setting(const settings::Registry& registry, const std::string& name) {

@@ -8,7 +8,7 @@
 #include "base/error.h"
 #include "base/system_errors.h"
 #include "db/odbc/driver_configuration.h"
-#include "db/odbc/driver_platform.h"
+#include "db/odbc/odbc_driver.h"
 
 namespace korvel::db::odbc {
 

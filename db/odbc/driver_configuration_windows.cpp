@@ -1,6 +1,6 @@
 #include "db/odbc/driver_configuration.h"
 
-#include "db/odbc/driver_platform.h"
+#include "db/odbc/odbc_driver.h"
 
 namespace korvel::db::odbc {
 
@@ -8,7 +8,7 @@ const DriverPlatform& driverPlatform() noexcept {
   return windowsDrivers;
 }
 
-// The drivers of this system check certificates by themselves. FreeTDS, where somebody chose it, cannot be told to:
+// The drivers of this system check certificates by themselves. FreeTDS, where it was chosen, cannot be configured to:
 // driverText() refuses what it would need a configuration for.
 DriverConfiguration::DriverConfiguration(const LoginRequest& /*request*/) {}
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/utf16.h"
+#include "db/odbc/driver_configuration.h"
 #include "settings/string_table.h"
 
 namespace korvel::db::odbc {
@@ -42,7 +43,7 @@ std::string joined(const Attributes& attributes) {
 Attributes freeTdsAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   Attributes attributes;
   if (needsConfiguration(request)) {
-    // Without our section it would read somebody else's, which may ask for less, or trust everybody.
+    // Without our section it would read one of another file, which may not require encryption or may trust any server.
     if (!platform.givesConfiguration)
       throw settings::localizedError(invalidParameter, "failure.driverChecksNothing", {request.driver.name});
     attributes.emplace_back("Servername", request.address.host);
@@ -60,7 +61,7 @@ Attributes freeTdsAttributes(const LoginRequest& request, const DriverPlatform& 
 
 Attributes commonVendorAttributes(const LoginRequest& request, const DriverPlatform& platform) {
   const ConnectionOptions& options = request.options;
-  // This driver knows the system's authorities only, and would refuse the server without a word about the setting.
+  // This driver knows the system's authorities only, and would refuse the server without mentioning the setting.
   if (options.encrypt && !options.trustServerCertificate && !options.certificateAuthorities.empty())
     throw settings::localizedError(
         invalidParameter,

@@ -3,13 +3,12 @@
 #include <string>
 
 #include "db/odbc/connection_options.h"
-#include "db/odbc/driver_family.h"
-#include "db/odbc/driver_platform.h"
+#include "db/odbc/odbc_driver.h"
 #include "db/odbc/server_address.h"
 
 namespace korvel::db::odbc {
 
-/// All that a driver is told about one login.
+/// The parameters of one login.
 struct LoginRequest {
   Driver driver;
   ServerAddress address;
@@ -20,7 +19,7 @@ struct LoginRequest {
 
 /// The text that the driver manager connects with: the running user's own login, never a name or a password. The one
 /// place that knows the words of each driver. Values stand in braces, so that none can add words of its own; throws
-/// Error for one that braces cannot hold, for authorities that the driver would not heed, and for a certificate that it
+/// Error for one that braces cannot hold, for authorities that the driver would ignore, and for a certificate that it
 /// would not check.
 [[nodiscard]] std::string driverText(const LoginRequest& request);
 /// The same on a system of these drivers.

@@ -5,9 +5,15 @@
 
 namespace korvel::db::odbc {
 
-/// The connections that a driver opens to a port inside this process. A driver that waits for a server's word heeds its
-/// own timeouts only sometimes; shutting its connection down from outside makes it give up at once. Where the system
-/// lets nobody but administrators do so, the driver's own timeout is what ends the wait.
+/// The connections that a driver opens to a port inside this process. FreeTDS applies its own timeouts only to some of
+/// its waits for the server; shutting its connection down makes every wait end at once. SQLCancel and closing the
+/// connection handle do not suffice. Without the shutdown these tests hang with FreeTDS 1.3.17 and unixODBC 2.3.11:
+/// Stopping.aServerThatTakesNoNoticeLosesItsConnection,
+/// Stopping.aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt and
+/// Stopping.aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt;
+/// Stopping.aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo fails. With SQLDisconnect from the watchdog in
+/// its place the same three hang and the fourth crashes in the driver. Where the system requires administrator's rights
+/// for the shutdown, the driver's own timeout ends the wait.
 class DriverSockets {
  public:
   DriverSockets();
@@ -17,7 +23,7 @@ class DriverSockets {
 
   /// Connections to the port that are opened from here on are taken for the driver's: one login at a time.
   void expect(std::uint16_t port);
-  /// The login is over: those that are open now stay known, later ones are somebody else's.
+  /// The login is over: the connections that are open now are the driver's, later ones are not.
   void keep();
   void shutDown() const noexcept;
 

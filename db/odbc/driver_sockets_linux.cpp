@@ -93,7 +93,7 @@ std::set<int> connectionsTo(std::uint16_t port, Connecting connectingOnes = Conn
 struct DriverSockets::Connections {
   std::uint16_t port = 0;  ///< 0: nothing is expected
   std::set<int> before;
-  /// Descriptors of our own to the same connections: a number that the driver gives back may be anybody's next.
+  /// Descriptors of our own to the same connections: a number that the driver closes may be reused by another file.
   std::vector<net::Socket> own;
 };
 

@@ -2,11 +2,10 @@
 
 #include <cerrno>
 
-#include "base/text.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
-#include "db/procedure/audit_table.h"
-#include "db/trimmed_line.h"
+#include "db/procedure/query_audits_script.h"
 #include "settings/string_table.h"
 
 namespace korvel::db {
@@ -20,10 +19,6 @@ class IgnoringSink final : public ResultSink {
   void endResult() override {}
 };
 
-bool separatesBatches(std::string_view line) {
-  return equalsIgnoringAsciiCase(trimmedLine(line), "GO");
-}
-
 /// Takes the transaction back, where the server has not done so itself.
 template <typename Run>
 void undo(const Run& run) {
@@ -33,7 +28,8 @@ void undo(const Run& run) {
   }
 }
 
-/// Throws Error for a database without an audit trail. Who may create procedures need not be allowed to read it.
+/// Throws Error for a database without an audit trail. The right to create procedures does not include the right to
+/// read the table.
 template <typename Run>
 void requireAuditTable(const Run& run) {
   try {
@@ -44,28 +40,7 @@ void requireAuditTable(const Run& run) {
   }
 }
 
-void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
-  if (batch.find_first_not_of(" \t\r\n") != std::string::npos) batches.push_back(std::move(batch));
-  batch.clear();
-}
-
 }  // namespace
-
-std::vector<std::string> scriptBatches(std::string_view script) {
-  std::vector<std::string> batches;
-  std::string batch;
-  while (!script.empty()) {
-    const auto end = script.find('\n');
-    const std::string_view line = script.substr(0, end == std::string_view::npos ? end : end + 1);
-    script.remove_prefix(line.size());
-    if (separatesBatches(line.substr(0, line.find('\n'))))
-      addUnlessEmpty(batches, batch);
-    else
-      batch += line;
-  }
-  addUnlessEmpty(batches, batch);
-  return batches;
-}
 
 void installQueryAudits(Connection& connection) {
   IgnoringSink sink;

@@ -1,16 +1,12 @@
 #pragma once
 
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "db/connection.h"
-#include "db/odbc/server_approach.h"
+#include "db/odbc/server_connector.h"
+#include "db/procedure/query_audits_script.h"
 
 namespace korvel::db {
-
-/// The batches of a script: what stands between lines that say GO and nothing else. Empty batches are left out.
-[[nodiscard]] std::vector<std::string> scriptBatches(std::string_view script);
 
 /// Runs queryAuditsScript() batch by batch in one transaction: the old procedure is dropped, the new one created, or
 /// all stays as it was. Permissions on the old one go with it. Throws Error, also for a database without the table of

@@ -4,22 +4,18 @@
 #include <string>
 
 #include "db/net/deadline.h"
-#include "db/odbc/server_address.h"
 
 namespace korvel::db::odbc {
-
-/// The name under which a server is known to the login service: "MSSQLSvc/host:port", the host by its full name.
-[[nodiscard]] std::string servicePrincipalOf(const std::string& fullHostName, std::uint16_t port);
 
 /// What is known of a user's ticket before he logs in.
 enum class TicketState : std::uint8_t {
   valid,
-  leftToSystem,  ///< nothing was asked: the system finds a proof while the driver logs in
+  leftToSystem,  ///< nothing was asked: the system authenticates the user during the login
 };
 
-/// Makes sure that the running user can prove who he is to that service, before a driver turns every reason why not
-/// into one riddle. Throws Error, each with its own sentence: no ticket, an expired one, a service that the login
+/// Acquires a Kerberos ticket of the running user for that service before the login, because drivers report all
+/// failures alike. Throws Error, each with its own sentence: no ticket, an expired one, a service that the login
 /// service does not know, a login service that cannot be reached or does not answer by `deadline`.
-TicketState requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline);
+TicketState acquireTicket(const std::string& servicePrincipal, const net::Deadline& deadline);
 
 }  // namespace korvel::db::odbc

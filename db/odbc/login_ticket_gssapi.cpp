@@ -8,7 +8,7 @@
 #include <future>
 #include <string_view>
 
-#include "db/net/run_beside.h"
+#include "db/net/detached_thread.h"
 #include "db/odbc/login_ticket.h"
 #include "settings/string_table.h"
 
@@ -116,9 +116,9 @@ void getTicket(const std::string& servicePrincipal) {
 
 }  // namespace
 
-TicketState requireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
-  // The login library waits for silent login services as long as it likes.
-  std::future<void> answer = net::runBeside([servicePrincipal] { getTicket(servicePrincipal); });
+TicketState acquireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
+  // The Kerberos library has no timeout for KDCs that do not answer.
+  std::future<void> answer = net::runDetached([servicePrincipal] { getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
     throw settings::localizedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
   answer.get();

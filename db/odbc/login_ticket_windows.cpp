@@ -2,8 +2,8 @@
 
 namespace korvel::db::odbc {
 
-TicketState requireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
-  // Who has signed in to Windows can prove it, by a ticket or otherwise; the driver leaves the choice to the system.
+TicketState acquireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
+  // The user is signed in to Windows; the driver lets the system choose between a ticket and other proofs.
   return TicketState::leftToSystem;
 }
 

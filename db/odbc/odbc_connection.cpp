@@ -22,11 +22,11 @@ namespace {
 /// in better order, but a server that sends half a packet makes it wait twice as long.
 constexpr std::chrono::milliseconds driversGrace{500};
 
-/// How soon a login that waits for another one hears a stop.
+/// How soon a login that waits for another one reacts to a stop.
 constexpr std::chrono::milliseconds stopInterval{50};
 
-/// How long a driver may take to end a statement that nobody wants any more.
-constexpr std::chrono::seconds patienceAfterStop{2};
+/// How long a driver may take to end a stopped statement.
+constexpr std::chrono::seconds timeAfterStop{2};
 
 SQLPOINTER asAttribute(std::chrono::seconds value) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how ODBC takes numbers
@@ -51,13 +51,13 @@ Error withLineOf(std::string_view text, const Error& error) {
   return {error.number(), error.description()};
 }
 
-/// Pushes the statement's current result; false when the sink has had enough.
-bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatch& watch) {
+/// Pushes the statement's current result; false when the sink has stopped it.
+bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatchdog& watch) {
   RowReader reader(statement, watch);
   if (reader.fields().empty()) return true;  // only a row count
   sink.beginResult(reader.fields());
   while (reader.next())
-    if (!sink.row(reader.cells()) || !sink.goOn()) return false;
+    if (!sink.row(reader.cells()) || !sink.shouldContinue()) return false;
   sink.endResult();
   return true;
 }
@@ -83,15 +83,15 @@ OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& t
 
 std::optional<Error> OdbcConnection::tryLogin(const LoginRequest& request, const std::string& text,
                                               const net::Deadline& deadline, std::vector<Diagnostic>& diagnostics) {
-  // Waiting for another login is not this server's silence.
+  // Waiting for another login does not count as this server's silence.
   const std::chrono::milliseconds left = deadline.left();
   std::unique_lock oneLoginAtATime(loginMutex(), std::defer_lock);
   while (!oneLoginAtATime.try_lock_for(stopInterval))
     if (stop_.stop_requested()) return loginFailure({}, request, true);
   sockets_.expect(address_.port);
   {
-    // What a login has begun nobody needs: a stop shuts it down at once.
-    const DriverWatch watch(sockets_, {left}, stop_);
+    // An incomplete login has nothing to preserve: a stop shuts it down at once.
+    const DriverWatchdog watch(sockets_, {left}, stop_);
     try {
       logIn(request, text, left);
       if (onEvent_) diagnostics = diagnosticsOf(SQL_HANDLE_DBC, connection_.get());
@@ -120,11 +120,11 @@ OdbcConnection::~OdbcConnection() {
 }
 
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {
-  runWatched(commandText, [&](DriverWatch& watch) { run(commandText, sink, watch); });
+  runWatched(commandText, [&](DriverWatchdog& watch) { run(commandText, sink, watch); });
 }
 
-void OdbcConnection::executeUndone(std::string_view commandText, ResultSink& sink) {
-  runWatched(commandText, [&](DriverWatch& watch) {
+void OdbcConnection::executeRolledBack(std::string_view commandText, ResultSink& sink) {
+  runWatched(commandText, [&](DriverWatchdog& watch) {
     beginTransaction();
     try {
       run(commandText, sink, watch);
@@ -151,10 +151,10 @@ void OdbcConnection::rollBack() noexcept {
 template <typename Run>
 void OdbcConnection::runWatched(std::string_view commandText, const Run& run) {
   const bool limited = commandTimeout_.count() > 0;
-  DriverPatience patience;
-  if (limited) patience.silence = commandTimeout_ + driversGrace;
-  patience.afterStop = patienceAfterStop;
-  DriverWatch watch(sockets_, patience, stop_);
+  WatchdogTimeouts timeouts;
+  if (limited) timeouts.silence = commandTimeout_ + driversGrace;
+  timeouts.afterStop = timeAfterStop;
+  DriverWatchdog watch(sockets_, timeouts, stop_);
   if (onEvent_) tell(ServerEvent{ServerEventKind::commandSent, std::string(commandText)});
   try {
     run(watch);
@@ -179,12 +179,12 @@ void OdbcConnection::tellMessages(const std::vector<Diagnostic>& diagnostics) co
       tell(ServerEvent{ServerEventKind::serverMessage, said.message, said.severity, said.number, said.messageState});
 }
 
-void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatch& watch) {
-  if (!sink.goOn()) return;
+void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverWatchdog& watch) {
+  if (!sink.shouldContinue()) return;
   const Statement statement(connection_.get());
   SQLHSTMT handle = statement.get();
-  // From the watching thread: while the driver is busy inside a call, this is what it hears.
-  const DriverWatch::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
+  // From the watching thread: SQLCancel reaches a driver that is busy inside a call.
+  const DriverWatchdog::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
   std::u16string text = utf16FromUtf8(commandText);
   SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
@@ -193,9 +193,9 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   while (result != SQL_NO_DATA) {
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
-    watch.heard();
-    if (!pushResult(handle, sink, watch) || !sink.goOn()) {
-      watch.answerIsDecided();
+    watch.noteActivity();
+    if (!pushResult(handle, sink, watch) || !sink.shouldContinue()) {
+      watch.discardRest();
       SQLCancel(handle);
       return;
     }

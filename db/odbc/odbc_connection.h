@@ -10,7 +10,7 @@
 #include "db/net/deadline.h"
 #include "db/odbc/driver_login.h"
 #include "db/odbc/driver_sockets.h"
-#include "db/odbc/driver_watch.h"
+#include "db/odbc/driver_watchdog.h"
 #include "db/odbc/odbc_diagnostics.h"
 #include "db/odbc/odbc_handle.h"
 #include "db/server_directory.h"
@@ -31,7 +31,7 @@ class OdbcConnection final : public Connection {
   OdbcConnection& operator=(const OdbcConnection&) = delete;
 
   void execute(std::string_view commandText, ResultSink& sink) override;
-  void executeUndone(std::string_view commandText, ResultSink& sink) override;
+  void executeRolledBack(std::string_view commandText, ResultSink& sink) override;
 
  private:
   /// Logs in, alone in the process. Gives what failed, where something did; `diagnostics` get what was said.
@@ -40,7 +40,7 @@ class OdbcConnection final : public Connection {
   void logIn(const LoginRequest& request, const std::string& text, std::chrono::milliseconds left);
   template <typename Run>
   void runWatched(std::string_view commandText, const Run& run);
-  void run(std::string_view commandText, ResultSink& sink, DriverWatch& watch);
+  void run(std::string_view commandText, ResultSink& sink, DriverWatchdog& watch);
   void beginTransaction();
   void rollBack() noexcept;
 

@@ -29,7 +29,7 @@ struct Diagnostic {
 /// All messages that the last call on the handle left.
 [[nodiscard]] std::vector<Diagnostic> diagnosticsOf(SQLSMALLINT handleType, SQLHANDLE handle);
 
-/// A call failed. Stays inside this folder: what the user is told depends on what was being done.
+/// A call failed. Stays inside this folder: the message to the user depends on the operation.
 class DriverFailure : public std::exception {
  public:
   explicit DriverFailure(std::vector<Diagnostic> found) : diagnostics(std::move(found)) {}

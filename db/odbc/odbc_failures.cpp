@@ -22,7 +22,7 @@ constexpr std::int32_t databaseCannotBeOpened = 4060;
 /// that must be changed.
 constexpr std::array<std::int32_t, 8> refusedLogins = {18456, 18452, 18450, 18461, 18470, 18486, 18487, 18488};
 
-/// Sentences about failures that listeners are told of, too.
+/// Sentences about failures that are also events for listeners.
 struct EventOfSentence {
   std::string_view key;
   ServerEventKind kind;

@@ -20,8 +20,8 @@ namespace korvel::db::odbc {
 [[nodiscard]] Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request,
                                  bool timedOut);
 
-/// What a listener is told of a failed login or command: a login that the server refused, a timeout, a connection that
-/// broke; nothing for other failures. `failure` is what the two functions around made of the same diagnostics.
+/// The event of a failed login or command: a login that the server refused, a timeout, a connection that broke; nothing
+/// for other failures. `failure` is what the two functions around made of the same diagnostics.
 [[nodiscard]] std::optional<ServerEvent> eventOfFailure(const std::vector<Diagnostic>& diagnostics,
                                                         const Error& failure);
 

@@ -39,7 +39,7 @@ using Environment = Handle<SQL_HANDLE_ENV>;
 using ConnectionHandle = Handle<SQL_HANDLE_DBC>;
 using Statement = Handle<SQL_HANDLE_STMT>;
 
-/// The driver manager, told which of its behaviours this program is written for.
+/// The driver manager's environment, set to the ODBC version that this program is written for.
 [[nodiscard]] inline Environment makeEnvironment() {
   Environment environment(nullptr);
   SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);

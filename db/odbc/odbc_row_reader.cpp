@@ -53,7 +53,7 @@ ColumnKind kindOf(SQLSMALLINT type) noexcept {
 
 }  // namespace
 
-RowReader::RowReader(SQLHSTMT statement, DriverWatch& watch)
+RowReader::RowReader(SQLHSTMT statement, DriverWatchdog& watch)
     : statement_(statement), watch_(watch), buffer_(bufferUnits) {
   SQLSMALLINT count = 0;
   check(SQLNumResultCols(statement_, &count), SQL_HANDLE_STMT, statement_);
@@ -113,7 +113,7 @@ bool RowReader::next() {
   const SQLRETURN result = SQLFetch(statement_);
   if (result == SQL_NO_DATA) return false;
   check(result, SQL_HANDLE_STMT, statement_);
-  watch_.heard();
+  watch_.noteActivity();
 
   textSize_ = 0;
   for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -184,7 +184,7 @@ bool RowReader::readWide(SQLUSMALLINT column) {
     append(units - waiting);
     if (waiting != 0) buffer_[0] = buffer_[units - 1];
     if (!more) break;
-    watch_.heard();
+    watch_.noteActivity();
   }
   append(waiting);
   return true;
@@ -261,7 +261,7 @@ bool RowReader::readBinary(SQLUSMALLINT column) {
     writeHex({reinterpret_cast<const char*>(buffer_.data()), size}, room(2 * size));
     textSize_ += 2 * size;
     if (!more) return true;
-    watch_.heard();
+    watch_.noteActivity();
   }
 }
 

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "db/connection.h"
-#include "db/odbc/driver_watch.h"
+#include "db/odbc/driver_watchdog.h"
 
 namespace korvel::db::odbc {
 
 /// Reads the rows of the statement's current result, one at a time, every value as text.
 ///
-/// Columns are not bound: array binding truncates long values without a word. Values are read as wide characters in
+/// Columns are not bound: array binding truncates long values without an error. Values are read as wide characters in
 /// ascending column order and in parts, which is exact with every driver; the text of a row goes into one buffer that
 /// is reused, so a row costs no allocation once the buffer has grown. Whole numbers and points in time are read as such
 /// and written here, which costs less than the driver's own texts. Floats are read as numbers and written in their
@@ -23,8 +23,8 @@ namespace korvel::db::odbc {
 /// Binary values read as lower-case hex.
 class RowReader {
  public:
-  /// Describes the current result; both outlive the reader. Whatever arrives is told to the watch.
-  RowReader(SQLHSTMT statement, DriverWatch& watch);
+  /// Describes the current result; both outlive the reader. Received data is reported to the watchdog.
+  RowReader(SQLHSTMT statement, DriverWatchdog& watch);
 
   /// Empty for a result that is only a row count.
   [[nodiscard]] const std::vector<Field>& fields() const noexcept { return fields_; }
@@ -59,7 +59,7 @@ class RowReader {
   bool readBinary(SQLUSMALLINT column);
 
   SQLHSTMT statement_;
-  DriverWatch& watch_;
+  DriverWatchdog& watch_;
   std::vector<Field> fields_;
   std::vector<Reading> readings_;
   std::vector<int> decimals_;

@@ -55,4 +55,8 @@ ServerName parseServerName(std::string_view name) {
   return server;
 }
 
+std::string servicePrincipalOf(const std::string& fullHostName, std::uint16_t port) {
+  return "MSSQLSvc/" + fullHostName + ":" + std::to_string(port);
+}
+
 }  // namespace korvel::db

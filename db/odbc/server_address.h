@@ -29,4 +29,7 @@ struct ServerAddress {
   std::uint16_t port = defaultServerPort;
 };
 
+/// The name under which a server is known to the login service: "MSSQLSvc/host:port", the host by its full name.
+[[nodiscard]] std::string servicePrincipalOf(const std::string& fullHostName, std::uint16_t port);
+
 }  // namespace korvel::db

@@ -18,10 +18,10 @@
 #include "db/connection_state.h"
 #include "db/discovery/network_directory.h"
 #include "db/embedded/embedded_connection.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/odbc/odbc_failures.h"
 #include "db/open_connection.h"
 #include "db/procedure/audit_conditions.h"
-#include "db/procedure/audit_table.h"
 #include "settings/string_table.h"
 
 namespace korvel::db {
@@ -130,7 +130,8 @@ FirstValueSink askTable(Connection& connection, std::string_view command) {
   return explainedAnswer(connection, command, std::array{tableMissing, tableDenied});
 }
 
-/// Who may not read the table may still be allowed to call the procedure, and needs no more for standard queries.
+/// A user without the right to read the table may have the right to call the procedure, which suffices for standard
+/// queries.
 bool isDenial(const Error& error) {
   return error.textKey() == tableDenied.sentence;
 }
@@ -194,46 +195,46 @@ std::vector<CheckStep> checkEmbedded(const std::string& server, std::string data
   return runAll(steps);
 }
 
-Found encryptionFound(const odbc::ServerApproach& approach, const ConnectionOptions& options) {
-  if (approach.handshake()) return {"check.encryption.found", {approach.handshake()->protocol}};
+Found encryptionFound(const odbc::ServerConnector& connector, const ConnectionOptions& options) {
+  if (connector.handshake()) return {"check.encryption.found", {connector.handshake()->protocol}};
   return {options.encrypt ? "check.encryption.unchecked" : "check.encryption.optional", {}};
 }
 
 std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string database,
                                           const odbc::ServerAccess& access) {
-  odbc::ServerApproach approach(server, access);
+  odbc::ServerConnector connector(server, access);
   std::unique_ptr<Connection> connection;
   std::vector<Step> steps;
   steps.push_back({"name", [&] {
-                     approach.findServer();
-                     return Found{"check.name.found", {odbc::shownAddress(approach.address())}};
+                     connector.resolveServer();
+                     return Found{"check.name.found", {odbc::shownAddress(connector.address())}};
                    }});
   steps.push_back({"port", [&] {
-                     approach.reachPort();
-                     return Found{"check.port.found", {std::to_string(approach.address().port)}};
+                     connector.connectPort();
+                     return Found{"check.port.found", {std::to_string(connector.address().port)}};
                    }});
   steps.push_back({"protocol", [&] {
-                     approach.greet();
-                     return Found{"check.protocol.found", {approach.greeting().version}};
+                     connector.exchangePreLogin();
+                     return Found{"check.protocol.found", {connector.preLoginAnswer().version}};
                    }});
   steps.push_back({"encryption", [&] {
-                     approach.encrypt();
-                     return encryptionFound(approach, access.options);
+                     connector.checkEncryption();
+                     return encryptionFound(connector, access.options);
                    }});
   steps.push_back({"ticket", [&] {
-                     if (approach.proveUser() == odbc::TicketState::leftToSystem)
+                     if (connector.acquireTicket() == odbc::TicketState::leftToSystem)
                        return Found{"check.ticket.leftToSystem", {}};
-                     return Found{"check.ticket.found", {approach.servicePrincipal()}};
+                     return Found{"check.ticket.found", {connector.servicePrincipal()}};
                    }});
   steps.push_back({"login", [&] {
-                     connection = approach.logIn({});
+                     connection = connector.logIn({});
                      return Found{"check.login.found", {}};
                    }});
   if (database.empty())
     steps.push_back({"databases", [&] { return chooseDatabase(serverDatabases(*connection), database); }});
   steps.push_back({"database", [&] {
-                     approach.restartClock();
-                     connection = approach.logIn(database);
+                     connector.restartTimeout();
+                     connection = connector.logIn(database);
                      return Found{"check.database.found", {database}};
                    }});
   addDatabaseSteps(steps, connection);

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/error.h"
-#include "db/odbc/server_approach.h"
+#include "db/odbc/server_connector.h"
 #include "settings/string_table.h"
 
 namespace korvel::db {

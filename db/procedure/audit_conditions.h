@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -37,7 +38,11 @@ inline constexpr std::size_t procedureParameterCount = 13;
 /// "and" binds before "or": the alarm category's first alternative is deliberately not limited by the dates.
 [[nodiscard]] const std::array<CategoryCondition, categoryCount>& categoryConditions() noexcept;
 
-/// The installation script of dbo.QueryAudits: drops the old procedure, creates it anew. Lines end with LF.
-[[nodiscard]] std::string queryAuditsScript();
+/// Answers with the columns of the audit trail and reads no row: whether the table is there, and may be read.
+inline constexpr std::string_view auditTableProbe = "SELECT * FROM Korvel_Audit_Trails WHERE 1 = 0";
+
+/// What a server says of a table that is not there, and of a table or procedure that the user has no right to.
+inline constexpr std::int32_t nameUnknownNumber = 208;
+inline constexpr std::int32_t rightMissingNumber = 229;
 
 }  // namespace korvel::db

@@ -1,3 +1,8 @@
+#include "db/procedure/query_audits_script.h"
+
+#include <utility>
+
+#include "base/text.h"
 #include "db/procedure/audit_conditions.h"
 #include "db/procedure/audit_selection.h"
 
@@ -87,6 +92,15 @@ std::string dateLiteral(std::string date) {
   return "'" + date + "'";
 }
 
+bool separatesBatches(std::string_view line) {
+  return equalsIgnoringAsciiCase(trimWhitespace(line), "GO");
+}
+
+void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
+  if (batch.find_first_not_of(" \t\r\n") != std::string::npos) batches.push_back(std::move(batch));
+  batch.clear();
+}
+
 }  // namespace
 
 std::string auditSelectionText(const AuditSelection& selection) {
@@ -146,6 +160,22 @@ std::string queryAuditsScript() {
          "    END\n"
          "END\n"
          "GO\n";
+}
+
+std::vector<std::string> scriptBatches(std::string_view script) {
+  std::vector<std::string> batches;
+  std::string batch;
+  while (!script.empty()) {
+    const auto end = script.find('\n');
+    const std::string_view line = script.substr(0, end == std::string_view::npos ? end : end + 1);
+    script.remove_prefix(line.size());
+    if (separatesBatches(line.substr(0, line.find('\n'))))
+      addUnlessEmpty(batches, batch);
+    else
+      batch += line;
+  }
+  addUnlessEmpty(batches, batch);
+  return batches;
 }
 
 }  // namespace korvel::db

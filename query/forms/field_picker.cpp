@@ -8,7 +8,7 @@
 #include <array>
 #include <utility>
 
-#include "query/picked_query.h"
+#include "query/query_choices.h"
 #include "ui/buttons.h"
 #include "ui/dialogs.h"
 #include "ui/style/theme.h"

@@ -9,6 +9,7 @@
 #include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/system_errors.h"
+#include "db/embedded/embedded_folder.h"
 #include "tests/cli/output_target_fixture.h"
 #include "tests/support/temporary_folder.h"
 

@@ -8,7 +8,7 @@
 #include <QTimer>
 #include <future>
 
-#include "db/attended_work.h"
+#include "db/worker.h"
 #include "tests/control/custom_page_fixture.h"
 #include "tests/control/default_locale.h"
 
@@ -96,14 +96,14 @@ TEST_F(WhileItLoads, TheWindowDoesNotWaitForAServerThatDoesNotComeBack) {
   };
   click(*viewer, "btQuery");
   EXPECT_EQ(statusPanel(*viewer), "The query was stopped; no records are shown");
-  EXPECT_TRUE(db::workIsLeftBehind());
+  EXPECT_TRUE(db::hasAbandonedWorkers());
   // The next query does not wait for it either.
   server.answer = nullptr;
   server.resultSets = {{record("1", "CS")}};
   click(*viewer, "btQuery");
   EXPECT_EQ(column(*viewer, 0), "1");
   comesBack.set_value();
-  EXPECT_TRUE(comesAbout([] { return !db::workIsLeftBehind(); }));
+  EXPECT_TRUE(comesAbout([] { return !db::hasAbandonedWorkers(); }));
   EXPECT_EQ(column(*viewer, 0), "1");
 }
 
@@ -125,7 +125,7 @@ TEST_F(WhileItLoads, TheStatusPanelSaysHowFarItIs) {
     begin(sink, {"a"});
     onWindowThread([&] { first = statusPanel(*viewer); });
     for (int i = 0; i < 1234; ++i) row(sink, {"x"});
-    EXPECT_TRUE(sink.goOn());
+    EXPECT_TRUE(sink.shouldContinue());
     comesAbout([&] {
       onWindowThread([&] { later = statusPanel(*viewer); });
       return later != first;
@@ -145,7 +145,7 @@ TEST_F(WhileItLoads, TheNumberOfRowsIsGroupedAsTheLocaleHasIt) {
   server.answer = [&](db::ResultSink& sink) {
     begin(sink, {"a"});
     for (int i = 0; i < 1234; ++i) row(sink, {"x"});
-    EXPECT_TRUE(sink.goOn());
+    EXPECT_TRUE(sink.shouldContinue());
     EXPECT_TRUE(comesAbout([&] {
       onWindowThread([&] { soFar = statusPanel(*viewer); });
       return soFar == "1.234 records so far; Esc stops the query";

@@ -42,7 +42,7 @@ bool comesAbout(Condition holds) {
 
 /// Waits until an answer is cancelled; false after the timeout.
 inline bool waitUntilUnwanted(db::ResultSink& sink) {
-  return comesAbout([&sink] { return !sink.goOn(); });
+  return comesAbout([&sink] { return !sink.shouldContinue(); });
 }
 
 }  // namespace korvel::test

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/paths.h"
-#include "db/embedded/audit_schema.h"
+#include "db/embedded/audit_statements.h"
 
 namespace korvel::test {
 

@@ -1,4 +1,5 @@
 #include "db/connection_state.h"
+#include "db/connection_string.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "db/connection_state.h"
+#include "db/connection_string.h"
 #include "db/open_connection.h"
 #include "tests/db/collected_answer.h"
 
@@ -57,11 +58,11 @@ TEST(ConnectionString, theEmptyOneSaysThatNoDatabaseIsSelected) {
 TEST(ConnectionString, leadsToTheNamesItWasBuiltOf) {
   for (const char* name :
        {"Korvel_Audit", "AUDITSRV\\WINCC", "AUDITSRV,1444", "(embedded)", "/srv/50% #1", "it's", "a=b"})
-    EXPECT_TRUE(leadsTo(name, name)) << name;
+    EXPECT_TRUE(connectionStringRoundTrips(name, name)) << name;
   for (const char* name :
        {"", " ", " x", "x ", ";", "x;", "Korvel_Audit; Server=127.0.0.1,2", "'x'", "\"x\"", "{x}", "'x"}) {
-    EXPECT_FALSE(leadsTo(name, "D")) << name;
-    EXPECT_FALSE(leadsTo("S", name)) << name;
+    EXPECT_FALSE(connectionStringRoundTrips(name, "D")) << name;
+    EXPECT_FALSE(connectionStringRoundTrips("S", name)) << name;
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "db/connection_state.h"
 #include "db/embedded/embedded_connection.h"
+#include "db/embedded/embedded_folder.h"
 #include "db/open_connection.h"
 #include "tests/db/audit_database.h"
 #include "tests/db/collected_answer.h"

@@ -17,7 +17,7 @@ class AskedSink final : public ResultSink {
     return true;
   }
   void endResult() override { ++ended; }
-  bool goOn() override {
+  bool shouldContinue() override {
     if (++asked == throwsAt) throw Error(77, "thrown");
     return asked != stopsAt;
   }

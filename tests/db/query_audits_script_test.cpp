@@ -5,6 +5,7 @@
 
 #include "base/atomic_file.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 
 namespace korvel::db {
 namespace {

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "db/odbc/driver_choice.h"
+#include "db/odbc/driver_configuration.h"
+#include "db/odbc/odbc_driver.h"
 #include "db/odbc/server_address.h"
 #include "tests/db/collected_answer.h"
 

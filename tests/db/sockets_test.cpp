@@ -5,9 +5,8 @@
 #include <future>
 #include <string>
 
-#include "db/net/packet.h"
 #include "db/net/pre_login.h"
-#include "db/net/tls_probe.h"
+#include "db/net/tls_handshake.h"
 #include "tests/db/collected_answer.h"
 #include "tests/support/loopback_listener.h"
 
@@ -128,8 +127,8 @@ TEST(Hosts, areNotWaitedForBeyondTheDeadline) {
 
 TEST(DatagramSockets, receiveTheirAnswer) {
   const LoopbackListener listener(SocketKind::datagram);
-  Datagrams datagrams;
-  datagrams.ask(listener.endpoints(), "who");
+  DatagramSockets datagrams;
+  datagrams.send(listener.endpoints(), "who");
   ASSERT_TRUE(listener.answer("me"));
   std::vector<std::byte> bytes;
   ASSERT_TRUE(datagrams.receive(bytes, 100, Deadline(patience)));
@@ -138,8 +137,8 @@ TEST(DatagramSockets, receiveTheirAnswer) {
 
 TEST(DatagramSockets, takeOfALongAnswerWhatTheyAskedFor) {
   const LoopbackListener listener(SocketKind::datagram);
-  Datagrams datagrams;
-  datagrams.ask(listener.endpoints(), "who");
+  DatagramSockets datagrams;
+  datagrams.send(listener.endpoints(), "who");
   ASSERT_TRUE(listener.answer("somebody"));
   std::vector<std::byte> bytes;
   ASSERT_TRUE(datagrams.receive(bytes, 4, Deadline(patience)));
@@ -147,36 +146,36 @@ TEST(DatagramSockets, takeOfALongAnswerWhatTheyAskedFor) {
 }
 
 TEST(DatagramSockets, reportAClosedPort) {
-  Datagrams datagrams;
-  datagrams.ask(closedPort(SocketKind::datagram), "who");
+  DatagramSockets datagrams;
+  datagrams.send(closedPort(SocketKind::datagram), "who");
   std::vector<std::byte> bytes;
   EXPECT_FALSE(datagrams.receive(bytes, 100, Deadline(shortly)));
   // Some systems report it only at the second call.
   constexpr int mostQuestions = 1000;
-  for (int i = 0; i < mostQuestions && datagrams.mayAnswer(); ++i) datagrams.askAgain("who");
-  EXPECT_FALSE(datagrams.mayAnswer());
+  for (int i = 0; i < mostQuestions && datagrams.expectsAnswers(); ++i) datagrams.resend("who");
+  EXPECT_FALSE(datagrams.expectsAnswers());
 }
 
 TEST(DatagramSockets, thatAskEverybodyOutliveARefusal) {
   const LoopbackListener listener(SocketKind::datagram);
   std::vector<Endpoint> everybody = closedPort(SocketKind::datagram);
   everybody.push_back(listener.endpoints().at(0));
-  Datagrams datagrams;
-  datagrams.askOpenly(everybody, "who");
+  DatagramSockets datagrams;
+  datagrams.broadcast(everybody, "who");
   ASSERT_TRUE(listener.answer("me"));
   std::vector<std::byte> bytes;
   ASSERT_TRUE(datagrams.receive(bytes, 100, Deadline(patience)));
   EXPECT_EQ(bytes.size(), 2U);
-  EXPECT_TRUE(datagrams.mayAnswer());
+  EXPECT_TRUE(datagrams.expectsAnswers());
 }
 
 TEST(DatagramSockets, waitNoLongerThanTheDeadline) {
   const LoopbackListener silent(SocketKind::datagram);
-  Datagrams datagrams;
-  datagrams.ask(silent.endpoints(), "who");
+  DatagramSockets datagrams;
+  datagrams.send(silent.endpoints(), "who");
   std::vector<std::byte> bytes;
   EXPECT_FALSE(datagrams.receive(bytes, 100, Deadline(shortly)));
-  EXPECT_TRUE(datagrams.mayAnswer());
+  EXPECT_TRUE(datagrams.expectsAnswers());
 }
 
 TEST(BroadcastAddresses, haveThePort) {
@@ -186,7 +185,7 @@ TEST(BroadcastAddresses, haveThePort) {
 
 TEST(Greeting, ofAServerThatIsSilentIsATimeout) {
   const Pair pair;
-  const auto error = errorOf([&] { (void)askPreLogin(pair.near, Deadline(shortly)); });
+  const auto error = errorOf([&] { (void)exchangePreLogin(pair.near, Deadline(shortly)); });
   ASSERT_TRUE(error);
   EXPECT_TRUE(isTimeout(error->number()));
 }
@@ -199,7 +198,7 @@ std::optional<Error> handshakeError(std::chrono::milliseconds time, const Deed& 
     (void)receivePacket(pair.far, Deadline(patience));
     deed(pair.far);
   });
-  const auto error = errorOf([&] { (void)shakeHands(pair.near, "localhost", {}, Deadline(time)); });
+  const auto error = errorOf([&] { (void)performTlsHandshake(pair.near, "localhost", {}, Deadline(time)); });
   asked.get();
   return error;
 }

@@ -17,7 +17,7 @@
 #include <QWindow>
 #include <stdexcept>
 
-#include "db/attended_work.h"
+#include "db/worker.h"
 #include "settings/string_table.h"
 #include "tests/control/recorder.h"
 #include "tests/control/window_thread.h"
@@ -308,7 +308,7 @@ TEST_F(Browser, EscapeStopsAListingAndLeavesTheDialogOpen) {
   network.whileListing = nullptr;
   clickServer(1);
   EXPECT_NE(listed(), "");
-  while (db::workIsLeftBehind()) QThread::yieldCurrentThread();
+  while (db::hasAbandonedWorkers()) QThread::yieldCurrentThread();
 }
 
 TEST_F(Browser, CancelAndEscapeLeaveTheState) {

@@ -148,7 +148,7 @@ class TwoResultsSink final : public db::ResultSink {
   void beginResult(std::span<const db::Field>) override {}
   bool row(std::span<const db::Cell>) override { return ++rows > 0; }
   void endResult() override { ++ended; }
-  bool goOn() override { return ended < 2; }
+  bool shouldContinue() override { return ended < 2; }
 
   int rows = 0;
   int ended = 0;

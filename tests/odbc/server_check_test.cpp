@@ -2,6 +2,7 @@
 
 #include "db/odbc/install_procedure.h"
 #include "db/procedure/audit_conditions.h"
+#include "db/procedure/query_audits_script.h"
 #include "settings/string_table.h"
 #include "tests/db/audit_database.h"
 #include "tests/odbc/wire.h"
@@ -78,7 +79,7 @@ TEST_F(ServerCheck, goesTheWholeWay) {
 }
 
 TEST_F(ServerCheck, reportsNoTicketThatWasNotChecked) {
-  access_.requireTicket = [](const std::string&, const db::net::Deadline&) {
+  access_.acquireTicket = [](const std::string&, const db::net::Deadline&) {
     return db::odbc::TicketState::leftToSystem;
   };
   EXPECT_THAT(printed(check(), true), HasSubstr("\nok ticket: left to Windows at login\nok login: accepted\n"));
@@ -149,11 +150,11 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
   EXPECT_EQ(failure(), "encryption failure.certificate");
   access_.options.certificateAuthorities = authorities;
 
-  access_.requireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::TicketState {
+  access_.acquireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::TicketState {
     throw settings::localizedError(18452, "failure.noTicket", {principal});
   };
   EXPECT_EQ(failure(), "ticket failure.noTicket");
-  access_.requireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
+  access_.acquireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
 
   server_.refuseLogin({{18456, "Login failed.", 14}});
   EXPECT_EQ(failure(), "login failure.loginRefused");

@@ -31,7 +31,7 @@ Answer begun() {
   return Answer().result(numberAndName).row({1, "pump"});
 }
 
-/// Both kinds of query over the wire, stopped by the caller's attendance once the server has received something.
+/// Both kinds of query over the wire, stopped by the caller's onWait once the server has received something.
 class Stopping : public WireTest {
  protected:
   void SetUp() override {
@@ -39,24 +39,24 @@ class Stopping : public WireTest {
     // Nothing but a stop ends these.
     access_.options.commandTimeout = 0s;
     access_.options.connectionTimeout = 60s;
-    surroundings_.pace = {1ms, tds::testTimeout};
+    environment_.pace = {1ms, tds::testTimeout};
     lists_[5].startOver({{"Before", 1440, 0}});
   }
   ~Stopping() override {
     // Work that was left behind still uses the server.
-    while (db::workIsLeftBehind()) std::this_thread::yield();
+    while (db::hasAbandonedWorkers()) std::this_thread::yield();
   }
 
   QueryOutcome standardQuery() {
     query::FilterTree tree;
     tree.selectAll();
     return query::runStandardQuery(
-               {tree, {}, {}}, connector(), lists_, 0, [this] { return !isTime(); }, surroundings_)
+               {tree, {}, {}}, connector(), lists_, 0, [this] { return !isTime(); }, environment_)
         .outcome;
   }
   CustomOutcome customQuery() {
     return query::runCustomQuery(
-               "go", {}, connector(), lists_[5], [this](std::size_t) { return !isTime(); }, surroundings_)
+               "go", {}, connector(), lists_[5], [this](std::size_t) { return !isTime(); }, environment_)
         .outcome;
   }
   void answerWith(const Answer& answer) {
@@ -81,7 +81,7 @@ class Stopping : public WireTest {
 
   std::string otherServer_;  ///< instead of the TDS server
   query::ResultLists lists_ = query::makeResultLists();
-  query::QuerySurroundings surroundings_;
+  query::QueryEnvironment environment_;
 
  private:
   [[nodiscard]] bool isTime() const { return holds_(server_.record()); }
@@ -96,7 +96,7 @@ TEST_F(Stopping, aServerThatNeverAnswersGetsAnAttentionAndIsLeft) {
     stopWhen([commands](const tds::Record& record) { return record.commands.size() > commands; });
     answerWith(answer);
     EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
-    EXPECT_FALSE(db::workIsLeftBehind());
+    EXPECT_FALSE(db::hasAbandonedWorkers());
     expectNothingShown();
     EXPECT_TRUE(server_.waitUntilDisconnected());
     EXPECT_GT(server_.record().attentions, attentions);
@@ -114,7 +114,7 @@ TEST_F(Stopping, aServerThatAnswersTheAttentionLateIsNotWaitedFor) {
   const tds::Gate gate;
   server_.answerAttentionsAt(gate);
   answerWith(begun().silence());
-  surroundings_.pace.grace = 0ms;
+  environment_.pace.grace = 0ms;
   EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
   // After the query the server still holds the connection.
   EXPECT_TRUE(gate.waitUntilReached());
@@ -129,7 +129,7 @@ TEST_F(Stopping, aServerThatIgnoresAttentionsLosesItsConnection) {
   server_.ignoreAttentions();
   answerWith(begun().silence());
   EXPECT_EQ(customQuery(), CustomOutcome::stopped);
-  EXPECT_FALSE(db::workIsLeftBehind());
+  EXPECT_FALSE(db::hasAbandonedWorkers());
   EXPECT_TRUE(server_.waitUntilDisconnected());
 }
 
@@ -140,7 +140,7 @@ TEST_F(Stopping, aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt) {
     const std::size_t connections = server_.record().connections;
     stopWhen([connections](const tds::Record& record) { return record.connections > connections; });
     EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
-    EXPECT_FALSE(db::workIsLeftBehind());
+    EXPECT_FALSE(db::hasAbandonedWorkers());
     server_.at(moment, Steps());
     EXPECT_FALSE(connectError());
     EXPECT_TRUE(server_.waitUntilDisconnected());
@@ -154,7 +154,7 @@ TEST_F(Stopping, aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt) {
   int looks = 0;
   stopWhen([&looks](const tds::Record&) { return ++looks == 200; });
   EXPECT_EQ(standardQuery(), QueryOutcome::stopped);
-  EXPECT_FALSE(db::workIsLeftBehind());
+  EXPECT_FALSE(db::hasAbandonedWorkers());
   EXPECT_FALSE(connectError());
 }
 
@@ -235,7 +235,7 @@ TEST_F(Stopping, theToolEndsOnCtrlC) {
     EXPECT_EQ(out.str(), "");
     EXPECT_THAT(err.str(), ::testing::HasSubstr("stopped"));
     EXPECT_EQ(readFile(target), "before");
-    while (db::workIsLeftBehind()) std::this_thread::yield();
+    while (db::hasAbandonedWorkers()) std::this_thread::yield();
     EXPECT_TRUE(server_.waitUntilDisconnected());
   }
 }

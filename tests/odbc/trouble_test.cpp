@@ -111,7 +111,7 @@ class OdbcTrouble : public WireTest {
           access_.stop = stop;
           return connect();
         },
-        lists_, 0, attendance_, surroundings_);
+        lists_, 0, attendance_, environment_);
   }
   static Answer fine() {
     std::vector<tds::Column> columns{{"Nr", "int"}};
@@ -156,8 +156,8 @@ class OdbcTrouble : public WireTest {
   }
 
   query::ResultLists lists_ = query::makeResultLists();
-  db::Attendance attendance_;
-  query::QuerySurroundings surroundings_;
+  db::WaitCallback attendance_;
+  query::QueryEnvironment environment_;
 };
 
 TEST_F(OdbcTrouble, theCallArrivesToTheLetter) {

@@ -91,10 +91,10 @@ TEST_F(Stream, WritesNothingWithoutRows) {
 TEST_F(Stream, TakesNothingBehindTheFirstResult) {
   RecordStream stream = make(csv);
   stream.beginResult(std::vector<db::Field>{{"a"}});
-  EXPECT_TRUE(stream.goOn());
+  EXPECT_TRUE(stream.shouldContinue());
   push(stream, {"1"});
   stream.endResult();
-  EXPECT_FALSE(stream.goOn());
+  EXPECT_FALSE(stream.shouldContinue());
   stream.beginResult(std::vector<db::Field>{{"b"}});
   EXPECT_FALSE(push(stream, {"2"}));
   stream.endResult();
@@ -109,7 +109,7 @@ TEST_F(Stream, EndsWhenItIsNotWanted) {
   EXPECT_TRUE(push(stream, {"1"}));
   wanted = false;
   EXPECT_FALSE(push(stream, {"2"}));
-  EXPECT_FALSE(stream.goOn());
+  EXPECT_FALSE(stream.shouldContinue());
   EXPECT_TRUE(stream.stopped());
 }
 

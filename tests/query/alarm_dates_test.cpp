@@ -1,10 +1,10 @@
-#include "query/alarm_dates.h"
+#include "db/connection_string.h"
+#include "query/standard_query.h"
 
 #include <gtest/gtest.h>
 
 #include "db/connection_state.h"
 #include "db/open_connection.h"
-#include "query/standard_query.h"
 #include "settings/string_table.h"
 #include "tests/db/audit_database.h"
 #include "tests/support/temporary_folder.h"

@@ -8,9 +8,10 @@
 #include <set>
 
 #include "db/embedded/embedded_connection.h"
-#include "db/procedure/audit_table.h"
+#include "db/procedure/audit_conditions.h"
 #include "query/date_slices.h"
 #include "tests/db/plain_evaluation.h"
+#include "tests/query/filter_nodes.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::query {
@@ -107,7 +108,7 @@ class Server {
       return sink_.row(cells);
     }
     void endResult() override { sink_.endResult(); }
-    bool goOn() override { return sink_.goOn(); }
+    bool shouldContinue() override { return sink_.shouldContinue(); }
 
    private:
     Server& server_;
@@ -143,14 +144,14 @@ const DateRange noRange{};
 class CompleteQuery : public testing::Test {
  protected:
   CompletionReport run(Server& server, CategoryFlags flags, const DateRange& range,
-                       const CompletionAttendance& attendance = {}) {
+                       const CompletionCallback& onWait = {}) {
     FilterTree tree;
     for (const FilterNode& node : filterNodes())
-      if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(*tree.find(node.key), true);
+      if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(nodeOf(node.key), true);
     const std::string connectionString = "a server";
     lists = makeResultLists();
     CompleteAnswer answer =
-        completeStandardQuestion({tree, range, connectionString}, server.connector(), attendance, {}, limit);
+        completeStandardQuery({tree, range, connectionString}, server.connector(), onWait, {}, limit);
     return answer.fill(lists, 0);
   }
 
@@ -400,11 +401,11 @@ TEST_F(CompleteQuery, EndsBeforeTheMemoryDoes) {
   Server server(large);
   FilterTree tree;
   tree.selectAll();
-  QuerySurroundings small;
+  QueryEnvironment small;
   small.memory = [] { return results::MemoryState{1, std::uint64_t{1} << 30}; };
   const std::string connectionString = "a server";
   const CompleteAnswer answer =
-      completeStandardQuestion({tree, noRange, connectionString}, server.connector(), {}, small, limit);
+      completeStandardQuery({tree, noRange, connectionString}, server.connector(), {}, small, limit);
   EXPECT_EQ(answer.report().outcome, QueryOutcome::failed);
   ASSERT_TRUE(answer.report().failure);
   EXPECT_EQ(answer.report().failure->number(), 7);

@@ -3,9 +3,10 @@
 
 #include "base/atomic_file.h"
 #include "db/connection_state.h"
+#include "db/connection_string.h"
 #include "db/open_connection.h"
 #include "query/custom_query.h"
-#include "query/picked_query.h"
+#include "query/query_choices.h"
 #include "tests/db/audit_database.h"
 #include "tests/support/temporary_folder.h"
 
@@ -21,9 +22,9 @@ struct CustomQueryOfAFile : testing::Test {
   }
 
   CustomReport run(const std::string& text, const QueryProgress& progress = {},
-                   const QuerySurroundings& surroundings = {}) {
+                   const QueryEnvironment& environment = {}) {
     return runCustomQuery(text, db::buildConnectionString(folder.path().string(), "Korvel_Audit"), db::openConnection,
-                          list, progress, surroundings);
+                          list, progress, environment);
   }
   Error failureOfText(const std::string& text) {
     const CustomReport report = run(text);
@@ -110,37 +111,37 @@ constexpr const char* endless =
     "WITH RECURSIVE c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c) SELECT n FROM c WHERE n < 0";
 
 TEST_F(CustomQueryOfAFile, AStatementWithoutAnyRowIsStopped) {
-  QuerySurroundings surroundings;
-  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
+  QueryEnvironment environment;
+  environment.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   int asked = 0;
   const auto third = [&](std::size_t rows) {
     EXPECT_EQ(rows, 0U);
     return ++asked < 20;
   };
-  EXPECT_EQ(run(endless, third, surroundings).outcome, CustomOutcome::stopped);
+  EXPECT_EQ(run(endless, third, environment).outcome, CustomOutcome::stopped);
   EXPECT_EQ(asked, 20);
   EXPECT_EQ(run("select 1").outcome, CustomOutcome::filled);
 }
 
 TEST_F(CustomQueryOfAFile, AnEndlessAnswerIsStopped) {
   const auto enough = [](std::size_t rows) { return rows < 1000; };
-  QuerySurroundings surroundings;
-  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
-  EXPECT_EQ(run("WITH RECURSIVE c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c) SELECT n FROM c", enough, surroundings)
+  QueryEnvironment environment;
+  environment.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
+  EXPECT_EQ(run("WITH RECURSIVE c(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM c) SELECT n FROM c", enough, environment)
                 .outcome,
             CustomOutcome::stopped);
   EXPECT_EQ(list.rowCount(), 0U);
 }
 
 TEST_F(CustomQueryOfAFile, WhatIsThrownWhileTheEngineWorksIsAFailure) {
-  QuerySurroundings surroundings;
-  surroundings.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
+  QueryEnvironment environment;
+  environment.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
   int asked = 0;
   const auto throws = [&](std::size_t) {
     if (++asked > 10) throw Error(77, "thrown");
     return true;
   };
-  EXPECT_EQ(run(endless, throws, surroundings).failure.value_or(Error(0, "")).number(), 77);
+  EXPECT_EQ(run(endless, throws, environment).failure.value_or(Error(0, "")).number(), 77);
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "settings/string_table.h"
 #include "tests/support/scripted_connection.h"
 
@@ -34,7 +34,7 @@ struct CustomQuery : testing::Test {
   }
 
   CustomReport run(const std::string& text = "the text") {
-    return runCustomQuery(text, "the string", server.connector(), list, progress, surroundings);
+    return runCustomQuery(text, "the string", server.connector(), list, progress, environment);
   }
 
   std::vector<std::string> captions() const {
@@ -68,7 +68,7 @@ struct CustomQuery : testing::Test {
   test::ScriptedServer server;
   results::ResultList list{results::RowFilling::whole};
   QueryProgress progress;
-  QuerySurroundings surroundings;
+  QueryEnvironment environment;
 };
 
 TEST_F(CustomQuery, SendsTheTextAsItIsOverAConnectionOfItsOwn) {
@@ -200,7 +200,7 @@ TEST_F(CustomQuery, AnAnswerOfManyRowsKeepsTheirOrder) {
 /// The reported progress, on the waiting thread, while the server answers on another.
 struct CustomQueryProgress : CustomQuery {
   CustomQueryProgress() {
-    surroundings.pace = {1ms, 20s};
+    environment.pace = {1ms, 20s};
     progress = [this](std::size_t rows) {
       const std::lock_guard lock(mutex);
       told.push_back(rows);
@@ -237,7 +237,7 @@ TEST_F(CustomQueryProgress, ReportsTheRowsSoFarFromZeroOn) {
 }
 
 TEST_F(CustomQueryProgress, ReportsNotMoreOftenThanItsPace) {
-  surroundings.pace.interval = 1h;
+  environment.pace.interval = 1h;
   EXPECT_EQ(run().outcome, CustomOutcome::filled);
   EXPECT_THAT(told, ElementsAre(0U));
 }
@@ -287,18 +287,18 @@ TEST_F(CustomQueryProgress, AStopIsAStopAlsoWhereTheEngineCallsItAFailure) {
 
 TEST_F(CustomQueryProgress, AServerThatDoesNotComeBackIsLeftBehind) {
   stopAt = 2;
-  surroundings.pace.grace = 0ms;
+  environment.pace.grace = 0ms;
   std::promise<void> answers;
   std::promise<void> closed;
   server.refusesExecution = [&] { answers.get_future().wait(); };
   server.onClose = [&] { closed.set_value(); };
   EXPECT_EQ(run().outcome, CustomOutcome::stopped);
   expectClearedWithColumnsOfBefore();
-  EXPECT_TRUE(db::workIsLeftBehind());
+  EXPECT_TRUE(db::hasAbandonedWorkers());
   // Its result is ignored from here on.
   answers.set_value();
   EXPECT_EQ(closed.get_future().wait_for(20s), std::future_status::ready);
-  while (db::workIsLeftBehind()) std::this_thread::yield();
+  while (db::hasAbandonedWorkers()) std::this_thread::yield();
   expectClearedWithColumnsOfBefore();
 }
 
@@ -322,7 +322,7 @@ TEST_F(CustomQueryProgress, ThatThrowsWhileTheServerWorksIsAFailureToo) {
 /// A machine with memory that the test sets.
 struct QueryMemory : CustomQuery {
   QueryMemory() {
-    surroundings.memory = [this] {
+    environment.memory = [this] {
       ++looks;
       return state;
     };
@@ -355,7 +355,7 @@ TEST_F(QueryMemory, ASmallAnswerIsShownOnASmallMachineToo) {
 
 TEST_F(QueryMemory, WhatTheEngineTakesForItselfCounts) {
   server.answer[0].rows.assign(1000, {"x"});
-  surroundings.now = [time = std::chrono::steady_clock::time_point{}]() mutable { return time += 50ms; };
+  environment.now = [time = std::chrono::steady_clock::time_point{}]() mutable { return time += 50ms; };
   server.refusesExecution = [this] { state.freeBytes = 1000; };
   EXPECT_EQ(run().failure.value_or(Error(0, "")).number(), results::outOfMemoryNumber);
 }
@@ -365,7 +365,7 @@ TEST_F(QueryMemory, TheStandardQueryIsGuardedAsWell) {
   FilterTree tree;
   tree.selectAll();
   state.freeBytes = 1000;
-  const QueryReport report = runStandardQuery({tree, {}, {}}, server.connector(), lists, 0, {}, surroundings);
+  const QueryReport report = runStandardQuery({tree, {}, {}}, server.connector(), lists, 0, {}, environment);
   EXPECT_EQ(report.outcome, QueryOutcome::failed);
   ASSERT_TRUE(report.failure);
   EXPECT_EQ(report.failure->number(), results::outOfMemoryNumber);

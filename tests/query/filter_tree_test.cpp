@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tests/query/filter_nodes.h"
+
 namespace korvel::query {
 namespace {
 
@@ -20,7 +22,7 @@ std::string checked(const FilterTree& tree) {
 
 FilterTree treeWith(std::initializer_list<std::string_view> clicked) {
   FilterTree tree;
-  for (const std::string_view key : clicked) tree.setChecked(tree.find(key).value(), true);
+  for (const std::string_view key : clicked) tree.setChecked(nodeOf(key), true);
   return tree;
 }
 
@@ -35,14 +37,6 @@ TEST(FilterTree, HasItsNodesInInsertionOrder) {
             "A Configuration <0> 0\nC1 Korvel Explorer <1> 1\nC2 Alarms <1> 2\nC3 Tag Logging <1> 3\n"
             "C4 User Archives <1> 4\nB Runtime <0> 0\nR1 Custom Operator Actions <6> 5\nR2 User Archives <6> 6\n"
             "C Document Control <0> 0\nD1 Check IN <9> 7\nD2 Check OUT <9> 8\nD3 Rollback <9> 9\nD4 Restore <9> 10\n");
-}
-
-TEST(FilterTree, FindsNodesByKey) {
-  const FilterTree tree;
-  EXPECT_EQ(tree.find("A"), NodeIndex{1});
-  EXPECT_EQ(tree.find("D4"), NodeIndex{13});
-  EXPECT_EQ(tree.find("d4"), std::nullopt);
-  EXPECT_EQ(tree.find(""), std::nullopt);
 }
 
 TEST(FilterTree, SelectsAndUnselectsAll) {
@@ -75,9 +69,9 @@ TEST(FilterTree, RootIsCheckedAsSoonAsOneChildIs) {
 
 TEST(FilterTree, RootIsClearedWithItsLastChild) {
   FilterTree tree = treeWith({"D1", "D3"});
-  tree.setChecked(tree.find("D1").value(), false);
+  tree.setChecked(nodeOf("D1"), false);
   EXPECT_EQ(checked(tree), "C D3");
-  tree.setChecked(tree.find("D3").value(), false);
+  tree.setChecked(nodeOf("D3"), false);
   EXPECT_EQ(checked(tree), "");
 }
 

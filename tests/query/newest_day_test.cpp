@@ -1,4 +1,4 @@
-#include "query/newest_day.h"
+#include "query/audit_record.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "query/audit_record.h"
 #include "results/row_store.h"
 
 namespace korvel::query {

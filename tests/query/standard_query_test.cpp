@@ -7,6 +7,7 @@
 #include <string>
 
 #include "db/procedure/audit_conditions.h"
+#include "tests/query/filter_nodes.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
 
@@ -63,7 +64,7 @@ struct StandardQuery : testing::Test {
 TEST_F(StandardQuery, SendsTheCallOverAConnectionOfItsOwn) {
   server.answer = {resultOf({auditRow("1", "CS")})};
   tree.unselectAll();
-  tree.setChecked(tree.find("R1").value(), true);
+  tree.setChecked(nodeOf("R1"), true);
   EXPECT_EQ(run().outcome, QueryOutcome::filled);
   EXPECT_EQ(server.opened, std::vector<std::string>{"the string"});
   EXPECT_EQ(server.executed, std::vector<std::string>{queryAuditsText(tree.flags(), range)});

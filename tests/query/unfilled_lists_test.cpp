@@ -5,7 +5,7 @@
 
 #include "query/custom_query.h"
 #include "query/standard_query.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/watched_allocations.h"

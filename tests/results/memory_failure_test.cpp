@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "base/error.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "results/result_list.h"
-#include "results/row_sink.h"
+#include "results/store_filler.h"
 #include "tests/results/stored_rows.h"
 #include "tests/support/watched_allocations.h"
 
@@ -102,21 +102,21 @@ TEST(OutOfMemory, ALongAnswerFailsAsAnError) {
   const auto oneField = fields(1);
   int failures = 0;
   for (std::size_t allowed = 0; allowed < 1000; allowed += 7) {
-    RowSink sink;
+    StoreFiller filler;
     try {
       const FailingAllocations failing{allowed};
-      sink.beginResult(oneField);
+      filler.beginResult(oneField);
       for (const std::string& number : numbers) {
         const db::Cell cell{number, false};
-        sink.row({&cell, 1});
+        filler.append({&cell, 1});
       }
-      sink.endResult();
+      filler.finish();
     } catch (const Error& error) {
       EXPECT_EQ(error.description(), "Out of memory");
       ++failures;
       continue;
     }
-    EXPECT_EQ(sink.takeStore()->rowCount(), rows);
+    EXPECT_EQ(filler.takeStore()->rowCount(), rows);
   }
   EXPECT_GT(failures, 5);
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "results/out_of_memory.h"
 
 namespace korvel::results {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "results/out_of_memory.h"
+#include "results/memory_watch.h"
 #include "tests/results/stored_rows.h"
 #include "tests/support/watched_allocations.h"
 
@@ -39,6 +39,52 @@ TEST(StoreFiller, ResultSetsFollowEachOtherWhileRowsAreOnTheirWay) {
   for (std::size_t i = 0; i < 3000; ++i)
     ASSERT_EQ(rowOf(*store, longAnswer + i), Row{"narrow " + std::to_string(i)}) << i;
   for (std::size_t i = 0; i < 10; ++i) ASSERT_EQ(rowOf(*store, longAnswer + 3000 + i), wideRow(i)) << i;
+}
+
+TEST(StoreFiller, WithoutAnAnswerHoldsAnEmptyStore) {
+  StoreFiller filler;
+  EXPECT_EQ(filler.rowCount(), 0U);
+  EXPECT_EQ(filler.takeStore()->rowCount(), 0U);
+}
+
+/// A row of three columns: unique, repeating and now and then null, and of very different lengths.
+Row rowOfAnyLength(std::size_t i) {
+  const std::size_t length = i % 20000 == 19999 ? 300000 : i % 97;
+  return {std::to_string(i), i % 3 == 0 ? null : Value{"user " + std::to_string(i % 40)}, std::string(length, 'x')};
+}
+
+// Several result sets of enough rows for the second thread, and texts longer than it takes along with others.
+TEST(StoreFiller, CollectsLongAnswersInTheirOrder) {
+  constexpr std::size_t firstRows = 60000;
+  constexpr std::size_t secondRows = 30000;
+  StoreFiller filler;
+  filler.beginResult(fields(3));
+  for (std::size_t i = 0; i < firstRows; ++i) ASSERT_EQ(filler.append(cells(rowOfAnyLength(i))).value, i);
+  filler.finish();
+  EXPECT_EQ(filler.rowCount(), firstRows);
+  filler.beginResult(fields(1));
+  for (std::size_t i = 0; i < secondRows; ++i)
+    ASSERT_EQ(filler.append(cells({std::to_string(i)})).value, firstRows + i);
+  filler.finish();
+
+  const auto store = filler.takeStore();
+  ASSERT_EQ(store->rowCount(), firstRows + secondRows);
+  for (std::size_t i = 0; i < firstRows; ++i) ASSERT_EQ(rowOf(*store, i), rowOfAnyLength(i)) << i;
+  for (std::size_t i = 0; i < secondRows; ++i) ASSERT_EQ(rowOf(*store, firstRows + i), Row{std::to_string(i)}) << i;
+}
+
+TEST(StoreFiller, CollectsShortAnswersToo) {
+  StoreFiller filler;
+  filler.beginResult(fields(2));
+  filler.append(cells({"1", "2"}));
+  filler.append(cells({"3", null}));
+  filler.beginResult(fields(1));
+  filler.beginResult(fields(1));
+  EXPECT_EQ(filler.append(cells({"4"})).value, 2U);
+  const auto store = filler.takeStore();
+  ASSERT_EQ(store->rowCount(), 3U);
+  EXPECT_EQ(rowOf(*store, 1), (Row{"3", null}));
+  EXPECT_EQ(rowOf(*store, 2), (Row{"4"}));
 }
 
 TEST(StoreFiller, TakesAnotherAnswerAfterItsStoreWasTaken) {

@@ -1,12 +1,15 @@
 #include "tests/support/watched_allocations.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
 
 std::atomic<std::size_t> allocations{0};
+std::atomic<std::size_t> held{0};
 std::atomic<bool> limited{false};
 std::atomic<std::size_t> left{0};
 std::atomic<std::size_t> failuresLeft{0};
@@ -24,11 +27,32 @@ bool mayAllocate() noexcept {
   return takeOne(left) || !takeOne(failuresLeft);
 }
 
+/// What stands before each allocation: its size, in a place that keeps the alignment.
+constexpr std::size_t prefix = alignof(std::max_align_t);
+static_assert(prefix >= sizeof(std::size_t));
+
+void* allocate(std::size_t bytes) noexcept {
+  auto* const memory = static_cast<char*>(std::malloc(prefix + bytes));
+  if (memory == nullptr) return nullptr;
+  std::memcpy(memory, &bytes, sizeof bytes);
+  held += bytes;
+  return memory + prefix;
+}
+
+void release(void* given) noexcept {
+  if (given == nullptr) return;
+  char* const memory = static_cast<char*>(given) - prefix;
+  std::size_t bytes = 0;
+  std::memcpy(&bytes, memory, sizeof bytes);
+  held -= bytes;
+  std::free(memory);
+}
+
 }  // namespace
 
 // Replaces the program's operator new: to count every allocation, and to let a chosen one fail.
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-  return mayAllocate() ? std::malloc(bytes == 0 ? 1 : bytes) : nullptr;
+  return mayAllocate() ? allocate(bytes) : nullptr;
 }
 void* operator new(std::size_t bytes) {
   void* const memory = operator new(bytes, std::nothrow);
@@ -42,22 +66,26 @@ void* operator new[](std::size_t bytes, const std::nothrow_t& tag) noexcept {
   return operator new(bytes, tag);
 }
 void operator delete(void* memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
+  release(memory);
 }
 
 namespace korvel::test {
 
 std::size_t allocationCount() noexcept {
   return allocations;
+}
+
+std::size_t heldBytes() noexcept {
+  return held;
 }
 
 FailingAllocations::FailingAllocations(std::size_t successes, std::size_t failures) noexcept {

@@ -10,6 +10,9 @@ namespace korvel::test {
 /// How many allocations the program has made so far.
 [[nodiscard]] std::size_t allocationCount() noexcept;
 
+/// How many bytes of them the program has not given back.
+[[nodiscard]] std::size_t heldBytes() noexcept;
+
 /// While it lives, allocations of the program through operator new fail after the first `successes`: `failures` of
 /// them, all where none are named.
 class FailingAllocations {

@@ -1,0 +1,108 @@
+#include "db/odbc/driver_watchdog.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvel::db::odbc {
+
+namespace {
+
+/// A driver may try the host's next address after its connection was shut down, and a statement that has not begun yet
+/// cannot be cancelled: what ends it is done again until all is over.
+constexpr std::chrono::milliseconds again{50};
+
+}  // namespace
+
+DriverWatchdog::DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts timeouts, const std::stop_token& stop)
+    : sockets_(sockets),
+      timeouts_(timeouts),
+      stop_(stop),
+      lastActivity_(now()),
+      thread_([this] { watch(); }),
+      onStop_(stop, Waker{this}) {}
+
+DriverWatchdog::~DriverWatchdog() {
+  {
+    const std::lock_guard lock(mutex_);
+    done_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+  if (canceller_.joinable()) canceller_.join();
+}
+
+void DriverWatchdog::discardRest() {
+  decided_ = true;
+  wake();
+}
+
+void DriverWatchdog::wake() {
+  {
+    const std::lock_guard lock(mutex_);
+    woken_ = true;
+  }
+  changed_.notify_all();
+}
+
+void DriverWatchdog::setCancel(std::function<void()> cancel) {
+  const std::lock_guard lock(cancelMutex_);
+  cancel_ = std::move(cancel);
+}
+
+void DriverWatchdog::cancelUntilDone() {
+  std::unique_lock lock(mutex_);
+  while (!done_) {
+    lock.unlock();
+    {
+      const std::lock_guard cancelling(cancelMutex_);
+      if (cancel_) cancel_();
+    }
+    lock.lock();
+    changed_.wait_for(lock, again, [this] { return done_; });
+  }
+}
+
+void DriverWatchdog::watch() {
+  std::unique_lock lock(mutex_);
+  while (!done_) {
+    woken_ = false;
+    lock.unlock();
+    const std::optional<Clock::time_point> next = act();
+    lock.lock();
+    const auto isDue = [this] { return done_ || woken_; };
+    if (next)
+      changed_.wait_until(lock, *next, isDue);
+    else
+      changed_.wait(lock, isDue);
+  }
+}
+
+std::optional<DriverWatchdog::Clock::time_point> DriverWatchdog::act() {
+  const Clock::time_point time = Clock::now();
+  std::optional<Clock::time_point> next;
+  const auto atTheLatest = [&next](Clock::time_point moment) { next = next ? std::min(*next, moment) : moment; };
+  const bool stopped = stop_.stop_requested();
+  if (stopped || decided_) {
+    if (!ending_) ending_ = time + timeouts_.afterStop;
+    if (time >= *ending_) {
+      sockets_.shutDown();
+    } else {
+      if (stopped && !canceller_.joinable()) canceller_ = std::thread([this] { cancelUntilDone(); });
+      atTheLatest(*ending_);
+    }
+    atTheLatest(time + again);
+  }
+  if (timeouts_.silence && !decided_) {
+    const Clock::time_point end = lastActivity() + *timeouts_.silence;
+    if (expired_ || end <= time) {
+      expired_ = true;
+      sockets_.shutDown();
+      atTheLatest(time + again);
+    } else {
+      atTheLatest(end);
+    }
+  }
+  return next;
+}
+
+}  // namespace korvel::db::odbc
