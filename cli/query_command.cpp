@@ -240,6 +240,8 @@ Answered fillLists(const QueryOptions& options, const query::Connector& connect,
   const std::vector<std::string> texts =
       query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, grouped);
   for (const std::string& text : texts) err << text << '\n';
+  // A list without rows says nothing where rows are missing.
+  if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete, {}};
   if (answer.status != exitDone) return answer;
   answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
   if (!report.isComplete()) answer.status = exitIncomplete;
@@ -307,7 +309,8 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
         const Answered answer = fillLists(options, connect, lists, err);
         status = answer.status;
         // Leaves a file as it was.
-        if (status != exitDone && status != exitIncomplete) throw NothingToWrite{};
+        if (lists[options.list].rowCount() == 0 || (status != exitDone && status != exitIncomplete))
+          throw NothingToWrite{};
         writeList(options, lists[options.list], untilInterrupted(sink), answer.remark, err);
       });
     } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already

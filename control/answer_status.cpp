@@ -118,6 +118,7 @@ void AnswerStatus::endQuery(AnswerLists lists) {
 
 void AnswerStatus::setAnswer(AnswerLists lists, ShownAnswer answer) {
   answerOf(lists) = std::move(answer);
+  if (lists == AnswerLists::standard) ++standardAnswers_;
   showEmptyTexts();
   followRestingText();
 }

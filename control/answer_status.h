@@ -74,6 +74,8 @@ class AnswerStatus {
   /// What pages say of the list in front: that it shows alarm rows of all dates, and whether it is complete. Empty
   /// where there is nothing to say.
   [[nodiscard]] QString remark() const;
+  /// How often the standard lists got another answer, or none: what was asked for before is not shown afterwards.
+  [[nodiscard]] int standardAnswers() const noexcept { return standardAnswers_; }
   /// What is known of the answer that the standard lists show.
   [[nodiscard]] const ShownAnswer& standardAnswer() const noexcept { return standardAnswer_; }
 
@@ -95,6 +97,7 @@ class AnswerStatus {
   QString notice_;
   QString shownRestingText_;
   int selections_ = 0;
+  int standardAnswers_ = 0;
 };
 
 }  // namespace korvel::control

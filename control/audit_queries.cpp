@@ -163,13 +163,17 @@ void AuditQueries::TriggerQuery() {
 }
 
 void AuditQueries::LoadAll() {
-  if (libraryState().queryRunning || !answers_.standardAnswer().rowLimitReached) return;
+  // The key works where the button is to be seen.
+  const bool isOffered = surface_.StatusBar1->LoadAll->isEnabled() && surface_.currentTab() != query::customList;
+  if (libraryState().queryRunning || !isOffered) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
-  if (!alive) return;
+  // The host that is told of it may have done anything.
+  if (!alive || libraryState().queryRunning || !answers_.standardAnswer().rowLimitReached) return;
   answers_.clearNotice();
   const std::shared_ptr<ControlServices> services = platform().services;
   ShownAnswer answer = answers_.standardAnswer();
+  const int answersBefore = answers_.standardAnswers();
   const query::FilterTree tree = askedTree_;
   const query::DateRange range = askedRange_;
   query::CompleteAnswer whole;
@@ -192,16 +196,16 @@ void AuditQueries::LoadAll() {
     if (alive) answers_.showRestingText();
   });
   if (use == AnswerUse::outdated) return;
-  const int selection = answers_.selections();
-  if (whole.report().outcome == query::QueryOutcome::stopped) {
-    const bool kept =
-        whole.rowCount() > 0 &&
-        services->confirm(&viewer_, messageTitle(), ownText("complete.keep").arg(ui::countText(whole.rowCount())));
-    // While the question was open, the answer may have become that of another database, or of another question.
-    if (!alive || answers_.selections() != selection || libraryState().queryRunning ||
-        answers_.standardAnswer().question != answer.question || !kept)
-      return;
+  const bool isStopped = whole.report().outcome == query::QueryOutcome::stopped;
+  if (isStopped && whole.rowCount() == 0) {
+    answers_.showNotice(ownText("complete.stopped"));
+    return;
   }
+  if (isStopped &&
+      !services->confirm(&viewer_, messageTitle(), ownText("complete.keep").arg(ui::countText(whole.rowCount()))))
+    return;
+  // Meanwhile, or while the question was open, the lists may have been cleared, or filled by another query.
+  if (!alive || libraryState().queryRunning || answers_.standardAnswers() != answersBefore) return;
   const bool customPage = surface_.currentTab() == query::customList;
   query::CompletionReport report;
   changeStandardLists([&] { report = whole.fill(lists_, customPage ? query::listCount : surface_.currentTab()); });
@@ -215,6 +219,15 @@ void AuditQueries::LoadAll() {
          query::completionTexts(report, lists_[0].rowCount(), libraryState().language,
                                 [](std::size_t count) { return ui::countText(count).toStdString(); }))
       answer.completion.append(fromUtf8(text));
+    answers_.setAnswer(AnswerLists::standard, std::move(answer));
+    return;
+  }
+  if (report.outcome == query::QueryOutcome::noRecords) {
+    // The trail has been emptied since.
+    changeStandardLists([&] { query::clearStandardLists(lists_); });
+    DisplayNoOfRecords();
+    answer.state = AnswerState::nothingFound;
+    answer.rowLimitReached = false;
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }

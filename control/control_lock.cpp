@@ -10,15 +10,11 @@ ControlLock::ControlLock(Surface& surface, CommandItems& menu, CommandItems& too
   const auto always = [] { return true; };
   const auto dateRangeFormExists = [] { return platform().services->hasForm(form_name::dateRange); };
   elements_ = {
-      {surface.frameFilter, always},
-      {surface.btQuery, always},
-      {surface.btClear, always},
-      {surface.btSelectALL, always},
-      {surface.btUnselectALL, always},
-      {surface.btExcel, always},
-      {surface.btPrint, always},
-      {surface.tvTreeView, always},
-      {surface.btDateRangeFilter, dateRangeFormExists},
+      {surface.frameFilter, always},      {surface.btQuery, always},
+      {surface.btClear, always},          {surface.StatusBar1->LoadAll, always},
+      {surface.btSelectALL, always},      {surface.btUnselectALL, always},
+      {surface.btExcel, always},          {surface.btPrint, always},
+      {surface.tvTreeView, always},       {surface.btDateRangeFilter, dateRangeFormExists},
       {surface.btClearDateRange, always},
   };
   for (ResultListView* list : surface.lvListView) elements_.push_back({list, always});

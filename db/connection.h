@@ -50,6 +50,8 @@ class Connection {
   /// The same, in a transaction that is rolled back, also when the text fails or is stopped: for texts that users type.
   /// A text that commits its own transaction is not rolled back. Engines that cannot write execute the text as it is.
   virtual void executeRolledBack(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
+  /// Whether a select of any part of the trail costs no more than the procedure's own answer, and is always allowed.
+  [[nodiscard]] virtual bool selectsFreely() const noexcept { return false; }
   /// Selects rows of the audit trail from its table, beyond the procedure's limit. Throws Error like execute, with
   /// rightMissingNumber where the login may not read the table.
   virtual void select(const AuditSelection& selection, ResultSink& sink) {

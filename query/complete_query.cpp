@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <future>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 #include "base/text.h"
@@ -57,7 +59,7 @@ class Collector final : public db::ResultSink {
     results_[count_].begin(fields);
   }
   bool row(std::span<const db::Cell> cells) override {
-    std::size_t bytes = 0;
+    std::size_t bytes = cells.size() * BufferedRows::bytesOfValue;
     for (const db::Cell& cell : cells) bytes += cell.text.size();
     // A whole answer of the procedure is small, a minute that is selected may not be.
     if (results_[count_].rowCount() >= db::rowLimitPerResult) memory_.grown(bytes);
@@ -95,7 +97,7 @@ bool refusesTheTable(const Error& error) noexcept {
 /// What the worker has joined so far, and the waiting thread may take over at any moment.
 class CompleteAnswer::Collected {
  public:
-  Collected(const results::MemoryGauge& memory, bool rowsRepeat) : join_(memory, rowsRepeat) {}
+  explicit Collected(const results::MemoryGauge& memory) : join_(memory) {}
 
   /// Changes the joined rows, unless they have been taken over.
   template <typename Work>
@@ -162,11 +164,11 @@ class Completion {
     else
       for (std::size_t i = 0; i < flags_.size(); ++i)
         if (flags_[i]) categories.emplace_back(i);
-    if (first.size() < categories.size()) first.resize(categories.size());
     const bool isJoined =
         !std::all_of(first.begin(), first.end(), [&](const BufferedRows& rows) { return isCut(rows); });
     collected_.change([&](RowJoin& /*join*/, CompletionReport& report) { report.slices = isJoined ? 1 : 0; });
     for (std::size_t i = 0; i < categories.size(); ++i) {
+      awaitJoin();
       collected_.change([&](RowJoin& join, CompletionReport& /*report*/) {
         join.beginCategory(categories[i] == alarms);
         if (!isCut(first[i])) join.addDistinct(first[i]);
@@ -174,6 +176,7 @@ class Completion {
       if (isCut(first[i])) finish(categories[i], first[i]);
       first[i] = {};
     }
+    awaitJoin();
   }
 
  private:
@@ -201,29 +204,33 @@ class Completion {
 
   /// Finishes a category whose answer was cut.
   void finish(std::optional<std::size_t> category, const BufferedRows& sample) {
+    if (connection_->selectsFreely()) {
+      selectAtOnce(category);
+      return;
+    }
     DateSlices slices(timeAskedFor(), sample.minutes(), rowLimit_);
-    // Alarm rows of the vel_Alg tables come whatever the time: a time without any other rows tells how many they are.
-    const TimeSlice firstMinute{allServerDays().first, allServerDays().first};
-    const std::vector<BufferedRows> ofAllDates = ask(callOf(category, firstMinute));
-    const std::size_t count = ofAllDates.empty() ? 0 : ofAllDates.front().rowCount();
-    if (count >= rowLimit_) {
+    // Alarm rows of the vel_Alg tables come whatever the time, and those alone where the time ends before it begins.
+    const std::size_t count = rowsOfAllDates(category);
+    const bool leaveLittleRoom = count > rowLimit_ / 2;
+    if (leaveLittleRoom && (count >= rowLimit_ || mayReadTheTable())) {
       finishBySelect(category, timeAskedFor(), IncompletePart::Kind::ofAllDates, sample);
       finishUndated(category, sample);
       return;
     }
     slices.reserve(count);
     while (const auto slice = slices.current()) {
-      const std::vector<BufferedRows> answer = ask(callOf(category, *slice));
+      std::vector<BufferedRows> answer = ask(callOf(category, *slice));
       const BufferedRows none;
       const BufferedRows& rows = answer.empty() ? none : answer.front();
       if (!isCut(rows)) {
-        collected_.change([&](RowJoin& join, CompletionReport& report) {
-          join.addSlice(rows, *slice);
-          ++report.slices;
-        });
         slices.done(rows.minutes());
+        if (!answer.empty()) joinLater(answer.front(), slice);
       } else if (slice->length() > std::chrono::minutes(1)) {
         slices.cut(rows.minutes());
+      } else if (category == alarms && rowsOfAllDates(category) >= rowLimit_) {
+        // They have become too many meanwhile: no slice would have room.
+        finishBySelect(category, {slice->first, timeAskedFor().last}, IncompletePart::Kind::ofAllDates, rows);
+        break;
       } else {
         finishBySelect(category, *slice, IncompletePart::Kind::minute, rows);
         slices.done(rows.minutes());
@@ -232,13 +239,106 @@ class Completion {
     finishUndated(category, sample);
   }
 
+  /// How many rows of a category come whatever the time that is asked for.
+  [[nodiscard]] std::size_t rowsOfAllDates(std::optional<std::size_t> category) {
+    const Minute first = timeAskedFor().first;
+    Call call = callOf(category, {first, first});
+    std::swap(call.from, call.to);
+    const std::vector<BufferedRows> rows = ask(call);
+    return rows.front().rowCount();
+  }
+
+  /// Whether the server lets the login select, as far as a select of no rows tells.
+  [[nodiscard]] bool mayReadTheTable() {
+    const Minute first = timeAskedFor().first;
+    std::vector<BufferedRows> none;
+    return !select(
+        {std::nullopt, db::AuditSelection::Dates::within, beginOf(first + std::chrono::minutes(1)), beginOf(first)},
+        none);
+  }
+
+  /// Reads the whole category by one select, whose rows are joined while the next ones are read.
+  void selectAtOnce(std::optional<std::size_t> category) {
+    using Dates = db::AuditSelection::Dates;
+    const TimeSlice time = timeAskedFor();
+    const db::AuditSelection selection{category, range_.DateRangeActive ? Dates::within : Dates::all,
+                                       beginOf(time.first), endOf(time.last)};
+    Batches batches(*this);
+    connection_->select(selection, batches);
+    if (stop_.stop_requested()) throw Stopped{};
+    batches.flush();
+    awaitJoin();
+    collected_.change([](RowJoin& /*join*/, CompletionReport& report) {
+      ++report.calls;
+      ++report.slices;
+    });
+  }
+
+  /// Hands the rows of one answer over in parts.
+  class Batches final : public db::ResultSink {
+   public:
+    explicit Batches(Completion& completion) : completion_(completion) {}
+
+    void beginResult(std::span<const db::Field> fields) override {
+      fields_.assign(fields.begin(), fields.end());
+      rows_.begin(fields_);
+    }
+    bool row(std::span<const db::Cell> cells) override {
+      rows_.add(cells);
+      if (rows_.rowCount() == db::rowLimitPerResult) flush();
+      return !completion_.stop_.stop_requested();
+    }
+    void endResult() override {}
+    bool shouldContinue() override { return !completion_.stop_.stop_requested(); }
+
+    void flush() {
+      if (rows_.rowCount() == 0) return;
+      completion_.joinLater(rows_, std::nullopt);
+      rows_.begin(fields_);
+    }
+
+   private:
+    Completion& completion_;
+    std::vector<db::Field> fields_;
+    BufferedRows rows_;
+  };
+
+  /// Joins rows on another thread while the next ones are read; takes them, and gives back a buffer to be filled anew.
+  void joinLater(BufferedRows& rows, const std::optional<TimeSlice>& slice) {
+    awaitJoin();
+    std::swap(rows, joined_);
+    const auto join = [this, slice] {
+      collected_.change([&](RowJoin& all, CompletionReport& report) {
+        if (!slice) {
+          all.addDistinct(joined_);
+          return;
+        }
+        all.addSlice(joined_, *slice);
+        ++report.slices;
+      });
+    };
+    try {
+      joining_ = std::async(std::launch::async, join);
+    } catch (const std::system_error&) {
+      join();  // no thread to be had
+    }
+  }
+  /// Throws what the joining threw.
+  void awaitJoin() {
+    if (joining_.valid()) joining_.get();
+  }
+
   /// Selects what slices cannot reach from the table; `cut` is what came of it instead.
   void finishBySelect(std::optional<std::size_t> category, const TimeSlice& slice, IncompletePart::Kind kind,
                       const BufferedRows& cut) {
     const db::AuditSelection selection{category, db::AuditSelection::Dates::within, beginOf(slice.first),
                                        endOf(slice.last)};
     std::vector<BufferedRows> rows;
-    const std::optional<Error> refusal = select(selection, rows);
+    std::optional<Error> refusal = select(selection, rows);
+    // Another table, or another reading of dates, than the procedure's.
+    if (!refusal && (rows.empty() || rows.front().rowCount() < cut.rowCount()))
+      refusal = settings::localizedError(internalErrorNumber, "complete.tableDiffers");
+    awaitJoin();
     collected_.change([&](RowJoin& join, CompletionReport& report) {
       ++report.slices;
       join.addSlice(refusal || rows.empty() ? cut : rows.front(), slice);
@@ -253,16 +353,33 @@ class Completion {
     const db::AuditSelection selection{category, db::AuditSelection::Dates::outside, beginOf(all.first),
                                        endOf(all.last)};
     std::vector<BufferedRows> rows;
-    const std::optional<Error> refusal = select(selection, rows);
+    std::optional<Error> refusal = select(selection, rows);
+    if (refusal && hasDateAlways(sample) && readsBeforeAllServerDays(category, rows)) refusal.reset();
+    awaitJoin();
     collected_.change([&](RowJoin& join, CompletionReport& report) {
       if (refusal) {
-        if (!hasDateAlways(sample))
-          report.incomplete.push_back({IncompletePart::Kind::undated, {}, category, *refusal});
+        report.incomplete.push_back({IncompletePart::Kind::undated, {}, category, *refusal});
       } else if (!rows.empty() && rows.front().rowCount() > 0) {
         ++report.slices;
         join.addSlice(rows.front(), all);
       }
     });
+  }
+
+  /// Asks for dates that come before those of all slices; false where there are too many. Most servers have none.
+  [[nodiscard]] bool readsBeforeAllServerDays(std::optional<std::size_t> category, std::vector<BufferedRows>& rows) {
+    constexpr std::int32_t notADate = 241;
+    constexpr std::int32_t dateOutOfRange = 242;
+    Call call = callOf(category, {allServerDays().first, allServerDays().first});
+    call.from = "0001-01-01 00:00:00.000";
+    call.to = "1752-12-31 23:59:59.999";
+    try {
+      rows = ask(call);
+    } catch (const Error& error) {
+      if (error.number() != notADate && error.number() != dateOutOfRange) throw;
+      return true;
+    }
+    return !isCut(rows.front());
   }
 
   [[nodiscard]] std::vector<BufferedRows> ask(const Call& call) {
@@ -271,13 +388,18 @@ class Completion {
     repeatOnce([&](db::Connection& connection) {
       Collector collector(results, memory_, stop_);
       connection.execute(text, collector);
-      results.resize(collector.count());
+      const std::size_t expected = call.flags.all() ? 1 : call.flags.count();
+      // Result sets are told apart by their order alone.
+      if (!stop_.stop_requested() && collector.count() != expected)
+        throw settings::localizedError(internalErrorNumber, "complete.otherAnswer",
+                                       {std::to_string(collector.count()), std::to_string(expected)});
     });
     return results;
   }
 
   /// Gives the error of a server that refuses the table.
   [[nodiscard]] std::optional<Error> select(const db::AuditSelection& selection, std::vector<BufferedRows>& rows) {
+    if (refusal_) return refusal_;
     try {
       repeatOnce([&](db::Connection& connection) {
         Collector collector(rows, memory_, stop_);
@@ -286,9 +408,9 @@ class Completion {
       });
     } catch (const Error& error) {
       if (!refusesTheTable(error)) throw;
-      return error;
+      refusal_ = error;
     }
-    return std::nullopt;
+    return refusal_;
   }
 
   /// Runs a step on the connection; where that breaks, once more on another one.
@@ -319,6 +441,9 @@ class Completion {
   const std::stop_token& stop_;
   std::size_t rowLimit_;
   std::unique_ptr<db::Connection> connection_;
+  std::optional<Error> refusal_;  ///< of a server that refuses the table
+  BufferedRows joined_;
+  std::future<void> joining_;  // ends before the rows that it joins
 };
 
 }  // namespace
@@ -330,11 +455,16 @@ std::vector<std::string> completionTexts(const CompletionReport& report, std::si
     return settings::filled(settings::ownText(key, language), values);
   };
   const char* const summary = !report.isComplete() ? "complete.not"
-                              : report.calls <= 1  ? "complete.wholeOfOne"
+                              : report.slices <= 1 ? "complete.wholeOfOne"
                                                    : "complete.whole";
   std::vector<std::string> texts{text(summary, {count(records), count(report.slices)})};
   if (report.endedEarly) texts.push_back(text("complete.stopped"));
+  constexpr std::size_t namedParts = 10;
   for (const IncompletePart& part : report.incomplete) {
+    if (texts.size() > namedParts) {
+      texts.push_back(text("complete.more", {count(report.incomplete.size() - namedParts)}));
+      break;
+    }
     const std::string category = part.category ? categoryCaption(*part.category) : text("complete.allCategories");
     constexpr std::array keys{"complete.minute", "complete.ofAllDates", "complete.undated"};
     texts.push_back(text(
@@ -386,8 +516,7 @@ CompleteAnswer completeStandardQuery(const StandardQueryRequest& question, const
   using Collected = CompleteAnswer::Collected;
   const auto broken = failureOf([&] {
     const CategoryFlags flags = question.tree.flags();
-    const bool categoriesOverlap = !flags.all() && flags.count() > 1;
-    const auto collected = std::make_shared<Collected>(environment.memory, categoriesOverlap);
+    const auto collected = std::make_shared<Collected>(environment.memory);
     const auto work = [flags, range = question.range, connectionString = question.connectionString, connect,
                        memory = environment.memory, collected,
                        rowLimit](const std::stop_token& stop) -> std::optional<Error> {

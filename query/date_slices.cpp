@@ -85,7 +85,8 @@ void DateSlices::done(std::span<const Minute> rows) {
   }
   left_.first = slice.last + minutes(1);
   cutBefore_ = false;
-  if (count > 0) density_ = static_cast<double>(count) / static_cast<double>(slice.length().count());
+  // After a slice without rows a wider one is tried.
+  density_ = count > 0 ? static_cast<double>(count) / static_cast<double>(slice.length().count()) : density_ / 2;
   fitToHistory();
 }
 

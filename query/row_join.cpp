@@ -1,6 +1,7 @@
 #include "query/row_join.h"
 
 #include <algorithm>
+#include <charconv>
 #include <new>
 
 #include "base/text.h"
@@ -36,12 +37,17 @@ bool isOwn(const db::Cell& time, const TimeSlice& slice) noexcept {
   if (time.isNull) return false;
   const auto minute = minuteOf(time.text);
   if (!minute || *minute < slice.first || *minute > slice.last) return false;
-  if (*minute != slice.first) return true;
-  // The moment with which a slice begins is the one with which the slice before it ended.
   constexpr std::size_t minuteLength = 16;
   const std::string_view seconds = time.text.substr(std::min(minuteLength, time.text.size()));
-  return seconds.find_first_not_of("0123456789:.") == std::string_view::npos &&
-         seconds.find_first_of("123456789") != std::string_view::npos;
+  // A time with an offset is compared by another clock.
+  if (seconds.find_first_not_of("0123456789:.") != std::string_view::npos) return false;
+  if (*minute != slice.first) return true;
+  // The moment with which a slice begins is the one with which the slice before it ended. Engines may cut what is
+  // behind the milliseconds.
+  constexpr std::size_t milliseconds = 4;
+  const auto point = seconds.find('.');
+  const std::string_view counted = seconds.substr(0, point == std::string_view::npos ? point : point + milliseconds);
+  return counted.find_first_of("123456789") != std::string_view::npos;
 }
 
 }  // namespace
@@ -106,7 +112,7 @@ void RowJoin::Index::place(std::vector<Slot>& slots, const Slot& slot) noexcept 
   slots[at] = slot;
 }
 
-RowJoin::RowJoin(const results::MemoryGauge& memory, bool rowsRepeat) : memory_(memory), rowsRepeat_(rowsRepeat) {}
+RowJoin::RowJoin(const results::MemoryGauge& memory) : memory_(memory) {}
 
 void RowJoin::beginCategory(bool hasRowsOfOtherTimes) {
   counts_.clear();
@@ -122,7 +128,7 @@ void RowJoin::add(const BufferedRows& rows, const TimeSlice* slice) {
       const std::span<const db::Cell> cells = rows.row(i);
       const bool comesOnce = slice == nullptr || (dateTime_ && isOwn(cells[*dateTime_], *slice) &&
                                                   (!hasRowsOfOtherTimes_ || isLimitedByDates(cells)));
-      const results::RowId id = idOf(cells, rowsRepeat_ || !comesOnce);
+      const results::RowId id = idOf(cells);
       if (!comesOnce) {
         Count& count = counts_[id.value];
         if (count.slice != sliceNumber_) count.inSlice = 0;
@@ -157,16 +163,15 @@ void RowJoin::beginResult(const std::vector<db::Field>& fields) {
   store_->beginResult(fields_);
 }
 
-results::RowId RowJoin::idOf(std::span<const db::Cell> cells, bool mayBeStored) {
-  const std::uint32_t hash = mayBeStored ? hashOf(cells) : 0;
-  if (mayBeStored)
-    if (const auto found = rows_.find(hash, [&](results::RowId row) { return isSame(row, cells); })) return *found;
+results::RowId RowJoin::idOf(std::span<const db::Cell> cells) {
+  const std::uint32_t hash = hashOf(cells);
+  if (const auto found = rows_.find(hash, [&](results::RowId row) { return isSame(row, cells); })) return *found;
   constexpr std::size_t bytesOfCode = 4;
   std::size_t bytes = cells.size() * bytesOfCode;
   for (const db::Cell& cell : cells) bytes += cell.text.size();
   memory_.grown(bytes);
   const results::RowId row = store_->append(cells);
-  if (mayBeStored) rows_.insert(hash, row);
+  rows_.insert(hash, row);
   noteEntry(row, cells);
   return row;
 }
@@ -180,18 +185,35 @@ bool RowJoin::isSame(results::RowId row, std::span<const db::Cell> cells) const 
   return true;
 }
 
-void RowJoin::noteEntry(results::RowId row, std::span<const db::Cell> cells) {
-  constexpr std::size_t namedEntries = 10;
-  if (entryNumber_ >= cells.size() || cells[entryNumber_].text.empty()) return;
-  const std::string_view number = cells[entryNumber_].text;
+bool RowJoin::isNewEntry(results::RowId row, std::string_view number) {
+  // Running numbers, as they nearly always are, cost a bit each.
+  std::size_t value = 0;
+  const auto [end, problem] = std::from_chars(number.data(), number.data() + number.size(), value);
+  constexpr std::size_t bitsAtFirst = std::size_t{1} << 24U;
+  constexpr std::size_t bitsOfRow = 64;
+  const bool isPlain = problem == std::errc() && end == number.data() + number.size() &&
+                       (number.size() == 1 || number.front() != '0') && number.front() != '-';
+  if (isPlain && value < std::max(bitsAtFirst, bitsOfRow * store_->rowCount())) {
+    if (value >= plainEntries_.size()) plainEntries_.resize(std::max(value + 1, plainEntries_.size() * 2));
+    const bool isNew = !plainEntries_[value];
+    plainEntries_[value] = true;
+    // A large number may have come while so many bits would not have paid.
+    if (!isNew || value < bitsAtFirst) return isNew;
+  }
   const std::uint32_t hash = hashOf(number);
   const auto isThis = [&](results::RowId other) {
     return store_->cell(other, results::ColumnIndex{entryNumber_}).text == number;
   };
-  if (!entries_.find(hash, isThis)) {
-    entries_.insert(hash, row);
-    return;
-  }
+  if (entries_.find(hash, isThis)) return false;
+  entries_.insert(hash, row);
+  return true;
+}
+
+void RowJoin::noteEntry(results::RowId row, std::span<const db::Cell> cells) {
+  constexpr std::size_t namedEntries = 10;
+  if (entryNumber_ >= cells.size() || cells[entryNumber_].text.empty()) return;
+  const std::string_view number = cells[entryNumber_].text;
+  if (isNewEntry(row, number)) return;
   ++changedEntryCount_;
   const bool isNamed = std::find(changedEntries_.begin(), changedEntries_.end(), number) != changedEntries_.end();
   if (!isNamed && changedEntries_.size() < namedEntries) changedEntries_.emplace_back(number);

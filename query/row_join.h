@@ -21,6 +21,9 @@ namespace korvel::query {
 /// The rows of one result set, until it is known whether they are all that there are.
 class BufferedRows {
  public:
+  /// What a value costs beside its text.
+  static constexpr std::size_t bytesOfValue = 16;
+
   void begin(std::span<const db::Field> fields);
   void add(std::span<const db::Cell> cells);
   void clear() noexcept;
@@ -49,8 +52,7 @@ class BufferedRows {
 /// often as the procedure without its limit would give them: once for each category that they belong to.
 class RowJoin {
  public:
-  /// `rowsRepeat` where categories overlap, so that rows may come several times.
-  RowJoin(const results::MemoryGauge& memory, bool rowsRepeat);
+  explicit RowJoin(const results::MemoryGauge& memory);
 
   /// The result sets of another category follow. Those of the alarms have rows of other times than asked for.
   void beginCategory(bool hasRowsOfOtherTimes);
@@ -106,15 +108,16 @@ class RowJoin {
 
   void add(const BufferedRows& rows, const TimeSlice* slice);
   void beginResult(const std::vector<db::Field>& fields);
-  [[nodiscard]] results::RowId idOf(std::span<const db::Cell> cells, bool mayBeStored);
+  [[nodiscard]] results::RowId idOf(std::span<const db::Cell> cells);
   /// Whether an alarm row is one of those that a date range limits.
   [[nodiscard]] bool isLimitedByDates(std::span<const db::Cell> cells) const noexcept;
   [[nodiscard]] bool isSame(results::RowId row, std::span<const db::Cell> cells) const noexcept;
+  /// Whether an entry number comes for the first time.
+  [[nodiscard]] bool isNewEntry(results::RowId row, std::string_view number);
   void noteEntry(results::RowId row, std::span<const db::Cell> cells);
 
   std::shared_ptr<results::RowStore> store_ = std::make_shared<results::RowStore>();
   results::MemoryWatch memory_;
-  bool rowsRepeat_;
   std::vector<db::Field> fields_;
   std::optional<std::size_t> auditType_;
   std::size_t entryNumber_ = 0;
@@ -123,6 +126,7 @@ class RowJoin {
   bool hasRowsOfOtherTimes_ = false;
   Index rows_;
   Index entries_;
+  std::vector<bool> plainEntries_;  ///< which of the numbers without signs and leading zeros have come
   std::unordered_map<std::uint32_t, Count> counts_;
   std::size_t sliceNumber_ = 0;
   std::array<std::vector<results::RowId>, standardListCount> lists_;

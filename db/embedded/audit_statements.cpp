@@ -149,19 +149,19 @@ std::vector<std::string> auditStatements(const QueryAuditsCall& call, std::strin
 }
 
 std::string auditSelectionStatement(const AuditSelection& selection, std::string_view tableOrder) {
-  const std::string dates = dateText(selection.from, selection.to);
-  const bool isWithin = selection.dates == AuditSelection::Dates::within;
-  std::string condition;
+  using Dates = AuditSelection::Dates;
+  const std::string dates = selection.dates == Dates::all ? std::string() : dateText(selection.from, selection.to);
+  const std::string within = selection.dates == Dates::within ? dates : std::string();
+  std::string condition = within;
   if (selection.category) {
-    for (const std::string& each :
-         alternativesOf(categoryConditions().at(*selection.category), isWithin ? dates : std::string()))
+    condition.clear();
+    for (const std::string& each : alternativesOf(categoryConditions().at(*selection.category), within))
       condition.append(condition.empty() ? "(" : " OR ").append(each);
     condition += ")";
-  } else if (isWithin) {
-    condition = dates;
   }
   // A row without a date lies outside of every range.
-  if (!isWithin) condition.append(condition.empty() ? "" : " AND ").append("NOT coalesce(" + dates + ", 0)");
+  if (selection.dates == Dates::outside)
+    condition.append(condition.empty() ? "" : " AND ").append("NOT coalesce(" + dates + ", 0)");
   return selectionOfAll("*", condition, tableOrder);
 }
 

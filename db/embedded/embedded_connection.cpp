@@ -27,6 +27,8 @@ class EmbeddedConnection final : public Connection {
     database_.checkUnchanged();
   }
 
+  [[nodiscard]] bool selectsFreely() const noexcept override { return true; }
+
   void select(const AuditSelection& selection, ResultSink& sink) override {
     runText(auditSelectionStatement(selection, database_.tableOrder(std::string(auditTrail))), sink);
     database_.checkUnchanged();

@@ -10,6 +10,7 @@ namespace korvel::db {
 /// login that may read it.
 struct AuditSelection {
   enum class Dates {
+    all,      ///< without any condition on dates
     within,  ///< the procedure's date condition, joined as the procedure joins it
     outside  ///< rows of the condition without dates that no call with dates gives: no date, or one beyond the bounds
   };
@@ -17,7 +18,7 @@ struct AuditSelection {
   /// The category by the place of its parameter, counted from 0; nothing for the whole trail.
   std::optional<std::size_t> category;
   Dates dates = Dates::within;
-  /// The bounds, both included, as "2004-03-07 00:00:00.000".
+  /// The bounds, both included, as "2004-03-07 00:00:00.000"; not read for all dates.
   std::string from;
   std::string to;
 };

@@ -104,19 +104,23 @@ void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
 }  // namespace
 
 std::string auditSelectionText(const AuditSelection& selection) {
-  const std::string from = dateLiteral(selection.from);
-  const std::string to = dateLiteral(selection.to);
-  const std::string within = "DateTime >= " + from + " and DateTime <= " + to;
-  const std::string outside = "(DateTime is null or DateTime < " + from + " or DateTime > " + to + ")";
-  const bool isWithin = selection.dates == AuditSelection::Dates::within;
-  std::string condition;
-  if (!selection.category) {
-    condition = isWithin ? within : outside;
-  } else {
-    const CategoryCondition& category = categoryConditions().at(*selection.category);
-    condition = isWithin ? conditionText(category, within) : "(" + conditionText(category, {}) + ") and " + outside;
+  using Dates = AuditSelection::Dates;
+  std::string within;
+  std::string outside;
+  if (selection.dates != Dates::all) {
+    const std::string from = dateLiteral(selection.from);
+    const std::string to = dateLiteral(selection.to);
+    if (selection.dates == Dates::within)
+      within = "DateTime >= " + from + " and DateTime <= " + to;
+    else
+      outside = "(DateTime is null or DateTime < " + from + " or DateTime > " + to + ")";
   }
-  return "SELECT * FROM Korvel_Audit_Trails WHERE " + condition;
+  std::string condition = within + outside;
+  if (selection.category) {
+    condition = conditionText(categoryConditions().at(*selection.category), within);
+    if (!outside.empty()) condition = "(" + condition + ") and " + outside;
+  }
+  return "SELECT * FROM Korvel_Audit_Trails" + (condition.empty() ? std::string() : " WHERE " + condition);
 }
 
 std::string queryAuditsScript() {

@@ -196,6 +196,48 @@ TEST_F(LoadAll, SurvivesTheEndOfTheControl) {
   EXPECT_EQ(viewer, nullptr);
 }
 
+TEST_F(LoadAll, ShowsNothingWhereTheTrailWasEmptied) {
+  const auto viewer = cutAnswer();
+  server.answer = [this](db::ResultSink& sink) {
+    begin(sink, {"Nr", "DateTime", "TableName", "AuditType"});
+    sink.endResult();
+  };
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), 0);
+  EXPECT_EQ(lastFailure(*viewer), "");
+  EXPECT_FALSE(button(*viewer).isVisible());
+}
+
+TEST_F(LoadAll, DoesNotFillListsThatWereClearedMeanwhile) {
+  const auto viewer = cutAnswer();
+  beforeAnswer = [&](db::ResultSink&) {
+    if (calls == 5) onWindowThread([&] { element<QAbstractButton>(*viewer, "btClear")->click(); });
+  };
+  button(*viewer).click();
+  EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), 0);
+}
+
+TEST_F(LoadAll, IsLockedWithTheQueryButton) {
+  const auto viewer = cutAnswer();
+  viewer->LockControls();
+  EXPECT_FALSE(button(*viewer).isEnabled());
+  const int before = calls;
+  viewer->activateWindow();
+  QTest::keyClick(viewer.get(), Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(calls, before);
+  viewer->UnlockControls();
+  EXPECT_TRUE(button(*viewer).isEnabled());
+}
+
+TEST_F(LoadAll, HasNoKeyOnTheCustomPage) {
+  const auto viewer = cutAnswer();
+  selectTab(*viewer, 5);
+  const int before = calls;
+  viewer->activateWindow();
+  QTest::keyClick(viewer.get(), Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(calls, before);
+}
+
 TEST_F(LoadAll, IsNotOfferedInTheMiddleOfAQuery) {
   const auto viewer = cutAnswer();
   bool offered = true;

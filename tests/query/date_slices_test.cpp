@@ -138,6 +138,12 @@ TEST(DateSlices, PassOverYearsWithoutRows) {
   EXPECT_LE(walked.calls, 40U);
 }
 
+TEST(DateSlices, WidenAfterABurst) {
+  Trail trail;
+  trail.addDay(march, 12000, 0h, 5min);
+  EXPECT_LE(walk(trail, wholeDays(march, march)).calls, 30U);
+}
+
 TEST(DateSlices, LeaveRoomForRowsOfOtherTimes) {
   Trail trail;
   for (int day = 0; day < 400; ++day) trail.addDay(march + days(day), 24);
