@@ -67,7 +67,6 @@ void setUpAuditColumns(results::ResultList& list) {
 }
 
 std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list) {
-  const auto& columns = auditColumns();
   const auto column =
       std::find_if(columns.begin(), columns.end(), [](const AuditColumn& each) { return each.name == dateColumn; });
   std::optional<std::chrono::year_month_day> newest;

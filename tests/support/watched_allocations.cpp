@@ -1,10 +1,10 @@
 #include "tests/support/watched_allocations.h"
 
 #include <atomic>
-#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <new>
+
+#include "tests/support/allocation_size.h"
 
 namespace {
 
@@ -27,24 +27,16 @@ bool mayAllocate() noexcept {
   return takeOne(left) || !takeOne(failuresLeft);
 }
 
-/// What stands before each allocation: its size, in a place that keeps the alignment.
-constexpr std::size_t prefix = alignof(std::max_align_t);
-static_assert(prefix >= sizeof(std::size_t));
-
 void* allocate(std::size_t bytes) noexcept {
-  auto* const memory = static_cast<char*>(std::malloc(prefix + bytes));
-  if (memory == nullptr) return nullptr;
-  std::memcpy(memory, &bytes, sizeof bytes);
-  held += bytes;
-  return memory + prefix;
+  void* const memory = std::malloc(bytes == 0 ? 1 : bytes);
+  if (memory != nullptr) held += korvel::test::allocationSize(memory);
+  return memory;
 }
 
-void release(void* given) noexcept {
-  if (given == nullptr) return;
-  char* const memory = static_cast<char*>(given) - prefix;
-  std::size_t bytes = 0;
-  std::memcpy(&bytes, memory, sizeof bytes);
-  held -= bytes;
+// Also for memory that another library has allocated: no size can stand before it.
+void release(void* memory) noexcept {
+  if (memory == nullptr) return;
+  held -= korvel::test::allocationSize(memory);
   std::free(memory);
 }
 
