@@ -12,10 +12,6 @@ struct Theme;
 }
 
 namespace korvel::query {
-struct Theme;
-}
-
-namespace korvel::query {
 
 /// What SQL is written in. All of it keeps a contrast of at least 4.5:1 to the editor's ground, to the ground of the
 /// line that an error was found in, and to a pair of parentheses.
