@@ -142,7 +142,7 @@ void DateSlices::fitToSample(std::span<const Minute> sample, double most) {
 
 void DateSlices::fitToHistory() {
   if (left_.first > left_.last) return;
-  constexpr Hour farthest = 2 * 366 * hoursOfDay;
+  constexpr Hour farthest = Hour{2} * 366 * hoursOfDay;
   const Hour first = hourOf(left_.first);
   double rows = 0;
   double width = 0;

@@ -61,7 +61,8 @@ class DateSlices {
   [[nodiscard]] double target() const noexcept;
   void fitToSample(std::span<const Minute> sample, double most);
   void fitToHistory();
-  void setWidth(double minutes);
+  /// `width` in minutes.
+  void setWidth(double width);
 
   TimeSlice left_;  ///< what has not been done
   std::chrono::minutes width_;

@@ -156,8 +156,11 @@ class CompleteQuery : public testing::Test {
       if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(nodeOf(node.key), true);
     const std::string connectionString = "a server";
     lists = makeResultLists();
+    // A worker that was stopped uses the server until it ends: it is not abandoned.
+    QueryEnvironment patient;
+    patient.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
     CompleteAnswer answer =
-        completeStandardQuery({tree, range, connectionString}, server.connector(), onWait, {}, limit);
+        completeStandardQuery({tree, range, connectionString}, server.connector(), onWait, patient, limit);
     return answer.fill(lists, 0);
   }
 
