@@ -10,7 +10,7 @@ namespace korvel::db {
 /// login that may read it.
 struct AuditSelection {
   enum class Dates {
-    all,      ///< without any condition on dates
+    all,     ///< without any condition on dates
     within,  ///< the procedure's date condition, joined as the procedure joins it
     outside  ///< rows of the condition without dates that no call with dates gives: no date, or one beyond the bounds
   };
