@@ -19,8 +19,6 @@
 namespace korvel::query {
 namespace {
 
-constexpr std::size_t alarms = 1;  // parameter 2, counted from 0
-
 /// The query was asked to stop.
 struct Stopped {};
 
@@ -32,21 +30,10 @@ std::string categoryCaption(std::size_t category) {
   return {};
 }
 
-/// What a call asks for, and the two texts of its dates.
 struct Call {
   CategoryFlags flags;
-  bool hasDates = false;
-  std::string from = "False";
-  std::string to = "False";
+  DateTexts dates;
 };
-
-std::string textOf(const Call& call) {
-  const auto truth = [](bool value) { return value ? "True" : "False"; };
-  std::string text = "QueryAudits '";
-  for (std::size_t i = 0; i < call.flags.size(); ++i) text.append(truth(call.flags[i])).append("','");
-  text.append(truth(call.hasDates)).append("','").append(call.from).append("','").append(call.to);
-  return text + "'";
-}
 
 /// The result sets of one call or select.
 class Collector final : public db::ResultSink {
@@ -152,12 +139,7 @@ class Completion {
 
   void run() {
     // What is not cut is done with the first answer; its later result sets are looked at whatever the first one holds.
-    Call whole{flags_, range_.DateRangeActive};
-    if (range_.DateRangeActive) {
-      whole.from = fromDateText(range_);
-      whole.to = toDateText(range_);
-    }
-    std::vector<BufferedRows> first = ask(whole);
+    std::vector<BufferedRows> first = ask({flags_, textsOf(range_)});
     std::vector<std::optional<std::size_t>> categories;
     if (flags_.all())
       categories.emplace_back();
@@ -170,7 +152,7 @@ class Completion {
     for (std::size_t i = 0; i < categories.size(); ++i) {
       awaitJoin();
       collected_.change([&](RowJoin& join, CompletionReport& /*report*/) {
-        join.beginCategory(categories[i] == alarms);
+        join.beginCategory(categories[i] == alarmsCategory);
         if (!isCut(first[i])) join.addDistinct(first[i]);
       });
       if (isCut(first[i])) finish(categories[i], first[i]);
@@ -197,7 +179,7 @@ class Completion {
   }
 
   [[nodiscard]] Call callOf(std::optional<std::size_t> category, const TimeSlice& slice) const {
-    Call call{flags_, true, beginOf(slice.first), endOf(slice.last)};
+    Call call{flags_, {true, beginOf(slice.first), endOf(slice.last)}};
     if (category) call.flags = CategoryFlags().set(*category);
     return call;
   }
@@ -227,7 +209,7 @@ class Completion {
         if (!answer.empty()) joinLater(answer.front(), slice);
       } else if (slice->length() > std::chrono::minutes(1)) {
         slices.cut(rows.minutes());
-      } else if (category == alarms && rowsOfAllDates(category) >= rowLimit_) {
+      } else if (category == alarmsCategory && rowsOfAllDates(category) >= rowLimit_) {
         // They have become too many meanwhile: no slice would have room.
         finishBySelect(category, {slice->first, timeAskedFor().last}, IncompletePart::Kind::ofAllDates, rows);
         break;
@@ -243,7 +225,7 @@ class Completion {
   [[nodiscard]] std::size_t rowsOfAllDates(std::optional<std::size_t> category) {
     const Minute first = timeAskedFor().first;
     Call call = callOf(category, {first, first});
-    std::swap(call.from, call.to);
+    std::swap(call.dates.from, call.dates.to);
     const std::vector<BufferedRows> rows = ask(call);
     return rows.front().rowCount();
   }
@@ -371,8 +353,8 @@ class Completion {
     constexpr std::int32_t notADate = 241;
     constexpr std::int32_t dateOutOfRange = 242;
     Call call = callOf(category, {allServerDays().first, allServerDays().first});
-    call.from = "0001-01-01 00:00:00.000";
-    call.to = "1752-12-31 23:59:59.999";
+    call.dates.from = "0001-01-01 00:00:00.000";
+    call.dates.to = "1752-12-31 23:59:59.999";
     try {
       rows = ask(call);
     } catch (const Error& error) {
@@ -384,7 +366,7 @@ class Completion {
 
   [[nodiscard]] std::vector<BufferedRows> ask(const Call& call) {
     std::vector<BufferedRows> results;
-    const std::string text = textOf(call);
+    const std::string text = queryAuditsText(call.flags, call.dates);
     repeatOnce([&](db::Connection& connection) {
       Collector collector(results, memory_, stop_);
       connection.execute(text, collector);

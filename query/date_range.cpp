@@ -39,6 +39,10 @@ std::string toDateText(const DateRange& range) {
   return momentText(range, range.RangeToDate, " 23:59:59.999");
 }
 
+DateTexts textsOf(const DateRange& range) {
+  return {range.DateRangeActive, fromDateText(range), toDateText(range)};
+}
+
 bool isInOrder(const DateRange& range) noexcept {
   return range.RangeToDate >= range.RangeFromDate;
 }

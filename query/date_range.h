@@ -19,6 +19,14 @@ struct DateRange {
 [[nodiscard]] std::string fromDateText(const DateRange& range);
 [[nodiscard]] std::string toDateText(const DateRange& range);
 
+/// The three values of a call that are about dates.
+struct DateTexts {
+  bool active = false;
+  std::string from = "False";
+  std::string to = "False";
+};
+[[nodiscard]] DateTexts textsOf(const DateRange& range);
+
 /// Whether the last day does not lie before the first: the same day on both sides is in order.
 [[nodiscard]] bool isInOrder(const DateRange& range) noexcept;
 

@@ -28,6 +28,8 @@ inline constexpr std::size_t filterNodeCount = 13;
 
 /// Which of the ten categories are ticked, in parameter order.
 using CategoryFlags = std::bitset<db::categoryCount>;
+/// The alarms' place among them, counted from 0.
+inline constexpr std::size_t alarmsCategory = 1;
 
 /// The check state of the filter tree, free of any widget.
 class FilterTree {

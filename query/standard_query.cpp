@@ -19,24 +19,27 @@ constexpr std::string_view truthText(bool value) noexcept {
 
 }  // namespace
 
-std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
+std::string queryAuditsText(const CategoryFlags& flags, const DateTexts& dates) {
   std::string text = "QueryAudits '";
   for (std::size_t i = 0; i < flags.size(); ++i) {
     text += truthText(flags[i]);
     text += "','";
   }
-  text += truthText(range.DateRangeActive);
+  text += truthText(dates.active);
   text += "','";
-  text += fromDateText(range);
+  text += dates.from;
   text += "','";
-  text += toDateText(range);
+  text += dates.to;
   text += '\'';
   return text;
 }
 
+std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range) {
+  return queryAuditsText(flags, textsOf(range));
+}
+
 bool alarmsComeFromAllDates(const CategoryFlags& flags, const DateRange& range) noexcept {
-  constexpr std::size_t alarms = 1;  // parameter 2, counted from 0
-  return range.DateRangeActive && flags[alarms] && !flags.all();
+  return range.DateRangeActive && flags[alarmsCategory] && !flags.all();
 }
 
 ResultLists makeResultLists() {

@@ -20,6 +20,8 @@ namespace korvel::query {
 
 /// The command text of the standard query: QueryAudits and its thirteen quoted values.
 [[nodiscard]] std::string queryAuditsText(const CategoryFlags& flags, const DateRange& range);
+/// The same with dates of any moment.
+[[nodiscard]] std::string queryAuditsText(const CategoryFlags& flags, const DateTexts& dates);
 
 /// Whether the standard query for these categories and this range answers with alarm rows of all dates: the alarm
 /// category's rows of the tables vel_Alg are deliberately not limited by the range. With all ten categories ticked the

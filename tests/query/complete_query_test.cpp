@@ -82,6 +82,16 @@ class Server {
     };
   }
 
+  /// Each row twice, which a table without a key may hold.
+  void repeatEveryRow() {
+    test::DatabaseWriter(folder_ / "D.db")
+        .run(
+            "CREATE TABLE Copy AS SELECT * FROM Korvel_Audit_Trails; DROP TABLE Korvel_Audit_Trails; ALTER TABLE Copy "
+            "RENAME TO Korvel_Audit_Trails; INSERT INTO Korvel_Audit_Trails SELECT * FROM Korvel_Audit_Trails");
+    const std::vector<AuditEntry> once = entries;
+    entries.insert(entries.end(), once.begin(), once.end());
+  }
+
   std::vector<AuditEntry> entries;
   bool tableIsClosed = false;
   bool datesAreAlways = false;
@@ -270,11 +280,7 @@ TEST_F(CompleteQuery, KeepsRowsThatAreTheSameInAllColumns) {
     entries.push_back(
         {i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i / 12)) + " 00:00:00", "Screen", "X", "OA"});
   Server server(entries);
-  test::DatabaseWriter(server.folder_ / "D.db")
-      .run(
-          "CREATE TABLE Copy AS SELECT * FROM Korvel_Audit_Trails; DROP TABLE Korvel_Audit_Trails; ALTER TABLE Copy "
-          "RENAME TO Korvel_Audit_Trails; INSERT INTO Korvel_Audit_Trails SELECT * FROM Korvel_Audit_Trails");
-  server.entries.insert(server.entries.end(), entries.begin(), entries.end());
+  server.repeatEveryRow();
   expectWhole(server, actions, noRange);
   expectWhole(server, all, noRange);
   expectWhole(server, CategoryFlags(0b10001), noRange);
@@ -286,11 +292,7 @@ TEST_F(CompleteQuery, StoresRowsThatAreTheSameOnceAndCountsThemAll) {
     entries.push_back(
         {i, dayText(sys_days(2004y / 4 / 1) + std::chrono::days(i / 6)) + " 08:00:30", "Screen", "X", "OA"});
   Server server(entries);
-  test::DatabaseWriter(server.folder_ / "D.db")
-      .run(
-          "CREATE TABLE Copy AS SELECT * FROM Korvel_Audit_Trails; DROP TABLE Korvel_Audit_Trails; ALTER TABLE Copy "
-          "RENAME TO Korvel_Audit_Trails; INSERT INTO Korvel_Audit_Trails SELECT * FROM Korvel_Audit_Trails");
-  server.entries.insert(server.entries.end(), entries.begin(), entries.end());
+  server.repeatEveryRow();
   expectWhole(server, all, noRange);
   EXPECT_EQ(lists[0].store()->rowCount(), 60U);
 }
