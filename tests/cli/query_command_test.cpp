@@ -154,6 +154,10 @@ TEST_F(QueryCommand, SaysWhatIsMissingFromAnAnswerThatCannotBeCompleted) {
             "all categories: records without a date cannot be asked for, and the table cannot be read instead: The "
             "SELECT permission was denied.\n");
   EXPECT_EQ(std::count(tool.out.begin(), tool.out.end(), '\n'), 5001);
+  // A list without rows is not known to have none.
+  const ToolRun empty = run({"--complete", "--format", "csv", "--quiet", "--list", "3"});
+  EXPECT_EQ(empty.status, exitIncomplete);
+  EXPECT_EQ(empty.out, "");
 }
 
 TEST_F(QueryCommand, LeavesFilesAsTheyWereWhereCompletingFails) {
