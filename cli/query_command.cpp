@@ -170,7 +170,8 @@ void sayNotes(const query::FilterTree& tree, const query::DateRange& range, cons
     err << "note: " << settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{}) << ".\n";
   if (report.fullResults > 0)
     err << "note: " << report.fullResults << (report.fullResults == 1 ? " answer holds " : " answers hold ")
-        << db::rowLimitPerResult << " records, the most that the procedure returns; there may be more.\n";
+        << db::rowLimitPerResult
+        << " records, the most that the procedure returns; there may be more, which --complete reads.\n";
 }
 
 query::FilterTree treeOf(const QueryOptions& options) {

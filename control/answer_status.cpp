@@ -43,8 +43,18 @@ QString AnswerStatus::alarmRemark() const {
 QString AnswerStatus::remark() const {
   QStringList sentences;
   if (const QString alarms = alarmRemark(); !alarms.isEmpty()) sentences.append(alarms);
-  if (surface_.currentTab() != query::customList) sentences.append(standardAnswer_.completion.mid(0, 1));
+  sentences.append(completionTexts().mid(0, 1));
   return sentences.join(QStringLiteral(". "));
+}
+
+QStringList AnswerStatus::completionTexts() const {
+  QStringList texts;
+  if (!standardAnswer_.completion || surface_.currentTab() == query::customList) return texts;
+  const auto& [report, records] = *standardAnswer_.completion;
+  for (const std::string& text : query::completionTexts(
+           report, records, libraryState().language, [](std::size_t count) { return countText(count).toStdString(); }))
+    texts.append(fromUtf8(text));
+  return texts;
 }
 
 /// A cut-off answer looks complete and an outdated one current: the status panel says so until the next query.
@@ -53,13 +63,11 @@ QString AnswerStatus::restingText() const {
   const auto say = [&](const QString& sentence) {
     if (!sentence.isEmpty()) sentences.append(sentence);
   };
-  say(notice_);
+  if (notice_) say(notice_());
   if (isOutOfDate()) say(ownText("status.outOfDate"));
   say(alarmRemark());
-  if (surface_.currentTab() != query::customList) sentences.append(standardAnswer_.completion);
-  // Another range would change nothing about alarm rows of all dates.
-  if (standardAnswer_.rowLimitReached && standardAnswer_.completion.isEmpty())
-    say(ownText(standardAnswer_.alarmsOfAllDates ? "status.rowLimitOfFilter" : "status.rowLimit"));
+  sentences.append(completionTexts());
+  if (isAllOffered() && !standardAnswer_.completion) say(ownText("status.rowLimit"));
   return sentences.join(QStringLiteral(". "));
 }
 
@@ -68,13 +76,17 @@ void AnswerStatus::showRestingText() {
   surface_.StatusBar1->setStatus(shownRestingText_);
 }
 
-void AnswerStatus::showNotice(const QString& notice) {
-  notice_ = notice;
+void AnswerStatus::showNotice(std::function<QString()> notice) {
+  notice_ = std::move(notice);
   showRestingText();
 }
 
+bool AnswerStatus::isAllOffered() const {
+  return standardAnswer_.rowLimitReached && surface_.currentTab() != query::customList;
+}
+
 void AnswerStatus::followRestingText() {
-  surface_.StatusBar1->offerLoadAll(standardAnswer_.rowLimitReached && surface_.currentTab() != query::customList);
+  surface_.StatusBar1->offerLoadAll(isAllOffered());
   // The progress of a query and the help of a command stay until they end; the resting text is computed again then.
   if (surface_.StatusBar1->status() == shownRestingText_) showRestingText();
 }

@@ -2,8 +2,11 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <optional>
 #include <string>
 
+#include "query/complete_query.h"
 #include "query/filter_tree.h"
 
 namespace korvel::control {
@@ -26,9 +29,12 @@ struct ShownAnswer {
   bool alarmsOfAllDates = false;
   /// A result set came with as many rows as the procedure returns at most.
   bool rowLimitReached = false;
-  /// What is said of an answer of which all was loaded, in the language of that time: whether it is complete, of how
-  /// many records, and then what is missing. Empty for any other answer.
-  QStringList completion = {};
+  /// How the loading of all records came out, and how many there are; nothing for any other answer.
+  struct Completion {
+    query::CompletionReport report;
+    std::size_t records = 0;
+  };
+  std::optional<Completion> completion = {};
 
   /// Whether the lists show what was asked, also where that is nothing.
   [[nodiscard]] bool isAnswer() const noexcept {
@@ -59,8 +65,9 @@ class AnswerStatus {
   [[nodiscard]] int selections() const noexcept { return selections_; }
 
   /// Says `notice` until it is cleared: by the next query, a change of the page or the end of the rows it is about.
-  void showNotice(const QString& notice);
-  void clearNotice() { notice_.clear(); }
+  /// Asked for its text again and again, because the language may change.
+  void showNotice(std::function<QString()> notice);
+  void clearNotice() { notice_ = nullptr; }
 
   /// What the status panel says while nothing goes on and no command is highlighted.
   void showRestingText();
@@ -85,7 +92,12 @@ class AnswerStatus {
   [[nodiscard]] bool hasDatabase() const;
   /// Whether the current page shows the answer to another question than the present one.
   [[nodiscard]] bool isOutOfDate() const;
+  /// Whether more records may be loaded into the list in front.
+  [[nodiscard]] bool isAllOffered() const;
   [[nodiscard]] QString restingText() const;
+  /// What is said of an answer of which all was loaded: whether it is complete, of how many records, and then what is
+  /// missing. Empty for any other answer, and on the custom page.
+  [[nodiscard]] QStringList completionTexts() const;
   /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
   [[nodiscard]] QString alarmRemark() const;
   [[nodiscard]] QString emptyText(const ShownAnswer& answer, bool custom) const;
@@ -94,7 +106,7 @@ class AnswerStatus {
   const query::FilterTree& filterTree_;
   ShownAnswer standardAnswer_;
   ShownAnswer customAnswer_;
-  QString notice_;
+  std::function<QString()> notice_;
   QString shownRestingText_;
   int selections_ = 0;
   int standardAnswers_ = 0;

@@ -145,7 +145,7 @@ void AuditQueries::TriggerQuery() {
       break;
     case query::QueryOutcome::stopped:
       answers_.setAnswer(AnswerLists::standard, {.state = AnswerState::stopped});
-      answers_.showNotice(ownText("custom.stopped"));
+      answers_.showNotice([] { return ownText("custom.stopped"); });
       break;
     case query::QueryOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
@@ -198,7 +198,7 @@ void AuditQueries::LoadAll() {
   if (use == AnswerUse::outdated) return;
   const bool isStopped = whole.report().outcome == query::QueryOutcome::stopped;
   if (isStopped && whole.rowCount() == 0) {
-    answers_.showNotice(ownText("complete.stopped"));
+    answers_.showNotice([] { return ownText("complete.stopped"); });
     return;
   }
   if (isStopped &&
@@ -214,11 +214,7 @@ void AuditQueries::LoadAll() {
   if (report.outcome == query::QueryOutcome::filled) {
     // What was stopped may be begun again.
     answer.rowLimitReached = report.endedEarly;
-    answer.completion.clear();
-    for (const std::string& text :
-         query::completionTexts(report, lists_[0].rowCount(), libraryState().language,
-                                [](std::size_t count) { return ui::countText(count).toStdString(); }))
-      answer.completion.append(fromUtf8(text));
+    answer.completion = {report, lists_[0].rowCount()};
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }
@@ -228,11 +224,12 @@ void AuditQueries::LoadAll() {
     DisplayNoOfRecords();
     answer.state = AnswerState::nothingFound;
     answer.rowLimitReached = false;
+    answer.completion.reset();
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }
   const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
-  answers_.showNotice(ownText("complete.failed").arg(failureText(failure)));
+  answers_.showNotice([failure] { return ownText("complete.failed").arg(failureText(failure)); });
   queryFailed(failure);
 }
 
@@ -289,7 +286,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
       break;
     case query::CustomOutcome::stopped:
       answers_.setAnswer(AnswerLists::custom, {.state = AnswerState::stopped});
-      answers_.showNotice(ownText("custom.stopped"));
+      answers_.showNotice([] { return ownText("custom.stopped"); });
       break;
     case query::CustomOutcome::failed: {
       const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));

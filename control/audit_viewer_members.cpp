@@ -77,6 +77,7 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([this] { sideTools.showAccessibleNames(); });
   skipFailing([this] { customPage.showTexts(); });
   skipFailing([this] { answers.showEmptyTexts(); });
+  skipFailing([this] { answers.followRestingText(); });
 }
 
 void AuditViewer::Members::followSelectionEverywhere() {

@@ -60,8 +60,9 @@ void ListCommands::connectList(ResultListView& list) {
   });
   QObject::connect(&list, &ResultListView::refused, &viewer_,
                    [this](const QString& text) { messages_.inform(messageTitle(), text); });
-  QObject::connect(&list, &ResultListView::noticed, &viewer_,
-                   [this](const QString& text) { answers_.showNotice(text); });
+  QObject::connect(&list, &ResultListView::selectionScattered, &viewer_, [this](std::size_t count) {
+    answers_.showNotice([count] { return ownText("list.selectionScattered").arg(countText(count)); });
+  });
 }
 
 void ListCommands::connectContextMenus(ResultListView& list) {

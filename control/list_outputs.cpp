@@ -95,10 +95,12 @@ void ListOutputs::exportCurrentList(
     else
       surface_.StatusBar1->paintNow();
   });
-  QString notice = ownText("export.written").arg(exported.file);
-  if (exported.replaced > 0)
-    notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
-  answers_.showNotice(notice);
+  answers_.showNotice([exported] {
+    QString notice = ownText("export.written").arg(exported.file);
+    if (exported.replaced > 0)
+      notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
+    return notice;
+  });
   if (open) open(exported.file);
   if (alive) bar.hide();
   // The pointer belongs to the program: it is reset also where the control is gone.

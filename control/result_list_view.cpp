@@ -174,7 +174,7 @@ void ResultListView::restoreSelection() {
   const std::size_t count = saved_.count();
   saved_ = {};
   if (spans.size() > maxRanges) {
-    Q_EMIT noticed(ownText("list.selectionScattered").arg(countText(count)));
+    Q_EMIT selectionScattered(count);
     return;
   }
   QItemSelection selection;

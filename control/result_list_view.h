@@ -61,8 +61,8 @@ class ResultListView final : public ui::ResultTable {
   void columnMenuRequested(const QPoint& place);
   /// A command was refused; `text` says why.
   void refused(const QString& text);
-  /// A notice for the user.
-  void noticed(const QString& text);
+  /// The rows that were selected, so many, lie too far apart after sorting to be selected again.
+  void selectionScattered(std::size_t count);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

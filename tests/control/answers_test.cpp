@@ -226,13 +226,13 @@ TEST_F(Answers, AlarmRowsOfAllDatesAreReported) {
   EXPECT_EQ(statusPanel(*viewer), "") << "there are no rows";
 }
 
-TEST_F(Answers, ACutAnswerWithAlarmsOfAllDatesDoesNotAdviseAnotherRange) {
+TEST_F(Answers, ACutAnswerWithAlarmsOfAllDatesTellsOfBoth) {
   const auto viewer = shownViewer();
   server.resultSets = {std::vector<CannedRow>(5000, record("1", "CS"))};
   chooseDay(2004y / 3 / 7);
   tick(*viewer, "Document Control", false);
   click(*viewer, "btQuery");
-  EXPECT_EQ(statusPanel(*viewer), allDates + ". " + ownText("status.rowLimitOfFilter"));
+  EXPECT_EQ(statusPanel(*viewer), allDates + ". " + ownText("status.rowLimit"));
 }
 
 }  // namespace

@@ -67,8 +67,10 @@ TEST_F(LoadAll, IsOfferedWhereAnAnswerIsCut) {
   EXPECT_TRUE(button(*viewer).isVisible());
   EXPECT_EQ(button(*viewer).text(), "Load all");
   EXPECT_EQ(button(*viewer).toolTip(), "Load the records beyond the limit too (Ctrl+Shift+L)");
+  EXPECT_TRUE(statusPanel(*viewer).contains("\"Load all\" (Ctrl+Shift+L)")) << statusPanel(*viewer).toStdString();
   selectTab(*viewer, 5);
   EXPECT_FALSE(button(*viewer).isVisible()) << "custom queries have no limit";
+  EXPECT_EQ(statusPanel(*viewer), "");
   selectTab(*viewer, 1);
   EXPECT_TRUE(button(*viewer).isVisible());
   click(*viewer, "btClear");
@@ -91,6 +93,28 @@ TEST_F(LoadAll, ShowsEveryRecordAndSaysThatTheAnswerIsComplete) {
 
   click(*viewer, "btQuery");
   EXPECT_EQ(statusPanel(*viewer), ownText("status.rowLimit")) << "the next query knows nothing of it";
+}
+
+TEST_F(LoadAll, SaysHowItCameOutInTheCurrentLanguage) {
+  const auto viewer = cutAnswer();
+  button(*viewer).click();
+  EXPECT_TRUE(statusPanel(*viewer).startsWith("complete: 12000 records from "));
+  control::libraryState().language = settings::LanguageOffset("10000");
+  viewer->SwitchLanguage();
+  EXPECT_TRUE(statusPanel(*viewer).startsWith(QString::fromUtf8("vollständig: 12000 Datensätze aus ")))
+      << statusPanel(*viewer).toStdString();
+}
+
+TEST_F(LoadAll, SaysWhyItFailedInTheCurrentLanguage) {
+  const auto viewer = cutAnswer();
+  beforeAnswer = [&](db::ResultSink&) {
+    if (calls > 4) throw Error(10054, "Connection reset by peer");
+  };
+  button(*viewer).click();
+  control::libraryState().language = settings::LanguageOffset("10000");
+  viewer->SwitchLanguage();
+  EXPECT_TRUE(statusPanel(*viewer).startsWith(QString::fromUtf8("Nicht alle Datensätze konnten geladen werden")))
+      << statusPanel(*viewer).toStdString();
 }
 
 TEST_F(LoadAll, HasAKey) {
