@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -57,6 +58,38 @@ class Column {
         break;
     }
     return block.at<StoredText>(at);
+  }
+
+  /// The distinct values that rows refer to by code, null among them, at code 0; rows that have no code are not
+  /// counted.
+  [[nodiscard]] std::size_t codeCount() const noexcept { return dictionary_.size(); }
+  [[nodiscard]] StoredText valueOf(ValueCode code) const noexcept { return dictionary_.stored(code); }
+
+  /// Goes through the rows [begin, end) block by block, where `end` is at most size(). Calls `onCodes(row, count,
+  /// codes)` for rows that have codes and `onTexts(row, count, texts)` for rows that have the addresses of their texts:
+  /// `row` is the first of them, and `codes(i)` or `texts(i)` belongs to the i-th.
+  template <typename OnCodes, typename OnTexts>
+  void forEachBlock(std::size_t begin, std::size_t end, OnCodes onCodes, OnTexts onTexts) const {
+    while (begin < end) {
+      const Block& block = blocks_[begin / blockRows];
+      const std::size_t first = begin % blockRows;
+      const std::size_t count = std::min(blockRows - first, end - begin);
+      switch (block.width) {
+        case EntryWidth::byte:
+          onCodes(begin, count, [&](std::size_t i) { return ValueCode{block.at<std::uint8_t>(first + i)}; });
+          break;
+        case EntryWidth::two:
+          onCodes(begin, count, [&](std::size_t i) { return ValueCode{block.at<std::uint16_t>(first + i)}; });
+          break;
+        case EntryWidth::four:
+          onCodes(begin, count, [&](std::size_t i) { return ValueCode{block.at<std::uint32_t>(first + i)}; });
+          break;
+        case EntryWidth::address:
+          onTexts(begin, count, [&](std::size_t i) { return block.at<StoredText>(first + i); });
+          break;
+      }
+      begin += count;
+    }
   }
 
   /// Calls `visit` with every text of the column at least once; nulls are passed over.

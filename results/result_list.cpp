@@ -48,6 +48,17 @@ std::vector<RowId> orderedBy(const std::vector<std::uint32_t>& keys, const std::
   return ordered;
 }
 
+/// The rows whose records pass, in the same order.
+std::vector<RowId> passingRows(const std::vector<RowId>& rows, const std::vector<std::uint8_t>& passing) {
+  std::size_t count = 0;
+  for (const RowId row : rows) count += passing[row.value];
+  std::vector<RowId> shown;
+  shown.reserve(count);
+  for (const RowId row : rows)
+    if (passing[row.value] != 0) shown.push_back(row);
+  return shown;
+}
+
 }  // namespace
 
 void ResultList::setColumns(std::vector<ColumnHeader> columns) {
@@ -64,6 +75,9 @@ void ResultList::startOver(std::vector<ColumnHeader> columns) noexcept {
 
 void ResultList::clear() noexcept {
   rows_ = {};
+  filter_ = {};
+  wholeRows_ = {};
+  passing_ = {};
   store_.reset();
   entryNumbersRewritten_ = false;
   rewrittenNegatives_ = {};
@@ -83,22 +97,65 @@ void ResultList::setRows(std::shared_ptr<const RowStore> store, std::vector<RowI
   }
 }
 
+void ResultList::setFilter(RowFilter filter) {
+  try {
+    if (filter.isEmpty()) {
+      if (!isFiltered()) return;
+      rows_ = std::move(wholeRows_);
+      filter_ = {};
+      wholeRows_ = {};
+      passing_ = {};
+      return;
+    }
+    std::vector<std::uint8_t> passing = passingRecords(*this, filter);
+    std::vector<RowId> shown = passingRows(isFiltered() ? wholeRows_ : rows_, passing);
+    // Nothing fails from here on.
+    if (!isFiltered()) wholeRows_ = std::move(rows_);
+    rows_ = std::move(shown);
+    passing_ = std::move(passing);
+    filter_ = std::move(filter);
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
+}
+
+ResultList ResultList::unfiltered() const {
+  try {
+    ResultList copy = *this;
+    copy.setFilter({});
+    return copy;
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
+}
+
+bool ResultList::fills(ColumnIndex column, std::size_t width) const noexcept {
+  return isFilled(filling_, column, width);
+}
+
+bool ResultList::rewritesEntryNumbers(ColumnIndex column) const noexcept {
+  return entryNumbersRewritten_ && column == entryNumberColumn;
+}
+
 bool ResultList::isFilledIn(RowId row, ColumnIndex column) const noexcept {
   return isFilled(filling_, column, store_->widthOf(row));
 }
 
 std::string_view ResultList::text(RowPosition row, ColumnIndex column) const noexcept {
   if (row.value >= rows_.size()) return {};
-  const RowId id = rows_[row.value];
-  if (!isFilledIn(id, column)) return {};
-  const std::string_view shown = trimBlanks(store_->cell(id, column).text);
-  return entryNumbersRewritten_ && column == entryNumberColumn ? rewrittenNumber(id, shown) : shown;
+  return textOf(rows_[row.value], column);
+}
+
+std::string_view ResultList::textOf(RowId row, ColumnIndex column) const noexcept {
+  if (!isFilledIn(row, column)) return {};
+  const std::string_view shown = trimBlanks(store_->cell(row, column).text);
+  return rewritesEntryNumbers(column) ? rewrittenNumber(row, shown) : shown;
 }
 
 void ResultList::visitTexts(ColumnIndex column, const std::function<void(std::string_view)>& visit) const {
   // A column that the widest record does not fill is filled by none.
   if (store_ == nullptr || !isFilled(filling_, column, store_->columnCount())) return;
-  const bool rewritten = entryNumbersRewritten_ && column == entryNumberColumn;
+  const bool rewritten = rewritesEntryNumbers(column);
   const auto show = [&](std::string_view stored) {
     const std::string_view shown = trimBlanks(stored);
     const auto negative = rewritten && shown.starts_with(zeroBehindSign) ? wholeNumber(shown) : std::nullopt;
@@ -129,18 +186,19 @@ std::string_view ResultList::rewrittenNumber(RowId row, std::string_view shown) 
   return withoutLeadingZeros(shown);
 }
 
-std::vector<std::pair<RowId, std::string>> ResultList::rewriteNegatives(const std::vector<std::uint32_t>& keys) const {
-  const auto textOf = [&](RowId row) { return trimBlanks(store_->cell(row, entryNumberColumn).text); };
+std::vector<std::pair<RowId, std::string>> ResultList::rewriteNegatives(const std::vector<RowId>& rows,
+                                                                        const std::vector<std::uint32_t>& keys) const {
+  const auto storedText = [&](RowId row) { return trimBlanks(store_->cell(row, entryNumberColumn).text); };
   // Texts below zero stand before all other numbers: mostly a look at the least text tells that there are none.
   std::size_t least = 0;
   for (std::size_t i = 0; i < keys.size(); ++i)
     if (keys[i] != 0 && (keys[least] == 0 || keys[i] < keys[least])) least = i;
-  const std::string_view leastText = textOf(rows_[least]);
+  const std::string_view leastText = storedText(rows[least]);
   if (leastText.empty() || leastText.front() > '-') return {};
 
   std::vector<std::pair<RowId, std::string>> rewritten;
-  for (const RowId row : rows_) {
-    const std::string_view shown = textOf(row);
+  for (const RowId row : rows) {
+    const std::string_view shown = storedText(row);
     if (!shown.starts_with(zeroBehindSign)) continue;
     const auto number = wholeNumber(shown);
     if (number) rewritten.emplace_back(row, std::string(number->negative ? "-" : "").append(number->digits));
@@ -170,15 +228,19 @@ void ResultList::sortAs(ColumnIndex key, SortOrder order) {
   const bool byEntryNumber = key == entryNumberColumn;
   // Ordering by entry number rewrites the numbers of a standard list; a custom list shows what the server sent.
   const bool rewrites = byEntryNumber && filling_ == RowFilling::standard && !entryNumbersRewritten_;
-  if (!rows_.empty()) {
+  std::vector<RowId>& rows = isFiltered() ? wholeRows_ : rows_;
+  if (!rows.empty()) {
     try {
       const std::vector<std::uint32_t> ranks = store_->ranks(key, byEntryNumber);
-      std::vector<std::uint32_t> keys(rows_.size());
+      std::vector<std::uint32_t> keys(rows.size());
       // Rows that do not fill the column rank with the empty text, which is 0.
-      for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = isFilledIn(rows_[i], key) ? ranks[rows_[i].value] : 0;
-      auto rewritten = rewrites ? rewriteNegatives(keys) : std::vector<std::pair<RowId, std::string>>{};
-      if (!std::is_sorted(keys.begin(), keys.end()) || order == SortOrder::descending)
-        rows_ = orderedBy(keys, rows_, order);
+      for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = isFilledIn(rows[i], key) ? ranks[rows[i].value] : 0;
+      auto rewritten = rewrites ? rewriteNegatives(rows, keys) : std::vector<std::pair<RowId, std::string>>{};
+      if (!std::is_sorted(keys.begin(), keys.end()) || order == SortOrder::descending) {
+        std::vector<RowId> ordered = orderedBy(keys, rows, order);
+        if (isFiltered()) rows_ = passingRows(ordered, passing_);
+        rows = std::move(ordered);
+      }
       if (rewrites) rewrittenNegatives_ = std::move(rewritten);
     } catch (const std::bad_alloc&) {
       throw outOfMemory();

@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "base/twips.h"
+#include "results/row_filter.h"
 #include "results/row_store.h"
 
 namespace korvel::results {
@@ -47,13 +49,26 @@ class ResultList {
   /// columns were sorted by means nothing for others, and these rows come in the order that their query asks for.
   void startOver(std::vector<ColumnHeader> columns) noexcept;
 
-  /// Drops the rows (and the reference to their store); headers, sort key and order stay.
+  /// Drops the rows (and the reference to their store) and the filter; headers, sort key and order stay.
   void clear() noexcept;
-  /// Replaces the rows. A list whose sorting is on sorts them at once; where memory runs out for that, it throws Error
-  /// and the list has no rows, rather than rows in an order that its header denies.
+  /// Replaces the rows; no filter is active then. A list whose sorting is on sorts them at once; where memory runs out
+  /// for that, it throws Error and the list has no rows, rather than rows in an order that its header denies.
   void setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows);
 
+  /// Shows only the rows that pass; an empty filter shows all. Throws Error when memory runs out; the list then shows
+  /// what it showed before. Sorting afterwards changes the order of the rows that are shown, and not which they are.
+  void setFilter(RowFilter filter);
+  [[nodiscard]] const RowFilter& filter() const noexcept { return filter_; }
+  [[nodiscard]] bool isFiltered() const noexcept { return !filter_.isEmpty(); }
+  /// A copy that shows all rows, in the same order. Throws Error when memory runs out.
+  [[nodiscard]] ResultList unfiltered() const;
+
+  /// Number of rows that are shown. Positions, texts and records below are those of the rows that are shown.
   [[nodiscard]] std::size_t rowCount() const noexcept { return rows_.size(); }
+  /// Number of rows, those that a filter hides included.
+  [[nodiscard]] std::size_t wholeRowCount() const noexcept { return wholeRows().size(); }
+  /// The records of all rows, in order; each record is a row once at most.
+  [[nodiscard]] std::span<const RowId> wholeRows() const noexcept { return isFiltered() ? wholeRows_ : rows_; }
   /// Text of a cell as it is shown: blanks trimmed, null empty, columns that are not filled empty.
   [[nodiscard]] std::string_view text(RowPosition row, ColumnIndex column) const noexcept;
   /// Calls `visit` with every text that the column shows in some row, at least once each and hardly more often where
@@ -62,6 +77,13 @@ class ResultList {
   /// The record behind a row.
   [[nodiscard]] RowId rowId(RowPosition row) const noexcept { return rows_[row.value]; }
   [[nodiscard]] const RowStore* store() const noexcept { return store_.get(); }
+  /// Text of a record's cell as the list shows or would show it.
+  [[nodiscard]] std::string_view textOf(RowId row, ColumnIndex column) const noexcept;
+  /// Whether the list shows this column of records that have `width` columns.
+  [[nodiscard]] bool fills(ColumnIndex column, std::size_t width) const noexcept;
+  /// Whether the column shows numbers without their leading zeros; and whether negative ones are among them.
+  [[nodiscard]] bool rewritesEntryNumbers(ColumnIndex column) const noexcept;
+  [[nodiscard]] bool hasRewrittenNegatives() const noexcept { return !rewrittenNegatives_.empty(); }
 
   // Sorting throws Error when memory runs out; rows, key, order and tags then stay as they were.
 
@@ -83,7 +105,10 @@ class ResultList {
   RowFilling filling_;
   std::vector<ColumnHeader> columns_;
   std::shared_ptr<const RowStore> store_;
-  std::vector<RowId> rows_;
+  std::vector<RowId> rows_;  ///< that are shown
+  RowFilter filter_;
+  std::vector<RowId> wholeRows_;       ///< all rows, while there is a filter
+  std::vector<std::uint8_t> passing_;  ///< a byte a record: whether it passes the filter, while there is one
   ColumnIndex sortKey_;
   SortOrder sortOrder_ = SortOrder::ascending;
   bool sorted_ = false;
@@ -94,7 +119,7 @@ class ResultList {
   [[nodiscard]] bool isFilledIn(RowId row, ColumnIndex column) const noexcept;
   [[nodiscard]] std::string_view rewrittenNumber(RowId row, std::string_view shown) const noexcept;
   [[nodiscard]] std::vector<std::pair<RowId, std::string>> rewriteNegatives(
-      const std::vector<std::uint32_t>& keys) const;
+      const std::vector<RowId>& rows, const std::vector<std::uint32_t>& keys) const;
   void sortAs(ColumnIndex key, SortOrder order);
 };
 

@@ -110,6 +110,20 @@ db::Cell RowStore::cell(RowId row, ColumnIndex column) const noexcept {
   return {textAt(stored), stored == nullptr};
 }
 
+const Column* RowStore::column(ColumnIndex column) const noexcept {
+  return column.value < impl_->columns.size() ? &impl_->columns[column.value] : nullptr;
+}
+
+std::vector<ResultRows> RowStore::results() const {
+  std::vector<ResultRows> results;
+  for (const Segment& segment : impl_->segments) {
+    if (!results.empty()) results.back().end = segment.firstRow;
+    results.push_back({segment.firstRow, impl_->rowCount, segment.fields.size()});
+  }
+  std::erase_if(results, [](const ResultRows& each) { return each.first == each.end; });
+  return results;
+}
+
 std::vector<std::uint32_t> RowStore::ranks(ColumnIndex column, bool numericKeys) const {
   try {
     std::vector<std::uint32_t> ranks(impl_->rowCount, 0);

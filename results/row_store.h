@@ -31,6 +31,15 @@ struct RowPosition {
   friend constexpr auto operator<=>(RowPosition, RowPosition) = default;
 };
 
+class Column;
+
+/// Rows [first, end) of one result set, which has `width` columns.
+struct ResultRows {
+  std::size_t first = 0;
+  std::size_t end = 0;
+  std::size_t width = 0;
+};
+
 /// The rows of one answer, each stored once, column by column: a column keeps every distinct value once and a code of
 /// 1, 2 or 4 bytes a row; a column whose values hardly repeat stops looking for repeats. Values are kept exactly as the
 /// server gave them, null apart from empty. Append-only; shared read-only by the lists once filled.
@@ -58,6 +67,11 @@ class RowStore final {
   [[nodiscard]] std::span<const db::Field> fieldsOf(RowId row) const noexcept;
   /// The value; an empty null cell beyond the row's width. The text lives as long as the store.
   [[nodiscard]] db::Cell cell(RowId row, ColumnIndex column) const noexcept;
+
+  /// The stored values of a column; null beyond the widest result set. For going through all rows of a column at once.
+  [[nodiscard]] const Column* column(ColumnIndex column) const noexcept;
+  /// The result sets that have rows, in the order of arrival.
+  [[nodiscard]] std::vector<ResultRows> results() const;
 
   /// The rank of every row by the column's text as lists show it (blanks trimmed): case-insensitive, equal texts have
   /// equal ranks, null ranks as empty; with `numericKeys`, numbers of up to nine digits rank by their value padded to

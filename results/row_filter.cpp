@@ -1,0 +1,87 @@
+#include "results/row_filter.h"
+
+#include <algorithm>
+#include <new>
+#include <span>
+#include <string_view>
+
+#include "results/found_cells.h"
+#include "results/memory_watch.h"
+#include "results/result_list.h"
+#include "results/shown_column.h"
+#include "results/text_ids.h"
+
+namespace korvel::results {
+
+namespace {
+
+/// A condition, prepared for many texts.
+class ConditionTest {
+ public:
+  explicit ConditionTest(const ColumnCondition& condition) : range_(condition.range), excludes_(condition.excludes) {
+    for (const ShownValue& value : condition.values) {
+      if (value.isNull)
+        null_ = true;
+      else
+        values_.idOf(value.text);
+    }
+    std::vector<std::string_view> sorted(condition.beginnings.begin(), condition.beginnings.end());
+    std::sort(sorted.begin(), sorted.end());
+    // What begins with another one adds nothing; without it, no two of them begin a text.
+    for (const std::string_view beginning : sorted)
+      if (beginnings_.empty() || !beginning.starts_with(beginnings_.back())) beginnings_.push_back(beginning);
+  }
+
+  [[nodiscard]] std::uint8_t operator()(std::string_view text, bool isNull) const {
+    return meets(text, isNull) != excludes_ ? 1 : 0;
+  }
+
+ private:
+  [[nodiscard]] bool meets(std::string_view text, bool isNull) const {
+    if (isNull) return null_;
+    if (values_.size() == 1 ? sameText(values_.textOf(0), text) : values_.size() != 0 && values_.find(text))
+      return true;
+    if (!beginnings_.empty()) {
+      const auto after = std::upper_bound(beginnings_.begin(), beginnings_.end(), text);
+      if (after != beginnings_.begin() && text.starts_with(*std::prev(after))) return true;
+    }
+    return range_ && text >= range_->from && (range_->before.empty() || text < range_->before);
+  }
+
+  TextIds values_;
+  bool null_ = false;
+  std::vector<std::string_view> beginnings_;
+  std::optional<TextRange> range_;
+  bool excludes_;
+};
+
+}  // namespace
+
+std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter& filter,
+                                         std::optional<ColumnIndex> except) {
+  try {
+    const std::size_t records = list.store() == nullptr ? 0 : list.store()->rowCount();
+    const std::span<const RowId> rows = list.wholeRows();
+    std::vector<std::uint8_t> passing(records, rows.size() == records ? 1 : 0);
+    if (rows.size() != records)
+      for (const RowId row : rows) passing[row.value] = 1;
+    if (passing.empty()) return passing;
+    for (const ColumnCondition& condition : filter.columns) {
+      if (condition.column == except) continue;
+      const ShownColumn column(list, condition.column);
+      std::uint8_t* const out = passing.data();
+      column.forEachRow(ConditionTest(condition), [out](std::size_t row, std::uint8_t meets) { out[row] &= meets; });
+    }
+    for (const TextCondition& condition : filter.texts) {
+      const std::vector<std::uint8_t> matching =
+          FoundCells(list, condition.matcher, condition.columns).matchingRecords();
+      std::transform(passing.begin(), passing.end(), matching.begin(), passing.begin(),
+                     [](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>(a & b); });
+    }
+    return passing;
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
+}
+
+}  // namespace korvel::results

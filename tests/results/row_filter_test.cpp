@@ -1,0 +1,150 @@
+#include "results/row_filter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/results/generated_list.h"
+
+namespace korvel::results {
+namespace {
+
+using test::GeneratedList;
+
+bool meets(const GeneratedList& made, RowId record, const ColumnCondition& condition) {
+  const test::Value shown = made.shown(record, condition.column.value);
+  bool met = false;
+  for (const ShownValue& value : condition.values) met = met || (value.isNull ? !shown : shown && *shown == value.text);
+  for (const std::string& beginning : condition.beginnings) met = met || (shown && shown->starts_with(beginning));
+  if (condition.range && shown)
+    met = met ||
+          (*shown >= condition.range->from && (condition.range->before.empty() || *shown < condition.range->before));
+  return met != condition.excludes;
+}
+
+std::vector<RowId> plainly(const GeneratedList& made, const RowFilter& filter) {
+  std::vector<RowId> rows;
+  for (const RowId record : made.list.wholeRows()) {
+    bool passes = std::all_of(filter.columns.begin(), filter.columns.end(),
+                              [&](const ColumnCondition& each) { return meets(made, record, each); });
+    for (const TextCondition& condition : filter.texts)
+      passes = passes && std::any_of(condition.columns.begin(), condition.columns.end(), [&](ColumnIndex column) {
+                 return condition.matcher.matches(made.shownText(record, column.value));
+               });
+    if (passes) rows.push_back(record);
+  }
+  return rows;
+}
+
+std::vector<RowId> shownRows(const ResultList& list) {
+  std::vector<RowId> rows;
+  for (std::size_t row = 0; row < list.rowCount(); ++row) rows.push_back(list.rowId({row}));
+  return rows;
+}
+
+ShownValue text(std::string value) {
+  return {std::move(value), false};
+}
+const ShownValue nullValue{"", true};
+
+std::vector<RowFilter> filters() {
+  std::vector<ColumnCondition> conditions = {
+      {.column = {2}, .values = {text("jose")}},
+      {.column = {2}, .values = {text("")}},
+      {.column = {2}, .values = {text("Straße"), text("Luca"), text("nobody")}},
+      {.column = {3}, .values = {nullValue}},
+      {.column = {3}, .values = {text("")}},
+      {.column = {3}, .values = {nullValue, text("")}},
+      {.column = {3}, .values = {}},
+      {.column = {0}, .values = {text("12"), text("007"), text("7"), text("-3999")}},
+      {.column = {1}, .beginnings = {"2004-01-0", "2004-01-03", "2004-02", "2004-02-11"}},
+      {.column = {1}, .range = TextRange{"2004-01-05", "2004-01-06 12"}},
+      {.column = {1}, .range = TextRange{"2004-02-20", ""}},
+      {.column = {1}, .values = {text("")}, .beginnings = {"2004-01"}, .range = TextRange{"2004-02-20", ""}},
+      {.column = {5}, .values = {text("😀 pump"), text("\xFF raw")}},
+      {.column = {6}, .values = {text("")}},
+      {.column = {7}, .values = {text("last"), nullValue}},
+      {.column = {99}, .values = {text("x")}},
+  };
+  const std::size_t plain = conditions.size();
+  for (std::size_t i = 0; i < plain; ++i) {
+    conditions.push_back(conditions[i]);
+    conditions.back().excludes = true;
+  }
+  std::vector<RowFilter> all;
+  for (const ColumnCondition& condition : conditions) all.push_back({{condition}, {}});
+  for (std::size_t i = 0; i + 5 < conditions.size(); ++i) all.push_back({{conditions[i], conditions[i + 5]}, {}});
+  const TextCondition tic{TextMatcher("tic", {}), {{4}, {5}}};
+  all.push_back({{}, {tic}});
+  all.push_back({{conditions[plain]}, {tic, {TextMatcher("1", {}), {{0}, {4}}}}});
+  return all;
+}
+
+TEST(RowFilter, ShowsExactlyTheRowsThatMeetEveryCondition) {
+  for (const RowFilling filling : {RowFilling::standard, RowFilling::whole}) {
+    GeneratedList made(filling, 3);
+    for (const bool sorted : {false, true}) {
+      if (sorted) made.list.sortBy({0}, SortOrder::descending);
+      for (const RowFilter& filter : filters()) {
+        made.list.setFilter(filter);
+        ASSERT_EQ(shownRows(made.list), plainly(made, filter)) << &filter - filters().data();
+        ASSERT_EQ(made.list.wholeRowCount(), (GeneratedList::wideRows + GeneratedList::narrowRows + 2) / 3);
+      }
+    }
+  }
+}
+
+TEST(RowFilter, SortingKeepsWhatIsShown) {
+  GeneratedList made(RowFilling::standard);
+  const RowFilter filter{{{.column = {2}, .values = {text("jose"), text("Luca")}}}, {}};
+  made.list.setFilter(filter);
+  for (std::size_t key = 0; key < 6; ++key) {
+    for (const SortOrder order : {SortOrder::ascending, SortOrder::descending}) {
+      made.list.sortBy({key}, order);
+      const std::vector<RowId> shown = shownRows(made.list);
+      ASSERT_EQ(shown, plainly(made, filter));
+      ResultList whole = made.list.unfiltered();
+      EXPECT_FALSE(whole.isFiltered());
+      ASSERT_EQ(shownRows(whole).size(), made.list.wholeRowCount());
+      EXPECT_EQ(shownRows(whole), std::vector<RowId>(made.list.wholeRows().begin(), made.list.wholeRows().end()));
+    }
+  }
+  made.list.setFilter({});
+  EXPECT_EQ(made.list.rowCount(), made.list.wholeRowCount());
+  EXPECT_FALSE(made.list.isFiltered());
+}
+
+TEST(RowFilter, OneFilterReplacesAnother) {
+  GeneratedList made(RowFilling::whole);
+  made.list.setFilter({{{.column = {2}, .values = {text("jose")}}}, {}});
+  const RowFilter other{{{.column = {2}, .values = {text("Luca")}}}, {}};
+  made.list.setFilter(other);
+  EXPECT_EQ(shownRows(made.list), plainly(made, other));
+  ASSERT_FALSE(shownRows(made.list).empty());
+}
+
+TEST(RowFilter, OtherRowsDropIt) {
+  GeneratedList made(RowFilling::whole);
+  made.list.setFilter({{{.column = {2}, .values = {text("jose")}}}, {}});
+  made.list.setRows(test::storeOf({{"1"}, {"2"}}), {{0}, {1}});
+  EXPECT_FALSE(made.list.isFiltered());
+  EXPECT_EQ(made.list.rowCount(), 2U);
+  made.list.setFilter({{{.column = {0}, .values = {text("2")}}}, {}});
+  EXPECT_EQ(made.list.rowCount(), 1U);
+  made.list.clear();
+  EXPECT_FALSE(made.list.isFiltered());
+  EXPECT_EQ(made.list.wholeRowCount(), 0U);
+}
+
+TEST(RowFilter, AFilterOfAnEmptyListShowsNothing) {
+  ResultList list(RowFilling::whole);
+  list.setFilter({{{.column = {0}, .values = {text("2")}}}, {}});
+  EXPECT_EQ(list.rowCount(), 0U);
+  EXPECT_EQ(list.wholeRowCount(), 0U);
+}
+
+}  // namespace
+}  // namespace korvel::results
