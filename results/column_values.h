@@ -28,7 +28,7 @@ struct ColumnValues {
 };
 
 /// More values than a reader looks through; reading so many takes no time that a reader notices.
-inline constexpr std::size_t mostListedValues = 20'000;
+inline constexpr std::size_t mostListedValues = 50'000;
 
 /// The values of a column in the rows that meet the filter's conditions on other columns, so that a filter's own column
 /// offers what it hides as well. With `search`, only those that match. Throws Error when memory runs out.

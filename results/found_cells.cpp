@@ -14,6 +14,9 @@ namespace korvel::results {
 
 namespace {
 
+/// Of a word's bits; from there on looking at each row is faster than looking for the bits.
+constexpr int manyBits = 12;
+
 /// The matching rows of one column.
 class ColumnSearch {
  public:
@@ -46,8 +49,11 @@ class ColumnSearch {
  private:
   static constexpr std::size_t wordBits = 64;
 
-  void mark(std::size_t row) {
+  void ensureBits() {
     if (bits_.empty()) bits_.resize((rows_ + wordBits - 1) / wordBits, 0);
+  }
+  void mark(std::size_t row) {
+    ensureBits();
     bits_[row / wordBits] |= std::uint64_t{1} << row % wordBits;
   }
 
@@ -65,8 +71,10 @@ class ColumnSearch {
       codesSearched_ = true;
     }
     if (!someCodeMatches_) return;
+    ensureBits();
+    // Without a branch for each row: in a column where about half of the rows match it would mostly be mispredicted.
     for (std::size_t i = 0; i < count; ++i)
-      if (matchesCode_[codes(i)] != 0) mark(first + i);
+      bits_[(first + i) / wordBits] |= std::uint64_t{matchesCode_[codes(i)]} << (first + i) % wordBits;
   }
 
   template <typename Texts>
@@ -173,8 +181,14 @@ void FoundCells::search(const TextMatcher& matcher, std::size_t place) {
   if (bits.empty()) return;
   hitsOfRecord_.resize(rows, 0);
   for (std::size_t word = 0; word < bits.size(); ++word) {
+    const std::size_t first = word * wordBits;
+    if (std::popcount(bits[word]) > manyBits) {
+      for (std::size_t i = 0; i < std::min(wordBits, rows - first); ++i)
+        hitsOfRecord_[first + i] = static_cast<std::uint16_t>(hitsOfRecord_[first + i] + (bits[word] >> i & 1U));
+      continue;
+    }
     for (std::uint64_t left = bits[word]; left != 0; left &= left - 1)
-      ++hitsOfRecord_[word * wordBits + static_cast<std::size_t>(std::countr_zero(left))];
+      ++hitsOfRecord_[first + static_cast<std::size_t>(std::countr_zero(left))];
   }
 }
 
