@@ -1,0 +1,65 @@
+#include "results/patterns/regex_matcher.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <variant>
+
+namespace korvel::results {
+namespace {
+
+std::string marked(std::string_view pattern, TextMatcher::Options options, std::string_view text) {
+  const auto made = regexMatcher(pattern, options);
+  if (const auto* problem = std::get_if<PatternProblem>(&made))
+    return problem->text + " at " + std::to_string(problem->offset);
+  const TextMatcher& matcher = std::get<TextMatcher>(made);
+  std::string result;
+  std::size_t at = 0;
+  for (const TextSpan& span : matcher.spansIn(text)) {
+    result.append(text.substr(at, span.begin - at)).append("[");
+    result.append(text.substr(span.begin, span.end - span.begin)).append("]");
+    at = span.end;
+  }
+  EXPECT_EQ(matcher.matches(text), at != 0);
+  return result.append(text.substr(at));
+}
+
+TEST(RegexMatcher, FindsAllMatches) {
+  EXPECT_EQ(marked("tic-\\d+", {}, "TIC-1901, tic-26"), "[TIC-1901], [tic-26]");
+  EXPECT_EQ(marked("tic-\\d+", {.exactCase = true}, "TIC-1901, tic-26"), "TIC-1901, [tic-26]");
+  EXPECT_EQ(marked("ä.", {}, "BÄU \xC3\xA4!"), "B[ÄU] [ä!]");
+  EXPECT_EQ(marked("\\w+", {}, "日本 x"), "[日本] [x]");
+}
+
+TEST(RegexMatcher, MatchesWholeValues) {
+  EXPECT_EQ(marked("a|ab", {.wholeValue = true}, "ab"), "[ab]");
+  EXPECT_EQ(marked("a", {.wholeValue = true}, "ab"), "ab");
+}
+
+TEST(RegexMatcher, CountsCharactersOfAnyKind) {
+  EXPECT_EQ(marked("pump", {}, "😀😀 pump"), "😀😀 [pump]");
+  EXPECT_EQ(marked("😀", {}, "a😀b"), "a[😀]b");
+  EXPECT_EQ(marked("b", {},
+                   "\xFF\xFE"
+                   "b"),
+            "\xFF\xFE[b]");
+  EXPECT_EQ(marked("b", {},
+                   "\uFEFF"
+                   "ab"),
+            "\uFEFF"
+            "a[b]");
+}
+
+TEST(RegexMatcher, WhatHasNoCharacterIsNoMatch) {
+  EXPECT_EQ(marked("x*", {}, "ab"), "ab");
+  EXPECT_EQ(marked("x*", {}, "axb"), "a[x]b");
+  EXPECT_EQ(marked("", {}, "ab"), "ab");
+}
+
+TEST(RegexMatcher, SaysWhatIsWrongWithAPattern) {
+  EXPECT_EQ(marked("a(b", {}, "ab"), "missing closing parenthesis at 3");
+  EXPECT_EQ(marked("a)|(b", {.wholeValue = true}, "ab").find("[ab]"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace korvel::results
