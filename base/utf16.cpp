@@ -57,6 +57,16 @@ std::u16string utf16FromUtf8(std::string_view utf8) {
   return utf16;
 }
 
+std::size_t utf16Length(std::string_view utf8) noexcept {
+  std::size_t units = 0;
+  for (std::size_t ascii = asciiPrefixLength(utf8);; ascii = asciiPrefixLength(utf8)) {
+    units += ascii;
+    utf8.remove_prefix(ascii);
+    if (utf8.empty()) return units;
+    units += takeCodePoint(utf8).value_or(replacementCharacter) < firstSupplementary ? 1U : 2U;
+  }
+}
+
 char* writeUtf8(std::u16string_view utf16, char* out) {
   constexpr std::ptrdiff_t block = 4;
   const char16_t* in = utf16.data();

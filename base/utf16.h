@@ -19,6 +19,8 @@ namespace korvel {
 
 [[nodiscard]] std::u16string utf16FromUtf8(std::string_view utf8);
 [[nodiscard]] std::string utf8FromUtf16(std::u16string_view utf16);
+/// How many units utf16FromUtf8 makes of `utf8`.
+[[nodiscard]] std::size_t utf16Length(std::string_view utf8) noexcept;
 
 inline constexpr std::size_t maxUtf8BytesPerUnit = 3;
 /// Writes UTF-16 as UTF-8 to `out`, which has room for maxUtf8BytesPerUnit bytes a unit, and gives the end of what was

@@ -31,6 +31,7 @@ TEST(Utf16, plainAndOtherCharactersAtEveryPlace) {
         narrow.append(other.narrow).append(after, 'z');
         EXPECT_EQ(utf8FromUtf16(wide), narrow);
         EXPECT_EQ(utf16FromUtf8(narrow), wide);
+        EXPECT_EQ(utf16Length(narrow), wide.size());
         EXPECT_EQ(utf8FromUtf16(wide + wide), narrow + narrow);
       }
     }
@@ -56,6 +57,7 @@ TEST(Utf16, surrogatesWithoutPartnersAreReplaced) {
 
 TEST(Utf16, malformedUtf8IsReplaced) {
   EXPECT_EQ(utf16FromUtf8("a\xFF"), u"a\uFFFD");
+  EXPECT_EQ(utf16Length("a\xFF\xE2\x82"), 4U);
   EXPECT_EQ(utf16FromUtf8(""), u"");
 }
 
