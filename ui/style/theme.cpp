@@ -69,6 +69,8 @@ Theme plain(const QPalette& palette) {
   theme.dark = isDark(palette);
   theme.window = color(QPalette::Window);
   theme.surface = theme.header = theme.alternateRow = theme.hover = theme.pressed = color(QPalette::Base);
+  theme.removed = theme.added = theme.surface;
+  theme.removedLine = theme.addedLine = color(QPalette::Text);
   theme.text = theme.muted = theme.border = theme.control = color(QPalette::WindowText);
   theme.disabled = opaque(palette.color(QPalette::Disabled, QPalette::WindowText));
   theme.selection = theme.accent = color(QPalette::Highlight);
@@ -96,6 +98,13 @@ Theme derive(const QPalette& palette) {
   theme.pressed = tinted(0.12, 0.13);
   theme.border = tinted(0.19, 0.13);
 
+  const QColor red(theme.dark ? QColor(0xf0, 0x6a, 0x60) : QColor(0xd0, 0x36, 0x2c));
+  const QColor green(theme.dark ? QColor(0x4c, 0xc0, 0x80) : QColor(0x2c, 0x9a, 0x5c));
+  theme.removed = mixed(theme.surface, red, theme.dark ? 0.26 : 0.14);
+  theme.added = mixed(theme.surface, green, theme.dark ? 0.26 : 0.16);
+  theme.removedLine = contrasting(red, end, visible + 0.15, {theme.surface, theme.removed});
+  theme.addedLine = contrasting(green, end, visible + 0.15, {theme.surface, theme.added});
+
   const QColor chosen = chosenHighlight(palette);
   const QColor blue = theme.dark ? QColor(0x6e, 0xa8, 0xfe) : QColor(0x1f, 0x6f, 0xeb);
   const QColor wantedAccent = chosen.isValid() ? opaque(chosen) : blue;
@@ -103,8 +112,9 @@ Theme derive(const QPalette& palette) {
   theme.selection = mixed(theme.surface, theme.dark ? theme.fill : wantedAccent, theme.dark ? 0.22 : 0.12);
 
   const QColor wantedText = opaque(palette.color(QPalette::Active, QPalette::WindowText));
-  theme.text = contrasting(wantedText, end, readable,
-                           {theme.window, theme.surface, theme.header, theme.selection, theme.pressed});
+  theme.text = contrasting(
+      wantedText, end, readable,
+      {theme.window, theme.surface, theme.header, theme.selection, theme.pressed, theme.removed, theme.added});
   theme.onSelection = theme.text;
   // No text is in the accent colour: the contrast of symbols suffices, so the blue is kept.
   theme.accent =

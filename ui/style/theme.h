@@ -31,6 +31,11 @@ struct Theme {
   QColor muted;        ///< captions, other pages' tabs, messages in grey
   QColor disabled;     ///< texts and icons that cannot be used now
 
+  QColor removed;      ///< ground of characters that an old value alone has
+  QColor removedLine;  ///< under them, and as visible as a tick
+  QColor added;        ///< the same of a new value
+  QColor addedLine;
+
   QColor accent;    ///< ticks, page marker, sort arrow, focus
   QColor onAccent;  ///< drawn on `accent`
   QColor fill;      ///< ground of the primary button
