@@ -4,14 +4,20 @@
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMimeData>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <algorithm>
+#include <initializer_list>
 #include <limits>
+#include <memory>
 #include <new>
+#include <string_view>
 
 #include "base/text.h"
+#include "base/utf16.h"
+#include "control/forms/record_text.h"
 #include "control/forms/value_field.h"
 #include "control/texts.h"
 #include "ui/buttons.h"
@@ -34,6 +40,8 @@ constexpr int maxLinesOfChange = 12;
 // The keys, beside the marked letters of the buttons.
 const QKeySequence nextKey(Qt::CTRL | Qt::Key_PageDown);
 const QKeySequence previousKey(Qt::CTRL | Qt::Key_PageUp);
+const QKeySequence copyKey(Qt::CTRL | Qt::SHIFT | Qt::Key_C);
+const QKeySequence closeKey(Qt::Key_Escape);
 
 QString withKey(QString text, const QKeySequence& key) {
   return text.remove(QLatin1Char('&')) + QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
@@ -47,6 +55,14 @@ Element* named(Element* element, const char* name) {
 
 void setMenuTexts(ValueField& field) {
   field.setMenuTexts(ownText("record.copyText"), ownText("record.selectAll"));
+}
+
+QLayout* below(std::initializer_list<QWidget*> widgets) {
+  auto* stack = new QVBoxLayout;
+  stack->setSpacing(0);
+  for (QWidget* each : widgets) stack->addWidget(each);
+  stack->addStretch(1);
+  return stack;
 }
 
 }  // namespace
@@ -101,15 +117,20 @@ void RecordView::addShortcuts() {
   onKey(QKeySequence(Qt::ALT | Qt::Key_Down), 1);
   onKey(previousKey, -1);
   onKey(QKeySequence(Qt::ALT | Qt::Key_Up), -1);
+  connect(new QShortcut(copyKey, this), &QShortcut::activated, this, [this] { copyRecord(); });
 }
 
 void RecordView::setTexts() {
-  btPrevious_->setText(ownText("record.previous"));
-  btPrevious_->setToolTip(withKey(btPrevious_->text(), previousKey));
-  btNext_->setText(ownText("record.next"));
-  btNext_->setToolTip(withKey(btNext_->text(), nextKey));
-  btCopy_->setText(ownText("record.copy"));
-  btClose_->setText(ownText("record.close"));
+  const auto setText = [](QPushButton& button, std::string_view text, std::string_view toolTip,
+                          const QKeySequence& key) {
+    button.setText(ownText(text));
+    button.setAccessibleName(button.text().remove(QLatin1Char('&')));
+    button.setToolTip(withKey(ownText(toolTip), key));
+  };
+  setText(*btPrevious_, "record.previous", "record.previousTip", previousKey);
+  setText(*btNext_, "record.next", "record.nextTip", nextKey);
+  setText(*btCopy_, "record.copy", "record.copyTip", copyKey);
+  setText(*btClose_, "record.close", "record.close", closeKey);
   for (const Field& field : fields_) setMenuTexts(*field.value);
 }
 
@@ -148,8 +169,8 @@ void RecordView::step(int by) {
   fill();
 }
 
-RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
-  Field field;
+void RecordView::makeField(std::size_t place, const QString& caption, bool framed) {
+  Field& field = fields_[place];
   field.caption = caption;
   // A field may have an "&" in its name, which marks no letter.
   field.label = new QLabel(QString(caption).replace(QLatin1Char('&'), QLatin1String("&&")));
@@ -159,25 +180,47 @@ RecordView::Field& RecordView::addField(const QString& caption, bool framed) {
                        : new ValueField(ValueField::Frame::none, 1, maxLines);
   field.value->setAccessibleName(caption);
   setMenuTexts(*field.value);
-  field.value->setObjectName(QStringLiteral("value%1").arg(fields_.size()));
+  field.value->setObjectName(QStringLiteral("value%1").arg(place));
   field.label->setBuddy(field.value);
   field.note = new QLabel;
   field.note->setWordWrap(true);
   ui::setMuted(*field.note);
-  fields_.push_back(field);
-  return fields_.back();
 }
 
-void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValue) {
-  const bool same = oldValue_ == oldValue &&
-                    std::equal(captions.begin(), captions.end(), fields_.begin(), fields_.end(),
-                               [](const QString& caption, const Field& field) { return caption == field.caption; });
+/// Old and new value side by side, and under them what differs.
+QLayout* RecordView::pairLayout(const Pair& pair, const std::vector<QString>& captions) {
+  const int inGroup = ui::px(this, ui::space::inGroup);
+  auto* sides = new QHBoxLayout;
+  sides->setSpacing(ui::px(this, ui::space::inside));
+  for (const std::size_t place : {pair.before, pair.after}) {
+    makeField(place, captions[place], true);
+    const Field& field = fields_[place];
+    field.label->setContentsMargins(0, 0, 0, inGroup);
+    sides->addLayout(below({field.label, field.value, field.note}), 1);
+  }
+  auto* note = named(new QLabel, "lblDifference");
+  note->setWordWrap(true);
+  ui::setMuted(*note);
+  comparison_.emplace(*fields_[pair.before].value, *fields_[pair.after].value, *note);
+  auto* stack = new QVBoxLayout;
+  stack->setContentsMargins(0, inGroup, 0, inGroup);
+  stack->setSpacing(inGroup);
+  stack->addLayout(sides);
+  stack->addWidget(note);
+  return stack;
+}
+
+void RecordView::arrangeFields(const std::vector<QString>& captions, std::optional<Pair> pair) {
+  const bool same =
+      pair_ == pair && std::equal(captions.begin(), captions.end(), fields_.begin(), fields_.end(),
+                                  [](const QString& caption, const Field& field) { return caption == field.caption; });
   if (same) return;
   // The field with the focus may be replaced by one of the other record: the focus must not be lost with it.
   if (const QWidget* const focused = focusWidget(); focused != nullptr && area_->isAncestorOf(focused))
     btClose_->setFocus();
-  fields_.clear();
-  oldValue_ = oldValue;
+  comparison_.reset();
+  fields_.assign(captions.size(), {});
+  pair_ = pair;
   auto* form = new QWidget;
   form->setBackgroundRole(QPalette::Base);
   auto* grid = new QGridLayout(form);
@@ -187,45 +230,32 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, int oldValu
   grid->setVerticalSpacing(ui::px(this, 2));
   grid->setColumnStretch(1, 1);
   int line = 0;
-  const auto below = [](QWidget* first, QWidget* second, QWidget* third) {
-    auto* stack = new QVBoxLayout;
-    stack->setSpacing(0);
-    for (QWidget* each : {first, second, third})
-      if (each != nullptr) stack->addWidget(each);
-    stack->addStretch(1);
-    return stack;
-  };
-  for (std::size_t i = 0; i < captions.size(); ++i, ++line) {
-    if (static_cast<int>(i) == oldValue) {
-      auto* pair = new QHBoxLayout;
-      pair->setContentsMargins(0, ui::px(this, ui::space::inGroup), 0, ui::px(this, ui::space::inGroup));
-      pair->setSpacing(inside);
-      for (const std::size_t each : {i, i + 1}) {
-        const Field& field = addField(captions[each], true);
-        field.label->setContentsMargins(0, 0, 0, ui::px(this, ui::space::inGroup));
-        pair->addLayout(below(field.label, field.value, field.note), 1);
-      }
-      grid->addLayout(pair, line, 0, 1, 2);
-      ++i;
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < captions.size(); ++i) {
+    if (pair && i == std::max(pair->before, pair->after)) continue;
+    if (pair && i == std::min(pair->before, pair->after)) {
+      grid->addLayout(pairLayout(*pair, captions), line++, 0, 1, 2);
+      order.insert(order.end(), {pair->before, pair->after});
       continue;
     }
-    const Field& field = addField(captions[i], false);
+    makeField(i, captions[i], false);
+    const Field& field = fields_[i];
     // The caption stands beside the first line of its value.
     field.label->setContentsMargins(0, static_cast<int>(field.value->document()->documentMargin()), 0, 0);
     grid->addWidget(field.label, line, 0, Qt::AlignTop);
-    grid->addLayout(below(field.value, field.note, nullptr), line, 1);
+    grid->addLayout(below({field.value, field.note}), line++, 1);
+    order.push_back(i);
   }
   grid->setRowStretch(line, 1);
   area_->setWidget(form);
-  QWidget* before = nullptr;
-  for (const Field& field : fields_) {
-    if (before != nullptr) setTabOrder(before, field.value);
-    before = field.value;
-  }
-  for (QWidget* const button : {btPrevious_, btNext_, btCopy_, btClose_}) {
-    if (before != nullptr) setTabOrder(before, button);
-    before = button;
-  }
+  setTabOrderOf(order);
+}
+
+void RecordView::setTabOrderOf(const std::vector<std::size_t>& places) {
+  std::vector<QWidget*> order;
+  for (const std::size_t place : places) order.push_back(fields_[place].value);
+  order.insert(order.end(), {btPrevious_, btNext_, btCopy_, btClose_});
+  for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
 void RecordView::fill() {
@@ -233,26 +263,30 @@ void RecordView::fill() {
   const results::RowId id = list().rowId(RowPosition{static_cast<std::size_t>(record_.row())});
   const auto fields = store.fieldsOf(id);
   std::vector<QString> captions;
-  int oldValue = -1;
+  std::optional<std::size_t> before;
+  std::optional<std::size_t> after;
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const auto& columns = list().columns();
     captions.push_back(fromUtf8(i < columns.size() ? columns[i].caption : fields[i].name));
-    if (i > 0 && equalsIgnoringAsciiCase(fields[i - 1].name, "OldValue") &&
-        equalsIgnoringAsciiCase(fields[i].name, "NewValue"))
-      oldValue = static_cast<int>(i) - 1;
+    if (!before && equalsIgnoringAsciiCase(fields[i].name, "OldValue")) before = i;
+    if (!after && equalsIgnoringAsciiCase(fields[i].name, "NewValue")) after = i;
   }
-  arrangeFields(captions, oldValue);
+  arrangeFields(captions, before && after ? std::optional(Pair{*before, *after}) : std::nullopt);
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     const db::Cell cell = store.cell(id, ColumnIndex{i});
-    const Field& field = fields_[i];
-    // The record as it is stored: blanks around it, and leading zeros, belong to it.
-    field.value->setValue(fromUtf8(cell.text), ownText(cell.isNull ? "record.null" : "record.empty"));
+    Field& field = fields_[i];
+    field.isNull = cell.isNull;
+    // The record as it is stored: blanks around it, leading zeros and a byte order mark belong to it.
+    field.value->setValue(QStringView(utf16FromUtf8(cell.text)).toString(),
+                          ownText(cell.isNull ? "record.null" : "record.empty"));
     field.note->setVisible(field.value->isCut());
     if (field.value->isCut())
       field.note->setText(ownText("record.cut")
                               .arg(countText(ValueField::shownCharacters),
                                    countText(static_cast<std::size_t>(field.value->value().size()))));
   }
+  if (comparison_)
+    comparison_->show(store.cell(id, ColumnIndex{pair_->before}), store.cell(id, ColumnIndex{pair_->after}));
   fillFoot();
 }
 
@@ -275,14 +309,19 @@ void RecordView::fillFoot() {
 void RecordView::copyRecord() {
   QString refusal;
   try {
-    RowCopy copy(std::numeric_limits<qsizetype>::max());
+    RecordText text;
+    RowCopy table(std::numeric_limits<qsizetype>::max());
     for (const Field& field : fields_) {
-      copy.beginRow();
-      copy.addCell(field.caption, RowCopy::CellKind::caption);
-      copy.addCell(field.value->value());
-      copy.endRow();
+      text.addField(field.caption, field.value->value(), field.isNull);
+      table.beginRow();
+      table.addCell(field.caption, RowCopy::CellKind::caption);
+      table.addCell(field.value->value());
+      table.endRow();
     }
-    QGuiApplication::clipboard()->setMimeData(copy.mimeData());
+    auto copied = std::make_unique<QMimeData>();
+    copied->setText(text.text());
+    copied->setHtml(table.html());
+    QGuiApplication::clipboard()->setMimeData(copied.release());
   } catch (const std::bad_alloc&) {
     refusal = ownText("record.copyNoMemory");
   }

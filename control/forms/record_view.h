@@ -3,12 +3,14 @@
 #include <QDialog>
 #include <QPersistentModelIndex>
 #include <QPointer>
+#include <optional>
 #include <vector>
 
+#include "control/forms/value_comparison.h"
 #include "control/result_list_view.h"
 
-class QGridLayout;
 class QLabel;
+class QLayout;
 class QPushButton;
 class QScrollArea;
 
@@ -17,7 +19,8 @@ namespace korvel::control {
 class ValueField;
 
 /// Shows all fields of one record that the server sent, also those that the list does not show, with their text as it
-/// is stored. Old and new value are side by side. Steps to the next and previous record in the list's order.
+/// is stored. Old and new value are side by side, and what differs is marked. Steps to the next and previous record in
+/// the list's order.
 class RecordView final : public QDialog {
   Q_OBJECT
 
@@ -30,8 +33,8 @@ class RecordView final : public QDialog {
   void showPrevious() { step(-1); }
   /// The row of the list whose record is shown; -1 for none. For tests: the form shows the record, not its row.
   [[nodiscard]] int row() const { return record_.isValid() ? record_.row() : -1; }
-  /// Copies the record to the clipboard: a line a field, its caption and its whole text. Refuses, and leaves the
-  /// clipboard unchanged, where memory does not suffice.
+  /// Copies the record to the clipboard: a line a field, its caption and its whole text; as a table for programs that
+  /// take one. Refuses, and leaves the clipboard unchanged, where memory does not suffice.
   void copyRecord();
 
  Q_SIGNALS:
@@ -44,6 +47,13 @@ class RecordView final : public QDialog {
     QLabel* label = nullptr;
     ValueField* value = nullptr;
     QLabel* note = nullptr;  ///< says that a very long value is cut
+    bool isNull = false;
+  };
+  /// The fields that are compared, by their places in the record.
+  struct Pair {
+    std::size_t before = 0;
+    std::size_t after = 0;
+    friend bool operator==(const Pair&, const Pair&) = default;
   };
 
   void buildFoot();
@@ -54,15 +64,18 @@ class RecordView final : public QDialog {
   void fill();
   void fillFoot();
   /// Gives the form a place for each of these fields.
-  void arrangeFields(const std::vector<QString>& captions, int oldValue);
-  Field& addField(const QString& caption, bool framed);
+  void arrangeFields(const std::vector<QString>& captions, std::optional<Pair> pair);
+  void makeField(std::size_t place, const QString& caption, bool framed);
+  [[nodiscard]] QLayout* pairLayout(const Pair& pair, const std::vector<QString>& captions);
+  void setTabOrderOf(const std::vector<std::size_t>& places);
   [[nodiscard]] const results::ResultList& list() const { return list_->listModel().list(); }
 
   QPointer<ResultListView> list_;
   QPersistentModelIndex record_;
   std::vector<QMetaObject::Connection> connections_;
   std::vector<Field> fields_;
-  int oldValue_ = -1;  ///< the field that stands beside the one after it
+  std::optional<Pair> pair_;
+  std::optional<ValueComparison> comparison_;
 
   QScrollArea* area_;
   QPushButton* btPrevious_ = nullptr;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <vector>
+
+#include "control/forms/difference_marks.h"
 
 namespace korvel::control {
 
@@ -19,8 +22,16 @@ class ValueField final : public QPlainTextEdit {
   void setValue(const QString& value, const QString& placeholder);
   [[nodiscard]] const QString& value() const { return value_; }
   [[nodiscard]] bool isCut() const { return value_.size() > shownCharacters; }
-  /// Texts in one line take some seconds a million characters to lay out.
+  /// A text in one line takes some tenths of a second a million characters to lay out, several times.
   static constexpr qsizetype shownCharacters = 100000;
+
+  /// Marks these characters of value(), as far as they are shown, and scrolls to the first of them.
+  void setMarks(MarkKind kind, const std::vector<MarkSpan>& marks);
+  /// Whether any character that is shown is marked.
+  [[nodiscard]] bool showsMarks() const { return !marks_.empty(); }
+
+  /// For tests: the first paragraph in sight, counted from 0.
+  [[nodiscard]] int firstLineShown() const { return firstVisibleBlock().blockNumber(); }
 
   void setMenuTexts(const QString& copy, const QString& selectAll);
 
@@ -39,10 +50,14 @@ class ValueField final : public QPlainTextEdit {
   [[nodiscard]] int lines() const;
   [[nodiscard]] int heightOf(int lines) const;
   void fitHeight();
+  void showFirstMark();
+  void paintMarksIn(const QRect& part);
 
   int minLines_;
   int maxLines_;
   QString value_;
+  MarkKind markKind_ = MarkKind::removed;
+  std::vector<MarkSpan> marks_;  ///< positions in the document
   QString copyText_;
   QString selectAllText_;
 };

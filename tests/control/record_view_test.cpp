@@ -211,9 +211,41 @@ TEST_F(RecordOfAList, CopiesTheWholeRecord) {
   record.showRecord(view, 0);
   button("btCopy")->click();
   const QMimeData& copied = *QApplication::clipboard()->mimeData();
-  EXPECT_EQ(copied.text(), "Entry ID\t 7\nArea\t\"two\nlines\"\nF2\t\nF3\t<b>\n");
+  EXPECT_EQ(copied.text(), "Entry ID:  7\nArea: two\n  lines\nF2 (NULL)\nF3: <b>\n");
   EXPECT_TRUE(copied.html().contains(QStringLiteral("<td>two<br>lines</td>")));
   EXPECT_TRUE(copied.html().contains(QStringLiteral("<td>&lt;b&gt;</td>")));
+}
+
+TEST_F(RecordOfAList, CopiesByKeyWhereverTheFocusIs) {
+  fillRecords({{"1", "a"}});
+  record.showRecord(view, 0);
+  QApplication::setActiveWindow(&record);
+  for (QWidget* const focused :
+       {static_cast<QWidget*>(field(record, "Area")), static_cast<QWidget*>(button("btClose"))}) {
+    QApplication::clipboard()->clear();
+    focused->setFocus();
+    press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "Entry ID: 1\nArea: a\n");
+  }
+}
+
+TEST_F(RecordOfAList, EveryButtonSaysItsKeyAndHasAName) {
+  fillMany(1);
+  record.showRecord(view, 0);
+  EXPECT_EQ(button("btPrevious")->toolTip(), "Previous record (Ctrl+PgUp)");
+  EXPECT_EQ(button("btNext")->toolTip(), "Next record (Ctrl+PgDown)");
+  EXPECT_EQ(button("btCopy")->toolTip(), "Copy the whole record as text (Ctrl+Shift+C)");
+  EXPECT_EQ(button("btClose")->toolTip(), "Close (Esc)");
+  EXPECT_EQ(button("btNext")->accessibleName(), "Next");
+  EXPECT_EQ(button("btCopy")->accessibleName(), "Copy record");
+}
+
+TEST_F(RecordOfAList, AByteOrderMarkIsPartOfAValue) {
+  fillRecords({{"1", "\uFEFF7"}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "Area")->value().size(), 2);
+  record.copyRecord();
+  EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("Entry ID: 1\nArea: \uFEFF7\n"));
 }
 
 TEST_F(RecordOfAList, TextsAreSelectedAndCopiedByMouseAndKeyboard) {
@@ -262,7 +294,17 @@ TEST_F(RecordOfAList, AHugeValueIsCutInPlainWordsAndCopiedWhole) {
   EXPECT_TRUE(said);
   record.copyRecord();
   EXPECT_EQ(QApplication::clipboard()->text().size(),
-            qsizetype(huge.size()) + QStringLiteral("Entry ID\t1\nArea\t\n").size());
+            qsizetype(huge.size()) + QStringLiteral("Entry ID: 1\nArea: \n").size());
+}
+
+TEST_F(RecordOfAList, LongWordsAreBrokenAnywhere) {
+  fillRecords({{"1", std::string(2000, 'x') + " some words"}, {"2", "some words"}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "Area")->wordWrapMode(), QTextOption::WrapAnywhere);
+  EXPECT_EQ(field(record, "Area")->toPlainText().size(), 2011);
+  record.showNext();
+  EXPECT_EQ(field(record, "Area")->wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
+  EXPECT_EQ(field(record, "Area")->toPlainText(), "some words");
 }
 
 class RecordOfTheTrail : public ViewerTest {
@@ -387,7 +429,7 @@ TEST_F(RecordOfTheTrail, ACopyWithoutMemoryIsReportedInABox) {
                                        "There is not enough memory to copy this record. Nothing was copied."}));
   EXPECT_EQ(QApplication::clipboard()->text(), "before");
   record->copyRecord();
-  EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("Entry ID\t1\n")));
+  EXPECT_TRUE(QApplication::clipboard()->text().startsWith(QStringLiteral("Entry ID: 1\n")));
   EXPECT_EQ(recorder->messages.size(), 1U);
 }
 
