@@ -8,12 +8,12 @@ namespace korvel::db::odbc {
 /// The connections that a driver opens to a port inside this process. FreeTDS applies its own timeouts only to some of
 /// its waits for the server; shutting its connection down makes every wait end at once. SQLCancel and closing the
 /// connection handle do not suffice. Without the shutdown these tests hang with FreeTDS 1.3.17 and unixODBC 2.3.11:
-/// Stopping.aServerThatTakesNoNoticeLosesItsConnection,
+/// Stopping.aServerThatIgnoresAttentionsLosesItsConnection,
 /// Stopping.aLoginThatIsNotAnsweredIsGivenUpAndOthersDoNotWaitForIt and
 /// Stopping.aLoginThatIsStillConnectingIsGivenUpAndOthersDoNotWaitForIt;
-/// Stopping.aServerThatTakesNoNoticeLosesItsConnectionBetweenTwoRowsToo fails. With SQLDisconnect from the watchdog in
-/// its place the same three hang and the fourth crashes in the driver. Where the system requires administrator's rights
-/// for the shutdown, the driver's own timeout ends the wait.
+/// Stopping.aServerThatIgnoresAttentionsLosesItsConnectionBetweenTwoRowsToo fails. With SQLDisconnect from the watchdog
+/// in its place the same three hang and the fourth crashes in the driver. Where the system requires administrator's
+/// rights for the shutdown, the driver's own timeout ends the wait.
 class DriverSockets {
  public:
   DriverSockets();
