@@ -25,8 +25,8 @@ find_program(KORVEL_CCACHE ccache)
 if(KORVEL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   # Paths are relative to the tree's root, so that clones share the cache. ccache reads the compiler's list of
   # dependencies instead of preprocessing each source again.
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 CCACHE_DEPEND=1
-    CCACHE_SLOPPINESS=pch_defines,time_macros "${KORVEL_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+    CCACHE_DEPEND=1 CCACHE_SLOPPINESS=pch_defines,time_macros "${KORVEL_CCACHE}")
 endif()
 
 # mold links faster than the default linker. It does not support Windows.
@@ -84,8 +84,8 @@ function(korvel_precompiled target name)
   endif()
 endfunction()
 
-set(KORVEL_STANDARD_HEADERS <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <optional> <span> <stdexcept> <string>
-  <string_view> <system_error> <utility> <vector>)
+set(KORVEL_STANDARD_HEADERS <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <optional> <span>
+  <stdexcept> <string> <string_view> <system_error> <utility> <vector>)
 korvel_precompiled_headers(standard_headers HEADERS ${KORVEL_STANDARD_HEADERS})
 
 # korvel_room(NAME SOURCES... [LINK ...]): one engine room as a static library, included as <room/file.h>.
