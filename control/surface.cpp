@@ -17,12 +17,10 @@
 namespace korvel::control {
 namespace {
 
+using ui::named;
+
 // The card of a strip frame is drawn this far inside of the frame, which is as wide as the strip.
 constexpr Twips cardInset{120};
-
-QString name(const char* text) {
-  return QString::fromLatin1(text);
-}
 
 /// A page of the strip that reports its resizes: the tabs follow the font, and the elements on the pages follow the
 /// tabs.
@@ -36,12 +34,6 @@ class Page final : public QWidget {
     if (onResize) onResize();
   }
 };
-
-template <typename Element>
-Element* named(Element* element, const char* objectName) {
-  element->setObjectName(name(objectName));
-  return element;
-}
 
 }  // namespace
 
@@ -120,7 +112,7 @@ void Surface::buildPages(query::ResultLists& lists) {
     models.at(i) = std::make_unique<ResultListModel>(lists.at(i));
     auto* page = new Page;
     auto* list = new ResultListView(*models.at(i), page);
-    list->setObjectName(name("lvListView%1").arg(i));
+    list->setObjectName(QStringLiteral("lvListView%1").arg(i));
     const QString caption = fromUtf8(query::pageCaptions.at(i));
     list->setAccessibleName(caption);
     lvListView.at(i) = list;

@@ -1,28 +1,28 @@
 #pragma once
 
+#include <QString>
+
 class QAbstractScrollArea;
-class QCalendarWidget;
 class QDialog;
 class QDialogButtonBox;
 class QLabel;
-class QString;
 class QVBoxLayout;
 
 namespace korvel::ui {
 
-/// The frame of every dialog: 12 px around, 8 px between, no help button in the title. Returns the layout that is to
-/// take the content, top to bottom; end it with addButtons().
+/// Sets the object name of an element and returns the element.
+template <typename Element>
+Element* named(Element* element, const char* name) {
+  element->setObjectName(QLatin1String(name));
+  return element;
+}
+
+/// Sets up what all dialogs have in common: margins of 12 px, 8 px between elements, no help button in the title.
+/// Returns the layout for the content, top to bottom; addButtons() comes last.
 QVBoxLayout* styleDialog(QDialog& dialog);
 
 /// Appends the right-aligned row of buttons. Its default button is filled; Enter and Esc reach it and Cancel.
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
-
-/// A calendar without grid in the colours of the theme: chosen day filled, today semi-bold, week-ends not red.
-void styleCalendar(QCalendarWidget& calendar);
-
-/// Adds two arrow buttons beside those of the months, which move the page by a year and select nothing. The texts are
-/// their names.
-void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next);
 
 /// Grey explanatory text.
 void setMuted(QLabel& label);

@@ -30,6 +30,7 @@ namespace {
 
 using results::ColumnIndex;
 using results::RowPosition;
+using ui::named;
 
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 620;
@@ -45,12 +46,6 @@ const QKeySequence closeKey(Qt::Key_Escape);
 
 QString withKey(QString text, const QKeySequence& key) {
   return text.remove(QLatin1Char('&')) + QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
-}
-
-template <typename Element>
-Element* named(Element* element, const char* name) {
-  element->setObjectName(QLatin1String(name));
-  return element;
 }
 
 void setMenuTexts(ValueField& field) {

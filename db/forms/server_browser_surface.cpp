@@ -19,6 +19,7 @@
 namespace korvel::db {
 namespace {
 
+using ui::named;
 using ui::ScreenMeasure;
 
 constexpr Twips minWidth{5000};
@@ -33,12 +34,6 @@ constexpr Twips nameColumn{2900};
 constexpr int maxEnlargements = 3;
 constexpr int firstWidth = 760;
 constexpr int firstHeight = 460;
-
-template <typename Element>
-Element* named(Element* element, const char* name) {
-  element->setObjectName(QLatin1String(name));
-  return element;
-}
 
 }  // namespace
 

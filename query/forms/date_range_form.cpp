@@ -4,30 +4,30 @@
 #include <QDialogButtonBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSpinBox>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 #include "ui/buttons.h"
+#include "ui/calendar.h"
 #include "ui/card_frame.h"
 #include "ui/dialogs.h"
 #include "ui/style/theme.h"
 #include "ui/style/viewer_style.h"
+#include "ui/texts.h"
 
 namespace korvel::query {
 namespace {
+
+using ui::named;
 
 // What a server's date can hold.
 const QDate earliestDay(1753, 1, 1);
 const QDate latestDay(9999, 12, 31);
 constexpr int monthsOfYear = 12;
-
-template <typename Element>
-Element* named(Element* element, const char* name) {
-  element->setObjectName(QLatin1String(name));
-  return element;
-}
 
 bool movesOn(int key) {
   return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down ||
@@ -49,16 +49,6 @@ QDate toQDate(const std::chrono::year_month_day& day) {
 std::chrono::year_month_day toDay(const QDate& date) {
   return {std::chrono::year(date.year()), std::chrono::month(static_cast<unsigned>(date.month())),
           std::chrono::day(static_cast<unsigned>(date.day()))};
-}
-
-/// The box that takes the place of the year while another one is typed. The name is the toolkit's own.
-QWidget* yearOf(const QCalendarWidget& calendar) {
-  return calendar.findChild<QWidget*>(QStringLiteral("qt_calendar_yearedit"));
-}
-
-/// The grid of days, which is what has the focus in a calendar.
-QTableView* daysOf(const QCalendarWidget& calendar) {
-  return calendar.findChild<QTableView*>();
 }
 
 }  // namespace
@@ -104,10 +94,10 @@ frmAdvancedFilters::Side frmAdvancedFilters::buildSide(const char* frameName, co
   side.calendar->setAccessibleName(caption);
   ui::styleCalendar(*side.calendar);
   ui::addYearArrows(*side.calendar, text("dates.previousYear"), text("dates.nextYear"));
-  QTableView* const days = daysOf(*side.calendar);
-  days->setAccessibleName(caption);
-  days->installEventFilter(this);
-  if (QWidget* const year = yearOf(*side.calendar)) year->installEventFilter(this);
+  const ui::CalendarParts parts = ui::calendarParts(*side.calendar);
+  for (QWidget* const part : std::initializer_list<QWidget*>{parts.days, parts.yearField})
+    if (part != nullptr) part->installEventFilter(this);
+  if (parts.days != nullptr) parts.days->setAccessibleName(caption);
 
   side.text = named(new QLineEdit, textName);
   side.text->setReadOnly(true);
@@ -148,8 +138,7 @@ void frmAdvancedFilters::Form_Activate() {
 }
 
 QString frmAdvancedFilters::text(const char* key) const {
-  const std::string_view text = settings::ownText(key, context_.language);
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+  return ui::ownText(key, context_.language);
 }
 
 void frmAdvancedFilters::store(const Side& side, const QDate& date) {
@@ -166,9 +155,8 @@ bool frmAdvancedFilters::Form_QueryUnload() {
   // Deliberately also for two dates of the same day, although the message speaks of "greater".
   if (isInOrder(context_.range)) return true;
   const std::shared_ptr<ui::DialogServices> services = context_.services;
-  const std::string_view text = settings::loadText(wrongOrder, context_.language);
   services->messageBox(this, ui::MessageIcon::information, QStringLiteral("KorvelAudit Viewer"),
-                       QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+                       ui::fromUtf8(settings::loadText(wrongOrder, context_.language)));
   return false;
 }
 
@@ -181,10 +169,11 @@ bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
     const auto* press = static_cast<QKeyEvent*>(event);
     const bool enter = press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter;
     for (const Side& side : {from_, to_}) {
-      if (watched == daysOf(*side.calendar) && calendarKey(side, press->key(), press->modifiers())) return true;
-      if (watched == yearOf(*side.calendar) && enter) {
+      const ui::CalendarParts parts = ui::calendarParts(*side.calendar);
+      if (watched == parts.days && calendarKey(side, press->key(), press->modifiers())) return true;
+      if (watched == parts.yearField && enter) {
         // Losing the focus enters the year. The key itself would reach the dialog and close it.
-        daysOf(*side.calendar)->setFocus();
+        side.calendar->setFocus();
         return true;
       }
     }

@@ -1,18 +1,15 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
-#include <QCalendarWidget>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QStyleFactory>
-#include <QTextCharFormat>
 #include <QTextDocument>
 #include <QTreeWidget>
 
 #include "tests/ui/painted.h"
 #include "ui/check_tree.h"
-#include "ui/dialogs.h"
 #include "ui/result_table.h"
 #include "ui/shown_text.h"
 #include "ui/style/system_appearance.h"
@@ -338,20 +335,6 @@ TEST(FilterTreeLook, SelectionKeepsTheTextAndFocusIsSeen) {
     EXPECT_GT(count(image, tree.theme().text, row), 0) << scheme.name << ": text in its usual colour";
     EXPECT_GT(count(image, tree.theme().accent, row), 40) << scheme.name << ": the frame of focus";
   }
-}
-
-TEST(CalendarLook, ChosenDayStandsOutAndWeekEndsAreNotRed) {
-  QCalendarWidget calendar;
-  applyStyle(calendar);
-  calendar.setPalette(lightPalette());
-  styleCalendar(calendar);
-  calendar.setSelectedDate(QDate(2004, 3, 7));
-  calendar.show();
-  QApplication::processEvents();
-  const QImage image = painted(calendar);
-  EXPECT_GT(count(image, Theme::of(calendar).accent), 100);
-  EXPECT_EQ(count(image, Qt::red), 0);
-  EXPECT_EQ(calendar.weekdayTextFormat(Qt::Sunday).foreground().style(), Qt::NoBrush);
 }
 
 }  // namespace
