@@ -56,17 +56,10 @@ class FolderHandle {
   int descriptor_;
 };
 
-void makeFolders(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), ownMode) == 0 || errno == EEXIST) return;
-  if (errno != ENOENT || !folder.has_relative_path()) fail(errno);
-  makeFolders(folder.parent_path());
-  if (::mkdir(folder.c_str(), ownMode) != 0 && errno != EEXIST) fail(errno);
-}
-
 fs::path ownFolder() {
   fs::path path = settings::stateFolder();
   if (path.empty()) fail(ENOENT);
-  makeFolders(path);
+  if (const int failure = settings::createPrivateFolders(path); failure != 0) fail(failure);
   FolderHandle folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   for (const OwnFolder& step : ownFolders) {
     path /= step.name;

@@ -3,6 +3,9 @@
 #include <utf8proc.h>
 
 #include <cstdint>
+#include <optional>
+
+#include "base/text.h"
 
 namespace korvel::output {
 
@@ -12,24 +15,18 @@ constexpr bool isPrintableAscii(char c) noexcept {
   return c >= ' ' && c <= '~';
 }
 
-std::size_t decode(std::string_view text, utf8proc_int32_t& codePoint) noexcept {
-  const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                       static_cast<utf8proc_ssize_t>(text.size()), &codePoint);
-  return length > 0 ? static_cast<std::size_t>(length) : 0;
-}
-
 void appendHexadecimal(std::uint32_t number, int digits, std::string& out) {
   constexpr std::string_view figures = "0123456789ABCDEF";
   for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) out += figures[(number >> shift) & 0xFU];
 }
 
 /// Joiners shape letters and emoji, and a soft hyphen is visible: they need no escape.
-constexpr bool isHarmlessFormat(utf8proc_int32_t codePoint) noexcept {
+constexpr bool isHarmlessFormat(char32_t codePoint) noexcept {
   return codePoint == 0x00AD || codePoint == 0x200C || codePoint == 0x200D;
 }
 
-bool needsEscape(utf8proc_int32_t codePoint) noexcept {
-  switch (utf8proc_category(codePoint)) {
+bool needsEscape(char32_t codePoint) noexcept {
+  switch (utf8proc_category(static_cast<utf8proc_int32_t>(codePoint))) {
     case UTF8PROC_CATEGORY_CC:
     case UTF8PROC_CATEGORY_ZL:
     case UTF8PROC_CATEGORY_ZP:
@@ -70,18 +67,16 @@ void appendTerminalText(std::string_view text, std::string& out) {
     text.remove_prefix(plain);
     if (text.empty()) return;
 
-    utf8proc_int32_t codePoint = 0;
-    std::size_t length = decode(text, codePoint);
-    if (length == 0) {
-      length = 1;
+    const std::string_view rest = text;
+    const std::optional<char32_t> codePoint = takeCodePoint(text);
+    if (!codePoint) {
       out += "\\x";
-      appendHexadecimal(static_cast<unsigned char>(text.front()), 2, out);
-    } else if (needsEscape(codePoint)) {
-      appendEscape(static_cast<std::uint32_t>(codePoint), out);
+      appendHexadecimal(static_cast<unsigned char>(rest.front()), 2, out);
+    } else if (needsEscape(*codePoint)) {
+      appendEscape(*codePoint, out);
     } else {
-      out.append(text.substr(0, length));
+      out.append(rest.substr(0, rest.size() - text.size()));
     }
-    text.remove_prefix(length);
   }
 }
 
@@ -99,15 +94,8 @@ std::size_t terminalWidth(std::string_view text) noexcept {
       text.remove_prefix(1);
       continue;
     }
-    utf8proc_int32_t codePoint = 0;
-    const std::size_t length = decode(text, codePoint);
-    if (length == 0) {
-      ++width;
-      text.remove_prefix(1);
-      continue;
-    }
-    width += static_cast<std::size_t>(utf8proc_charwidth(codePoint));
-    text.remove_prefix(length);
+    const std::optional<char32_t> codePoint = takeCodePoint(text);
+    width += codePoint ? static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(*codePoint))) : 1;
   }
   return width;
 }

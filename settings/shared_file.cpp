@@ -30,21 +30,11 @@ Win32Error lastError() noexcept {
   return win32ErrorFrom(errno);
 }
 
-/// Creates the missing folders of `folder`, for the user alone.
-Win32Error createFolders(const fs::path& folder) {
-  if (::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST) return Win32Error::success;
-  if (errno != ENOENT || !folder.has_relative_path()) return lastError();
-  const Win32Error failure = createFolders(folder.parent_path());
-  if (failure != Win32Error::success) return failure;
-  return ::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST ? Win32Error::success : lastError();
-}
-
 /// The file behind any symbolic links, so that all processes take the same lock, whatever name they use. The file
 /// need not be there; its folder is created.
 Win32Error resolve(fs::path path, fs::path& target) {
   for (int links = 0; links <= mostLinks; ++links) {
-    Win32Error failure = createFolders(path.parent_path());
-    if (failure != Win32Error::success) return failure;
+    if (const int failure = createPrivateFolders(path.parent_path()); failure != 0) return win32ErrorFrom(failure);
     std::error_code error;
     const fs::path folder = fs::canonical(path.parent_path(), error);
     if (error) return win32ErrorFrom(error.value());
@@ -104,6 +94,13 @@ fs::path userFolder(const char* variable, const char* belowHome) {
 }
 
 }  // namespace
+
+int createPrivateFolders(const fs::path& folder) {
+  if (::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST) return 0;
+  if (errno != ENOENT || !folder.has_relative_path()) return errno;
+  if (const int failure = createPrivateFolders(folder.parent_path()); failure != 0) return failure;
+  return ::mkdir(folder.c_str(), ownFolderMode) == 0 || errno == EEXIST ? 0 : errno;
+}
 
 SharedFile::SharedFile(const fs::path& path, std::chrono::milliseconds patience) : patience_(patience) {
   std::error_code ignored;

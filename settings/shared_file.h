@@ -52,6 +52,9 @@ class SharedFile {
   std::chrono::milliseconds patience_;
 };
 
+/// Creates the missing folders of `folder`, for the user alone. Returns the system's error number, 0 for success.
+[[nodiscard]] int createPrivateFolders(const std::filesystem::path& folder);
+
 /// The folder in which programs keep the user's configuration; empty where none is known.
 [[nodiscard]] std::filesystem::path configurationFolder();
 /// The folder in which programs keep what they leave behind for the user; empty where none is known.
