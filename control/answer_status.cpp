@@ -57,7 +57,8 @@ QStringList AnswerStatus::completionTexts() const {
   return texts;
 }
 
-/// A cut-off answer looks complete and an outdated one current: the status panel says so until the next query.
+/// An answer that was cut or is out of date cannot be recognised by its rows, so the status panel says so until the
+/// next query.
 QString AnswerStatus::restingText() const {
   QStringList sentences;
   const auto say = [&](const QString& sentence) {

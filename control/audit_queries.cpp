@@ -29,7 +29,7 @@ class StatusText {
  public:
   StatusText(StatusPanels& panels, const QString& text) : panels_(&panels) {
     panels_->setStatus(text);
-    // The query blocks: what is not painted now would be painted after it.
+    // The query blocks, so the panel must be painted before it begins.
     panels_->repaint();
   }
   ~StatusText() {
@@ -79,7 +79,7 @@ void AuditQueries::btQuery_Click() {
     else
       viewer_.TriggerQuery();
     if (alive) DisplayNoOfRecords();
-    // The pointer goes back before the status text goes.
+    // The pointer is reset before the status text.
     busy.reset();
   }
   if (alive) answers_.showRestingText();
@@ -107,7 +107,7 @@ void AuditQueries::TriggerQuery() {
   const auto atEnd = qScopeGuard([&] {
     if (alive) answers_.endQuery(AnswerLists::standard);
   });
-  // The question as it is now: the host may change range and filter before the answer is shown.
+  // Range and filter are copied, because the host may change them before the answer is shown.
   const query::DateRange range = libraryState().dateRange;
   const query::CategoryFlags flags = filterTree_.flags();
   ShownAnswer answer{.question = answers_.standardQuestion(),
@@ -124,7 +124,7 @@ void AuditQueries::TriggerQuery() {
   if (use == AnswerUse::controlIsGone) return;
   if (use == AnswerUse::outdated) whole = query::StandardQueryResult::stopped();
   query::QueryReport report;
-  // The page that is in front now: a queued call may have chosen another one.
+  // Asked only now, because a queued call may have chosen another page.
   const bool customPage = surface_.currentTab() == query::customList;
   // The custom list keeps its rows and its view: it is sorted below, as by a click on its header.
   const std::size_t sorted = customPage ? query::listCount : surface_.currentTab();
@@ -163,12 +163,12 @@ void AuditQueries::TriggerQuery() {
 }
 
 void AuditQueries::LoadAll() {
-  // The key works where the button is to be seen.
+  // The key works only while the button is visible.
   const bool isOffered = surface_.StatusBar1->LoadAll->isEnabled() && surface_.currentTab() != query::customList;
   if (libraryState().queryRunning || !isOffered) return;
   const QPointer<AuditViewer> alive(&viewer_);
   setLastFailure({});
-  // The host that is told of it may have done anything.
+  // The host is notified and may have deleted the control or selected another database.
   if (!alive || libraryState().queryRunning || !answers_.standardAnswer().rowLimitReached) return;
   answers_.clearNotice();
   const std::shared_ptr<ControlServices> services = platform().services;
@@ -212,14 +212,14 @@ void AuditQueries::LoadAll() {
   for (ResultListView* list : surface_.lvListView) list->showSortIcon();
   DisplayNoOfRecords();
   if (report.outcome == query::QueryOutcome::filled) {
-    // What was stopped may be begun again.
+    // A stopped completion can be started again.
     answer.rowLimitReached = report.endedEarly;
     answer.completion = {report, lists_[0].rowCount()};
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }
   if (report.outcome == query::QueryOutcome::noRecords) {
-    // The trail has been emptied since.
+    // The trail has been emptied meanwhile.
     changeStandardLists([&] { query::clearStandardLists(lists_); });
     DisplayNoOfRecords();
     answer.state = AnswerState::nothingFound;

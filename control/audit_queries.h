@@ -59,15 +59,15 @@ class AuditQueries {
  private:
   /// What may be done with an answer.
   enum class AnswerUse {
-    controlIsGone,  ///< nothing of the control may be used any more
+    controlIsGone,  ///< the control was deleted: nothing of it may be used
     outdated,       ///< another database was selected meanwhile
     shown
   };
-  /// Runs what asks a database; windows are painted meanwhile, Esc stops it, and nothing else happens. The control may
-  /// be gone afterwards.
+  /// Runs a query. Meanwhile windows are painted, Esc stops the query, and all other input is dropped. The control may
+  /// have been deleted afterwards.
   [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::WaitCallback& goOn)>& ask);
   void setLastFailure(LastFailure failure);
-  /// Runs `change` while the models of the standard lists know that their rows change.
+  /// Runs `change`, which replaces rows of the standard lists, and updates their views.
   void changeStandardLists(const std::function<void()>& change);
   /// Tells the host of a query that failed; the control may be gone afterwards.
   void queryFailed(const Error& failure);

@@ -151,7 +151,7 @@ QAction* CommandActions::makeAction(QWidget& container, const CommandItem& item)
   }
   action->setObjectName(fromUtf8(item.key));
   action->setCheckable(item.kind == ItemKind::check);
-  // No roles guessed from captions: some platforms move "Exit" and the like to another menu.
+  // Roles are not guessed from captions: some platforms would move "Exit" and similar items to another menu.
   action->setMenuRole(QAction::NoRole);
   QObject::connect(action, &QAction::hovered, &container_, [this, action] { highlight(action); });
   QObject::connect(action, &QAction::triggered, &container_, [this, action] { click(action); });

@@ -45,8 +45,8 @@ void CommandMenuBar::openMenu(QAction* menu) {
   menu->menu()->setActiveAction(menu->menu()->actions().value(0));
 }
 
-// Mnemonics of the menus work in the whole window. Where two controls share one, the control with the focus gets it;
-// the toolkit would alternate between both.
+// Mnemonics of the menus work in the whole window. Where two controls use the same one, the control with the focus gets
+// it; the toolkit would alternate between them.
 bool CommandMenuBar::event(QEvent* event) {
   if (event->type() == QEvent::Shortcut) {
     const auto& key = static_cast<const QShortcutEvent&>(*event);

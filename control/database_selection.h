@@ -14,7 +14,7 @@ class Surface;
 struct StoredProperties;
 
 /// Selects the database that all controls of the program query, by the server browser or by the stored properties, and
-/// tells what is selected.
+/// shows which one is selected.
 class DatabaseSelection {
  public:
   /// What a selection changes in the control that made it.

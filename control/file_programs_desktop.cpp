@@ -1,4 +1,4 @@
-// Help files and text files, opened by what the desktop has for them.
+// Opens help files and text files by the programs of the desktop.
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QProcess>

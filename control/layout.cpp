@@ -17,9 +17,9 @@ constexpr Twips buttonMargin{100};
 constexpr Twips buttonColumnStep{150};
 constexpr std::size_t customPage = 5;
 
-// Left inset of the lists: half of what they are narrower than their page.
+// Left inset of the lists: half of the difference between the widths of a page and its list.
 constexpr Twips listLeft{125};
-// Half of what the lists are lower than their page, apart from the strip of tabs.
+// Half of the difference between the heights of a page, without its tabs, and its list.
 constexpr Twips listGap{90};
 // Between the two frames of the strip.
 constexpr Twips frameGap{120};

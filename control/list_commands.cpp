@@ -132,7 +132,7 @@ void ListCommands::BuildPopup(const QString& PopupItem) {
 
 void ListCommands::showFontMenu(const QPoint& place) {
   BuildPopup(QStringLiteral("Font"));
-  // The fixed menu says the same where the other could not be built.
+  // The fixed menu has the same entry; it is shown where the other could not be built.
   const bool built = popupItems_.find("FONT") != nullptr;
   (built ? surface_.SmartPopup : surface_.mnupopup)->popup(place);
 }

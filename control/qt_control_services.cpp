@@ -136,7 +136,7 @@ bool QtControlServices::confirm(QWidget* owner, const QString& title, const QStr
       new ui::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
   const QPointer<QPushButton> yes = box->addButton(ownText("dialog.yes"), QMessageBox::YesRole);
   QPushButton* const no = box->addButton(ownText("dialog.no"), QMessageBox::NoRole);
-  // Enter must not lose anything.
+  // Enter must not discard anything.
   box->setDefaultButton(no);
   box->setEscapeButton(no);
   box->exec();

@@ -64,7 +64,7 @@ output::pages::PageTexts ReportViewer::pageTexts() const {
       ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
   texts.pageOf = ownText("print.pageOf");
   texts.columnsOf = ownText("print.columnsOf");
-  // Readers of the paper have not seen the notice on the screen.
+  // The notice on the screen is not on paper, so the pages have a remark.
   if (notes_.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes_.replacedCharacters));
   texts.remark = remark_;
   return texts;

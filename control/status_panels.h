@@ -17,7 +17,7 @@ class StatusPanels final : public QStatusBar {
  public:
   explicit StatusPanels(QWidget* parent = nullptr);
 
-  /// Panel "Status": what is going on.
+  /// Panel "Status": the current activity.
   void setStatus(const QString& text);
   [[nodiscard]] QString status() const;
   /// Panel "Records": the row count.
@@ -31,7 +31,7 @@ class StatusPanels final : public QStatusBar {
   /// Paints the panels and the progress bar as they are now, without the event loop.
   void paintNow();
 
-  /// How far an export is. Hidden while there is none.
+  /// The progress of an export. Hidden while there is none.
   QProgressBar* ProgressBar1;
   /// Beside the status text. Hidden while there is nothing to load.
   QPushButton* LoadAll;

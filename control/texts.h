@@ -22,7 +22,7 @@ using ui::fromUtf8;
   return ui::ownText(key, libraryState().language);
 }
 
-/// What a failure says in the current language, with the line of the text that failed where it names one.
+/// The description of a failure in the current language, with the line of the text that failed where it names one.
 [[nodiscard]] inline QString failureText(const Error& error) {
   return ui::failureText(error, libraryState().language);
 }

@@ -16,7 +16,8 @@
 namespace korvel {
 namespace {
 
-/// Whether a stored path leads somewhere, as far as this machine can tell: what is no full path here is not judged.
+/// Whether a stored path may be in use. A path that is not absolute on this system cannot be checked and counts as
+/// used.
 bool isInUse(const QString& path) {
   const QFileInfo file(QDir::fromNativeSeparators(path));
   return !path.isEmpty() && (file.isRelative() || file.dir().exists());

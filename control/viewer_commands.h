@@ -54,18 +54,18 @@ class ViewerCommands {
     std::string key;
     bool checked = false;
   };
-  /// What a key does.
+  /// A key and the command that it runs.
   struct CommandAction {
     std::string_view key;
     void (*run)(ViewerCommands& commands, const ClickedCommand& command);
-    /// What else has to be so; empty for nothing.
+    /// A further condition; null for none.
     bool (*available)() = nullptr;
   };
-  /// In the order in which keys are compared; the first that is the same to the letter acts.
+  /// In the order in which keys are compared: the first that is equal, letter case included, is run.
   [[nodiscard]] static std::span<const CommandAction> menuActions() noexcept;
   [[nodiscard]] static std::span<const CommandAction> toolbarActions() noexcept;
   [[nodiscard]] static const CommandAction* actionOf(std::span<const CommandAction> actions, std::string_view key);
-  /// A command without an action is there, and disabled.
+  /// A command without an action is shown disabled.
   [[nodiscard]] static bool isAvailable(std::span<const CommandAction> actions, const CommandItem& item);
 
   void connectMenu();

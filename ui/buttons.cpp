@@ -42,7 +42,7 @@ SecondaryButton::SecondaryButton(IconName name, const QString& text, QWidget* pa
 IconButton::IconButton(IconName name, QWidget* parent) : QToolButton(parent) {
   setIcon(ui::icon(name));
   setUpIcon(*this);
-  setFocusPolicy(Qt::StrongFocus);  // tool buttons are left out of the tab order otherwise
+  setFocusPolicy(Qt::StrongFocus);  // by default tool buttons are not in the tab order
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -104,7 +104,7 @@ QSize TextRow::minimumSizeHint() const {
 
 bool TextRow::event(QEvent* event) {
   const bool done = QWidget::event(event);
-  // A button that gets another text or font asks for a new layout.
+  // A button whose text or font changes sends a layout request.
   if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest || event->type() == QEvent::Show) {
     arrange();
   }

@@ -8,7 +8,7 @@
 
 namespace korvel::ui {
 
-/// The one filled button of a frame or dialog: icon, text or both, in the accent.
+/// The filled button of a frame or dialog, which has one at most: icon, text or both, in the accent colour.
 class PrimaryButton : public QPushButton {
   Q_OBJECT
 
@@ -26,7 +26,7 @@ class SecondaryButton : public QPushButton {
   SecondaryButton(IconName name, const QString& text, QWidget* parent = nullptr);
 };
 
-/// A bordered button with nothing but an icon; its tooltip is also its name for assistive technology.
+/// A bordered button with an icon and no text. Its tooltip is also its name for assistive technology.
 class IconButton : public QToolButton {
   Q_OBJECT
 
@@ -39,7 +39,7 @@ class IconButton : public QToolButton {
   bool event(QEvent* event) override;
 };
 
-/// Icon buttons side by side in equal widths, 4 px apart. Buttons that are hidden leave no gap.
+/// Icon buttons side by side, of equal width, 4 px apart. Hidden buttons leave no gap.
 class IconRow : public QWidget {
   Q_OBJECT
 
@@ -49,8 +49,8 @@ class IconRow : public QWidget {
   void add(QAbstractButton* button);
 };
 
-/// Buttons with texts, in one row of equal widths where every text fits, else one below the other: the texts of five
-/// languages share one strip.
+/// Buttons with texts, of equal width in one row where every text fits, else one below the other: some languages need
+/// more room than one row has.
 class TextRow : public QWidget {
   Q_OBJECT
 

@@ -15,7 +15,7 @@ class CardFrame : public QGroupBox {
   explicit CardFrame(QWidget* parent = nullptr);
   explicit CardFrame(const QString& title, QWidget* parent = nullptr);
 
-  /// Draws the frame, and lays out what is in it, so many pixels inside of the left and right edge of the element.
+  /// Moves the frame and its content away from the left and right edge of the widget by so many pixels.
   void setSideInset(int pixels);
 
  protected:

@@ -43,7 +43,7 @@ bool CheckTreeDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, co
 void styleCheckTree(QTreeView& tree) {
   tree.setItemDelegate(new CheckTreeDelegate(&tree));
   tree.setProperty(roomyFrame, true);
-  tree.setFrameStyle(QFrame::NoFrame);  // a change of frame makes the style measure it anew
+  tree.setFrameStyle(QFrame::NoFrame);  // only a change of the frame style makes the tree ask for its width again
   tree.setFrameStyle(static_cast<int>(QFrame::StyledPanel) | static_cast<int>(QFrame::Sunken));
   tree.header()->hide();
   tree.setIndentation(px(&tree, 12));

@@ -21,8 +21,7 @@ class CheckTreeDelegate : public QStyledItemDelegate {
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };
 
-/// Sets a tree view (or tree widget) up as the filter tree of the drawing: delegate, indentation, no header, no
-/// editing.
+/// Sets a tree view (or tree widget) up with check boxes: delegate, indentation, no header, no editing.
 void styleCheckTree(QTreeView& tree);
 
 }  // namespace korvel::ui

@@ -10,7 +10,7 @@
 namespace korvel::ui {
 namespace {
 
-/// Width of a title bar beside its title: icon, buttons, and as much on the other side where titles are centred.
+/// Width of a title bar without its title: icon and buttons, and as much on the other side where titles are centred.
 constexpr int besideTitle = 160;
 
 /// Width of the title in the font of title bars, as far as the toolkit knows it.
@@ -27,7 +27,7 @@ MessageBox::MessageBox(Icon icon, const QString& title, const QString& text, Sta
 }
 
 void MessageBox::showEvent(QShowEvent* event) {
-  // The box computes its size from its layout: a row that is as wide as the title is what makes it wider.
+  // The box computes its size from its layout, so a row of the width of the title makes it wider.
   if (auto* grid = qobject_cast<QGridLayout*>(layout()); grid != nullptr && !windowTitle().isEmpty())
     grid->addItem(new QSpacerItem(titleWidth(*this), 0, QSizePolicy::Minimum, QSizePolicy::Minimum), grid->rowCount(),
                   0, 1, grid->columnCount());

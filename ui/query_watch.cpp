@@ -47,11 +47,11 @@ Handling handlingOf(const QObject& watched, QEvent::Type type) {
     case QEvent::Close:
       return Handling::refuse;
     case QEvent::Timer:
-      // Timers of platform windows are for painting. All others fire again.
+      // Timers of platform windows serve painting. All others fire again later.
       return watched.isWindowType() ? Handling::pass : Handling::drop;
     case QEvent::FocusIn:
     case QEvent::FocusOut:
-      // The platform windows keep their own state.
+      // The windows of the platform update their own state by these events.
       return watched.isWindowType() ? Handling::pass : Handling::deliverLater;
     case QEvent::Leave:
     case QEvent::HoverLeave:

@@ -54,7 +54,7 @@ void ResultHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logic
   if (option == nullptr) return;
   option->text = visibleFormats(option->text);
   if (qobject_cast<const ViewerStyle*>(style()) != nullptr || option->sortIndicator == QStyleOptionHeader::None) return;
-  // Styles disagree on the direction of an ascending arrow: other styles get our icon instead.
+  // Styles disagree on the direction of the ascending arrow, so other styles draw our icon instead.
   option->sortIndicator = QStyleOptionHeader::None;
   const bool ascending = sortIndicatorOrder() == Qt::AscendingOrder;
   option->icon = icon(ascending ? IconName::SortAscending : IconName::SortDescending);
@@ -155,14 +155,14 @@ ResultHeader* ResultTable::header() const {
 void ResultTable::setEmptyText(const QString& text) {
   if (text == emptyText_) return;
   emptyText_ = text;
-  // For assistive technology, which does not see painted text.
+  // Assistive technology cannot read painted text.
   setAccessibleDescription(text);
   viewport()->update();
 }
 
 void ResultTable::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
-  // It may contain a server's message: plain text, as much as fits.
+  // The text may contain a server's message: it is shown as plain text and cut.
   constexpr qsizetype maxCharacters = 2000;
   if (model() == nullptr || model()->rowCount(rootIndex()) == 0)
     paintEmptyMessage(*this, visibleFormats(emptyText_.left(maxCharacters)));

@@ -19,7 +19,7 @@ class ResultHeader : public QHeaderView {
   void showSort(int column, Qt::SortOrder order);
 
  protected:
-  /// Captions are shown as values are, and arrows alike in all styles.
+  /// Captions are shown like values, and the sort arrow has the same direction in all styles.
   void initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const override;
 };
 
@@ -29,7 +29,7 @@ class RowDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
-  /// More of a text than a cell can show on any screen: measuring megabytes to elide them makes scrolling stall.
+  /// More characters than a cell can show on any screen. Measuring megabytes to elide them would make scrolling stall.
   static constexpr qsizetype shownCharacters = 1000;
 
   explicit RowDelegate(QObject* parent = nullptr);
@@ -46,8 +46,8 @@ class RowDelegate : public QStyledItemDelegate {
                  const QModelIndex& index) override;
 };
 
-/// A report list: whole rows are selected, rows have one fixed height that follows the font, no grid, no row numbers,
-/// tinted alternate rows, smooth horizontal scrolling. Empty, it says so in grey in its middle.
+/// A list of records: whole rows are selected, all rows have one height that follows the font, no grid, no row numbers,
+/// tinted alternate rows, smooth horizontal scrolling. An empty list shows a grey text in its middle.
 class ResultTable : public QTableView {
   Q_OBJECT
 
@@ -55,7 +55,7 @@ class ResultTable : public QTableView {
   explicit ResultTable(QWidget* parent = nullptr);
 
   [[nodiscard]] ResultHeader* header() const;
-  /// The text of an empty list. Painted only: it is no row and cannot be selected.
+  /// The text of an empty list. It is only painted: it is no row and cannot be selected.
   void setEmptyText(const QString& text);
   [[nodiscard]] QString emptyText() const { return emptyText_; }
 

@@ -18,7 +18,7 @@ class ScreenMeasure {
   [[nodiscard]] int vertical(Twips length) const { return toPixels(length, verticalDpi_); }
   [[nodiscard]] Twips horizontalTwips(int pixels) const { return toTwips(pixels, horizontalDpi_); }
   [[nodiscard]] Twips verticalTwips(int pixels) const { return toTwips(pixels, verticalDpi_); }
-  /// Edges are rounded, not lengths, so that neighbours stay neighbours at every resolution.
+  /// Edges are rounded, not lengths, so that adjacent rectangles stay adjacent at every resolution.
   [[nodiscard]] QRect rectangle(const Box& box) const {
     const QPoint corner(horizontal(box.left), vertical(box.top));
     const QPoint end(horizontal(box.left + box.width), vertical(box.top + box.height));

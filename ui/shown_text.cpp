@@ -16,7 +16,7 @@ bool isInvisibleFormat(char32_t character) {
   return QChar::category(character) == QChar::Other_Format;
 }
 
-/// The first half of a pair that some format characters are written with.
+/// Whether `c` may be the first half of a surrogate pair for a format character.
 bool mayBeginFormat(QChar c) {
   return c.unicode() > 0x7F && (c.isHighSurrogate() || isInvisibleFormat(c.unicode()));
 }
@@ -44,7 +44,7 @@ QString visibleFormats(const QString& text) {
 
 QString plainToolTip(const QString& text) {
   const QString shown = visibleFormats(text.size() > tipCharacters ? text.left(tipCharacters) + QChar(0x2026) : text);
-  // Escaped, and marked up only so that it is not taken for markup, and long lines wrap.
+  // The text is escaped. The element around it makes the toolkit treat it as rich text, and long lines wrap.
   return QStringLiteral("<div style='white-space:pre-wrap'>%1</div>").arg(shown.toHtmlEscaped());
 }
 

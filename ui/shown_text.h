@@ -9,8 +9,8 @@ namespace korvel::ui {
 /// itself, without a copy, in the usual case that there are none.
 [[nodiscard]] QString visibleFormats(const QString& text);
 
-/// A tooltip that shows this text literally. Tooltips interpret what looks like markup, and load what it names. Very
-/// long texts are cut.
+/// A tooltip that shows this text literally. The toolkit would interpret what looks like markup, and load the files
+/// that it names. Very long texts are cut.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 }  // namespace korvel::ui

@@ -19,20 +19,20 @@ namespace korvel::ui {
   return fromUtf8(settings::ownText(key, language));
 }
 
-/// What a failure says in a language, without the place in a text that it may name.
+/// The description of a failure in a language, without the line of a text that it may name.
 [[nodiscard]] inline QString describe(const Error& error, const settings::LanguageOffset& language) {
   return fromUtf8(settings::describe(error, language));
 }
 
-/// What a failure says in a language, with the line of the text that failed where it names one.
+/// The description of a failure in a language, with the line of the text that failed where it names one.
 [[nodiscard]] inline QString failureText(const Error& error, const settings::LanguageOffset& language) {
   const QString description = ui::describe(error, language);
   return error.line() ? ui::ownText("error.atLine", language).arg(description, QString::number(*error.line()))
                       : description;
 }
 
-/// A number of records or characters in a text of our own, its digits grouped as the locale has it. Texts that are
-/// fixed to the letter take plain digits.
+/// A number of records or characters for our own texts, its digits grouped as in the locale. Fixed texts take plain
+/// digits.
 [[nodiscard]] inline QString countText(std::size_t count) {
   return QLocale().toString(static_cast<qulonglong>(count));
 }

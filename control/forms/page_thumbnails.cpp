@@ -12,7 +12,7 @@ constexpr qreal pointsPerInch = 72;
 /// Size of the cache: the thumbnails of a screen or two.
 constexpr int cachedThumbnails = 64;
 
-/// A border: white paper on a white ground would have no visible edge.
+/// A border, because white paper on a white background has no visible edge.
 void frame(QImage& picture) {
   QPainter painter(&picture);
   painter.setPen(QColor(0, 0, 0, 72));

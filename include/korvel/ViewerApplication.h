@@ -40,9 +40,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT ViewerLanguage {
 /// in the constructor of a window or a dialog without a parent.
 KORVEL_AUDIT_VIEWER_EXPORT void applyViewerStyle(QWidget& root);
 
-/// For a program that is nothing but the viewer: gives it the light or the dark palette, as the environment variable
-/// KORVEL_THEME ("light", "dark", "native") or else the system wants it, and follows the system when that changes. A
-/// scheme of strong contrast keeps the system's own colours.
+/// For a stand-alone viewer: sets the light or the dark palette, as the environment variable KORVEL_THEME ("light",
+/// "dark", "native") or else the system requires, and follows changes of the system. While the system uses a
+/// high-contrast theme, its colours are kept.
 KORVEL_AUDIT_VIEWER_EXPORT void applyPreferredPalette(QApplication& application);
 
 /// The viewer's own icon, in all sizes that systems ask for.

@@ -11,7 +11,7 @@ class QPaintDevice;
 
 namespace korvel::output::pages {
 
-/// Stands in shown text where a line ends by the value's own will.
+/// Marks a line break of the value in shown text.
 inline constexpr QChar forcedBreak{QChar::LineSeparator};
 
 /// UTF-8 `value` as it is shown on paper: control characters, characters that turn the direction of writing and bytes

@@ -13,7 +13,7 @@ constexpr qreal longestWordPart = 0.12;  ///< of the page: longer words are brok
 
 struct Needs {
   std::vector<qreal> least;   ///< no word is broken
-  std::vector<qreal> wanted;  ///< no line is broken, as long as the column takes no more than its part
+  std::vector<qreal> wanted;  ///< no line is broken, unless the column would exceed its part
   std::vector<qreal> whole;   ///< no line is broken
 };
 
@@ -34,7 +34,7 @@ qreal sum(const std::vector<qreal>& widths) {
   return std::accumulate(widths.begin(), widths.end(), qreal{0});
 }
 
-/// Widths that all lie as far on the way from `from` to `to`, so that they take `available`, which lies between.
+/// Widths between `from` and `to`, all at the same fraction, so that their sum is `available`.
 std::vector<qreal> between(const std::vector<qreal>& from, const std::vector<qreal>& to, qreal available) {
   const qreal part = (available - sum(from)) / (sum(to) - sum(from));
   std::vector<qreal> widths;
@@ -42,7 +42,7 @@ std::vector<qreal> between(const std::vector<qreal>& from, const std::vector<qre
   return widths;
 }
 
-/// Cuts the widest columns down to one width, so that all together take `available`.
+/// Limits the widest columns to one width, so that the sum of all is `available`.
 std::vector<qreal> cutDown(std::vector<qreal> widths, qreal available) {
   std::vector<qreal> sorted = widths;
   std::sort(sorted.begin(), sorted.end());

@@ -12,8 +12,8 @@
 
 namespace korvel::output::pages {
 
-/// Collects the parts of a page and draws them at once, as often as the page is wanted. Plain text of one face is drawn
-/// in one go, which keeps both the time and the file small.
+/// Collects the parts of a page and draws them together, once for each copy. Plain text of one face is drawn by one
+/// call, which takes less time and makes smaller files.
 class PagePainter {
  public:
   explicit PagePainter(QPainter& painter) : painter_(painter) {}
@@ -29,7 +29,7 @@ class PagePainter {
   void line(QPointF from, QPointF to);
   /// Draws what has been collected.
   void paint();
-  /// The next page begins; faces that were used so far may go.
+  /// Begins the next page; faces that were used so far may be destroyed.
   void clear();
 
  private:

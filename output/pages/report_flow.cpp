@@ -43,7 +43,7 @@ constexpr std::size_t measuredBytes = 8000;
 
 QFont bodyFont(qreal size) {
   QFont font;
-  // Narrow ones first: a record has eighteen columns.
+  // Narrow columns come first: a record has eighteen columns.
   font.setFamilies({QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("Segoe UI"), QStringLiteral("Arial"),
                     QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")});
   font.setStyleHint(QFont::SansSerif);
@@ -123,7 +123,7 @@ void ReportFlow::drawPage(int page, QPainter& painter) {
   drawPages(page, page);
 }
 
-/// Draws neighbouring pages. What stands on earlier ones is passed over, not laid out again.
+/// Draws consecutive pages. Earlier ones are skipped, not laid out again.
 void ReportFlow::drawPages(int first, int last) {
   const PageStart start = starts_.at(static_cast<std::size_t>(first) - 1);
   page_ = first - 1;
@@ -195,7 +195,7 @@ bool ReportFlow::openSection(std::size_t section, SectionHead& head) {
 ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, std::size_t section, std::size_t strip) {
   const std::vector<ColumnWish>& measured = measures_.at(section);
   const qreal leastHeaderScale = std::min(qreal{1}, leastSize / headerFont(head.font, 1).pointSizeF());
-  // As soon as the pages have their width.
+  // Possible as soon as the width of the pages is known.
   if (strips_.size() == section)
     strips_.push_back(shareColumns(measured, pageWidth(), padding(),
                                    {leastColumnSize * unit(), leastSize / bodySize, leastHeaderScale}));
@@ -283,7 +283,7 @@ void ReportFlow::endPage() {
     report(drawn_);
   }
   out_->clear();
-  // Only behind its last section the source knows whether the report was complete.
+  // The source knows only after its last section whether the report was complete.
   if (page_ == lastPage_ && page_ < pages_) throw PageDone{};
 }
 
@@ -303,7 +303,7 @@ void ReportFlow::margins() {
 void ReportFlow::remark() {
   if (texts_.remark.isEmpty()) return;
   QFont font = bodyFont(marginSize);
-  // Small on small paper rather than cut: it is about all of the rows.
+  // On small paper it is scaled down instead of being cut, because it concerns all rows.
   const qreal width = QFontMetricsF(font, &device_).horizontalAdvance(texts_.remark);
   if (width > pageWidth()) font.setPointSizeF(marginSize * pageWidth() / width);
   const qreal at = remarkTop * unit();
@@ -311,7 +311,7 @@ void ReportFlow::remark() {
 }
 
 void ReportFlow::headerRow() {
-  // A header that left no room for rows would be worth nothing.
+  // A header takes at most half of the page, so that rows have room.
   const qreal half = (bottom() - y_) / 2;
   const auto most = static_cast<std::size_t>(std::max(qreal{1}, half / plan_.headerFace->lineHeight()));
   const std::size_t lines = std::min(mostLines(plan_.headers), most);

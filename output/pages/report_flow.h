@@ -34,7 +34,7 @@ class ReportFlow {
   /// Draws pages on the device. False where `progress` cancelled.
   bool draw(const PageSelection& selection);
   [[nodiscard]] int drawn() const noexcept { return drawn_; }
-  /// Draws one page, from 1, in the device's units. What stands on earlier pages is passed over, not laid out again.
+  /// Draws one page, from 1, in the device's units. Earlier pages are skipped, not laid out again.
   void drawPage(int page, QPainter& painter);
 
  private:

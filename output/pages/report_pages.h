@@ -10,13 +10,13 @@ class QPagedPaintDevice;
 
 namespace korvel::output::pages {
 
-/// What stands around the tables.
+/// The texts around the tables.
 struct PageTexts {
   QString printedAt;                                 ///< right above: when it is printed
   QString pageOf = QStringLiteral("Page %1 of %2");  ///< right below
   QString note;                                      ///< left below
   QString remark = {};                               ///< under the caption: what a reader of the rows must know
-  /// Behind the caption of a sheet that holds some of the columns only.
+  /// After the caption of a sheet with some of the columns only.
   QString columnsOf = QStringLiteral("columns %1 to %2 of %3");
 };
 
@@ -28,12 +28,12 @@ struct PageSelection {
 };
 
 enum class Orientation {
-  asFits,  ///< landscape where a section does not stand in portrait with every line whole
+  asFits,  ///< landscape where a section does not fit in portrait without breaking lines
   asGiven  ///< as the device has it
 };
 
-/// Called for every page that is drawn, copies counted, and now and then while pages are still counted (page 0 of 0).
-/// False cancels.
+/// Called for every page that is drawn, copies included, and repeatedly while pages are counted (page 0 of 0). False
+/// cancels.
 using PageProgress = std::function<bool(int page, int pages)>;
 
 /// How it ended.
@@ -45,9 +45,10 @@ struct PaintedPages {
 
 /// Lays the report out on the pages of `device`, which must not be painted on yet: every section on pages of its own,
 /// its column headers in the section's font on each of them. Nothing is cut: lines are wrapped, rows that are higher
-/// than a page go on on the next, columns for which there is no room stand on further sheets. A selection without a
-/// page of the report leaves the device alone. Takes the memory of one page and one row. What the source throws comes
-/// through. Needs a QGuiApplication. A device that cannot be painted on is Error with FileError::deviceUnavailable.
+/// than a page continue on the next, columns for which there is no room are on further sheets. A selection without a
+/// page of the report leaves the device unused. Takes the memory of one page and one row. Passes on what the source
+/// throws; throws Error with FileError::deviceUnavailable where the device cannot be painted on. Needs a
+/// QGuiApplication.
 PaintedPages paintReport(ReportSource& report, QPagedPaintDevice& device, const PageTexts& texts,
                          Orientation orientation = Orientation::asFits, const PageProgress& progress = {},
                          const PageSelection& selection = {});

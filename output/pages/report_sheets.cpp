@@ -21,7 +21,7 @@ constexpr qreal inchesPerMetre = 100 / 2.54;
 
 }  // namespace
 
-// Nothing is ever painted on the PDF writer: it only says how large pages are and how wide letters.
+// Nothing is painted on the PDF writer: it only provides the size of pages and the widths of letters.
 ReportSheets::ReportSheets(std::unique_ptr<ReportSource> report, PageTexts texts)
     : report_(std::move(report)),
       texts_(std::move(texts)),
@@ -37,7 +37,7 @@ bool ReportSheets::layOut(const PageProgress& progress) {
   progress_ = progress;
   flow_ = std::make_unique<ReportFlow>(*report_, *device_, texts_, progress_);
   const bool whole = flow_->count(Orientation::asFits);
-  // The receiver of the progress may be gone when pages are drawn.
+  // The receiver of the progress may be destroyed before pages are drawn.
   progress_ = {};
   return whole;
 }
@@ -55,7 +55,7 @@ QImage ReportSheets::picture(int page, qreal dotsPerInch) {
   QImage picture(std::max(1, qRound(size.width())), std::max(1, qRound(size.height())), QImage::Format_RGB32);
   if (picture.isNull()) throw fileError(FileError::outOfMemory);
   picture.fill(Qt::white);
-  // Fonts are as large as on the device that the pages were laid out for; the painter makes them small again.
+  // Fonts have the size for the device that the pages were laid out for; the painter scales them down.
   const int metre = qRound(device_->logicalDpiX() * inchesPerMetre);
   picture.setDotsPerMeterX(metre);
   picture.setDotsPerMeterY(metre);

@@ -22,10 +22,10 @@ class ReportSheets {
   ReportSheets(const ReportSheets&) = delete;
   ReportSheets& operator=(const ReportSheets&) = delete;
 
-  /// Lays the report out; to be called first. False where `progress` cancelled. What the source throws comes through.
+  /// Lays the report out; to be called first. False where `progress` cancelled. Passes on what the source throws.
   bool layOut(const PageProgress& progress = {});
   [[nodiscard]] int count() const;
-  /// Of every page, in points.
+  /// The size of every page, in points.
   [[nodiscard]] QSizeF pageSize() const;
   /// A page, from 1, at so many dots per inch, dark on white like paper. Throws what the source throws.
   [[nodiscard]] QImage picture(int page, qreal dotsPerInch);

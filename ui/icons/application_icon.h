@@ -6,13 +6,13 @@
 
 namespace korvel::ui {
 
-/// Lengths of the sign's pictures in pixels, those that systems ask for.
+/// Side lengths of the pictures in pixels, those that systems ask for.
 inline constexpr std::array applicationIconSides{16, 24, 32, 48, 64, 256};
 
-/// The viewer's own sign: a list under a lens on a filled tile.
+/// The icon of the viewer: a list under a lens on a filled tile.
 [[nodiscard]] QIcon applicationIcon();
 
-/// The sign as a picture in the colours of its palette.
+/// Shows the application icon in the colours of the palette.
 class ApplicationIconPicture : public QWidget {
   Q_OBJECT
 

@@ -1,4 +1,4 @@
-// Draws the viewer's sign into a folder, one PNG a side length: korvel_draw_application_icon FOLDER
+// Draws the application icon into a folder, one PNG for each side length: korvel_draw_application_icon FOLDER
 // scripts/application-icon makes the icon file of them.
 #include <QDir>
 #include <QGuiApplication>

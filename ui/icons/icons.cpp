@@ -13,7 +13,7 @@
 #include "ui/style/system_appearance.h"
 #include "ui/style/theme.h"
 
-// Outside of any namespace, as the macro wants it: the drawings are part of a static library.
+// The macro must stand outside namespaces. It is needed because the resources are in a static library.
 static void loadDrawings() {
   Q_INIT_RESOURCE(ui_icons);
 }
@@ -81,14 +81,14 @@ QColor inkOf(IconTone tone, QIcon::Mode mode) {
   if (mode == QIcon::Disabled) return theme.disabled;
   if (systemAppearance().highContrast) return mode == QIcon::Selected ? theme.onSelection : theme.text;
   if (tone == IconTone::Accent) return theme.accent;
-  // The platform's own buttons are not filled with the accent.
+  // The platform's own style does not fill buttons with the accent.
   if (tone == IconTone::OnFill) return systemAppearance().native ? theme.accent : theme.onFill;
-  // Our own style marks what is selected with a tint and leaves the text as it is; others invert it.
+  // ViewerStyle marks selected items by a tint and keeps the colour of the text; other styles invert it.
   if (mode == QIcon::Selected && palette == nullptr) return fallback.color(QPalette::HighlightedText);
   return theme.text;
 }
 
-/// The drawing in one colour at a size in device pixels.
+/// Draws an icon in one colour. The size is in device pixels.
 QPixmap drawn(IconName name, const QColor& ink, const QSize& size) {
   const QString key = QStringLiteral("korvel/%1/%2/%3x%4")
                           .arg(static_cast<int>(name))

@@ -7,7 +7,7 @@ class QPalette;
 
 namespace korvel::ui {
 
-/// One drawing per command, the same on menu, tool bar and side button.
+/// The icons of commands. A command has the same one in menus, on the tool bar and on buttons.
 enum class IconName {
   Select,
   Info,
@@ -48,23 +48,23 @@ enum class IconName {
   More,
 };
 
-/// Every name with its file. For tests, which draw them all.
+/// An icon and the file that it is drawn from. For tests, which draw all of them.
 struct IconFile {
   IconName name;
   const char* file;
 };
 [[nodiscard]] std::span<const IconFile> iconFiles();
 
-/// What an icon is drawn in: the text colour of what it stands on, the accent, or the colour that is read on a filled
-/// button. Disabled icons are drawn in the disabled text colour whatever the tone, and all others in that of the text
-/// while the system has a scheme of strong contrast on.
+/// The colour of an icon: that of the surrounding text, the accent, or that of text on a filled button. Disabled icons
+/// have the colour of disabled text, whatever the tone. While the system uses a high-contrast theme, all others have
+/// the colour of text.
 enum class IconTone { Text, Accent, OnFill };
 
-/// The icon of a command. It is drawn when it is painted, in the colours of that moment's palette: of the widget in
-/// whose style it is painted, else of the application. One QIcon therefore serves light, dark and every pixel ratio.
+/// The icon of a command. It is drawn anew whenever it is painted, in the palette of the widget whose style paints it,
+/// else of the application. One QIcon therefore serves light and dark windows and every pixel ratio.
 [[nodiscard]] QIcon icon(IconName name, IconTone tone = IconTone::Text);
 
-/// While it lives, icons painted outside of a ViewerStyle take this palette's colours. For paint events of our own.
+/// While it exists, icons that are painted outside ViewerStyle take this palette's colours. For paintEvent functions.
 class IconPalette {
  public:
   explicit IconPalette(const QPalette& palette);
@@ -72,7 +72,7 @@ class IconPalette {
   IconPalette(const IconPalette&) = delete;
   IconPalette& operator=(const IconPalette&) = delete;
 
-  /// The innermost palette that is set, null if none is.
+  /// The palette of the innermost object; null where there is none.
   [[nodiscard]] static const QPalette* current();
 
  private:

@@ -13,7 +13,7 @@
 
 namespace korvel::ui {
 
-/// Reads one drawing. Every member that reads returns false for what is not to be understood.
+/// Reads one drawing. Functions that read return false for anything that is not supported.
 class DrawingReader {
  public:
   explicit DrawingReader(const QByteArray& svg) : xml_(svg) {}
@@ -40,7 +40,7 @@ class DrawingReader {
   }
 
  private:
-  /// How shapes are drawn, unless they say otherwise themselves.
+  /// Fill and stroke of shapes that do not set their own.
   struct Manner {
     bool filled = false;
     bool stroked = false;
@@ -50,7 +50,7 @@ class DrawingReader {
   using Outline = bool (DrawingReader::*)(QPainterPath& path);
   struct Element {
     const char* name = nullptr;
-    std::initializer_list<const char*> attributes{};  ///< beside those of the manner
+    std::initializer_list<const char*> attributes{};  ///< apart from those of fill and stroke
     Outline outline = nullptr;
   };
 
@@ -60,7 +60,7 @@ class DrawingReader {
     const auto side = [&box](qsizetype index) { return box.value(index).toDouble(); };
     if (box.size() != 4 || box.at(0) != QLatin1String("0") || box.at(1) != QLatin1String("0")) return false;
     drawing_.size_ = QSizeF(side(2), side(3));
-    // What it does not say would be as SVG has it, which is not how our icons are drawn.
+    // The root must set all four: the defaults of SVG are not those of our icons.
     const bool saysAll = has("fill") && has("stroke") && has("stroke-linecap") && has("stroke-linejoin");
     return saysAll && !drawing_.size_.isEmpty() && knows({"viewBox"}) && takeManner(manner_);
   }
@@ -84,7 +84,7 @@ class DrawingReader {
     return true;
   }
 
-  /// Whether the element has no attributes but these and those that say how it is drawn.
+  /// Whether the element has only these attributes and those of fill and stroke.
   [[nodiscard]] bool knows(std::initializer_list<const char*> names) const {
     constexpr std::array mannerNames{"fill", "stroke", "stroke-width", "stroke-linecap", "stroke-linejoin"};
     const QXmlStreamAttributes attributes = xml_.attributes();

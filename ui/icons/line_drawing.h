@@ -12,16 +12,15 @@ class QPainter;
 
 namespace korvel::ui {
 
-/// A drawing of strokes and filled shapes in one colour, in the manner of our icons: the part of SVG that they are
-/// written in and nothing more, so that drawing them takes no library. Paths, rectangles, circles and ellipses; stroke
-/// and fill are "currentColor" or "none", caps and joins round.
+/// A drawing of strokes and filled shapes in one colour. Reads only the part of SVG that our icons use, so that no
+/// library is needed: paths, rectangles, circles and ellipses; stroke and fill "currentColor" or "none"; round caps and
+/// joins.
 class LineDrawing {
  public:
-  /// Nothing for a text that is no drawing of this kind. It is strict: an element, an attribute or a value that it does
-  /// not know is never passed over.
+  /// Nothing for a text that is no such drawing. An unknown element, attribute or value is never ignored.
   [[nodiscard]] static std::optional<LineDrawing> read(const QByteArray& svg);
 
-  /// Paints the drawing into a rectangle of the painter's, stretched where the proportions differ.
+  /// Paints the drawing into a rectangle, stretched where the proportions differ.
   void paint(QPainter& painter, const QRectF& into, const QColor& ink) const;
 
  private:

@@ -9,7 +9,8 @@ namespace {
 
 constexpr double quarter = std::numbers::pi / 2;
 
-/// Takes the text apart. Separators are blanks and commas, and none where a number cannot go on.
+/// Splits the text into letters and numbers. Numbers are separated by blanks or commas, or directly follow each other
+/// where the first cannot continue ("1-2").
 class Scanner {
  public:
   explicit Scanner(QStringView text) : text_(text) {}
@@ -19,7 +20,7 @@ class Scanner {
     return at_ >= text_.size();
   }
 
-  /// The letter of the next command; a null character where a number stands there.
+  /// The letter of the next command; a null character where a number comes next.
   QChar command() {
     skipSeparators();
     return at_ < text_.size() && text_.at(at_).isLetter() ? text_.at(at_++) : QChar();
@@ -39,7 +40,7 @@ class Scanner {
     return understood ? std::optional(value) : std::nullopt;
   }
 
-  /// A flag is one digit, whatever stands behind it.
+  /// A flag is one digit; the next number may follow without a separator.
   std::optional<bool> flag() {
     skipSeparators();
     if (!is('0') && !is('1')) return std::nullopt;
@@ -66,7 +67,8 @@ struct Arc {
   QPointF end;
 };
 
-/// Adds the arc of an upright ellipse from the path's end to `arc.end`, as curves of a quarter turn at most.
+/// Adds the arc of an ellipse whose axes are not rotated, from the path's end to `arc.end`, as Bezier curves of at most
+/// a quarter turn.
 void addArc(QPainterPath& path, const Arc& arc) {
   double across = std::abs(arc.radii.x());
   double down = std::abs(arc.radii.y());
@@ -76,11 +78,12 @@ void addArc(QPainterPath& path, const Arc& arc) {
     path.lineTo(arc.end);
     return;
   }
-  // In a space where the ellipse is a circle of radius 1: half the chord, and the way from its middle to the centre.
+  // In coordinates in which the ellipse is the unit circle: half the chord, and the vector from its middle to the
+  // centre.
   QPointF half((arc.end.x() - begin.x()) / 2 / across, (arc.end.y() - begin.y()) / 2 / down);
   double halfSquared = QPointF::dotProduct(half, half);
   if (halfSquared > 1) {
-    // Too small to reach: as large as it takes.
+    // Radii that are too small are scaled up until the arc reaches its end.
     const double scale = std::sqrt(halfSquared);
     across *= scale;
     down *= scale;
@@ -114,7 +117,7 @@ class Reader {
   explicit Reader(QStringView text) : scanner_(text) {}
 
   std::optional<QPainterPath> read() {
-    // A path begins with a move; behind a command's numbers more of them repeat it.
+    // A path begins with a move. Further numbers after those of a command repeat the command.
     while (!scanner_.atEnd()) {
       const QChar letter = scanner_.command();
       const QChar command = letter.isNull() ? repeated_ : letter;
@@ -129,7 +132,7 @@ class Reader {
   }
 
  private:
-  /// What numbers without a letter mean behind a command: lines behind a move, nothing behind a closed figure.
+  /// The command that numbers without a letter repeat: lines after a move, none after a closed figure.
   [[nodiscard]] static QChar next(QChar command) {
     if (command == QLatin1Char('M')) return QLatin1Char('L');
     if (command == QLatin1Char('m')) return QLatin1Char('l');
@@ -186,7 +189,7 @@ class Reader {
     return first && curveFrom(*first);
   }
 
-  /// Leaves its beginning as the curve before has come in, or straight on where there was none.
+  /// Its first control point mirrors the second one of the curve before; without one it is the current position.
   bool smoothCurve() { return curveFrom(2 * path_.currentPosition() - control_); }
 
   bool curveFrom(const QPointF& first) {
@@ -211,8 +214,8 @@ class Reader {
 
   Scanner scanner_;
   QPainterPath path_;
-  QPointF origin_;   ///< what the numbers of the command count from
-  QPointF control_;  ///< the second control point of the curve before; the path's end where that was no curve
+  QPointF origin_;   ///< origin of the numbers of the command
+  QPointF control_;  ///< second control point of the curve before; the path's end after anything else
   QChar repeated_;
   bool moved_ = false;
 };

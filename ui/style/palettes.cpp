@@ -55,7 +55,7 @@ QPalette fromShades(const Shades& shades, const QColor& accent) {
   return palette;
 }
 
-/// Highlights that the toolkit, or a platform without one of its own, uses by default.
+/// The default highlight colours of the toolkit and of platforms without one of their own.
 constexpr std::array<QRgb, 5> toolkitDefaults{0xff308cc6, 0xff000080, 0xff0078d7, lightShades.accent,
                                               darkShades.accent};
 
@@ -69,7 +69,7 @@ class PaletteKeeper : public QObject {
   }
 
   bool eventFilter(QObject* watched, QEvent* event) override {
-    // ThemeChange reaches windows when the platform's theme has changed; the fallback style then knows the new scheme.
+    // Windows get ThemeChange after the platform's theme has changed; only then the fallback style knows the new one.
     if (event->type() == QEvent::ThemeChange && !applying_) {
       refreshSystemAppearance();
       apply();
@@ -81,7 +81,7 @@ class PaletteKeeper : public QObject {
   void apply() {
     applying_ = true;
     if (systemAppearance().keepsPlatform()) {
-      // A palette without any colour of ours is the system's.
+      // An empty palette restores the system's.
       if (ours_) QApplication::setPalette(QPalette());
       ours_ = false;
     } else if (const QPalette palette = wanted(); palette != application_.palette()) {
@@ -125,7 +125,7 @@ QColor chosenHighlight(const QPalette& palette) {
   for (const QRgb fallback : toolkitDefaults) {
     if (highlight.rgb() == fallback) return {};
   }
-  constexpr int grey = 60;  // saturation, of 255
+  constexpr int grey = 60;  // below this saturation (of 255) a colour is grey
   if (highlight.alpha() == 0 || highlight.hsvSaturation() < grey || highlight.value() < grey) return {};
   return highlight;
 }

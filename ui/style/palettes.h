@@ -6,25 +6,25 @@ class QApplication;
 
 namespace korvel::ui {
 
-/// The palettes of the stand-alone window. `accent` replaces the blue, where the platform has a colour of its own.
+/// The palettes of the stand-alone window. `accent` replaces the blue where the platform has an accent colour.
 [[nodiscard]] QPalette lightPalette(const QColor& accent = {});
 [[nodiscard]] QPalette darkPalette(const QColor& accent = {});
 
 [[nodiscard]] bool isDark(const QPalette& palette);
 
-/// The highlight of a palette where the user or desktop chose it; invalid where it is a default of the toolkit, or no
-/// colour at all (grey, black, white).
+/// The highlight colour of a palette where the user or the desktop has chosen it; invalid where it is a default of the
+/// toolkit, grey, black or white.
 [[nodiscard]] QColor chosenHighlight(const QPalette& palette);
 
 enum class Scheme { System, Light, Dark, Native };
 
-/// What the environment variable KORVEL_THEME asks for: "light", "dark" or "native" in any case; anything else leaves
-/// it to the system: its own style and colours on Windows, ours in light or dark elsewhere.
+/// The value of the environment variable KORVEL_THEME: "light", "dark" or "native" in any case. With any other value
+/// the system decides: its own style and colours on Windows, ours in light or dark elsewhere.
 [[nodiscard]] Scheme requestedScheme();
 
-/// For a program that is nothing but the viewer: gives it the light or the dark palette, as KORVEL_THEME or else the
-/// system wants it, and follows the system when that changes. A scheme of strong contrast keeps the system's own
-/// colours, whatever KORVEL_THEME says. The control itself never calls this: embedded, it takes its host's palette.
+/// For the stand-alone viewer: sets the light or the dark palette, as KORVEL_THEME or else the system requires, and
+/// follows changes of the system. While the system uses a high-contrast theme, its colours are kept, whatever
+/// KORVEL_THEME says. The control never calls this, because it takes its host's palette.
 void applyPreferredPalette(QApplication& application);
 
 }  // namespace korvel::ui

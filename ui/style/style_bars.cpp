@@ -1,4 +1,4 @@
-// Menu bar, menus, tool bar, status bar and the strip of pages.
+// Menu bar, menus, tool bar, status bar and the tab bar.
 #include <QMainWindow>
 #include <QMenu>
 #include <QTabBar>
@@ -53,7 +53,8 @@ bool drawMenuFrame(const Canvas& canvas) {
   return true;
 }
 
-/// What stands left of an item's text: its tick, its drawing on a tint where it is ticked as well, or its drawing.
+/// The mark to the left of an item's text: a tick, the item's icon, or the icon on a tinted background where the item
+/// is ticked as well.
 void drawMenuMark(const Canvas& canvas, const QStyleOptionMenuItem& item, const QRect& column) {
   const bool checkable = item.checkType != QStyleOptionMenuItem::NotCheckable;
   const int side = canvas.px(space::icon);
@@ -81,7 +82,7 @@ bool drawMenuItem(const Canvas& canvas) {
   }
   if (canvas.has(QStyle::State_Selected)) {
     const qreal inset = canvas.px(4);
-    // Disabled items are reached with the arrow keys too: they show the position in a weaker colour.
+    // The arrow keys reach disabled items too, so these are highlighted as well, in a weaker colour.
     drawRounded(canvas.painter, QRectF(rect).adjusted(inset, 1, -inset, -1), canvas.px(space::radius),
                 canvas.enabled() ? theme.selection : theme.hover);
   }
@@ -153,7 +154,7 @@ bool drawPageFrame(const Canvas& canvas) {
   const QRectF rect(frame->rect);
   const int radius = canvas.px(space::cardRadius);
   drawRounded(canvas.painter, rect, radius, theme.surface, theme.border, canvas.px(1));
-  // Under the first tab the frame has no round corner: its line goes on straight as the tab's.
+  // Under the first tab the frame has no rounded corner, because its line continues that of the tab.
   if (!frame->selectedTabRect.isEmpty() && frame->selectedTabRect.left() <= frame->rect.left() + 1) {
     const QRect corner(frame->rect.left(), frame->rect.top(), radius, radius);
     canvas.painter.fillRect(corner, theme.surface);

@@ -1,4 +1,4 @@
-// Push buttons, tool buttons, check boxes and radio buttons, and the frame of focus.
+// Push buttons, tool buttons, check boxes and radio buttons, and the focus frame.
 #include <QToolBar>
 #include <QToolButton>
 #include <algorithm>
@@ -48,7 +48,7 @@ bool drawPushButton(const Canvas& canvas) {
   return true;
 }
 
-/// Icon and text side by side, centred as one, 6 px apart; a text that is too long is cut with an ellipsis.
+/// Icon and text side by side, centred together, 6 px apart. A text that is too long is elided.
 bool drawPushButtonLabel(const Canvas& canvas) {
   const auto* button = canvas.as<QStyleOptionButton>();
   if (button == nullptr || button->features.testFlag(QStyleOptionButton::HasMenu)) return false;
@@ -57,7 +57,7 @@ bool drawPushButtonLabel(const Canvas& canvas) {
   const QRect room = button->rect.adjusted(canvas.px(4), 0, -canvas.px(4), 0);
   const bool hasIcon = !button->icon.isNull();
   const QSize iconSize = hasIcon ? button->iconSize : QSize(0, 0);
-  // The gap is the first to shrink.
+  // Where the room does not suffice, the gap shrinks before the text is elided.
   const int fullText = button->fontMetrics.size(Qt::TextShowMnemonic, button->text).width();
   const bool tight = iconSize.width() + canvas.px(6) + fullText > room.width();
   const int gap = hasIcon && !button->text.isEmpty() ? canvas.px(tight ? 4 : 6) : 0;
@@ -103,7 +103,7 @@ bool drawToolPanel(const Canvas& canvas) {
 bool drawToolButton(const Canvas& canvas) {
   const auto* tool = canvas.as<QStyleOptionToolButton>();
   if (tool == nullptr) return false;
-  // Buttons of two halves, and arrows, keep the toolkit's arrangement.
+  // Buttons with a menu half, and arrow buttons, keep the toolkit's layout.
   if (tool->features.testFlag(QStyleOptionToolButton::MenuButtonPopup) ||
       tool->features.testFlag(QStyleOptionToolButton::Arrow)) {
     return false;

@@ -1,4 +1,4 @@
-// Fields, lists' frames, group boxes, scroll bars and progress bars.
+// Fields, frames of lists, group boxes, scroll bars and progress bars.
 #include <QAbstractItemView>
 #include <QAbstractScrollArea>
 #include <QAbstractSpinBox>
@@ -11,7 +11,8 @@
 namespace korvel::ui {
 namespace {
 
-/// Ground and border of a field; an accent border while it has the focus, however that came: the caret is there.
+/// Background and border of a field. The border has the accent colour whenever the field has the focus, also after a
+/// click, because the caret is there.
 void drawFieldFrame(const Canvas& canvas, const QRectF& rect, bool focused) {
   const Theme& theme = canvas.theme;
   const QColor& ground = canvas.enabled() ? theme.surface : theme.window;
@@ -23,7 +24,7 @@ void drawFieldFrame(const Canvas& canvas, const QRectF& rect, bool focused) {
 bool drawLineEdit(const Canvas& canvas) {
   const auto* frame = canvas.as<QStyleOptionFrame>();
   if (frame == nullptr) return false;
-  if (frame->lineWidth <= 0) return true;  // within a spin box or combo box, whose frame is around it
+  if (frame->lineWidth <= 0) return true;  // inside a spin box or combo box, which draws the frame
   drawFieldFrame(canvas, QRectF(canvas.option.rect), canvas.has(QStyle::State_HasFocus));
   return true;
 }
@@ -141,7 +142,8 @@ bool drawProgress(const Canvas& canvas) {
   return true;
 }
 
-/// Black on white left of the bar's edge, white on the fill right of it: both stay readable wherever the edge is.
+/// The label is drawn twice, in one colour on the filled part of the bar and in another one on the rest, so that it
+/// stays readable wherever the edge is.
 bool drawProgressLabel(const Canvas& canvas) {
   const auto* bar = canvas.as<QStyleOptionProgressBar>();
   if (bar == nullptr || !bar->textVisible || !bar->state.testFlag(QStyle::State_Horizontal)) return false;

@@ -1,4 +1,4 @@
-// Sizes and places: the part of the style that layouts ask.
+// Sizes and positions, which layouts ask the style for.
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialog>
@@ -59,7 +59,7 @@ constexpr std::array<Metric, 34> metrics{{
     {QStyle::PM_ScrollView_ScrollBarSpacing, 0},
 }};
 
-/// Width of a text in semi-bold, whose tabs and headers are measured by it.
+/// Width of a text in semi-bold, by which tabs and headers are measured.
 int semiBoldWidth(const QWidget* widget, const QFontMetrics& fallback, const QString& text) {
   constexpr int flags = Qt::TextShowMnemonic;
   if (widget == nullptr) return fallback.size(flags, text).width();
@@ -85,7 +85,7 @@ int ViewerStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, con
     case PM_LayoutTopMargin:
     case PM_LayoutRightMargin:
     case PM_LayoutBottomMargin:
-      if (qobject_cast<const QGroupBox*>(widget) != nullptr) return 0;  // the group box has them itself
+      if (qobject_cast<const QGroupBox*>(widget) != nullptr) return 0;  // the group box adds the margins itself
       if (qobject_cast<const QDialog*>(widget) != nullptr) return px(widget, space::dialog);
       return px(widget, space::inside);
     default:
@@ -113,7 +113,7 @@ int ViewerStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
     case SH_ScrollBar_LeftClickAbsolutePosition:
       return 0;
     case SH_ComboBox_Popup:
-      return 0;  // a list below the field, not a menu over it
+      return 0;  // the list opens below the field instead of covering it
     case SH_TabBar_Alignment:
       return Qt::AlignLeft;
     default:
@@ -151,7 +151,7 @@ QSize ViewerStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
     case CT_TabBarTab: {
       const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(option);
       if (tab == nullptr) break;
-      // Dot, gap and semi-bold text also for the tabs that show neither: nothing moves when the page changes.
+      // All tabs have room for the dot and semi-bold text of the current one, so that none moves when the page changes.
       const int text = semiBoldWidth(widget, tab->fontMetrics, tab->text);
       const int height = std::max(scaled(space::tab), tab->fontMetrics.height() + scaled(12));
       return {text + scaled(8 + 6) + 2 * scaled(12), height};
@@ -188,7 +188,7 @@ QSize ViewerStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
 QRect ViewerStyle::subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const {
   if (option == nullptr) return QProxyStyle::subElementRect(element, option, widget);
   if (element == SE_TabWidgetTabContents) {
-    // The pages fill the frame: elements on them keep their own margins.
+    // The pages fill the frame; elements on them have margins of their own.
     const int inset = px(widget, 1);
     return proxy()->subElementRect(SE_TabWidgetTabPane, option, widget).adjusted(inset, inset, -inset, -inset);
   }
@@ -226,7 +226,7 @@ QRect ViewerStyle::subControlRect(ComplexControl control, const QStyleOptionComp
   if (control == CC_ScrollBar) {
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (bar != nullptr) {
-      // No buttons at the ends: the groove takes the whole length.
+      // There are no buttons at the ends, so the groove takes the whole length.
       const bool across = bar->orientation == Qt::Horizontal;
       const int length = across ? bar->rect.width() : bar->rect.height();
       const qint64 range = static_cast<qint64>(bar->maximum) - bar->minimum;

@@ -10,7 +10,7 @@
 
 namespace korvel::ui {
 
-/// What a drawing function of the style gets.
+/// The arguments of a drawing function of the style.
 struct Canvas {
   const ViewerStyle& style;
   const QStyleOption& option;
@@ -22,16 +22,16 @@ struct Canvas {
   [[nodiscard]] bool has(QStyle::StateFlag flag) const { return option.state.testFlag(flag); }
   [[nodiscard]] bool enabled() const { return has(QStyle::State_Enabled); }
   [[nodiscard]] bool hovered() const { return enabled() && has(QStyle::State_MouseOver); }
-  /// Focus that came with the keyboard: it is shown; focus that came with a click is not.
+  /// Whether the focus was moved here by the keyboard. Focus after a click is not shown.
   [[nodiscard]] bool keyFocus() const { return has(QStyle::State_HasFocus) && has(QStyle::State_KeyboardFocusChange); }
-  /// The option as its own type; the style's contract says which it is, null if a caller breaks it.
+  /// The option as the type that QStyle documents for the element; null where the caller passes another one.
   template <typename Option>
   [[nodiscard]] const Option* as() const {
     return qstyleoption_cast<const Option*>(&option);
   }
 };
 
-/// A drawing function; false leaves the element to Fusion.
+/// A drawing function. Where it returns false, Fusion draws the element.
 using Draw = bool (*)(const Canvas&);
 
 struct PrimitivePart {
@@ -57,8 +57,8 @@ struct PartTable {
 [[nodiscard]] PartTable barParts();
 [[nodiscard]] PartTable viewParts();
 
-/// A rounded rectangle with a line of `width` device-independent pixels inside of `rect`. Invalid colours leave that
-/// out.
+/// A rounded rectangle with a line of `width` device-independent pixels inside `rect`. An invalid colour leaves out the
+/// background or the line.
 void drawRounded(QPainter& painter, const QRectF& rect, qreal radius, const QColor& ground, const QColor& line = {},
                  qreal width = 1);
 /// Small filled triangle in the middle of `rect`.
@@ -67,13 +67,13 @@ void drawTriangle(QPainter& painter, const QRectF& rect, Qt::ArrowType direction
 void drawChevron(QPainter& painter, const QRectF& rect, Qt::ArrowType direction, const QColor& color, qreal side);
 /// Tick in a box of any size.
 void drawTick(QPainter& painter, const QRectF& box, const QColor& color);
-/// Name of the property of a scroll area whose frame keeps 4 px from its content.
+/// Dynamic property of a scroll area: its frame is 4 px away from its content.
 inline constexpr const char* roomyFrame = "korvelRoomyFrame";
 
-/// Does nothing: for elements that the drawing does without.
+/// Draws nothing, for elements that are not shown in this style.
 bool drawNothing(const Canvas& canvas);
 
-/// Room above the content of a group box: its caption, or the inset alone.
+/// Height above the content of a group box, for its caption or, without one, the margin.
 [[nodiscard]] int groupBoxTop(const QWidget* widget, const QString& title);
 
 }  // namespace korvel::ui

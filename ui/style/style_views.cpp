@@ -38,7 +38,7 @@ bool drawHeaderSection(const Canvas& canvas) {
   return true;
 }
 
-/// Caption and, close behind it, the sort arrow; the arrow keeps its room when the caption is cut.
+/// The caption, directly followed by the sort arrow. A caption that is too long is elided, the arrow is always shown.
 bool drawHeader(const Canvas& canvas) {
   const auto* section = canvas.as<QStyleOptionHeader>();
   if (section == nullptr || section->orientation != Qt::Horizontal) return false;
@@ -64,7 +64,7 @@ bool drawHeader(const Canvas& canvas) {
   painter.drawText(placed({room.left() + shift, room.top(), width + 1, room.height()}),
                    Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
   if (sorted) {
-    // The toolkit calls the ascending arrow "down"; it points up here, as people know it.
+    // The toolkit calls the ascending arrow "down". Here it points up, as in other programs.
     const bool ascending = section->sortIndicator == QStyleOptionHeader::SortDown;
     drawTriangle(painter, QRectF(placed({room.left() + shift + width + gap, room.top(), arrow, room.height()})),
                  ascending ? Qt::UpArrow : Qt::DownArrow, canvas.enabled() ? theme.accent : theme.disabled, arrow);
@@ -96,7 +96,7 @@ bool drawItemGround(const Canvas& canvas) {
   if (item->backgroundBrush.style() != Qt::NoBrush) canvas.painter.fillRect(item->rect, item->backgroundBrush);
   const auto* view = qobject_cast<const QAbstractItemView*>(canvas.widget);
   if (canvas.has(QStyle::State_Selected) && canvas.widget != nullptr && canvas.widget->inherits("QCalendarView")) {
-    // The chosen day; the calendar writes it in the colour that belongs to the highlight.
+    // The chosen day of a calendar, which draws the number in the colour for highlighted text.
     drawRounded(canvas.painter, QRectF(item->rect).adjusted(1, 1, -1, -1), canvas.px(space::radius),
                 item->palette.color(canvas.enabled() ? QPalette::Active : QPalette::Disabled, QPalette::Highlight));
   } else if (canvas.has(QStyle::State_Selected)) {
@@ -107,7 +107,7 @@ bool drawItemGround(const Canvas& canvas) {
   return true;
 }
 
-/// The toolkit's item with the texts of our theme: what is selected keeps its colour.
+/// The toolkit's item in the text colours of the theme: selected texts keep their colour.
 bool drawItem(const Canvas& canvas) {
   const auto* item = canvas.as<QStyleOptionViewItem>();
   if (item == nullptr) return false;

@@ -4,14 +4,13 @@
 
 namespace korvel::ui {
 
-/// What the system prescribes for every window beside its palette.
+/// What the system prescribes for all windows, apart from its palette.
 struct SystemAppearance {
-  /// A scheme of strong contrast is on: the palette's colours are to be used as they are, in the platform's own style.
+  /// A high-contrast theme is on: the palette's colours are used unchanged, in the platform's own style.
   bool highContrast = false;
-  /// Whether windows are to be dark; nothing where only the palette decides.
+  /// Whether windows are dark; nothing where only the palette decides.
   std::optional<bool> dark{};
-  /// Windows are to look like all others of the system, in its style and its colours, as far as KORVEL_THEME does not
-  /// ask for our own.
+  /// Windows use the style and the colours of the system, unless KORVEL_THEME asks for our own.
   bool native = false;
 
   /// Whether the platform's style and palette are used instead of our own.

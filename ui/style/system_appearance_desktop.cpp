@@ -1,4 +1,4 @@
-// Desktops where the toolkit's palette tells everything.
+// Desktops where the toolkit's palette contains all that the system prescribes.
 #include "ui/style/palettes.h"
 #include "ui/style/system_appearance.h"
 

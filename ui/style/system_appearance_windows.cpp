@@ -1,4 +1,4 @@
-// What Windows prescribes beside its colours: a scheme of strong contrast, and whether applications are to be dark.
+// What Windows prescribes apart from its colours: a high-contrast theme, and whether applications are dark.
 #include <windows.h>
 
 #include "ui/style/palettes.h"
@@ -14,7 +14,7 @@ bool isHighContrast() {
          (scheme.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-/// Versions without dark windows have no such value.
+/// Nothing on versions without dark windows, which do not have the value.
 std::optional<bool> isDark() {
   DWORD light = 0;
   DWORD size = sizeof(light);

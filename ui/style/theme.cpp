@@ -31,7 +31,7 @@ double worstContrast(const QColor& color, std::initializer_list<QColor> grounds)
   return worst;
 }
 
-/// `wanted`, moved towards `strongest` only as far as the contrast on all grounds needs it.
+/// `wanted`, mixed with as much of `strongest` as the contrast on all backgrounds needs.
 QColor contrasting(const QColor& wanted, const QColor& strongest, double least, std::initializer_list<QColor> grounds) {
   for (int step = 0; step < 40; ++step) {
     const QColor candidate = mixed(wanted, strongest, step / 40.0);
@@ -45,7 +45,7 @@ QColor opaque(QColor color) {
   return color.toRgb();
 }
 
-/// White where it is read, else a soft black, else black: one of black and white is read on any colour.
+/// White where it is readable, else a soft black, else black. Black or white is readable on any colour.
 QColor blackOrWhite(const QColor& ground) {
   for (const QColor& ink : {QColor(Qt::white), QColor(0x12, 0x18, 0x22)}) {
     if (contrastRatio(ink, ground) >= readable) return ink;
@@ -53,7 +53,7 @@ QColor blackOrWhite(const QColor& ground) {
   return Qt::black;
 }
 
-/// The accent darkened until white is read on it: a filled button is dark with white in both schemes.
+/// The accent, darkened until white text is readable on it: filled buttons have white text in light and dark windows.
 QColor fillOf(const QColor& accent) {
   QColor fill = accent;
   for (int step = 0; step < 60 && contrastRatio(Qt::white, fill) < readable; ++step) {
@@ -62,7 +62,7 @@ QColor fillOf(const QColor& accent) {
   return fill;
 }
 
-/// The palette's colours unchanged: users of strong contrast need them.
+/// The palette's colours unchanged, as high contrast needs them.
 Theme plain(const QPalette& palette) {
   const auto color = [&](QPalette::ColorRole role) { return opaque(palette.color(QPalette::Active, role)); };
   Theme theme;
@@ -75,7 +75,7 @@ Theme plain(const QPalette& palette) {
   theme.disabled = opaque(palette.color(QPalette::Disabled, QPalette::WindowText));
   theme.selection = theme.accent = color(QPalette::Highlight);
   theme.onSelection = theme.onAccent = color(QPalette::HighlightedText);
-  // Buttons are the platform's, and none of them is filled.
+  // The platform's own style draws the buttons and fills none of them.
   theme.fill = theme.fillHover = theme.fillPressed = color(QPalette::Button);
   theme.onFill = color(QPalette::ButtonText);
   return theme;
@@ -89,7 +89,7 @@ Theme derive(const QPalette& palette) {
   theme.surface = opaque(palette.color(QPalette::Active, QPalette::Base));
   const QColor end = theme.dark ? QColor(Qt::white) : QColor(Qt::black);
   const auto toned = [&](double light, double dark) { return mixed(theme.surface, end, theme.dark ? dark : light); };
-  // The tints lean to blue as the drawing has them, which reads as neutral beside a blue accent.
+  // The tints are slightly blue, as in the design: beside a blue accent that looks neutral.
   const QColor slate = theme.dark ? QColor(0xc0, 0xcc, 0xe0) : QColor(0x20, 0x38, 0x68);
   const auto tinted = [&](double light, double dark) { return mixed(theme.surface, slate, theme.dark ? dark : light); };
   theme.header = tinted(0.075, 0.05);
@@ -116,7 +116,7 @@ Theme derive(const QPalette& palette) {
       wantedText, end, readable,
       {theme.window, theme.surface, theme.header, theme.selection, theme.pressed, theme.removed, theme.added});
   theme.onSelection = theme.text;
-  // No text is in the accent colour: the contrast of symbols suffices, so the blue is kept.
+  // No text has the accent colour, so the lower contrast that symbols need suffices and the blue is kept.
   theme.accent =
       contrasting(wantedAccent, end, visible + 0.15, {theme.window, theme.surface, theme.header, theme.selection});
   theme.muted = contrasting(mixed(theme.text, theme.surface, theme.dark ? 0.38 : 0.28), theme.text, readable + 0.2,
@@ -153,8 +153,8 @@ const Theme& Theme::of(const QPalette& palette) {
     bool highContrast = false;
     Theme theme;
   };
-  // Palettes are identified by their cache key; a painted window has a handful of them. References stay valid until
-  // their slot is reused, far longer than a paint call.
+  // Palettes are identified by their cache key. A window has few palettes, so a reference stays valid much longer than
+  // one paint call: until its entry is reused.
   static std::array<Entry, 32> entries;
   static std::size_t next = 0;
   const qint64 key = palette.cacheKey();

@@ -8,28 +8,28 @@ class QWidget;
 
 namespace korvel::ui {
 
-/// The colours of the window. All of them are derived from a palette, so that the control fits its host, light or dark.
-/// Every text colour keeps a contrast of at least 4.5:1 to the grounds it is used on, `disabled` at least 3:1; so do
-/// the marks that tell something (tick, page marker, an empty check box, focus). While the system has a scheme of
-/// strong contrast on, they are the palette's own colours, none of them a tint.
+/// The colours of the window, derived from a palette, so that the control fits its host, light or dark. Text colours
+/// have a contrast of at least 4.5:1 to the backgrounds that they are used on; `disabled` and the marks that carry
+/// information (tick, page marker, empty check box, focus) at least 3:1. While the system uses a high-contrast theme,
+/// the colours are those of the palette, without tints.
 struct Theme {
   bool dark = false;
 
-  QColor window;        ///< ground of the window, tool bar, status bar
-  QColor surface;       ///< ground of cards, pages, lists, fields
-  QColor header;        ///< ground of list headers
+  QColor window;        ///< background of the window, tool bar, status bar
+  QColor surface;       ///< background of cards, pages, lists, fields
+  QColor header;        ///< background of list headers
   QColor alternateRow;  ///< every second row of a list
-  QColor hover;         ///< under the pointer: buttons, tool bar, menu
-  QColor pressed;       ///< while held down, and what is switched on
+  QColor hover;         ///< background of the button or menu item under the pointer
+  QColor pressed;       ///< background of a button that is pressed or switched on
   QColor selection;     ///< selected row
 
-  QColor border;   ///< quiet lines: frames, separators
-  QColor control;  ///< lines that must be seen: an empty check box, the handle of a scroll bar
+  QColor border;   ///< weak lines: frames, separators
+  QColor control;  ///< lines that carry information: an empty check box, the handle of a scroll bar
 
   QColor text;
-  QColor onSelection;  ///< on `selection`: `text`, unless the system inverts what is selected
-  QColor muted;        ///< captions, other pages' tabs, messages in grey
-  QColor disabled;     ///< texts and icons that cannot be used now
+  QColor onSelection;  ///< text on `selection`: `text`, unless the system inverts selected text
+  QColor muted;        ///< captions, tabs of other pages, grey messages
+  QColor disabled;     ///< disabled texts and icons
 
   QColor removed;      ///< ground of characters that an old value alone has
   QColor removedLine;  ///< under them, and as visible as a tick
@@ -37,24 +37,25 @@ struct Theme {
   QColor addedLine;
 
   QColor accent;    ///< ticks, page marker, sort arrow, focus
-  QColor onAccent;  ///< drawn on `accent`
-  QColor fill;      ///< ground of the primary button
+  QColor onAccent;  ///< text and marks on `accent`
+  QColor fill;      ///< background of the primary button
   QColor fillHover;
   QColor fillPressed;
-  QColor onFill;  ///< drawn on the three above
+  QColor onFill;  ///< text on the three fills
 
-  /// The theme of a palette. Cheap: the last few palettes are remembered.
+  /// The theme of a palette. Cheap: the themes of the last palettes are kept.
   [[nodiscard]] static const Theme& of(const QPalette& palette);
   [[nodiscard]] static const Theme& of(const QWidget& widget);
 };
 
-/// Contrast of two opaque colours, 1 (none) to 21 (black on white), as accessibility guidelines compute it.
+/// Contrast ratio of two opaque colours as the Web Content Accessibility Guidelines define it: 1 (none) to 21 (black on
+/// white).
 [[nodiscard]] double contrastRatio(const QColor& one, const QColor& other);
 
-/// `from` moved towards `to`: 0 is `from`, 1 is `to`.
+/// A mixture of two colours: `from` for a share of 0, `to` for 1.
 [[nodiscard]] QColor mixed(const QColor& from, const QColor& to, double share);
 
-/// Lengths of the layout at 96 dpi; hand them to px().
+/// Lengths of the layout at 96 dpi, to be converted by px().
 namespace space {
 inline constexpr int inGroup = 4;  ///< between the members of a group
 inline constexpr int inside = 8;   ///< between a frame and what is in it
@@ -73,7 +74,7 @@ inline constexpr int treeRow = 24;
 inline constexpr int check = 14;  ///< a check box
 }  // namespace space
 
-/// `at96` pixels of a 96 dpi screen in the pixels of the widget's screen (of the first screen without a widget).
+/// Converts pixels of a 96 dpi screen into pixels of the widget's screen; without a widget, of the first screen.
 [[nodiscard]] int px(const QWidget* widget, int at96);
 
 /// The font in semi-bold; small captions are also a little smaller than the text.

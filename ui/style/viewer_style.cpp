@@ -14,7 +14,7 @@
 namespace korvel::ui {
 namespace {
 
-/// The four tables, spread out for look-up by element: painting asks several times a widget.
+/// The four tables as arrays indexed by element: painting one widget looks up several elements.
 class Parts {
  public:
   static const Parts& all() {
@@ -48,7 +48,7 @@ class Parts {
   Row complexes_{};
 };
 
-/// One style for all viewers of the application; what differs between them comes with each palette.
+/// One style for all viewers of the application. They differ by palette only, which each option brings along.
 QStyle& sharedStyle() {
   static QPointer<QStyle> style;
   if (style.isNull()) {
@@ -58,8 +58,8 @@ QStyle& sharedStyle() {
   return *style;
 }
 
-/// Sets the style on widgets as they join the subtree: Qt itself lets children keep the application's style. They keep
-/// that one while the platform's own style or a scheme of strong contrast is in use.
+/// Sets the style on widgets as they are added to the subtree, because Qt gives children the application's style. They
+/// keep that one while the platform's own style or a high-contrast theme is in use.
 class StyleScope : public QObject {
  public:
   explicit StyleScope(QWidget& root) : QObject(&root), root_(root) { take(root); }
@@ -86,7 +86,7 @@ class StyleScope : public QObject {
     }
   }
 
-  /// A scheme of contrast cannot change without a change of colours.
+  /// Called after changes of colours: a high-contrast theme cannot change without one.
   void followSystem() {
     refreshSystemAppearance();
     if (systemAppearance().keepsPlatform() == platform_) return;
@@ -152,9 +152,9 @@ void ViewerStyle::drawItemText(QPainter* painter, const QRect& rect, int flags, 
   if (!enabled) {
     ink = theme.disabled;
   } else if (role == QPalette::PlaceholderText) {
-    ink = theme.muted;  // how labels in grey are marked
+    ink = theme.muted;  // set by setMuted()
   } else if (role == QPalette::ButtonText) {
-    ink = theme.text;  // calendars colour their buttons for a bar in the highlight colour, which ours is not
+    ink = theme.text;  // calendars expect a bar in the highlight colour behind their buttons; ours is not
   } else {
     QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, text, role);
     return;

@@ -6,9 +6,9 @@ class QStyleOptionViewItem;
 
 namespace korvel::ui {
 
-/// The viewer's style: Fusion with our own drawing of the elements that the window is made of. It keeps no colours:
-/// every element is painted in the theme of the palette that comes with its option.
-/// The elements are tables in style_*.cpp; what is in none of them is Fusion's.
+/// The viewer's style: Fusion, with the elements that the window uses drawn by us. It stores no colours: every element
+/// is painted in the theme of its option's palette. The tables in style_*.cpp list our elements; Fusion draws all
+/// others.
 class ViewerStyle : public QProxyStyle {
   Q_OBJECT
 
@@ -38,14 +38,14 @@ class ViewerStyle : public QProxyStyle {
   using QProxyStyle::polish;
   void polish(QWidget* widget) override;
 
-  /// An item of a view as Fusion draws it, which asks us again for its parts.
+  /// Draws an item of a view by Fusion, which calls this style again for the parts of the item.
   void drawItemAsBase(const QStyleOptionViewItem& item, QPainter& painter, const QWidget* widget) const;
 };
 
-/// Gives `root` and everything below it, now and later (dialogs and menus that are its children included), the
-/// viewer's style. Nothing outside of the subtree changes. Call it once, first thing in the constructor of the root;
-/// also for a dialog without a parent. It follows changes of palette, font and screen by itself, and uses the
-/// application's style while the system has a scheme of strong contrast on.
+/// Gives `root` and all its present and future descendants, dialogs and menus included, the viewer's style. Nothing
+/// outside the subtree changes. To be called once, at the beginning of the root's constructor; also for a dialog
+/// without a parent. Changes of palette, font and screen need no further call. While the system uses a high-contrast
+/// theme, widgets have the application's style.
 void applyStyle(QWidget& root);
 
 }  // namespace korvel::ui
