@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "query/complete_query.h"
+#include "query/completion_report.h"
 #include "query/filter_tree.h"
 
 namespace korvel::control {

@@ -12,14 +12,7 @@ namespace {
 
 constexpr std::string_view auditTypeColumn = "AuditType";
 constexpr std::string_view entryNumberColumn = "Nr";
-constexpr std::string_view dateTimeColumn = "DateTime";
 constexpr std::string_view tableNameColumn = "TableName";
-
-std::optional<std::size_t> columnOf(std::span<const db::Field> fields, std::string_view name) {
-  for (std::size_t i = 0; i < fields.size(); ++i)
-    if (equalsIgnoringAsciiCase(fields[i].name, name)) return i;
-  return std::nullopt;
-}
 
 std::uint32_t hashOf(std::string_view text) noexcept {
   const std::size_t hash = std::hash<std::string_view>()(text);
@@ -52,47 +45,6 @@ bool isOwn(const db::Cell& time, const TimeSlice& slice) noexcept {
 
 }  // namespace
 
-void BufferedRows::begin(std::span<const db::Field> fields) {
-  clear();
-  fields_.assign(fields.begin(), fields.end());
-}
-
-void BufferedRows::add(std::span<const db::Cell> cells) {
-  const std::size_t width = fields_.size();
-  for (std::size_t i = 0; i < width; ++i) {
-    const bool isThere = i < cells.size();
-    if (isThere) bytes_ += cells[i].text;
-    values_.push_back({bytes_.size(), !isThere || cells[i].isNull});
-  }
-  ++rowCount_;
-}
-
-void BufferedRows::clear() noexcept {
-  bytes_.clear();
-  values_.clear();
-  rowCount_ = 0;
-}
-
-std::span<const db::Cell> BufferedRows::row(std::size_t index) const {
-  const std::size_t width = fields_.size();
-  cells_.resize(width);
-  for (std::size_t i = 0; i < width; ++i) {
-    const std::size_t at = index * width + i;
-    const std::size_t begin = at == 0 ? 0 : values_[at - 1].end;
-    cells_[i] = {std::string_view(bytes_).substr(begin, values_[at].end - begin), values_[at].isNull};
-  }
-  return cells_;
-}
-
-std::vector<Minute> BufferedRows::minutes() const {
-  std::vector<Minute> minutes;
-  const auto column = columnOf(fields_, dateTimeColumn);
-  if (!column) return minutes;
-  for (std::size_t i = 0; i < rowCount_; ++i)
-    if (const auto minute = minuteOf(row(i)[*column].text)) minutes.push_back(*minute);
-  return minutes;
-}
-
 void RowJoin::Index::insert(std::uint32_t hash, results::RowId row) {
   constexpr std::size_t leastSlots = 1024;
   if ((used_ + 1) * 4 > slots_.size() * 3) {
@@ -116,24 +68,47 @@ RowJoin::RowJoin(const results::MemoryGauge& memory) : memory_(memory) {}
 
 void RowJoin::beginCategory(bool hasRowsOfOtherTimes) {
   counts_.clear();
+  beginAnswer(std::nullopt);
   hasRowsOfOtherTimes_ = hasRowsOfOtherTimes;
 }
 
-void RowJoin::add(const BufferedRows& rows, const TimeSlice* slice) {
-  ++sliceNumber_;
+void RowJoin::beginAnswer(const std::optional<TimeSlice>& slice) {
+  ++answerNumber_;
+  slice_ = slice;
+  answerBegin_ = lists_[0].size();
+  before_ = {};
+}
+
+void RowJoin::repeatAnswer() {
+  // What is counted by `counts_` begins again with the new number.
+  ++answerNumber_;
+  std::vector<std::uint32_t> before(store_->rowCount());
+  for (std::size_t i = answerBegin_; i < lists_[0].size(); ++i) ++before[lists_[0][i].value];
+  before_ = std::move(before);
+}
+
+bool RowJoin::cameBefore(results::RowId row) noexcept {
+  if (row.value >= before_.size() || before_[row.value] == 0) return false;
+  --before_[row.value];
+  return true;
+}
+
+void RowJoin::add(const BufferedRows& rows) {
   if (rows.rowCount() == 0) return;
   try {
     beginResult(rows.fields());
     for (std::size_t i = 0; i < rows.rowCount(); ++i) {
       const std::span<const db::Cell> cells = rows.row(i);
-      const bool comesOnce = slice == nullptr || (dateTime_ && isOwn(cells[*dateTime_], *slice) &&
-                                                  (!hasRowsOfOtherTimes_ || isLimitedByDates(cells)));
+      const bool comesOnce = !slice_ || (dateTime_ && isOwn(cells[*dateTime_], *slice_) &&
+                                         (!hasRowsOfOtherTimes_ || isLimitedByDates(cells)));
       const results::RowId id = idOf(cells);
-      if (!comesOnce) {
+      if (comesOnce) {
+        if (cameBefore(id)) continue;
+      } else {
         Count& count = counts_[id.value];
-        if (count.slice != sliceNumber_) count.inSlice = 0;
-        count.slice = sliceNumber_;
-        if (++count.inSlice <= count.listed) continue;
+        if (count.answer != answerNumber_) count.inAnswer = 0;
+        count.answer = answerNumber_;
+        if (++count.inAnswer <= count.listed) continue;
         ++count.listed;
       }
       lists_[0].push_back(id);
@@ -158,7 +133,7 @@ void RowJoin::beginResult(const std::vector<db::Field>& fields) {
   fields_ = fields;
   auditType_ = columnOf(fields_, auditTypeColumn);
   entryNumber_ = columnOf(fields_, entryNumberColumn).value_or(0);
-  dateTime_ = columnOf(fields_, dateTimeColumn);
+  dateTime_ = columnOf(fields_, BufferedRows::dateTimeColumn);
   tableName_ = columnOf(fields_, tableNameColumn);
   store_->beginResult(fields_);
 }

@@ -12,41 +12,12 @@
 
 #include "db/connection.h"
 #include "query/audit_record.h"
+#include "query/buffered_rows.h"
 #include "query/date_slices.h"
 #include "results/memory_watch.h"
 #include "results/row_store.h"
 
 namespace korvel::query {
-
-/// The rows of one result set, until it is known whether they are all that there are.
-class BufferedRows {
- public:
-  /// What a value costs beside its text.
-  static constexpr std::size_t bytesOfValue = 16;
-
-  void begin(std::span<const db::Field> fields);
-  void add(std::span<const db::Cell> cells);
-  void clear() noexcept;
-
-  [[nodiscard]] std::size_t rowCount() const noexcept { return rowCount_; }
-  [[nodiscard]] const std::vector<db::Field>& fields() const noexcept { return fields_; }
-  /// The cells of a row, valid until the next call of a member.
-  [[nodiscard]] std::span<const db::Cell> row(std::size_t index) const;
-  /// The minutes of the rows, in their order; rows without a time that can be read are left out.
-  [[nodiscard]] std::vector<Minute> minutes() const;
-
- private:
-  struct Value {
-    std::size_t end = 0;
-    bool isNull = false;
-  };
-
-  std::vector<db::Field> fields_;
-  std::string bytes_;
-  std::vector<Value> values_;
-  std::size_t rowCount_ = 0;
-  mutable std::vector<db::Cell> cells_;
-};
 
 /// Joins result sets into the rows of lists 0..4. Rows that are the same in all columns are stored once, and listed as
 /// often as the procedure without its limit would give them: once for each category that they belong to.
@@ -56,11 +27,13 @@ class RowJoin {
 
   /// The result sets of another category follow. Those of the alarms have rows of other times than asked for.
   void beginCategory(bool hasRowsOfOtherTimes);
-  /// Adds the rows of a result set that no other of this category has rows of.
-  void addDistinct(const BufferedRows& rows) { add(rows, nullptr); }
-  /// Adds the rows of a slice. Rows that may come with other slices as well, those of other times and of the moment
-  /// between two slices, are counted once: as often as the slice gives them that has most of them.
-  void addSlice(const BufferedRows& rows, const TimeSlice& slice) { add(rows, &slice); }
+  /// Another answer of this category follows, in as many parts as its reader likes. Rows of a slice that may come with
+  /// other slices as well, those of other times and of the moment between two slices, are counted once: as often as the
+  /// slice gives them that has most of them. Without a slice it is the only answer of this category.
+  void beginAnswer(const std::optional<TimeSlice>& slice);
+  /// The rows of the answer come once more, from the first one on. Those that have come are not counted again.
+  void repeatAnswer();
+  void add(const BufferedRows& rows);
 
   /// Rows of list 0.
   [[nodiscard]] std::size_t rowCount() const noexcept { return lists_[0].size(); }
@@ -99,14 +72,15 @@ class RowJoin {
     std::size_t used_ = 0;
   };
 
-  /// How often a row that may come again has been listed, and how often it came in the slice that is being added.
+  /// How often a row that may come again has been listed, and how often it came in the answer that is being added.
   struct Count {
     std::size_t listed = 0;
-    std::size_t inSlice = 0;
-    std::size_t slice = 0;
+    std::size_t inAnswer = 0;
+    std::size_t answer = 0;
   };
 
-  void add(const BufferedRows& rows, const TimeSlice* slice);
+  /// Whether the row, which comes with no other answer, came before this one was repeated.
+  [[nodiscard]] bool cameBefore(results::RowId row) noexcept;
   void beginResult(const std::vector<db::Field>& fields);
   [[nodiscard]] results::RowId idOf(std::span<const db::Cell> cells);
   /// Whether an alarm row is one of those that a date range limits.
@@ -128,7 +102,10 @@ class RowJoin {
   Index entries_;
   std::vector<bool> plainEntries_;  ///< which of the numbers without signs and leading zeros have come
   std::unordered_map<std::uint32_t, Count> counts_;
-  std::size_t sliceNumber_ = 0;
+  std::size_t answerNumber_ = 0;
+  std::optional<TimeSlice> slice_;     ///< of the answer that is being added
+  std::size_t answerBegin_ = 0;        ///< its first row in list 0
+  std::vector<std::uint32_t> before_;  ///< of a repeated answer: how often each stored row came the first time
   std::array<std::vector<results::RowId>, standardListCount> lists_;
   std::vector<std::string> changedEntries_;
   std::size_t changedEntryCount_ = 0;

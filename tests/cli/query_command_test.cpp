@@ -126,11 +126,10 @@ TEST_F(QueryCommand, CompletesAnAnswerThatIsCut) {
   server.answer[0].rows.assign(db::rowLimitPerResult, auditRow("1", "CS"));
   const ToolRun tool = run({"--complete", "--format", "csv", "--quiet"});
   EXPECT_EQ(tool.status, exitDone);
-  EXPECT_EQ(tool.err, "complete: 5,000 records from 2 slices\n");
+  EXPECT_EQ(tool.err, "complete: 5,000 records\n");
   EXPECT_EQ(std::count(tool.out.begin(), tool.out.end(), '\n'), 5001);
-  EXPECT_EQ(server.executed.size(), 4U);
-  EXPECT_TRUE(server.executed[2].starts_with("SELECT * FROM Korvel_Audit_Trails WHERE DateTime >= '1753-01-01T"))
-      << server.executed[2];
+  ASSERT_EQ(server.executed.size(), 3U);
+  EXPECT_EQ(server.executed[2], "SELECT * FROM Korvel_Audit_Trails");
 }
 
 TEST_F(QueryCommand, AsksOnceForACompleteAnswerThatIsNotCut) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <future>
 #include <map>
 #include <set>
@@ -98,8 +99,10 @@ class Server {
   bool isFree = false;         ///< selects cost no more than calls
   bool hasOtherTable = false;  ///< the login's table is not the procedure's
   std::function<void(std::size_t call)> beforeCall = [](std::size_t /*call*/) {};
+  std::function<void(std::size_t select)> beforeSelect = [](std::size_t /*select*/) {};
   std::function<void(std::size_t call)> withinAnswer = [](std::size_t /*call*/) {};
   std::size_t calls = 0;
+  std::atomic<std::size_t> selects = 0;
   std::size_t connections = 0;
   std::vector<std::string> texts;
   test::TemporaryFolder folder_;
@@ -141,10 +144,11 @@ class Server {
     void select(const db::AuditSelection& selection, db::ResultSink& sink) override {
       if (server_.tableIsClosed) throw Error(db::rightMissingNumber, "The SELECT permission was denied.");
       ++server_.calls;
+      server_.beforeSelect(++server_.selects);
       Relay relay(server_, sink);
       db::AuditSelection asked = selection;
       if (server_.hasOtherTable)
-        asked = {9, db::AuditSelection::Dates::within, "1900-01-01 00:00:00", "1900-01-02 00:00:00"};
+        asked = {9, db::AuditSelection::Dates::within, "2004-04-03 00:00:00", "2004-04-13 00:00:00"};
       database_->select(asked, relay);
     }
 
@@ -160,7 +164,8 @@ const DateRange noRange{};
 class CompleteQuery : public testing::Test {
  protected:
   CompletionReport run(Server& server, CategoryFlags flags, const DateRange& range,
-                       const CompletionCallback& onWait = {}) {
+                       const CompletionCallback& onWait = {},
+                       const results::MemoryGauge& memory = results::memoryState) {
     FilterTree tree;
     for (const FilterNode& node : filterNodes())
       if (node.argument != 0 && flags[node.argument - 1]) tree.setChecked(nodeOf(node.key), true);
@@ -169,6 +174,7 @@ class CompleteQuery : public testing::Test {
     // A worker that was stopped uses the server until it ends: it is not abandoned.
     QueryEnvironment patient;
     patient.pace = {std::chrono::milliseconds{1}, std::chrono::seconds{20}};
+    patient.memory = memory;
     CompleteAnswer answer =
         completeStandardQuery({tree, range, connectionString}, server.connector(), onWait, patient, limit);
     return answer.fill(lists, 0);
@@ -359,8 +365,22 @@ TEST_F(CompleteQuery, NamesWhatATableWithFewerRowsCannotFinish) {
   ASSERT_THAT(report.incomplete, SizeIs(1));
   EXPECT_EQ(report.incomplete[0].kind, Kind::minute);
   EXPECT_FALSE(report.isComplete());
-  // What the procedure gave is kept.
-  EXPECT_GE(shown().size(), limit);
+  // What the procedure gave is kept, and nothing of the other table shown.
+  const std::vector<int> numbers = expected(server, actions, aprilToMay);
+  const std::vector<int> kept = shown();
+  EXPECT_GE(kept.size(), limit);
+  EXPECT_TRUE(std::includes(numbers.begin(), numbers.end(), kept.begin(), kept.end()));
+}
+
+TEST_F(CompleteQuery, ShowsNothingOfATableWithFewerRowsHoweverLargeTheyAre) {
+  std::vector<AuditEntry> entries;
+  for (int i = 0; i < 60; ++i) entries.push_back({i, "2004-04-20 09:00:30.000", "Screen", "X", "OA"});
+  for (int i = 0; i < 10; ++i)
+    entries.push_back({100 + i, "2004-04-05 09:00:00.000", std::string(1 << 20, 'x'), "RESTORE", "DC"});
+  Server server(entries);
+  server.hasOtherTable = true;
+  EXPECT_THAT(run(server, actions, aprilToMay).incomplete, SizeIs(1));
+  EXPECT_THAT(shown(), testing::AllOf(SizeIs(limit), testing::Each(testing::Lt(100))));
 }
 
 TEST_F(CompleteQuery, NamesRowsWithoutADateThatOnlyTheTableCouldFind) {
@@ -464,6 +484,101 @@ TEST_F(CompleteQuery, KeepsWhatHasComeWhenItIsStopped) {
   EXPECT_TRUE(std::includes(numbers.begin(), numbers.end(), kept.begin(), kept.end()));
 }
 
+/// A minute that only a select can finish, with rows of its first moment, each of them twice.
+class BusyMinute : public CompleteQuery {
+ protected:
+  static constexpr int rows = 400;
+  /// The select fails, or waits, when it has given so many rows: several batches.
+  static constexpr int rowInTheMiddle = 300;
+
+  BusyMinute() : server(trailOfTheMinute()) { server.repeatEveryRow(); }
+
+  static std::vector<AuditEntry> trailOfTheMinute() {
+    std::vector<AuditEntry> entries;
+    for (int i = 0; i < rows; ++i)
+      entries.push_back(
+          {i, std::string("2004-04-01 08:00:") + (i % 80 == 0 ? "00" : "30") + ".000", "Screen", "X", "OA"});
+    return entries;
+  }
+  /// Calls `step` when a select has given rows up to the middle, with the number of the select.
+  void inTheMiddleOfASelect(const std::function<void(std::size_t select)>& step) {
+    server.withinAnswer = [this, step, select = std::size_t{0}, row = 0](std::size_t /*call*/) mutable {
+      if (server.selects != select) row = 0;
+      select = server.selects;
+      if (select > 0 && ++row == rowInTheMiddle) step(select);
+    };
+  }
+
+  const DateRange day{2004y / 4 / 1, 2004y / 4 / 1, true};
+  Server server;
+};
+
+TEST_F(BusyMinute, IsJoinedWhileItsRowsArrive) {
+  std::promise<void> joined;
+  auto hasJoined = joined.get_future();
+  bool isJoined = false;
+  inTheMiddleOfASelect([&](std::size_t) { isJoined = hasJoined.wait_for(20s) == std::future_status::ready; });
+  const CompletionReport report =
+      run(server, actions, day, [&, isSet = false](const CompletionProgress& progress) mutable {
+        if (progress.rows >= rowInTheMiddle / 2 && !std::exchange(isSet, true)) joined.set_value();
+        return true;
+      });
+  EXPECT_TRUE(isJoined);
+  EXPECT_TRUE(report.isComplete());
+  EXPECT_EQ(shown(), expected(server, actions, day));
+}
+
+TEST_F(BusyMinute, IsStoppedInTheMiddleAndKeepsWhatHasCome) {
+  std::promise<void> reached;
+  std::promise<void> released;
+  auto isReached = reached.get_future();
+  inTheMiddleOfASelect([&](std::size_t) {
+    reached.set_value();
+    released.get_future().wait();
+  });
+  const CompletionReport report = run(server, actions, day, [&](const CompletionProgress& /*progress*/) {
+    if (isReached.wait_for(0s) != std::future_status::ready) return true;
+    released.set_value();
+    return false;
+  });
+  EXPECT_TRUE(report.endedEarly);
+  EXPECT_GE(shown().size(), rowInTheMiddle / 2);
+  EXPECT_LT(shown().size(), rowInTheMiddle + limit);
+}
+
+TEST_F(BusyMinute, IsCountedOnceWhereItsSelectBreaks) {
+  inTheMiddleOfASelect([](std::size_t select) {
+    if (select == 1) throw Error(10054, "Connection reset by peer");
+  });
+  expectWhole(server, actions, day);
+  EXPECT_EQ(server.selects, 2U);
+  EXPECT_EQ(lists[0].store()->rowCount(), static_cast<std::size_t>(rows));
+}
+
+TEST_F(BusyMinute, LeavesTheListsAsTheyWereWhereItsSelectBreaksAgain) {
+  inTheMiddleOfASelect([](std::size_t) { throw Error(10054, "Connection reset by peer"); });
+  const CompletionReport report = run(server, actions, day);
+  EXPECT_EQ(report.outcome, QueryOutcome::failed);
+  EXPECT_EQ(server.selects, 2U);
+  EXPECT_EQ(lists[0].rowCount(), 0U);
+}
+
+TEST_F(BusyMinute, NamesWhatChangesBeforeItsSelectIsRepeated) {
+  inTheMiddleOfASelect([](std::size_t select) {
+    if (select == 1) throw Error(10054, "Connection reset by peer");
+  });
+  server.beforeSelect = [this](std::size_t select) {
+    if (select == 2)
+      test::DatabaseWriter(server.folder_ / "D.db").run("UPDATE Korvel_Audit_Trails SET EventType = 'Y' WHERE Nr = 12");
+  };
+  const CompletionReport report = run(server, actions, day);
+  EXPECT_THAT(report.changedEntries, ElementsAre("12"));
+  // As it was, as often as it came before the break, and as it is now, twice.
+  const std::vector<int> kept = shown();
+  EXPECT_EQ(std::count(kept.begin(), kept.end(), 12), 3);
+  EXPECT_EQ(kept.size(), 2U * rows + 1);
+}
+
 TEST_F(CompleteQuery, NamesEntriesThatChangeMeanwhile) {
   std::vector<AuditEntry> entries;
   for (int i = 0; i < 200; ++i)
@@ -509,6 +624,23 @@ TEST_F(CompleteQuery, EndsBeforeTheMemoryDoes) {
   EXPECT_EQ(answer.report().outcome, QueryOutcome::failed);
   ASSERT_TRUE(answer.report().failure);
   EXPECT_EQ(answer.report().failure->number(), 7);
+}
+
+TEST_F(CompleteQuery, EndsBeforeTheMemoryDoesWhileItSelects) {
+  std::vector<AuditEntry> large;
+  for (int i = 0; i < 60; ++i) large.push_back({i, "2004-04-01 08:00:30.000", std::string(1 << 20, 'x'), "X", "OA"});
+  for (const bool isFree : {true, false}) {
+    Server server(large);
+    server.isFree = isFree;
+    const CompletionReport report = run(server, all, noRange, {}, [&] {
+      constexpr std::uint64_t whole = std::uint64_t{1} << 30;
+      return results::MemoryState{server.selects > 0 ? 1 : whole, whole};
+    });
+    EXPECT_EQ(report.outcome, QueryOutcome::failed) << isFree;
+    ASSERT_TRUE(report.failure);
+    EXPECT_EQ(report.failure->number(), results::outOfMemoryNumber);
+    EXPECT_EQ(lists[0].rowCount(), 0U);
+  }
 }
 
 TEST(AuditSelection, OfAllDatesHasNoConditionOnThem) {
