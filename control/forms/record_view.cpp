@@ -277,7 +277,7 @@ void RecordView::fill() {
     field.note->setVisible(field.value->isCut());
     if (field.value->isCut())
       field.note->setText(ownText("record.cut")
-                              .arg(countText(ValueField::shownCharacters),
+                              .arg(countText(static_cast<std::size_t>(field.value->shown())),
                                    countText(static_cast<std::size_t>(field.value->value().size()))));
   }
   if (comparison_)

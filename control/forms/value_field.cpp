@@ -31,6 +31,32 @@ std::vector<MarkSpan> inDocument(const QString& value, qsizetype shown, const st
   return positions;
 }
 
+/// How many characters of `value` are shown.
+qsizetype shownOf(const QString& value) {
+  const qsizetype most = std::min(value.size(), ValueField::mostCharacters);
+  qsizetype lineBreaks = 0;
+  qsizetype shown = 0;
+  while (shown < most && lineBreaks < ValueField::mostLineBreaks)
+    lineBreaks += static_cast<qsizetype>(value[shown++] == QLatin1Char('\n'));
+  const bool inPair = shown > 0 && shown < value.size() &&
+                      (value[shown - 1].isHighSurrogate() ||
+                       (value[shown - 1] == QLatin1Char('\r') && value[shown] == QLatin1Char('\n')));
+  return inPair ? shown - 1 : shown;
+}
+
+bool writesToTheLeft(QChar c) {
+  switch (c.direction()) {
+    case QChar::DirR:
+    case QChar::DirAL:
+    case QChar::DirRLE:
+    case QChar::DirRLO:
+    case QChar::DirRLI:
+      return true;
+    default:
+      return c.isSurrogate();  // some scripts beyond
+  }
+}
+
 /// In a word, the toolkit looks for a place to break at from each line to the end of the word: 0.8 s for 100,000
 /// characters, where breaking anywhere takes 0.02 s.
 QTextOption::WrapMode wrapModeOf(const QString& value) {
@@ -61,22 +87,27 @@ ValueField::ValueField(Frame frame, int minLines, int maxLines, QWidget* parent)
 
 void ValueField::setValue(const QString& value, const QString& placeholder) {
   value_ = value;
+  shown_ = shownOf(value);
   marks_.clear();
   setPlaceholderText(value.isEmpty() ? placeholder : QString());
   setAccessibleDescription(placeholderText());
-  const QString shown = isCut() ? value.left(shownCharacters) + QChar(0x2026) : value;
-  const QTextOption::WrapMode wrapMode = wrapModeOf(shown);
-  if (wrapMode != wordWrapMode()) {
-    clear();  // the other value is not laid out once more
-    setWordWrapMode(wrapMode);
-  }
+  const QString shown = isCut() ? value.left(shown_) + QChar(0x2026) : value;
+  QTextOption option = document()->defaultTextOption();
+  option.setWrapMode(wrapModeOf(shown));
+  // Where it is left open, the toolkit looks for a letter that tells, for each place that it is asked about, and in a
+  // text of digits to the end.
+  option.setTextDirection(std::any_of(shown.begin(), shown.end(), writesToTheLeft) ? Qt::LayoutDirectionAuto
+                                                                                   : Qt::LeftToRight);
+  setPlainText({});  // the other value is not laid out once more
+  setWordWrapMode(option.wrapMode());
+  document()->setDefaultTextOption(option);
   setPlainText(shown);
   fitHeight();
 }
 
 void ValueField::setMarks(MarkKind kind, const std::vector<MarkSpan>& marks) {
   markKind_ = kind;
-  marks_ = inDocument(value_, std::min(shownCharacters, value_.size()), marks);
+  marks_ = inDocument(value_, shown_, marks);
   showFirstMark();
   viewport()->update();
 }

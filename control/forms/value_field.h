@@ -21,9 +21,13 @@ class ValueField final : public QPlainTextEdit {
   /// without text.
   void setValue(const QString& value, const QString& placeholder);
   [[nodiscard]] const QString& value() const { return value_; }
-  [[nodiscard]] bool isCut() const { return value_.size() > shownCharacters; }
+  [[nodiscard]] bool isCut() const { return shown_ < value_.size(); }
+  /// How many characters are shown, from the beginning.
+  [[nodiscard]] qsizetype shown() const { return shown_; }
   /// A text in one line takes some tenths of a second a million characters to lay out, several times.
-  static constexpr qsizetype shownCharacters = 100000;
+  static constexpr qsizetype mostCharacters = 100000;
+  /// A line costs as much as a hundred characters.
+  static constexpr qsizetype mostLineBreaks = 5000;
 
   /// Marks these characters of value(), as far as they are shown, and scrolls to the first of them.
   void setMarks(MarkKind kind, const std::vector<MarkSpan>& marks);
@@ -56,6 +60,7 @@ class ValueField final : public QPlainTextEdit {
   int minLines_;
   int maxLines_;
   QString value_;
+  qsizetype shown_ = 0;
   MarkKind markKind_ = MarkKind::removed;
   std::vector<MarkSpan> marks_;  ///< positions in the document
   QString copyText_;

@@ -234,7 +234,7 @@ TEST_F(ComparedRecord, TheFirstDifferenceIsInSight) {
 }
 
 TEST_F(ComparedRecord, DifferencesBehindWhatIsShownAreToldInWords) {
-  const std::string same(ValueField::shownCharacters + 10, 'x');
+  const std::string same(ValueField::mostCharacters + 10, 'x');
   show(same + "1", same + "2");
   EXPECT_EQ(words(),
             "Characters that differ are marked: 1 in the old value, 1 in the new value. All of them are behind the "

@@ -12,6 +12,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
+#include <QTextBlock>
 #include <algorithm>
 
 #include "control/forms/value_field.h"
@@ -285,7 +286,7 @@ TEST_F(RecordOfAList, AHugeValueIsCutInPlainWordsAndCopiedWhole) {
   const std::string huge(3000000, 'x');
   fillRecords({{"1", huge}});
   record.showRecord(view, 0);
-  EXPECT_EQ(field(record, "Area")->toPlainText().size(), ValueField::shownCharacters + 1);
+  EXPECT_EQ(field(record, "Area")->toPlainText().size(), ValueField::mostCharacters + 1);
   bool said = false;
   for (const auto* label : record.findChildren<QLabel*>())
     said = said ||
@@ -305,6 +306,42 @@ TEST_F(RecordOfAList, LongWordsAreBrokenAnywhere) {
   record.showNext();
   EXPECT_EQ(field(record, "Area")->wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
   EXPECT_EQ(field(record, "Area")->toPlainText(), "some words");
+}
+
+TEST_F(RecordOfAList, ValuesOfVeryManyLinesAreCutToo) {
+  std::string lines;
+  for (int i = 0; i < 6000; ++i) lines += "a\n";
+  fillRecords({{"1", lines}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "Area")->blockCount(), ValueField::mostLineBreaks + 1);
+  EXPECT_EQ(field(record, "Area")->shown(), 2 * ValueField::mostLineBreaks);
+  const auto labels = record.findChildren<QLabel*>();
+  EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
+    return label->text().startsWith(QStringLiteral("The first 10000 of 12000 characters are shown."));
+  }));
+}
+
+TEST_F(RecordOfAList, NoCharacterIsCutInTwo) {
+  const std::string beginning(ValueField::mostCharacters - 1, 'x');
+  fillRecords({{"1", beginning + "😀"}, {"2", beginning + "\r\n"}, {"3", beginning + "yz"}});
+  record.showRecord(view, 0);
+  EXPECT_EQ(field(record, "Area")->toPlainText().right(2), QStringLiteral("x…"));
+  record.showNext();
+  EXPECT_EQ(field(record, "Area")->toPlainText().right(2), QStringLiteral("x…"));
+  record.showNext();
+  EXPECT_EQ(field(record, "Area")->toPlainText().right(3), QStringLiteral("xy…"));
+}
+
+TEST_F(RecordOfAList, TheDirectionOfWritingIsSoughtOnlyWhereItIsInDoubt) {
+  fillRecords({{"1", "12 bar"}, {"2", "אבג"}, {"3", "12"}});
+  const auto direction = [&] { return field(record, "Area")->document()->defaultTextOption().textDirection(); };
+  record.showRecord(view, 0);
+  EXPECT_EQ(direction(), Qt::LeftToRight);
+  record.showNext();
+  EXPECT_EQ(direction(), Qt::LayoutDirectionAuto);
+  EXPECT_EQ(field(record, "Area")->document()->firstBlock().textDirection(), Qt::RightToLeft);
+  record.showNext();
+  EXPECT_EQ(direction(), Qt::LeftToRight);
 }
 
 class RecordOfTheTrail : public ViewerTest {
