@@ -28,7 +28,7 @@ bool isConsole(HANDLE handle) noexcept {
 void useConsole(std::ostream& stream, DWORD which) {
   const HANDLE handle = GetStdHandle(which);
   if (!isConsole(handle)) return;
-  // Lives as long as the streams, which are used until the process is gone.
+  // Exists as long as the streams, which are used until the process ends.
   static_cast<void>(stream.rdbuf(new ConsoleBuffer(handle)));  // NOLINT(cppcoreguidelines-owning-memory)
 }
 

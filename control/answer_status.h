@@ -65,7 +65,7 @@ class AnswerStatus {
   [[nodiscard]] int selections() const noexcept { return selections_; }
 
   /// Says `notice` until it is cleared: by the next query, a change of the page or the end of the rows it is about.
-  /// Asked for its text again and again, because the language may change.
+  /// It is a function, because the language of its text may change.
   void showNotice(std::function<QString()> notice);
   void clearNotice() { notice_ = nullptr; }
 

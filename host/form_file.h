@@ -8,8 +8,8 @@
 
 namespace korvel::host {
 
-/// The form that the control stands on, as a file: a JSON object with the control's stored properties, and with what
-/// the window around it wants to find again.
+/// The form that contains the control, as a file: a JSON object with the control's stored properties and the settings
+/// of the window around it.
 class FormFile {
  public:
   explicit FormFile(QString path) : path_(std::move(path)) {}

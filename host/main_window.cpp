@@ -26,7 +26,7 @@ class StillStyle final : public QProxyStyle {
 
 MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
     : form_(options.formFile.value_or(FormFile::standardPath())),
-      // A window that is only rendered is nobody's form.
+      // A window that is only rendered must not change the user's form file.
       keepsForm_(!options.shotFile),
       viewer_(new AuditViewer) {
   setWindowTitle(productName);

@@ -5,7 +5,7 @@
 namespace korvel::host {
 
 enum class PlatformChoice {
-  usual,      ///< a display, or a platform that somebody asked for
+  usual,      ///< a display, or a platform that was asked for
   offscreen,  ///< no display is needed
   none        ///< no display, but a window to show
 };

@@ -7,12 +7,12 @@
 
 namespace korvel::host {
 
-/// Answers message boxes where nobody sits in front of the screen: notes what they say and closes them.
+/// Closes message boxes of a window that no user sees, and keeps their texts.
 class UnattendedMessages final : public QObject {
   Q_OBJECT
 
  public:
-  /// Watches the whole application as long as it lives.
+  /// Watches the whole application as long as this object exists.
   explicit UnattendedMessages(QObject* application);
 
   [[nodiscard]] const QStringList& texts() const noexcept { return texts_; }

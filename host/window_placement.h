@@ -32,8 +32,7 @@ struct WindowPlacement {
 /// The placement that stood in the form when it was loaded; nothing where there was none or it is damaged.
 [[nodiscard]] std::optional<WindowPlacement> storedPlacement(const FormFile& form);
 /// Keeps the placement in the form's file, which every user may write, unlike the settings store of some platforms.
-/// Where the file cannot be written the next window stands where new ones stand: that is not worth a message to
-/// somebody who is leaving.
+/// Where the file cannot be written, the next window has the default place; no message delays the end of the program.
 void storePlacement(FormFile& form, const WindowPlacement& placement);
 
 }  // namespace korvel::host

@@ -4,7 +4,7 @@
 
 namespace korvel::output {
 
-/// The font of printed reports that all instances of the control share; it lives as long as the library is loaded.
+/// The font of printed reports that all instances of the control share; it exists as long as the library is loaded.
 struct PrintFont {
   std::string name = "Courier";
   double size = 9;  ///< points

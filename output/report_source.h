@@ -25,7 +25,7 @@ class ReportSource {
   virtual ~ReportSource() = default;
   /// Back to before the first section.
   virtual void rewind() = 0;
-  /// Goes to the next section, whose rows follow; what is left of the one before is passed over. False after the last
+  /// Goes to the next section, whose rows follow; remaining rows of the one before are skipped. False after the last
   /// one.
   virtual bool nextSection(SectionHead& head) = 0;
   /// The next row of the section, as many cells as it has headers, valid until the next call. False after the last one.

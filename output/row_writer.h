@@ -30,7 +30,7 @@ class RowWriter {
 /// the first row, nor for an answer without rows. What the writer throws comes through; the output is then incomplete.
 class RecordStream final : public db::ResultSink {
  public:
-  /// `wanted` is asked again and again whether to go on.
+  /// `wanted` is called periodically and tells whether to go on.
   RecordStream(std::unique_ptr<RowWriter> writer, std::function<bool()> wanted);
 
   void beginResult(std::span<const db::Field> fields) override;

@@ -10,7 +10,7 @@
 
 namespace korvel::query {
 
-/// Called again and again on the thread that waits. False stops the query.
+/// Called periodically on the thread that waits. False stops the query.
 using CompletionCallback = std::function<bool(const CompletionProgress&)>;
 
 /// Everything that the standard query would find without the procedure's limit; in no list yet.

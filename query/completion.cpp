@@ -36,7 +36,7 @@ bool refusesTheTable(const Error& error) noexcept {
          error.number() == columnRightMissing;
 }
 
-/// Asks until everything has come. Lives on the worker; what it uses is its own.
+/// Queries until all rows have come. Used on the worker only, and owns all that it uses.
 class Completion {
  public:
   Completion(const CompletionOrder& order, SharedJoin& joined, const std::stop_token& stop)

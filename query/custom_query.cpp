@@ -107,7 +107,7 @@ CustomReport runCustomQuery(const std::string& text, const std::string& connecti
     if (!onWait()) return;
     const auto work = [text, connectionString, connect, environment, rowsSoFar](const std::stop_token& stop) {
       CustomAnswer whole;
-      // The connection lives inside this step: it is closed before the list is filled, also when the answer breaks off.
+      // The connection belongs to this step: it is closed before the list is filled, also after an incomplete answer.
       whole.failure = failureOf([&] {
         whole.sink = std::make_unique<FirstResultSink>(environment, stop, *rowsSoFar);
         const auto connection = connect(connectionString, stop);

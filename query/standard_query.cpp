@@ -149,7 +149,7 @@ StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, c
                        connectionString = question.connectionString, connect,
                        memory = environment.memory](const std::stop_token& stop) {
       StandardQueryResult whole;
-      // The connection lives inside this step: it is closed before a list is filled, also when the answer breaks off.
+      // The connection belongs to this step: it is closed before a list is filled, also after an incomplete answer.
       const auto failure = failureOf([&] {
         whole.sink_ = std::make_unique<StandardQueryResult::Sink>(memory, stop);
         const auto connection = connect(connectionString, stop);

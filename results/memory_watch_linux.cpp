@@ -23,7 +23,7 @@ std::string contentOf(const fs::path& file) {
   }
 }
 
-/// The number that `text` begins with, blanks before it passed over.
+/// The number that `text` begins with, after any blanks.
 std::optional<std::uint64_t> numberAt(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
   std::uint64_t number = 0;

@@ -10,7 +10,7 @@
 
 namespace korvel::settings {
 
-/// The text of a settings file: sections and values in the manner of a registry export. A change touches the text of
+/// The text of a settings file: sections and values in the format of a registry export. A change touches the text of
 /// the one value or section concerned; comments, blank lines, other values and spellings stay byte for byte.
 /// Paths ("HKEY_LOCAL_MACHINE\SOFTWARE\...") and names compare without regard to case, as in a registry.
 class RegistryDocument {

@@ -8,7 +8,7 @@
 
 namespace korvel::settings {
 
-/// Settings in a text file in the manner of a registry export (see RegistryDocument), with the key paths of the
+/// Settings in a text file in the format of a registry export (see RegistryDocument), with the key paths of the
 /// machine-wide hive. Concurrent writers do not lose each other's changes: every change reads the file anew and
 /// replaces it atomically, under a lock. A section opened for reading shows the file as it was when it was opened.
 ///
@@ -16,8 +16,8 @@ namespace korvel::settings {
 /// parsed (1009) is a failure to open, never an empty store.
 class RegistryFile : public SettingsBackend {
  public:
-  /// `file` and its folders need not be there until something is written. An empty path has no settings and takes none.
-  /// Writing gives up (33) when another program holds the file locked for longer than `patience`.
+  /// `file` and its folders need not be there until something is written. With an empty path there are no settings, and
+  /// none can be saved. Writing fails (33) when another program locks the file for longer than `patience`.
   explicit RegistryFile(const std::filesystem::path& file,
                         std::chrono::milliseconds patience = SharedFile::usualPatience)
       : file_(file, patience) {}

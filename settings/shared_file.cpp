@@ -59,7 +59,7 @@ Win32Error mayReplace(const fs::path& target) {
   return Win32Error::success;
 }
 
-/// The system offers a lock that waits for ever or not at all, so waiting for a while is asking again and again.
+/// The system's lock can only wait without a limit or not at all, so waiting with a limit is trying repeatedly.
 Win32Error lockWithin(std::chrono::milliseconds patience, int descriptor) {
   using Clock = std::chrono::steady_clock;
   constexpr std::chrono::milliseconds pause{5};

@@ -18,8 +18,8 @@ namespace korvel::db {
 using CanonicalTime = std::array<char, 23>;
 
 /// A stored time in the same form. It begins with the whole date, year-month-day in ten characters; hours:minutes,
-/// seconds and a fraction may follow, after blanks or "T", and behind them "Z" or an offset, which is passed over: what
-/// counts is the clock on the wall. Nothing for a text that is no such time, or one that no calendar has.
+/// seconds and a fraction may follow, after blanks or "T", and then "Z" or an offset, which is ignored: local time
+/// counts. Nothing for a text that is no such time, or one that no calendar has.
 [[nodiscard]] std::optional<CanonicalTime> canonicalStoredTime(std::string_view text) noexcept;
 
 }  // namespace korvel::db

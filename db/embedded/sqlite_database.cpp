@@ -47,7 +47,7 @@ std::string fileUri(const std::filesystem::path& file, std::string_view paramete
   return uri.append(parameters);
 }
 
-/// The first word of a statement, in capitals; comments before it are passed over.
+/// The first word of a statement, in capitals; comments before it are skipped.
 std::string firstWord(std::string_view statement) {
   const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
   std::string word;

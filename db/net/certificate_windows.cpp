@@ -26,7 +26,7 @@ using Store = std::unique_ptr<void, FreeStore>;
 struct FreeEngine {
   void operator()(void* engine) const noexcept { ::CertFreeCertificateChainEngine(engine); }
 };
-/// Nothing stands for the system's own.
+/// Null means the system's own engine.
 using Engine = std::unique_ptr<void, FreeEngine>;
 
 struct FreeChain {

@@ -46,7 +46,7 @@ struct PreLoginAnswer {
   ServerEncryption encryption = ServerEncryption::notSupported;
 };
 
-/// Asks a server that has just accepted a connection whether it speaks the protocol at all. The driver's own login
+/// Checks whether a server that has just accepted a connection uses the protocol at all. The driver's own login
 /// timeout does not cover a server that accepts and stays silent; this exchange does. Throws Error: a timeout, a
 /// connection that was closed, or an answer that is none of this protocol.
 [[nodiscard]] PreLoginAnswer exchangePreLogin(const Socket& socket, const Deadline& deadline);

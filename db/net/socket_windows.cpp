@@ -85,8 +85,7 @@ Socket openSocket(int family, SocketKind kind, int& error) noexcept {
 void enableBroadcast(const Socket& socket) noexcept {
   const BOOL on = TRUE;
   ::setsockopt(socketOf(socket), SOL_SOCKET, SO_BROADCAST, reinterpret_cast<const char*>(&on), sizeof on);
-  // One port where nobody listens, or one question that died on its way, would otherwise be told in the place of the
-  // next answer.
+  // A closed port, or a datagram that expired on its way, would otherwise be reported instead of the next answer.
   for (const DWORD tellings : {DWORD{SIO_UDP_CONNRESET}, udpNetReset}) {
     BOOL tell = FALSE;
     DWORD returned = 0;

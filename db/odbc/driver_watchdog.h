@@ -17,12 +17,12 @@ namespace korvel::db::odbc {
 struct WatchdogTimeouts {
   /// Time without data from the server after which the driver's connections are shut down; nothing: never.
   std::optional<std::chrono::milliseconds> silence;
-  /// Time after a stop, in which the statement is cancelled again and again, until the connections are shut down.
+  /// Time after a stop until the connections are shut down; the statement is cancelled repeatedly meanwhile.
   std::chrono::milliseconds afterStop{0};
 };
 
-/// Ends a driver's wait when the server has sent nothing for too long, or after a stop, from a thread of its own, for
-/// as long as the object lives.
+/// Ends a driver's wait when the server has sent nothing for too long, or after a stop. Works on a thread of its own,
+/// for as long as the object exists.
 class DriverWatchdog {
  public:
   /// `sockets` stay as they are while they are watched.
@@ -38,7 +38,7 @@ class DriverWatchdog {
   /// Whether the driver's connections had to be shut down because the server was silent.
   [[nodiscard]] bool expired() const noexcept { return expired_.load(); }
 
-  /// While it lives, a stop calls `cancel` first, on a thread of its own: a driver may wait for the server in it.
+  /// While it exists, a stop calls `cancel` first, on another thread, because a driver may wait for the server in it.
   class Cancelling {
    public:
     Cancelling(DriverWatchdog& watch, std::function<void()> cancel) : watch_(watch) {

@@ -15,8 +15,8 @@ namespace korvel::db::odbc {
 /// "host:port", as sentences name a server.
 [[nodiscard]] std::string shownAddress(const ServerAddress& address);
 
-/// What a failed login means to the user: the server's number and our sentence for what he can act on, the server's own
-/// words for everything else that it said, a sentence for a login that timed out or broke off.
+/// The error of a failed login: the server's number and our message where the user can act on it, otherwise the
+/// server's own message; our message for a login that timed out or was interrupted.
 [[nodiscard]] Error loginFailure(const std::vector<Diagnostic>& diagnostics, const LoginRequest& request,
                                  bool timedOut);
 

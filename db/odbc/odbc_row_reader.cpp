@@ -177,7 +177,7 @@ bool RowReader::readWide(SQLUSMALLINT column) {
     if (result == SQL_NO_DATA) break;
     if (result != SQL_SUCCESS) check(result, SQL_HANDLE_STMT, statement_);
     if (indicator == SQL_NULL_DATA) return !first;
-    // The indicator decides: FreeTDS also reports whole values as cut, again and again.
+    // The indicator decides, because FreeTDS also reports complete values as cut, repeatedly.
     const bool more = indicator == SQL_NO_TOTAL || static_cast<std::size_t>(indicator) > (free - 1) * sizeof(char16_t);
     const std::size_t units = waiting + (more ? free - 1 : static_cast<std::size_t>(indicator) / sizeof(char16_t));
     waiting = more && units > 0 && isHighSurrogate(buffer_[units - 1]) ? 1 : 0;

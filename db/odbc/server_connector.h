@@ -37,9 +37,9 @@ struct ServerAccess {
 /// The running user's own access, with what the settings store adjusts. Throws Error for a store that cannot be read.
 [[nodiscard]] ServerAccess userAccess();
 
-/// The way to a server, step by step, each with its own sentence when it fails (all throw Error). Checking a server
-/// names the steps one by one; connecting looks at them where the driver has failed, for drivers make one sentence of
-/// all that can happen. One timeout for all of them together, from the construction on.
+/// The steps to a connected server, each with its own message when it fails (all throw Error). Checking a server
+/// reports the steps one by one; connecting takes them only where the driver has failed, because drivers report all
+/// failures with the same message. One timeout holds for all steps together, from the construction on.
 class ServerConnector {
  public:
   ServerConnector(std::string server, ServerAccess access);

@@ -29,7 +29,7 @@ const QDate earliestDay(1753, 1, 1);
 const QDate latestDay(9999, 12, 31);
 constexpr int monthsOfYear = 12;
 
-bool movesOn(int key) {
+bool isMovementKey(int key) {
   return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down ||
          key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
 }
@@ -182,7 +182,7 @@ bool frmAdvancedFilters::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool frmAdvancedFilters::calendarKey(const Side& side, int key, Qt::KeyboardModifiers modifiers) {
-  if (movesOn(key)) chooseOnPage(*side.calendar);
+  if (isMovementKey(key)) chooseOnPage(*side.calendar);
   if (key == Qt::Key_Space) {
     DateClick(side, side.calendar->selectedDate());
     return true;

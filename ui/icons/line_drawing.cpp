@@ -41,7 +41,7 @@ class DrawingReader {
 
  private:
   /// Fill and stroke of shapes that do not set their own.
-  struct Manner {
+  struct ShapeStyle {
     bool filled = false;
     bool stroked = false;
     double strokeWidth = 1;
@@ -61,8 +61,8 @@ class DrawingReader {
     if (box.size() != 4 || box.at(0) != QLatin1String("0") || box.at(1) != QLatin1String("0")) return false;
     drawing_.size_ = QSizeF(side(2), side(3));
     // The root must set all four: the defaults of SVG are not those of our icons.
-    const bool saysAll = has("fill") && has("stroke") && has("stroke-linecap") && has("stroke-linejoin");
-    return saysAll && !drawing_.size_.isEmpty() && knows({"viewBox"}) && takeManner(manner_);
+    const bool setsAll = has("fill") && has("stroke") && has("stroke-linecap") && has("stroke-linejoin");
+    return setsAll && !drawing_.size_.isEmpty() && knows({"viewBox"}) && takeStyle(style_);
   }
 
   bool shape() {
@@ -75,29 +75,29 @@ class DrawingReader {
     const auto* const element = std::find_if(elements.begin(), elements.end(), [this](const Element& each) {
       return xml_.name() == QLatin1String(each.name);
     });
-    Manner manner = manner_;
+    ShapeStyle style = style_;
     QPainterPath path;
-    if (element == elements.end() || !knows(element->attributes) || !takeManner(manner) ||
+    if (element == elements.end() || !knows(element->attributes) || !takeStyle(style) ||
         !(this->*element->outline)(path))
       return false;
-    drawing_.shapes_.push_back({path, manner.filled, manner.stroked ? manner.strokeWidth : 0});
+    drawing_.shapes_.push_back({path, style.filled, style.stroked ? style.strokeWidth : 0});
     return true;
   }
 
   /// Whether the element has only these attributes and those of fill and stroke.
   [[nodiscard]] bool knows(std::initializer_list<const char*> names) const {
-    constexpr std::array mannerNames{"fill", "stroke", "stroke-width", "stroke-linecap", "stroke-linejoin"};
+    constexpr std::array styleNames{"fill", "stroke", "stroke-width", "stroke-linecap", "stroke-linejoin"};
     const QXmlStreamAttributes attributes = xml_.attributes();
     return std::all_of(attributes.begin(), attributes.end(), [&](const QXmlStreamAttribute& attribute) {
       const auto isIt = [&](const char* name) { return attribute.qualifiedName() == QLatin1String(name); };
-      return std::any_of(names.begin(), names.end(), isIt) || std::any_of(mannerNames.begin(), mannerNames.end(), isIt);
+      return std::any_of(names.begin(), names.end(), isIt) || std::any_of(styleNames.begin(), styleNames.end(), isIt);
     });
   }
 
-  bool takeManner(Manner& manner) const {
+  bool takeStyle(ShapeStyle& style) const {
     const auto isRound = [this](const char* name) { return !has(name) || text(name) == QLatin1String("round"); };
-    return takeColour("fill", manner.filled) && takeColour("stroke", manner.stroked) &&
-           (!has("stroke-width") || takeNumber("stroke-width", manner.strokeWidth)) && isRound("stroke-linecap") &&
+    return takeColour("fill", style.filled) && takeColour("stroke", style.stroked) &&
+           (!has("stroke-width") || takeNumber("stroke-width", style.strokeWidth)) && isRound("stroke-linecap") &&
            isRound("stroke-linejoin");
   }
 
@@ -152,7 +152,7 @@ class DrawingReader {
 
   QXmlStreamReader xml_;
   LineDrawing drawing_;
-  Manner manner_;
+  ShapeStyle style_;
 };
 
 std::optional<LineDrawing> LineDrawing::read(const QByteArray& svg) {
