@@ -50,9 +50,12 @@ constexpr const char* footer =
     "pdf and xlsx go to a file or a pipe, not to a terminal.\n"
     "\n"
     "text, exchange, csv, json and xlsx take the answer while it arrives, in little memory however\n"
-    "long it is; the others hold all of it. What went to standard output before a failure stays\n"
-    "there: the exit status tells. A file is written whole or not at all, also when Ctrl+C ends the\n"
-    "query.\n"
+    "long it is; the others, and --find, --where and --count-by, hold all of it. What went to\n"
+    "standard output before a failure stays there: the exit status tells. A file is written whole\n"
+    "or not at all, also when Ctrl+C ends the query.\n"
+    "\n"
+    "--where takes a caption or the number of a column. Values of one column are alternatives; of\n"
+    "different columns all must hold. An empty value is null, too.\n"
     "\n"
     "Query files (--file) are those of the viewer's custom page: text in the system's code page.\n"
     "\n"
@@ -153,6 +156,7 @@ class SqlRun {
  public:
   SqlRun(const SqlOptions& options, const query::Connector& connect, std::string text, std::ostream& err)
       : format_(*options.format),
+        choice_(options.choice),
         target_(options.output),
         connect_(connect),
         text_(std::move(text)),
@@ -166,16 +170,18 @@ class SqlRun {
       try {
         writeTo(target_, out, [&](const output::ByteSink& target) {
           const output::ByteSink sink = untilInterrupted(target);
-          report = format_.stream != nullptr ? stream(sink) : collect(sink);
+          report =
+              format_.stream != nullptr && choice_.takesAll() && choice_.countBy.empty() ? stream(sink) : collect(sink);
           // Leaves a file as it was.
-          if (report.outcome != CustomOutcome::filled) throw NothingToWrite{};
+          if (report.outcome != CustomOutcome::filled || ended_) throw NothingToWrite{};
         });
       } catch (const NothingToWrite&) {
       } catch (const Stopped&) {
         report = {CustomOutcome::stopped, std::nullopt};
       }
     });
-    return failure ? outputFailed(err_, *failure) : ended(err_, report);
+    if (failure) return outputFailed(err_, *failure);
+    return ended_ ? *ended_ : ended(err_, report);
   }
 
  private:
@@ -186,7 +192,10 @@ class SqlRun {
     results::ResultList list(results::RowFilling::whole);
     query::CustomReport report =
         query::runCustomQuery(text_, connectionString_, connect_, list, [](std::size_t) { return wanted(); });
-    if (report.outcome == CustomOutcome::filled) format_.write({list, caption, {}}, sink, err_);
+    if (report.outcome != CustomOutcome::filled) return report;
+    std::string remark;
+    ended_ = applyRowChoice(choice_, list, remark, err_);
+    if (!ended_) format_.write({list, caption, remark}, sink, err_);
     return report;
   }
 
@@ -218,6 +227,9 @@ class SqlRun {
   static constexpr std::string_view caption = query::pageCaptions[query::customList];
 
   const OutputFormat& format_;
+  const RowChoice& choice_;
+  /// With which status the command ends where no row is left, or a column of the choice is missing.
+  std::optional<int> ended_;
   const std::string& target_;
   const query::Connector& connect_;
   std::string text_;
@@ -235,6 +247,8 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
       command->add_option("--file", options.file, "Query file (.vqf) to take the query from")->option_text("FILE");
   text->excludes(file);
   addTarget(*command, options.format, options.output);
+  addRowChoice(*command, options.choice);
+  addCountFormat(*command, options.choice, options.format);
   command->callback([command, text, &options] {
     options.fromFile = command->count("--file") > 0;
     if (!options.fromFile && text->count() == 0) throw CLI::RequiredError("TEXT or --file");

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/output_formats.h"
+#include "cli/row_choice.h"
 #include "query/standard_query.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the parser names it so
@@ -18,6 +19,7 @@ struct SqlOptions {
   std::string text;
   std::string file;  ///< a query file to take the text from
   bool fromFile = false;
+  RowChoice choice;
   const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
 };

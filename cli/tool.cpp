@@ -9,6 +9,7 @@
 
 #include "cli/common_options.h"
 #include "cli/demo_command.h"
+#include "cli/history_command.h"
 #include "cli/messages.h"
 #include "cli/platform.h"
 #include "cli/query_command.h"
@@ -29,6 +30,7 @@ constexpr const char* footer =
     "  korvel-audit demo                         write two databases to try things with\n"
     "  korvel-audit query                        show all audits as a table\n"
     "  korvel-audit query --help                 categories, dates, lists, formats\n"
+    "  korvel-audit history --item TIC-1901      what happened to one item\n"
     "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
     "                                            run a query of your own\n"
     "  korvel-audit servers --all                find servers\n"
@@ -85,6 +87,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   QueryOptions queryOptions;
   const CLI::App* demo = addDemoCommand(app, demoOptions);
   const CLI::App* query = addQueryCommand(app, queryOptions);
+  HistoryOptions historyOptions;
+  const CLI::App* history = addHistoryCommand(app, historyOptions);
   SqlOptions sqlOptions;
   const CLI::App* sql = addSqlCommand(app, sqlOptions);
   ServerOptions serverOptions;
@@ -109,6 +113,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
       return runOnServer(serverOptions, *added.at(i), err,
                          [&] { return serverCommands.at(i)->run(serverOptions, out, err); });
   if (sql->parsed()) return runOnServer(sqlOptions, *sql, err, [&] { return runSql(sqlOptions, connect, out, err); });
+  if (history->parsed())
+    return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
   if (demo->parsed()) return runDemo(demoOptions, out, err);
   return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
 }

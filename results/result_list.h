@@ -77,6 +77,8 @@ class ResultList {
   /// The record behind a row.
   [[nodiscard]] RowId rowId(RowPosition row) const noexcept { return rows_[row.value]; }
   [[nodiscard]] const RowStore* store() const noexcept { return store_.get(); }
+  /// The same, to be shared with another list.
+  [[nodiscard]] std::shared_ptr<const RowStore> sharedStore() const noexcept { return store_; }
   /// Text of a record's cell as the list shows or would show it.
   [[nodiscard]] std::string_view textOf(RowId row, ColumnIndex column) const noexcept;
   /// Whether the list shows this column of records that have `width` columns.

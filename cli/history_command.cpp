@@ -1,0 +1,132 @@
+#include "cli/history_command.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <memory>
+#include <ostream>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "cli/common_options.h"
+#include "cli/interruption.h"
+#include "cli/messages.h"
+#include "cli/output_target.h"
+#include "query/audit_record.h"
+#include "query/item_history.h"
+#include "query/query_failure.h"
+
+namespace korvel::cli {
+
+namespace {
+
+using results::ColumnIndex;
+using results::ResultList;
+
+constexpr const char* footer =
+    "All records of the items with this item id, whatever the procedure's limit is (see query\n"
+    "--complete): item by item, and in the order of time. An item is what agrees in project,\n"
+    "database, area, item and item id. \"Continues\" is \"no\" where the old value is not the new one\n"
+    "of the record before: something has happened that these records do not show.\n"
+    "\n"
+    "Examples:\n"
+    "  korvel-audit history --item TIC-1901\n"
+    "  korvel-audit history --item TIC-1901 --area vel_AlgLimits --format xlsx --output TIC-1901.xlsx\n";
+
+/// Thrown to abandon an output.
+struct NothingToWrite {};
+
+constexpr std::string_view continuesCaption = "Continues";
+constexpr std::string_view oldValueName = "OldValue";
+
+/// All columns of the records, with "Continues" before the old value.
+ResultList historyList(const ResultList& list, const std::vector<query::ItemHistory>& histories) {
+  std::vector<db::Field> fields;
+  std::vector<results::ColumnHeader> headers;
+  const auto add = [&](std::string_view name, std::string_view caption) {
+    fields.push_back({std::string(name)});
+    headers.push_back({std::string(caption), results::standardColumnWidth, 0});
+  };
+  for (const query::AuditColumn& column : query::auditColumns()) {
+    if (column.name == oldValueName) add(continuesCaption, continuesCaption);
+    add(column.name, column.caption);
+  }
+  const auto store = std::make_shared<results::RowStore>();
+  store->beginResult(fields);
+  std::vector<results::RowId> rows;
+  for (const query::ItemHistory& history : histories) {
+    for (const query::ItemChange& change : history.changes) {
+      std::vector<db::Cell> cells;
+      for (std::size_t i = 0; i < query::auditColumnCount; ++i) {
+        if (query::auditColumns().at(i).name == oldValueName) cells.push_back({change.continues ? "yes" : "no", false});
+        cells.push_back(list.store()->cell(change.record, {i}));
+      }
+      rows.push_back(store->append(cells));
+    }
+  }
+  ResultList made(results::RowFilling::whole);
+  made.setColumns(std::move(headers));
+  made.setRows(store, std::move(rows));
+  return made;
+}
+
+}  // namespace
+
+CLI::App* addHistoryCommand(CLI::App& app, HistoryOptions& options) {
+  CLI::App* command = app.add_subcommand("history", "Write what happened to an item, in the order of time");
+  addQuestion(*command, options);
+  command->add_option("--item", options.item, "Item ID")->option_text("ID")->required();
+  command->add_option("--area", options.area, "Only records of this area")->option_text("AREA");
+  addWhere(*command, options.choice);
+  addTarget(*command, options.format, options.output);
+  addQuiet(*command, options);
+  options.complete = true;
+  command->footer(footer);
+  return command;
+}
+
+int runHistory(const HistoryOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
+  if (const auto problem = questionProblem(options)) return refused(err, *problem);
+  if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
+
+  const Interruption interruption;
+  query::ResultLists lists = query::makeResultLists();
+  ResultList& list = lists[options.list];
+  RowChoice choice = options.choice;
+  choice.where.push_back({"Item ID", false, options.item});
+  if (!options.area.empty()) choice.where.push_back({"Area", false, options.area});
+  const auto filter = filterOf(choice, list);
+  if (const auto* problem = std::get_if<std::string>(&filter)) return refused(err, *problem);
+
+  int status = exitDone;
+  const auto failure = query::failureOf([&] {
+    try {
+      // The target is opened before the query runs: one that cannot be written fails at once.
+      writeTo(options.output, out, [&](const output::ByteSink& sink) {
+        const Answered answer = askQuestion(options, connect, lists, err);
+        status = answer.status;
+        if (!answer.hasRows) throw NothingToWrite{};
+        keepPassingRows(list, std::get<results::RowFilter>(filter));
+        const auto histories = query::itemHistories(list, query::itemColumns(list).value(), {});
+        if (histories.empty()) {
+          say(err, "no record of the item '" + options.item + "'; nothing was written");
+          status = exitNoRecords;
+          throw NothingToWrite{};
+        }
+        std::string remark = groupedNumber(list.rowCount()) + (list.rowCount() == 1 ? " record of " : " records of ") +
+                             groupedNumber(histories.size()) + (histories.size() == 1 ? " item" : " items");
+        if (!options.quiet) say(err, remark);
+        if (!answer.remark.empty()) remark.append(". ").append(answer.remark);
+        options.format->write({historyList(list, histories), "History of " + options.item, remark},
+                              untilInterrupted(sink), err);
+      });
+    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
+    } catch (const Stopped&) {
+      status = stopped(err);
+    }
+  });
+  return failure ? outputFailed(err, *failure) : status;
+}
+
+}  // namespace korvel::cli

@@ -1,0 +1,237 @@
+#include "cli/standard_question.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <ostream>
+
+#include "base/text.h"
+#include "cli/common_options.h"
+#include "cli/interruption.h"
+#include "cli/messages.h"
+#include "cli/output_target.h"
+#include "db/connection_string.h"
+#include "db/procedure/audit_conditions.h"
+#include "query/audit_record.h"
+#include "query/complete_query.h"
+#include "settings/string_table.h"
+
+namespace korvel::cli {
+
+namespace {
+
+constexpr settings::TextId noCriteriaText{10060};
+constexpr settings::TextId noRecordsText{10061};
+
+/// The first year that a server's dates have.
+constexpr std::chrono::year firstYear{1753};
+
+/// "C1 KorvelExplorer", or "A Configuration" for a group.
+std::string categoryText(const query::FilterNode& node) {
+  return std::string(node.key) + " " +
+         std::string(node.argument == 0 ? node.caption : db::categoryConditions()[node.argument - 1].parameter);
+}
+
+/// Why a text is not a category; empty where it is one.
+std::string categoryProblem(const std::string& text) {
+  if (categoryNamed(text)) return {};
+  std::string sharing;
+  std::string known;
+  for (const query::FilterNode& node : query::filterNodes()) {
+    known.append(known.empty() ? "" : ", ") += categoryText(node);
+    if (equalsIgnoringAsciiCase(text, node.caption))
+      sharing.append(sharing.empty() ? "" : " and ") += categoryText(node);
+  }
+  const std::string quoted = "'" + output::terminalText(text) + "' is ";
+  return quoted + (sharing.empty() ? "no category; there are " + known : "the caption of " + sharing);
+}
+
+/// Why a text is not a valid day; empty where it is one.
+std::string dayProblem(const std::string& text) {
+  const auto day = query::parseDay(text);
+  const std::string quoted = "'" + output::terminalText(text) + "' is ";
+  if (!day) return quoted + "no day of the calendar in the form YYYY-MM-DD";
+  if (day->year() < firstYear)
+    return quoted + "too early: dates begin in " + std::to_string(static_cast<int>(firstYear));
+  return {};
+}
+
+CLI::Option* addDay(CLI::App& command, const OptionHelp& help, query::DateRange& range,
+                    std::chrono::year_month_day& day) {
+  return command
+      .add_option_function<std::string>(
+          help.name,
+          [&day, &range](const std::string& text) {
+            day = query::parseDay(text).value();
+            range.DateRangeActive = true;
+          },
+          help.text)
+      ->option_text(help.value)
+      ->check(dayProblem);
+}
+
+std::optional<std::size_t> standardListNumbered(const std::string& text) {
+  if (text.size() != 1 || text[0] < '0' || text[0] >= '0' + static_cast<char>(query::standardListCount))
+    return std::nullopt;
+  return static_cast<std::size_t>(text[0] - '0');
+}
+
+std::string recordsText(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " record" : " records");
+}
+
+std::string listText(std::size_t list) {
+  return "list " + std::to_string(list) + " (" + std::string(query::pageCaptions[list]) + ")";
+}
+
+void sayCounts(const query::ResultLists& lists, std::ostream& err) {
+  for (std::size_t i = 0; i < query::standardListCount; ++i)
+    err << listText(i) << ": " << recordsText(lists[i].rowCount()) << '\n';
+}
+
+/// Notes on what a reader of the answer would not expect.
+void sayNotes(const query::FilterTree& tree, const query::DateRange& range, const query::QueryReport& report,
+              std::ostream& err) {
+  if (query::alarmsComeFromAllDates(tree.flags(), range))
+    err << "note: " << settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{}) << ".\n";
+  if (report.fullResults > 0)
+    err << "note: " << report.fullResults << (report.fullResults == 1 ? " answer holds " : " answers hold ")
+        << db::rowLimitPerResult
+        << " records, the most that the procedure returns; there may be more, which --complete reads.\n";
+}
+
+query::FilterTree treeOf(const StandardQuestion& question) {
+  query::FilterTree tree;
+  if (question.categories.empty()) tree.selectAll();
+  for (const query::NodeIndex node : question.categories) tree.setChecked(node, true);
+  return tree;
+}
+
+Answered answered(const StandardQuestion& question, const query::FilterTree& tree, const query::QueryReport& report,
+                  const query::ResultLists& lists, std::ostream& err) {
+  using query::QueryOutcome;
+  if (report.outcome == QueryOutcome::stopped) return {stopped(err)};
+  if (report.failure) {
+    say(err, "database error " + errorText(*report.failure));
+    return {exitDatabase};
+  }
+  if (report.outcome == QueryOutcome::noCriteria)
+    return {refused(err, settings::loadText(noCriteriaText, settings::LanguageOffset{}))};
+  if (report.outcome == QueryOutcome::noRecords) {
+    say(err, settings::loadText(noRecordsText, settings::LanguageOffset{}));
+    return {exitNoRecords};
+  }
+  if (!question.quiet) sayCounts(lists, err);
+  sayNotes(tree, question.range, report, err);
+  // The pages of the other audit types hold no alarm rows.
+  const bool showsAlarms = question.list <= 1 && query::alarmsComeFromAllDates(tree.flags(), question.range);
+  Answered answer{exitDone,
+                  std::string(showsAlarms ? settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{})
+                                          : std::string_view{}),
+                  true};
+  if (lists[question.list].rowCount() > 0) return answer;
+  say(err, listText(question.list) + " is empty; nothing was written");
+  return {exitNoRecords};
+}
+
+}  // namespace
+
+std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
+  const auto& nodes = query::filterNodes();
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const query::FilterNode& node = nodes[i];
+    const bool named =
+        node.argument != 0 && equalsIgnoringAsciiCase(key, db::categoryConditions()[node.argument - 1].parameter);
+    if (named || equalsIgnoringAsciiCase(key, node.key)) return query::NodeIndex{i + 1};
+  }
+  std::optional<query::NodeIndex> captioned;
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (!equalsIgnoringAsciiCase(key, nodes[i].caption)) continue;
+    if (captioned) return std::nullopt;  // ambiguous
+    captioned = query::NodeIndex{i + 1};
+  }
+  return captioned;
+}
+
+std::optional<results::ColumnIndex> columnNamed(std::string_view column) {
+  const auto& columns = query::auditColumns();
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (equalsIgnoringAsciiCase(column, columns[i].caption) || equalsIgnoringAsciiCase(column, columns[i].name) ||
+        column == std::to_string(i + 1))
+      return results::ColumnIndex{i};
+  return std::nullopt;
+}
+
+void addQuestion(CLI::App& command, StandardQuestion& question) {
+  addConnection(command, question.server, question.database);
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--category",
+          [&question](const std::vector<std::string>& keys) {
+            for (const std::string& key : keys) question.categories.push_back(categoryNamed(key).value());
+          },
+          "Category of audits, may be repeated (default: all)")
+      ->option_text("KEY")
+      ->delimiter(',')
+      ->check(categoryProblem);
+  CLI::Option* from = addDay(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, question.range,
+                             question.range.RangeFromDate);
+  CLI::Option* to = addDay(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, question.range,
+                           question.range.RangeToDate);
+  from->needs(to);
+  to->needs(from);
+}
+
+void addComplete(CLI::App& command, StandardQuestion& question) {
+  command.add_flag("--complete", question.complete, "Go beyond the 5000 records that an answer holds at most");
+}
+
+void addList(CLI::App& command, StandardQuestion& question) {
+  addReadOption(command, {"--list", "0..4", "Result list to write (default: 0, all audits)"}, standardListNumbered,
+                "no list from 0 to 4", [&question](std::size_t list) { question.list = list; });
+}
+
+void addQuiet(CLI::App& command, StandardQuestion& question) {
+  command.add_flag("--quiet", question.quiet, "Leave out the row counts on standard error");
+}
+
+std::optional<std::string> questionProblem(const StandardQuestion& question) {
+  if (question.range.DateRangeActive && !query::isInOrder(question.range))
+    return "the day of --to lies before the day of --from";
+  return std::nullopt;
+}
+
+std::string groupedNumber(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
+  return text;
+}
+
+Answered askQuestion(const StandardQuestion& question, const query::Connector& connect, query::ResultLists& lists,
+                     std::ostream& err) {
+  const query::FilterTree tree = treeOf(question);
+  const std::string connectionString = db::buildConnectionString(question.server, question.database);
+  const query::StandardQueryRequest request{tree, question.range, connectionString};
+  const auto shouldContinue = [] { return !Interruption::requested(); };
+  if (!question.complete)
+    return answered(question, tree, query::runStandardQuery(request, connect, lists, question.list, shouldContinue),
+                    lists, err);
+
+  query::CompleteAnswer whole = query::completeStandardQuery(
+      request, connect, [&](const query::CompletionProgress& /*progress*/) { return shouldContinue(); });
+  // A file holds the answer or stays as it was: what had come when it was stopped is not written.
+  if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err)};
+  const query::CompletionReport report = whole.fill(lists, question.list);
+  Answered answer = answered(question, tree, {report.outcome, report.failure, 0}, lists, err);
+  if (report.outcome != query::QueryOutcome::filled) return answer;
+  const std::vector<std::string> texts =
+      query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, groupedNumber);
+  for (const std::string& text : texts) err << text << '\n';
+  // A list without rows says nothing where rows are missing.
+  if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
+  if (answer.status != exitDone) return answer;
+  answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
+  if (!report.isComplete()) answer.status = exitIncomplete;
+  return answer;
+}
+
+}  // namespace korvel::cli
