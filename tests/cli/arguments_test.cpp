@@ -140,7 +140,8 @@ TEST_F(Arguments, WhatIsNotKnownIsNamed) {
 }
 
 TEST_F(Arguments, EveryCommandsHelpHasTheExitStates) {
-  for (const char* command : {"demo", "query", "history", "sql", "servers", "databases", "install-procedure", "check"}) {
+  for (const char* command :
+       {"demo", "query", "history", "sql", "servers", "databases", "install-procedure", "check"}) {
     const std::string help = run({command, "--help"}).out;
     for (const char* state : {"Exit status:", "  0  done", "  1  no records", "  2  wrong usage", "  3  the database",
                               "  4  the output", "  130  stopped"})
