@@ -4,6 +4,7 @@
 #include <QTextBlock>
 #include <QTextLayout>
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "ui/style/theme.h"
@@ -56,8 +57,11 @@ void paintExtent(QPainter& painter, const QRectF& place, const MarkLook& look) {
   painter.fillRect(place, look.tint);
   const qreal top = place.bottom() - look.thickness;
   const qreal dash = look.gap > 0 ? look.gap * 1.5 : place.width();
-  for (qreal left = place.left(); left < place.right(); left += dash + look.gap)
+  const int dashes = static_cast<int>(std::ceil(place.width() / (dash + look.gap)));
+  for (int i = 0; i < dashes; ++i) {
+    const qreal left = place.left() + i * (dash + look.gap);
     painter.fillRect(QRectF(left, top, std::min(dash, place.right() - left), look.thickness), look.line);
+  }
 }
 
 }  // namespace

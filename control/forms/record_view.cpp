@@ -248,6 +248,7 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, std::option
 
 void RecordView::setTabOrderOf(const std::vector<std::size_t>& places) {
   std::vector<QWidget*> order;
+  order.reserve(places.size() + 4);
   for (const std::size_t place : places) order.push_back(fields_[place].value);
   order.insert(order.end(), {btPrevious_, btNext_, btCopy_, btClose_});
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);

@@ -121,6 +121,10 @@ void ValueField::showFirstMark() {
   if (!viewport()->rect().contains(caret)) centerCursor();
 }
 
+int ValueField::firstLineShown() const {
+  return firstVisibleBlock().blockNumber();
+}
+
 void ValueField::setMenuTexts(const QString& copy, const QString& selectAll) {
   copyText_ = copy;
   selectAllText_ = selectAll;

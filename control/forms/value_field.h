@@ -35,7 +35,7 @@ class ValueField final : public QPlainTextEdit {
   [[nodiscard]] bool showsMarks() const { return !marks_.empty(); }
 
   /// For tests: the first paragraph in sight, counted from 0.
-  [[nodiscard]] int firstLineShown() const { return firstVisibleBlock().blockNumber(); }
+  [[nodiscard]] int firstLineShown() const;
 
   void setMenuTexts(const QString& copy, const QString& selectAll);
 
