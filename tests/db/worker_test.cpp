@@ -4,6 +4,7 @@
 
 #include <future>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -64,11 +65,13 @@ TEST(AttendedWork, IsAskedToEndWhereItIsNotWanted) {
   EXPECT_EQ(runOnWorker(work, [] { return false; }, {1ms, patience}), true);
 }
 
-/// Work that ends only when the test lets it.
+/// Work that ends only when the test lets it, or when the test would wait for it too long.
 struct StubbornWork : testing::Test {
+  ~StubbornWork() override { returned.set_value(); }
+
   /// Waits until no detached work is left.
   void letEnd() {
-    release.set_value();
+    letGo();
     const auto end = std::chrono::steady_clock::now() + patience;
     while (hasAbandonedWorkers() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
     EXPECT_FALSE(hasAbandonedWorkers());
@@ -80,8 +83,17 @@ struct StubbornWork : testing::Test {
     };
   }
 
+  void letGo() {
+    std::call_once(released, [this] { release.set_value(); });
+  }
+
+  std::once_flag released;
   std::promise<void> release;
   std::shared_ptr<int> own = std::make_shared<int>(7);
+  std::promise<void> returned;
+  std::jthread rescue{[this, over = returned.get_future()] {
+    if (over.wait_for(patience / 2) == std::future_status::timeout) letGo();
+  }};
 };
 
 TEST_F(StubbornWork, IsLeftBehindWithWhatItUses) {
