@@ -67,7 +67,7 @@ void ShownColumn::forEachRow(Evaluate evaluate, Put put, Wanted wanted) const {
   };
   std::vector<Value> valueOfCode;
   for (const Part& part : parts_) {
-    if (!part.isFilled) {
+    if (!part.isFilled || column_ == nullptr) {
       putSame(part.first, part.end, false);
       continue;
     }
