@@ -3,8 +3,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "bench/audit_file.h"
 #include "bench/bare_sqlite.h"
@@ -57,6 +59,74 @@ void completeQuery(benchmark::State& state) {
   state.counters["calls"] = static_cast<double>(calls);
 }
 BENCHMARK(completeQuery)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+
+/// A connection that is asked in slices, as a server's is.
+class InSlices final : public db::Connection {
+ public:
+  explicit InSlices(std::unique_ptr<db::Connection> connection) : connection_(std::move(connection)) {}
+  void execute(std::string_view commandText, db::ResultSink& sink) override { connection_->execute(commandText, sink); }
+  void select(const db::AuditSelection& selection, db::ResultSink& sink) override {
+    connection_->select(selection, sink);
+  }
+
+ private:
+  std::unique_ptr<db::Connection> connection_;
+};
+
+/// What the index on DateTime saves where an answer is completed in slices: the time from the first call to the joined
+/// rows.
+void completeInSlices(benchmark::State& state, const AuditFolder& folder, const query::FilterTree& tree) {
+  const std::string connectionString = folder.connectionString();
+  query::CompleteAnswer answer;
+  Least time;
+  for (auto _ : state)
+    state.SetIterationTime(time.measure([&] {
+      answer = query::completeStandardQuery({tree, {}, connectionString},
+                                            [](std::string_view text, const std::stop_token& stop) {
+                                              return std::make_unique<InSlices>(db::openConnection(text, stop));
+                                            });
+    }));
+  if (!answer.report().incomplete.empty() || answer.rowCount() == 0) return state.SkipWithError("not complete");
+  state.counters["calls"] = static_cast<double>(answer.report().calls);
+  state.counters["records"] = static_cast<double>(answer.rowCount());
+}
+
+const AuditFolder& withoutTheIndex() {
+  static const AuditFolder folder{manyRows};
+  static const bool isDropped = (runOn(folder.file(), "DROP INDEX Korvel_Audit_Trails_DateTime"), true);
+  benchmark::DoNotOptimize(isDropped);
+  return folder;
+}
+
+query::FilterTree everything() {
+  query::FilterTree tree;
+  tree.selectAll();
+  return tree;
+}
+/// "Custom Operator Actions".
+query::FilterTree oneCategory() {
+  query::FilterTree tree;
+  for (std::size_t i = 0; i < query::filterNodes().size(); ++i)
+    if (query::filterNodes()[i].key == "R1") tree.setChecked({i + 1}, true);
+  return tree;
+}
+
+void inSlices(benchmark::State& state) {
+  completeInSlices(state, millionRecords(), everything());
+}
+void inSlicesWithoutTheIndex(benchmark::State& state) {
+  completeInSlices(state, withoutTheIndex(), everything());
+}
+void oneCategoryInSlices(benchmark::State& state) {
+  completeInSlices(state, millionRecords(), oneCategory());
+}
+void oneCategoryInSlicesWithoutTheIndex(benchmark::State& state) {
+  completeInSlices(state, withoutTheIndex(), oneCategory());
+}
+BENCHMARK(inSlices)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(inSlicesWithoutTheIndex)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(oneCategoryInSlices)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(oneCategoryInSlicesWithoutTheIndex)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 }  // namespace korvel::bench

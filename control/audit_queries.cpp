@@ -4,6 +4,7 @@
 #include <QScopeGuard>
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <utility>
 
 #include "control/answer_status.h"
@@ -12,7 +13,6 @@
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
-#include "query/complete_query.h"
 #include "query/custom_query.h"
 #include "query/standard_query.h"
 #include "ui/query_watch.h"
@@ -206,9 +206,15 @@ void AuditQueries::LoadAll() {
     return;
   // Meanwhile, or while the question was open, the lists may have been cleared, or filled by another query.
   if (!alive || libraryState().queryRunning || answers_.standardAnswers() != answersBefore) return;
-  const bool customPage = surface_.currentTab() == query::customList;
-  query::CompletionReport report;
-  changeStandardLists([&] { report = whole.fill(lists_, customPage ? query::listCount : surface_.currentTab()); });
+  const auto filling = std::make_shared<Filling>(Filling{std::move(whole), lists_, {}});
+  use = fillWatched(filling);
+  if (use == AnswerUse::controlIsGone) return;
+  if (use == AnswerUse::outdated || answers_.standardAnswers() != answersBefore) return;
+  const query::CompletionReport& report = filling->report;
+  if (report.outcome == query::QueryOutcome::filled)
+    changeStandardLists([&] {
+      for (std::size_t i = 0; i < query::standardListCount; ++i) lists_.at(i) = std::move(filling->lists.at(i));
+    });
   for (ResultListView* list : surface_.lvListView) list->showSortIcon();
   DisplayNoOfRecords();
   if (report.outcome == query::QueryOutcome::filled) {
@@ -231,6 +237,25 @@ void AuditQueries::LoadAll() {
   const Error failure = report.failure.value_or(Error(unspecifiedFailure, "unknown failure"));
   answers_.showNotice([failure] { return ownText("complete.failed").arg(failureText(failure)); });
   queryFailed(failure);
+}
+
+AuditQueries::AnswerUse AuditQueries::fillWatched(const std::shared_ptr<Filling>& filling) {
+  const QPointer<AuditViewer> alive(&viewer_);
+  const ui::BusyPointer busy(*platform().services);
+  const bool customPage = surface_.currentTab() == query::customList;
+  const std::size_t sorted = customPage ? query::listCount : surface_.currentTab();
+  return runWatched([&](const db::WaitCallback& goOn) {
+    const auto fill = [filling, sorted](const std::stop_token& /*stop*/) {
+      filling->report = filling->whole.fill(filling->lists, sorted);
+      return true;
+    };
+    const db::WaitCallback attendance = [&] {
+      // Sorting has no end but its own; only without the control nobody waits for it.
+      static_cast<void>(goOn());
+      return !alive.isNull();
+    };
+    static_cast<void>(db::runOnWorker(fill, attendance, platform().queryEnvironment.pace));
+  });
 }
 
 void AuditQueries::changeStandardLists(const std::function<void()>& change) {

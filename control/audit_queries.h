@@ -4,10 +4,12 @@
 #include <QString>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "base/error.h"
 #include "db/worker.h"
+#include "query/complete_query.h"
 #include "query/filter_tree.h"
 #include "query/standard_query.h"
 
@@ -66,6 +68,14 @@ class AuditQueries {
   /// Runs a query. Meanwhile windows are painted, Esc stops the query, and all other input is dropped. The control may
   /// have been deleted afterwards.
   [[nodiscard]] AnswerUse runWatched(const std::function<void(const db::WaitCallback& goOn)>& ask);
+  /// A complete answer on its way into the lists; a thread that is left behind owns it.
+  struct Filling {
+    query::CompleteAnswer whole;
+    query::ResultLists lists;  ///< copies of those that are shown
+    query::CompletionReport report;
+  };
+  /// Spreads and sorts the rows, which takes long where there are millions; windows are painted meanwhile.
+  [[nodiscard]] AnswerUse fillWatched(const std::shared_ptr<Filling>& filling);
   void setLastFailure(LastFailure failure);
   /// Runs `change`, which replaces rows of the standard lists, and updates their views.
   void changeStandardLists(const std::function<void()>& change);

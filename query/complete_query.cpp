@@ -1,6 +1,8 @@
 #include "query/complete_query.h"
 
+#include <array>
 #include <utility>
+#include <vector>
 
 #include "query/completion.h"
 #include "query/query_failure.h"
@@ -19,9 +21,13 @@ std::size_t CompleteAnswer::rowCount() const noexcept {
 const CompletionReport& CompleteAnswer::fill(ResultLists& lists, std::size_t currentList) {
   if (!joined_ || rowCount() == 0) return report_;
   const auto unfilled = failureOf([&] {
-    RowJoin& join = joined_->join();
+    const std::shared_ptr<const results::RowStore> store = joined_->join().store();
+    std::array<std::vector<results::RowId>, standardListCount> rows;
+    for (std::size_t i = 0; i < standardListCount; ++i) rows.at(i) = joined_->join().takeList(i);
+    // Sorting needs the memory that recognised rows when they came again.
+    joined_.reset();
     ResultLists filled = lists;
-    for (std::size_t i = 0; i < standardListCount; ++i) filled[i].setRows(join.store(), join.takeList(i));
+    for (std::size_t i = 0; i < standardListCount; ++i) filled[i].setRows(store, std::move(rows.at(i)));
     if (currentList < filled.size() && !filled[currentList].isSorted()) filled[currentList].sort();
     for (std::size_t i = 0; i < standardListCount; ++i) lists[i] = std::move(filled[i]);
   });
