@@ -31,6 +31,8 @@ const Pair pairs[] = {
     {"text on pressed", &Theme::text, &Theme::pressed, text},
     {"text on removed", &Theme::text, &Theme::removed, text},
     {"text on added", &Theme::text, &Theme::added, text},
+    {"text on what is found", &Theme::text, &Theme::found, text},
+    {"text on the current hit", &Theme::text, &Theme::foundCurrent, text},
     {"muted on window", &Theme::muted, &Theme::window, text},
     {"muted on surface", &Theme::muted, &Theme::surface, text},
     {"muted on header", &Theme::muted, &Theme::header, text},

@@ -21,7 +21,7 @@ static void loadDrawings() {
 namespace korvel::ui {
 namespace {
 
-constexpr std::array<IconFile, 37> files{{
+constexpr std::array<IconFile, 41> files{{
     {IconName::Select, "select"},
     {IconName::Info, "info"},
     {IconName::Query, "query"},
@@ -58,6 +58,10 @@ constexpr std::array<IconFile, 37> files{{
     {IconName::SortAscending, "sortascending"},
     {IconName::SortDescending, "sortdescending"},
     {IconName::Viewer, "viewer"},
+    {IconName::PreviousHit, "previoushit"},
+    {IconName::NextHit, "nexthit"},
+    {IconName::Close, "close"},
+    {IconName::FilterRows, "filterrows"},
     {IconName::More, "more"},
 }};
 

@@ -45,6 +45,10 @@ enum class IconName {
   SortAscending,
   SortDescending,
   Viewer,
+  PreviousHit,
+  NextHit,
+  Close,
+  FilterRows,
   More,
 };
 

@@ -52,7 +52,9 @@ bool drawHeader(const Canvas& canvas) {
   const bool sorted = section->sortIndicator != QStyleOptionHeader::None;
   const int arrow = sorted ? canvas.px(8) : 0;
   const int gap = sorted ? canvas.px(5) : 0;
-  const QRect room = section->rect.adjusted(canvas.px(8), 0, -canvas.px(7), -canvas.px(1));
+  const auto* list = qobject_cast<const ResultHeader*>(canvas.widget);
+  const int sign = list == nullptr ? 0 : list->signRoom(section->section);
+  const QRect room = section->rect.adjusted(canvas.px(8), 0, -canvas.px(7) - sign, -canvas.px(1));
   const QString text = metrics.elidedText(section->text, Qt::ElideRight, std::max(0, room.width() - arrow - gap));
   const int width = std::min(metrics.horizontalAdvance(text), std::max(0, room.width() - arrow - gap));
   int shift = 0;

@@ -40,6 +40,15 @@ QColor contrasting(const QColor& wanted, const QColor& strongest, double least, 
   return strongest;
 }
 
+/// `wanted`, moved towards `ground` only as far as `ink` needs it to be read.
+QColor readableTint(const QColor& wanted, const QColor& ground, const QColor& ink) {
+  for (int step = 0; step < 40; ++step) {
+    const QColor candidate = mixed(wanted, ground, step / 40.0);
+    if (contrastRatio(ink, candidate) >= readable) return candidate;
+  }
+  return ground;
+}
+
 QColor opaque(QColor color) {
   color.setAlpha(255);
   return color.toRgb();
@@ -116,6 +125,12 @@ Theme derive(const QPalette& palette) {
       wantedText, end, readable,
       {theme.window, theme.surface, theme.header, theme.selection, theme.pressed, theme.removed, theme.added});
   theme.onSelection = theme.text;
+  const QColor amber(0xff, 0xb8, 0x1c);
+  const auto foundTint = [&](double light, double dark) {
+    return readableTint(mixed(theme.surface, amber, theme.dark ? dark : light), theme.surface, theme.text);
+  };
+  theme.found = foundTint(0.32, 0.28);
+  theme.foundCurrent = foundTint(0.75, 0.48);
   // No text has the accent colour, so the lower contrast that symbols need suffices and the blue is kept.
   theme.accent =
       contrasting(wantedAccent, end, visible + 0.15, {theme.window, theme.surface, theme.header, theme.selection});

@@ -22,6 +22,8 @@ struct Theme {
   QColor hover;         ///< background of the button or menu item under the pointer
   QColor pressed;       ///< background of a button that is pressed or switched on
   QColor selection;     ///< selected row
+  QColor found;         ///< behind a text that was searched for; `text` is read on it. Invalid where nothing is tinted
+  QColor foundCurrent;  ///< the same, of the hit that the search stands on
 
   QColor border;   ///< weak lines: frames, separators
   QColor control;  ///< lines that carry information: an empty check box, the handle of a scroll bar
