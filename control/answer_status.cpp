@@ -117,7 +117,10 @@ void AnswerStatus::showEmptyTexts() {
   surface_.StatusBar1->nameLoadAll();
   for (std::size_t page = 0; page < surface_.lvListView.size(); ++page) {
     const bool custom = page == query::customList;
-    surface_.lvListView.at(page)->setEmptyText(emptyText(custom ? customAnswer_ : standardAnswer_, custom));
+    ResultListView& list = *surface_.lvListView.at(page);
+    list.setEmptyText(list.listModel().list().isFiltered()
+                          ? ownText("filter.nothing")
+                          : emptyText(custom ? customAnswer_ : standardAnswer_, custom));
   }
 }
 

@@ -220,7 +220,7 @@ void AuditQueries::LoadAll() {
   if (report.outcome == query::QueryOutcome::filled) {
     // A stopped completion can be started again.
     answer.rowLimitReached = report.endedEarly;
-    answer.completion = {report, lists_[0].rowCount()};
+    answer.completion = {report, lists_[0].wholeRowCount()};
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }

@@ -29,7 +29,8 @@ AuditViewer::Members::Members(AuditViewer& viewer)
       lock(surface, menuItems, toolbarItems),
       selection(viewer, messages, surface, {lock, queries, answers}, &followSelectionEverywhere),
       sideTools(viewer, messages, surface, queries, &followDateRangeEverywhere),
-      listCommands(viewer, messages, surface, answers, menuItems),
+      findAndFilter(viewer, messages, surface, answers, queries),
+      listCommands(viewer, messages, surface, answers, findAndFilter, menuItems),
       outputs(viewer, messages, surface, answers),
       help(viewer),
       commands(viewer, messages, surface, menuItems, toolbarItems,
@@ -76,6 +77,7 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([this] { help.chooseFile(); });
   skipFailing([this] { sideTools.showAccessibleNames(); });
   skipFailing([this] { customPage.showTexts(); });
+  skipFailing([this] { findAndFilter.showTexts(); });
   skipFailing([this] { answers.showEmptyTexts(); });
   skipFailing([this] { answers.followRestingText(); });
 }

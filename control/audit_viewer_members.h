@@ -8,6 +8,7 @@
 #include "control/control_lock.h"
 #include "control/custom_page.h"
 #include "control/database_selection.h"
+#include "control/find_and_filter.h"
 #include "control/list_commands.h"
 #include "control/list_outputs.h"
 #include "control/message_boxes.h"
@@ -47,6 +48,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::ControlLock lock;
   control::DatabaseSelection selection;
   control::SideTools sideTools;
+  control::FindAndFilter findAndFilter;
   control::ListCommands listCommands;
   control::ListOutputs outputs;
   control::ViewerHelp help;

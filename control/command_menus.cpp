@@ -94,7 +94,14 @@ void CommandPopup::setHooks(CommandHooks hooks) {
 
 void CommandPopup::mirror(const CommandItems& items) {
   static const CommandActions::Items none;
+  // What was added below does not belong to the items: the entries are made anew.
   actions_->mirror(items.size() == 0 ? none : items.at(1).children);
+  hasOwnEntries_ = false;
+}
+
+QAction* CommandPopup::addOwnEntry(const QString& text) {
+  if (!std::exchange(hasOwnEntries_, true)) addSeparator();
+  return addAction(text);
 }
 
 }  // namespace korvel::control

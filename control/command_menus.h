@@ -43,8 +43,11 @@ class CommandPopup final : public QMenu {
 
   void setHooks(CommandHooks hooks);
   void mirror(const CommandItems& items);
+  /// An entry of the list's own, below the given ones and a separator. It goes with the next mirror().
+  QAction* addOwnEntry(const QString& text);
 
  private:
+  bool hasOwnEntries_ = false;
   std::unique_ptr<CommandActions> actions_;
 };
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -39,6 +41,10 @@ class ControlServices : public ui::DialogServices {
   virtual QString inputBox(QWidget* owner, const QString& prompt, const QString& title) = 0;
   /// A question; every other way of closing the box answers no.
   virtual bool confirm(QWidget* owner, const QString& title, const QString& text) = 0;
+  /// A question with these answers, of which the first is the default: the place of the one that was given, nothing
+  /// for every other way of closing the box.
+  virtual std::optional<std::size_t> choose(QWidget* owner, const QString& title, const QString& text,
+                                            const QStringList& answers) = 0;
   /// Whether a form of that name exists.
   [[nodiscard]] virtual bool hasForm(const QString& name) const = 0;
   /// Shows a form modally, owned by the control; returns when it is closed. Only for a form that exists.

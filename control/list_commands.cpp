@@ -8,6 +8,7 @@
 
 #include "control/answer_status.h"
 #include "control/commands/command_tables.h"
+#include "control/find_and_filter.h"
 #include "control/forms/record_view.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
@@ -33,8 +34,13 @@ std::vector<int> columnsCaptioned(const ResultListView& list, std::string_view c
 }  // namespace
 
 ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-                           CommandItems& menu)
-    : viewer_(viewer), messages_(messages), surface_(surface), answers_(answers), menu_(menu) {
+                           FindAndFilter& findAndFilter, CommandItems& menu)
+    : viewer_(viewer),
+      messages_(messages),
+      surface_(surface),
+      answers_(answers),
+      findAndFilter_(findAndFilter),
+      menu_(menu) {
   surface_.SmartPopup->setHooks({.clicked = [this](const CommandItem& item) { SmartPopup_Click(item); }});
   popupItems_.changed = [this] { surface_.SmartPopup->mirror(popupItems_); };
   QObject::connect(surface_.mnupopup, &QMenu::triggered, &viewer_, [this](const QAction* entry) {
@@ -68,7 +74,11 @@ void ListCommands::connectList(ResultListView& list) {
 void ListCommands::connectContextMenus(ResultListView& list) {
   list.setContextMenuPolicy(Qt::CustomContextMenu);
   QObject::connect(&list, &QWidget::customContextMenuRequested, &viewer_, [this, &list](const QPoint& place) {
-    messages_.trapped("BuildPopup", [&] { showFontMenu(list.viewport()->mapToGlobal(place)); });
+    messages_.trapped("BuildPopup", [&] {
+      // By keyboard it is asked for in the middle of the current cell.
+      const QModelIndex cell = list.indexAt(place);
+      showFontMenu(list, cell, list.viewport()->mapToGlobal(place));
+    });
   });
   QObject::connect(&list, &ResultListView::columnMenuRequested, &viewer_, [this, &list](const QPoint& place) {
     messages_.trapped("BuildPopup", [&] { showColumnMenu(list, place); });
@@ -130,10 +140,11 @@ void ListCommands::BuildPopup(const QString& PopupItem) {
   skipFailing([&] { buildPopup(popupItems_, PopupItem.toStdString()); });
 }
 
-void ListCommands::showFontMenu(const QPoint& place) {
+void ListCommands::showFontMenu(const ResultListView& list, const QModelIndex& cell, const QPoint& place) {
   BuildPopup(QStringLiteral("Font"));
   // The fixed menu has the same entry; it is shown where the other could not be built.
   const bool built = popupItems_.find("FONT") != nullptr;
+  if (built) findAndFilter_.addEntries(*surface_.SmartPopup, list, cell);
   (built ? surface_.SmartPopup : surface_.mnupopup)->popup(place);
 }
 

@@ -15,6 +15,7 @@ class AuditViewer;
 namespace korvel::control {
 
 class AnswerStatus;
+class FindAndFilter;
 class MessageBoxes;
 class Surface;
 
@@ -24,7 +25,7 @@ class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.
   ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-               CommandItems& menu);
+               FindAndFilter& findAndFilter, CommandItems& menu);
   ListCommands(const ListCommands&) = delete;
   ListCommands& operator=(const ListCommands&) = delete;
 
@@ -41,7 +42,8 @@ class ListCommands {
   void lvListView_DblClick(ResultListView& list, int row);
   /// Sizes one column, or all of them, to their contents; the key columns then are as the menu has them.
   void AutoSizeColumns(ResultListView& list, std::optional<int> column = {});
-  void showFontMenu(const QPoint& place);
+  /// `cell` is what the menu was asked for, if any.
+  void showFontMenu(const ResultListView& list, const QModelIndex& cell, const QPoint& place);
   void showColumnMenu(ResultListView& list, const QPoint& place);
   void SmartPopup_Click(const CommandItem& item);
   void mnupopupitem_Click(int index);
@@ -51,6 +53,7 @@ class ListCommands {
   const MessageBoxes& messages_;
   Surface& surface_;
   AnswerStatus& answers_;
+  FindAndFilter& findAndFilter_;
   CommandItems& menu_;
   CommandItems popupItems_;
   /// The list whose columns the context menu is about.

@@ -67,19 +67,44 @@ QString ListOutputs::GetExportPath(const QString& dialogtext, int files) {
   return folder ? QDir::toNativeSeparators(*folder) + QDir::separator() : QString();
 }
 
-bool ListOutputs::hasSomethingToExport() {
-  if (surface_.currentList().listModel().list().rowCount() > 0) return true;
+std::optional<ListOutputs::OutputRows> ListOutputs::askForRows() {
+  const auto current = [this]() -> const results::ResultList& { return surface_.currentList().listModel().list(); };
+  const results::ResultList& list = current();
+  // The list lives as long as the control.
+  const OutputRows shown{{std::shared_ptr<const void>(), &list}, {}};
+  if (!list.isFiltered()) return shown;
+  const std::shared_ptr<ControlServices> services = platform().services;
+  const QPointer<AuditViewer> alive(&viewer_);
+  const auto answer =
+      services->choose(&viewer_, messageTitle(),
+                       ownText("filter.which").arg(countText(list.rowCount()), countText(list.wholeRowCount())),
+                       {ownText("filter.takeShown"), ownText("filter.takeWhole")});
+  // While the question was open the host may have brought another list forward.
+  if (!alive || !answer || &current() != &list) return std::nullopt;
+  if (!list.isFiltered()) return shown;
+  const std::size_t shownCount = list.rowCount();
+  const std::size_t wholeCount = list.wholeRowCount();
+  if (*answer == 0)
+    return OutputRows{shown.list,
+                      [=] { return ownText("filter.remarkShown").arg(countText(shownCount), countText(wholeCount)); }};
+  return OutputRows{std::make_shared<const results::ResultList>(list.unfiltered()),
+                    [=] { return ownText("filter.remarkWhole").arg(countText(wholeCount)); }};
+}
+
+bool ListOutputs::hasSomethingToExport(const results::ResultList& list) {
+  if (list.rowCount() > 0) return true;
   messages_.inform(messageTitle(), loadText(nothingToExport));
   return false;
 }
 
-void ListOutputs::exportCurrentList(
+void ListOutputs::exportList(
+    const OutputRows& rows,
     const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
     const std::function<void(const QString& file)>& open) {
   const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   QProgressBar& bar = *surface_.StatusBar1->ProgressBar1;
-  const results::ResultList& list = surface_.currentList().listModel().list();
+  const results::ResultList& list = *rows.list;
   services->setPointer(Pointer::hourglass);
   bar.setRange(0, static_cast<int>(list.rowCount()));
   bar.setValue(0);
@@ -87,18 +112,19 @@ void ListOutputs::exportCurrentList(
   surface_.StatusBar1->paintNow();
   // Painted directly, without processing events: a queued call of the host could change the list's rows in the middle
   // of the file, or delete the control.
-  const Exported exported = write(list, [&](std::size_t rows) {
-    bar.setValue(static_cast<int>(rows));
+  const Exported exported = write(list, [&](std::size_t written) {
+    bar.setValue(static_cast<int>(written));
     // Sometimes the whole window: another window may have covered parts of it.
-    if (rows % rowsPerWindow == 0)
+    if (written % rowsPerWindow == 0)
       viewer_.window()->repaint();
     else
       surface_.StatusBar1->paintNow();
   });
-  answers_.showNotice([exported] {
+  answers_.showNotice([exported, remark = rows.remark] {
     QString notice = ownText("export.written").arg(exported.file);
     if (exported.replaced > 0)
       notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
+    if (remark) notice += QStringLiteral(". ") + remark();
     return notice;
   });
   if (open) open(exported.file);
@@ -109,10 +135,14 @@ void ListOutputs::exportCurrentList(
 
 // A failure deliberately leaves pointer and progress bar as they were when it happened; the next export resets both.
 void ListOutputs::ExportNotepad() {
-  if (!hasSomethingToExport()) return;
+  const results::ResultList& shown = surface_.currentList().listModel().list();
+  if (!shown.isFiltered() && !hasSomethingToExport(shown)) return;
   // The name in the message is deliberately spelt so.
   messages_.trapped("ExportNotpad", [this] {
-    exportCurrentList(
+    const std::optional<OutputRows> rows = askForRows();
+    if (!rows || !hasSomethingToExport(*rows->list)) return;
+    exportList(
+        *rows,
         [](const results::ResultList& list, const output::RowProgress& progress) {
           const std::filesystem::path file = output::exportPath(output::textExportName);
           return Exported{shownPath(file), output::writeTextExport(list, file, progress)};
@@ -122,7 +152,8 @@ void ListOutputs::ExportNotepad() {
 }
 
 void ListOutputs::ExportExcel() {
-  if (!hasSomethingToExport()) return;
+  const results::ResultList& shown = surface_.currentList().listModel().list();
+  if (!shown.isFiltered() && !hasSomethingToExport(shown)) return;
   messages_.trapped(
       "ExportExcel",
       [this] {
@@ -133,8 +164,10 @@ void ListOutputs::ExportExcel() {
           messages_.inform(messageTitle(), QStringLiteral("No path selected!"));
           return;
         }
+        const std::optional<OutputRows> rows = askForRows();
+        if (!rows || !hasSomethingToExport(*rows->list)) return;
         const QString file = folder + fromUtf8(output::exchangeFileName);
-        exportCurrentList([&](const results::ResultList& list, const output::RowProgress& progress) {
+        exportList(*rows, [&](const results::ResultList& list, const output::RowProgress& progress) {
           return Exported{file, output::writeExchangeFile(list, toPath(file), progress)};
         });
       },
@@ -159,15 +192,24 @@ void ListOutputs::PreviewReport() {
 void ListOutputs::writeReport() {
   const std::shared_ptr<ControlServices> services = platform().services;
   try {
+    const std::optional<OutputRows> rows = askForRows();
+    if (!rows) {
+      libraryState().pendingReport = {};
+      return;
+    }
     const std::filesystem::path file = output::exportPath(output::reportName);
     const std::string caption = surface_.SSTab1->tabText(static_cast<int>(surface_.currentTab())).toStdString();
     output::ReportNotes notes;
     {
       const ui::BusyPointer busy(*services);
-      notes = output::writeListReport({caption, &surface_.currentList().listModel().list()}, libraryState().printFont,
-                                      file);
+      notes = output::writeListReport({caption, rows->list.get()}, libraryState().printFont, file);
     }
-    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), answers_.remark());
+    QString remark = answers_.remark();
+    if (rows->remark) {
+      remark = remark.isEmpty() ? rows->remark() : rows->remark() + QStringLiteral(". ") + remark;
+      answers_.showNotice(rows->remark);
+    }
+    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), remark);
   } catch (...) {
     // There is nothing to print: the next report must not find the flags of this one.
     libraryState().pendingReport = {};

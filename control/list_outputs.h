@@ -3,6 +3,8 @@
 #include <QString>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <optional>
 
 #include "output/byte_sink.h"
 #include "results/result_list.h"
@@ -40,10 +42,20 @@ class ListOutputs {
     std::size_t replaced;
   };
 
-  /// Whether the current list has rows; says so where it has none.
-  bool hasSomethingToExport();
+  /// The rows that an output takes, and what is said of them.
+  struct OutputRows {
+    /// Of the list in front, or a copy of it without its filters.
+    std::shared_ptr<const results::ResultList> list;
+    /// In the language of the moment when it is said; none where nothing is filtered.
+    std::function<QString()> remark;
+  };
+  /// Asks which rows are to be put out where the current list is filtered; nothing where the user gives no answer.
+  [[nodiscard]] std::optional<OutputRows> askForRows();
+  /// Whether the list has rows; says so where it has none.
+  bool hasSomethingToExport(const results::ResultList& list);
   /// The steps that both exports share; `open` comes when the file is there and the status panel says so.
-  void exportCurrentList(
+  void exportList(
+      const OutputRows& rows,
       const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
       const std::function<void(const QString& file)>& open = {});
   void writeReport();

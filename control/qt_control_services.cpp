@@ -145,6 +145,23 @@ bool QtControlServices::confirm(QWidget* owner, const QString& title, const QStr
   return answer;
 }
 
+std::optional<std::size_t> QtControlServices::choose(QWidget* owner, const QString& title, const QString& text,
+                                                     const QStringList& answers) {
+  const PointerForDialog pointer;
+  const QPointer<ui::MessageBox> box =
+      new ui::MessageBox(QMessageBox::Question, title, text, QMessageBox::NoButton, owner);
+  QList<QAbstractButton*> buttons;
+  for (const QString& answer : answers) buttons.append(box->addButton(answer, QMessageBox::AcceptRole));
+  QPushButton* const cancel = box->addButton(ownText("filter.cancel"), QMessageBox::RejectRole);
+  if (!buttons.isEmpty()) box->setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
+  box->setEscapeButton(cancel);
+  box->exec();
+  // Only compared: the buttons may be gone with the box.
+  const qsizetype place = box ? buttons.indexOf(box->clickedButton()) : -1;
+  delete box;
+  return place < 0 ? std::nullopt : std::optional<std::size_t>(static_cast<std::size_t>(place));
+}
+
 void QtControlServices::showForm(QWidget* owner, const QString& name) {
   const auto maker = forms_.value(name);
   if (!maker) return;

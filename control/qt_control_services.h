@@ -21,6 +21,8 @@ class QtControlServices final : public ControlServices {
   std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) override;
   QString inputBox(QWidget* owner, const QString& prompt, const QString& title) override;
   bool confirm(QWidget* owner, const QString& title, const QString& text) override;
+  std::optional<std::size_t> choose(QWidget* owner, const QString& title, const QString& text,
+                                    const QStringList& answers) override;
   [[nodiscard]] bool hasForm(const QString& name) const override { return forms_.contains(name); }
   void showForm(QWidget* owner, const QString& name) override;
   void setPointer(ui::Pointer pointer) override;

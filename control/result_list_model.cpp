@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <utility>
 
 #include "control/texts.h"
 #include "ui/shown_text.h"
@@ -64,6 +65,11 @@ void ResultListModel::clickColumn(int column) {
 
 void ResultListModel::sortRows() {
   reorder([&] { list_.sort(); });
+}
+
+void ResultListModel::setFilter(results::RowFilter filter) {
+  const RowsChange change(*this);
+  list_.setFilter(std::move(filter));
 }
 
 void ResultListModel::reorder(const std::function<void()>& sort) {

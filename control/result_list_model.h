@@ -31,6 +31,10 @@ class ResultListModel final : public QAbstractTableModel {
   /// Throws Error when memory runs out; the rows then stay as they were.
   void clickColumn(int column);
 
+  /// Shows only the rows that pass; an empty filter shows all. Throws Error when memory runs out; the list then shows
+  /// what it showed before.
+  void setFilter(results::RowFilter filter);
+
   /// Switches sorting on with the list's own key and order; like clickColumn otherwise.
   void sortRows();
 

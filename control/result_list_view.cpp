@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <optional>
+#include <utility>
 
 #include "control/texts.h"
 #include "control/widest_text.h"
@@ -49,6 +51,7 @@ ResultListView::ResultListView(ResultListModel& model, QWidget* parent) : Result
   connect(&model_, &QAbstractItemModel::layoutChanged, this, [this] { restoreSelection(); });
   // The toolkit would size the column by itself; the owner does it.
   disconnect(header(), &QHeaderView::sectionHandleDoubleClicked, this, nullptr);
+  connect(header(), &ui::ResultHeader::filterRequested, this, &ResultListView::filterRequested);
   connect(header(), &QHeaderView::sectionHandleDoubleClicked, this, &ResultListView::fitRequested);
 }
 
@@ -119,6 +122,40 @@ void ResultListView::clickHeader(int column) {
     scrollTo(currentIndex().siblingAtColumn(column), PositionAtCenter);
   else
     verticalScrollBar()->setValue(verticalScrollBar()->minimum());
+}
+
+int ResultListView::rowOf(results::RowId record) const {
+  const results::ResultList& list = model_.list();
+  for (std::size_t row = 0; row < list.rowCount(); ++row)
+    if (list.rowId({row}) == record) return static_cast<int>(row);
+  return -1;
+}
+
+void ResultListView::setFilter(results::RowFilter filter) {
+  const QModelIndex before = currentIndex();
+  std::optional<results::RowId> record;
+  if (before.isValid()) record = model_.list().rowId({static_cast<std::size_t>(before.row())});
+  const int column = before.column();
+  SavedSelection kept;
+  kept.save(model_.list(), selectedSpans());
+  {
+    const HorizontalScrollLock lock(*this);
+    model_.setFilter(std::move(filter));
+  }
+  saved_ = std::move(kept);
+  restoreSelection();
+  const int row = record ? rowOf(*record) : -1;
+  if (row < 0) return;
+  const HorizontalScrollLock lock(*this);
+  selectionModel()->setCurrentIndex(model_.index(row, column), QItemSelectionModel::NoUpdate);
+  scrollTo(model_.index(row, column), PositionAtCenter);
+}
+
+void ResultListView::showCell(int row, int column) {
+  const QModelIndex cell = model_.index(row, column);
+  if (!cell.isValid()) return;
+  selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  scrollTo(cell, EnsureVisible);
 }
 
 std::vector<int> ResultListView::shownColumns() const {
@@ -270,6 +307,29 @@ bool ResultListView::handleHeaderKey(const QKeyEvent& event) {
     Q_EMIT columnMenuRequested(strip->mapToGlobal(QPoint(left, strip->height())));
     return true;
   }
+  if (modifiers == Qt::AltModifier && event.key() == Qt::Key_Down) {
+    Q_EMIT filterRequested(column);
+    return true;
+  }
+  return false;
+}
+
+bool ResultListView::handleFilterKey(const QKeyEvent& event) {
+  const Qt::KeyboardModifiers modifiers = event.modifiers();
+  const bool shifted = modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+  if (event.key() == Qt::Key_K && (shifted || modifiers == Qt::ControlModifier)) {
+    const QModelIndex cell = currentIndex().siblingAtColumn(cursorColumn());
+    if (!cell.isValid()) return true;
+    if (shifted)
+      Q_EMIT withoutRequested(cell);
+    else
+      Q_EMIT onlyRequested(cell);
+    return true;
+  }
+  if (event.key() == Qt::Key_F && shifted) {
+    Q_EMIT unfilterRequested();
+    return true;
+  }
   return false;
 }
 
@@ -279,7 +339,7 @@ void ResultListView::keyPressEvent(QKeyEvent* event) {
   if (endsTyping(key)) typed_.clear();
   if (event->matches(QKeySequence::Copy)) {
     copySelection();
-  } else if (handleHeaderKey(*event)) {
+  } else if (handleHeaderKey(*event) || handleFilterKey(*event)) {
     typed_.clear();
   } else if (plain && (key == Qt::Key_Return || key == Qt::Key_Enter) && currentIndex().isValid()) {
     Q_EMIT recordRequested(currentIndex().row());

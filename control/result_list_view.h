@@ -32,6 +32,13 @@ class ResultListView final : public ui::ResultTable {
   /// A click on the header of a column: sorts, and keeps the current record visible if it was. Throws Error when memory
   /// runs out; the rows then stay as they were.
   void clickHeader(int column);
+  /// Shows only the rows that pass. The current record and those that are selected stay so as far as they are shown.
+  /// Throws Error when memory runs out; the list then shows what it showed before.
+  void setFilter(results::RowFilter filter);
+  /// Makes a cell the current one, selects its row alone and scrolls to it.
+  void showCell(int row, int column);
+  /// The columns that are shown, in the order in which they are.
+  [[nodiscard]] std::vector<int> shownColumns() const;
   /// Shows sort key and direction of the list in the header.
   void showSortIcon();
   /// Takes name, size, bold and italic from `font`, nothing else.
@@ -59,6 +66,13 @@ class ResultListView final : public ui::ResultTable {
   /// The user asked by keyboard for the menu of the header; `place` is the lower left corner of this column's header on
   /// the screen.
   void columnMenuRequested(const QPoint& place);
+  /// The user asked by keyboard for the values of this column.
+  void filterRequested(int column);
+  /// The user wants the rows that show what this cell shows, or those that do not.
+  void onlyRequested(const QModelIndex& cell);
+  void withoutRequested(const QModelIndex& cell);
+  /// The user wants all rows again.
+  void unfilterRequested();
   /// A command was refused; `text` says why.
   void refused(const QString& text);
   /// The rows that were selected, so many, lie too far apart after sorting to be selected again.
@@ -71,16 +85,18 @@ class ResultListView final : public ui::ResultTable {
   [[nodiscard]] int sizeHintForColumn(int column) const override;
 
  private:
-  [[nodiscard]] std::vector<int> shownColumns() const;
   /// The column of the current cell; the first visible one where that is hidden.
   [[nodiscard]] int cursorColumn() const;
   [[nodiscard]] int searchColumn() const;
   [[nodiscard]] int findRow(int column, const QString& beginning, int from) const;
   [[nodiscard]] bool isTyping() const;
   void goToNeighbourColumn(int step);
+  /// Keys for filtering by the current cell. Returns whether the key was one of them.
+  bool handleFilterKey(const QKeyEvent& event);
   /// Keys for what the mouse does on the header, which takes no focus. Returns whether the key was one of them.
   bool handleHeaderKey(const QKeyEvent& event);
   void saveSelection();
+  [[nodiscard]] int rowOf(results::RowId record) const;
   void restoreSelection();
 
   ResultListModel& model_;

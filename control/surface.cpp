@@ -5,7 +5,6 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <functional>
-#include <iterator>
 #include <utility>
 
 #include "control/report_viewer.h"
@@ -116,6 +115,7 @@ void Surface::buildPages(query::ResultLists& lists) {
     const QString caption = fromUtf8(query::pageCaptions.at(i));
     list->setAccessibleName(caption);
     lvListView.at(i) = list;
+    areas.at(i) = new ListArea(*list, findHistory_);
     if (i == query::customList) buildQueryFrame(*page);
     // The captions are fixed texts, no mnemonics.
     SSTab1->addTab(page, caption);
@@ -139,9 +139,13 @@ void Surface::orderFocus() const {
   std::vector<QWidget*> order = SmartToolbar->buttons();
   order.insert(order.end(), {tvTreeView, btDateRangeFilter, btClearDateRange, btQuery, btSelectDB, btDBInfo, btClear,
                              btSelectALL, btUnselectALL, btExcel, btPrint, SSTab1->tabBar()});
-  order.insert(order.end(), lvListView.begin(), lvListView.end());
-  // On their page they come before the list, in the visible order.
-  order.insert(std::prev(order.end()), {txtAdvancedQuery, btClearAdvQuery, btOpen, btEmunFields, btSave});
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    // On their page they come before the list, in the visible order.
+    if (i == query::customList)
+      order.insert(order.end(), {txtAdvancedQuery, btClearAdvQuery, btOpen, btEmunFields, btSave});
+    const std::vector<QWidget*> area = areas.at(i)->focusOrder();
+    order.insert(order.end(), area.begin(), area.end());
+  }
   for (std::size_t i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
@@ -199,7 +203,7 @@ void Surface::placeLists() {
     place.setTop(std::max(place.top(), i == query::customList ? placeQueryFrame(pageCorner) : 0));
     // A list that refused the height of its page keeps its own.
     if (box.height < boxes_.SSTab1.height) place.setBottom(std::min(place.bottom(), page->height() - 1));
-    lvListView.at(i)->setGeometry(place);
+    areas.at(i)->setGeometry(place);
   }
 }
 

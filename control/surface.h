@@ -8,6 +8,7 @@
 #include "control/command_toolbar.h"
 #include "control/filter_tree_view.h"
 #include "control/layout.h"
+#include "control/list_area.h"
 #include "control/result_list_model.h"
 #include "control/result_list_view.h"
 #include "control/status_panels.h"
@@ -72,6 +73,8 @@ class Surface {
   ui::PageStrip* SSTab1 = nullptr;
   std::array<std::unique_ptr<ResultListModel>, query::listCount> models;
   std::array<ResultListView*, query::listCount> lvListView{};
+  /// The lists with what stands over and under them while they are filtered or searched.
+  std::array<ListArea*, query::listCount> areas{};
   // Above the list of the custom page.
   ui::CardFrame* frameAdvQry = nullptr;
   query::SqlEditor* txtAdvancedQuery = nullptr;
@@ -97,6 +100,7 @@ class Surface {
   [[nodiscard]] int toolbarHeight() const;
 
   QWidget& owner_;
+  ui::FindHistory findHistory_;
   SurfaceBoxes boxes_ = designTimeBoxes();
 };
 

@@ -178,14 +178,11 @@ void ChipBar::setChips(const std::vector<Chip>& chips) {
     button->show();
     buttons_.push_back(button);
   }
-  QWidget* before = nullptr;
+  // They go where the other buttons are, wherever the owner has put those.
+  QWidget* before = pin_->previousInFocusChain();
   for (QWidget* button : buttons_) {
-    if (before != nullptr) setTabOrder(before, button);
+    setTabOrder(before, button);
     before = button;
-  }
-  if (before != nullptr) {
-    setTabOrder(before, pin_);
-    setTabOrder(pin_, clear_);
   }
   setVisible(!chips_.empty());
   if (!inBar) return;
@@ -193,6 +190,10 @@ void ChipBar::setChips(const std::vector<Chip>& chips) {
     Q_EMIT keyboardLeft();
   else if (onChip)
     buttons_[std::min(static_cast<std::size_t>(place), buttons_.size() - 1)]->setFocus(Qt::OtherFocusReason);
+}
+
+std::vector<QWidget*> ChipBar::focusOrder() const {
+  return {pin_, clear_};
 }
 
 void ChipBar::setCount(const QString& text) {

@@ -14,9 +14,9 @@ namespace korvel::ui {
 
 /// One active filter in words: "Event" and "= UPDATE".
 struct Chip {
-  QString column;
-  QString condition;
-  QString toolTip;  ///< the whole condition; plain text
+  QString column = {};
+  QString condition = {};
+  QString toolTip = {};  ///< the whole condition; plain text
   friend bool operator==(const Chip&, const Chip&) = default;
 };
 
@@ -60,6 +60,8 @@ class ChipBar : public QWidget {
   void setCount(const QString& text);
   void setPinned(bool pinned);
   [[nodiscard]] bool isPinned() const;
+  /// What takes the keyboard behind the chips; they go before it by themselves.
+  [[nodiscard]] std::vector<QWidget*> focusOrder() const;
   [[nodiscard]] const std::vector<Chip>& chips() const noexcept { return chips_; }
 
  Q_SIGNALS:

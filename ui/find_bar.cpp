@@ -71,7 +71,8 @@ FindBar::FindBar(FindHistory& history, QWidget* parent)
   row->addSpacing(inGroup);
   filter_ = iconButton(IconName::FilterRows, "FindFilter");
   close_ = iconButton(IconName::Close, "FindClose");
-  setTabOrder(text_, previous_);
+  const std::vector<QWidget*> order = focusOrder();
+  for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
 
   connect(text_, &QComboBox::editTextChanged, this, [this] { Q_EMIT requestChanged(request()); });
   for (const QToolButton* toggle : {exactCase_, wholeValue_, regularExpression_})
@@ -132,6 +133,10 @@ void FindBar::open(const QString& text) {
 
 FindRequest FindBar::request() const {
   return {text_->currentText(), exactCase_->isChecked(), wholeValue_->isChecked(), regularExpression_->isChecked()};
+}
+
+std::vector<QWidget*> FindBar::focusOrder() const {
+  return {text_, previous_, next_, exactCase_, wholeValue_, regularExpression_, filter_, close_};
 }
 
 void FindBar::showCountText(const QString& text) {

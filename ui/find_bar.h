@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 class QComboBox;
 class QLabel;
@@ -47,6 +48,8 @@ class FindBar : public QFrame {
   /// Shows the bar with the keyboard on its text, which is selected. `text` replaces it where there is one.
   void open(const QString& text = {});
   [[nodiscard]] FindRequest request() const;
+  /// What takes the keyboard, in the order of Tab.
+  [[nodiscard]] std::vector<QWidget*> focusOrder() const;
 
   /// "12 of 3,451"; without a current hit (0) their number alone, and plain words where there is none.
   void showCount(std::size_t current, std::size_t hits);

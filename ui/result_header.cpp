@@ -16,10 +16,11 @@
 namespace korvel::ui {
 namespace {
 
-constexpr int signWidth = 18;       ///< of the place that takes clicks
+constexpr int signWidth = 16;       ///< of the place that takes clicks
 constexpr int signFromEdge = 5;     ///< the handle for resizing keeps its place
+constexpr int captionEnd = 7;       ///< between a caption and the edge where there is no sign
 constexpr int leastSection = 56;    ///< narrower ones have no sign
-constexpr int roomySection = 80;    ///< from this width on captions are cut for the sign
+constexpr int roomySection = 80;    ///< from this width on captions that are cut anyway make room
 constexpr int captionMargins = 16;  ///< of a caption in its section
 
 /// A funnel in the middle of `place`; filled where the column is filtered.
@@ -108,14 +109,15 @@ QRect ResultHeader::signPlace(int column) const {
 
 int ResultHeader::signRoom(int column) const {
   if (signPlace(column).isEmpty()) return 0;
-  const int room = px(this, signWidth);
+  // The drawing in its place has some air around it.
+  const int room = px(this, signFromEdge + signWidth - captionEnd - 2);
   if (isFiltered(column) || column == hovered_ || column == pressed_) return room;
-  const int whole = sectionSize(column);
-  if (whole >= px(this, roomySection)) return room;
   const QString caption =
       model() == nullptr ? QString() : visibleFormats(model()->headerData(column, orientation()).toString());
   const int needed = QFontMetrics(semiBold(font())).horizontalAdvance(caption) + px(this, captionMargins);
-  return needed + room <= whole ? room : 0;
+  const int whole = sectionSize(column);
+  if (needed + room <= whole) return room;
+  return needed > whole && whole >= px(this, roomySection) ? room : 0;
 }
 
 int ResultHeader::signAt(const QPoint& place) const {

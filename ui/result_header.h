@@ -26,8 +26,8 @@ class ResultHeader : public QHeaderView {
   /// Where a click on this column's sign goes, in coordinates of the viewport; empty where there is none: a section
   /// that is narrow keeps its width for sorting and resizing.
   [[nodiscard]] QRect signPlace(int column) const;
-  /// What the sign takes from the caption at present, in pixels. In a narrow section a caption that needs all of it
-  /// keeps it, but while the column is filtered or under the pointer.
+  /// What the sign takes from the caption at present, in pixels. No caption is cut for its sign alone, but while the
+  /// column is filtered or under the pointer; until then such a section shows none.
   [[nodiscard]] int signRoom(int column) const;
 
  Q_SIGNALS:

@@ -108,6 +108,7 @@ ValueList::ValueList(QWidget* parent)
   buttons->addStretch(1);
   cancel_->setObjectName(QStringLiteral("CancelValues"));
   ok_->setObjectName(QStringLiteral("ChooseValues"));
+  ok_->setText(QStringLiteral("OK"));
   cancel_->setAutoDefault(true);
   ok_->setAutoDefault(true);
   buttons->addWidget(cancel_);
@@ -130,7 +131,6 @@ void ValueList::setTexts(const std::function<QString(std::string_view key)>& tex
   search_->setAccessibleName(texts("filter.search"));
   all_->setText(texts("filter.all"));
   list_->setAccessibleName(texts("filter.values"));
-  ok_->setText(texts("filter.ok"));
   cancel_->setText(texts("filter.cancel"));
 }
 
@@ -160,6 +160,7 @@ void ValueList::showContent(ValueListContent content) {
 void ValueList::open(ValueListContent content, const QRect& header, Source source) {
   source_ = nullptr;
   search_->clear();
+  wasEmptied_ = false;
   const auto lines = static_cast<int>(std::min<std::size_t>(content.values.size(), linesAtMost));
   // The longest of the first values; the rest is cut, and its tooltip has it all.
   constexpr std::size_t measured = 200;
@@ -208,6 +209,7 @@ void ValueList::searchFor(const QString& text) {
 void ValueList::showChecks() {
   list_->viewport()->update();
   const Qt::CheckState state = model_.listedState();
+  if (state != Qt::PartiallyChecked && !isSearching()) wasEmptied_ = state == Qt::Unchecked;
   all_->setTristate(state == Qt::PartiallyChecked);
   all_->setCheckState(state);
   allCount_->setText(countText(model_.listedRecords()));

@@ -44,6 +44,9 @@ class ValueList : public QFrame {
   /// The values that are listed now, and among them those that are ticked or not.
   [[nodiscard]] const std::vector<ListedValue>& values() const noexcept { return model_.values(); }
   [[nodiscard]] std::vector<std::size_t> listed(bool checked) const { return model_.listed(checked); }
+  /// Whether nothing was ticked at some time since the list was opened or all were ticked: the user collects values,
+  /// instead of leaving some out.
+  [[nodiscard]] bool wasEmptied() const noexcept { return wasEmptied_; }
   /// Whether a text narrows what is listed.
   [[nodiscard]] bool isSearching() const;
 
@@ -68,6 +71,7 @@ class ValueList : public QFrame {
   ValueChoiceModel model_;
   std::size_t moreThan_ = 0;
   bool wasMore_ = false;  ///< there were more values than listed before anything was searched for
+  bool wasEmptied_ = false;
   QLineEdit* search_;
   QCheckBox* all_;
   QLabel* allCount_;

@@ -29,13 +29,24 @@ std::vector<std::size_t> byteOffsets(std::string_view text) {
   return offsets;
 }
 
-std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_view text, bool firstOnly) {
+/// Must be the beginning of a pattern.
+const QString stepLimit = QStringLiteral("(*LIMIT_MATCH=200000)");
+
+std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_view text, bool firstOnly,
+                              const GaveUp& gaveUp) {
   std::vector<TextSpan> spans;
-  QRegularExpressionMatchIterator matches = expression.globalMatch(QStringView(utf16FromUtf8(text)).toString());
+  const QString subject = QStringView(utf16FromUtf8(text)).toString();
   std::vector<std::size_t> offsets;
-  while (matches.hasNext()) {
-    const QRegularExpressionMatch match = matches.next();
-    if (match.capturedLength() == 0) continue;
+  for (qsizetype from = 0; from <= subject.size();) {
+    const QRegularExpressionMatch match = expression.match(subject, from);
+    if (!match.isValid() && gaveUp) *gaveUp = true;
+    if (!match.hasMatch()) break;
+    from = match.capturedEnd();
+    if (match.capturedLength() == 0) {
+      // Never into the middle of a pair.
+      from += from < subject.size() && subject.at(from).isHighSurrogate() ? 2 : 1;
+      continue;
+    }
     if (firstOnly) return {{0, text.size()}};
     if (offsets.empty()) offsets = byteOffsets(text);
     spans.push_back({offsets[static_cast<std::size_t>(match.capturedStart())],
@@ -46,7 +57,8 @@ std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_
 
 }  // namespace
 
-std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern, TextMatcher::Options options) {
+std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern, TextMatcher::Options options,
+                                                       GaveUp gaveUp) {
   QString text = QString::fromUtf8(pattern.data(), static_cast<qsizetype>(pattern.size()));
   QRegularExpression::PatternOptions patternOptions = QRegularExpression::UseUnicodePropertiesOption;
   if (!options.exactCase) patternOptions |= QRegularExpression::CaseInsensitiveOption;
@@ -54,10 +66,11 @@ std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern,
   if (!written.isValid())
     return PatternProblem{written.errorString().toStdString(), static_cast<std::size_t>(written.patternErrorOffset())};
   if (options.wholeValue) text = QRegularExpression::anchoredPattern(text);
-  const QRegularExpression expression(text, patternOptions);
+  const QRegularExpression expression(stepLimit + text, patternOptions);
   expression.optimize();
-  return TextMatcher(
-      [expression](std::string_view shown, bool firstOnly) { return spansOf(expression, shown, firstOnly); });
+  return TextMatcher([expression, gaveUp = std::move(gaveUp)](std::string_view shown, bool firstOnly) {
+    return spansOf(expression, shown, firstOnly, gaveUp);
+  });
 }
 
 }  // namespace korvel::results

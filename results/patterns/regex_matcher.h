@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,9 +17,13 @@ struct PatternProblem {
   std::size_t offset = 0;  ///< where in the pattern, in UTF-16 units
 };
 
+/// Set once an expression took too many steps for a text: it may match, but counts as not matching.
+using GaveUp = std::shared_ptr<std::atomic<bool>>;
+
 /// Looks for a regular expression as the toolkit has them (those of Perl). Case is folded letter by letter unless it
 /// counts; matches without a character are none. Bytes that are no text are matched as U+FFFD.
+/// Without a limit of steps a few expressions would take hours for one text.
 [[nodiscard]] std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern,
-                                                                     TextMatcher::Options options);
+                                                                     TextMatcher::Options options, GaveUp gaveUp = {});
 
 }  // namespace korvel::results

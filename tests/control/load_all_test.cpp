@@ -95,6 +95,21 @@ TEST_F(LoadAll, ShowsEveryRecordAndSaysThatTheAnswerIsComplete) {
   EXPECT_EQ(statusPanel(*viewer), ownText("status.rowLimit")) << "the next query knows nothing of it";
 }
 
+TEST_F(LoadAll, KeepsTheFiltersOfAnAnswerOfWhichMoreComes) {
+  const auto viewer = cutAnswer();
+  QTableView* view = list(*viewer, 0);
+  view->setCurrentIndex(view->model()->index(70, 1));
+  QTest::keyClick(view, Qt::Key_K, Qt::ControlModifier);
+  EXPECT_EQ(column(*viewer, 0), "71");
+  button(*viewer).click();
+  EXPECT_EQ(column(*viewer, 0), "71");
+  EXPECT_EQ(recordsPanel(*viewer), "1 Records on current tab");
+  EXPECT_EQ(list(*viewer, 0)->parentWidget()->findChild<QLabel*>("ShownCount")->text(),
+            ownText("filter.shown").arg("1", ui::countText(rows)));
+  // What is said of the answer is said of all of it.
+  EXPECT_TRUE(statusPanel(*viewer).startsWith("complete: 12000 records from ")) << statusPanel(*viewer).toStdString();
+}
+
 TEST_F(LoadAll, SaysHowItCameOutInTheCurrentLanguage) {
   const auto viewer = cutAnswer();
   button(*viewer).click();

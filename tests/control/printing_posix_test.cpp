@@ -172,5 +172,24 @@ TEST_F(Printing, ReportsAlarmRowsOfAllDatesAtTheHeadOfThePages) {
   EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
+TEST_F(Printing, SaysAtTheHeadOfThePagesWhichRowsOfAFilteredListTheyHave) {
+  const auto viewer = viewerWith({{"one", "x", "c"}, {"two", "y", "c"}, {"three", "x", "c"}});
+  QTableView* view = list(*viewer, 5);
+  view->setCurrentIndex(view->model()->index(0, 1));
+  QTest::keyClick(view, Qt::Key_K, Qt::ControlModifier);
+  const auto printedText = [&](std::size_t answer) {
+    recorder->chosenAnswer = answer;
+    click(*viewer, "btPrint");
+    completeDocuments();
+    return test::outputOf("pdftotext -raw '" + path("printed.pdf").toStdString() + "' -");
+  };
+  const std::string shown = printedText(0);
+  EXPECT_NE(shown.find("Filtered: 2 of 3 records"), std::string::npos) << shown;
+  EXPECT_EQ(shown.find("two"), std::string::npos);
+  const std::string whole = printedText(1);
+  EXPECT_NE(whole.find("Whole list: all 3 records"), std::string::npos) << whole;
+  EXPECT_NE(whole.find("two"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace korvel::test

@@ -51,6 +51,12 @@ class Recorder final : public control::ControlServices {
     questions.append({title, text});
     return confirmed;
   }
+  std::optional<std::size_t> choose(QWidget*, const QString& title, const QString& text,
+                                    const QStringList& answers) override {
+    questions.append({title, text});
+    offeredAnswers.append(answers);
+    return chosenAnswer;
+  }
   [[nodiscard]] bool hasForm(const QString& name) const override {
     if (onFormAsked) onFormAsked();
     return forms.contains(name);
@@ -93,6 +99,8 @@ class Recorder final : public control::ControlServices {
   QString typedText;
   QList<std::pair<QString, QString>> questions;
   bool confirmed = false;
+  QList<QStringList> offeredAnswers;
+  std::optional<std::size_t> chosenAnswer;
   QSet<QString> forms;
   std::function<void()> onFormAsked;
   QStringList shownForms;

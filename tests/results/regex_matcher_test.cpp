@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <memory>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace korvel::results {
 namespace {
@@ -54,6 +57,24 @@ TEST(RegexMatcher, WhatHasNoCharacterIsNoMatch) {
   EXPECT_EQ(marked("x*", {}, "ab"), "ab");
   EXPECT_EQ(marked("x*", {}, "axb"), "a[x]b");
   EXPECT_EQ(marked("", {}, "ab"), "ab");
+}
+
+TEST(RegexMatcher, GivesATextUpThatTakesTooManySteps) {
+  const auto gaveUp = std::make_shared<std::atomic<bool>>(false);
+  const auto made = regexMatcher("^(\\w|\\w\\w)*!$", {}, gaveUp);
+  const TextMatcher& matcher = std::get<TextMatcher>(made);
+  EXPECT_TRUE(matcher.matches("ab!"));
+  EXPECT_FALSE(matcher.matches("ab?"));
+  EXPECT_FALSE(*gaveUp);
+  EXPECT_FALSE(matcher.matches(std::string(200, 'a') + "!x"));
+  EXPECT_TRUE(*gaveUp);
+}
+
+TEST(RegexMatcher, PassesOverPairsBehindMatchesWithoutACharacter) {
+  const auto gaveUp = std::make_shared<std::atomic<bool>>(false);
+  const auto made = regexMatcher("x*", {}, gaveUp);
+  EXPECT_EQ(std::get<TextMatcher>(made).spansIn("\U0001F600x"), (std::vector<TextSpan>{{4, 5}}));
+  EXPECT_FALSE(*gaveUp);
 }
 
 TEST(RegexMatcher, SaysWhatIsWrongWithAPattern) {

@@ -108,7 +108,8 @@ TEST_F(ListSigns, TheHandlesForResizingKeepWorking) {
 
 TEST_F(ListSigns, TheCaptionIsCutBeforeTheSign) {
   header().setFilterSigns(true);
-  const QRect place = header().signPlace(2).translated(-header().sectionViewportPosition(2), 0);
+  // The drawing has some air around it in the place that takes clicks.
+  const QRect place = header().signPlace(2).translated(-header().sectionViewportPosition(2), 0).adjusted(3, 0, -3, 0);
   const QImage captionAndSign = section(2);
   model.setHeaderData(2, Qt::Horizontal, QString());
   const QImage signAlone = section(2);

@@ -1,0 +1,137 @@
+#include "control/filter_condition.h"
+
+#include <QDate>
+#include <QStringList>
+#include <algorithm>
+#include <utility>
+
+#include "control/texts.h"
+
+namespace korvel::control {
+namespace {
+
+using results::ColumnCondition;
+using results::ColumnIndex;
+using results::ShownValue;
+
+const ColumnFilter* onColumn(const FilterCondition& condition, ColumnIndex column) {
+  const auto* filter = std::get_if<ColumnFilter>(&condition);
+  return filter != nullptr && filter->condition.column == column ? filter : nullptr;
+}
+
+bool passesOne(const ColumnCondition& condition, const ShownValue& value) {
+  const auto begins = [&](const std::string& beginning) { return !value.isNull && value.text.starts_with(beginning); };
+  const bool inRange = condition.range && !value.isNull && value.text >= condition.range->from &&
+                       (condition.range->before.empty() || value.text < condition.range->before);
+  const bool named = std::find(condition.values.begin(), condition.values.end(), value) != condition.values.end() ||
+                     std::any_of(condition.beginnings.begin(), condition.beginnings.end(), begins) || inRange;
+  return named != condition.excludes;
+}
+
+QString fromTo(const std::string& from, const std::string& to) {
+  return fromUtf8(from) + QStringLiteral(" \u2013 ") + fromUtf8(to);
+}
+
+/// "2004-03-07 – 2004-03-09" where these are days without a gap; empty otherwise.
+QString daysWithoutGap(const std::vector<std::string>& days) {
+  std::vector<std::string> sorted = days;
+  std::sort(sorted.begin(), sorted.end());
+  const auto dateOf = [](const std::string& day) { return QDate::fromString(fromUtf8(day), Qt::ISODate); };
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    if (!dateOf(sorted[i]).isValid()) return {};
+    if (i > 0 && dateOf(sorted[i - 1]).addDays(1) != dateOf(sorted[i])) return {};
+  }
+  return fromTo(sorted.front(), sorted.back());
+}
+
+ui::Chip chipOfColumn(const ColumnFilter& filter) {
+  const ColumnCondition& condition = filter.condition;
+  QStringList names;
+  for (const ShownValue& value : condition.values) names.append(valueName(value));
+  for (const std::string& beginning : condition.beginnings) names.append(fromUtf8(beginning));
+  ui::Chip chip{.column = fromUtf8(filter.caption)};
+  const QString relation = condition.excludes ? QStringLiteral("\u2260 ") : QStringLiteral("= ");
+  const char* const several = condition.excludes ? "filter.isNoneOf" : "filter.isAnyOf";
+  if (condition.range) {
+    chip.condition = fromTo(condition.range->from, condition.range->before);
+  } else if (names.size() == 1) {
+    chip.condition = relation + names.front();
+  } else {
+    if (!condition.excludes && condition.values.empty()) chip.condition = daysWithoutGap(condition.beginnings);
+    if (chip.condition.isEmpty())
+      chip.condition = ownText(several).arg(countText(static_cast<std::size_t>(names.size())));
+  }
+  constexpr qsizetype namesInTip = 20;
+  chip.toolTip = chip.column + QLatin1Char(' ') + chip.condition;
+  if (names.size() > 1) {
+    chip.toolTip += QLatin1Char('\n') + names.mid(0, namesInTip).join(QLatin1Char('\n'));
+    if (names.size() > namesInTip) chip.toolTip += QStringLiteral("\n\u2026");
+  }
+  return chip;
+}
+
+ui::Chip chipOfText(const TextFilter& filter) {
+  const char* const relation = filter.request.regularExpression ? "filter.matches"
+                               : filter.request.wholeValue      ? "filter.equals"
+                                                                : "filter.contains";
+  ui::Chip chip{.column = ownText("filter.anyColumn"), .condition = ownText(relation).arg(filter.request.text)};
+  chip.toolTip = chip.column + QLatin1Char(' ') + chip.condition;
+  return chip;
+}
+
+}  // namespace
+
+results::RowFilter rowFilter(const std::vector<FilterCondition>& conditions) {
+  results::RowFilter filter;
+  for (const FilterCondition& each : conditions) {
+    if (const auto* column = std::get_if<ColumnFilter>(&each)) filter.columns.push_back(column->condition);
+    if (const auto* text = std::get_if<TextFilter>(&each)) filter.texts.push_back(text->condition);
+  }
+  return filter;
+}
+
+bool fitsColumns(const FilterCondition& condition, const results::ResultList& list) {
+  const auto& columns = list.columns();
+  if (const auto* column = std::get_if<ColumnFilter>(&condition)) {
+    const std::size_t place = column->condition.column.value;
+    return place < columns.size() && columns[place].caption == column->caption;
+  }
+  const auto& searched = std::get<TextFilter>(condition).condition.columns;
+  return std::all_of(searched.begin(), searched.end(), [&](ColumnIndex each) { return each.value < columns.size(); });
+}
+
+bool passes(const std::vector<FilterCondition>& conditions, ColumnIndex column, const ShownValue& value) {
+  return std::all_of(conditions.begin(), conditions.end(), [&](const FilterCondition& each) {
+    const ColumnFilter* filter = onColumn(each, column);
+    return filter == nullptr || passesOne(filter->condition, value);
+  });
+}
+
+void keepOnly(std::vector<FilterCondition>& conditions, const ColumnIndex& column, const std::string& caption,
+              ShownValue value) {
+  std::erase_if(conditions, [&](const FilterCondition& each) { return onColumn(each, column) != nullptr; });
+  conditions.emplace_back(ColumnFilter{{.column = column, .values = {std::move(value)}}, caption});
+}
+
+void leaveOut(std::vector<FilterCondition>& conditions, const ColumnIndex& column, const std::string& caption,
+              ShownValue value) {
+  for (FilterCondition& each : conditions) {
+    auto* filter = std::get_if<ColumnFilter>(&each);
+    if (filter == nullptr || filter->condition.column != column || !filter->condition.excludes) continue;
+    filter->condition.values.push_back(std::move(value));
+    return;
+  }
+  conditions.emplace_back(ColumnFilter{{.column = column, .excludes = true, .values = {std::move(value)}}, caption});
+}
+
+QString valueName(const ShownValue& value) {
+  if (value.isNull) return ownText("filter.nullValue");
+  return value.text.empty() ? ownText("filter.emptyValue") : fromUtf8(value.text);
+}
+
+ui::Chip chipOf(const FilterCondition& condition) {
+  const auto* column = std::get_if<ColumnFilter>(&condition);
+  return column != nullptr ? chipOfColumn(*column) : chipOfText(std::get<TextFilter>(condition));
+}
+
+}  // namespace korvel::control

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QRect>
+#include <vector>
+
+#include "control/result_list_view.h"
+#include "ui/chip_bar.h"
+#include "ui/find_bar.h"
+
+namespace korvel::control {
+
+/// A list with what may stand over and under it: the line of active filters and the bar for finding. Both take their
+/// room from the list while they are shown, so that no row is hidden under them.
+class ListArea final : public QObject {
+ public:
+  /// `history` must outlive the area.
+  ListArea(ResultListView& list, ui::FindHistory& history);
+
+  /// The room of the list while nothing else is shown.
+  void setGeometry(const QRect& place);
+  /// Everything that takes the keyboard, in the order in which Tab goes through it.
+  [[nodiscard]] std::vector<QWidget*> focusOrder() const;
+
+  ResultListView& list;
+  ui::ChipBar* chips;
+  ui::FindBar* find;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void arrange();
+
+  QRect place_;
+};
+
+}  // namespace korvel::control

@@ -1,0 +1,278 @@
+#include "control/list_filters.h"
+
+#include <QHeaderView>
+#include <algorithm>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "base/error.h"
+#include "control/texts.h"
+#include "results/date_text.h"
+
+namespace korvel::control {
+namespace {
+
+using results::ColumnIndex;
+using results::DatePart;
+using results::RowPosition;
+using results::ShownValue;
+
+/// The lines of a list of values, and what they stand for.
+struct Offer {
+  std::vector<ui::ListedValue> lines;
+  std::vector<std::optional<ShownValue>> values;
+
+  int add(ui::ListedValue line, std::optional<ShownValue> value) {
+    lines.push_back(std::move(line));
+    values.push_back(std::move(value));
+    return static_cast<int>(lines.size()) - 1;
+  }
+};
+
+/// Days in groups of years and months, in the order of time; what is no day stands behind them.
+Offer offerOfDays(const std::vector<results::ValueCount>& values, const std::function<bool(const ShownValue&)>& isOn) {
+  std::vector<const results::ValueCount*> sorted;
+  for (const results::ValueCount& each : values) sorted.push_back(&each);
+  std::stable_sort(sorted.begin(), sorted.end(), [](const auto* one, const auto* other) {
+    const bool oneIsDay = !one->value.text.empty();
+    const bool otherIsDay = !other->value.text.empty();
+    return oneIsDay != otherIsDay ? oneIsDay : one->value.text < other->value.text;
+  });
+  Offer offer;
+  std::map<std::string, int> groups;
+  const auto groupOf = [&](const std::string& day, DatePart part, int parent) {
+    const std::string name(results::datePart(day, part));
+    const auto known = groups.find(name);
+    if (known != groups.end()) return known->second;
+    return groups[name] = offer.add({.text = fromUtf8(name), .parent = parent}, std::nullopt);
+  };
+  for (const results::ValueCount* each : sorted) {
+    ui::ListedValue line{.text = valueName(each->value), .count = each->count, .isChecked = isOn(each->value)};
+    if (each->value.text.empty()) {
+      line.isQuiet = true;
+    } else {
+      const int year = groupOf(each->value.text, DatePart::year, -1);
+      line.parent = groupOf(each->value.text, DatePart::month, year);
+      offer.lines[static_cast<std::size_t>(year)].count += each->count;
+      offer.lines[static_cast<std::size_t>(line.parent)].count += each->count;
+    }
+    offer.add(std::move(line), each->value);
+  }
+  return offer;
+}
+
+Offer offerOfValues(const std::vector<results::ValueCount>& values,
+                    const std::function<bool(const ShownValue&)>& isOn) {
+  Offer offer;
+  // The most frequent ones come first; empty and null stand apart, behind them.
+  for (const bool quiet : {false, true}) {
+    for (const results::ValueCount& each : values) {
+      if (each.value.text.empty() != quiet) continue;
+      offer.add({.text = valueName(each.value), .count = each.count, .isQuiet = quiet, .isChecked = isOn(each.value)},
+                each.value);
+    }
+  }
+  return offer;
+}
+
+}  // namespace
+
+ListFilters::ListFilters(ListArea& area, Hooks hooks)
+    : area_(area), hooks_(std::move(hooks)), values_(new ui::ValueList(&area.list)) {
+  ResultListView& view = area_.list;
+  const auto run = [this](std::string_view handler, auto operation) {
+    return [this, handler, operation](auto... arguments) { hooks_.trapped(handler, [&] { operation(arguments...); }); };
+  };
+  connect(&view, &ResultListView::filterRequested, this,
+          run("FilterValues", [this](int column) { showValues(column); }));
+  connect(&view, &ResultListView::onlyRequested, this,
+          run("OnlyThisValue", [this](const QModelIndex& cell) { keepOnlyValue(cell); }));
+  connect(&view, &ResultListView::withoutRequested, this,
+          run("WithoutThisValue", [this](const QModelIndex& cell) { leaveOutValue(cell); }));
+  connect(&view, &ResultListView::unfilterRequested, this, run("ClearFilters", [this] { clear(); }));
+  connect(values_, &ui::ValueList::chosen, this, run("FilterValues", [this] { choose(); }));
+  connect(area_.chips, &ui::ChipBar::clearRequested, this, run("ClearFilters", [this] { clear(); }));
+  connect(area_.chips, &ui::ChipBar::removeRequested, this, run("RemoveFilter", [this](int chip) {
+            std::vector<FilterCondition> left = conditions_;
+            left.erase(left.begin() + chip);
+            apply(std::move(left));
+          }));
+  connect(area_.chips, &ui::ChipBar::changeRequested, this, run("FilterValues", [this](int chip) {
+            const FilterCondition& condition = conditions_.at(static_cast<std::size_t>(chip));
+            if (const auto* column = std::get_if<ColumnFilter>(&condition))
+              showValues(static_cast<int>(column->condition.column.value));
+            else
+              hooks_.find(std::get<TextFilter>(condition).request);
+          }));
+  connect(&view.listModel(), &QAbstractItemModel::modelReset, this, [this] { followRows(); });
+}
+
+std::string ListFilters::captionOf(ColumnIndex column) const {
+  const auto& columns = list().columns();
+  return column.value < columns.size() ? columns[column.value].caption : std::string();
+}
+
+ShownValue ListFilters::valueAt(const QModelIndex& cell) const {
+  const RowPosition row{static_cast<std::size_t>(cell.row())};
+  const ColumnIndex column{static_cast<std::size_t>(cell.column())};
+  const results::RowId record = list().rowId(row);
+  const results::RowStore& store = *list().store();
+  const bool isNull = list().fills(column, store.widthOf(record)) && store.cell(record, column).isNull;
+  return {std::string(list().text(row, column)), isNull};
+}
+
+ui::ValueListContent ListFilters::offer(const QString& search) {
+  std::optional<results::TextMatcher> matcher;
+  if (!search.isEmpty()) matcher.emplace(search.toStdString(), results::TextMatcher::Options{});
+  const results::ColumnValues found = results::columnValues(list(), column_, matcher);
+  const auto isOn = [this](const ShownValue& value) { return passes(conditions_, column_, value); };
+  Offer lines = found.areDates ? offerOfDays(found.values, isOn) : offerOfValues(found.values, isOn);
+  offered_ = std::move(lines.values);
+  areDates_ = found.areDates;
+  return {.values = std::move(lines.lines),
+          .isTree = found.areDates,
+          .moreThan = found.tooMany ? results::mostListedValues : 0};
+}
+
+void ListFilters::showValues(int column) {
+  ResultListView& view = area_.list;
+  if (column < 0 || column >= view.listModel().columnCount() || list().wholeRowCount() == 0) return;
+  column_ = {static_cast<std::size_t>(column)};
+  ui::ValueListContent content = offer({});
+  // A column that is out of sight comes into it.
+  if (const int current = view.currentIndex().row(); current >= 0)
+    view.scrollTo(view.listModel().index(current, column), QAbstractItemView::EnsureVisible);
+  const ui::ResultHeader& header = *view.header();
+  const int left = std::clamp(header.sectionViewportPosition(column), 0, std::max(0, header.viewport()->width() - 1));
+  const QRect section(header.viewport()->mapToGlobal(QPoint(left, 0)),
+                      QSize(header.sectionSize(column), header.viewport()->height()));
+  values_->setTexts([](std::string_view key) { return ownText(key); });
+  values_->open(std::move(content), section, [this](const QString& search) {
+    ui::ValueListContent some;
+    hooks_.trapped("FilterValues", [&] { some = offer(search); });
+    return some;
+  });
+}
+
+void ListFilters::choose() {
+  const std::vector<std::size_t> on = values_->listed(true);
+  const std::vector<std::size_t> off = values_->listed(false);
+  const bool all = off.empty() && !values_->isSearching();
+  const auto onColumn = [this](const FilterCondition& each) {
+    const auto* filter = std::get_if<ColumnFilter>(&each);
+    return filter != nullptr && filter->condition.column == column_ ? filter : nullptr;
+  };
+  const bool collects =
+      values_->wasEmptied() || std::any_of(conditions_.begin(), conditions_.end(), [&](const auto& each) {
+        const ColumnFilter* const filter = onColumn(each);
+        return filter != nullptr && !filter->condition.excludes;
+      });
+  // Where only a few are left out, the condition says which: values that come later pass it.
+  const bool excludes = !values_->isSearching() && !collects && off.size() < on.size();
+  std::vector<FilterCondition> conditions = conditions_;
+  std::erase_if(conditions, onColumn);
+  if (!all) {
+    ColumnFilter filter{{.column = column_, .excludes = excludes}, captionOf(column_)};
+    for (const std::size_t place : excludes ? off : on) {
+      const std::optional<ShownValue>& value = offered_.at(place);
+      if (!value) continue;
+      if (areDates_ && !value->text.empty())
+        filter.condition.beginnings.push_back(value->text);
+      else
+        filter.condition.values.push_back(*value);
+    }
+    conditions.emplace_back(std::move(filter));
+  }
+  apply(std::move(conditions));
+}
+
+void ListFilters::keepOnlyValue(const QModelIndex& cell) {
+  if (!cell.isValid()) return;
+  const ColumnIndex column{static_cast<std::size_t>(cell.column())};
+  std::vector<FilterCondition> conditions = conditions_;
+  keepOnly(conditions, column, captionOf(column), valueAt(cell));
+  apply(std::move(conditions));
+}
+
+void ListFilters::leaveOutValue(const QModelIndex& cell) {
+  if (!cell.isValid()) return;
+  const ColumnIndex column{static_cast<std::size_t>(cell.column())};
+  std::vector<FilterCondition> conditions = conditions_;
+  leaveOut(conditions, column, captionOf(column), valueAt(cell));
+  apply(std::move(conditions));
+}
+
+void ListFilters::keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher) {
+  std::vector<ColumnIndex> columns;
+  for (const int column : area_.list.shownColumns()) columns.push_back({static_cast<std::size_t>(column)});
+  std::vector<FilterCondition> conditions = conditions_;
+  std::erase_if(conditions, [&](const FilterCondition& each) {
+    const auto* text = std::get_if<TextFilter>(&each);
+    return text != nullptr && text->request == request;
+  });
+  conditions.emplace_back(TextFilter{{matcher, std::move(columns)}, request});
+  apply(std::move(conditions));
+}
+
+void ListFilters::clear() {
+  area_.chips->setPinned(false);
+  apply({});
+}
+
+void ListFilters::apply(std::vector<FilterCondition> conditions) {
+  const bool before = std::exchange(applying_, true);
+  try {
+    area_.list.setFilter(rowFilter(conditions));
+  } catch (...) {
+    applying_ = before;
+    throw;
+  }
+  applying_ = before;
+  conditions_ = std::move(conditions);
+  showState();
+}
+
+void ListFilters::followRows() {
+  if (applying_ || conditions_.empty()) return;
+  // A query empties the list before it fills it; more rows of the same answer replace the rows at once.
+  const bool isEmpty = list().wholeRowCount() == 0;
+  if (isEmpty && area_.chips->isPinned()) {
+    showState();
+    return;
+  }
+  if (isEmpty) {
+    conditions_.clear();
+    showState();
+    return;
+  }
+  std::vector<FilterCondition> kept = conditions_;
+  std::erase_if(kept, [this](const FilterCondition& each) { return !fitsColumns(each, list()); });
+  conditions_.clear();
+  hooks_.trapped("FilterValues", [&] { apply(std::move(kept)); });
+  // Where memory runs out the list shows everything, and the chips say so.
+  showState();
+}
+
+void ListFilters::showState() {
+  std::vector<ui::Chip> chips;
+  std::vector<int> columns;
+  for (const FilterCondition& each : conditions_) {
+    chips.push_back(chipOf(each));
+    if (const auto* column = std::get_if<ColumnFilter>(&each))
+      columns.push_back(static_cast<int>(column->condition.column.value));
+  }
+  if (chips.empty()) area_.chips->setPinned(false);
+  area_.chips->setChips(chips);
+  area_.chips->setCount(ownText("filter.shown").arg(countText(list().rowCount()), countText(list().wholeRowCount())));
+  area_.list.header()->setFilteredColumns(columns);
+  hooks_.changed();
+}
+
+void ListFilters::showTexts() {
+  area_.chips->setTexts([](std::string_view key) { return ownText(key); });
+  area_.list.header()->setFilterSigns(true, ownText("filter.sign"));
+  if (!conditions_.empty()) showState();
+}
+
+}  // namespace korvel::control

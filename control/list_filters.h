@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "control/filter_condition.h"
+#include "control/list_area.h"
+#include "results/column_values.h"
+#include "ui/value_list.h"
+
+namespace korvel::control {
+
+/// The filters of one list: what the user has put on it, the chips that say so, and the list of values in which a
+/// column is filtered. A new answer drops them unless they are pinned; more rows of the same answer do not.
+class ListFilters final : public QObject {
+ public:
+  /// What the rest of the control does about filters.
+  struct Hooks {
+    /// Runs what may fail, under the handler's name.
+    std::function<void(std::string_view handler, const std::function<void()>& operation)> trapped;
+    /// Other rows are shown.
+    std::function<void()> changed;
+    /// A condition on a text is to be changed: the bar for finding shows it.
+    std::function<void(const ui::FindRequest& request)> find;
+  };
+  /// `area` must outlive it.
+  ListFilters(ListArea& area, Hooks hooks);
+
+  /// Opens the list of a column's values under its header.
+  void showValues(int column);
+  /// Only rows that show what this cell shows, or those that show something else.
+  void keepOnlyValue(const QModelIndex& cell);
+  void leaveOutValue(const QModelIndex& cell);
+  /// Only rows in which some of the columns that are shown matches.
+  void keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher);
+  void clear();
+
+  [[nodiscard]] const std::vector<FilterCondition>& conditions() const noexcept { return conditions_; }
+  /// Texts in the current language.
+  void showTexts();
+
+ private:
+  [[nodiscard]] const results::ResultList& list() const { return area_.list.listModel().list(); }
+  [[nodiscard]] std::string captionOf(results::ColumnIndex column) const;
+  [[nodiscard]] results::ShownValue valueAt(const QModelIndex& cell) const;
+  /// The values of `column_` for the list of values; with a search only those that contain it.
+  [[nodiscard]] ui::ValueListContent offer(const QString& search);
+  void choose();
+  /// Puts the conditions on the list. The list keeps what it shows where memory runs out.
+  void apply(std::vector<FilterCondition> conditions);
+  /// The list got other rows, or none.
+  void followRows();
+  void showState();
+
+  ListArea& area_;
+  Hooks hooks_;
+  std::vector<FilterCondition> conditions_;
+  ui::ValueList* values_;
+  results::ColumnIndex column_;  ///< whose values are listed
+  /// What the lines of the list of values stand for; nothing for groups.
+  std::vector<std::optional<results::ShownValue>> offered_;
+  bool areDates_ = false;
+  bool applying_ = false;
+};
+
+}  // namespace korvel::control
