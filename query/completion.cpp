@@ -192,9 +192,9 @@ class Completion {
     void endResult() override {}
     bool shouldContinue() override { return !completion_.stop_.stop_requested(); }
 
-    /// Joins what is left. False where fewer than the least number of rows came: none are joined then.
+    /// Joins what is left. False where at no time as many rows came as the least number: none are joined then.
     [[nodiscard]] bool finish() {
-      if (count_ < least_) return false;
+      if (count_ < least_ && !isBegun_) return false;
       join();
       completion_.awaitJoin();
       return true;

@@ -579,6 +579,20 @@ TEST_F(BusyMinute, NamesWhatChangesBeforeItsSelectIsRepeated) {
   EXPECT_EQ(kept.size(), 2U * rows + 1);
 }
 
+TEST_F(BusyMinute, KeepsWhatHasComeOnceWhereFewerRowsAreLeftForTheRepeatedSelect) {
+  inTheMiddleOfASelect([](std::size_t select) {
+    if (select == 1) throw Error(10054, "Connection reset by peer");
+  });
+  server.beforeSelect = [this](std::size_t select) {
+    if (select == 2) test::DatabaseWriter(server.folder_ / "D.db").run("DELETE FROM Korvel_Audit_Trails WHERE Nr > 4");
+  };
+  EXPECT_THAT(run(server, actions, day).incomplete, IsEmpty());
+  const std::vector<int> kept = shown();
+  // One of the row that is gone, which had come before the break; both of one that is still there.
+  EXPECT_EQ(std::count(kept.begin(), kept.end(), 10), 1);
+  EXPECT_EQ(std::count(kept.begin(), kept.end(), 4), 2);
+}
+
 TEST_F(CompleteQuery, NamesEntriesThatChangeMeanwhile) {
   std::vector<AuditEntry> entries;
   for (int i = 0; i < 200; ++i)
