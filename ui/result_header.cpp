@@ -21,6 +21,7 @@ constexpr int signFromEdge = 5;     ///< the handle for resizing keeps its place
 constexpr int captionEnd = 7;       ///< between a caption and the edge where there is no sign
 constexpr int leastSection = 56;    ///< narrower ones have no sign
 constexpr int roomySection = 80;    ///< from this width on captions that are cut anyway make room
+constexpr int arrowWidth = 13;      ///< of the sort arrow with the gap before it
 constexpr int captionMargins = 16;  ///< of a caption in its section
 
 /// A funnel in the middle of `place`; filled where the column is filtered.
@@ -114,7 +115,8 @@ int ResultHeader::signRoom(int column) const {
   if (isFiltered(column) || column == hovered_ || column == pressed_) return room;
   const QString caption =
       model() == nullptr ? QString() : visibleFormats(model()->headerData(column, orientation()).toString());
-  const int needed = QFontMetrics(semiBold(font())).horizontalAdvance(caption) + px(this, captionMargins);
+  const int arrow = isSortIndicatorShown() && sortIndicatorSection() == column ? px(this, arrowWidth) : 0;
+  const int needed = QFontMetrics(semiBold(font())).horizontalAdvance(caption) + px(this, captionMargins) + arrow;
   const int whole = sectionSize(column);
   if (needed + room <= whole) return room;
   return needed > whole && whole >= px(this, roomySection) ? room : 0;

@@ -129,6 +129,12 @@ TEST_F(ListSigns, ANarrowColumnKeepsItsCaptionUntilThePointerIsThere) {
   QHoverEvent over(QEvent::HoverMove, QPointF(10, 5), QPointF(), QPointF(5, 5));
   QApplication::sendEvent(header().viewport(), &over);
   EXPECT_GT(header().signRoom(0), 0);
+  QEvent leave(QEvent::Leave);
+  QApplication::sendEvent(header().viewport(), &leave);
+  table.setColumnWidth(0, caption + 32);
+  EXPECT_GT(header().signRoom(0), 0);
+  header().showSort(0, Qt::AscendingOrder);
+  EXPECT_EQ(header().signRoom(0), 0) << "the arrow has the room";
   table.setColumnWidth(0, 30);
   EXPECT_TRUE(header().signPlace(0).isEmpty()) << "its width is for sorting and resizing";
 }
