@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "query/date_range.h"
 
 namespace korvel::query {
@@ -64,6 +65,19 @@ void setUpAuditColumns(results::ResultList& list) {
   for (const AuditColumn& column : columns)
     headers.push_back({std::string(column.caption), results::standardColumnWidth, 0});
   list.setColumns(std::move(headers));
+}
+
+std::optional<results::ColumnIndex> auditColumnOf(const results::ResultList& list, std::string_view name) {
+  const auto column =
+      std::find_if(columns.begin(), columns.end(), [&](const AuditColumn& each) { return each.name == name; });
+  if (column == columns.end()) return std::nullopt;
+  const auto& headers = list.columns();
+  const auto found = std::find_if(headers.begin(), headers.end(), [&](const results::ColumnHeader& header) {
+    return equalsIgnoringAsciiCase(header.caption, column->name) ||
+           equalsIgnoringAsciiCase(header.caption, column->caption);
+  });
+  if (found == headers.end()) return std::nullopt;
+  return results::ColumnIndex{static_cast<std::size_t>(found - headers.begin())};
 }
 
 std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list) {

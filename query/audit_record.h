@@ -38,6 +38,10 @@ inline constexpr std::array<std::string_view, listCount> pageCaptions = {"ALL Au
 /// Clears the headers of the list and adds the eighteen columns, each 1440 twips wide; rows are not touched.
 void setUpAuditColumns(results::ResultList& list);
 
+/// The column of a list that is called, by its caption or its name, like this column of the audit trail; nothing where
+/// there is none, as in the answer to another query.
+[[nodiscard]] std::optional<results::ColumnIndex> auditColumnOf(const results::ResultList& list, std::string_view name);
+
 /// The last day that a row of an audit trail's list lies on, by its column "DateTime"; nothing where no row tells one.
 /// Throws Error when memory runs out.
 [[nodiscard]] std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list);

@@ -21,20 +21,6 @@ using results::RowId;
 constexpr std::array<std::string_view, 5> identityNames = {"ProjectGUID", "DatabaseName", "TableName", "FieldName",
                                                            "EventItem"};
 
-/// The column of the list that is called like this column of the audit trail.
-std::optional<ColumnIndex> columnNamed(const ResultList& list, std::string_view name) {
-  const auto& known = auditColumns();
-  const auto column =
-      std::find_if(known.begin(), known.end(), [&](const AuditColumn& each) { return each.name == name; });
-  const auto& headers = list.columns();
-  const auto found = std::find_if(headers.begin(), headers.end(), [&](const results::ColumnHeader& header) {
-    return equalsIgnoringAsciiCase(header.caption, column->name) ||
-           equalsIgnoringAsciiCase(header.caption, column->caption);
-  });
-  if (found == headers.end()) return std::nullopt;
-  return ColumnIndex{static_cast<std::size_t>(found - headers.begin())};
-}
-
 /// Entry numbers by their value, other texts behind them.
 bool isEarlierEntry(std::string_view a, std::string_view b) {
   const auto numberA = wholeNumber(a);
@@ -68,14 +54,14 @@ void findUnit(ItemHistory& history) {
 std::optional<ItemColumns> itemColumns(const ResultList& list) {
   ItemColumns columns;
   for (std::size_t i = 0; i < identityNames.size(); ++i) {
-    const auto column = columnNamed(list, identityNames.at(i));
+    const auto column = auditColumnOf(list, identityNames.at(i));
     if (!column) return std::nullopt;
     columns.identity.at(i) = *column;
   }
   for (const auto& [name, column] :
        {std::pair{"Nr", &columns.entryNumber}, std::pair{"DateTime", &columns.time},
         std::pair{"OldValue", &columns.oldValue}, std::pair{"NewValue", &columns.newValue}}) {
-    const auto found = columnNamed(list, name);
+    const auto found = auditColumnOf(list, name);
     if (!found) return std::nullopt;
     *column = *found;
   }
