@@ -40,7 +40,8 @@ ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Su
       surface_(surface),
       answers_(answers),
       findAndFilter_(findAndFilter),
-      menu_(menu) {
+      menu_(menu),
+      itemHistory_(viewer, messages, surface) {
   surface_.SmartPopup->setHooks({.clicked = [this](const CommandItem& item) { SmartPopup_Click(item); }});
   popupItems_.changed = [this] { surface_.SmartPopup->mirror(popupItems_); };
   QObject::connect(surface_.mnupopup, &QMenu::triggered, &viewer_, [this](const QAction* entry) {
@@ -140,12 +141,17 @@ void ListCommands::BuildPopup(const QString& PopupItem) {
   skipFailing([&] { buildPopup(popupItems_, PopupItem.toStdString()); });
 }
 
-void ListCommands::showFontMenu(const ResultListView& list, const QModelIndex& cell, const QPoint& place) {
+void ListCommands::showFontMenu(ResultListView& list, const QModelIndex& cell, const QPoint& place) {
   BuildPopup(QStringLiteral("Font"));
   // The fixed menu has the same entry; it is shown where the other could not be built.
   const bool built = popupItems_.find("FONT") != nullptr;
-  if (built) findAndFilter_.addEntries(*surface_.SmartPopup, list, cell);
+  if (built) addOwnEntries(list, cell);
   (built ? surface_.SmartPopup : surface_.mnupopup)->popup(place);
+}
+
+void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) {
+  findAndFilter_.addEntries(*surface_.SmartPopup, list, cell);
+  if (cell.isValid()) itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
 }
 
 void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {

@@ -6,6 +6,7 @@
 
 #include "control/commands/command_item.h"
 #include "control/forms/record_view.h"
+#include "control/item_history_commands.h"
 #include "control/result_list_view.h"
 
 namespace korvel {
@@ -19,8 +20,8 @@ class FindAndFilter;
 class MessageBoxes;
 class Surface;
 
-/// Commands on the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the window
-/// of one record.
+/// Commands on the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the
+/// windows of one record and of the history of its item.
 class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.
@@ -43,7 +44,9 @@ class ListCommands {
   /// Sizes one column, or all of them, to their contents; the key columns then are as the menu has them.
   void AutoSizeColumns(ResultListView& list, std::optional<int> column = {});
   /// `cell` is what the menu was asked for, if any.
-  void showFontMenu(const ResultListView& list, const QModelIndex& cell, const QPoint& place);
+  void showFontMenu(ResultListView& list, const QModelIndex& cell, const QPoint& place);
+  /// Adds what is not among the given entries.
+  void addOwnEntries(ResultListView& list, const QModelIndex& cell);
   void showColumnMenu(ResultListView& list, const QPoint& place);
   void SmartPopup_Click(const CommandItem& item);
   void mnupopupitem_Click(int index);
@@ -60,6 +63,7 @@ class ListCommands {
   QPointer<ResultListView> popupList_;
   /// Made when a record is looked at for the first time; keeps its size from then on.
   QPointer<RecordView> recordView_;
+  ItemHistoryCommands itemHistory_;
 };
 
 }  // namespace korvel::control
