@@ -99,13 +99,17 @@ void addWhere(CLI::App& command, RowChoice& choice) {
       ->check(readableBy(whereOf, "no condition in the form COLUMN=VALUE or COLUMN!=VALUE"));
 }
 
-void addRowChoice(CLI::App& command, RowChoice& choice) {
+void addFind(CLI::App& command, RowChoice& choice) {
   CLI::Option* find =
       command.add_option("--find", choice.find, "Only rows that have the text in some column")
           ->option_text("TEXT")
           ->check([](const std::string& text) { return std::string(text.empty() ? "the text to find is empty" : ""); });
   command.add_flag("--exact", choice.exactCase, "Capitals and small letters of --find differ")->needs(find);
   command.add_flag("--regex", choice.regex, "The text of --find is a regular expression")->needs(find);
+}
+
+void addRowChoice(CLI::App& command, RowChoice& choice) {
+  addFind(command, choice);
   addWhere(command, choice);
   command
       .add_option_function<std::vector<std::string>>(

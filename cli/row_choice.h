@@ -43,6 +43,8 @@ struct RowChoice {
   [[nodiscard]] bool takesAll() const noexcept { return find.empty() && where.empty(); }
 };
 
+/// Adds --find, --exact and --regex.
+void addFind(CLI::App& command, RowChoice& choice);
 /// Adds --where, which may be repeated.
 void addWhere(CLI::App& command, RowChoice& choice);
 /// Adds --find, --exact, --regex, --where and --count-by. Parsing fills `choice`, which must outlive the command.

@@ -7,6 +7,7 @@
 #include <optional>
 #include <ostream>
 
+#include "cli/chart_command.h"
 #include "cli/common_options.h"
 #include "cli/demo_command.h"
 #include "cli/history_command.h"
@@ -31,6 +32,7 @@ constexpr const char* footer =
     "  korvel-audit query                        show all audits as a table\n"
     "  korvel-audit query --help                 categories, dates, lists, formats\n"
     "  korvel-audit history --item TIC-1901      what happened to one item\n"
+    "  korvel-audit chart --output activity.svg  draw how many records each day has\n"
     "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
     "                                            run a query of your own\n"
     "  korvel-audit servers --all                find servers\n"
@@ -89,6 +91,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* query = addQueryCommand(app, queryOptions);
   HistoryOptions historyOptions;
   const CLI::App* history = addHistoryCommand(app, historyOptions);
+  ChartOptions chartOptions;
+  const CLI::App* chart = addChartCommand(app, chartOptions);
   SqlOptions sqlOptions;
   const CLI::App* sql = addSqlCommand(app, sqlOptions);
   ServerOptions serverOptions;
@@ -115,6 +119,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   if (sql->parsed()) return runOnServer(sqlOptions, *sql, err, [&] { return runSql(sqlOptions, connect, out, err); });
   if (history->parsed())
     return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
+  if (chart->parsed())
+    return runOnServer(chartOptions, *chart, err, [&] { return runChart(chartOptions, connect, out, err); });
   if (demo->parsed()) return runDemo(demoOptions, out, err);
   return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
 }

@@ -46,7 +46,8 @@ class ActivityDrawing {
     top = addLegend(top + gap + metrics_.height()) + gap + metrics_.descent();
     qreal bottom = picture_.size.height() - margin;
     if (const QString foot = footText(); !foot.isEmpty()) {
-      addText({margin, bottom - metrics_.descent()}, TextAnchor::start, foot, colors_.muted);
+      addText({margin, bottom - metrics_.descent()}, TextAnchor::start,
+              metrics_.elidedText(foot, Qt::ElideRight, innerWidth()), colors_.muted);
       bottom -= metrics_.height() + gap / 2;
     }
     const qreal numbers =
@@ -95,7 +96,13 @@ class ActivityDrawing {
     return total;
   }
 
-  void addTitle(qreal base) { addText({margin, base}, TextAnchor::start, words_.title, colors_.text, true); }
+  [[nodiscard]] qreal innerWidth() const { return picture_.size.width() - 2 * margin; }
+  void addTitle(qreal base) {
+    QFont bold = picture_.font;
+    bold.setBold(true);
+    addText({margin, base}, TextAnchor::start,
+            QFontMetricsF(bold).elidedText(words_.title, Qt::ElideRight, innerWidth()), colors_.text, true);
+  }
 
   /// A square and a name for each kind, in as many lines as they need; gives the base of the last line.
   qreal addLegend(qreal base) {
@@ -119,7 +126,8 @@ class ActivityDrawing {
 
   [[nodiscard]] QString footText() const {
     QStringList parts;
-    if (static_cast<qreal>(activity_.bars.size()) > picture_.size.width() - 2 * margin) parts << words_.highest;
+    if (!words_.remark.isEmpty()) parts << words_.remark;
+    if (static_cast<qreal>(activity_.bars.size()) > innerWidth()) parts << words_.highest;
     if (activity_.undated > 0) parts << words_.undated.arg(numberText(activity_.undated));
     return parts.join(QStringLiteral(". "));
   }

@@ -25,11 +25,12 @@ struct ActivityColors {
 /// The words of a picture.
 struct ActivityWords {
   QString title;
-  QString others;   ///< the last kind, where several are counted together
-  QString isNull;   ///< the kind of rows that have none
-  QString isEmpty;  ///< the kind of rows that have an empty one
-  QString undated;  ///< "%1 records without a date are not shown"
-  QString highest;  ///< "Each line is the highest of several bars": there are more bars than dots
+  QString others;    ///< the last kind, where several are counted together
+  QString isNull;    ///< the kind of rows that have none
+  QString isEmpty;   ///< the kind of rows that have an empty one
+  QString undated;   ///< "%1 records without a date are not shown"
+  QString highest;   ///< "Each line is the highest of several bars": there are more bars than dots
+  QString remark{};  ///< what else a reader has to know of the records; stands below
   QLocale locale = QLocale(QLocale::English);
 };
 

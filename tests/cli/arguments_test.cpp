@@ -119,7 +119,7 @@ TEST_F(Arguments, WrongUsageIsRefusedBeforeAnythingIsTried) {
 }
 
 TEST_F(Arguments, WhatIsNotKnownIsNamed) {
-  const std::string commands = "demo, query, history, sql, servers, databases, install-procedure, check";
+  const std::string commands = "demo, query, history, chart, sql, servers, databases, install-procedure, check";
   const auto errorOf = [&](const std::vector<std::string>& arguments) {
     const std::string text = run(arguments).err;
     return text.substr(0, text.find('\n'));
@@ -141,7 +141,7 @@ TEST_F(Arguments, WhatIsNotKnownIsNamed) {
 
 TEST_F(Arguments, EveryCommandsHelpHasTheExitStates) {
   for (const char* command :
-       {"demo", "query", "history", "sql", "servers", "databases", "install-procedure", "check"}) {
+       {"demo", "query", "history", "chart", "sql", "servers", "databases", "install-procedure", "check"}) {
     const std::string help = run({command, "--help"}).out;
     for (const char* state : {"Exit status:", "  0  done", "  1  no records", "  2  wrong usage", "  3  the database",
                               "  4  the output", "  130  stopped"})

@@ -94,12 +94,17 @@ TEST(ActivityPicture, TextsAndBarsStayInsideAndApart) {
   Activity activity = daily(counts);
   for (results::ShownValue& kind : activity.kinds) kind.text.append(60, 'W');
   activity.undated = 3;
+  ActivityWords longWords = words();
+  longWords.title.fill(QLatin1Char('W'), 300);
+  longWords.remark.fill(QLatin1Char('W'), 300);
   for (const QSizeF& size : {QSizeF(1200, 400), QSizeF(500, 300)}) {
-    const Picture picture = drawn(activity, size);
+    const Picture picture = activityPicture(activity, size, longWords, ActivityColors::light(), font());
     const QFontMetricsF metrics(font());
     std::vector<QRectF> areas;
     for (const PictureText& text : picture.texts) {
-      QRectF area(text.place, QSizeF(metrics.horizontalAdvance(text.text), metrics.height()));
+      QFont drawn = font();
+      drawn.setBold(text.isBold);
+      QRectF area(text.place, QSizeF(QFontMetricsF(drawn).horizontalAdvance(text.text), metrics.height()));
       area.translate(0, -metrics.ascent());
       if (text.anchor == TextAnchor::middle) area.translate(-area.width() / 2, 0);
       if (text.anchor == TextAnchor::end) area.translate(-area.width(), 0);
