@@ -71,12 +71,13 @@ class ActivityDrawing {
   [[nodiscard]] QString numberText(std::size_t number) const {
     return words_.locale.toString(static_cast<qulonglong>(number));
   }
+  /// Kinds that lie on each other are far apart in shade.
   [[nodiscard]] QColor shade(std::size_t kind) const {
     constexpr float palest = 0.75F;
     const std::size_t kinds = activity_.kindCount();
-    return kinds < 2
-               ? colors_.bar
-               : mixed(colors_.bar, colors_.ground, palest * static_cast<float>(kind) / static_cast<float>(kinds - 1));
+    if (kinds < 2) return colors_.bar;
+    const std::size_t place = kind / 2 + (kind % 2) * ((kinds + 1) / 2);
+    return mixed(colors_.bar, colors_.ground, palest * static_cast<float>(place) / static_cast<float>(kinds - 1));
   }
   [[nodiscard]] QString kindText(std::size_t kind) const {
     if (kind == activity_.kinds.size()) return words_.others;
