@@ -41,7 +41,8 @@ ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Su
       answers_(answers),
       findAndFilter_(findAndFilter),
       menu_(menu),
-      itemHistory_(viewer, messages, surface) {
+      itemHistory_(viewer, messages, surface),
+      summary_(viewer, messages, surface, answers) {
   surface_.SmartPopup->setHooks({.clicked = [this](const CommandItem& item) { SmartPopup_Click(item); }});
   popupItems_.changed = [this] { surface_.SmartPopup->mirror(popupItems_); };
   QObject::connect(surface_.mnupopup, &QMenu::triggered, &viewer_, [this](const QAction* entry) {
@@ -151,7 +152,9 @@ void ListCommands::showFontMenu(ResultListView& list, const QModelIndex& cell, c
 
 void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) {
   findAndFilter_.addEntries(*surface_.SmartPopup, list, cell);
-  if (cell.isValid()) itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
+  if (!cell.isValid()) return;
+  itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
+  summary_.addEntry(*surface_.SmartPopup, list);
 }
 
 void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {

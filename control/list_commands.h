@@ -8,6 +8,7 @@
 #include "control/forms/record_view.h"
 #include "control/item_history_commands.h"
 #include "control/result_list_view.h"
+#include "control/summary_commands.h"
 
 namespace korvel {
 class AuditViewer;
@@ -21,7 +22,7 @@ class MessageBoxes;
 class Surface;
 
 /// Commands on the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the
-/// windows of one record and of the history of its item.
+/// windows of one record, of the history of its item and of the summary.
 class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.
@@ -64,6 +65,7 @@ class ListCommands {
   /// Made when a record is looked at for the first time; keeps its size from then on.
   QPointer<RecordView> recordView_;
   ItemHistoryCommands itemHistory_;
+  SummaryCommands summary_;
 };
 
 }  // namespace korvel::control

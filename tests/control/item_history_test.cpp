@@ -193,7 +193,8 @@ TEST_F(ItemHistoryView, HasRecordsThatTheFilterHidesAndSaysSo) {
 TEST_F(ItemHistoryView, IsCopiedAsATable) {
   fillGap();
   show(0);
-  QApplication::setActiveWindow(&history);
+  history.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&history));
   QTest::keyClick(table(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_TRUE(QApplication::clipboard()->text().contains("2004-03-09 10:00:00\t4 bar\t5 bar\tDoes not continue from 3"))
       << QApplication::clipboard()->text().toStdString();
@@ -219,7 +220,7 @@ class ItemHistoryCommand : public CommandTest {
 TEST_F(ItemHistoryCommand, KeysAloneOpenItAndLeaveIt) {
   const auto viewer = shownViewer();
   QTableView* view = list(*viewer, 0);
-  QApplication::setActiveWindow(viewer.get());
+  activate(*viewer);
   view->setFocus();
   QTest::keyClick(view, Qt::Key_H, Qt::ControlModifier);
   EXPECT_EQ(shownHistory(*viewer), nullptr) << "there is no record";
@@ -259,7 +260,7 @@ TEST_F(ItemHistoryCommand, AListWithoutItemsSaysWhatItLacks) {
   viewer->TriggerAdvancedQuery("Select a, b");
   QTableView* view = list(*viewer, 5);
   view->setCurrentIndex(view->model()->index(0, 0));
-  QApplication::setActiveWindow(viewer.get());
+  activate(*viewer);
   view->setFocus();
   QTest::keyClick(view, Qt::Key_H, Qt::ControlModifier);
   EXPECT_EQ(shownHistory(*viewer), nullptr);

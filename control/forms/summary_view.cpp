@@ -1,0 +1,248 @@
+#include "control/forms/summary_view.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+
+#include "control/texts.h"
+#include "query/audit_record.h"
+#include "query/query_failure.h"
+#include "ui/buttons.h"
+#include "ui/dialogs.h"
+#include "ui/style/theme.h"
+#include "ui/style/viewer_style.h"
+
+namespace korvel::control {
+namespace {
+
+using results::ColumnIndex;
+using results::DatePart;
+using results::ResultList;
+using results::RowGroup;
+using ui::named;
+
+constexpr int firstWidth = 620;
+constexpr int firstHeight = 560;
+constexpr ColumnIndex countColumn{0};
+
+constexpr std::array<std::pair<DatePart, const char*>, 4> dateParts{{{DatePart::day, "summary.byDay"},
+                                                                     {DatePart::hour, "summary.byHour"},
+                                                                     {DatePart::month, "summary.byMonth"},
+                                                                     {DatePart::year, "summary.byYear"}}};
+
+/// Whether the column's first rows that show something show dates.
+bool hasDates(const ResultList& list, ColumnIndex column) {
+  constexpr std::size_t mostRows = 100;
+  for (std::size_t row = 0; row < std::min(list.rowCount(), mostRows); ++row)
+    if (const std::string_view text = list.text({row}, column); !text.empty()) return results::isDateText(text);
+  return false;
+}
+
+}  // namespace
+
+SummaryView::SummaryView(QWidget* owner) : QDialog(owner) {
+  setObjectName(QStringLiteral("frmSummary"));
+  ui::applyStyle(*this);
+  buildContent();
+  buildFoot();
+  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
+  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
+  resize(size);
+}
+
+void SummaryView::buildContent() {
+  auto* column = ui::styleDialog(*this);
+  auto* choice = new QHBoxLayout;
+  choice->setSpacing(ui::px(this, ui::space::inside));
+  lblFirst_ = new QLabel;
+  lblSecond_ = new QLabel;
+  cmbFirst_ = named(new QComboBox, "cmbFirst");
+  cmbSecond_ = named(new QComboBox, "cmbSecond");
+  for (const auto& [label, box] : {std::pair(lblFirst_, cmbFirst_), std::pair(lblSecond_, cmbSecond_)}) {
+    label->setBuddy(box);
+    choice->addWidget(label);
+    choice->addWidget(box, 1);
+    connect(box, &QComboBox::activated, this, [this] {
+      if (const auto failure = query::failureOf([this] { count(); })) Q_EMIT refused(failureText(*failure));
+    });
+  }
+  table_ = named(new ResultListView(model_), "lvGroups");
+  lblTotal_ = named(new QLabel, "lblTotal");
+  ui::setMuted(*lblTotal_);
+  column->addLayout(choice);
+  column->addWidget(table_, 1);
+  column->addWidget(lblTotal_);
+  const auto sort = [this](int section) {
+    if (const auto failure = query::failureOf([&] { table_->clickHeader(section); }))
+      Q_EMIT refused(failureText(*failure));
+  };
+  connect(table_->header(), &QHeaderView::sectionClicked, this, sort);
+  connect(table_, &ResultListView::sortRequested, this, sort);
+  connect(table_, &ResultListView::refused, this, &SummaryView::refused);
+}
+
+void SummaryView::buildFoot() {
+  btCopy_ = named(new ui::SecondaryButton(ui::IconName::Copy, QString()), "btCopy");
+  btExport_ = named(new ui::SecondaryButton, "btExport");
+  btClose_ = named(new ui::PrimaryButton, "btClose");
+  btClose_->setDefault(true);
+  btCopy_->setAutoDefault(false);
+  btExport_->setAutoDefault(false);
+  connect(btCopy_, &QPushButton::clicked, this, [this] {
+    table_->selectAll();
+    table_->copySelection();
+  });
+  connect(btExport_, &QPushButton::clicked, this, &SummaryView::exportRequested);
+  connect(btClose_, &QPushButton::clicked, this, &QDialog::reject);
+  auto* foot = new QHBoxLayout;
+  foot->setSpacing(ui::px(this, ui::space::inside));
+  foot->addWidget(btCopy_);
+  foot->addWidget(btExport_);
+  foot->addStretch(1);
+  foot->addWidget(btClose_);
+  static_cast<QVBoxLayout*>(layout())->addLayout(foot);
+}
+
+void SummaryView::setTexts() {
+  setWindowTitle(ownText("summary.title"));
+  const auto setText = [](QPushButton& button, const char* text, const char* toolTip) {
+    button.setText(ownText(text));
+    button.setAccessibleName(button.text().remove(QLatin1Char('&')));
+    button.setToolTip(ownText(toolTip).remove(QLatin1Char('&')));
+  };
+  lblFirst_->setText(ownText("summary.by"));
+  lblSecond_->setText(ownText("summary.and"));
+  setText(*btCopy_, "summary.copy", "summary.copyTip");
+  setText(*btExport_, "summary.export", "summary.exportTip");
+  setText(*btClose_, "record.close", "record.close");
+  table_->setAccessibleName(ownText("summary.title"));
+}
+
+void SummaryView::showSummary(ResultListView& list) {
+  if (list.listModel().list().rowCount() == 0) return;
+  follow(list);
+  setTexts();
+  offerColumns();
+  count();
+  cmbFirst_->setFocus();
+  open();
+}
+
+void SummaryView::follow(ResultListView& list) {
+  disconnect(listChange_);
+  list_ = &list;
+  listChange_ = connect(&list.listModel(), &QAbstractItemModel::modelAboutToBeReset, this, [this] {
+    list_ = nullptr;
+    close();
+  });
+}
+
+void SummaryView::offerColumns() {
+  const ResultList& list = list_->listModel().list();
+  const int current = std::max(list_->currentIndex().column(), 0);
+  choices_.clear();
+  cmbFirst_->clear();
+  cmbSecond_->clear();
+  cmbSecond_->addItem(ownText("summary.noColumn"));
+  int first = 0;
+  for (std::size_t i = 0; i < list.columns().size(); ++i) {
+    const QString caption = fromUtf8(list.columns()[i].caption);
+    if (static_cast<int>(i) == current) first = static_cast<int>(choices_.size());
+    if (hasDates(list, {i})) {
+      for (const auto& [part, text] : dateParts) choices_.push_back({ownText(text).arg(caption), {{i}, part}});
+    } else {
+      choices_.push_back({caption, {{i}, DatePart::whole}});
+    }
+  }
+  for (const Choice& each : choices_) {
+    cmbFirst_->addItem(each.caption);
+    cmbSecond_->addItem(each.caption);
+  }
+  cmbFirst_->setCurrentIndex(first);
+}
+
+std::vector<const SummaryView::Choice*> SummaryView::chosen() const {
+  std::vector<const Choice*> keys{&choices_.at(static_cast<std::size_t>(cmbFirst_->currentIndex()))};
+  // The same column twice says nothing more.
+  const int second = cmbSecond_->currentIndex() - 1;
+  if (second >= 0 && second != cmbFirst_->currentIndex())
+    keys.push_back(&choices_.at(static_cast<std::size_t>(second)));
+  return keys;
+}
+
+void SummaryView::count() {
+  if (list_.isNull()) return;
+  const ResultList& list = list_->listModel().list();
+  std::vector<results::GroupKey> keys;
+  captions_.clear();
+  for (const Choice* choice : chosen()) {
+    keys.push_back(choice->key);
+    captions_.push_back(choice->caption);
+  }
+  std::vector<RowGroup> groups = results::groupRows(list, keys);
+  // The count is the first column of the list, which sorts by numbers, and is shown as the last one.
+  std::vector<results::ColumnHeader> headers{{ownText("summary.count").toStdString(), results::standardColumnWidth, 0}};
+  std::vector<db::Field> fields{{headers.front().caption, db::ColumnKind::number}};
+  for (const QString& caption : captions_) {
+    headers.push_back({caption.toStdString(), results::standardColumnWidth, 0});
+    fields.push_back({caption.toStdString(), db::ColumnKind::text});
+  }
+  const auto store = std::make_shared<results::RowStore>();
+  store->beginResult(fields);
+  std::vector<results::RowId> rows;
+  for (const RowGroup& group : groups) {
+    const std::string number = std::to_string(group.count);
+    std::vector<db::Cell> cells{{number, false}};
+    for (const results::ShownValue& value : group.values) cells.push_back({value.text, value.isNull});
+    rows.push_back(store->append(cells));
+  }
+  const std::size_t count = rows.size();
+  {
+    const ResultListModel::RowsChange change(model_);
+    shown_.startOver(std::move(headers));
+    shown_.setRows(store, std::move(rows));
+    shown_.sortBy(countColumn, results::SortOrder::descending);
+    groups_ = std::move(groups);
+  }
+  table_->applyColumnWidths();
+  for (int section = 0; section < model_.columnCount(); ++section) table_->autoSizeColumn(section);
+  table_->header()->moveSection(0, model_.columnCount() - 1);
+  table_->showSortIcon();
+  if (count > 0) table_->goToRow(0);
+  lblTotal_->setText(ownText("summary.total").arg(countText(count), countText(list.rowCount())));
+}
+
+ResultList SummaryView::shownGroups() const {
+  std::vector<results::ColumnHeader> headers;
+  std::vector<db::Field> fields;
+  const auto add = [&](std::string caption, db::ColumnKind kind) {
+    headers.push_back({caption, results::standardColumnWidth, 0});
+    fields.push_back({std::move(caption), kind});
+  };
+  for (const QString& caption : captions_) add(caption.toStdString(), db::ColumnKind::text);
+  add(ownText("summary.count").toStdString(), db::ColumnKind::number);
+  const auto store = std::make_shared<results::RowStore>();
+  store->beginResult(fields);
+  std::vector<results::RowId> rows;
+  for (std::size_t row = 0; row < shown_.rowCount(); ++row) {
+    const RowGroup& group = groups_[shown_.rowId({row}).value];
+    std::vector<db::Cell> cells;
+    for (const results::ShownValue& value : group.values) cells.push_back({value.text, value.isNull});
+    const std::string number = std::to_string(group.count);
+    cells.push_back({number, false});
+    rows.push_back(store->append(cells));
+  }
+  ResultList list(results::RowFilling::whole);
+  list.setColumns(std::move(headers));
+  list.setRows(store, std::move(rows));
+  return list;
+}
+
+}  // namespace korvel::control

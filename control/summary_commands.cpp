@@ -1,0 +1,65 @@
+#include "control/summary_commands.h"
+
+#include <QShortcut>
+#include <filesystem>
+
+#include "base/atomic_file.h"
+#include "control/answer_status.h"
+#include "control/command_menus.h"
+#include "control/message_boxes.h"
+#include "control/surface.h"
+#include "control/texts.h"
+#include "korvel/AuditViewer.h"
+#include "output/list_writers.h"
+
+namespace korvel::control {
+namespace {
+
+const QKeySequence summaryKey(Qt::CTRL | Qt::Key_G);
+const QString fileName = QStringLiteral("Summary.csv");
+
+}  // namespace
+
+SummaryCommands::SummaryCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface,
+                                 AnswerStatus& answers)
+    : viewer_(viewer), messages_(messages), answers_(answers) {
+  for (ResultListView* list : surface.lvListView) {
+    auto* key = new QShortcut(summaryKey, list);
+    key->setContext(Qt::WidgetShortcut);
+    QObject::connect(key, &QShortcut::activated, &viewer_, [this, list] { show(*list); });
+  }
+}
+
+void SummaryCommands::addEntry(CommandPopup& menu, ResultListView& list) {
+  QAction* const entry = menu.addOwnEntry(ownText("summary.command"));
+  entry->setShortcut(summaryKey);
+  // The list has the key, while the menu is closed too.
+  entry->setShortcutContext(Qt::WidgetShortcut);
+  QObject::connect(entry, &QAction::triggered, &viewer_, [this, &list] { show(list); });
+}
+
+void SummaryCommands::show(ResultListView& list) {
+  messages_.trapped("ShowSummary", [&] {
+    if (summaryView_.isNull()) {
+      summaryView_ = new SummaryView(&viewer_);
+      QObject::connect(summaryView_, &SummaryView::refused, &viewer_,
+                       [this](const QString& text) { messages_.inform(messageTitle(), text); });
+      QObject::connect(summaryView_, &SummaryView::exportRequested, &viewer_,
+                       [this] { messages_.trapped("ExportSummary", [this] { exportGroups(); }); });
+    }
+    summaryView_->showSummary(list);
+  });
+}
+
+void SummaryCommands::exportGroups() {
+  const QPointer<AuditViewer> alive(&viewer_);
+  const QString folder = viewer_.GetExportPath(ownText("summary.folder"), 0);
+  if (!alive || folder.isEmpty()) return;
+  const QString file = folder + fileName;
+  AtomicFile target(std::filesystem::path(file.toStdU16String()));
+  output::writeCsv(summaryView_->shownGroups(), [&](std::string_view bytes) { target.write(bytes); });
+  target.commit();
+  answers_.showNotice([file] { return ownText("export.written").arg(file); });
+}
+
+}  // namespace korvel::control

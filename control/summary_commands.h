@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QPointer>
+
+#include "control/forms/summary_view.h"
+
+namespace korvel {
+class AuditViewer;
+}
+
+namespace korvel::control {
+
+class AnswerStatus;
+class CommandPopup;
+class MessageBoxes;
+class Surface;
+
+/// Shows the summary of a list, by Ctrl+G and from the context menu, and writes it as a file.
+class SummaryCommands {
+ public:
+  /// All must outlive the commands.
+  SummaryCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers);
+  SummaryCommands(const SummaryCommands&) = delete;
+  SummaryCommands& operator=(const SummaryCommands&) = delete;
+
+  /// Adds the command to the context menu of the list.
+  void addEntry(CommandPopup& menu, ResultListView& list);
+
+ private:
+  void show(ResultListView& list);
+  void exportGroups();
+
+  AuditViewer& viewer_;
+  const MessageBoxes& messages_;
+  AnswerStatus& answers_;
+  /// Made when a summary is looked at for the first time; keeps its size from then on.
+  QPointer<SummaryView> summaryView_;
+};
+
+}  // namespace korvel::control
