@@ -63,6 +63,11 @@ void FindAndFilter::showTexts() {
   }
 }
 
+void FindAndFilter::keepOnlyGroup(const ResultListView& list, const std::vector<results::ColumnCondition>& group) {
+  const std::size_t place = placeOf(list);
+  if (place < filters_.size()) filters_.at(place)->keepOnlyGroup(group);
+}
+
 std::size_t FindAndFilter::placeOf(const ResultListView& list) const {
   const auto& lists = surface_.lvListView;
   return static_cast<std::size_t>(std::find(lists.begin(), lists.end(), &list) - lists.begin());

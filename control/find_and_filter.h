@@ -36,6 +36,8 @@ class FindAndFilter {
   void showTexts();
   /// Adds what can be done with this cell to the context menu of its list.
   void addEntries(CommandPopup& menu, const ResultListView& list, const QModelIndex& cell);
+  /// Filters a list by a group of its rows.
+  void keepOnlyGroup(const ResultListView& list, const std::vector<results::ColumnCondition>& group);
 
  private:
   void connectKeys();

@@ -42,7 +42,7 @@ ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Su
       findAndFilter_(findAndFilter),
       menu_(menu),
       itemHistory_(viewer, messages, surface),
-      summary_(viewer, messages, surface, answers) {
+      summary_(viewer, messages, surface, answers, findAndFilter) {
   surface_.SmartPopup->setHooks({.clicked = [this](const CommandItem& item) { SmartPopup_Click(item); }});
   popupItems_.changed = [this] { surface_.SmartPopup->mirror(popupItems_); };
   QObject::connect(surface_.mnupopup, &QMenu::triggered, &viewer_, [this](const QAction* entry) {

@@ -203,6 +203,19 @@ void ListFilters::leaveOutValue(const QModelIndex& cell) {
   apply(std::move(conditions));
 }
 
+void ListFilters::keepOnlyGroup(const std::vector<results::ColumnCondition>& group) {
+  std::vector<FilterCondition> conditions = conditions_;
+  for (const results::ColumnCondition& condition : group) {
+    const std::string caption = captionOf(condition.column);
+    // A value replaces what stood on its column, a part of a date goes with it: that may be less than the part.
+    if (condition.beginnings.empty())
+      keepOnly(conditions, condition.column, caption, condition.values.front());
+    else
+      conditions.emplace_back(ColumnFilter{condition, caption});
+  }
+  apply(std::move(conditions));
+}
+
 void ListFilters::keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher) {
   std::vector<ColumnIndex> columns;
   for (const int column : area_.list.shownColumns()) columns.push_back({static_cast<std::size_t>(column)});

@@ -33,6 +33,8 @@ class ListFilters final : public QObject {
   /// Only rows that show what this cell shows, or those that show something else.
   void keepOnlyValue(const QModelIndex& cell);
   void leaveOutValue(const QModelIndex& cell);
+  /// Only rows of a group, each column of which has one value or one beginning.
+  void keepOnlyGroup(const std::vector<results::ColumnCondition>& group);
   /// Only rows in which some of the columns that are shown matches.
   void keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher);
   void clear();

@@ -6,6 +6,7 @@
 #include "base/atomic_file.h"
 #include "control/answer_status.h"
 #include "control/command_menus.h"
+#include "control/find_and_filter.h"
 #include "control/message_boxes.h"
 #include "control/surface.h"
 #include "control/texts.h"
@@ -21,8 +22,8 @@ const QString fileName = QStringLiteral("Summary.csv");
 }  // namespace
 
 SummaryCommands::SummaryCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface,
-                                 AnswerStatus& answers)
-    : viewer_(viewer), messages_(messages), answers_(answers) {
+                                 AnswerStatus& answers, FindAndFilter& findAndFilter)
+    : viewer_(viewer), messages_(messages), answers_(answers), findAndFilter_(findAndFilter) {
   for (ResultListView* list : surface.lvListView) {
     auto* key = new QShortcut(summaryKey, list);
     key->setContext(Qt::WidgetShortcut);
@@ -44,6 +45,11 @@ void SummaryCommands::show(ResultListView& list) {
       summaryView_ = new SummaryView(&viewer_);
       QObject::connect(summaryView_, &SummaryView::refused, &viewer_,
                        [this](const QString& text) { messages_.inform(messageTitle(), text); });
+      QObject::connect(summaryView_, &SummaryView::groupRequested, &viewer_,
+                       [this](ResultListView* rows, const std::vector<results::ColumnCondition>& group) {
+                         messages_.trapped("FilterByGroup", [&] { findAndFilter_.keepOnlyGroup(*rows, group); });
+                         rows->setFocus();
+                       });
       QObject::connect(summaryView_, &SummaryView::exportRequested, &viewer_,
                        [this] { messages_.trapped("ExportSummary", [this] { exportGroups(); }); });
     }

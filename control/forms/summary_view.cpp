@@ -45,6 +45,23 @@ bool hasDates(const ResultList& list, ColumnIndex column) {
   return false;
 }
 
+/// What the rows of a group show in one of its columns.
+results::ColumnCondition conditionOf(const results::GroupKey& key, const results::ShownValue& value) {
+  results::ColumnCondition condition{.column = key.column};
+  // What is no date is a group by its whole text, whatever part of dates is grouped by.
+  constexpr std::string_view restOfDay = "-01-01";
+  constexpr auto dayLength = static_cast<std::size_t>(DatePart::day);
+  const std::size_t length = value.text.size();
+  const bool isPart =
+      key.part != DatePart::whole && !value.isNull && length == static_cast<std::size_t>(key.part) &&
+      results::isDateText(value.text + std::string(length < dayLength ? restOfDay.substr(length == 4 ? 0 : 3) : ""));
+  if (isPart)
+    condition.beginnings.push_back(value.text);
+  else
+    condition.values.push_back(value);
+  return condition;
+}
+
 }  // namespace
 
 SummaryView::SummaryView(QWidget* owner) : QDialog(owner) {
@@ -85,6 +102,7 @@ void SummaryView::buildContent() {
   };
   connect(table_->header(), &QHeaderView::sectionClicked, this, sort);
   connect(table_, &ResultListView::sortRequested, this, sort);
+  connect(table_, &ResultListView::recordRequested, this, [this](int row) { requestGroup(row); });
   connect(table_, &ResultListView::refused, this, &SummaryView::refused);
 }
 
@@ -210,6 +228,7 @@ void SummaryView::count() {
     shown_.setRows(store, std::move(rows));
     shown_.sortBy(countColumn, results::SortOrder::descending);
     groups_ = std::move(groups);
+    keys_ = std::move(keys);
   }
   table_->applyColumnWidths();
   for (int section = 0; section < model_.columnCount(); ++section) table_->autoSizeColumn(section);
@@ -217,6 +236,16 @@ void SummaryView::count() {
   table_->showSortIcon();
   if (count > 0) table_->goToRow(0);
   lblTotal_->setText(ownText("summary.total").arg(countText(count), countText(list.rowCount())));
+}
+
+void SummaryView::requestGroup(int row) {
+  if (list_.isNull() || row < 0 || static_cast<std::size_t>(row) >= shown_.rowCount()) return;
+  const RowGroup& group = groups_[shown_.rowId({static_cast<std::size_t>(row)}).value];
+  std::vector<results::ColumnCondition> conditions;
+  for (std::size_t i = 0; i < keys_.size(); ++i) conditions.push_back(conditionOf(keys_[i], group.values[i]));
+  ResultListView* const list = list_;
+  accept();
+  Q_EMIT groupRequested(list, conditions);
 }
 
 ResultList SummaryView::shownGroups() const {

@@ -30,6 +30,8 @@ class SummaryView final : public QDialog {
   [[nodiscard]] ResultListView& table() const { return *table_; }
 
  Q_SIGNALS:
+  /// The rows of this group are wanted: those that meet all of these conditions.
+  void groupRequested(ResultListView* list, const std::vector<results::ColumnCondition>& group);
   /// The groups are wanted as a file.
   void exportRequested();
   /// Counting failed, or a command was refused; `text` says why.
@@ -48,12 +50,14 @@ class SummaryView final : public QDialog {
   void follow(ResultListView& list);
   void offerColumns();
   void count();
+  void requestGroup(int row);
   [[nodiscard]] std::vector<const Choice*> chosen() const;
 
   QPointer<ResultListView> list_;
   QMetaObject::Connection listChange_;
   std::vector<Choice> choices_;
-  std::vector<QString> captions_;  ///< of the columns that are shown, without the count
+  std::vector<results::GroupKey> keys_;  ///< of the groups that are shown
+  std::vector<QString> captions_;        ///< of the columns that are shown, without the count
   std::vector<results::RowGroup> groups_;
   results::ResultList shown_{results::RowFilling::whole};
   ResultListModel model_{shown_};

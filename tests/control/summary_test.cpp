@@ -31,6 +31,15 @@ using results::RowFilling;
 using results::test::Row;
 using results::test::Value;
 
+/// Chooses by keyboard: the first entry that begins so.
+void chooseEntry(QComboBox* box, const QString& beginning) {
+  box->setFocus();
+  QTest::keyClick(box, Qt::Key_Home);
+  for (int i = 0; i < box->count() && !box->currentText().startsWith(beginning); ++i)
+    QTest::keyClick(box, Qt::Key_Down);
+  ASSERT_TRUE(box->currentText().startsWith(beginning)) << box->currentText().toStdString();
+}
+
 /// The list of an audit trail, and its summary.
 class Summary : public ::testing::Test {
  protected:
@@ -75,15 +84,6 @@ class Summary : public ::testing::Test {
     return rows.join(QLatin1Char('|'));
   }
   QComboBox* box(const char* name) const { return summary.findChild<QComboBox*>(QLatin1String(name)); }
-  /// Chooses by keyboard: the first entry that begins so.
-  static void choose(QComboBox* box, const QString& beginning) {
-    box->setFocus();
-    QTest::keyClick(box, Qt::Key_Home);
-    for (int i = 0; i < box->count() && !box->currentText().startsWith(beginning); ++i)
-      QTest::keyClick(box, Qt::Key_Down);
-    ASSERT_TRUE(box->currentText().startsWith(beginning)) << box->currentText().toStdString();
-  }
-
   ResultList list{RowFilling::standard};
   ResultListModel model{list};
   ResultListView view{model};
@@ -101,16 +101,16 @@ TEST_F(Summary, CountsTheValuesOfTheCurrentColumn) {
 
 TEST_F(Summary, CountsTwoColumnsAndPartsOfDatesByKeysAlone) {
   show(eventColumn);
-  choose(box("cmbSecond"), "User Name");
+  chooseEntry(box("cmbSecond"), "User Name");
   EXPECT_EQ(shown(), "UPDATE Luca Rossi 10|DELETE  1|INSERT  1|INSERT Luca Rossi 1");
-  choose(box("cmbFirst"), "Date Time by month");
-  choose(box("cmbSecond"), "Event");
+  chooseEntry(box("cmbFirst"), "Date Time by month");
+  chooseEntry(box("cmbSecond"), "Event");
   EXPECT_EQ(shown(), "2004-03 UPDATE 10|2004-03 INSERT 1|2004-04 DELETE 1|2004-04 INSERT 1");
   // A column with itself is one column.
-  choose(box("cmbFirst"), "Event");
+  chooseEntry(box("cmbFirst"), "Event");
   EXPECT_EQ(shown(), "UPDATE 10|INSERT 2|DELETE 1");
-  choose(box("cmbFirst"), "Date Time by year");
-  choose(box("cmbSecond"), "-");
+  chooseEntry(box("cmbFirst"), "Date Time by year");
+  chooseEntry(box("cmbSecond"), "-");
   EXPECT_EQ(shown(), "2004 13");
 }
 
@@ -173,6 +173,35 @@ TEST_F(SummaryCommand, KeysAloneOpenItAndWriteItAsCsv) {
   EXPECT_TRUE(statusPanel(*viewer).contains("Summary.csv")) << statusPanel(*viewer).toStdString();
   QTest::keyClick(summary, Qt::Key_Escape);
   EXPECT_FALSE(summary->isVisible());
+}
+
+TEST_F(SummaryCommand, EnterOnAGroupFiltersTheList) {
+  const auto viewer = shownViewer();
+  server.resultSets = {{record("10", "CS", "Tags"), record("7", "RT", "Tags"), record("8", "RT", "Users")}};
+  server.resultSets[0][0][1] = "2004-03-07 10:00:00";
+  server.resultSets[0][1][1] = "2004-04-07 10:00:00";
+  server.resultSets[0][2][1] = "2004-03-09 10:00:00";
+  click(*viewer, "btQuery");
+  QTableView* view = list(*viewer, 0);
+  const auto enterOn = [&](int column, const QString& group) {
+    activate(*viewer);
+    view->setFocus();
+    view->setCurrentIndex(view->model()->index(0, column));
+    QTest::keyClick(view, Qt::Key_G, Qt::ControlModifier);
+    auto* summary = viewer->findChild<SummaryView*>();
+    ASSERT_TRUE(summary != nullptr && summary->isVisible());
+    if (column == 1) chooseEntry(summary->findChild<QComboBox*>("cmbFirst"), "Date Time by month");
+    QTableView& groups = summary->table();
+    for (int row = 0; row < groups.model()->rowCount(); ++row)
+      if (groups.model()->index(row, 1).data().toString() == group)
+        groups.setCurrentIndex(groups.model()->index(row, 1));
+    QTest::keyClick(&groups, Qt::Key_Return);
+    EXPECT_FALSE(summary->isVisible());
+  };
+  enterOn(5, "Tags");
+  EXPECT_EQ(column(*viewer, 0), "7 10");
+  enterOn(1, "2004-03");
+  EXPECT_EQ(column(*viewer, 0), "10");
 }
 
 }  // namespace
