@@ -148,7 +148,8 @@ TEST_F(Filtering, ByTheContextMenuBelowItsOwnEntry) {
   ASSERT_TRUE(menu->isVisible());
   QStringList texts;
   for (const QAction* entry : menu->actions()) texts.append(entry->isSeparator() ? "-" : entry->text());
-  EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Only this value", "Without this value", "Filter...", "Find..."));
+  EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Only this value", "Without this value", "Filter...", "Find...",
+                                 "Show history of this item", "Summary of the list"));
   QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[2]).center());
   EXPECT_EQ(chips(*viewer), "Area = Alarm");
   EXPECT_EQ(column(*viewer, 0), "3 4");
