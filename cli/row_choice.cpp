@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -12,7 +13,6 @@
 #include "cli/messages.h"
 #include "cli/standard_question.h"
 #include "query/audit_record.h"
-#include "results/patterns/regex_matcher.h"
 #include "results/row_groups.h"
 
 namespace korvel::cli {
@@ -129,7 +129,7 @@ void addCountFormat(CLI::App& command, const RowChoice& choice, const OutputForm
   });
 }
 
-std::variant<RowFilter, std::string> filterOf(const RowChoice& choice, const ResultList& list) {
+std::variant<RowFilter, std::string> filterOf(const RowChoice& choice, const ResultList& list, results::GaveUp gaveUp) {
   RowFilter filter;
   for (const WhereText& where : choice.where) {
     const auto column = columnIn(list, where.column);
@@ -150,7 +150,7 @@ std::variant<RowFilter, std::string> filterOf(const RowChoice& choice, const Res
     filter.texts.push_back({results::TextMatcher(choice.find, options), columns});
     return filter;
   }
-  auto made = results::regexMatcher(choice.find, options);
+  auto made = results::regexMatcher(choice.find, options, std::move(gaveUp));
   if (const auto* problem = std::get_if<results::PatternProblem>(&made))
     return "'" + choice.find + "' is no regular expression: " + problem->text + " at character " +
            std::to_string(problem->offset + 1);
@@ -206,8 +206,10 @@ std::optional<int> applyRowChoice(const RowChoice& choice, ResultList& list, std
   if (const auto problem = choiceProblem(choice, list)) return refused(err, *problem);
   const std::size_t all = list.rowCount();
   if (!choice.takesAll()) {
-    keepPassingRows(list, std::get<RowFilter>(filterOf(choice, list)));
-    const std::string said = groupedNumber(list.rowCount()) + " of " + groupedNumber(all) + " records chosen";
+    const auto gaveUp = std::make_shared<std::atomic<bool>>(false);
+    keepPassingRows(list, std::get<RowFilter>(filterOf(choice, list, gaveUp)));
+    std::string said = groupedNumber(list.rowCount()) + " of " + groupedNumber(all) + " records chosen";
+    if (*gaveUp) said += "; some values are too much for this regular expression and count as not matching";
     say(err, said);
     remark.append(remark.empty() ? "" : ". ").append(said);
     if (list.rowCount() == 0) return exitNoRecords;

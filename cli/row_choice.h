@@ -9,6 +9,7 @@
 
 #include "cli/output_formats.h"
 #include "results/date_text.h"
+#include "results/patterns/regex_matcher.h"
 #include "results/result_list.h"
 #include "results/row_filter.h"
 
@@ -57,9 +58,11 @@ void addCountFormat(CLI::App& command, const RowChoice& choice, const OutputForm
 [[nodiscard]] std::optional<std::string> choiceProblem(const RowChoice& choice, const results::ResultList& list);
 
 /// What the rows of a choice must be like; or why it cannot be said. Values of one column are alternatives, different
-/// columns are all to be met; an empty value is null as well.
+/// columns are all to be met; an empty value is null as well. `gaveUp` is set when a value turns out to be too much for
+/// the regular expression.
 [[nodiscard]] std::variant<results::RowFilter, std::string> filterOf(const RowChoice& choice,
-                                                                     const results::ResultList& list);
+                                                                     const results::ResultList& list,
+                                                                     results::GaveUp gaveUp = {});
 
 /// Leaves in `list` the rows that pass, judged by all columns of the records, also those that the list shows empty.
 /// Throws Error when memory runs out.

@@ -81,6 +81,7 @@ std::optional<results::ColumnIndex> auditColumnOf(const results::ResultList& lis
 }
 
 std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list) {
+  if (list.isFiltered()) return newestDay(list.unfiltered());
   const auto column =
       std::find_if(columns.begin(), columns.end(), [](const AuditColumn& each) { return each.name == dateColumn; });
   std::optional<std::chrono::year_month_day> newest;

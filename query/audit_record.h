@@ -43,6 +43,7 @@ void setUpAuditColumns(results::ResultList& list);
 [[nodiscard]] std::optional<results::ColumnIndex> auditColumnOf(const results::ResultList& list, std::string_view name);
 
 /// The last day that a row of an audit trail's list lies on, by its column "DateTime"; nothing where no row tells one.
+/// Rows that a filter hides count.
 /// Throws Error when memory runs out.
 [[nodiscard]] std::optional<std::chrono::year_month_day> newestDay(const results::ResultList& list);
 

@@ -126,6 +126,17 @@ TEST_F(ChosenSqlRows, AreThoseOfTheAnswer) {
   EXPECT_EQ(run({"select", "--where", "3=", "--format", "csv"}).out, "Nr,Text,Text\r\n10,\" a,b \",\r\n");
 }
 
+TEST_F(ChosenSqlRows, AValueThatIsTooMuchForAnExpressionIsTold) {
+  server.answer[0].rows[1][1] = std::string(200, 'a') + "!x";
+  const ToolRun tool = run({"select", "--find", "^(a+)+$|a,b", "--regex", "--format", "csv"});
+  EXPECT_EQ(tool.status, exitDone);
+  EXPECT_EQ(
+      tool.err,
+      "korvel-audit: 1 of 2 records chosen; some values are too much for this regular expression and count as not "
+      "matching\n");
+  EXPECT_EQ(run({"select", "--find", "a,b", "--regex"}).err, "korvel-audit: 1 of 2 records chosen\n");
+}
+
 TEST_F(ChosenSqlRows, NothingLeftAndUnknownColumnsWriteNothing) {
   EXPECT_EQ(run({"select", "--where", "Nr=8", "--output", file("a")}).status, exitNoRecords);
   EXPECT_EQ(run({"select", "--where", "Event=8", "--output", file("a")}).status, exitWrongUsage);

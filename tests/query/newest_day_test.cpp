@@ -15,7 +15,8 @@ using namespace std::chrono_literals;
 using std::chrono::year_month_day;
 
 /// The newest day of a standard list with these dates, of which it shows the rows from `first` on.
-std::optional<year_month_day> newest(const std::vector<std::string>& dates, std::size_t first = 0) {
+std::optional<year_month_day> newest(const std::vector<std::string>& dates, std::size_t first = 0,
+                                     const results::RowFilter& filter = {}) {
   results::ResultList list(results::RowFilling::standard);
   setUpAuditColumns(list);
   auto store = std::make_shared<results::RowStore>();
@@ -33,6 +34,7 @@ std::optional<year_month_day> newest(const std::vector<std::string>& dates, std:
   }
   rows.erase(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(first));
   list.setRows(store, rows);
+  list.setFilter(filter);
   return newestDay(list);
 }
 
@@ -45,6 +47,12 @@ TEST(NewestDay, IsTheLastDateOfTheRowsWhateverTheirOrder) {
 
 TEST(NewestDay, RowsOfOtherListsDoNotCount) {
   EXPECT_EQ(newest({"2005-01-01 00:00:00.000", "2004-03-07 00:00:00.000"}, 1), (year_month_day{2004y / 3 / 7}));
+}
+
+TEST(NewestDay, RowsThatAFilterHidesCount) {
+  EXPECT_EQ(newest({"2005-01-01 00:00:00.000", "2004-03-07 00:00:00.000"}, 0,
+                   {{{.column = {1}, .beginnings = {"2004"}}}, {}}),
+            (year_month_day{2005y / 1 / 1}));
 }
 
 TEST(NewestDay, TextsThatAreNoDateAreNone) {
