@@ -120,16 +120,16 @@ Activity activityOf(const results::ResultList& list, results::ColumnIndex time, 
     }
     if (groups.empty()) return activity;
 
-    const auto [first, last] = std::minmax_element(
-        groups.begin(), groups.end(), [](const DatedGroup& a, const DatedGroup& b) { return a.time < b.time; });
+    const auto ends = std::minmax_element(groups.begin(), groups.end(),
+                                          [](const DatedGroup& a, const DatedGroup& b) { return a.time < b.time; });
     const auto barCount = [&] {
-      return periodsBetween(periodOf(first->time, activity.step), periodOf(last->time, activity.step), activity.step) +
-             1;
+      return 1 + periodsBetween(periodOf(ends.first->time, activity.step), periodOf(ends.second->time, activity.step),
+                                activity.step);
     };
     while (activity.step != ActivityStep::month && barCount() > mostBars)
       activity.step = static_cast<ActivityStep>(static_cast<int>(activity.step) + 1);
     activity.bars.reserve(barCount());
-    ActivityHour begin = periodOf(first->time, activity.step);
+    ActivityHour begin = periodOf(ends.first->time, activity.step);
     const ActivityHour firstBegin = begin;
     for (std::size_t left = barCount(); left > 0; --left, begin = nextPeriod(begin, activity.step))
       activity.bars.push_back({begin, std::vector<std::size_t>(activity.kindCount(), 0)});
