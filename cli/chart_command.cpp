@@ -169,11 +169,11 @@ int runChart(const ChartOptions& options, const query::Connector& connect, std::
         status = answer.status;
         if (!answer.hasRows) throw NothingToWrite{};
         if (const auto ended = applyRowChoice(options.choice, list, answer.remark, err)) {
-          status = *ended;
+          status = endedBecause(*ended, answer.status);
           throw NothingToWrite{};
         }
-        status = exitNoRecords;
-        writePicture(options, list, answer.remark, untilInterrupted(sink), err);
+        status = endedBecause(exitNoRecords, answer.status);
+        writePicture(options, wholeRecords(list), answer.remark, untilInterrupted(sink), err);
         status = answer.status;
       });
     } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already

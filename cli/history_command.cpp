@@ -21,14 +21,14 @@ namespace korvel::cli {
 
 namespace {
 
-using results::ColumnIndex;
 using results::ResultList;
 
 constexpr const char* footer =
     "All records of the items with this item id, whatever the procedure's limit is (see query\n"
     "--complete): item by item, and in the order of time. An item is what agrees in project,\n"
     "database, area, item and item id. \"Continues\" is \"no\" where the old value is not the new one\n"
-    "of the record before: something has happened that these records do not show.\n"
+    "of the record before: something has happened that these records do not show. --where chooses\n"
+    "among the records without making gaps; --from, --to and --category limit what is known.\n"
     "\n"
     "Examples:\n"
     "  korvel-audit history --item TIC-1901\n"
@@ -71,6 +71,13 @@ ResultList historyList(const ResultList& list, const std::vector<query::ItemHist
   return made;
 }
 
+/// Leaves the changes whose records pass.
+void keepChosen(std::vector<query::ItemHistory>& histories, const std::vector<std::uint8_t>& passing) {
+  for (query::ItemHistory& history : histories)
+    std::erase_if(history.changes, [&](const query::ItemChange& change) { return passing[change.record.value] == 0; });
+  std::erase_if(histories, [](const query::ItemHistory& history) { return history.changes.empty(); });
+}
+
 }  // namespace
 
 CLI::App* addHistoryCommand(CLI::App& app, HistoryOptions& options) {
@@ -93,10 +100,10 @@ int runHistory(const HistoryOptions& options, const query::Connector& connect, s
   const Interruption interruption;
   query::ResultLists lists = query::makeResultLists();
   ResultList& list = lists[options.list];
-  RowChoice choice = options.choice;
-  choice.where.push_back({"Item ID", false, options.item});
-  if (!options.area.empty()) choice.where.push_back({"Area", false, options.area});
-  const auto filter = filterOf(choice, list);
+  RowChoice item;
+  item.where.push_back({"Item ID", false, options.item});
+  if (!options.area.empty()) item.where.push_back({"Area", false, options.area});
+  const auto filter = filterOf(options.choice, list);
   if (const auto* problem = std::get_if<std::string>(&filter)) return refused(err, *problem);
 
   int status = exitDone;
@@ -107,14 +114,18 @@ int runHistory(const HistoryOptions& options, const query::Connector& connect, s
         const Answered answer = askQuestion(options, connect, lists, err);
         status = answer.status;
         if (!answer.hasRows) throw NothingToWrite{};
-        keepPassingRows(list, std::get<results::RowFilter>(filter));
-        const auto histories = query::itemHistories(list, query::itemColumns(list).value(), {});
+        keepPassingRows(list, std::get<results::RowFilter>(filterOf(item, list)));
+        // What continues is said of all records of an item, and chosen afterwards: a choice makes no gaps.
+        auto histories = query::itemHistories(list, query::itemColumns(list).value(), {});
+        keepChosen(histories, results::passingRecords(wholeRecords(list), std::get<results::RowFilter>(filter)));
         if (histories.empty()) {
           say(err, "no record of the item '" + options.item + "'; nothing was written");
-          status = exitNoRecords;
+          status = endedBecause(exitNoRecords, answer.status);
           throw NothingToWrite{};
         }
-        std::string remark = groupedNumber(list.rowCount()) + (list.rowCount() == 1 ? " record of " : " records of ") +
+        std::size_t count = 0;
+        for (const query::ItemHistory& history : histories) count += history.changes.size();
+        std::string remark = groupedNumber(count) + (count == 1 ? " record of " : " records of ") +
                              groupedNumber(histories.size()) + (histories.size() == 1 ? " item" : " items");
         if (!options.quiet) say(err, remark);
         if (!answer.remark.empty()) remark.append(". ").append(answer.remark);

@@ -29,7 +29,7 @@ inline constexpr const char* exitStatusHelp =
     "  2  wrong usage; nothing was tried\n"
     "  3  the database failed; number and text on standard error\n"
     "  4  the output could not be written\n"
-    "  5  written, but query --complete could not complete it; what is missing on standard error\n"
+    "  5  the answer could not be completed; what is missing on standard error\n"
     "  130  stopped by Ctrl+C; no file was written\n";
 
 /// One line on standard error. Parts of it may come from a server or a file name, so it cannot drive the terminal.

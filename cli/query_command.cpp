@@ -128,7 +128,7 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
         // Leaves a file as it was.
         if (!answer.hasRows) throw NothingToWrite{};
         if (const auto ended = applyRowChoice(options.choice, lists[options.list], answer.remark, err)) {
-          status = *ended;
+          status = endedBecause(*ended, answer.status);
           throw NothingToWrite{};
         }
         writeList(options, lists[options.list], untilInterrupted(sink), answer.remark, err);

@@ -76,7 +76,8 @@ std::string noColumnText(const ResultList& list, std::string_view name) {
   return "'" + std::string(name) + "' is no column of the answer; there are " + known;
 }
 
-/// The records behind a list's rows, with all of their columns shown.
+}  // namespace
+
 ResultList wholeRecords(const ResultList& list) {
   ResultList whole(RowFilling::whole);
   whole.setColumns(list.columns());
@@ -84,8 +85,6 @@ ResultList wholeRecords(const ResultList& list) {
   whole.setRows(list.sharedStore(), {list.wholeRows().begin(), list.wholeRows().end()});
   return whole;
 }
-
-}  // namespace
 
 void addWhere(CLI::App& command, RowChoice& choice) {
   command
@@ -96,6 +95,7 @@ void addWhere(CLI::App& command, RowChoice& choice) {
           },
           "Only rows with this value, or with != those\nwithout it; may be repeated")
       ->option_text("COLUMN=VALUE")
+      ->allow_extra_args(false)
       ->check(readableBy(whereOf, "no condition in the form COLUMN=VALUE or COLUMN!=VALUE"));
 }
 
@@ -120,6 +120,7 @@ void addRowChoice(CLI::App& command, RowChoice& choice) {
           "Write how many rows have each value of one or\nmore columns, as csv unless --format says\notherwise; dates "
           "by part: \"Date Time:day\",\n:hour, :month, :year")
       ->option_text("COLUMN[,COLUMN]")
+      ->allow_extra_args(false)
       ->delimiter(',');
 }
 
@@ -196,6 +197,7 @@ ResultList countedRows(const ResultList& list, const std::vector<CountText>& cou
   }
   ResultList counted(RowFilling::whole);
   std::vector<results::ColumnHeader> headers;
+  headers.reserve(fields.size());
   for (const db::Field& field : fields) headers.push_back({field.name, results::standardColumnWidth, 0});
   counted.setColumns(std::move(headers));
   counted.setRows(store, std::move(rows));

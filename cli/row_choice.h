@@ -64,6 +64,9 @@ void addCountFormat(CLI::App& command, const RowChoice& choice, const OutputForm
                                                                      const results::ResultList& list,
                                                                      results::GaveUp gaveUp = {});
 
+/// The records behind a list's rows, with all of their columns shown. Throws Error when memory runs out.
+[[nodiscard]] results::ResultList wholeRecords(const results::ResultList& list);
+
 /// Leaves in `list` the rows that pass, judged by all columns of the records, also those that the list shows empty.
 /// Throws Error when memory runs out.
 void keepPassingRows(results::ResultList& list, const results::RowFilter& filter);

@@ -200,6 +200,10 @@ std::optional<std::string> questionProblem(const StandardQuestion& question) {
   return std::nullopt;
 }
 
+int endedBecause(int status, int statusOfAnswer) noexcept {
+  return status == exitNoRecords && statusOfAnswer == exitIncomplete ? exitIncomplete : status;
+}
+
 std::string groupedNumber(std::size_t number) {
   std::string text = std::to_string(number);
   for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");

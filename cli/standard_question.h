@@ -54,6 +54,9 @@ struct Answered {
 [[nodiscard]] Answered askQuestion(const StandardQuestion& question, const query::Connector& connect,
                                    query::ResultLists& lists, std::ostream& err);
 
+/// The status of a command that writes nothing for that reason: where rows are missing, "no records" is not said.
+[[nodiscard]] int endedBecause(int status, int statusOfAnswer) noexcept;
+
 /// "48,213".
 [[nodiscard]] std::string groupedNumber(std::size_t number);
 

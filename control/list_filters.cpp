@@ -33,6 +33,7 @@ struct Offer {
 /// Days in groups of years and months, in the order of time; what is no day stands behind them.
 Offer offerOfDays(const std::vector<results::ValueCount>& values, const std::function<bool(const ShownValue&)>& isOn) {
   std::vector<const results::ValueCount*> sorted;
+  sorted.reserve(values.size());
   for (const results::ValueCount& each : values) sorted.push_back(&each);
   std::stable_sort(sorted.begin(), sorted.end(), [](const auto* one, const auto* other) {
     const bool oneIsDay = !one->value.text.empty();

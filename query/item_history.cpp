@@ -8,6 +8,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "query/audit_record.h"
+#include "results/date_text.h"
 #include "results/memory_watch.h"
 
 namespace korvel::query {
@@ -21,6 +22,8 @@ using results::RowId;
 constexpr std::array<std::string_view, 5> identityNames = {"ProjectGUID", "DatabaseName", "TableName", "FieldName",
                                                            "EventItem"};
 
+constexpr std::string_view summerTimeName = "T1";
+
 /// Entry numbers by their value, other texts behind them.
 bool isEarlierEntry(std::string_view a, std::string_view b) {
   const auto numberA = wholeNumber(a);
@@ -31,6 +34,18 @@ bool isEarlierEntry(std::string_view a, std::string_view b) {
     return x.size() != y.size() ? x.size() < y.size() : x < y;
   };
   return numberA->negative ? isLess(numberB->digits, numberA->digits) : isLess(numberA->digits, numberB->digits);
+}
+
+/// Whether two records agree in all columns as they are stored.
+bool isSameRecord(const results::RowStore& store, RowId a, RowId b) {
+  if (a == b) return true;
+  if (store.widthOf(a) != store.widthOf(b)) return false;
+  for (std::size_t column = 0; column < store.widthOf(a); ++column) {
+    const db::Cell cellA = store.cell(a, {column});
+    const db::Cell cellB = store.cell(b, {column});
+    if (cellA.isNull != cellB.isNull || cellA.text != cellB.text) return false;
+  }
+  return true;
 }
 
 void findUnit(ItemHistory& history) {
@@ -92,25 +107,38 @@ std::vector<ItemHistory> itemHistories(const ResultList& list, const ItemColumns
   try {
     struct Row {
       std::array<std::string_view, 5> identity;
+      std::string_view hour;
+      bool isStandardTime = false;
       std::string_view time;
       std::string_view entry;
       RowId record;
     };
+    // In autumn an hour comes twice, first as summer time; standard lists do not show which.
+    const auto summerTime = auditColumnOf(list, summerTimeName);
     std::vector<Row> rows;
     const std::vector<std::uint8_t> passing = results::passingRecords(list, conditions);
     for (const RowId record : list.wholeRows()) {
       if (passing[record.value] == 0) continue;
-      Row row{{}, list.textOf(record, columns.time), list.textOf(record, columns.entryNumber), record};
+      const std::string_view time = list.textOf(record, columns.time);
+      const bool isStandardTime = summerTime && trimBlanks(list.store()->cell(record, *summerTime).text) != "1";
+      Row row{{},   results::datePart(time, results::DatePart::hour), isStandardTime,
+              time, list.textOf(record, columns.entryNumber),         record};
       for (std::size_t i = 0; i < row.identity.size(); ++i)
         row.identity.at(i) = list.textOf(record, columns.identity.at(i));
       rows.push_back(row);
     }
     std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
       if (a.identity != b.identity) return a.identity < b.identity;
+      if (a.hour != b.hour) return a.hour < b.hour;
+      if (a.isStandardTime != b.isStandardTime) return b.isStandardTime;
       if (a.time != b.time) return a.time < b.time;
-      if (a.entry != b.entry) return isEarlierEntry(a.entry, b.entry);
+      if (isEarlierEntry(a.entry, b.entry) || isEarlierEntry(b.entry, a.entry)) return isEarlierEntry(a.entry, b.entry);
       return a.record < b.record;
     });
+    // A record that belongs to several categories is several rows, and happened once.
+    rows.erase(std::unique(rows.begin(), rows.end(),
+                           [&](const Row& a, const Row& b) { return isSameRecord(*list.store(), a.record, b.record); }),
+               rows.end());
     std::vector<ItemHistory> histories;
     for (const Row& row : rows) {
       if (histories.empty() || histories.back().identity != row.identity)

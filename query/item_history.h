@@ -35,7 +35,8 @@ struct Quantity {
 /// and no point, a comma.
 [[nodiscard]] std::optional<Quantity> quantityOf(std::string_view text) noexcept;
 
-/// One row about an item. The texts live as long as the list's rows.
+/// One record about an item; one that is several rows of the list is a change once. The texts live as long as the
+/// list's rows.
 struct ItemChange {
   results::RowId record;
   std::string_view time;

@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::uint32_t noId = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t nullId = noId - 1;
+constexpr std::uint32_t otherId = noId - 2;  ///< of a text that is no date where dates are counted
 
 /// Counts the values of one column.
 class ValueCounter {
@@ -27,10 +28,11 @@ class ValueCounter {
   ValueCounter(const std::optional<TextMatcher>& search, std::size_t limit, bool byDay)
       : search_(search), limit_(limit), byDay_(byDay) {}
 
-  void count(const ShownColumn& column, const std::vector<std::uint8_t>& wanted) {
+  /// `rows` says for each record how many rows of the list it is.
+  void count(const ShownColumn& column, const std::vector<std::uint32_t>& rows) {
     column.forEachRow([&](std::string_view text, bool isNull) { return idOf(text, isNull); },
-                      [&](std::size_t, std::uint32_t id) { add(id); },
-                      [&](std::size_t row) { return wanted[row] != 0; });
+                      [&](std::size_t record, std::uint32_t id) { add(id, rows[record]); },
+                      [&](std::size_t record) { return rows[record] != 0; });
   }
 
   [[nodiscard]] bool tooMany() const noexcept { return tooMany_; }
@@ -70,24 +72,26 @@ class ValueCounter {
     if (tooMany_ || metOtherText_) return noId;
     if (isNull) return search_ ? noId : nullId;
     if (byDay_ && !text.empty()) {
-      if (!isDateText(text)) {
-        metOtherText_ = true;
-        return noId;
-      }
+      if (!isDateText(text)) return otherId;
       text = datePart(text, DatePart::day);
     }
     if (search_ && !search_->matches(text)) return noId;
     return ids_.idOf(text);
   }
 
-  void add(std::uint32_t id) {
+  void add(std::uint32_t id, std::size_t rows) {
     if (id == noId) return;
+    if (id == otherId) {
+      metOtherText_ = true;
+      return;
+    }
     if (id == nullId) {
-      ++nulls_;
+      nulls_ += rows;
       return;
     }
     if (id >= counts_.size()) counts_.resize(ids_.size(), 0);
-    if (counts_[id]++ == 0 && ++distinct_ > limit_) tooMany_ = true;
+    if (counts_[id] == 0 && ++distinct_ > limit_) tooMany_ = true;
+    counts_[id] += rows;
   }
 
   const std::optional<TextMatcher>& search_;
@@ -106,11 +110,13 @@ class ValueCounter {
 ColumnValues columnValues(const ResultList& list, ColumnIndex column, const std::optional<TextMatcher>& search,
                           std::size_t limit) {
   try {
-    const std::vector<std::uint8_t> wanted = passingRecords(list, list.filter(), column);
+    const std::vector<std::uint8_t> passing = passingRecords(list, list.filter(), column);
+    std::vector<std::uint32_t> rows(passing.size(), 0);
+    for (const RowId row : list.wholeRows()) rows[row.value] += passing[row.value];
     const ShownColumn shown(list, column);
     for (const bool byDay : {true, false}) {
       ValueCounter counter(search, limit, byDay);
-      counter.count(shown, wanted);
+      counter.count(shown, rows);
       if (byDay && counter.metOtherText()) continue;
       ColumnValues result;
       result.tooMany = counter.tooMany();

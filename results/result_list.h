@@ -67,7 +67,7 @@ class ResultList {
   [[nodiscard]] std::size_t rowCount() const noexcept { return rows_.size(); }
   /// Number of rows, those that a filter hides included.
   [[nodiscard]] std::size_t wholeRowCount() const noexcept { return wholeRows().size(); }
-  /// The records of all rows, in order; each record is a row once at most.
+  /// The records of all rows, in order. A record that belongs to several of the categories asked for is several rows.
   [[nodiscard]] std::span<const RowId> wholeRows() const noexcept { return isFiltered() ? wholeRows_ : rows_; }
   /// Text of a cell as it is shown: blanks trimmed, null empty, columns that are not filled empty.
   [[nodiscard]] std::string_view text(RowPosition row, ColumnIndex column) const noexcept;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <span>
 #include <string_view>
 
 #include "results/found_cells.h"
@@ -61,10 +60,7 @@ std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter
                                          std::optional<ColumnIndex> except) {
   try {
     const std::size_t records = list.store() == nullptr ? 0 : list.store()->rowCount();
-    const std::span<const RowId> rows = list.wholeRows();
-    std::vector<std::uint8_t> passing(records, rows.size() == records ? 1 : 0);
-    if (rows.size() != records)
-      for (const RowId row : rows) passing[row.value] = 1;
+    std::vector<std::uint8_t> passing(records, 1);
     if (passing.empty()) return passing;
     for (const ColumnCondition& condition : filter.columns) {
       if (condition.column == except) continue;

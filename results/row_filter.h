@@ -52,7 +52,7 @@ struct RowFilter {
   [[nodiscard]] bool isEmpty() const noexcept { return columns.empty() && texts.empty(); }
 };
 
-/// For every record of the list's store, 1 if it is one of the list's rows, shown or hidden, and meets all conditions
+/// For every record of the list's rows, shown or hidden, 1 if it meets all conditions
 /// but those on `except`, else 0. Throws Error when memory runs out.
 [[nodiscard]] std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter& filter,
                                                        std::optional<ColumnIndex> except = {});

@@ -89,21 +89,21 @@ std::vector<RowGroup> groupRows(const ResultList& list, std::span<const GroupKey
     std::vector<KeyIds> ids;
     for (const GroupKey& key : keys) ids.push_back(idsOf(list, key));
     // A group's number stands for the numbers of its keys: pair by pair from the first one.
-    std::vector<std::uint32_t> groupOf = ids.front().ofRecord;
+    // By row, because a record may be several rows.
+    std::vector<std::uint32_t> groupOf(list.rowCount());
+    for (std::size_t row = 0; row < groupOf.size(); ++row) groupOf[row] = ids.front().ofRecord[list.rowId({row}).value];
     std::size_t groups = ids.front().count();
     std::vector<PairIds> pairs;
     for (std::size_t key = 1; key < ids.size(); ++key) {
       PairIds next(groups, ids[key].count());
-      for (std::size_t row = 0; row < list.rowCount(); ++row) {
-        const std::uint32_t record = list.rowId({row}).value;
-        groupOf[record] = next.idOf(groupOf[record], ids[key].ofRecord[record]);
-      }
+      for (std::size_t row = 0; row < groupOf.size(); ++row)
+        groupOf[row] = next.idOf(groupOf[row], ids[key].ofRecord[list.rowId({row}).value]);
       groups = next.pairs.size();
       pairs.push_back(std::move(next));
     }
 
     std::vector<std::size_t> counts(groups, 0);
-    for (std::size_t row = 0; row < list.rowCount(); ++row) ++counts[groupOf[list.rowId({row}).value]];
+    for (const std::uint32_t group : groupOf) ++counts[group];
     struct Group {
       std::vector<std::uint32_t> keys;
       std::size_t count = 0;

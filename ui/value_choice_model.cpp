@@ -46,7 +46,7 @@ void ValueChoiceModel::list() {
   rows_.assign(values_.size(), -1);
   for (Place place = 0; place < values_.size(); ++place) {
     if (!isListed_[place]) continue;
-    auto& siblings = members_[static_cast<Place>(values_[place].parent + 1)];
+    auto& siblings = members_[static_cast<Place>(values_[place].parent) + 1];
     rows_[place] = static_cast<int>(siblings.size());
     siblings.push_back(place);
   }

@@ -12,7 +12,6 @@ namespace {
 
 using query::Activity;
 using query::ActivityBar;
-using query::ActivityStep;
 
 constexpr qreal margin = 16;
 constexpr qreal gap = 8;

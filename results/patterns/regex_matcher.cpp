@@ -29,12 +29,14 @@ std::vector<std::size_t> byteOffsets(std::string_view text) {
   return offsets;
 }
 
-/// Must be the beginning of a pattern.
-const QString stepLimit = QStringLiteral("(*LIMIT_MATCH=200000)");
+/// Must be the beginning of a pattern. Matches without a character are none.
+const QString stepLimit = QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=200000)");
 
 std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_view text, bool firstOnly,
                               const GaveUp& gaveUp) {
   std::vector<TextSpan> spans;
+  // What is found is incomplete already, and such an expression may take long for every other text, too.
+  if (gaveUp && *gaveUp) return spans;
   const QString subject = QStringView(utf16FromUtf8(text)).toString();
   std::vector<std::size_t> offsets;
   for (qsizetype from = 0; from <= subject.size();) {

@@ -119,6 +119,12 @@ TEST_F(ChosenRows, AreCountedByColumns) {
 
 struct ChosenSqlRows : SqlCommand {};
 
+TEST_F(ChosenSqlRows, OptionsMayComeBeforeTheQuery) {
+  EXPECT_EQ(run({"--count-by", "Nr", "select"}).out, "Nr,Count\r\n10,1\r\n9,1\r\n");
+  EXPECT_EQ(run({"--where", "Nr=9", "--format", "csv", "select"}).status, exitDone);
+  EXPECT_EQ(run({"--where", "Nr=9", "select"}).status, exitDone);
+}
+
 TEST_F(ChosenSqlRows, AreThoseOfTheAnswer) {
   EXPECT_EQ(run({"select", "--where", "Nr=9", "--format", "csv"}).out, "Nr,Text,Text\r\n9,\"\",\"\"\"x\"\"\r\n|\"\r\n");
   EXPECT_EQ(run({"select", "--find", "A,B", "--format", "csv"}).out, "Nr,Text,Text\r\n10,\" a,b \",\r\n");
@@ -180,6 +186,11 @@ TEST_F(HistoryCommand, IsInTheOrderOfTimeAndMarksWhatDoesNotContinue) {
   EXPECT_EQ(told({"--item", "TIC-1"}), "5 3 1 4! ");
   EXPECT_EQ(told({"--item", "TIC-2"}), "2 ");
   EXPECT_EQ(told({"--item", "TIC-1", "--where", "Area!=Limits"}), "5 ");
+}
+
+TEST_F(HistoryCommand, AChoiceMakesNoGaps) {
+  EXPECT_EQ(told({"--item", "TIC-1", "--area", "Limits", "--where", "New Value!=1"}), "1 4! ");
+  EXPECT_EQ(history({"--item", "TIC-1", "--where", "New Value=77", "--quiet"}).status, exitNoRecords);
 }
 
 TEST_F(HistoryCommand, HasAllColumnsAndContinues) {

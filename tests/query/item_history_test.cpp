@@ -87,6 +87,30 @@ TEST(ItemHistory, RowsOfOneMomentGoByTheirNumbers) {
   EXPECT_EQ(told(itemHistory(*list, *itemColumns(*list), {0})), " >a a>b b>c c>d d>e");
 }
 
+/// In autumn an hour comes twice; the column T1 tells which is which.
+TEST(ItemHistory, TheHourThatComesTwiceIsInTheOrderOfTime) {
+  std::vector<Row> rows = {
+      rowOf({"3", "2003-10-26 02:15:00", "A", "c", "d"}), rowOf({"1", "2003-10-26 02:15:00", "A", "a", "b"}),
+      rowOf({"4", "2003-10-26 02:45:00", "A", "d", "e"}), rowOf({"2", "2003-10-26 02:45:00", "A", "b", "c"}),
+      rowOf({"5", "2003-10-26 03:05:00", "A", "e", "f"})};
+  const std::vector<std::string> summerTime = {"0", "1", "0", "1", "0"};
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i][17] = summerTime[i];
+  ResultList list(RowFilling::standard);
+  setUpAuditColumns(list);
+  list.setRows(results::test::storeOf(rows), {{0}, {1}, {2}, {3}, {4}});
+  EXPECT_EQ(told(itemHistory(list, *itemColumns(list), {0})), " a>b b>c c>d d>e e>f");
+}
+
+/// A record of several categories is several rows, of one record or of equal ones.
+TEST(ItemHistory, ARecordThatIsSeveralRowsHappenedOnce) {
+  const Written first{"1", "2004-03-07 01:00:00", "A", "1", "2"};
+  const Written second{"2", "2004-03-07 02:00:00", "A", "2", "3"};
+  ResultList list(RowFilling::standard);
+  setUpAuditColumns(list);
+  list.setRows(results::test::storeOf({rowOf(first), rowOf(second), rowOf(first)}), {{0}, {1}, {2}, {1}});
+  EXPECT_EQ(told(itemHistory(list, *itemColumns(list), {0})), " 1>2 2>3");
+}
+
 TEST(ItemHistory, HasRowsThatAFilterHides) {
   const auto list = listOf({{"1", "2004-03-07 01:00:00", "A", "1", "2"}, {"2", "2004-03-07 02:00:00", "A", "2", "3"}});
   list->setFilter({{{.column = {0}, .values = {{"2", false}}}}, {}});

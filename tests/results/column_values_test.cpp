@@ -138,6 +138,30 @@ TEST(RowGroups, EqualCountsAreInTheOrderOfTheKeys) {
   EXPECT_TRUE(groupRows(ResultList(RowFilling::whole), keys).empty());
 }
 
+/// A record of several categories is several rows.
+TEST(RowGroups, CountRowsAndNotRecords) {
+  ResultList list(RowFilling::whole);
+  list.setRows(test::storeOf({{"a", "1"}, {"b", "2"}, {"c", "9"}, {"a", "2"}}), {{0}, {1}, {0}, {3}, {1}, {0}});
+  const std::vector<GroupKey> keys = {{{0}}, {{1}}};
+  std::vector<std::string> told;
+  for (const RowGroup& group : groupRows(list, keys))
+    told.push_back(group.values[0].text + group.values[1].text + std::to_string(group.count));
+  EXPECT_EQ(told, (std::vector<std::string>{"a13", "b22", "a21"}));
+}
+
+TEST(ColumnValues, CountRowsAndNotRecords) {
+  ResultList list(RowFilling::whole);
+  // As many rows as there are records, and still not all of them.
+  list.setRows(test::storeOf({{"a"}, {"b"}, {"c"}, {test::null}}), {{0}, {0}, {1}, {3}});
+  EXPECT_EQ(countsOf(columnValues(list, {0})), (Counts{{{false, "a"}, 2}, {{false, "b"}, 1}, {{true, ""}, 1}}));
+}
+
+TEST(ColumnValues, WhatOtherListsShowDoesNotCount) {
+  ResultList list(RowFilling::whole);
+  list.setRows(test::storeOf({{"2004-03-07"}, {"soon"}}), {{0}});
+  EXPECT_TRUE(columnValues(list, {0}).areDates);
+}
+
 TEST(DatePart, IsThatOfADateAlone) {
   EXPECT_EQ(datePart("2004-03-07 03:12:44.310", DatePart::year), "2004");
   EXPECT_EQ(datePart("2004-03-07 03:12:44.310", DatePart::hour), "2004-03-07 03");

@@ -57,6 +57,8 @@ TEST(RegexMatcher, WhatHasNoCharacterIsNoMatch) {
   EXPECT_EQ(marked("x*", {}, "ab"), "ab");
   EXPECT_EQ(marked("x*", {}, "axb"), "a[x]b");
   EXPECT_EQ(marked("", {}, "ab"), "ab");
+  EXPECT_EQ(marked("x*|b", {}, "ab"), "a[b]");
+  EXPECT_EQ(marked("(foo)?|bar", {}, "a bar"), "a [bar]");
 }
 
 TEST(RegexMatcher, GivesATextUpThatTakesTooManySteps) {
