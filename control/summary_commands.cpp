@@ -65,7 +65,11 @@ void SummaryCommands::exportGroups() {
   AtomicFile target(std::filesystem::path(file.toStdU16String()));
   output::writeCsv(summaryView_->shownGroups(), [&](std::string_view bytes) { target.write(bytes); });
   target.commit();
-  answers_.showNotice([file] { return ownText("export.written").arg(file); });
+  const QString remark = summaryView_->filterRemark();
+  answers_.showNotice([file, remark] {
+    const QString written = ownText("export.written").arg(file);
+    return remark.isEmpty() ? written : written + QStringLiteral(". ") + remark;
+  });
 }
 
 }  // namespace korvel::control

@@ -235,7 +235,11 @@ void SummaryView::count() {
   table_->header()->moveSection(0, model_.columnCount() - 1);
   table_->showSortIcon();
   if (count > 0) table_->goToRow(0);
-  lblTotal_->setText(ownText("summary.total").arg(countText(count), countText(list.rowCount())));
+  filterRemark_ = list.isFiltered()
+                      ? ownText("filter.remarkShown").arg(countText(list.rowCount()), countText(list.wholeRowCount()))
+                      : QString();
+  const QString total = ownText("summary.total").arg(countText(count), countText(list.rowCount()));
+  lblTotal_->setText(filterRemark_.isEmpty() ? total : total + QStringLiteral(". ") + filterRemark_);
 }
 
 void SummaryView::requestGroup(int row) {

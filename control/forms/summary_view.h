@@ -27,6 +27,8 @@ class SummaryView final : public QDialog {
   void showSummary(ResultListView& list);
   /// The groups with their count in the last column, in the order in which they are shown.
   [[nodiscard]] results::ResultList shownGroups() const;
+  /// That rows are hidden, which the groups do not count; empty where none are.
+  [[nodiscard]] const QString& filterRemark() const noexcept { return filterRemark_; }
   [[nodiscard]] ResultListView& table() const { return *table_; }
 
  Q_SIGNALS:
@@ -59,6 +61,7 @@ class SummaryView final : public QDialog {
   std::vector<results::GroupKey> keys_;  ///< of the groups that are shown
   std::vector<QString> captions_;        ///< of the columns that are shown, without the count
   std::vector<results::RowGroup> groups_;
+  QString filterRemark_;
   results::ResultList shown_{results::RowFilling::whole};
   ResultListModel model_{shown_};
 

@@ -99,6 +99,14 @@ TEST_F(Summary, CountsTheValuesOfTheCurrentColumn) {
   EXPECT_EQ(summary.findChild<QLabel*>("lblTotal")->text(), "Groups: 3, rows: 13");
 }
 
+TEST_F(Summary, SaysThatAFilterHidesRows) {
+  view.setFilter({{{.column = {eventColumn}, .values = {{"INSERT", false}}}}, {}});
+  show(eventColumn);
+  EXPECT_EQ(shown(), "INSERT 2");
+  EXPECT_EQ(summary.findChild<QLabel*>("lblTotal")->text(), "Groups: 1, rows: 2. Filtered: 2 of 13 records");
+  EXPECT_EQ(summary.filterRemark(), "Filtered: 2 of 13 records");
+}
+
 TEST_F(Summary, CountsTwoColumnsAndPartsOfDatesByKeysAlone) {
   show(eventColumn);
   chooseEntry(box("cmbSecond"), "User Name");
