@@ -5,6 +5,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPainter>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "ui/style/theme.h"
@@ -18,6 +19,13 @@ QVBoxLayout* styleDialog(QDialog& dialog) {
   layout->setContentsMargins(around, around, around, around);
   layout->setSpacing(px(&dialog, space::between));
   return layout;
+}
+
+void setFirstSize(QDialog& dialog, int width, int height) {
+  constexpr double mostOfScreen = 0.9;
+  QSize size(px(&dialog, width), px(&dialog, height));
+  if (const QScreen* const screen = dialog.screen()) size = size.boundedTo(screen->availableSize() * mostOfScreen);
+  dialog.resize(size);
 }
 
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons) {

@@ -21,6 +21,9 @@ Element* named(Element* element, const char* name) {
 /// Returns the layout for the content, top to bottom; addButtons() comes last.
 QVBoxLayout* styleDialog(QDialog& dialog);
 
+/// Sets the size that a dialog opens with, in px at 96 dpi; never more than nine tenths of the screen.
+void setFirstSize(QDialog& dialog, int width, int height);
+
 /// Appends the right-aligned row of buttons. Its default button is filled; Enter and Esc reach it and Cancel.
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
 

@@ -6,7 +6,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMimeData>
-#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -74,9 +73,7 @@ HistoryView::HistoryView(QWidget* owner) : QDialog(owner) {
   ui::applyStyle(*this);
   buildContent();
   buildFoot();
-  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
-  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
-  resize(size);
+  ui::setFirstSize(*this, firstWidth, firstHeight);
 }
 
 void HistoryView::buildContent() {

@@ -5,7 +5,6 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
-#include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <algorithm>
@@ -76,9 +75,7 @@ RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScroll
   buildFoot();
   addShortcuts();
 
-  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
-  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
-  resize(size);
+  ui::setFirstSize(*this, firstWidth, firstHeight);
 }
 
 void RecordView::buildFoot() {

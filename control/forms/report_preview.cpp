@@ -5,7 +5,6 @@
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSpinBox>
@@ -59,9 +58,7 @@ ReportPreview::ReportPreview(std::unique_ptr<output::pages::ReportSheets> sheets
   row->addWidget(areaPage_, 1);
   column->addLayout(row, 1);
 
-  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
-  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
-  resize(size);
+  ui::setFirstSize(*this, firstWidth, firstHeight);
   areaPage_->setFocus();
   showPage(1);
 }

@@ -5,7 +5,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -69,9 +68,7 @@ SummaryView::SummaryView(QWidget* owner) : QDialog(owner) {
   ui::applyStyle(*this);
   buildContent();
   buildFoot();
-  QSize size(ui::px(this, firstWidth), ui::px(this, firstHeight));
-  if (const QScreen* const room = screen()) size = size.boundedTo(room->availableSize() * 0.9);
-  resize(size);
+  ui::setFirstSize(*this, firstWidth, firstHeight);
 }
 
 void SummaryView::buildContent() {
