@@ -11,13 +11,11 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "cli/common_options.h"
-#include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/offscreen_drawing.h"
 #include "cli/output_target.h"
 #include "output/pictures/activity_picture.h"
 #include "query/audit_record.h"
-#include "query/query_failure.h"
 
 namespace korvel::cli {
 
@@ -36,9 +34,6 @@ constexpr const char* footer =
     "  korvel-audit chart --complete --output activity.svg\n"
     "  korvel-audit chart --by hour --from 2004-03-07 --to 2004-03-09 --output days.png\n"
     "  korvel-audit chart --by month --stack \"Audit Type\" --look black --output types.svg\n";
-
-/// Thrown to abandon an output.
-struct NothingToWrite {};
 
 constexpr std::string_view stackedFirst = "Event";
 constexpr std::array<std::string_view, 4> stepNames = {"hour", "day", "week", "month"};
@@ -96,13 +91,13 @@ output::pictures::Picture pictureOf(const ChartOptions& options, const query::Ac
   return output::pictures::activityPicture(activity, size, words, colorsOf(options.look), font);
 }
 
-void writePicture(const ChartOptions& options, const results::ResultList& list, const std::string& remark,
-                  const output::ByteSink& sink, std::ostream& err) {
+std::optional<int> writePicture(const ChartOptions& options, const results::ResultList& list, const std::string& remark,
+                                const output::ByteSink& sink, std::ostream& err) {
   const auto time = query::auditColumnOf(list, "DateTime").value();
   const query::Activity activity = query::activityOf(list, time, options.stack, options.step);
   if (activity.bars.empty()) {
     say(err, "no record has a date; nothing was written");
-    throw NothingToWrite{};
+    return exitNoRecords;
   }
   if (activity.step != options.step)
     err << "note: there are too many bars by " << nameOf(options.step) << "; they are drawn by "
@@ -117,6 +112,7 @@ void writePicture(const ChartOptions& options, const results::ResultList& list, 
     output::pictures::writePng(picture, dotsPerPixel, sink);
   else
     output::pictures::writeSvg(picture, sink);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -156,32 +152,13 @@ int runChart(const ChartOptions& options, const query::Connector& connect, std::
   if (isDatabaseFile(pathFromUtf8(options.output)))
     return refused(err, options.output + " is a database; the tool does not replace it");
 
-  const Interruption interruption;
-  query::ResultLists lists = query::makeResultLists();
-  results::ResultList& list = lists[options.list];
-  if (const auto problem = choiceProblem(options.choice, list)) return refused(err, *problem);
-  int status = exitDone;
-  const auto failure = query::failureOf([&] {
-    try {
-      // The target is opened before the query runs: one that cannot be written fails at once.
-      writeTo(options.output, out, [&](const output::ByteSink& sink) {
-        Answered answer = askQuestion(options, connect, lists, err);
-        status = answer.status;
-        if (!answer.hasRows) throw NothingToWrite{};
-        if (const auto ended = applyRowChoice(options.choice, list, answer.remark, err)) {
-          status = endedBecause(*ended, answer.status);
-          throw NothingToWrite{};
-        }
-        status = endedBecause(exitNoRecords, answer.status);
-        writePicture(options, wholeRecords(list), answer.remark, untilInterrupted(sink), err);
-        status = answer.status;
-      });
-    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
-    } catch (const Stopped&) {
-      status = stopped(err);
-    }
-  });
-  return failure ? outputFailed(err, *failure) : status;
+  if (const auto problem = choiceProblem(options.choice, query::makeResultLists()[options.list]))
+    return refused(err, *problem);
+  return writeAnswer(options, connect, options.output, out, err,
+                     [&](results::ResultList& list, Answered& answer, const output::ByteSink& sink) {
+                       const auto ended = applyRowChoice(options.choice, list, answer.remark, err);
+                       return ended ? ended : writePicture(options, wholeRecords(list), answer.remark, sink, err);
+                     });
 }
 
 }  // namespace korvel::cli

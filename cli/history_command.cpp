@@ -10,12 +10,9 @@
 #include <vector>
 
 #include "cli/common_options.h"
-#include "cli/interruption.h"
 #include "cli/messages.h"
-#include "cli/output_target.h"
 #include "query/audit_record.h"
 #include "query/item_history.h"
-#include "query/query_failure.h"
 
 namespace korvel::cli {
 
@@ -33,9 +30,6 @@ constexpr const char* footer =
     "Examples:\n"
     "  korvel-audit history --item TIC-1901\n"
     "  korvel-audit history --item TIC-1901 --area vel_AlgLimits --format xlsx --output TIC-1901.xlsx\n";
-
-/// Thrown to abandon an output.
-struct NothingToWrite {};
 
 constexpr std::string_view continuesCaption = "Continues";
 constexpr std::string_view oldValueName = "OldValue";
@@ -97,31 +91,22 @@ int runHistory(const HistoryOptions& options, const query::Connector& connect, s
   if (const auto problem = questionProblem(options)) return refused(err, *problem);
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
-  const Interruption interruption;
-  query::ResultLists lists = query::makeResultLists();
-  ResultList& list = lists[options.list];
   RowChoice item;
   item.where.push_back({"Item ID", false, options.item});
   if (!options.area.empty()) item.where.push_back({"Area", false, options.area});
-  const auto filter = filterOf(options.choice, list);
-  if (const auto* problem = std::get_if<std::string>(&filter)) return refused(err, *problem);
-
-  int status = exitDone;
-  const auto failure = query::failureOf([&] {
-    try {
-      // The target is opened before the query runs: one that cannot be written fails at once.
-      writeTo(options.output, out, [&](const output::ByteSink& sink) {
-        const Answered answer = askQuestion(options, connect, lists, err);
-        status = answer.status;
-        if (!answer.hasRows) throw NothingToWrite{};
+  if (const auto problem = choiceProblem(options.choice, query::makeResultLists()[options.list]))
+    return refused(err, *problem);
+  return writeAnswer(
+      options, connect, options.output, out, err,
+      [&](ResultList& list, Answered& answer, const output::ByteSink& sink) -> std::optional<int> {
         keepPassingRows(list, std::get<results::RowFilter>(filterOf(item, list)));
         // What continues is said of all records of an item, and chosen afterwards: a choice makes no gaps.
         auto histories = query::itemHistories(list, query::itemColumns(list).value(), {});
-        keepChosen(histories, results::passingRecords(wholeRecords(list), std::get<results::RowFilter>(filter)));
+        const auto chosen = std::get<results::RowFilter>(filterOf(options.choice, list));
+        keepChosen(histories, results::passingRecords(wholeRecords(list), chosen));
         if (histories.empty()) {
           say(err, "no record of the item '" + options.item + "'; nothing was written");
-          status = endedBecause(exitNoRecords, answer.status);
-          throw NothingToWrite{};
+          return exitNoRecords;
         }
         std::size_t count = 0;
         for (const query::ItemHistory& history : histories) count += history.changes.size();
@@ -129,15 +114,9 @@ int runHistory(const HistoryOptions& options, const query::Connector& connect, s
                              groupedNumber(histories.size()) + (histories.size() == 1 ? " item" : " items");
         if (!options.quiet) say(err, remark);
         if (!answer.remark.empty()) remark.append(". ").append(answer.remark);
-        options.format->write({historyList(list, histories), "History of " + options.item, remark},
-                              untilInterrupted(sink), err);
+        options.format->write({historyList(list, histories), "History of " + options.item, remark}, sink, err);
+        return std::nullopt;
       });
-    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
-    } catch (const Stopped&) {
-      status = stopped(err);
-    }
-  });
-  return failure ? outputFailed(err, *failure) : status;
 }
 
 }  // namespace korvel::cli

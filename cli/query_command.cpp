@@ -1,21 +1,9 @@
 #include "cli/query_command.h"
 
 #include <CLI/CLI.hpp>
-#include <chrono>
 #include <ostream>
 
-#include "base/text.h"
 #include "cli/common_options.h"
-#include "cli/interruption.h"
-#include "cli/messages.h"
-#include "cli/output_target.h"
-#include "db/connection_state.h"
-#include "db/connection_string.h"
-#include "db/open_connection.h"
-#include "query/complete_query.h"
-#include "query/query_failure.h"
-#include "query/standard_query.h"
-#include "settings/string_table.h"
 
 namespace korvel::cli {
 
@@ -73,9 +61,6 @@ constexpr const char* footer =
     "  korvel-audit query --complete --count-by \"Event,Date Time:day\" --output activity.csv\n"
     "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
 
-/// Thrown to abandon an output.
-struct NothingToWrite {};
-
 void addOutput(CLI::App& command, QueryOptions& options) {
   addList(command, options);
   addReadOption(
@@ -115,30 +100,14 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
   if (const auto problem = questionProblem(options)) return refused(err, *problem);
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
-  const Interruption interruption;
-  query::ResultLists lists = query::makeResultLists();
-  if (const auto problem = choiceProblem(options.choice, lists[options.list])) return refused(err, *problem);
-  int status = exitDone;
-  const auto failure = query::failureOf([&] {
-    try {
-      // The target is opened before the query runs: one that cannot be written fails at once.
-      writeTo(options.output, out, [&](const output::ByteSink& sink) {
-        Answered answer = askQuestion(options, connect, lists, err);
-        status = answer.status;
-        // Leaves a file as it was.
-        if (!answer.hasRows) throw NothingToWrite{};
-        if (const auto ended = applyRowChoice(options.choice, lists[options.list], answer.remark, err)) {
-          status = endedBecause(*ended, answer.status);
-          throw NothingToWrite{};
-        }
-        writeList(options, lists[options.list], untilInterrupted(sink), answer.remark, err);
-      });
-    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
-    } catch (const Stopped&) {
-      status = stopped(err);
-    }
-  });
-  return failure ? outputFailed(err, *failure) : status;
+  if (const auto problem = choiceProblem(options.choice, query::makeResultLists()[options.list]))
+    return refused(err, *problem);
+  return writeAnswer(options, connect, options.output, out, err,
+                     [&](results::ResultList& list, Answered& answer, const output::ByteSink& sink) {
+                       const auto ended = applyRowChoice(options.choice, list, answer.remark, err);
+                       if (!ended) writeList(options, list, sink, answer.remark, err);
+                       return ended;
+                     });
 }
 
 }  // namespace korvel::cli

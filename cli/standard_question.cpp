@@ -13,6 +13,7 @@
 #include "db/procedure/audit_conditions.h"
 #include "query/audit_record.h"
 #include "query/complete_query.h"
+#include "query/query_failure.h"
 #include "settings/string_table.h"
 
 namespace korvel::cli {
@@ -133,6 +134,38 @@ Answered answered(const StandardQuestion& question, const query::FilterTree& tre
   return {exitNoRecords};
 }
 
+/// Asks, fills the lists, and says on `err` how it came out.
+Answered askQuestion(const StandardQuestion& question, const query::Connector& connect, query::ResultLists& lists,
+                     std::ostream& err) {
+  const query::FilterTree tree = treeOf(question);
+  const std::string connectionString = db::buildConnectionString(question.server, question.database);
+  const query::StandardQueryRequest request{tree, question.range, connectionString};
+  const auto shouldContinue = [] { return !Interruption::requested(); };
+  if (!question.complete)
+    return answered(question, tree, query::runStandardQuery(request, connect, lists, question.list, shouldContinue),
+                    lists, err);
+
+  query::CompleteAnswer whole = query::completeStandardQuery(
+      request, connect, [&](const query::CompletionProgress& /*progress*/) { return shouldContinue(); });
+  // A file holds the answer or stays as it was: what had come when it was stopped is not written.
+  if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err)};
+  const query::CompletionReport report = whole.fill(lists, question.list);
+  Answered answer = answered(question, tree, {report.outcome, report.failure, 0}, lists, err);
+  if (report.outcome != query::QueryOutcome::filled) return answer;
+  const std::vector<std::string> texts =
+      query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, groupedNumber);
+  for (const std::string& text : texts) err << text << '\n';
+  // A list without rows says nothing where rows are missing.
+  if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
+  if (answer.status != exitDone) return answer;
+  answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
+  if (!report.isComplete()) answer.status = exitIncomplete;
+  return answer;
+}
+
+/// Thrown to abandon an output.
+struct NothingToWrite {};
+
 }  // namespace
 
 std::optional<query::NodeIndex> categoryNamed(std::string_view key) {
@@ -200,42 +233,37 @@ std::optional<std::string> questionProblem(const StandardQuestion& question) {
   return std::nullopt;
 }
 
-int endedBecause(int status, int statusOfAnswer) noexcept {
-  return status == exitNoRecords && statusOfAnswer == exitIncomplete ? exitIncomplete : status;
+int writeAnswer(const StandardQuestion& question, const query::Connector& connect, const std::string& target,
+                std::ostream& out, std::ostream& err, const AnswerWriter& write) {
+  const Interruption interruption;
+  query::ResultLists lists = query::makeResultLists();
+  int status = exitDone;
+  const auto failure = query::failureOf([&] {
+    try {
+      // The target is opened before the query runs: one that cannot be written fails at once.
+      writeTo(target, out, [&](const output::ByteSink& sink) {
+        Answered answer = askQuestion(question, connect, lists, err);
+        status = answer.status;
+        // Leaves a file as it was.
+        if (!answer.hasRows) throw NothingToWrite{};
+        if (const auto ended = write(lists[question.list], answer, untilInterrupted(sink))) {
+          // Where rows are missing, "no records" is not said.
+          if (*ended != exitNoRecords || answer.status != exitIncomplete) status = *ended;
+          throw NothingToWrite{};
+        }
+      });
+    } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
+    } catch (const Stopped&) {
+      status = stopped(err);
+    }
+  });
+  return failure ? outputFailed(err, *failure) : status;
 }
 
 std::string groupedNumber(std::size_t number) {
   std::string text = std::to_string(number);
   for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
   return text;
-}
-
-Answered askQuestion(const StandardQuestion& question, const query::Connector& connect, query::ResultLists& lists,
-                     std::ostream& err) {
-  const query::FilterTree tree = treeOf(question);
-  const std::string connectionString = db::buildConnectionString(question.server, question.database);
-  const query::StandardQueryRequest request{tree, question.range, connectionString};
-  const auto shouldContinue = [] { return !Interruption::requested(); };
-  if (!question.complete)
-    return answered(question, tree, query::runStandardQuery(request, connect, lists, question.list, shouldContinue),
-                    lists, err);
-
-  query::CompleteAnswer whole = query::completeStandardQuery(
-      request, connect, [&](const query::CompletionProgress& /*progress*/) { return shouldContinue(); });
-  // A file holds the answer or stays as it was: what had come when it was stopped is not written.
-  if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err)};
-  const query::CompletionReport report = whole.fill(lists, question.list);
-  Answered answer = answered(question, tree, {report.outcome, report.failure, 0}, lists, err);
-  if (report.outcome != query::QueryOutcome::filled) return answer;
-  const std::vector<std::string> texts =
-      query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, groupedNumber);
-  for (const std::string& text : texts) err << text << '\n';
-  // A list without rows says nothing where rows are missing.
-  if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
-  if (answer.status != exitDone) return answer;
-  answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
-  if (!report.isComplete()) answer.status = exitIncomplete;
-  return answer;
 }
 
 }  // namespace korvel::cli

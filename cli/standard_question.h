@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "output/byte_sink.h"
 #include "query/standard_query.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the parser names it so
@@ -50,12 +52,15 @@ struct Answered {
   bool hasRows = false;  ///< the list has rows to write
 };
 
-/// Asks, fills the lists, and says on `err` how it came out.
-[[nodiscard]] Answered askQuestion(const StandardQuestion& question, const query::Connector& connect,
-                                   query::ResultLists& lists, std::ostream& err);
+/// Writes what a command makes of the list that was asked for and of its answer; gives the exit status instead where
+/// there is nothing to write, having said why.
+using AnswerWriter =
+    std::function<std::optional<int>(results::ResultList& list, Answered& answer, const output::ByteSink& sink)>;
 
-/// The status of a command that writes nothing for that reason: where rows are missing, "no records" is not said.
-[[nodiscard]] int endedBecause(int status, int statusOfAnswer) noexcept;
+/// Asks, and writes the answer to `target` until Ctrl+C is pressed, whole or not at all; gives the exit status.
+[[nodiscard]] int writeAnswer(const StandardQuestion& question, const query::Connector& connect,
+                              const std::string& target, std::ostream& out, std::ostream& err,
+                              const AnswerWriter& write);
 
 /// "48,213".
 [[nodiscard]] std::string groupedNumber(std::size_t number);
