@@ -11,6 +11,9 @@ namespace {
 /// cannot be cancelled: what ends it is done again until all is over.
 constexpr std::chrono::milliseconds again{50};
 
+/// A call of the driver that lasts longer waits for the server; shorter ones end by themselves.
+constexpr std::chrono::milliseconds waiting{10};
+
 }  // namespace
 
 DriverWatchdog::DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts timeouts, const std::stop_token& stop)
@@ -50,15 +53,22 @@ void DriverWatchdog::setCancel(std::function<void()> cancel) {
 }
 
 void DriverWatchdog::cancelUntilDone() {
+  const auto isDone = [this] { return done_; };
   std::unique_lock lock(mutex_);
   while (!done_) {
+    const std::uint64_t before = callBorders_;
+    if (changed_.wait_for(lock, waiting, isDone)) return;
     lock.unlock();
+    bool cancelled = false;
     {
       const std::lock_guard cancelling(cancelMutex_);
-      if (cancel_) cancel_();
+      cancelling_ = true;
+      cancelled = cancel_ && before % 2 == 1 && callBorders_ == before;
+      if (cancelled) cancel_();
+      cancelling_ = false;
     }
     lock.lock();
-    changed_.wait_for(lock, again, [this] { return done_; });
+    if (cancelled) changed_.wait_for(lock, again, isDone);
   }
 }
 

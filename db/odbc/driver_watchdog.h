@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -38,7 +39,24 @@ class DriverWatchdog {
   /// Whether the driver's connections had to be shut down because the server was silent.
   [[nodiscard]] bool expired() const noexcept { return expired_.load(); }
 
-  /// While it exists, a stop calls `cancel` first, on another thread, because a driver may wait for the server in it.
+  /// Whether the caller has asked for the stop.
+  [[nodiscard]] bool stopped() const noexcept { return stop_.stop_requested(); }
+
+  /// Makes a call of the driver that may wait for the server, and gives its result. A stop cancels such a call when it
+  /// has lasted for a moment, and never anything else: in a driver that is idle, SQLCancel waits for the server itself,
+  /// and when that fails the driver manager reads the driver's diagnostics while the next call deletes them.
+  template <typename Call>
+  auto during(const Call& call) {
+    ++callBorders_;
+    const auto result = call();
+    ++callBorders_;
+    // The call may have ended just before it was cancelled.
+    if (cancelling_) const std::lock_guard untilCancelled(cancelMutex_);
+    return result;
+  }
+
+  /// While it exists, a stop cancels the calls made by during() first, on another thread, because a driver may wait for
+  /// the server in `cancel`.
   class Cancelling {
    public:
     Cancelling(DriverWatchdog& watch, std::function<void()> cancel) : watch_(watch) {
@@ -77,7 +95,9 @@ class DriverWatchdog {
   std::atomic<Clock::rep> lastActivity_;
   std::atomic<bool> expired_{false};
   std::atomic<bool> decided_{false};
-  std::optional<Clock::time_point> ending_;  // the watching thread's
+  std::optional<Clock::time_point> ending_;    // the watching thread's
+  std::atomic<std::uint64_t> callBorders_{0};  // begun and ended calls: odd inside of a call
+  std::atomic<bool> cancelling_{false};
   std::mutex cancelMutex_;
   std::function<void()> cancel_;
   std::mutex mutex_;

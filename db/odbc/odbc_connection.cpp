@@ -51,13 +51,13 @@ Error withLineOf(std::string_view text, const Error& error) {
   return {error.number(), error.description()};
 }
 
-/// Pushes the statement's current result; false when the sink has stopped it.
+/// Pushes the statement's current result; false when the sink or the caller has stopped it.
 bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatchdog& watch) {
   RowReader reader(statement, watch);
   if (reader.fields().empty()) return true;  // only a row count
   sink.beginResult(reader.fields());
   while (reader.next())
-    if (!sink.row(reader.cells()) || !sink.shouldContinue()) return false;
+    if (!sink.row(reader.cells()) || !sink.shouldContinue() || watch.stopped()) return false;
   sink.endResult();
   return true;
 }
@@ -187,9 +187,11 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
   const DriverWatchdog::Cancelling cancelling(watch, [handle] { SQLCancel(handle); });
   SQLSetStmtAttrW(handle, SQL_ATTR_QUERY_TIMEOUT, asAttribute(commandTimeout_), SQL_IS_UINTEGER);
   std::u16string text = utf16FromUtf8(commandText);
-  SQLRETURN result = SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size()));
+  SQLRETURN result =
+      watch.during([&] { return SQLExecDirectW(handle, asWide(text), static_cast<SQLINTEGER>(text.size())); });
   // A statement that has changed no row may answer so; its batch goes on behind it.
-  if (result == SQL_NO_DATA) result = SQLMoreResults(handle);
+  const auto nextResult = [&] { return SQLMoreResults(handle); };
+  if (result == SQL_NO_DATA) result = watch.during(nextResult);
   while (result != SQL_NO_DATA) {
     check(result, SQL_HANDLE_STMT, handle);
     if (onEvent_ && result == SQL_SUCCESS_WITH_INFO) tellMessages(diagnosticsOf(SQL_HANDLE_STMT, handle));
@@ -199,7 +201,7 @@ void OdbcConnection::run(std::string_view commandText, ResultSink& sink, DriverW
       SQLCancel(handle);
       return;
     }
-    result = SQLMoreResults(handle);
+    result = watch.during(nextResult);
   }
 }
 

@@ -110,7 +110,7 @@ void RowReader::describe(SQLUSMALLINT column) {
 }
 
 bool RowReader::next() {
-  const SQLRETURN result = SQLFetch(statement_);
+  const SQLRETURN result = watch_.during([this] { return SQLFetch(statement_); });
   if (result == SQL_NO_DATA) return false;
   check(result, SQL_HANDLE_STMT, statement_);
   watch_.noteActivity();
@@ -172,8 +172,10 @@ bool RowReader::readWide(SQLUSMALLINT column) {
   for (bool first = true;; first = false) {
     SQLLEN indicator = 0;
     const std::size_t free = buffer_.size() - waiting;
-    const SQLRETURN result = SQLGetData(statement_, column, SQL_C_WCHAR, buffer_.data() + waiting,
-                                        static_cast<SQLLEN>(free * sizeof(char16_t)), &indicator);
+    const SQLRETURN result = watch_.during([&] {
+      return SQLGetData(statement_, column, SQL_C_WCHAR, buffer_.data() + waiting,
+                        static_cast<SQLLEN>(free * sizeof(char16_t)), &indicator);
+    });
     if (result == SQL_NO_DATA) break;
     if (result != SQL_SUCCESS) check(result, SQL_HANDLE_STMT, statement_);
     if (indicator == SQL_NULL_DATA) return !first;
@@ -193,7 +195,8 @@ bool RowReader::readWide(SQLUSMALLINT column) {
 template <typename Value>
 bool RowReader::readFixed(SQLUSMALLINT column, SQLSMALLINT type, Value& value) {
   SQLLEN indicator = 0;
-  const SQLRETURN result = SQLGetData(statement_, column, type, &value, sizeof value, &indicator);
+  const SQLRETURN result =
+      watch_.during([&] { return SQLGetData(statement_, column, type, &value, sizeof value, &indicator); });
   if (result != SQL_SUCCESS) check(result, SQL_HANDLE_STMT, statement_);
   return indicator != SQL_NULL_DATA;
 }
@@ -251,8 +254,9 @@ bool RowReader::readBinary(SQLUSMALLINT column) {
   for (bool first = true;; first = false) {
     SQLLEN indicator = 0;
     const std::size_t free = buffer_.size() * sizeof(char16_t);
-    const SQLRETURN result =
-        SQLGetData(statement_, column, SQL_C_BINARY, buffer_.data(), static_cast<SQLLEN>(free), &indicator);
+    const SQLRETURN result = watch_.during([&] {
+      return SQLGetData(statement_, column, SQL_C_BINARY, buffer_.data(), static_cast<SQLLEN>(free), &indicator);
+    });
     if (result == SQL_NO_DATA) return true;
     if (result != SQL_SUCCESS) check(result, SQL_HANDLE_STMT, statement_);
     if (indicator == SQL_NULL_DATA) return !first;
