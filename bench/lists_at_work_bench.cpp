@@ -20,6 +20,7 @@
 #include "query/item_history.h"
 #include "results/column_values.h"
 #include "results/found_cells.h"
+#include "results/group_list.h"
 #include "results/row_filter.h"
 #include "results/row_groups.h"
 
@@ -169,8 +170,28 @@ void groupAreaByDay(benchmark::State& state) {
 void histogramByDay(benchmark::State& state) {
   group(state, {{columnOf("Date Time"), DatePart::day}, {columnOf("Event")}});
 }
+/// The summary of a column without repetitions.
+void largestGroupsByEntryId(benchmark::State& state) {
+  constexpr std::size_t mostShown = 10'000;
+  const ResultList& list = listOfMillions(state.range(0));
+  const std::vector<GroupKey> keys = {{columnOf("Entry ID")}};
+  std::size_t groups = 0;
+  Least least;
+  for (auto _ : state)
+    state.SetIterationTime(least.measure([&] {
+      groups = results::groupListOf(list, {keys, {"Entry ID"}, "Count"}, mostShown).total;
+    }));
+  state.counters["groups"] = static_cast<double>(groups);
+  state.counters["least_ms"] = least.seconds * 1000;
+}
 BENCHMARK(groupEventByUser)->Arg(1)->Arg(fewMillions)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(groupAreaByDay)->Arg(1)->Arg(fewMillions)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(largestGroupsByEntryId)
+    ->Arg(1)
+    ->Arg(fewMillions)
+    ->Iterations(5)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(histogramByDay)->Arg(1)->Arg(fewMillions)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 void historyOfOneItem(benchmark::State& state) {

@@ -10,6 +10,7 @@
 #include "control/message_boxes.h"
 #include "control/surface.h"
 #include "control/texts.h"
+#include "control/watched_work.h"
 #include "korvel/AuditViewer.h"
 #include "output/list_writers.h"
 
@@ -59,16 +60,24 @@ void SummaryCommands::show(ResultListView& list) {
 
 void SummaryCommands::exportGroups() {
   const QPointer<AuditViewer> alive(&viewer_);
+  const QString remark = summaryView_->filterRemark();
+  const auto allGroups = summaryView_->allGroups();
   const QString folder = viewer_.GetExportPath(ownText("summary.folder"), 0);
   if (!alive || folder.isEmpty()) return;
   const QString file = folder + fileName;
-  AtomicFile target(std::filesystem::path(file.toStdU16String()));
-  output::writeCsv(summaryView_->shownGroups(), [&](std::string_view bytes) { target.write(bytes); });
-  target.commit();
-  const QString remark = summaryView_->filterRemark();
+  // There may be as many groups as rows.
+  const auto written =
+      runWatched([allGroups, path = std::filesystem::path(file.toStdU16String())](const std::stop_token& stop) {
+        AtomicFile target(path);
+        output::writeCsv(allGroups(), [&](std::string_view bytes) { target.write(bytes); });
+        if (stop.stop_requested()) return false;
+        target.commit();
+        return true;
+      });
+  if (!alive || !written.value_or(false)) return;
   answers_.showNotice([file, remark] {
-    const QString written = ownText("export.written").arg(file);
-    return remark.isEmpty() ? written : written + QStringLiteral(". ") + remark;
+    const QString said = ownText("export.written").arg(file);
+    return remark.isEmpty() ? said : said + QStringLiteral(". ") + remark;
   });
 }
 

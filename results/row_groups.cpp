@@ -1,6 +1,7 @@
 #include "results/row_groups.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -83,7 +84,7 @@ class PairIds {
 
 }  // namespace
 
-std::vector<RowGroup> groupRows(const ResultList& list, std::span<const GroupKey> keys) {
+LargestGroups largestGroups(const ResultList& list, std::span<const GroupKey> keys, std::size_t most) {
   if (list.rowCount() == 0 || keys.empty()) return {};
   try {
     std::vector<KeyIds> ids;
@@ -104,40 +105,48 @@ std::vector<RowGroup> groupRows(const ResultList& list, std::span<const GroupKey
 
     std::vector<std::size_t> counts(groups, 0);
     for (const std::uint32_t group : groupOf) ++counts[group];
-    struct Group {
-      std::vector<std::uint32_t> keys;
-      std::size_t count = 0;
-    };
-    std::vector<Group> found;
-    for (std::uint32_t group = 0; group < groups; ++group) {
-      if (counts[group] == 0) continue;
-      Group each{std::vector<std::uint32_t>(ids.size()), counts[group]};
+    std::vector<std::uint32_t> found;
+    for (std::uint32_t group = 0; group < groups; ++group)
+      if (counts[group] != 0) found.push_back(group);
+    // The numbers of a group's keys stand together, from keyIds[group * ids.size()].
+    std::vector<std::uint32_t> keyIds(groups * ids.size());
+    for (const std::uint32_t group : found) {
       std::uint32_t left = group;
       for (std::size_t key = ids.size() - 1; key > 0; --key) {
         const auto [before, last] = pairs[key - 1].pairs[left];
-        each.keys[key] = last;
+        keyIds[group * ids.size() + key] = last;
         left = before;
       }
-      each.keys.front() = left;
-      found.push_back(std::move(each));
+      keyIds[group * ids.size()] = left;
     }
-    std::sort(found.begin(), found.end(), [&](const Group& a, const Group& b) {
-      if (a.count != b.count) return a.count > b.count;
+    const auto isBefore = [&](std::uint32_t a, std::uint32_t b) {
+      if (counts[a] != counts[b]) return counts[a] > counts[b];
       for (std::size_t key = 0; key < ids.size(); ++key)
-        if (const int order = ids[key].compare(a.keys[key], b.keys[key]); order != 0) return order < 0;
+        if (const int order = ids[key].compare(keyIds[a * ids.size() + key], keyIds[b * ids.size() + key]); order != 0)
+          return order < 0;
       return false;
-    });
-    std::vector<RowGroup> result;
-    result.reserve(found.size());
-    for (const Group& group : found) {
-      RowGroup row{{}, group.count};
-      for (std::size_t key = 0; key < ids.size(); ++key) row.values.push_back(ids[key].valueOf(group.keys[key]));
-      result.push_back(std::move(row));
+    };
+    LargestGroups result{.groups = {}, .total = found.size()};
+    if (found.size() > most) {
+      std::nth_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(most), found.end(), isBefore);
+      found.resize(most);
+    }
+    std::sort(found.begin(), found.end(), isBefore);
+    result.groups.reserve(found.size());
+    for (const std::uint32_t group : found) {
+      RowGroup row{{}, counts[group]};
+      for (std::size_t key = 0; key < ids.size(); ++key)
+        row.values.push_back(ids[key].valueOf(keyIds[group * ids.size() + key]));
+      result.groups.push_back(std::move(row));
     }
     return result;
   } catch (const std::bad_alloc&) {
     throw outOfMemory();
   }
+}
+
+std::vector<RowGroup> groupRows(const ResultList& list, std::span<const GroupKey> keys) {
+  return largestGroups(list, keys, std::numeric_limits<std::size_t>::max()).groups;
 }
 
 }  // namespace korvel::results

@@ -23,8 +23,17 @@ struct RowGroup {
   friend bool operator==(const RowGroup&, const RowGroup&) = default;
 };
 
+/// The first groups of a list, and how many there are in all.
+struct LargestGroups {
+  std::vector<RowGroup> groups;
+  std::size_t total = 0;
+};
+
 /// The rows that the list shows, in groups: the largest first, equally large ones in the order of sorting by the first
-/// key, then the second one. Throws Error when memory runs out.
+/// key, then the second one. At most `most` groups are made, so that a column without repetitions costs little. Throws
+/// Error when memory runs out.
+[[nodiscard]] LargestGroups largestGroups(const ResultList& list, std::span<const GroupKey> keys, std::size_t most);
+/// The same with all groups.
 [[nodiscard]] std::vector<RowGroup> groupRows(const ResultList& list, std::span<const GroupKey> keys);
 
 }  // namespace korvel::results

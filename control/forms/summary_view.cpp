@@ -7,10 +7,11 @@
 #include <QPushButton>
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <string_view>
 #include <utility>
 
 #include "control/texts.h"
+#include "control/watched_work.h"
 #include "query/audit_record.h"
 #include "query/query_failure.h"
 #include "ui/buttons.h"
@@ -29,7 +30,7 @@ using ui::named;
 
 constexpr int firstWidth = 620;
 constexpr int firstHeight = 560;
-constexpr ColumnIndex countColumn{0};
+constexpr std::string_view eventColumn = "EventType";
 
 constexpr std::array<std::pair<DatePart, const char*>, 4> dateParts{{{DatePart::day, "summary.byDay"},
                                                                      {DatePart::hour, "summary.byHour"},
@@ -83,15 +84,16 @@ void SummaryView::buildContent() {
     label->setBuddy(box);
     choice->addWidget(label);
     choice->addWidget(box, 1);
-    connect(box, &QComboBox::activated, this, [this] {
-      if (const auto failure = query::failureOf([this] { count(); })) Q_EMIT refused(failureText(*failure));
-    });
+    connect(box, &QComboBox::activated, this, [this] { countAgain(); });
   }
   table_ = named(new ResultListView(model_), "lvGroups");
   lblTotal_ = named(new QLabel, "lblTotal");
   ui::setMuted(*lblTotal_);
+  lblCut_ = named(new QLabel, "lblCut");
+  lblCut_->setWordWrap(true);
   column->addLayout(choice);
   column->addWidget(table_, 1);
+  column->addWidget(lblCut_);
   column->addWidget(lblTotal_);
   const auto sort = [this](int section) {
     if (const auto failure = query::failureOf([&] { table_->clickHeader(section); }))
@@ -145,7 +147,7 @@ void SummaryView::showSummary(ResultListView& list) {
   follow(list);
   setTexts();
   offerColumns();
-  count();
+  if (!count()) return;
   cmbFirst_->setFocus();
   open();
 }
@@ -161,7 +163,8 @@ void SummaryView::follow(ResultListView& list) {
 
 void SummaryView::offerColumns() {
   const ResultList& list = list_->listModel().list();
-  const int current = std::max(list_->currentIndex().column(), 0);
+  const ColumnIndex cell{static_cast<std::size_t>(std::max(list_->currentIndex().column(), 0))};
+  const ColumnIndex asked = query::auditColumnOf(list, eventColumn).value_or(cell);
   choices_.clear();
   cmbFirst_->clear();
   cmbSecond_->clear();
@@ -169,7 +172,7 @@ void SummaryView::offerColumns() {
   int first = 0;
   for (std::size_t i = 0; i < list.columns().size(); ++i) {
     const QString caption = fromUtf8(list.columns()[i].caption);
-    if (static_cast<int>(i) == current) first = static_cast<int>(choices_.size());
+    if (i == asked.value) first = static_cast<int>(choices_.size());
     if (hasDates(list, {i})) {
       for (const auto& [part, text] : dateParts) choices_.push_back({ownText(text).arg(caption), {{i}, part}});
     } else {
@@ -192,87 +195,75 @@ std::vector<const SummaryView::Choice*> SummaryView::chosen() const {
   return keys;
 }
 
-void SummaryView::count() {
-  if (list_.isNull()) return;
-  const ResultList& list = list_->listModel().list();
-  std::vector<results::GroupKey> keys;
-  captions_.clear();
+void SummaryView::countAgain() {
+  const QPointer<SummaryView> alive(this);
+  bool counted = false;
+  const auto failure = query::failureOf([&] { counted = count(); });
+  if (!alive) return;
+  if (failure) Q_EMIT refused(failureText(*failure));
+  // What is chosen would not be what is shown.
+  else if (!counted)
+    close();
+}
+
+bool SummaryView::count() {
+  if (list_.isNull()) return false;
+  results::GroupQuestion question{.keys = {}, .captions = {}, .countCaption = ownText("summary.count").toStdString()};
   for (const Choice* choice : chosen()) {
-    keys.push_back(choice->key);
-    captions_.push_back(choice->caption);
+    question.keys.push_back(choice->key);
+    question.captions.push_back(choice->caption.toStdString());
   }
-  std::vector<RowGroup> groups = results::groupRows(list, keys);
-  // The count is the first column of the list, which sorts by numbers, and is shown as the last one.
-  std::vector<results::ColumnHeader> headers{{ownText("summary.count").toStdString(), results::standardColumnWidth, 0}};
-  std::vector<db::Field> fields{{headers.front().caption, db::ColumnKind::number}};
-  for (const QString& caption : captions_) {
-    headers.push_back({caption.toStdString(), results::standardColumnWidth, 0});
-    fields.push_back({caption.toStdString(), db::ColumnKind::text});
-  }
-  const auto store = std::make_shared<results::RowStore>();
-  store->beginResult(fields);
-  std::vector<results::RowId> rows;
-  for (const RowGroup& group : groups) {
-    const std::string number = std::to_string(group.count);
-    std::vector<db::Cell> cells{{number, false}};
-    for (const results::ShownValue& value : group.values) cells.push_back({value.text, value.isNull});
-    rows.push_back(store->append(cells));
-  }
-  const std::size_t count = rows.size();
+  const QPointer<SummaryView> alive(this);
+  // Of its own: the list may be sorted or get other rows meanwhile.
+  auto counted = runWatched([rows = list_->listModel().list(), question](const std::stop_token& /*stop*/) {
+    return results::groupListOf(rows, question, mostGroups);
+  });
+  if (!alive || !counted || list_.isNull()) return false;
   {
     const ResultListModel::RowsChange change(model_);
-    shown_.startOver(std::move(headers));
-    shown_.setRows(store, std::move(rows));
-    shown_.sortBy(countColumn, results::SortOrder::descending);
-    groups_ = std::move(groups);
-    keys_ = std::move(keys);
+    shown_ = std::move(*counted);
   }
   table_->applyColumnWidths();
   for (int section = 0; section < model_.columnCount(); ++section) table_->autoSizeColumn(section);
+  // The count is the first column of the list, and is shown as the last one.
   table_->header()->moveSection(0, model_.columnCount() - 1);
   table_->showSortIcon();
-  if (count > 0) table_->goToRow(0);
-  filterRemark_ = list.isFiltered()
-                      ? ownText("filter.remarkShown").arg(countText(list.rowCount()), countText(list.wholeRowCount()))
+  if (!shown_.groups.empty()) table_->goToRow(0);
+  showTotal(list_->listModel().list());
+  return true;
+}
+
+void SummaryView::showTotal(const ResultList& rows) {
+  filterRemark_ = rows.isFiltered()
+                      ? ownText("filter.remarkShown").arg(countText(rows.rowCount()), countText(rows.wholeRowCount()))
                       : QString();
-  const QString total = ownText("summary.total").arg(countText(count), countText(list.rowCount()));
-  lblTotal_->setText(filterRemark_.isEmpty() ? total : total + QStringLiteral(". ") + filterRemark_);
+  QStringList said{ownText("summary.total").arg(countText(shown_.total), countText(rows.rowCount()))};
+  if (!filterRemark_.isEmpty()) said << filterRemark_;
+  lblTotal_->setText(said.join(QStringLiteral(". ")));
+  const bool isCut = shown_.groups.size() < shown_.total;
+  lblCut_->setText(isCut ? ownText("summary.cut").arg(countText(shown_.groups.size()), countText(shown_.total))
+                         : QString());
+  lblCut_->setVisible(isCut);
 }
 
 void SummaryView::requestGroup(int row) {
-  if (list_.isNull() || row < 0 || static_cast<std::size_t>(row) >= shown_.rowCount()) return;
-  const RowGroup& group = groups_[shown_.rowId({static_cast<std::size_t>(row)}).value];
+  if (list_.isNull() || row < 0 || static_cast<std::size_t>(row) >= shown_.list.rowCount()) return;
+  const RowGroup& group = shown_.groups[shown_.list.rowId({static_cast<std::size_t>(row)}).value];
   std::vector<results::ColumnCondition> conditions;
-  for (std::size_t i = 0; i < keys_.size(); ++i) conditions.push_back(conditionOf(keys_[i], group.values[i]));
+  for (std::size_t i = 0; i < group.values.size(); ++i)
+    conditions.push_back(conditionOf(shown_.question.keys[i], group.values[i]));
   ResultListView* const list = list_;
   accept();
   Q_EMIT groupRequested(list, conditions);
 }
 
-ResultList SummaryView::shownGroups() const {
-  std::vector<results::ColumnHeader> headers;
-  std::vector<db::Field> fields;
-  const auto add = [&](std::string caption, db::ColumnKind kind) {
-    headers.push_back({caption, results::standardColumnWidth, 0});
-    fields.push_back({std::move(caption), kind});
+std::function<ResultList()> SummaryView::allGroups() const {
+  return [rows = list_->listModel().list(), question = shown_.question, key = shown_.list.sortKey(),
+          order = shown_.list.sortOrder()] {
+    results::GroupList all = results::groupListOf(rows, question);
+    all.list.sortBy(key, order);
+    return results::withCountLast(all);
   };
-  for (const QString& caption : captions_) add(caption.toStdString(), db::ColumnKind::text);
-  add(ownText("summary.count").toStdString(), db::ColumnKind::number);
-  const auto store = std::make_shared<results::RowStore>();
-  store->beginResult(fields);
-  std::vector<results::RowId> rows;
-  for (std::size_t row = 0; row < shown_.rowCount(); ++row) {
-    const RowGroup& group = groups_[shown_.rowId({row}).value];
-    std::vector<db::Cell> cells;
-    for (const results::ShownValue& value : group.values) cells.push_back({value.text, value.isNull});
-    const std::string number = std::to_string(group.count);
-    cells.push_back({number, false});
-    rows.push_back(store->append(cells));
-  }
-  ResultList list(results::RowFilling::whole);
-  list.setColumns(std::move(headers));
-  list.setRows(store, std::move(rows));
-  return list;
 }
 
 }  // namespace korvel::control

@@ -92,11 +92,56 @@ class Summary : public ::testing::Test {
 
 constexpr int eventColumn = 7;
 
-TEST_F(Summary, CountsTheValuesOfTheCurrentColumn) {
-  show(eventColumn);
+TEST_F(Summary, CountsTheEventsAtFirst) {
+  show(14);
   EXPECT_TRUE(summary.isVisible());
   EXPECT_EQ(shown(), "UPDATE 10|INSERT 2|DELETE 1");
   EXPECT_EQ(summary.findChild<QLabel*>("lblTotal")->text(), "Groups: 3, rows: 13");
+}
+
+TEST_F(Summary, OfAListWithoutEventsCountsTheCurrentColumn) {
+  {
+    const ResultListModel::RowsChange change(model);
+    list.startOver({{"Place", results::standardColumnWidth},
+                    {"Kind", results::standardColumnWidth},
+                    {"Remark", results::standardColumnWidth},
+                    {"Sign", results::standardColumnWidth}});
+    list.setRows(results::test::storeOf({{"1", "b", "", ""}, {"2", "b", "", ""}, {"3", "a", "", ""}}), {{0}, {1}, {2}});
+  }
+  show(1);
+  EXPECT_EQ(shown(), "b 2|a 1");
+}
+
+/// As many groups as rows: the largest are shown, which is said, and the file has all of them.
+TEST_F(Summary, OfTooManyGroupsShowsTheLargestAndSaysSo) {
+  constexpr std::size_t alone = SummaryView::mostGroups + 5;
+  std::vector<Row> rows;
+  std::vector<results::RowId> ids;
+  for (std::size_t i = 0; i < alone + 2; ++i) {
+    Row row(query::auditColumnCount, Value(""));
+    row[eventColumn] = i < alone ? "event " + std::to_string(100'000 + i) : "zero";
+    ids.push_back({static_cast<std::uint32_t>(i)});
+    rows.push_back(row);
+  }
+  {
+    const ResultListModel::RowsChange change(model);
+    list.setRows(results::test::storeOf(rows), ids);
+  }
+  show(eventColumn);
+  EXPECT_EQ(summary.table().model()->rowCount(), 10'000);
+  EXPECT_TRUE(shown().startsWith("zero 2|event 100000 1|event 100001 1|"));
+  const auto* said = summary.findChild<QLabel*>("lblCut");
+  EXPECT_TRUE(said->isVisible());
+  EXPECT_EQ(said->text(), "Only the 10000 largest of 10006 groups are shown. The exported file has all of them.");
+  EXPECT_EQ(summary.findChild<QLabel*>("lblTotal")->text(), "Groups: 10006, rows: 10007");
+  const ResultList all = summary.allGroups()();
+  ASSERT_EQ(all.rowCount(), alone + 1);
+  EXPECT_EQ(all.text({0}, {0}), "zero");
+  EXPECT_EQ(all.text({0}, {1}), "2");
+  EXPECT_EQ(all.text({alone}, {0}), "event 110004");
+  // Nothing is left out any more.
+  chooseEntry(box("cmbFirst"), "User Name");
+  EXPECT_FALSE(said->isVisible());
 }
 
 TEST_F(Summary, SaysThatAFilterHidesRows) {
@@ -168,11 +213,11 @@ TEST_F(SummaryCommand, KeysAloneOpenItAndWriteItAsCsv) {
   QTableView* view = list(*viewer, 0);
   activate(*viewer);
   view->setFocus();
-  view->setCurrentIndex(view->model()->index(0, 5));
   QTest::keyClick(view, Qt::Key_G, Qt::ControlModifier);
   auto* summary = viewer->findChild<SummaryView*>();
   ASSERT_NE(summary, nullptr);
   ASSERT_TRUE(summary->isVisible()) << ::testing::PrintToString(recorder->messages);
+  chooseEntry(summary->findChild<QComboBox*>("cmbFirst"), "Area");
   const TemporaryFolder folder;
   recorder->chosenFolder = QString::fromStdString(folder.path().string());
   QTest::keyClick(summary->findChild<QPushButton*>("btExport"), Qt::Key_Space);
@@ -191,14 +236,13 @@ TEST_F(SummaryCommand, EnterOnAGroupFiltersTheList) {
   server.resultSets[0][2][1] = "2004-03-09 10:00:00";
   click(*viewer, "btQuery");
   QTableView* view = list(*viewer, 0);
-  const auto enterOn = [&](int column, const QString& group) {
+  const auto enterOn = [&](const QString& column, const QString& group) {
     activate(*viewer);
     view->setFocus();
-    view->setCurrentIndex(view->model()->index(0, column));
     QTest::keyClick(view, Qt::Key_G, Qt::ControlModifier);
     auto* summary = viewer->findChild<SummaryView*>();
     ASSERT_TRUE(summary != nullptr && summary->isVisible());
-    if (column == 1) chooseEntry(summary->findChild<QComboBox*>("cmbFirst"), "Date Time by month");
+    chooseEntry(summary->findChild<QComboBox*>("cmbFirst"), column);
     QTableView& groups = summary->table();
     for (int row = 0; row < groups.model()->rowCount(); ++row)
       if (groups.model()->index(row, 1).data().toString() == group)
@@ -206,9 +250,9 @@ TEST_F(SummaryCommand, EnterOnAGroupFiltersTheList) {
     QTest::keyClick(&groups, Qt::Key_Return);
     EXPECT_FALSE(summary->isVisible());
   };
-  enterOn(5, "Tags");
+  enterOn("Area", "Tags");
   EXPECT_EQ(column(*viewer, 0), "7 10");
-  enterOn(1, "2004-03");
+  enterOn("Date Time by month", "2004-03");
   EXPECT_EQ(column(*viewer, 0), "10");
 }
 

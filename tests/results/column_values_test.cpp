@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -123,6 +124,21 @@ TEST(RowGroups, AgreeWithCountingEveryRow) {
         ASSERT_EQ(groups[i].count, expected[group]);
         ASSERT_GE(groups[i == 0 ? 0 : i - 1].count, groups[i].count);
       }
+    }
+  }
+}
+
+TEST(RowGroups, TheLargestAreTheFirstOfAll) {
+  GeneratedList made(RowFilling::whole, 3);
+  const std::vector<std::vector<GroupKey>> choices = {{{{2}}}, {{{4}}}, {{{3}}, {{2}}}, {{{1}, DatePart::hour}, {{4}}}};
+  for (const std::vector<GroupKey>& keys : choices) {
+    const std::vector<RowGroup> all = groupRows(made.list, keys);
+    ASSERT_GT(all.size(), 2U);
+    for (const std::size_t most : {std::size_t{1}, all.size() / 2, all.size() - 1, all.size(), all.size() + 1}) {
+      const LargestGroups largest = largestGroups(made.list, keys, most);
+      EXPECT_EQ(largest.total, all.size());
+      ASSERT_EQ(largest.groups.size(), std::min(most, all.size()));
+      EXPECT_TRUE(std::equal(largest.groups.begin(), largest.groups.end(), all.begin()));
     }
   }
 }
