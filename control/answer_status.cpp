@@ -44,6 +44,7 @@ QString AnswerStatus::remark() const {
   QStringList sentences;
   if (const QString alarms = alarmRemark(); !alarms.isEmpty()) sentences.append(alarms);
   sentences.append(completionTexts().mid(0, 1));
+  if (isCut()) sentences.append(ownText(query::rowLimitText));
   return sentences.join(QStringLiteral(". "));
 }
 
@@ -68,7 +69,7 @@ QString AnswerStatus::restingText() const {
   if (isOutOfDate()) say(ownText("status.outOfDate"));
   say(alarmRemark());
   sentences.append(completionTexts());
-  if (isAllOffered() && !standardAnswer_.completion) say(ownText("status.rowLimit"));
+  if (isCut()) say(ownText("status.rowLimit"));
   return sentences.join(QStringLiteral(". "));
 }
 
@@ -77,9 +78,16 @@ void AnswerStatus::showRestingText() {
   surface_.StatusBar1->setStatus(shownRestingText_);
 }
 
-void AnswerStatus::showNotice(std::function<QString()> notice) {
+void AnswerStatus::showNotice(std::function<QString()> notice, const ResultListModel* rows) {
   notice_ = std::move(notice);
+  noticedRows_ = rows;
   showRestingText();
+}
+
+void AnswerStatus::endNoticeOn(const ResultListModel& rows) {
+  if (!notice_ || noticedRows_ != &rows) return;
+  clearNotice();
+  followRestingText();
 }
 
 bool AnswerStatus::isAllOffered() const {
@@ -90,6 +98,10 @@ void AnswerStatus::followRestingText() {
   surface_.StatusBar1->offerLoadAll(isAllOffered());
   // The progress of a query and the help of a command stay until they end; the resting text is computed again then.
   if (surface_.StatusBar1->status() == shownRestingText_) showRestingText();
+}
+
+bool AnswerStatus::isCut() const {
+  return isAllOffered() && !standardAnswer_.completion;
 }
 
 QString AnswerStatus::emptyText(const ShownAnswer& answer, bool custom) const {

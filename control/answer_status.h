@@ -11,6 +11,7 @@
 
 namespace korvel::control {
 
+class ResultListModel;
 class Surface;
 
 /// How the query ended whose answer a list shows. An empty list says it.
@@ -65,9 +66,12 @@ class AnswerStatus {
   [[nodiscard]] int selections() const noexcept { return selections_; }
 
   /// Says `notice` until it is cleared: by the next query, a change of the page or the end of the rows it is about.
-  /// It is a function, because the language of its text may change.
-  void showNotice(std::function<QString()> notice);
+  /// It is a function, because the language of its text may change. Where it is about the rows that a list shows, it
+  /// ends when the list shows others; see endNoticeOn().
+  void showNotice(std::function<QString()> notice, const ResultListModel* rows = nullptr);
   void clearNotice() { notice_ = nullptr; }
+  /// The list shows other rows from now on: what was said of them is not true any more.
+  void endNoticeOn(const ResultListModel& rows);
 
   /// What the status panel says while nothing goes on and no command is highlighted.
   void showRestingText();
@@ -78,8 +82,8 @@ class AnswerStatus {
 
   /// What the standard query would ask at present.
   [[nodiscard]] std::string standardQuestion() const;
-  /// What pages say of the list in front: that it shows alarm rows of all dates, and whether it is complete. Empty
-  /// where there is nothing to say.
+  /// What pages say of the list in front: that it shows alarm rows of all dates, and whether it is complete or was cut.
+  /// Empty where there is nothing to say.
   [[nodiscard]] QString remark() const;
   /// How often the standard lists got another answer, or none: what was asked for before is not shown afterwards.
   [[nodiscard]] int standardAnswers() const noexcept { return standardAnswers_; }
@@ -94,6 +98,8 @@ class AnswerStatus {
   [[nodiscard]] bool isOutOfDate() const;
   /// Whether more records may be loaded into the list in front.
   [[nodiscard]] bool isAllOffered() const;
+  /// Whether the list in front may lack records, because the procedure returns no more.
+  [[nodiscard]] bool isCut() const;
   [[nodiscard]] QString restingText() const;
   /// What is said of an answer of which all was loaded: whether it is complete, of how many records, and then what is
   /// missing. Empty for any other answer, and on the custom page.
@@ -107,6 +113,7 @@ class AnswerStatus {
   ShownAnswer standardAnswer_;
   ShownAnswer customAnswer_;
   std::function<QString()> notice_;
+  const ResultListModel* noticedRows_ = nullptr;  ///< whose shown rows the notice is about; null for any other notice
   QString shownRestingText_;
   int selections_ = 0;
   int standardAnswers_ = 0;

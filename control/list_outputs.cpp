@@ -58,6 +58,9 @@ ListOutputs::ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surf
   messages_.onClick(surface_.btPrint, "btPrint_Click", [this] { btPrint_Click(); });
   QObject::connect(surface_.WebBrowser1, &ReportViewer::DocumentComplete, &viewer_,
                    [this] { WebBrowser1_DocumentComplete(); });
+  for (const auto& model : surface_.models)
+    QObject::connect(model.get(), &QAbstractItemModel::modelReset, &viewer_,
+                     [this, rows = model.get()] { answers_.endNoticeOn(*rows); });
 }
 
 QString ListOutputs::GetExportPath(const QString& dialogtext, int files) {
@@ -207,7 +210,7 @@ void ListOutputs::writeReport() {
     QString remark = answers_.remark();
     if (rows->remark) {
       remark = remark.isEmpty() ? rows->remark() : rows->remark() + QStringLiteral(". ") + remark;
-      answers_.showNotice(rows->remark);
+      answers_.showNotice(rows->remark, &surface_.currentList().listModel());
     }
     surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), remark);
   } catch (...) {

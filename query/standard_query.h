@@ -30,6 +30,8 @@ namespace korvel::query {
 
 /// The key of the note about that, which is shown wherever the rows are.
 inline constexpr std::string_view alarmsOfAllDatesText = "query.alarmsOfAllDates";
+/// Key of the remark on an answer that came with as many rows as the procedure returns at most.
+inline constexpr std::string_view rowLimitText = "query.rowLimit";
 
 /// Opens a connection for a connection string, which ends what is under way when it is asked to stop;
 /// db::openConnection outside tests. Called on a thread of the query's own, which may be left behind: what it refers to

@@ -63,6 +63,28 @@ TEST_F(FilteredOutputs, ReportsSayItOnTheirPagesAndInTheStatus) {
   EXPECT_EQ(statusPanel(*viewer), "Whole list: all 3 records, filters not applied");
 }
 
+TEST_F(FilteredOutputs, TheStatusOfAReportEndsWithTheFilter) {
+  const auto viewer = filtered();
+  recorder->chosenAnswer = 0;
+  viewer->PreviewReport();
+  completeDocuments();
+  ASSERT_EQ(statusPanel(*viewer), "Filtered: 2 of 3 records");
+  QTest::keyClick(list(*viewer, 5), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_EQ(column(*viewer, 5), "one two three");
+  EXPECT_EQ(statusPanel(*viewer), "");
+}
+
+/// What was written stays written.
+TEST_F(FilteredOutputs, TheStatusOfAFileOutlastsTheFilter) {
+  const auto viewer = filtered();
+  recorder->chosenAnswer = 0;
+  viewer->ExportNotepad();
+  const QString said = statusPanel(*viewer);
+  QTest::keyClick(list(*viewer, 5), Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_EQ(column(*viewer, 5), "one two three");
+  EXPECT_EQ(statusPanel(*viewer), said);
+}
+
 TEST_F(FilteredOutputs, WithoutAnAnswerNothingIsPutOut) {
   const auto viewer = filtered();
   recorder->chosenAnswer = std::nullopt;
