@@ -204,6 +204,17 @@ ResultList countedRows(const ResultList& list, const std::vector<CountText>& cou
   return counted;
 }
 
+std::string choiceText(const RowChoice& choice) {
+  std::string text;
+  const auto add = [&](std::string_view part) { text.append(text.empty() ? "" : ", ").append(part); };
+  if (!choice.find.empty())
+    add("find " + std::string(choice.regex ? "regular expression " : "") + '"' + choice.find + '"' +
+        (choice.exactCase ? " in exact case" : ""));
+  for (const WhereText& where : choice.where)
+    add(where.column + (where.excludes ? " != " : " = ") + '"' + where.value + '"');
+  return text;
+}
+
 std::optional<int> applyRowChoice(const RowChoice& choice, ResultList& list, std::string& remark, std::ostream& err) {
   if (const auto problem = choiceProblem(choice, list)) return refused(err, *problem);
   const std::size_t all = list.rowCount();
@@ -213,7 +224,8 @@ std::optional<int> applyRowChoice(const RowChoice& choice, ResultList& list, std
     std::string said = groupedNumber(list.rowCount()) + " of " + groupedNumber(all) + " records chosen";
     if (*gaveUp) said += "; some values are too much for this regular expression and count as not matching";
     say(err, said);
-    remark.append(remark.empty() ? "" : ". ").append(said);
+    // A page is read without the command beside it.
+    addSentence(remark, said + ": " + choiceText(choice));
     if (list.rowCount() == 0) return exitNoRecords;
   }
   if (!choice.countBy.empty()) list = countedRows(list, choice.countBy);

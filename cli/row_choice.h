@@ -75,9 +75,12 @@ void keepPassingRows(results::ResultList& list, const results::RowFilter& filter
 /// last one. Throws Error when memory runs out.
 [[nodiscard]] results::ResultList countedRows(const results::ResultList& list, const std::vector<CountText>& countBy);
 
-/// What a choice leaves of a list: says on `err` how many rows, where that is not all of them, and adds it to the
-/// remark of the pages. Nothing where the list is what should be written; else the exit status with which the command
-/// ends.
+/// The choice in words: 'find "TIC", Event = "UPDATE"'.
+[[nodiscard]] std::string choiceText(const RowChoice& choice);
+
+/// What a choice leaves of a list: says on `err` how many rows, where that is not all of them, and adds it with the
+/// choice to the remark of the pages. Nothing where the list is what should be written; else the exit status with which
+/// the command ends.
 [[nodiscard]] std::optional<int> applyRowChoice(const RowChoice& choice, results::ResultList& list, std::string& remark,
                                                 std::ostream& err);
 

@@ -125,10 +125,9 @@ Answered answered(const StandardQuestion& question, const query::FilterTree& tre
   sayNotes(tree, question.range, report, err);
   // The pages of the other audit types hold no alarm rows.
   const bool showsAlarms = question.list <= 1 && query::alarmsComeFromAllDates(tree.flags(), question.range);
-  Answered answer{exitDone,
-                  std::string(showsAlarms ? settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{})
-                                          : std::string_view{}),
-                  true};
+  Answered answer{.status = exitDone, .hasRows = true};
+  if (showsAlarms) addSentence(answer.remark, settings::ownText(query::alarmsOfAllDatesText, {}));
+  if (report.fullResults > 0) addSentence(answer.remark, settings::ownText(query::rowLimitText, {}));
   if (lists[question.list].rowCount() > 0) return answer;
   say(err, listText(question.list) + " is empty; nothing was written");
   return {exitNoRecords};
@@ -158,7 +157,7 @@ Answered askQuestion(const StandardQuestion& question, const query::Connector& c
   // A list without rows says nothing where rows are missing.
   if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
   if (answer.status != exitDone) return answer;
-  answer.remark.append(answer.remark.empty() ? "" : ". ").append(texts.front());
+  addSentence(answer.remark, texts.front());
   if (!report.isComplete()) answer.status = exitIncomplete;
   return answer;
 }
@@ -258,6 +257,10 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
     }
   });
   return failure ? outputFailed(err, *failure) : status;
+}
+
+void addSentence(std::string& remark, std::string_view sentence) {
+  remark.append(remark.empty() ? "" : ". ").append(sentence);
 }
 
 std::string groupedNumber(std::size_t number) {

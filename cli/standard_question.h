@@ -62,6 +62,9 @@ using AnswerWriter =
                               const std::string& target, std::ostream& out, std::ostream& err,
                               const AnswerWriter& write);
 
+/// Adds a sentence to what is said of rows.
+void addSentence(std::string& remark, std::string_view sentence);
+
 /// "48,213".
 [[nodiscard]] std::string groupedNumber(std::size_t number);
 

@@ -2,6 +2,8 @@
 
 #include <QDate>
 #include <QFontMetricsF>
+#include <QTextLayout>
+#include <QTextOption>
 #include <QTime>
 #include <algorithm>
 #include <cmath>
@@ -44,16 +46,13 @@ class ActivityDrawing {
     addTitle(top);
     top = addLegend(top + gap + metrics_.height()) + gap + metrics_.descent();
     qreal bottom = picture_.size.height() - margin;
-    if (const QString foot = footText(); !foot.isEmpty()) {
-      addText({margin, bottom - metrics_.descent()}, TextAnchor::start,
-              metrics_.elidedText(foot, Qt::ElideRight, innerWidth()), colors_.muted);
-      bottom -= metrics_.height() + gap / 2;
-    }
     const qreal numbers =
         metrics_.horizontalAdvance(words_.locale.toString(gridValue(std::max<std::size_t>(most_, 1))));
-    plot_ =
-        QRectF(QPointF(std::ceil(margin + numbers + gap), std::ceil(top)),
-               QPointF(std::floor(picture_.size.width() - margin), std::floor(bottom - metrics_.height() - gap / 2)));
+    plot_.setLeft(std::ceil(margin + numbers + gap));
+    plot_.setRight(std::floor(picture_.size.width() - margin));
+    bottom = addFoot(bottom, bottom - top - picture_.size.height() / 3);
+    plot_.setTop(std::ceil(top));
+    plot_.setBottom(std::floor(bottom - metrics_.height() - gap / 2));
     if (plot_.isValid() && !activity_.bars.empty()) {
       addGrid();
       addBars();
@@ -127,9 +126,38 @@ class ActivityDrawing {
   [[nodiscard]] QString footText() const {
     QStringList parts;
     if (!words_.remark.isEmpty()) parts << words_.remark;
-    if (static_cast<qreal>(activity_.bars.size()) > innerWidth()) parts << words_.highest;
+    // Of bars as wide as a dot or wider each one is seen.
+    if (static_cast<qreal>(activity_.bars.size()) > plot_.width()) parts << words_.highest;
     if (activity_.undated > 0) parts << words_.undated.arg(numberText(activity_.undated));
     return parts.join(QStringLiteral(". "));
+  }
+
+  /// What a reader has to know, in as many lines as it needs and have room, but in one at least; gives where they
+  /// begin.
+  qreal addFoot(qreal bottom, qreal room) {
+    const QString foot = footText().simplified();
+    if (foot.isEmpty()) return bottom;
+    // Another program may have another font, which is wider.
+    constexpr qreal slack = 1.1;
+    const qreal width = innerWidth() / slack;
+    const int most = std::max(1, static_cast<int>(room / metrics_.height()));
+    QTextLayout layout(foot, picture_.font);
+    QTextOption wrapped;
+    wrapped.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(wrapped);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid() && lines.size() < most; line = layout.createLine()) {
+      line.setLineWidth(width);
+      const bool isLast = lines.size() + 1 == most;
+      lines << (isLast ? metrics_.elidedText(foot.mid(line.textStart()), Qt::ElideRight, width)
+                       : foot.mid(line.textStart(), line.textLength()).trimmed());
+    }
+    layout.endLayout();
+    bottom -= static_cast<qreal>(lines.size()) * metrics_.height();
+    for (int i = 0; i < lines.size(); ++i)
+      addText({margin, bottom + i * metrics_.height() + metrics_.ascent()}, TextAnchor::start, lines[i], colors_.muted);
+    return bottom - gap / 2;
   }
 
   void addGrid() {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/messages.h"
+#include "db/procedure/audit_conditions.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/scripted_connection.h"
 #include "tests/support/temporary_folder.h"
@@ -89,10 +90,22 @@ TEST_F(ChartCommand, CountsByTheGivenPeriodAndColumn) {
 TEST_F(ChartCommand, TakesTheRowsThatAreChosen) {
   const ToolRun tool = run({"--where", "Event=INSERT"});
   EXPECT_EQ(tool.status, exitDone) << tool.err;
-  EXPECT_TRUE(says("7 Mar 2004 - 7 Mar 2004; INSERT: 1; 1 of 4 records chosen<")) << written();
-  EXPECT_TRUE(says(">1 of 4 records chosen</text>")) << written();
+  EXPECT_TRUE(says("7 Mar 2004 - 7 Mar 2004; INSERT: 1; 1 of 4 records chosen: Event = &quot;INSERT&quot;<"))
+      << written();
+  EXPECT_TRUE(says(">1 of 4 records chosen: Event = &quot;INSERT&quot;</text>")) << written();
   EXPECT_EQ(run({"--find", "2004-03-09"}).status, exitDone);
-  EXPECT_TRUE(says("9 Mar 2004 - 9 Mar 2004; UPDATE: 1; 1 of 4 records chosen<")) << written();
+  EXPECT_TRUE(says("9 Mar 2004 - 9 Mar 2004; UPDATE: 1; 1 of 4 records chosen: find &quot;2004-03-09&quot;<"))
+      << written();
+}
+
+TEST_F(ChartCommand, SaysThatTheAnswerWasCut) {
+  const std::string cut = "5000-row limit of an answer reached: there may be more records";
+  ASSERT_EQ(run({}).status, exitDone);
+  EXPECT_FALSE(says(cut));
+  while (server.answer[0].rows.size() < db::rowLimitPerResult) add("9", "2004-03-07 12:00:00", "UPDATE");
+  ASSERT_EQ(run({"--where", "User Name!=nobody"}).status, exitDone);
+  EXPECT_TRUE(says(">" + cut + ". 5,000 of 5,000 records chosen: User Name != &quot;nobody&quot;. Records"))
+      << written();
 }
 
 TEST_F(ChartCommand, WhereNothingIsLeftNothingIsWritten) {

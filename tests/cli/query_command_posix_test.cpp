@@ -87,5 +87,20 @@ TEST_F(QueryCommand, PagesSayWhetherTheAnswerIsComplete) {
   EXPECT_NE(test::outputOf("pdftotext -l 1 -raw '" + file + "' -").find("complete: 5,000 records"), std::string::npos);
 }
 
+TEST_F(QueryCommand, PagesSayThatTheAnswerWasCutAndWhatWasChosen) {
+  const std::string file = (folder / "out.pdf").string();
+  const auto firstPage = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {"--format", "pdf", "--output", file});
+    EXPECT_EQ(run(options).status, exitDone);
+    return test::outputOf("pdftotext -l 1 -raw '" + file + "' -");
+  };
+  const std::string cut = "5000-row limit of an answer reached: there may be more records";
+  EXPECT_EQ(firstPage({}).find(cut), std::string::npos);
+  server.answer[0].rows.assign(db::rowLimitPerResult, test::auditRow("1", "CS"));
+  const std::string page = firstPage({"--where", "Audit Type=CS"});
+  EXPECT_NE(page.find(cut), std::string::npos) << page;
+  EXPECT_NE(page.find("chosen: Audit Type = \"CS\""), std::string::npos) << page;
+}
+
 }  // namespace
 }  // namespace korvel::cli

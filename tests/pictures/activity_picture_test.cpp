@@ -132,6 +132,34 @@ TEST(ActivityPicture, WhereBarsShareADotTheHighestIsDrawn) {
   EXPECT_FALSE(shows(drawn(daily({{1}})), QStringLiteral("crowded")));
 }
 
+/// Bars need a dot each, and the captions at the left take some.
+TEST(ActivityPicture, SaysThatBarsShareDotsAsSoonAsTheyDo) {
+  for (std::size_t count = 700; count <= 800; ++count) {
+    const Picture picture = drawn(daily(std::vector<std::vector<std::size_t>>(count, {1'000'000})));
+    const bool share = bars(picture, 1).size() < count;
+    EXPECT_EQ(shows(picture, QStringLiteral("crowded")), share) << count;
+  }
+}
+
+/// Nothing of what a reader has to know is left out.
+TEST(ActivityPicture, ALongRemarkIsWrapped) {
+  ActivityWords remarked = words();
+  QStringList parts;
+  for (int i = 0; i < 40; ++i) parts << QStringLiteral("remark%1").arg(i);
+  remarked.remark = parts.join(QLatin1Char(' '));
+  const Picture picture = activityPicture(daily({{1}}), {800, 300}, remarked, ActivityColors::light(), font());
+  QStringList foot;
+  for (const PictureText& text : picture.texts)
+    if (text.text.startsWith(QLatin1String("remark"))) foot << text.text;
+  EXPECT_GT(foot.size(), 1);
+  EXPECT_EQ(foot.join(QLatin1Char(' ')), remarked.remark);
+  // Not at the cost of the bars.
+  remarked.remark = remarked.remark.repeated(100);
+  const Picture full = activityPicture(daily({{1}}), {800, 300}, remarked, ActivityColors::light(), font());
+  ASSERT_EQ(bars(full, 1).size(), 1U);
+  EXPECT_GT(bars(full, 1).front().area.height(), 50);
+}
+
 TEST(ActivityPicture, OfNothingIsEmpty) {
   const Picture picture = drawn(Activity{});
   EXPECT_TRUE(picture.boxes.empty());
