@@ -3,9 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <functional>
+#include <map>
 #include <regex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -115,6 +119,52 @@ bool hasLooseFrenchSign(std::string_view text) {
     if (before.ends_with(' ') || (endsWord && !before.ends_with(unbrokenBlank))) return true;
   }
   return false;
+}
+
+/// The letters that Alt takes in a window: one window's texts are in one line. Those of the record window and of others
+/// are apart, also where windows share a button.
+const std::vector<std::vector<std::string>> dialogsWithLetters = {
+    {"dialog.yes", "dialog.no"},
+    {"filter.takeShown", "filter.takeWhole"},
+    {"history.copy", "record.close", "history.goTo"},
+    {"preview.print", "preview.close"},
+    {"record.previous", "record.next", "record.copy", "record.close"},
+    {"summary.by", "summary.and", "summary.copy", "summary.export", "record.close"},
+};
+
+/// The letter behind the "&" of a text; a blank where there is none.
+char letterOf(const std::string& text) {
+  const std::size_t mark = text.find('&');
+  return mark == std::string::npos || mark + 1 == text.size()
+             ? ' '
+             : static_cast<char>(std::tolower(static_cast<unsigned char>(text[mark + 1])));
+}
+
+TEST(TextTable, LettersOfOurDialogsDoNotCollide) {
+  std::map<std::string, TextRow> rows;
+  for (const TextRow& row : ownTable().rows) rows.emplace(row.key, row);
+  for (const std::vector<std::string>& dialog : dialogsWithLetters) {
+    for (std::size_t language = 0; language < languageCount; ++language) {
+      std::map<char, std::string> taken;
+      for (const std::string& key : dialog) {
+        const std::string& text = rows.at(key).texts.at(language);
+        const char letter = letterOf(text);
+        EXPECT_TRUE(letter >= 'a' && letter <= 'z') << key << ": " << text;
+        const auto [other, isFree] = taken.emplace(letter, text);
+        EXPECT_TRUE(isFree) << "'" << letter << "' of \"" << text << "\" and \"" << other->second << '"';
+      }
+    }
+  }
+}
+
+TEST(TextTable, EveryLetterBelongsToADialogThatIsChecked) {
+  std::set<std::string> checked;
+  for (const auto& dialog : dialogsWithLetters) checked.insert(dialog.begin(), dialog.end());
+  for (const TextRow& row : ownTable().rows) {
+    const bool hasLetter = std::any_of(row.texts.begin(), row.texts.end(),
+                                       [](const std::string& text) { return letterOf(text) != ' '; });
+    EXPECT_TRUE(!hasLetter || checked.contains(row.key)) << row.key << ": name its window in dialogsWithLetters";
+  }
 }
 
 TEST(TextTable, OurFrenchSetsItsSignsApartWithoutBreakingLines) {
