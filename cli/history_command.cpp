@@ -24,8 +24,9 @@ constexpr const char* footer =
     "All records of the items with this item id, whatever the procedure's limit is (see query\n"
     "--complete): item by item, and in the order of time. An item is what agrees in project,\n"
     "database, area, item and item id. \"Continues\" is \"no\" where the old value is not the new one\n"
-    "of the record before: something has happened that these records do not show. --where chooses\n"
-    "among the records without making gaps; --from, --to and --category limit what is known.\n"
+    "of the record before: something has happened that these records do not show; it is empty where\n"
+    "records have no item id. --where chooses among the records without making gaps; --from, --to and\n"
+    "--category limit what is known.\n"
     "\n"
     "Examples:\n"
     "  korvel-audit history --item TIC-1901\n"
@@ -53,7 +54,8 @@ ResultList historyList(const ResultList& list, const std::vector<query::ItemHist
     for (const query::ItemChange& change : history.changes) {
       std::vector<db::Cell> cells;
       for (std::size_t i = 0; i < query::auditColumnCount; ++i) {
-        if (query::auditColumns().at(i).name == oldValueName) cells.push_back({change.continues ? "yes" : "no", false});
+        if (query::auditColumns().at(i).name == oldValueName)
+          cells.push_back({!history.namesItem() ? "" : change.continues ? "yes" : "no", false});
         cells.push_back(list.store()->cell(change.record, {i}));
       }
       rows.push_back(store->append(cells));

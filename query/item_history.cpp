@@ -146,10 +146,11 @@ std::vector<ItemHistory> itemHistories(const ResultList& list, const ItemColumns
       std::vector<ItemChange>& changes = histories.back().changes;
       ItemChange change{row.record, row.time, list.textOf(row.record, columns.oldValue),
                         list.textOf(row.record, columns.newValue)};
-      change.continues = changes.empty() || changes.back().newValue == change.oldValue;
+      change.continues = changes.empty() || !histories.back().namesItem() || changes.back().newValue == change.oldValue;
       changes.push_back(change);
     }
-    for (ItemHistory& history : histories) findUnit(history);
+    for (ItemHistory& history : histories)
+      if (history.namesItem()) findUnit(history);
     return histories;
   } catch (const std::bad_alloc&) {
     throw results::outOfMemory();

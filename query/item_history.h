@@ -43,7 +43,7 @@ struct ItemChange {
   std::string_view oldValue;
   std::string_view newValue;
   /// Whether the old value is the new one of the change before; true for the first change. If not, something has
-  /// happened that the list does not show.
+  /// happened that the list does not show. Said of an item only: see ItemHistory::namesItem().
   bool continues = true;
 };
 
@@ -54,6 +54,10 @@ struct ItemHistory {
   /// Every value that is not empty is a number of this unit, and there is one.
   bool isNumeric = false;
   std::string_view unit{};
+
+  /// Whether the records have an item id. Those without one may be about several things, whose values do not continue
+  /// each other and are in no plot.
+  [[nodiscard]] bool namesItem() const noexcept { return !identity.back().empty(); }
 };
 
 /// The history of the item that a record is about, in all rows of the list, those that a filter hides included. Throws

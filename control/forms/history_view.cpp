@@ -164,17 +164,23 @@ void HistoryView::follow(ResultListView& list) {
 
 void HistoryView::fillHead() {
   const ItemHistory& history = changes_.history();
-  const QString item = orEmpty(history.identity.back());
+  // Without an item id, the innermost that is named.
+  const auto named = std::find_if(history.identity.rbegin(), history.identity.rend(),
+                                  [](std::string_view part) { return !part.empty(); });
+  const QString item = orEmpty(named == history.identity.rend() ? std::string_view() : *named);
   setWindowTitle(ownText("history.title").arg(item));
   lblItem_->setText(item);
   QStringList place;
-  for (std::size_t i = 0; i + 1 < history.identity.size(); ++i)
-    if (!history.identity.at(i).empty()) place << fromUtf8(history.identity.at(i)).simplified();
+  for (const std::string_view part : history.identity)
+    if (!part.empty()) place << fromUtf8(part).simplified();
+  if (!place.isEmpty()) place.removeLast();
   lblPlace_->setText(place.join(QStringLiteral(" \u00B7 ")));
   const auto gaps = static_cast<std::size_t>(std::count_if(history.changes.begin(), history.changes.end(),
                                                            [](const ItemChange& each) { return !each.continues; }));
-  lblSummary_->setText(ownText("history.count").arg(countText(history.changes.size())) + QLatin1Char(' ') +
-                       (gaps == 0 ? ownText("history.allContinue") : ownText("history.gaps").arg(countText(gaps))));
+  const QString judged = !history.namesItem() ? ownText("history.noItemId")
+                         : gaps == 0          ? ownText("history.allContinue")
+                                              : ownText("history.gaps").arg(countText(gaps));
+  lblSummary_->setText(ownText("history.count").arg(countText(history.changes.size())) + QLatin1Char(' ') + judged);
 }
 
 void HistoryView::fillPlot() {

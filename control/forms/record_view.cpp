@@ -182,13 +182,13 @@ void RecordView::makeField(std::size_t place, const QString& caption, bool frame
 /// Old and new value side by side, and under them what differs.
 QLayout* RecordView::pairLayout(const Pair& pair, const std::vector<QString>& captions) {
   const int inGroup = ui::px(this, ui::space::inGroup);
-  auto* sides = new QHBoxLayout;
-  sides->setSpacing(ui::px(this, ui::space::inside));
+  sides_ = new QHBoxLayout;
+  sides_->setSpacing(ui::px(this, ui::space::inside));
   for (const std::size_t place : {pair.before, pair.after}) {
     makeField(place, captions[place], true);
     const Field& field = fields_[place];
     field.label->setContentsMargins(0, 0, 0, inGroup);
-    sides->addLayout(below({field.label, field.value, field.note}), 1);
+    sides_->addLayout(below({field.label, field.value, field.note}), 1);
   }
   auto* note = named(new QLabel, "lblDifference");
   note->setWordWrap(true);
@@ -197,7 +197,7 @@ QLayout* RecordView::pairLayout(const Pair& pair, const std::vector<QString>& ca
   auto* stack = new QVBoxLayout;
   stack->setContentsMargins(0, inGroup, 0, inGroup);
   stack->setSpacing(inGroup);
-  stack->addLayout(sides);
+  stack->addLayout(sides_);
   stack->addWidget(note);
   return stack;
 }
@@ -211,6 +211,7 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, std::option
   if (const QWidget* const focused = focusWidget(); focused != nullptr && area_->isAncestorOf(focused))
     btClose_->setFocus();
   comparison_.reset();
+  sides_ = nullptr;
   fields_.assign(captions.size(), {});
   pair_ = pair;
   auto* form = new QWidget;
@@ -240,7 +241,20 @@ void RecordView::arrangeFields(const std::vector<QString>& captions, std::option
   }
   grid->setRowStretch(line, 1);
   area_->setWidget(form);
+  placePair();
   setTabOrderOf(order);
+}
+
+void RecordView::placePair() {
+  if (sides_ == nullptr) return;
+  constexpr int charactersOfALine = 44;
+  const int wide = 2 * charactersOfALine * fontMetrics().averageCharWidth();
+  sides_->setDirection(width() < wide ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+}
+
+void RecordView::resizeEvent(QResizeEvent* event) {
+  QDialog::resizeEvent(event);
+  placePair();
 }
 
 void RecordView::setTabOrderOf(const std::vector<std::size_t>& places) {

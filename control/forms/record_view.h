@@ -9,6 +9,7 @@
 #include "control/forms/value_comparison.h"
 #include "control/result_list_view.h"
 
+class QBoxLayout;
 class QLabel;
 class QLayout;
 class QPushButton;
@@ -19,7 +20,8 @@ namespace korvel::control {
 class ValueField;
 
 /// Shows all fields of one record that the server sent, also those that the list does not show, with their text as it
-/// is stored. Old and new value are side by side, and what differs is marked. Steps to the next and previous record in
+/// is stored. Old and new value are side by side, or one under the other where there is no room, and what differs is
+/// marked. Steps to the next and previous record in
 /// the list's order.
 class RecordView final : public QDialog {
   Q_OBJECT
@@ -40,6 +42,9 @@ class RecordView final : public QDialog {
  Q_SIGNALS:
   /// A command was refused; `text` says why.
   void refused(const QString& text);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   struct Field {
@@ -67,6 +72,8 @@ class RecordView final : public QDialog {
   void arrangeFields(const std::vector<QString>& captions, std::optional<Pair> pair);
   void makeField(std::size_t place, const QString& caption, bool framed);
   [[nodiscard]] QLayout* pairLayout(const Pair& pair, const std::vector<QString>& captions);
+  /// Puts old and new value side by side where each has room for a line that can be read.
+  void placePair();
   void setTabOrderOf(const std::vector<std::size_t>& places);
   [[nodiscard]] const results::ResultList& list() const { return list_->listModel().list(); }
 
@@ -76,6 +83,7 @@ class RecordView final : public QDialog {
   std::vector<Field> fields_;
   std::optional<Pair> pair_;
   std::optional<ValueComparison> comparison_;
+  QBoxLayout* sides_ = nullptr;  ///< old and new value, while there are any
 
   QScrollArea* area_;
   QPushButton* btPrevious_ = nullptr;

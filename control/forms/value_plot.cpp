@@ -6,8 +6,10 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
+#include "control/forms/step_line.h"
 #include "ui/style/theme.h"
 
 namespace korvel::control {
@@ -70,48 +72,60 @@ void ValuePlot::setReadout(const QString& text) {
   update();
 }
 
-/// Of the lines and marks; the labels stand around it.
-QRectF ValuePlot::area() const {
+ValuePlot::Scale ValuePlot::scale() const {
   const QFontMetrics metrics(font());
   const int inside = ui::px(this, ui::space::inside);
   const int label = std::max(metrics.horizontalAdvance(labels_.highest), metrics.horizontalAdvance(labels_.lowest));
   const int left = std::min(label + 2 * inside, width() / 3);
   const int top = metrics.height() + 2 * inside;
-  return QRectF(rect()).adjusted(left, top, -inside, -(metrics.height() + 2 * inside));
-}
-
-qreal ValuePlot::xOf(double at) const {
+  Scale scale;
+  scale.area = QRectF(rect()).adjusted(left, top, -inside, -(metrics.height() + 2 * inside));
   const int stubWidth = ui::px(this, stub);
-  const QRectF inner = area().adjusted(stubWidth, 0, -stubWidth, 0);
-  const double first = changes_.front().at;
-  const double apart = changes_.back().at - first;
-  return apart > 0 ? inner.left() + inner.width() * (at - first) / apart : inner.center().x();
+  scale.left = scale.area.left() + stubWidth;
+  scale.right = scale.area.right() - stubWidth;
+  if (!changes_.empty()) {
+    scale.first = changes_.front().at;
+    scale.last = changes_.back().at;
+  }
+  scale.lowest = lowest_;
+  scale.highest = highest_;
+  return scale;
 }
 
-qreal ValuePlot::yOf(double value) const {
-  const QRectF inner = area();
-  const double apart = highest_ - lowest_;
-  return apart > 0 ? inner.bottom() - inner.height() * ((value - lowest_) / apart) : inner.center().y();
+qreal ValuePlot::Scale::x(double at) const {
+  return last > first ? left + (right - left) * (at - first) / (last - first) : (left + right) / 2;
+}
+
+qreal ValuePlot::Scale::y(double value) const {
+  const double apart = highest - lowest;
+  return apart > 0 ? area.bottom() - area.height() * ((value - lowest) / apart) : area.center().y();
+}
+
+QPointF ValuePlot::Scale::mark(const PlotChange& change) const {
+  // Where nothing came after it, the change is marked at what was before.
+  const auto value = change.after ? change.after : change.before;
+  return {x(change.at), value ? y(*value) : area.bottom()};
 }
 
 QPointF ValuePlot::markOf(int change) const {
-  const PlotChange& shown = changes_.at(static_cast<std::size_t>(change));
-  // Where nothing came after it, the change is marked at what was before.
-  const auto value = shown.after ? shown.after : shown.before;
-  return {xOf(shown.at), value ? yOf(*value) : area().bottom()};
+  return scale().mark(changes_.at(static_cast<std::size_t>(change)));
 }
 
 int ValuePlot::nearest(QPointF place) const {
   if (changes_.empty()) return -1;
+  const Scale shown = scale();
+  const auto distanceOf = [&](int change) {
+    return QLineF(place, shown.mark(changes_[static_cast<std::size_t>(change)])).length();
+  };
   // The marks lie from the left to the right; several may share a moment.
   const auto from = std::partition_point(changes_.begin(), changes_.end(),
-                                         [&](const PlotChange& change) { return xOf(change.at) < place.x(); });
+                                         [&](const PlotChange& change) { return shown.x(change.at) < place.x(); });
   const auto firstAfter = static_cast<int>(from - changes_.begin());
   constexpr int neighbours = 8;
   int found = std::min(firstAfter, countOf() - 1);
-  qreal least = QLineF(place, markOf(found)).length();
+  qreal least = distanceOf(found);
   for (int i = std::max(0, firstAfter - neighbours); i < std::min(countOf(), firstAfter + neighbours); ++i) {
-    const qreal distance = QLineF(place, markOf(i)).length();
+    const qreal distance = distanceOf(i);
     if (distance < least) {
       least = distance;
       found = i;
@@ -171,19 +185,20 @@ void ValuePlot::paintEvent(QPaintEvent* /*event*/) {
   painter.setBrush(theme.surface);
   painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
   if (changes_.empty()) return;
-  paintAxes(painter);
-  paintLine(painter);
-  paintMarks(painter);
+  const Scale shown = scale();
+  paintAxes(painter, shown);
+  paintLine(painter, shown);
+  paintMarks(painter, shown);
 }
 
-void ValuePlot::paintAxes(QPainter& painter) const {
+void ValuePlot::paintAxes(QPainter& painter, const Scale& scale) const {
   const ui::Theme& theme = ui::Theme::of(*this);
   const QFontMetrics metrics(font());
-  const QRectF plot = area();
+  const QRectF plot = scale.area;
   const qreal inside = ui::px(this, ui::space::inside);
   painter.setPen(theme.border);
-  const qreal top = std::round(yOf(highest_)) + 0.5;
-  const qreal bottom = std::round(yOf(lowest_)) + 0.5;
+  const qreal top = std::round(scale.y(highest_)) + 0.5;
+  const qreal bottom = std::round(scale.y(lowest_)) + 0.5;
   painter.drawLine(QPointF(plot.left(), top), QPointF(plot.right(), top));
   painter.setPen(theme.muted);
   const auto label = [&](qreal y, const QString& text) {
@@ -202,49 +217,60 @@ void ValuePlot::paintAxes(QPainter& painter) const {
                    metrics.elidedText(readout_, Qt::ElideRight, static_cast<int>(above.width())));
 }
 
-void ValuePlot::paintLine(QPainter& painter) const {
+void ValuePlot::paintLine(QPainter& painter, const Scale& scale) const {
   const ui::Theme& theme = ui::Theme::of(*this);
-  const QRectF plot = area();
-  std::vector<QLineF> lines;
-  std::vector<QLineF> broken;
-  qreal from = plot.left();
-  auto held = changes_.front().before;
-  for (const PlotChange& change : changes_) {
-    const qreal x = xOf(change.at);
-    if (held) (change.continues ? lines : broken).emplace_back(from, yOf(*held), x, yOf(*held));
-    if (change.before && change.after) lines.emplace_back(x, yOf(*change.before), x, yOf(*change.after));
-    // Where the value was before a change that does not continue.
-    const qreal tick = ui::px(this, ui::space::inGroup);
-    if (!change.continues && change.before) lines.emplace_back(x - tick, yOf(*change.before), x, yOf(*change.before));
-    from = x;
-    held = change.after;
-  }
-  if (held) lines.emplace_back(from, yOf(*held), plot.right(), yOf(*held));
+  std::vector<StepPoint> points;
+  points.reserve(changes_.size());
+  const auto height = [&](const std::optional<double>& value) {
+    return value ? std::optional(scale.y(*value)) : std::nullopt;
+  };
+  for (const PlotChange& change : changes_)
+    points.push_back({scale.x(change.at), height(change.before), height(change.after), change.continues});
+  const StepLine line = stepLineOf(points, scale.area.left(), scale.area.right(), ui::px(this, ui::space::inGroup));
   const qreal thickness = ui::px(this, 2);
   painter.setPen(QPen(theme.accent, thickness, Qt::SolidLine, Qt::FlatCap));
-  painter.drawLines(lines.data(), static_cast<int>(lines.size()));
+  painter.drawLines(line.solid.data(), static_cast<int>(line.solid.size()));
   painter.setPen(QPen(theme.accent, thickness, Qt::DotLine, Qt::FlatCap));
-  painter.drawLines(broken.data(), static_cast<int>(broken.size()));
+  painter.drawLines(line.broken.data(), static_cast<int>(line.broken.size()));
 }
 
-void ValuePlot::paintMarks(QPainter& painter) const {
-  const ui::Theme& theme = ui::Theme::of(*this);
+std::vector<int> ValuePlot::marked() const {
+  return changes_.empty() ? std::vector<int>() : markedIn(scale());
+}
+
+std::vector<int> ValuePlot::markedIn(const Scale& scale) const {
   // Marks that would cover the line are left out, but those of changes that do not continue.
-  const bool crowded = countOf() * 2 * markRadius > area().width();
-  const qreal scale = ui::px(this, 100) / 100.0;
+  const bool crowded = countOf() * 2 * markRadius > scale.area.width();
+  std::vector<int> marked;
+  // Places as large as half of a mark, from the left to the right: a mark in the same one would cover the other.
+  std::set<std::pair<int, int>> taken;
   for (int i = 0; i < countOf(); ++i) {
+    const PlotChange& change = changes_[static_cast<std::size_t>(i)];
     const bool chosen = i == current_ || i == hovered_;
-    const bool continues = changes_[static_cast<std::size_t>(i)].continues;
-    if (crowded && continues && !chosen) continue;
-    painter.setPen(QPen(continues ? theme.accent : theme.removedLine, ui::px(this, 2)));
-    painter.setBrush(continues ? theme.accent : theme.surface);
-    const qreal radius = (continues ? markRadius : openMarkRadius) * scale;
-    painter.drawEllipse(markOf(i), radius, radius);
-    if (!chosen) continue;
+    if (crowded && change.continues && !chosen) continue;
+    const QPointF place = scale.mark(change) / openMarkRadius;
+    const bool isFree =
+        taken.emplace(static_cast<int>(std::floor(place.x())), static_cast<int>(std::floor(place.y()))).second;
+    if (isFree || chosen || !crowded) marked.push_back(i);
+  }
+  return marked;
+}
+
+void ValuePlot::paintMarks(QPainter& painter, const Scale& scale) const {
+  const ui::Theme& theme = ui::Theme::of(*this);
+  const qreal size = ui::px(this, 100) / 100.0;
+  for (const int i : markedIn(scale)) {
+    const PlotChange& change = changes_[static_cast<std::size_t>(i)];
+    const QPointF place = scale.mark(change);
+    painter.setPen(QPen(change.continues ? theme.accent : theme.removedLine, ui::px(this, 2)));
+    painter.setBrush(change.continues ? theme.accent : theme.surface);
+    const qreal radius = (change.continues ? markRadius : openMarkRadius) * size;
+    painter.drawEllipse(place, radius, radius);
+    if (i != current_ && i != hovered_) continue;
     painter.setPen(QPen(theme.text, 1));
     painter.setBrush(Qt::NoBrush);
     const qreal ring = radius + ui::px(this, 3);
-    painter.drawEllipse(markOf(i), ring, ring);
+    painter.drawEllipse(place, ring, ring);
   }
 }
 

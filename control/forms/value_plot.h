@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRectF>
 #include <QWidget>
 #include <optional>
 #include <vector>
@@ -15,8 +16,9 @@ struct PlotChange {
 };
 
 /// Shows how a number went from change to change as a line of steps with a mark at each change. A change that does not
-/// continue from the one before is an open mark, and the line to it is broken. The pointer and the arrow keys go from
-/// mark to mark.
+/// continue from the one before is an open mark, and the line to it is broken. Marks that have no room beside each
+/// other are left out; of those of changes that do not continue, only such that would lie on another one. The pointer
+/// and the arrow keys go from change to change, whether or not it has a mark.
 class ValuePlot final : public QWidget {
   Q_OBJECT
 
@@ -40,6 +42,8 @@ class ValuePlot final : public QWidget {
   [[nodiscard]] QString readout() const { return readout_; }
   /// Where a change's mark is.
   [[nodiscard]] QPointF markOf(int change) const;
+  /// The changes that have a mark, with the current one and that under the pointer.
+  [[nodiscard]] std::vector<int> marked() const;
 
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
@@ -58,14 +62,26 @@ class ValuePlot final : public QWidget {
   void focusInEvent(QFocusEvent* event) override;
 
  private:
-  [[nodiscard]] QRectF area() const;
-  [[nodiscard]] qreal xOf(double at) const;
-  [[nodiscard]] qreal yOf(double value) const;
+  /// Where moments and values are. Of the labels' size, which takes long to measure.
+  struct Scale {
+    QRectF area;  ///< of the lines and marks; the labels stand around it
+    qreal left = 0;
+    qreal right = 0;
+    double first = 0;
+    double last = 0;
+    double lowest = 0;
+    double highest = 0;
+    [[nodiscard]] qreal x(double at) const;
+    [[nodiscard]] qreal y(double value) const;
+    [[nodiscard]] QPointF mark(const PlotChange& change) const;
+  };
+  [[nodiscard]] Scale scale() const;
   [[nodiscard]] int nearest(QPointF place) const;
   [[nodiscard]] int countOf() const { return static_cast<int>(changes_.size()); }
-  void paintAxes(QPainter& painter) const;
-  void paintLine(QPainter& painter) const;
-  void paintMarks(QPainter& painter) const;
+  void paintAxes(QPainter& painter, const Scale& scale) const;
+  void paintLine(QPainter& painter, const Scale& scale) const;
+  void paintMarks(QPainter& painter, const Scale& scale) const;
+  [[nodiscard]] std::vector<int> markedIn(const Scale& scale) const;
   void setHovered(int change);
 
   std::vector<PlotChange> changes_;

@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -137,6 +138,52 @@ TEST_F(ItemHistoryView, PlotsNumbersOnly) {
   EXPECT_NEAR(plot()->markOf(1).x() - plot()->markOf(0).x(), plot()->markOf(2).x() - plot()->markOf(1).x(), 0.01);
   show(2);
   EXPECT_FALSE(plot()->isVisible());
+}
+
+/// Records without an item id may be about several things.
+TEST_F(ItemHistoryView, WithoutAnItemIdNothingIsSaidToContinue) {
+  fill({{"1", "2004-03-07 10:00:00", "1 bar", "2 bar", ""}, {"2", "2004-03-08 10:00:00", "7 bar", "8 bar", ""}});
+  show(0);
+  EXPECT_EQ(history.windowTitle(), "History of UpperLimit");
+  EXPECT_EQ(label("lblPlace"), QStringLiteral("{guid} \u00B7 Limits"));
+  EXPECT_EQ(column("Remark"), "|");
+  EXPECT_FALSE(plot()->isVisible());
+  EXPECT_EQ(label("lblSummary"),
+            "Changes in this list: 2. These records have no Item ID and may be about several things: whether their "
+            "values continue is not said.");
+}
+
+/// With very many changes it has no more marks than places for them, and reaches each change by key and pointer.
+TEST_F(ItemHistoryView, ThePlotOfVeryManyChangesHasAMarkWhereThereIsRoom) {
+  std::vector<Change> changes;
+  for (int i = 0; i < 20'000; ++i) {
+    // Every second value does not continue.
+    const int value = i / 2 % 50;
+    const std::string minute = std::to_string(100 + i / 60 % 60).substr(1);
+    const std::string hour = std::to_string(100 + i / 3600 % 24).substr(1);
+    changes.push_back({std::to_string(i),
+                       "2004-03-07 " + hour + ":" + minute + ":" + std::to_string(100 + i % 60).substr(1),
+                       std::to_string(value) + " bar", std::to_string(value + 1) + " bar"});
+  }
+  fill(changes);
+  show(0);
+  ASSERT_EQ(history.changes().rowCount(), 20'000);
+  plot()->setCurrent(12'345);
+  const std::vector<int> marked = plot()->marked();
+  EXPECT_LT(marked.size(), 4'000U);
+  EXPECT_TRUE(std::binary_search(marked.begin(), marked.end(), 12'345)) << "the current one is marked";
+  // What has no mark lies on one.
+  for (int i = 0; i < 20'000; ++i) {
+    if (history.changes().history().changes[static_cast<std::size_t>(i)].continues) continue;
+    const QPointF place = plot()->markOf(i);
+    const bool isCovered = std::any_of(marked.begin(), marked.end(),
+                                       [&](int each) { return (plot()->markOf(each) - place).manhattanLength() < 10; });
+    ASSERT_TRUE(isCovered) << i;
+    i += 97;
+  }
+  plot()->setFocus();
+  QTest::keyClick(plot(), Qt::Key_Right);
+  EXPECT_EQ(table()->currentIndex().row(), 12'346);
 }
 
 TEST_F(ItemHistoryView, ThePlotGoesFromMarkToMarkByKeyAndPointer) {

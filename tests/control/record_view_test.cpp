@@ -391,6 +391,28 @@ TEST_F(RecordOfTheTrail, OldAndNewValueStandSideBySide) {
             field(*record, "PC Name")->mapTo(record, QPoint()).y());
 }
 
+TEST_F(RecordOfTheTrail, OldAndNewValueStandOneUnderTheOtherInANarrowWindow) {
+  const auto viewer = shownViewer();
+  viewer->TriggerQuery();
+  RecordView* const record = open(*viewer, 0, 0);
+  ASSERT_NE(record, nullptr);
+  const auto placeOf = [&](const char* caption) {
+    return field(*record, QString::fromLatin1(caption))->mapTo(record, QPoint());
+  };
+  const int wide = record->width();
+  record->resize(record->minimumSizeHint().width(), record->height());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(placeOf("Old Value").x(), placeOf("New Value").x());
+  EXPECT_LT(placeOf("Old Value").y(), placeOf("New Value").y());
+  EXPECT_LT(placeOf("New Value").y(), placeOf("PC Name").y());
+  record->showNext();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(placeOf("Old Value").x(), placeOf("New Value").x());
+  record->resize(wide, record->height());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(placeOf("Old Value").y(), placeOf("New Value").y());
+}
+
 TEST_F(RecordOfTheTrail, OpensWithoutScrolling) {
   const auto viewer = shownViewer();
   viewer->TriggerQuery();

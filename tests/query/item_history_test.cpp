@@ -128,6 +128,22 @@ TEST(ItemHistory, NullAndEmptyNameTheSameItem) {
   EXPECT_EQ(told(itemHistory(list, *itemColumns(list), {1})), " 1>2 2>3");
 }
 
+/// They may be about several things.
+TEST(ItemHistory, OfRecordsWithoutAnItemIdNothingContinuesAndNothingIsPlotted) {
+  const auto list = listOf({{"1", "2004-03-07 01:00:00", "", "1", "2"},
+                            {"2", "2004-03-07 02:00:00", "", "7", "8"},
+                            {"3", "2004-03-07 01:00:00", "A", "1", "2"},
+                            {"4", "2004-03-07 02:00:00", "A", "7", "8"}});
+  const ItemHistory nameless = itemHistory(*list, *itemColumns(*list), {0});
+  EXPECT_FALSE(nameless.namesItem());
+  EXPECT_FALSE(nameless.isNumeric);
+  EXPECT_EQ(told(nameless), " 1>2 7>8") << "nothing is missing between different things";
+  const ItemHistory named = itemHistory(*list, *itemColumns(*list), {2});
+  EXPECT_TRUE(named.namesItem());
+  EXPECT_TRUE(named.isNumeric);
+  EXPECT_EQ(told(named), " 1>2 !7>8");
+}
+
 TEST(ItemHistory, SeveralItemsHaveTheirOwnHistories) {
   const auto list = listOf({{"1", "2004-03-07 01:00:00", "A", "1", "2"},
                             {"2", "2004-03-07 02:00:00", "B", "9", "8"},

@@ -161,8 +161,8 @@ TEST(TextTable, EveryLetterBelongsToADialogThatIsChecked) {
   std::set<std::string> checked;
   for (const auto& dialog : dialogsWithLetters) checked.insert(dialog.begin(), dialog.end());
   for (const TextRow& row : ownTable().rows) {
-    const bool hasLetter = std::any_of(row.texts.begin(), row.texts.end(),
-                                       [](const std::string& text) { return letterOf(text) != ' '; });
+    const bool hasLetter =
+        std::any_of(row.texts.begin(), row.texts.end(), [](const std::string& text) { return letterOf(text) != ' '; });
     EXPECT_TRUE(!hasLetter || checked.contains(row.key)) << row.key << ": name its window in dialogsWithLetters";
   }
 }
