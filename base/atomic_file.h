@@ -28,6 +28,9 @@ class AtomicFile {
     buffer_ += bytes;
     if (buffer_.size() >= bufferBytes) flush();
   }
+  /// Brings what was written to the disk: what can fail for lack of space fails here. For several files of which all or
+  /// none are to appear, before the first commit.
+  void sync();
   void commit();
 
  private:

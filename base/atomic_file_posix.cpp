@@ -108,9 +108,13 @@ void AtomicFile::flush() {
   buffer_.clear();
 }
 
-void AtomicFile::commit() {
+void AtomicFile::sync() {
   flush();
   if (::fsync(static_cast<int>(file_)) != 0) throw failed("cannot write", target_);
+}
+
+void AtomicFile::commit() {
+  sync();
   const int descriptor = static_cast<int>(std::exchange(file_, -1));
   if (::close(descriptor) != 0) throw failed("cannot write", target_);
   if (::rename(temporary_.c_str(), target_.c_str()) != 0) throw failed("cannot replace", target_);

@@ -242,9 +242,13 @@ void AtomicFile::flush() {
   buffer_.clear();
 }
 
-void AtomicFile::commit() {
+void AtomicFile::sync() {
   flush();
   if (FlushFileBuffers(handleOf(file_)) == 0) throw failed("cannot write", target_);
+}
+
+void AtomicFile::commit() {
+  sync();
   const DWORD number = replaceTarget(SystemHandle(handleOf(std::exchange(file_, -1))), temporary_, target_);
   if (number != ERROR_SUCCESS) throw failed("cannot replace", target_, number);
   temporary_.clear();

@@ -17,6 +17,7 @@
 #include "cli/server_commands.h"
 #include "cli/server_path.h"
 #include "cli/sql_command.h"
+#include "cli/verify_command.h"
 
 namespace korvel::cli {
 
@@ -35,6 +36,7 @@ constexpr const char* footer =
     "  korvel-audit chart --output activity.svg  draw how many records each day has\n"
     "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
     "                                            run a query of your own\n"
+    "  korvel-audit verify batch.csv             whether an output is as it was written\n"
     "  korvel-audit servers --all                find servers\n"
     "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
     "\n";
@@ -95,6 +97,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* chart = addChartCommand(app, chartOptions);
   SqlOptions sqlOptions;
   const CLI::App* sql = addSqlCommand(app, sqlOptions);
+  VerifyOptions verifyOptions;
+  const CLI::App* verify = addVerifyCommand(app, verifyOptions);
   ServerOptions serverOptions;
   std::array<const CLI::App*, serverCommands.size()> added{};
   for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
@@ -121,6 +125,7 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
   if (chart->parsed())
     return runOnServer(chartOptions, *chart, err, [&] { return runChart(chartOptions, connect, out, err); });
+  if (verify->parsed()) return runVerify(verifyOptions, out, err);
   if (demo->parsed()) return runDemo(demoOptions, out, err);
   return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
 }

@@ -1,0 +1,208 @@
+#include "evidence/verification.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "base/atomic_file.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
+#include "base/text.h"
+#include "evidence/manifest.h"
+#include "evidence/proven_file.h"
+#include "evidence/recorded_rows.h"
+#include "evidence/row_changes.h"
+#include "evidence/row_readers.h"
+
+namespace korvel::evidence {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// How many changed rows are named one by one.
+constexpr std::size_t mostNamedChanges = 20;
+
+std::string nameOf(const fs::path& file) {
+  return utf8FromPath(file.filename());
+}
+
+bool isMissing(const fs::path& file) {
+  std::error_code ignored;
+  return files::symlinkStatus(file, ignored).type() == fs::file_type::not_found;
+}
+
+struct FileState {
+  std::uintmax_t size = 0;
+  fs::file_time_type written;
+  friend bool operator==(const FileState&, const FileState&) = default;
+};
+
+std::optional<FileState> stateOf(const fs::path& file) {
+  std::error_code failure;
+  FileState state{files::size(file, failure), {}};
+  if (!failure) state.written = files::lastWriteTime(file, failure);
+  if (failure) return std::nullopt;
+  return state;
+}
+
+/// Size and sum of a file's bytes.
+struct Summed {
+  std::uint64_t bytes = 0;
+  Digest sha256;
+};
+
+Summed sumOf(const fs::path& file, const ReadProgress& progress) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(files::open(file, "rb"), &std::fclose);
+  const auto failed = [&] {
+    return systemError(systemErrorNumberFromErrno(std::errc::io_error), "cannot read " + nameOf(file));
+  };
+  if (!opened) throw failed();
+  Sha256 sum;
+  Summed summed;
+  std::string chunk(std::size_t{1} << 18U, '\0');
+  while (const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), opened.get())) {
+    sum.update({chunk.data(), got});
+    summed.bytes += got;
+    if (progress) progress(summed.bytes);
+  }
+  if (std::ferror(opened.get()) != 0) throw failed();
+  summed.sha256 = sum.finish();
+  return summed;
+}
+
+/// One output, and what is found of it.
+class Checked {
+ public:
+  Checked(const fs::path& output, const ReadProgress& progress)
+      : output_(output), progress_(progress), found_{nameOf(output), {}} {}
+
+  Verification verify() {
+    const fs::path manifest = manifestOf(output_);
+    if (isMissing(manifest)) {
+      found(nameOf(manifest) + " is missing: there is nothing to compare the file with");
+      return found_;
+    }
+    try {
+      const std::string text = readFile(manifest);
+      checkSums(text);
+      recorded_ = readManifest(text);
+      if (digestOfRows(recorded_.rows.each) != recorded_.rows.digest)
+        found("the manifest's digest of all rows is not that of its rows");
+      checkOutput();
+    } catch (const Error& error) {
+      found(error.description());
+    }
+    return found_;
+  }
+
+ private:
+  void found(std::string text) { found_.findings.push_back(std::move(text)); }
+
+  void checkSums(std::string_view manifest) {
+    const fs::path file = sumsOf(output_);
+    const std::string name = nameOf(file);
+    if (isMissing(file)) return found(name + " is missing: whether the manifest was changed cannot be told");
+    const std::string text = readFile(file);
+    const auto sums = readSums(text);
+    // Also what sha256sum would overlook, the case of a digit for one.
+    if (!sums || sumsText(*sums) != text || sums->size() != 2 || sums->at(0).name != found_.name ||
+        sums->at(1).name != nameOf(manifestOf(output_)))
+      return found(name + " was cut or changed: it does not hold the two lines that were written");
+    if (sums->at(1).sha256 != Sha256::of(manifest))
+      found("the manifest was changed: its SHA-256 is not the one in " + name);
+    sumOfOutput_ = sums->at(0).sha256;
+  }
+
+  void checkOutput() {
+    if (recorded_.output.name != found_.name)
+      return found("the manifest is that of another file, " + recorded_.output.name);
+    if (isMissing(output_)) return found("the file is missing");
+    const auto before = stateOf(output_);
+    const Summed summed = sumOf(output_, progress_);
+    if (stateOf(output_) != before)
+      return found("the file was replaced or written to while it was read; verify it again");
+    const bool same = summed.sha256 == recorded_.output.sha256 && summed.bytes == recorded_.output.bytes;
+    if (same && sumOfOutput_ && *sumOfOutput_ != summed.sha256)
+      found(nameOf(sumsOf(output_)) + " was changed: its SHA-256 of the file is not that of the manifest");
+    if (same) return;
+    found(summed.bytes == recorded_.output.bytes
+              ? std::string("the file was changed: its SHA-256 is another one, of as many bytes")
+              : "the file was changed: it has " + std::to_string(summed.bytes) + " bytes instead of " +
+                    std::to_string(recorded_.output.bytes));
+    compareRows();
+  }
+
+  void compareRows() {
+    const auto read = recorded_.output.format == "csv"    ? &readCsvRows
+                      : recorded_.output.format == "json" ? &readJsonRows
+                                                          : nullptr;
+    if (read == nullptr) return;
+    RowRecorder recorder;
+    std::vector<std::string> begun;
+    bool hasBegun = false;
+    std::optional<std::string> unreadable;
+    try {
+      read(readFile(output_), [&](std::span<const db::Field> fields, std::span<const db::Cell> cells) {
+        std::vector<std::string> names = digestedNames(fields);
+        if (!hasBegun || names != begun) {
+          recorder.begin(fields);
+          begun = std::move(names);
+          hasBegun = true;
+        }
+        recorder.row(cells);
+      });
+    } catch (const Error& error) {
+      unreadable = error.description();
+    }
+    const Manifest::Rows rows = recorder.take();
+    if (hasBegun && rows.columns != recorded_.rows.columns) found("the names of its columns were changed");
+    if (unreadable) found(*unreadable + "; rows are compared as far as they can be read");
+    tell(rowChanges(recorded_.rows.each, rows.each));
+  }
+
+  void tell(const std::vector<RowChange>& changes) {
+    if (changes.empty()) return found("its rows are the same; what surrounds them was changed");
+    for (std::size_t i = 0; i < std::min(changes.size(), mostNamedChanges); ++i) found(textOf(changes[i]));
+    if (changes.size() > mostNamedChanges)
+      found("and " + std::to_string(changes.size() - mostNamedChanges) + " more rows differ");
+  }
+
+  const fs::path& output_;
+  const ReadProgress& progress_;
+  Verification found_;
+  RecordedOutput recorded_;
+  std::optional<Digest> sumOfOutput_;
+};
+
+}  // namespace
+
+std::vector<fs::path> outputsOf(const fs::path& named) {
+  const auto without = [](const fs::path& path, std::string_view ending) -> std::optional<fs::path> {
+    const std::string text = utf8FromPath(path);
+    if (!text.ends_with(ending) || nameOf(path).size() == ending.size()) return std::nullopt;
+    return pathFromUtf8(text.substr(0, text.size() - ending.size()));
+  };
+  std::error_code failure;
+  if (!fs::is_directory(files::status(named, failure))) {
+    for (const std::string_view ending : {manifestEnding, sumsEnding})
+      if (const auto output = without(named, ending)) return {*output};
+    return {named};
+  }
+  std::vector<fs::path> outputs;
+  for (const fs::path& entry : files::listFolder(named, failure))
+    if (const auto output = without(entry, manifestEnding)) outputs.push_back(*output);
+  if (failure) throw systemError(systemErrorNumber(failure), "cannot read " + utf8FromPath(named));
+  std::sort(outputs.begin(), outputs.end());
+  return outputs;
+}
+
+Verification verifyOutput(const fs::path& output, const ReadProgress& progress) {
+  return Checked(output, progress).verify();
+}
+
+}  // namespace korvel::evidence
