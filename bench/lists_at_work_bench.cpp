@@ -96,7 +96,8 @@ void findInAllColumns(benchmark::State& state) {
   std::size_t hits = 0;
   for (auto _ : state) {
     state.SetIterationTime(ours.measure([&] {
-      const results::FoundCells found(list, TextMatcher(text, {}), columns);
+      const results::FoundCells found(
+          list, std::make_shared<const results::MatchingCells>(list, TextMatcher(text, {}), columns));
       hits = found.count();
     }));
     if (state.range(0) == 1) ripgreps.measure([&] { benchmark::DoNotOptimize(std::system(command.c_str())); });

@@ -130,7 +130,8 @@ void AnswerStatus::showEmptyTexts() {
   for (std::size_t page = 0; page < surface_.lvListView.size(); ++page) {
     const bool custom = page == query::customList;
     ResultListView& list = *surface_.lvListView.at(page);
-    list.setEmptyText(list.listModel().list().isFiltered()
+    list.setEmptyText(surface_.areas.at(page)->filterState.isEvaluating ? ownText("filter.evaluating")
+                      : list.listModel().list().isFiltered()
                           ? ownText("filter.nothing")
                           : emptyText(custom ? customAnswer_ : standardAnswer_, custom));
   }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "control/find_matcher.h"
 #include "control/texts.h"
 
 namespace korvel::control {
@@ -76,10 +77,40 @@ ui::Chip chipOfText(const TextFilter& filter) {
                                                                 : "filter.contains";
   ui::Chip chip{.column = ownText("filter.anyColumn"), .condition = ownText(relation).arg(filter.request.text)};
   chip.toolTip = chip.column + QLatin1Char(' ') + chip.condition;
+  if (filter.isUndecided) chip.toolTip += QLatin1Char('\n') + ownText("filter.undecided");
   return chip;
 }
 
+std::vector<std::string> captionsOf(const results::ResultList& list) {
+  std::vector<std::string> captions;
+  captions.reserve(list.columns().size());
+  for (const results::ColumnHeader& column : list.columns()) captions.push_back(column.caption);
+  return captions;
+}
+
 }  // namespace
+
+std::optional<TextFilter> textFilter(const results::ResultList& list, const ui::FindRequest& request,
+                                     std::vector<ColumnIndex> columns,
+                                     std::shared_ptr<const results::MatchingRecords> known) {
+  FindMatcher made = findMatcher(request);
+  if (!made.matcher) return std::nullopt;
+  return TextFilter{{*std::move(made.matcher), std::move(columns), std::move(known)}, request, captionsOf(list)};
+}
+
+TextFilter forOtherRows(const TextFilter& filter, const results::ResultList& list) {
+  TextFilter renewed = filter;
+  renewed.isUndecided = false;
+  renewed.isPending = filter.request.regularExpression;
+  renewed.condition.known = renewed.isPending ? results::noneMatching(list) : nullptr;
+  std::vector<std::string> captions = captionsOf(list);
+  if (captions == filter.captions) return renewed;
+  renewed.captions = std::move(captions);
+  renewed.condition.columns.clear();
+  for (std::size_t i = 0; i < list.columns().size(); ++i)
+    if (list.columns()[i].width > Twips{0}) renewed.condition.columns.push_back({i});
+  return renewed;
+}
 
 results::RowFilter rowFilter(const std::vector<FilterCondition>& conditions) {
   results::RowFilter filter;
@@ -96,8 +127,7 @@ bool fitsColumns(const FilterCondition& condition, const results::ResultList& li
     const std::size_t place = column->condition.column.value;
     return place < columns.size() && columns[place].caption == column->caption;
   }
-  const auto& searched = std::get<TextFilter>(condition).condition.columns;
-  return std::all_of(searched.begin(), searched.end(), [&](ColumnIndex each) { return each.value < columns.size(); });
+  return true;
 }
 
 bool passes(const std::vector<FilterCondition>& conditions, ColumnIndex column, const ShownValue& value) {

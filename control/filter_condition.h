@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -21,13 +23,26 @@ struct ColumnFilter {
 struct TextFilter {
   results::TextCondition condition;
   ui::FindRequest request;
+  /// The captions of all columns of the list that it was made for.
+  std::vector<std::string> captions;
+  bool isPending = false;    ///< it is being evaluated; until then no record matches
+  bool isUndecided = false;  ///< values were too much for the regular expression, and count as not matching
 };
 /// One of the conditions that the user has put on a list. All of them are met by the rows that are shown.
 using FilterCondition = std::variant<ColumnFilter, TextFilter>;
 
+/// The condition that some of these columns matches, with what is known of it. Nothing where the request is no regular
+/// expression.
+[[nodiscard]] std::optional<TextFilter> textFilter(const results::ResultList& list, const ui::FindRequest& request,
+                                                   std::vector<results::ColumnIndex> columns,
+                                                   std::shared_ptr<const results::MatchingRecords> known = {});
+/// The same condition for other rows, of which nothing is known. Where they have other columns it is about all of
+/// those. Regular expressions, which may take long, are pending.
+[[nodiscard]] TextFilter forOtherRows(const TextFilter& filter, const results::ResultList& list);
+
 /// What the engine filters by.
 [[nodiscard]] results::RowFilter rowFilter(const std::vector<FilterCondition>& conditions);
-/// Whether the list has the columns that the condition is about.
+/// Whether the list has the column that the condition is about; a text is looked for in any columns.
 [[nodiscard]] bool fitsColumns(const FilterCondition& condition, const results::ResultList& list);
 /// Whether all conditions on a column let this value pass.
 [[nodiscard]] bool passes(const std::vector<FilterCondition>& conditions, results::ColumnIndex column,

@@ -22,11 +22,13 @@ FindAndFilter::FindAndFilter(AuditViewer& viewer, const MessageBoxes& messages, 
     : viewer_(viewer), messages_(messages), surface_(surface) {
   for (std::size_t i = 0; i < finding_.size(); ++i) {
     ListArea& area = *surface_.areas.at(i);
-    finding_.at(i) = std::make_unique<ListFinding>(area, [this, i] {
-      const ListFinding& finding = *finding_.at(i);
-      if (const auto& matcher = finding.matcher().matcher)
-        messages_.trapped("FilterText", [&] { filters_.at(i)->keepOnlyText(finding.request(), *matcher); });
-    });
+    finding_.at(i) = std::make_unique<ListFinding>(
+        area, ListFinding::Hooks{.filter =
+                                     [this, i](const ui::FindRequest& request, const results::MatchingCells& cells) {
+                                       messages_.trapped("FilterText",
+                                                         [&] { filters_.at(i)->keepOnlyText(request, cells); });
+                                     },
+                                 .closed = [this, i] { filters_.at(i)->endChange(); }});
     filters_.at(i) = std::make_unique<ListFilters>(
         area, ListFilters::Hooks{
                   .trapped = [this](std::string_view handler,
@@ -36,7 +38,7 @@ FindAndFilter::FindAndFilter(AuditViewer& viewer, const MessageBoxes& messages, 
                         answers.showEmptyTexts();
                         if (surface_.currentTab() == i) queries.DisplayNoOfRecords();
                       },
-                  .find = [this, i](const ui::FindRequest& request) { finding_.at(i)->open(request.text); }});
+                  .find = [this, i](const ui::FindRequest& request) { finding_.at(i)->change(request); }});
   }
   connectKeys();
 }

@@ -9,7 +9,7 @@
 
 namespace korvel::control {
 
-FindMatcher findMatcher(const ui::FindRequest& request) {
+FindMatcher findMatcher(const ui::FindRequest& request, unsigned steps) {
   FindMatcher result;
   if (request.text.isEmpty()) return result;
   const std::string text = request.text.toStdString();
@@ -19,9 +19,9 @@ FindMatcher findMatcher(const ui::FindRequest& request) {
     return result;
   }
   result.gaveUp = std::make_shared<std::atomic<bool>>(false);
-  auto made = results::regexMatcher(text, options, result.gaveUp);
+  auto made = results::regexMatcher(text, options, result.gaveUp, steps);
   if (const auto* problem = std::get_if<results::PatternProblem>(&made))
-    result.problem = ownText("find.badExpression").arg(fromUtf8(problem->text));
+    result.problem = fromUtf8(problem->text);
   else
     result.matcher = std::get<results::TextMatcher>(std::move(made));
   return result;

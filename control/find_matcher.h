@@ -13,12 +13,15 @@ namespace korvel::control {
 struct FindMatcher {
   /// Nothing where nothing is searched for, or `problem` says why not.
   std::optional<results::TextMatcher> matcher = {};
-  /// Why a regular expression is none; empty where there is no such thing.
+  /// Why a regular expression is none, in the toolkit's words; empty where there is no such thing.
   QString problem = {};
   /// Set once a value was too much for a regular expression: it may match, but is not among the hits.
   results::GaveUp gaveUp = {};
+
+  [[nodiscard]] bool hasGivenUp() const { return gaveUp && *gaveUp; }
 };
 
-[[nodiscard]] FindMatcher findMatcher(const ui::FindRequest& request);
+/// `steps` bounds what a regular expression may take for one value.
+[[nodiscard]] FindMatcher findMatcher(const ui::FindRequest& request, unsigned steps = results::mostPatternSteps);
 
 }  // namespace korvel::control

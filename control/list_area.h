@@ -25,6 +25,11 @@ class ListArea final : public QObject {
   ResultListView& list;
   ui::ChipBar* chips;
   ui::FindBar* find;
+  /// What reports and outputs must know of the filters.
+  struct FilterState {
+    bool isEvaluating = false;  ///< the list shows no rows yet
+    bool isUndecided = false;   ///< values were too much for a regular expression, and count as not matching
+  } filterState;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -7,8 +7,10 @@
 #include <utility>
 
 #include "base/error.h"
+#include "control/find_matcher.h"
 #include "control/texts.h"
 #include "results/date_text.h"
+#include "results/memory_watch.h"
 
 namespace korvel::control {
 namespace {
@@ -79,8 +81,34 @@ Offer offerOfValues(const std::vector<results::ValueCount>& values,
 
 }  // namespace
 
+/// Which records match texts; may be found out on another thread.
+struct ListFilters::Evaluation {
+  struct Text {
+    ui::FindRequest request;
+    FindMatcher matcher;
+    std::vector<ColumnIndex> columns;
+    std::shared_ptr<const results::MatchingRecords> known = {};
+  };
+  results::ResultList records;
+  std::vector<Text> texts = {};
+  std::optional<Error> failure = {};
+
+  void run(const std::stop_token& stop) {
+    try {
+      for (Text& each : texts)
+        each.known = std::make_shared<const results::MatchingRecords>(results::MatchingRecords{
+            records.sharedStore(),
+            results::MatchingCells(records, *each.matcher.matcher, each.columns, stop).matchingRecords()});
+    } catch (const Error& error) {
+      failure = error;
+    } catch (const std::bad_alloc&) {
+      failure = results::outOfMemory();
+    }
+  }
+};
+
 ListFilters::ListFilters(ListArea& area, Hooks hooks)
-    : area_(area), hooks_(std::move(hooks)), values_(new ui::ValueList(&area.list)) {
+    : area_(area), hooks_(std::move(hooks)), values_(new ui::ValueList(&area.list)), work_(nullptr) {
   ResultListView& view = area_.list;
   const auto run = [this](std::string_view handler, auto operation) {
     return [this, handler, operation](auto... arguments) { hooks_.trapped(handler, [&] { operation(arguments...); }); };
@@ -104,9 +132,16 @@ ListFilters::ListFilters(ListArea& area, Hooks hooks)
             if (const auto* column = std::get_if<ColumnFilter>(&condition))
               showValues(static_cast<int>(column->condition.column.value));
             else
-              hooks_.find(std::get<TextFilter>(condition).request);
+              hooks_.find(changed_.emplace(std::get<TextFilter>(condition).request));
           }));
   connect(&view.listModel(), &QAbstractItemModel::modelReset, this, [this] { followRows(); });
+  // Entry numbers are shown otherwise once they are sorted.
+  connect(&view.listModel(), &QAbstractItemModel::layoutAboutToBeChanged, this, [this] { values_->close(); });
+  connect(&view.listModel(), &QAbstractItemModel::layoutChanged, this, [this] {
+    if (conditions_.empty()) return;
+    conditions_ = conditionsAsShown();
+    showState();
+  });
 }
 
 std::string ListFilters::captionOf(ColumnIndex column) const {
@@ -217,16 +252,26 @@ void ListFilters::keepOnlyGroup(const std::vector<results::ColumnCondition>& gro
   apply(std::move(conditions));
 }
 
-void ListFilters::keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher) {
-  std::vector<ColumnIndex> columns;
-  for (const int column : area_.list.shownColumns()) columns.push_back({static_cast<std::size_t>(column)});
-  std::vector<FilterCondition> conditions = conditions_;
-  std::erase_if(conditions, [&](const FilterCondition& each) {
+void ListFilters::keepOnlyText(const ui::FindRequest& request, const results::MatchingCells& cells) {
+  const auto known = std::make_shared<const results::MatchingRecords>(
+      results::MatchingRecords{list().sharedStore(), cells.matchingRecords()});
+  std::optional<TextFilter> made = textFilter(list(), request, {cells.columns().begin(), cells.columns().end()}, known);
+  if (!made) return;
+  const auto asksFor = [](const FilterCondition& each, const ui::FindRequest& asked) {
     const auto* text = std::get_if<TextFilter>(&each);
-    return text != nullptr && text->request == request;
-  });
-  conditions.emplace_back(TextFilter{{matcher, std::move(columns)}, request});
+    return text != nullptr && text->request == asked;
+  };
+  std::vector<FilterCondition> conditions = conditions_;
+  const auto place = std::find_if(conditions.begin(), conditions.end(),
+                                  [&](const FilterCondition& each) { return changed_ && asksFor(each, *changed_); });
+  const auto at = place - conditions.begin();
+  if (place != conditions.end()) conditions.erase(place);
+  conditions.emplace(conditions.begin() + at, *std::move(made));
+  // The same text twice says nothing more.
+  for (auto i = static_cast<std::ptrdiff_t>(conditions.size()); i-- > 0;)
+    if (i != at && asksFor(conditions[static_cast<std::size_t>(i)], request)) conditions.erase(conditions.begin() + i);
   apply(std::move(conditions));
+  if (changed_) changed_ = request;
 }
 
 void ListFilters::clear() {
@@ -244,11 +289,25 @@ void ListFilters::apply(std::vector<FilterCondition> conditions) {
   }
   applying_ = before;
   conditions_ = std::move(conditions);
+  // What was found out about texts is kept for the next time.
+  auto known = list().filter().texts.begin();
+  bool isPending = false;
+  for (FilterCondition& each : conditions_) {
+    auto* text = std::get_if<TextFilter>(&each);
+    if (text == nullptr) continue;
+    text->condition.known = known++->known;
+    isPending = isPending || text->isPending;
+  }
+  if (!isPending) work_.stop();
   showState();
 }
 
 void ListFilters::followRows() {
-  if (applying_ || conditions_.empty()) return;
+  if (applying_) return;
+  work_.stop();
+  // It lists values of rows that are gone.
+  values_->close();
+  if (conditions_.empty()) return;
   // A query empties the list before it fills it; more rows of the same answer replace the rows at once.
   const bool isEmpty = list().wholeRowCount() == 0;
   if (isEmpty && area_.chips->isPinned()) {
@@ -260,25 +319,83 @@ void ListFilters::followRows() {
     showState();
     return;
   }
-  std::vector<FilterCondition> kept = conditions_;
+  std::vector<FilterCondition> kept = conditionsAsShown();
   std::erase_if(kept, [this](const FilterCondition& each) { return !fitsColumns(each, list()); });
   conditions_.clear();
-  hooks_.trapped("FilterValues", [&] { apply(std::move(kept)); });
+  hooks_.trapped("FilterValues", [&] {
+    for (FilterCondition& each : kept)
+      if (auto* text = std::get_if<TextFilter>(&each)) *text = forOtherRows(*text, list());
+    apply(std::move(kept));
+    evaluate();
+  });
   // Where memory runs out the list shows everything, and the chips say so.
   showState();
+}
+
+std::vector<FilterCondition> ListFilters::conditionsAsShown() const {
+  std::vector<FilterCondition> conditions = conditions_;
+  for (FilterCondition& each : conditions) {
+    auto* column = std::get_if<ColumnFilter>(&each);
+    if (column != nullptr && list().rewritesEntryNumbers(column->condition.column))
+      results::removeLeadingZeros(column->condition);
+  }
+  return conditions;
+}
+
+void ListFilters::evaluate() {
+  const auto evaluation = std::make_shared<Evaluation>(Evaluation{list().recordsOnly()});
+  for (const FilterCondition& each : conditions_) {
+    const auto* text = std::get_if<TextFilter>(&each);
+    if (text != nullptr && text->isPending)
+      evaluation->texts.push_back({text->request, findMatcher(text->request), text->condition.columns});
+  }
+  if (evaluation->texts.empty()) return;
+  work_.start([evaluation](const std::stop_token& stop) { evaluation->run(stop); },
+              [this, evaluation] { hooks_.trapped("FilterText", [&] { take(*evaluation); }); });
+}
+
+void ListFilters::take(const Evaluation& evaluation) {
+  std::vector<FilterCondition> conditions = conditions_;
+  if (evaluation.failure) {
+    std::erase_if(conditions, [](const FilterCondition& each) {
+      const auto* text = std::get_if<TextFilter>(&each);
+      return text != nullptr && text->isPending;
+    });
+    apply(std::move(conditions));
+    throw Error(*evaluation.failure);
+  }
+  for (FilterCondition& each : conditions) {
+    auto* text = std::get_if<TextFilter>(&each);
+    if (text == nullptr || !text->isPending) continue;
+    const auto found = std::find_if(evaluation.texts.begin(), evaluation.texts.end(),
+                                    [&](const Evaluation::Text& one) { return one.request == text->request; });
+    if (found == evaluation.texts.end()) continue;
+    text->condition.known = found->known;
+    text->isPending = false;
+    text->isUndecided = found->matcher.hasGivenUp();
+  }
+  apply(std::move(conditions));
 }
 
 void ListFilters::showState() {
   std::vector<ui::Chip> chips;
   std::vector<int> columns;
+  ListArea::FilterState state;
   for (const FilterCondition& each : conditions_) {
     chips.push_back(chipOf(each));
     if (const auto* column = std::get_if<ColumnFilter>(&each))
       columns.push_back(static_cast<int>(column->condition.column.value));
+    if (const auto* text = std::get_if<TextFilter>(&each)) {
+      state.isEvaluating = state.isEvaluating || (text->isPending && work_.isRunning());
+      state.isUndecided = state.isUndecided || text->isUndecided;
+    }
   }
+  area_.filterState = state;
   if (chips.empty()) area_.chips->setPinned(false);
   area_.chips->setChips(chips);
-  area_.chips->setCount(ownText("filter.shown").arg(countText(list().rowCount()), countText(list().wholeRowCount())));
+  QString count = ownText("filter.shown").arg(countText(list().rowCount()), countText(list().wholeRowCount()));
+  if (state.isUndecided) count += QStringLiteral(". ") + ownText("filter.undecided");
+  area_.chips->setCount(state.isEvaluating ? ownText("filter.evaluating") : count);
   area_.list.header()->setFilteredColumns(columns);
   hooks_.changed();
 }

@@ -6,14 +6,17 @@
 #include <vector>
 
 #include "control/filter_condition.h"
+#include "control/latest_work.h"
 #include "control/list_area.h"
 #include "results/column_values.h"
+#include "results/matching_cells.h"
 #include "ui/value_list.h"
 
 namespace korvel::control {
 
 /// The filters of one list: what the user has put on it, the chips that say so, and the list of values in which a
-/// column is filtered. A new answer drops them unless they are pinned; more rows of the same answer do not.
+/// column is filtered. A new answer drops them unless they are pinned; more rows of the same answer do not. Regular
+/// expressions are evaluated for other rows on another thread; until then the list shows no rows.
 class ListFilters final : public QObject {
  public:
   /// What the rest of the control does about filters.
@@ -35,8 +38,10 @@ class ListFilters final : public QObject {
   void leaveOutValue(const QModelIndex& cell);
   /// Only rows of a group, each column of which has one value or one beginning.
   void keepOnlyGroup(const std::vector<results::ColumnCondition>& group);
-  /// Only rows in which some of the columns that are shown matches.
-  void keepOnlyText(const ui::FindRequest& request, const results::TextMatcher& matcher);
+  /// Only rows with these cells, which match the request. Takes the place of the condition that is being changed.
+  void keepOnlyText(const ui::FindRequest& request, const results::MatchingCells& cells);
+  /// The condition on a text that was to be changed stays as it is.
+  void endChange() { changed_.reset(); }
   void clear();
 
   [[nodiscard]] const std::vector<FilterCondition>& conditions() const noexcept { return conditions_; }
@@ -44,6 +49,8 @@ class ListFilters final : public QObject {
   void showTexts();
 
  private:
+  struct Evaluation;
+
   [[nodiscard]] const results::ResultList& list() const { return area_.list.listModel().list(); }
   [[nodiscard]] std::string captionOf(results::ColumnIndex column) const;
   [[nodiscard]] results::ShownValue valueAt(const QModelIndex& cell) const;
@@ -54,6 +61,11 @@ class ListFilters final : public QObject {
   void apply(std::vector<FilterCondition> conditions);
   /// The list got other rows, or none.
   void followRows();
+  /// The conditions with the values that the list shows now.
+  [[nodiscard]] std::vector<FilterCondition> conditionsAsShown() const;
+  /// Evaluates what is pending on the other thread.
+  void evaluate();
+  void take(const Evaluation& evaluation);
   void showState();
 
   ListArea& area_;
@@ -65,6 +77,8 @@ class ListFilters final : public QObject {
   std::vector<std::optional<results::ShownValue>> offered_;
   bool areDates_ = false;
   bool applying_ = false;
+  std::optional<ui::FindRequest> changed_;  ///< of the condition that the find bar shows to change it
+  LatestWork work_;
 };
 
 }  // namespace korvel::control

@@ -76,6 +76,12 @@ std::optional<ListOutputs::OutputRows> ListOutputs::askForRows() {
   // The list lives as long as the control.
   const OutputRows shown{{std::shared_ptr<const void>(), &list}, {}};
   if (!list.isFiltered()) return shown;
+  const ListArea::FilterState& filters = surface_.areas.at(surface_.currentTab())->filterState;
+  if (filters.isEvaluating) {
+    // Nobody knows yet which rows these are.
+    messages_.inform(messageTitle(), ownText("filter.evaluating"));
+    return std::nullopt;
+  }
   const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   const auto answer =
@@ -88,8 +94,11 @@ std::optional<ListOutputs::OutputRows> ListOutputs::askForRows() {
   const std::size_t shownCount = list.rowCount();
   const std::size_t wholeCount = list.wholeRowCount();
   if (*answer == 0)
-    return OutputRows{shown.list,
-                      [=] { return ownText("filter.remarkShown").arg(countText(shownCount), countText(wholeCount)); }};
+    return OutputRows{shown.list, [=, isUndecided = filters.isUndecided] {
+                        const QString remark =
+                            ownText("filter.remarkShown").arg(countText(shownCount), countText(wholeCount));
+                        return isUndecided ? remark + QStringLiteral(". ") + ownText("filter.undecided") : remark;
+                      }};
   return OutputRows{std::make_shared<const results::ResultList>(list.unfiltered()),
                     [=] { return ownText("filter.remarkWhole").arg(countText(wholeCount)); }};
 }

@@ -107,6 +107,7 @@ void ResultList::setFilter(RowFilter filter) {
       passing_ = {};
       return;
     }
+    for (TextCondition& text : filter.texts) text.known = matchingRecords(*this, text);
     std::vector<std::uint8_t> passing = passingRecords(*this, filter);
     std::vector<RowId> shown = passingRows(isFiltered() ? wholeRows_ : rows_, passing);
     // Nothing fails from here on.
@@ -114,6 +115,19 @@ void ResultList::setFilter(RowFilter filter) {
     rows_ = std::move(shown);
     passing_ = std::move(passing);
     filter_ = std::move(filter);
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
+}
+
+ResultList ResultList::recordsOnly() const {
+  try {
+    ResultList copy(filling_);
+    copy.columns_ = columns_;
+    copy.store_ = store_;
+    copy.entryNumbersRewritten_ = entryNumbersRewritten_;
+    copy.rewrittenNegatives_ = rewrittenNegatives_;
+    return copy;
   } catch (const std::bad_alloc&) {
     throw outOfMemory();
   }
@@ -231,6 +245,9 @@ void ResultList::sortAs(ColumnIndex key, SortOrder order) {
   std::vector<RowId>& rows = isFiltered() ? wholeRows_ : rows_;
   if (!rows.empty()) {
     try {
+      std::vector<ColumnCondition> conditions = filter_.columns;
+      for (ColumnCondition& each : conditions)
+        if (rewrites && each.column == entryNumberColumn) removeLeadingZeros(each);
       const std::vector<std::uint32_t> ranks = store_->ranks(key, byEntryNumber);
       std::vector<std::uint32_t> keys(rows.size());
       // Rows that do not fill the column rank with the empty text, which is 0.
@@ -241,6 +258,7 @@ void ResultList::sortAs(ColumnIndex key, SortOrder order) {
         if (isFiltered()) rows_ = passingRows(ordered, passing_);
         rows = std::move(ordered);
       }
+      filter_.columns = std::move(conditions);
       if (rewrites) rewrittenNegatives_ = std::move(rewritten);
     } catch (const std::bad_alloc&) {
       throw outOfMemory();

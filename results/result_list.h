@@ -55,11 +55,15 @@ class ResultList {
   /// for that, it throws Error and the list has no rows, rather than rows in an order that its header denies.
   void setRows(std::shared_ptr<const RowStore> store, std::vector<RowId> rows);
 
-  /// Shows only the rows that pass; an empty filter shows all. Throws Error when memory runs out; the list then shows
-  /// what it showed before. Sorting afterwards changes the order of the rows that are shown, and not which they are.
+  /// Shows only the rows that pass; an empty filter shows all. Conditions on texts are evaluated once: the list's
+  /// filter knows their results. Throws Error when memory runs out; the list then shows what it showed before. Sorting
+  /// afterwards changes the order of the rows that are shown, and not which they are.
   void setFilter(RowFilter filter);
   [[nodiscard]] const RowFilter& filter() const noexcept { return filter_; }
   [[nodiscard]] bool isFiltered() const noexcept { return !filter_.isEmpty(); }
+  /// A list of the same records, with the texts that this one shows, that shows no rows: for evaluating the records on
+  /// another thread. Throws Error when memory runs out.
+  [[nodiscard]] ResultList recordsOnly() const;
   /// A copy that shows all rows, in the same order. Throws Error when memory runs out.
   [[nodiscard]] ResultList unfiltered() const;
 
@@ -124,6 +128,11 @@ class ResultList {
       const std::vector<RowId>& rows, const std::vector<std::uint32_t>& keys) const;
   void sortAs(ColumnIndex key, SortOrder order);
 };
+
+/// Whether a store that was noted is the one that the list shows; not where it shows none.
+[[nodiscard]] inline bool isStoreOf(const std::weak_ptr<const RowStore>& noted, const ResultList& list) noexcept {
+  return list.store() != nullptr && noted.lock().get() == list.store();
+}
 
 /// `count`, a blank, and the text after it in the language: "125 Records on current tab".
 [[nodiscard]] std::string recordCountText(std::size_t count, std::string_view label);

@@ -4,7 +4,8 @@
 #include <new>
 #include <string_view>
 
-#include "results/found_cells.h"
+#include "base/numbers.h"
+#include "results/matching_cells.h"
 #include "results/memory_watch.h"
 #include "results/result_list.h"
 #include "results/shown_column.h"
@@ -56,6 +57,30 @@ class ConditionTest {
 
 }  // namespace
 
+void removeLeadingZeros(ColumnCondition& condition) {
+  for (ShownValue& value : condition.values) {
+    const auto number = value.text.starts_with("-0") ? wholeNumber(value.text) : std::nullopt;
+    value.text = number ? std::string(number->negative ? "-" : "").append(number->digits)
+                        : std::string(withoutLeadingZeros(value.text));
+  }
+}
+
+bool TextCondition::isKnownFor(const ResultList& list) const noexcept {
+  return known != nullptr && isStoreOf(known->store, list);
+}
+
+std::shared_ptr<const MatchingRecords> noneMatching(const ResultList& list) {
+  const std::size_t records = list.store() == nullptr ? 0 : list.store()->rowCount();
+  return std::make_shared<const MatchingRecords>(
+      MatchingRecords{list.sharedStore(), std::vector<std::uint8_t>(records, 0)});
+}
+
+std::shared_ptr<const MatchingRecords> matchingRecords(const ResultList& list, const TextCondition& condition) {
+  if (condition.isKnownFor(list)) return condition.known;
+  return std::make_shared<const MatchingRecords>(
+      MatchingRecords{list.sharedStore(), MatchingCells(list, condition.matcher, condition.columns).matchingRecords()});
+}
+
 std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter& filter,
                                          std::optional<ColumnIndex> except) {
   try {
@@ -69,9 +94,8 @@ std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter
       column.forEachRow(ConditionTest(condition), [out](std::size_t row, std::uint8_t meets) { out[row] &= meets; });
     }
     for (const TextCondition& condition : filter.texts) {
-      const std::vector<std::uint8_t> matching =
-          FoundCells(list, condition.matcher, condition.columns).matchingRecords();
-      std::transform(passing.begin(), passing.end(), matching.begin(), passing.begin(),
+      const auto matching = matchingRecords(list, condition);
+      std::transform(passing.begin(), passing.end(), matching->records.begin(), passing.begin(),
                      [](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>(a & b); });
     }
     return passing;

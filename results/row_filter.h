@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,11 +40,30 @@ struct ColumnCondition {
   friend bool operator==(const ColumnCondition&, const ColumnCondition&) = default;
 };
 
+/// The values of a condition on entry numbers as lists show them that are sorted by these. Throws std::bad_alloc.
+void removeLeadingZeros(ColumnCondition& condition);
+
+/// Which of a store's records match, one byte a record, 0 or 1.
+struct MatchingRecords {
+  std::weak_ptr<const RowStore> store;
+  std::vector<std::uint8_t> records;
+};
+
 /// A condition that some cell of these columns matches.
 struct TextCondition {
   TextMatcher matcher;
   std::vector<ColumnIndex> columns;
+  /// What is known for the rows of a list; with others it means nothing.
+  std::shared_ptr<const MatchingRecords> known{};
+
+  [[nodiscard]] bool isKnownFor(const ResultList& list) const noexcept;
 };
+
+/// No record matches yet: for a condition that is evaluated elsewhere. Throws std::bad_alloc.
+[[nodiscard]] std::shared_ptr<const MatchingRecords> noneMatching(const ResultList& list);
+/// Evaluates a condition on a text, unless the result is known. Throws std::bad_alloc or Error.
+[[nodiscard]] std::shared_ptr<const MatchingRecords> matchingRecords(const ResultList& list,
+                                                                     const TextCondition& condition);
 
 /// What rows must be like to be shown: all conditions are met. Without conditions all rows pass.
 struct RowFilter {

@@ -92,6 +92,15 @@ TextMatcher::TextMatcher(std::string_view text, Options options)
 
 TextMatcher::TextMatcher(Finder finder) : finder_(std::make_shared<const Finder>(std::move(finder))) {}
 
+TextMatcher TextMatcher::until(const std::stop_token& stop) const {
+  TextMatcher copy = *this;
+  if (finder_ != nullptr && stop.stop_possible())
+    copy.finder_ = std::make_shared<const Finder>([finder = finder_, stop](std::string_view text, bool firstOnly) {
+      return stop.stop_requested() ? std::vector<TextSpan>() : (*finder)(text, firstOnly);
+    });
+  return copy;
+}
+
 const std::string* TextMatcher::needle() const noexcept {
   return finder_ == nullptr && !options_.wholeValue ? &needle_ : nullptr;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ class TextMatcher {
   TextMatcher(std::string_view text, Options options);
   /// Looks for what `finder` finds, such as a regular expression. It may be called from any thread.
   explicit TextMatcher(Finder finder);
+
+  /// The same, but a finder is not asked any more once a stop is requested: then nothing matches.
+  [[nodiscard]] TextMatcher until(const std::stop_token& stop) const;
 
   [[nodiscard]] bool matches(std::string_view shown) const;
   /// Where `shown` matches, in order and without overlaps. A match of a part of a letter (the "s" of "ß") is the whole

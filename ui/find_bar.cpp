@@ -124,9 +124,15 @@ void FindBar::setTexts(const std::function<QString(std::string_view key)>& texts
   if (shown_) shown_();
 }
 
-void FindBar::open(const QString& text) {
+void FindBar::open(const std::optional<FindRequest>& request) {
   show();
-  if (!text.isEmpty() && text != text_->currentText()) text_->setEditText(text);
+  if (request) {
+    const QSignalBlocker quiet(this);
+    text_->setEditText(request->text);
+    exactCase_->setChecked(request->exactCase);
+    wholeValue_->setChecked(request->wholeValue);
+    regularExpression_->setChecked(request->regularExpression);
+  }
   text_->setFocus(Qt::ShortcutFocusReason);
   text_->lineEdit()->selectAll();
 }
@@ -164,14 +170,26 @@ void FindBar::showCount(std::size_t current, std::size_t hits) {
   enableSteps(hits > 0);
 }
 
-void FindBar::showProblem(const QString& text) {
-  shown_ = nullptr;
-  showCountText(text);
+void FindBar::showSearching() {
+  shown_ = [this] {
+    if (texts_) showCountText(texts_("find.searching"));
+  };
+  shown_();
+  filter_->setEnabled(true);
+}
+
+void FindBar::showProblem(const std::function<QString()>& text) {
+  shown_ = [this, text] { showCountText(text()); };
+  shown_();
   enableSteps(false);
 }
 
 void FindBar::showNothing() {
-  showProblem({});
+  showProblem([] { return QString(); });
+}
+
+void FindBar::enableFilter(bool enabled) {
+  filter_->setEnabled(enabled);
 }
 
 void FindBar::offerHistory() {

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -45,18 +46,23 @@ class FindBar : public QFrame {
 
   /// Texts in the current language, by their keys.
   void setTexts(const std::function<QString(std::string_view key)>& texts);
-  /// Shows the bar with the keyboard on its text, which is selected. `text` replaces it where there is one.
-  void open(const QString& text = {});
+  /// Shows the bar with the keyboard on its text, which is selected. Puts a request into it, which is no change by the
+  /// user, where one is given.
+  void open(const std::optional<FindRequest>& request = {});
   [[nodiscard]] FindRequest request() const;
   /// What takes the keyboard, in the order of Tab.
   [[nodiscard]] std::vector<QWidget*> focusOrder() const;
 
   /// "12 of 3,451"; without a current hit (0) their number alone, and plain words where there is none.
   void showCount(std::size_t current, std::size_t hits);
-  /// Why nothing can be searched for, such as what is wrong with a regular expression.
-  void showProblem(const QString& text);
+  /// While hits are not known yet. A filter can be asked for already.
+  void showSearching();
+  /// Why nothing can be searched for, such as what is wrong with a regular expression; in the current language.
+  void showProblem(const std::function<QString()>& text);
   /// While nothing is searched for.
   void showNothing();
+  /// Whether a filter can be asked for, where that is not a matter of the hits alone.
+  void enableFilter(bool enabled);
 
  Q_SIGNALS:
   /// Another text is wanted, or the same otherwise.

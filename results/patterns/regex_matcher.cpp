@@ -30,7 +30,9 @@ std::vector<std::size_t> byteOffsets(std::string_view text) {
 }
 
 /// Must be the beginning of a pattern. Matches without a character are none.
-const QString stepLimit = QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=200000)");
+QString limits(unsigned steps) {
+  return QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=%1)").arg(steps);
+}
 
 std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_view text, bool firstOnly,
                               const GaveUp& gaveUp) {
@@ -60,7 +62,7 @@ std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_
 }  // namespace
 
 std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern, TextMatcher::Options options,
-                                                       GaveUp gaveUp) {
+                                                       GaveUp gaveUp, unsigned steps) {
   QString text = QString::fromUtf8(pattern.data(), static_cast<qsizetype>(pattern.size()));
   QRegularExpression::PatternOptions patternOptions = QRegularExpression::UseUnicodePropertiesOption;
   if (!options.exactCase) patternOptions |= QRegularExpression::CaseInsensitiveOption;
@@ -68,7 +70,7 @@ std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern,
   if (!written.isValid())
     return PatternProblem{written.errorString().toStdString(), static_cast<std::size_t>(written.patternErrorOffset())};
   if (options.wholeValue) text = QRegularExpression::anchoredPattern(text);
-  const QRegularExpression expression(stepLimit + text, patternOptions);
+  const QRegularExpression expression(limits(steps) + text, patternOptions);
   expression.optimize();
   return TextMatcher([expression, gaveUp = std::move(gaveUp)](std::string_view shown, bool firstOnly) {
     return spansOf(expression, shown, firstOnly, gaveUp);

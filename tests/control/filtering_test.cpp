@@ -1,6 +1,7 @@
 // Filtering the lists by value, by keys.
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <algorithm>
 
 #include "settings/registry.h"
 #include "tests/control/list_work_fixture.h"
@@ -182,6 +183,121 @@ TEST_F(Filtering, ByTheTextThatIsSearchedFor) {
   press(Qt::Key_K, Qt::ControlModifier);
   EXPECT_EQ(column(*viewer, 0), "1");
   EXPECT_EQ(findCount(*viewer), "1 of 1") << "hits are those of the rows that are shown";
+}
+
+TEST_F(Filtering, AChipOfATextOpensItsHitsAndItsChangeTakesItsPlace) {
+  const auto viewer = filledViewer();
+  press(Qt::Key_F, Qt::ControlModifier);
+  press(Qt::Key_C, Qt::AltModifier);
+  type("TIC-1");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  goTo(*viewer, 0, userName);
+  press(Qt::Key_K, Qt::ControlModifier);
+  press(Qt::Key_Escape);
+  press(Qt::Key_F, Qt::ControlModifier);
+  press(Qt::Key_C, Qt::AltModifier);
+  findText(*viewer).setText("something else");
+  press(Qt::Key_Escape);
+  EXPECT_EQ(chips(*viewer), "Any column contains \"TIC-1\"; User Name = Luca Rossi");
+  const auto openChip = [&] {
+    const auto buttons = chipBar(*viewer).findChildren<ui::ChipButton*>();
+    const auto shown =
+        std::find_if(buttons.begin(), buttons.end(), [](const ui::ChipButton* each) { return !each->isHidden(); });
+    ASSERT_NE(shown, buttons.end());
+    (*shown)->setFocus();
+    press(Qt::Key_Return);
+  };
+  openChip();
+  EXPECT_EQ(bar(*viewer).request(), (ui::FindRequest{.text = "TIC-1", .exactCase = true}));
+  EXPECT_EQ(findCount(*viewer), "1 of 1");
+  ASSERT_TRUE(findText(*viewer).hasFocus());
+  // Rows that the filter hides can be asked for, too.
+  type("WIC");
+  EXPECT_EQ(findCount(*viewer), "No hits");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(chips(*viewer), "Any column contains \"WIC\"; User Name = Luca Rossi");
+  EXPECT_EQ(column(*viewer, 0), "2");
+  EXPECT_EQ(findCount(*viewer), "1 hit");
+  findText(*viewer).setText("tic");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(chips(*viewer), "Any column contains \"tic\"; User Name = Luca Rossi");
+  // A text that occurs nowhere is no change.
+  findText(*viewer).setText("nowhere");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(chips(*viewer), "Any column contains \"tic\"; User Name = Luca Rossi");
+  press(Qt::Key_Escape);
+  // Searched for by itself, a text is a condition of its own.
+  press(Qt::Key_F, Qt::ControlModifier);
+  findText(*viewer).setText("-7");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(chipBar(*viewer).chips().size(), 3U);
+}
+
+TEST_F(Filtering, ValuesCloseWhenTheListGetsOtherRows) {
+  const auto viewer = filledViewer();
+  open(*viewer, userName);
+  ASSERT_TRUE(values(*viewer).isVisible());
+  viewer->TriggerQuery();
+  ASSERT_FALSE(values(*viewer).isVisible());
+  viewer->activateWindow();
+  QApplication::processEvents();
+  open(*viewer, number);
+  static_cast<control::ResultListView*>(list(*viewer, 0))->clickHeader(number);
+  EXPECT_FALSE(values(*viewer).isVisible()) << "entry numbers are shown otherwise";
+  EXPECT_EQ(chips(*viewer), "");
+}
+
+TEST_F(Filtering, FollowsEntryNumbersThatSortingRewrites) {
+  server.resultSets[0][0][number] = "0007";
+  const auto viewer = filledViewer();
+  selectTab(*viewer, 1);
+  auto* view = static_cast<control::ResultListView*>(list(*viewer, 1));
+  const auto go = [&](int columnNumber) {
+    view->setFocus();
+    view->setCurrentIndex(view->model()->index(0, columnNumber));
+  };
+  go(number);
+  ASSERT_EQ(view->currentIndex().data().toString(), "0007");
+  press(Qt::Key_K, Qt::ControlModifier);
+  EXPECT_EQ(chips(*viewer, 1), "Entry ID = 0007");
+  view->clickHeader(number);
+  EXPECT_EQ(chips(*viewer, 1), "Entry ID = 7");
+  go(area);
+  press(Qt::Key_K, Qt::ControlModifier);
+  EXPECT_EQ(column(*viewer, 1), "7");
+  chipBar(*viewer, 1).findChild<QToolButton*>("PinFilters")->click();
+  click(*viewer, "btQuery");
+  EXPECT_EQ(column(*viewer, 1), "7") << "the sorted list goes on rewriting them";
+}
+
+TEST_F(Filtering, APinnedTextIsLookedForInTheColumnsOfTheNextAnswer) {
+  const auto viewer = shownViewer();
+  viewer->activateWindow();
+  selectTab(*viewer, 5);
+  const auto answer = [&](std::vector<std::string> columns, std::vector<std::vector<std::string>> rows) {
+    server.answer = [=](db::ResultSink& sink) {
+      std::vector<db::Field> fields;
+      for (const std::string& name : columns) fields.push_back({name});
+      sink.beginResult(fields);
+      for (const auto& values : rows) {
+        std::vector<db::Cell> cells;
+        for (const std::string& value : values) cells.push_back({value});
+        sink.row(cells);
+      }
+      sink.endResult();
+    };
+    click(*viewer, "btQuery");
+  };
+  answer({"a"}, {{"pump"}, {"valve"}});
+  list(*viewer, 5)->setFocus();
+  press(Qt::Key_F, Qt::ControlModifier);
+  type("pump");
+  press(Qt::Key_Return, Qt::ControlModifier);
+  EXPECT_EQ(column(*viewer, 5), "pump");
+  chipBar(*viewer, 5).findChild<QToolButton*>("PinFilters")->click();
+  answer({"n", "text"}, {{"1", "valve"}, {"2", "the pump"}});
+  EXPECT_EQ(chips(*viewer, 5), "Any column contains \"pump\"");
+  EXPECT_EQ(column(*viewer, 5), "2");
 }
 
 TEST_F(Filtering, SaysWhereNoRowIsLeft) {

@@ -56,7 +56,7 @@ TEST_F(Finding, ExactCaseWholeValuesAndRegularExpressions) {
   press(Qt::Key_C, Qt::AltModifier);
   press(Qt::Key_R, Qt::AltModifier);
   findText(*viewer).setText("^(T|W)IC-[12]\\d+$");
-  EXPECT_EQ(findCount(*viewer), "1 of 3");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return findCount(*viewer) == "1 of 3"; }, 20'000));
   findText(*viewer).setText("(unclosed");
   EXPECT_TRUE(findCount(*viewer).startsWith("Not a regular expression")) << findCount(*viewer).toStdString();
   findText(*viewer).setText("");

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,10 @@ std::vector<ColumnIndex> allColumns() {
   std::vector<ColumnIndex> columns;
   for (std::size_t i = 0; i < GeneratedList::columnCount; ++i) columns.push_back({i});
   return columns;
+}
+
+FoundCells search(const ResultList& list, const TextMatcher& matcher, const std::vector<ColumnIndex>& columns) {
+  return {list, std::make_shared<const MatchingCells>(list, matcher, columns)};
 }
 
 std::vector<FoundCell> plainly(const GeneratedList& made, const TextMatcher& matcher,
@@ -60,7 +66,7 @@ TEST(FoundCells, AgreeWithLookingAtEveryCell) {
       if (sorted) made.list.sortBy({0}, SortOrder::descending);
       std::size_t matching = 0;
       for (const TextMatcher& matcher : matchers()) {
-        const FoundCells found(made.list, matcher, columns);
+        const FoundCells found = search(made.list, matcher, columns);
         const std::vector<FoundCell> expected = plainly(made, matcher, columns);
         ASSERT_EQ(found.count(), expected.size()) << (matcher.needle() == nullptr ? "" : *matcher.needle());
         ASSERT_EQ(oneAfterTheOther(made.list, found), expected);
@@ -76,7 +82,7 @@ TEST(FoundCells, AgreeWithLookingAtEveryCell) {
 
 TEST(FoundCells, GoesOnAtTheOtherEnd) {
   GeneratedList made(RowFilling::whole);
-  const FoundCells found(made.list, TextMatcher("text 1", {}), allColumns());
+  const FoundCells found = search(made.list, TextMatcher("text 1", {}), allColumns());
   const std::vector<FoundCell> cells = plainly(made, TextMatcher("text 1", {}), allColumns());
   ASSERT_GT(cells.size(), 2U);
   EXPECT_EQ(found.next(cells.back(), SearchDirection::forward), cells.front());
@@ -88,7 +94,7 @@ TEST(FoundCells, GoesOnAtTheOtherEnd) {
 
 TEST(FoundCells, TheOnlyOneIsItsOwnNeighbour) {
   GeneratedList made(RowFilling::whole);
-  const FoundCells found(made.list, TextMatcher("000", {.wholeValue = true}), allColumns());
+  const FoundCells found = search(made.list, TextMatcher("000", {.wholeValue = true}), allColumns());
   ASSERT_EQ(found.count(), 1U);
   const auto only = found.firstFrom({500});
   ASSERT_TRUE(only);
@@ -98,22 +104,64 @@ TEST(FoundCells, TheOnlyOneIsItsOwnNeighbour) {
 
 TEST(FoundCells, NothingIsFoundInAListWithoutRows) {
   ResultList list(RowFilling::whole);
-  const FoundCells found(list, TextMatcher("a", {}), allColumns());
+  const FoundCells found = search(list, TextMatcher("a", {}), allColumns());
   EXPECT_EQ(found.count(), 0U);
   EXPECT_FALSE(found.firstFrom({0}));
   EXPECT_FALSE(found.next({{0}, 0}, SearchDirection::backward));
 }
 
-TEST(FoundCells, StayTrueUnderSortAndFilter) {
+TEST(FoundCells, AreMadeFromTheSameCellsUnderSortAndFilter) {
   GeneratedList made(RowFilling::whole);
   const TextMatcher matcher("tic", {});
-  const FoundCells found(made.list, matcher, allColumns());
+  const auto cells = std::make_shared<const MatchingCells>(made.list, matcher, allColumns());
   made.list.sortBy({4}, SortOrder::ascending);
-  EXPECT_EQ(oneAfterTheOther(made.list, found), plainly(made, matcher, allColumns()));
+  EXPECT_TRUE(cells->areOf(made.list));
+  EXPECT_EQ(oneAfterTheOther(made.list, FoundCells(made.list, cells)), plainly(made, matcher, allColumns()));
   made.list.setFilter({.columns = {{.column = {2}, .values = {{"jose", false}}}}, .texts = {}});
   ASSERT_LT(made.list.rowCount(), 3000U);
+  EXPECT_TRUE(cells->areOf(made.list));
+  const FoundCells found(made.list, cells);
   EXPECT_EQ(oneAfterTheOther(made.list, found), plainly(made, matcher, allColumns()));
   EXPECT_EQ(found.count(), plainly(made, matcher, allColumns()).size());
+}
+
+TEST(MatchingCells, BelongToTheRecordsAndTextsThatWereSearched) {
+  GeneratedList made(RowFilling::standard);
+  GeneratedList other(RowFilling::standard);
+  const MatchingCells cells(made.list, TextMatcher("tic", {}), allColumns());
+  EXPECT_TRUE(cells.areOf(made.list));
+  EXPECT_TRUE(cells.areOf(made.list.recordsOnly()));
+  EXPECT_FALSE(cells.areOf(other.list));
+  made.list.sortBy({0}, SortOrder::ascending);
+  EXPECT_FALSE(cells.areOf(made.list)) << "entry numbers are shown otherwise";
+  made.list.clear();
+  EXPECT_FALSE(cells.areOf(made.list));
+}
+
+TEST(MatchingCells, AreTheSameInAListThatShowsNoRows) {
+  GeneratedList made(RowFilling::standard, 3);
+  for (const bool sorted : {false, true}) {
+    if (sorted) made.list.sortBy({0}, SortOrder::descending);
+    const ResultList records = made.list.recordsOnly();
+    EXPECT_EQ(records.rowCount(), 0U);
+    for (const TextMatcher& matcher : matchers()) {
+      const auto cells = std::make_shared<const MatchingCells>(records, matcher, allColumns());
+      EXPECT_EQ(oneAfterTheOther(made.list, FoundCells(made.list, cells)), plainly(made, matcher, allColumns()));
+    }
+  }
+}
+
+TEST(MatchingCells, AskNothingMoreOnceAStopIsRequested) {
+  GeneratedList made(RowFilling::whole);
+  std::stop_source stop;
+  int asked = 0;
+  constexpr int enough = 700;
+  const TextMatcher matcher([&](std::string_view, bool) {
+    if (++asked == enough) stop.request_stop();
+    return std::vector<TextSpan>{{0, 1}};
+  });
+  const MatchingCells cells(made.list, matcher, allColumns(), stop.get_token());
+  EXPECT_EQ(asked, enough);
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "results/column_values.h"
 #include "tests/results/generated_list.h"
 
 namespace korvel::results {
@@ -115,6 +117,51 @@ TEST(RowFilter, SortingKeepsWhatIsShown) {
   made.list.setFilter({});
   EXPECT_EQ(made.list.rowCount(), made.list.wholeRowCount());
   EXPECT_FALSE(made.list.isFiltered());
+}
+
+TEST(RowFilter, ATextIsEvaluatedOnceForTheSameRows) {
+  GeneratedList made(RowFilling::whole);
+  std::size_t asked = 0;
+  const TextMatcher matcher([&](std::string_view shown, bool) {
+    ++asked;
+    return shown.starts_with("TIC") ? std::vector<TextSpan>{{0, 3}} : std::vector<TextSpan>{};
+  });
+  made.list.setFilter({{}, {{matcher, {{4}, {5}}}}});
+  ASSERT_GT(asked, 0U);
+  ASSERT_GT(made.list.rowCount(), 0U);
+  asked = 0;
+  for (std::size_t column = 0; column < GeneratedList::columnCount; ++column)
+    EXPECT_FALSE(columnValues(made.list, {column}, {}, 100'000).values.empty());
+  RowFilter more = made.list.filter();
+  more.columns.push_back({.column = {2}, .values = {text("jose")}});
+  made.list.setFilter(more);
+  EXPECT_EQ(asked, 0U);
+  RowFilter plain{more.columns, {{matcher, {{4}, {5}}}}};
+  EXPECT_EQ(shownRows(made.list), plainly(made, plain));
+  // What is known of other rows means nothing.
+  GeneratedList other(RowFilling::whole, 2);
+  asked = 0;
+  other.list.setFilter(more);
+  EXPECT_GT(asked, 0U);
+  EXPECT_EQ(shownRows(other.list), plainly(other, plain));
+}
+
+TEST(RowFilter, FollowsEntryNumbersThatSortingRewrites) {
+  ResultList list(RowFilling::standard);
+  list.setColumns({{"No", standardColumnWidth, 0}, {"a", standardColumnWidth, 0}, {"b", standardColumnWidth, 0}});
+  list.setRows(test::storeOf({{"007", "x", ""}, {"010", "y", ""}, {"-003", "y", ""}, {"00x", "z", ""}}),
+               {{0}, {1}, {2}, {3}});
+  const std::vector<RowId> chosen = {{2}, {3}, {0}};
+  list.setFilter({{{.column = {0}, .values = {text("007"), text("-003"), text("00x")}}}, {}});
+  ASSERT_EQ(list.rowCount(), 3U);
+  list.sortBy({0}, SortOrder::ascending);
+  const std::vector<RowId> sorted = shownRows(list);
+  EXPECT_EQ(std::set<RowId>(sorted.begin(), sorted.end()), std::set<RowId>(chosen.begin(), chosen.end()));
+  list.setFilter(RowFilter(list.filter()));
+  EXPECT_EQ(shownRows(list), sorted) << "the same filter again";
+  RowFilter excluding{{{.column = {0}, .excludes = true, .values = {text("7")}}}, {}};
+  list.setFilter(excluding);
+  EXPECT_EQ(list.rowCount(), 3U);
 }
 
 TEST(RowFilter, OneFilterReplacesAnother) {

@@ -127,7 +127,7 @@ TEST_F(FindBarTest, SaysHowManyHitsThereAre) {
   bar->showCount(0, 0);
   EXPECT_EQ(count(), "No hits");
   EXPECT_FALSE(button("FindNext").isEnabled());
-  bar->showProblem("Not a regular expression: missing )");
+  bar->showProblem([] { return QString("Not a regular expression: missing )"); });
   EXPECT_EQ(count(), "Not a regular expression: missing )");
   bar->showNothing();
   EXPECT_EQ(count(), "");
@@ -173,7 +173,7 @@ TEST_F(FindBarTest, OpensWithItsTextSelected) {
   bar->hide();
   bar->open();
   EXPECT_EQ(field().selectedText(), "TIC");
-  bar->open("WIC");
+  bar->open(ui::FindRequest{.text = "WIC"});
   EXPECT_EQ(field().selectedText(), "WIC");
 }
 
