@@ -1,14 +1,19 @@
-// Commands on a list of a million records: fit columns, type ahead, select and sort, copy.
+// Commands on a list of a million records: fit columns, type ahead, select and sort, copy, find.
 
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <array>
 #include <memory>
 #include <vector>
 
 #include "bench/audit_file.h"
 #include "bench/offscreen.h"
 #include "bench/stored_answer.h"
+#include "bench/window_gaps.h"
+#include "control/list_finding.h"
 #include "control/result_list_view.h"
 #include "db/open_connection.h"
 #include "query/audit_record.h"
@@ -106,6 +111,55 @@ void copyRows(benchmark::State& state) {
   state.SetLabel(isRefused ? "refused" : "copied");
 }
 BENCHMARK(copyRows)->Arg(1000)->Arg(50000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+/// A pattern is typed into the find bar, key after key, until its hits are counted; and for how long the window does
+/// not answer meanwhile. The last pattern takes many steps for most texts.
+constexpr std::array<const char*, 4> patterns = {"TIC-1\\d+", "\\d+\\.\\d+ bar$", "^(a|aa|\\w)*-19$",
+                                                 "(\\w|\\w\\w|\\w\\w\\w)*!$"};
+
+void findPattern(benchmark::State& state) {
+  offscreenApplication<QApplication>();
+  static QWidget window;
+  static ManyRecords& many = records();
+  many.view.setParent(&window);
+  ui::FindHistory history;
+  control::ListArea area(many.view, history);
+  control::ListFinding finding(area, {.filter = [](const auto&, const auto&) {}, .closed = [] {}});
+  finding.showTexts();
+  window.resize(1000, 700);
+  area.setGeometry(window.rect());
+  window.show();
+  finding.open();
+  auto* const field = area.find->findChild<QComboBox*>();
+  field->setEditText(QString());
+  area.find->findChild<QAbstractButton*>(QStringLiteral("FindRegularExpression"))->setChecked(true);
+  QCoreApplication::processEvents();
+  const QString pattern = QLatin1String(patterns.at(static_cast<std::size_t>(state.range(0))));
+  double longest = 0;
+  WindowGaps gaps(std::chrono::milliseconds{1});
+  for (auto _ : state) {
+    gaps.restart();
+    for (qsizetype keys = 1; keys <= pattern.size(); ++keys) {
+      field->setEditText(pattern.left(keys));
+      QCoreApplication::processEvents();
+    }
+    while (finding.isSearching()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QCoreApplication::processEvents();
+    longest = std::max(longest, gaps.longestMilliseconds());
+  }
+  state.SetLabel((pattern + QStringLiteral(": ") + area.find->findChild<QLabel*>(QStringLiteral("FindCount"))->text())
+                     .toStdString());
+  state.counters["longest_gap_ms"] = longest;
+  finding.close();
+  many.view.setParent(nullptr);
+  delete area.chips;
+  delete area.find;
+}
+BENCHMARK(findPattern)
+    ->DenseRange(0, static_cast<std::int64_t>(patterns.size()) - 1)
+    ->Iterations(5)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace korvel::bench

@@ -7,17 +7,15 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QTableView>
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <stop_token>
-#include <thread>
 
 #include "bench/audit_file.h"
 #include "bench/bare_sqlite.h"
 #include "bench/memory.h"
 #include "bench/offscreen.h"
+#include "bench/window_gaps.h"
 #include "control/library_state.h"
 #include "db/connection_string.h"
 #include "korvel/AuditViewer.h"
@@ -30,38 +28,6 @@ using Clock = std::chrono::steady_clock;
 double millisecondsSince(Clock::time_point begin) {
   return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
-
-/// How long the window's thread takes at the most to come to what is asked of it: a call every ten milliseconds.
-class WindowGaps {
- public:
-  /// Of the thread that `window` lives in.
-  explicit WindowGaps(QObject& window)
-      : person_([this, &window](const std::stop_token& stop) {
-          while (!stop.stop_requested()) {
-            QMetaObject::invokeMethod(
-                &window, [this] { answered(); }, Qt::QueuedConnection);
-            std::this_thread::sleep_for(std::chrono::milliseconds{10});
-          }
-        }) {}
-  void restart() {
-    last_ = Clock::now();
-    longest_ = 0;
-  }
-  [[nodiscard]] double longest() {
-    answered();
-    return longest_;
-  }
-
- private:
-  void answered() {
-    longest_ = std::max(longest_, millisecondsSince(last_));
-    last_ = Clock::now();
-  }
-
-  Clock::time_point last_ = Clock::now();
-  double longest_ = 0;
-  std::jthread person_;
-};
 
 void loadAll(benchmark::State& state) {
   offscreenApplication<QApplication>();
@@ -81,7 +47,7 @@ void loadAll(benchmark::State& state) {
   viewer.TriggerQuery();
   auto& button = *viewer.findChild<QPushButton*>(QStringLiteral("LoadAll"));
   auto& list = *viewer.findChild<QTableView*>(QStringLiteral("lvListView0"));
-  WindowGaps gaps(viewer);
+  WindowGaps gaps;
   for (auto _ : state) {
     forgetPeak();
     const double before = residentMegabytes();
@@ -89,7 +55,7 @@ void loadAll(benchmark::State& state) {
     const auto begin = Clock::now();
     button.click();
     state.SetIterationTime(millisecondsSince(begin) / 1000);
-    state.counters["longest_gap_ms"] = gaps.longest();
+    state.counters["longest_gap_ms"] = gaps.longestMilliseconds();
     state.counters["peak_MB"] = peakMegabytes() - before;
     state.counters["kept_MB"] = residentMegabytes() - before;
   }
