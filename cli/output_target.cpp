@@ -13,6 +13,7 @@
 #include "cli/interruption.h"
 #include "cli/messages.h"
 #include "cli/platform.h"
+#include "evidence/proven_file.h"
 
 namespace korvel::cli {
 
@@ -63,7 +64,7 @@ output::ByteSink untilInterrupted(const output::ByteSink& target) {
   };
 }
 
-void writeTo(const std::string& target, std::ostream& out, const Writer& write) {
+void writeTo(const std::string& target, std::ostream& out, const Writer& write, const ManifestMaker& manifest) {
   if (target == "-") return writeToStream(out, "standard output", write);
   // Would fail only after everything was written.
   if (target.empty())
@@ -74,6 +75,11 @@ void writeTo(const std::string& target, std::ostream& out, const Writer& write) 
     throw systemError(systemErrorNumber(std::errc::is_a_directory), "cannot write " + target);
   // Renaming a file over a device would remove the device.
   if (fs::exists(status) && !fs::is_regular_file(status)) return writeThrough(target, write);
+  if (manifest) {
+    evidence::ProvenFile file(pathFromUtf8(target));
+    write([&file](std::string_view bytes) { file.write(bytes); });
+    return file.commit(manifest());
+  }
   AtomicFile file(pathFromUtf8(target));
   write([&file](std::string_view bytes) { file.write(bytes); });
   file.commit();

@@ -4,6 +4,8 @@
 #include <ostream>
 
 #include "cli/common_options.h"
+#include "cli/manifest_option.h"
+#include "evidence/recorded_rows.h"
 
 namespace korvel::cli {
 
@@ -39,6 +41,10 @@ constexpr const char* footer =
     "  pdf        the list as displayed, on pages\n"
     "  xlsx       full copy as a spreadsheet: numbers, dates and booleans where nothing is lost\n"
     "pdf and xlsx go to a file or a pipe, not to a terminal.\n"
+    "\n"
+    "With --manifest the file gets two more beside it: what was asked, of whom and when, with the\n"
+    "SHA-256 of the file and of each record, and a file that \"sha256sum -c\" reads. See verify.\n"
+    "\n"
     "As displayed means: outer blanks removed, Comments and Summer Time left empty. Only csv, json\n"
     "and xlsx carry these two.\n"
     "\n"
@@ -69,6 +75,7 @@ void addOutput(CLI::App& command, QueryOptions& options) {
       columnNamed, "no column", [&options](results::ColumnIndex column) { options.sort = column; });
   command.add_flag("--descending", options.descending, "Sort from the last to the first");
   addTarget(command, options.format, options.output);
+  addManifest(command, options.manifest);
   addQuiet(command, options);
 }
 
@@ -78,6 +85,15 @@ void writeList(const QueryOptions& options, results::ResultList& list, const out
     list.sortBy(options.sort.value_or(list.sortKey()),
                 options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
   options.format->write({list, query::pageCaptions[options.list], remark}, sink, err);
+}
+
+void recordList(const QueryOptions& options, const results::ResultList& list, evidence::Manifest& manifest) {
+  manifest.output.format = options.format->name;
+  if (!options.choice.takesAll()) manifest.question.filters.push_back(choiceText(options.choice));
+  if (list.isSorted())
+    manifest.question.sortedBy = list.columns()[list.sortKey().value].caption +
+                                 (list.sortOrder() == results::SortOrder::descending ? ", descending" : "");
+  manifest.rows = evidence::recordedRows(list);
 }
 
 }  // namespace
@@ -91,7 +107,8 @@ CLI::App* addQueryCommand(CLI::App& app, QueryOptions& options) {
   addCountFormat(*command, options.choice, options.format);
   command->get_option("--count-by")
       ->excludes(command->get_option("--sort"))
-      ->excludes(command->get_option("--descending"));
+      ->excludes(command->get_option("--descending"))
+      ->excludes(command->get_option("--manifest"));
   command->footer(footer);
   return command;
 }
@@ -100,12 +117,17 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
   if (const auto problem = questionProblem(options)) return refused(err, *problem);
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
 
+  if (options.manifest)
+    if (const auto problem = manifestProblem(options.output)) return refused(err, *problem);
   if (const auto problem = choiceProblem(options.choice, query::makeResultLists()[options.list]))
     return refused(err, *problem);
   return writeAnswer(options, connect, options.output, out, err,
                      [&](results::ResultList& list, Answered& answer, const output::ByteSink& sink) {
                        const auto ended = applyRowChoice(options.choice, list, answer.remark, err);
-                       if (!ended) writeList(options, list, sink, answer.remark, err);
+                       if (ended) return ended;
+                       const RepeatedNotes notes(err, answer.manifest);
+                       writeList(options, list, sink, answer.remark, notes.stream());
+                       if (options.manifest) recordList(options, list, answer.manifest);
                        return ended;
                      });
 }

@@ -13,11 +13,13 @@
 #include "base/paths.h"
 #include "cli/common_options.h"
 #include "cli/interruption.h"
+#include "cli/manifest_option.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
 #include "db/connection_state.h"
 #include "db/connection_string.h"
 #include "db/worker.h"
+#include "evidence/recorded_rows.h"
 #include "output/row_writer.h"
 #include "query/audit_record.h"
 #include "query/custom_query.h"
@@ -56,6 +58,9 @@ constexpr const char* footer =
     "\n"
     "--where takes a caption or the number of a column. Values of one column are alternatives; of\n"
     "different columns all must hold. An empty value is null, too.\n"
+    "\n"
+    "With --manifest the file gets two more beside it: what was asked, of whom and when, with the\n"
+    "SHA-256 of the file and of each record, and a file that \"sha256sum -c\" reads. See verify.\n"
     "\n"
     "Query files (--file) are those of the viewer's custom page: text in the system's code page.\n"
     "\n"
@@ -103,12 +108,13 @@ bool wanted() {
 class WatchedStream final : public db::ResultSink {
  public:
   /// Once `close` was called, nothing of the caller's is used any more.
-  WatchedStream(const OutputFormat& format, std::string_view caption, const output::ByteSink& target, std::ostream& err)
+  WatchedStream(const OutputFormat& format, std::string_view caption, const output::ByteSink& target, std::ostream& err,
+                bool records)
       : outlet_([this, &target](std::string_view bytes) {
           const std::lock_guard lock(mutex_);
           if (!closed_) target(bytes);
         }),
-        stream_(format.stream(caption, outlet_, err), wanted) {}
+        stream_(writerOf(format, caption, err, records), wanted) {}
 
   void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
   /// A failure to write ends the answer in good order and is kept for throwUnwritten(): it is not an error of the
@@ -140,11 +146,20 @@ class WatchedStream final : public db::ResultSink {
   void finish() { stream_.finish(); }
   [[nodiscard]] std::size_t rowCount() const noexcept { return stream_.rowCount(); }
   [[nodiscard]] bool stopped() const noexcept { return stream_.stopped(); }
+  [[nodiscard]] evidence::Manifest::Rows takeRecorded() { return recorder_.take(); }
 
  private:
+  std::unique_ptr<output::RowWriter> writerOf(const OutputFormat& format, std::string_view caption, std::ostream& err,
+                                              bool records) {
+    auto writer = format.stream(caption, outlet_, err);
+    if (!records) return writer;
+    return std::make_unique<evidence::RecordingWriter>(std::move(writer), recorder_);
+  }
+
   std::mutex mutex_;
   bool closed_ = false;
   output::ByteSink outlet_;
+  evidence::RowRecorder recorder_;
   output::RecordStream stream_;
   query::PacedMemoryCheck look_{query::QueryEnvironment{}};
   results::MemoryWatch memory_;
@@ -161,20 +176,26 @@ class SqlRun {
         connect_(connect),
         text_(std::move(text)),
         connectionString_(db::buildConnectionString(options.server, options.database)),
-        err_(err) {}
+        err_(err),
+        wantsManifest_(options.manifest),
+        manifest_(begunManifest(options.server, options.database)) {}
 
   /// The target is opened before the query runs: one that cannot be written fails at once.
   int run(std::ostream& out) {
     query::CustomReport report;
     const auto failure = query::failureOf([&] {
       try {
-        writeTo(target_, out, [&](const output::ByteSink& target) {
-          const output::ByteSink sink = untilInterrupted(target);
-          report =
-              format_.stream != nullptr && choice_.takesAll() && choice_.countBy.empty() ? stream(sink) : collect(sink);
-          // Leaves a file as it was.
-          if (report.outcome != CustomOutcome::filled || ended_) throw NothingToWrite{};
-        });
+        writeTo(
+            target_, out,
+            [&](const output::ByteSink& target) {
+              const output::ByteSink sink = untilInterrupted(target);
+              const RepeatedNotes notes(err_, manifest_);
+              const bool streams = format_.stream != nullptr && choice_.takesAll() && choice_.countBy.empty();
+              report = streams ? stream(sink, notes.stream()) : collect(sink, notes.stream());
+              // Leaves a file as it was.
+              if (report.outcome != CustomOutcome::filled || ended_) throw NothingToWrite{};
+            },
+            wantsManifest_ ? ManifestMaker([this] { return endedManifest(); }) : ManifestMaker());
       } catch (const NothingToWrite&) {
       } catch (const Stopped&) {
         report = {CustomOutcome::stopped, std::nullopt};
@@ -188,21 +209,23 @@ class SqlRun {
   using CustomOutcome = query::CustomOutcome;
 
   /// Collects the whole answer, then writes it.
-  query::CustomReport collect(const output::ByteSink& sink) {
+  query::CustomReport collect(const output::ByteSink& sink, std::ostream& notes) {
     results::ResultList list(results::RowFilling::whole);
-    query::CustomReport report =
-        query::runCustomQuery(text_, connectionString_, connect_, list, [](std::size_t) { return wanted(); });
+    query::CustomReport report = query::runCustomQuery(text_, connectionString_, server_.remembering(connect_), list,
+                                                       [](std::size_t) { return wanted(); });
     if (report.outcome != CustomOutcome::filled) return report;
     std::string remark;
-    ended_ = applyRowChoice(choice_, list, remark, err_);
-    if (!ended_) format_.write({list, caption, remark}, sink, err_);
+    ended_ = applyRowChoice(choice_, list, remark, notes);
+    if (ended_) return report;
+    format_.write({list, caption, remark}, sink, notes);
+    if (wantsManifest_) manifest_.rows = evidence::recordedRows(list);
     return report;
   }
 
   /// Writes the answer while it arrives.
-  query::CustomReport stream(const output::ByteSink& sink) {
-    const auto stream = std::make_shared<WatchedStream>(format_, caption, sink, err_);
-    const auto work = [stream, connect = connect_, text = text_,
+  query::CustomReport stream(const output::ByteSink& sink, std::ostream& notes) {
+    const auto stream = std::make_shared<WatchedStream>(format_, caption, sink, notes, wantsManifest_);
+    const auto work = [stream, connect = server_.remembering(connect_), text = text_,
                        connectionString = connectionString_](const std::stop_token& stop) {
       return query::failureOf([&] {
         const auto connection = connect(connectionString, stop);
@@ -220,7 +243,19 @@ class SqlRun {
     if (*result) return {CustomOutcome::failed, *result};
     if (stream->rowCount() == 0) return {CustomOutcome::noRecords, std::nullopt};
     stream->finish();
+    if (wantsManifest_) manifest_.rows = stream->takeRecorded();
     return {CustomOutcome::filled, std::nullopt};
+  }
+
+  evidence::Manifest endedManifest() {
+    const db::ServerIdentity identity = server_.identity();
+    manifest_.source.engine = identity.product;
+    manifest_.source.login = identity.login;
+    manifest_.question.text = text_;
+    if (!choice_.takesAll()) manifest_.question.filters.push_back(choiceText(choice_));
+    manifest_.output.format = format_.name;
+    endManifest(manifest_);
+    return manifest_;
   }
 
   /// That of the viewer's page for such queries.
@@ -235,6 +270,9 @@ class SqlRun {
   std::string text_;
   std::string connectionString_;
   std::ostream& err_;
+  bool wantsManifest_;
+  AnsweringServer server_;
+  evidence::Manifest manifest_;
 };
 
 }  // namespace
@@ -249,6 +287,8 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
   addTarget(*command, options.format, options.output);
   addRowChoice(*command, options.choice);
   addCountFormat(*command, options.choice, options.format);
+  addManifest(*command, options.manifest);
+  command->get_option("--count-by")->excludes(command->get_option("--manifest"));
   command->callback([command, text, &options] {
     options.fromFile = command->count("--file") > 0;
     if (!options.fromFile && text->count() == 0) throw CLI::RequiredError("TEXT or --file");
@@ -259,6 +299,8 @@ CLI::App* addSqlCommand(CLI::App& app, SqlOptions& options) {
 
 int runSql(const SqlOptions& options, const query::Connector& connect, std::ostream& out, std::ostream& err) {
   if (const auto problem = targetProblem(*options.format, options.output, out)) return refused(err, *problem);
+  if (options.manifest)
+    if (const auto problem = manifestProblem(options.output)) return refused(err, *problem);
   if (options.fromFile && files::equivalent(pathFromUtf8(options.file), pathFromUtf8(options.output)))
     return refused(err, options.output + " is the query file itself");
   std::string text = options.text;

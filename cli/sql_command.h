@@ -22,6 +22,7 @@ struct SqlOptions {
   RowChoice choice;
   const OutputFormat* format = &outputFormats().front();
   std::string output = "-";
+  bool manifest = false;  ///< the output gets one
 };
 
 /// Adds `sql` to the command line; parsing fills `options`, which must outlive it.

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "cli/common_options.h"
 #include "cli/interruption.h"
+#include "cli/manifest_option.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
 #include "db/connection_string.h"
@@ -128,6 +129,9 @@ Answered answered(const StandardQuestion& question, const query::FilterTree& tre
   Answered answer{.status = exitDone, .hasRows = true};
   if (showsAlarms) addSentence(answer.remark, settings::ownText(query::alarmsOfAllDatesText, {}));
   if (report.fullResults > 0) addSentence(answer.remark, settings::ownText(query::rowLimitText, {}));
+  answer.manifest.isComplete = report.fullResults == 0;
+  for (std::size_t i = 0; i < query::standardListCount; ++i)
+    answer.manifest.lists.push_back({std::string(query::pageCaptions[i]), lists[i].rowCount()});
   if (lists[question.list].rowCount() > 0) return answer;
   say(err, listText(question.list) + " is empty; nothing was written");
   return {exitNoRecords};
@@ -158,8 +162,34 @@ Answered askQuestion(const StandardQuestion& question, const query::Connector& c
   if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
   if (answer.status != exitDone) return answer;
   addSentence(answer.remark, texts.front());
+  answer.manifest.isComplete = report.isComplete();
+  answer.manifest.notes.assign(texts.begin() + 1, texts.end());
   if (!report.isComplete()) answer.status = exitIncomplete;
   return answer;
+}
+
+/// Completes `begun` by the question, its answer, and what was written of it.
+evidence::Manifest manifestOf(const StandardQuestion& question, const Answered& answer,
+                              const db::ServerIdentity& server, const evidence::Manifest& begun) {
+  evidence::Manifest manifest = answer.manifest;
+  manifest.program = begun.program;
+  manifest.programVersion = begun.programVersion;
+  manifest.user = begun.user;
+  manifest.computer = begun.computer;
+  manifest.begun = begun.begun;
+  manifest.source = {question.server, question.database, server.product, server.login};
+  const query::CategoryFlags flags = treeOf(question).flags();
+  for (std::size_t i = 0; i < flags.size(); ++i)
+    if (flags[i]) manifest.question.categories.emplace_back(db::categoryConditions()[i].parameter);
+  if (question.range.DateRangeActive) {
+    manifest.question.from = query::fromDateText(question.range);
+    manifest.question.to = query::toDateText(question.range);
+  }
+  manifest.question.beyondLimit = question.complete;
+  manifest.question.text = query::queryAuditsText(flags, question.range);
+  if (!answer.remark.empty()) manifest.notes.insert(manifest.notes.begin(), answer.remark);
+  endManifest(manifest);
+  return manifest;
 }
 
 /// Thrown to abandon an output.
@@ -237,20 +267,27 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
   const Interruption interruption;
   query::ResultLists lists = query::makeResultLists();
   int status = exitDone;
+  const AnsweringServer server;
+  const evidence::Manifest begun = begunManifest(question.server, question.database);
+  Answered answer;
+  const auto manifest = [&] { return manifestOf(question, answer, server.identity(), begun); };
   const auto failure = query::failureOf([&] {
     try {
       // The target is opened before the query runs: one that cannot be written fails at once.
-      writeTo(target, out, [&](const output::ByteSink& sink) {
-        Answered answer = askQuestion(question, connect, lists, err);
-        status = answer.status;
-        // Leaves a file as it was.
-        if (!answer.hasRows) throw NothingToWrite{};
-        if (const auto ended = write(lists[question.list], answer, untilInterrupted(sink))) {
-          // Where rows are missing, "no records" is not said.
-          if (*ended != exitNoRecords || answer.status != exitIncomplete) status = *ended;
-          throw NothingToWrite{};
-        }
-      });
+      writeTo(
+          target, out,
+          [&](const output::ByteSink& sink) {
+            answer = askQuestion(question, server.remembering(connect), lists, err);
+            status = answer.status;
+            // Leaves a file as it was.
+            if (!answer.hasRows) throw NothingToWrite{};
+            if (const auto ended = write(lists[question.list], answer, untilInterrupted(sink))) {
+              // Where rows are missing, "no records" is not said.
+              if (*ended != exitNoRecords || answer.status != exitIncomplete) status = *ended;
+              throw NothingToWrite{};
+            }
+          },
+          question.manifest ? ManifestMaker(manifest) : ManifestMaker());
     } catch (const NothingToWrite&) {  // NOLINT(bugprone-empty-catch): said already
     } catch (const Stopped&) {
       status = stopped(err);

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "evidence/manifest.h"
 #include "output/byte_sink.h"
 #include "query/standard_query.h"
 
@@ -26,6 +27,7 @@ struct StandardQuestion {
   std::size_t list = 0;
   bool quiet = false;     ///< no row counts
   bool complete = false;  ///< beyond the procedure's limit
+  bool manifest = false;  ///< the output gets one
 };
 
 /// The node of the filter tree that a key (A, B, C, C1 .. D4), a parameter name (KorvelExplorer .. Restore) or a
@@ -49,7 +51,8 @@ void addQuiet(CLI::App& command, StandardQuestion& question);
 struct Answered {
   int status = 0;
   std::string remark{};
-  bool hasRows = false;  ///< the list has rows to write
+  bool hasRows = false;           ///< the list has rows to write
+  evidence::Manifest manifest{};  ///< what the question and its answer tell of
 };
 
 /// Writes what a command makes of the list that was asked for and of its answer; gives the exit status instead where

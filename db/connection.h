@@ -40,6 +40,12 @@ class ResultSink {
   virtual bool shouldContinue() { return true; }
 };
 
+/// Who answers, and as whom it knows us; empty where a connection does not tell.
+struct ServerIdentity {
+  std::string product;  ///< with its version: "SQLite 3.40.1"
+  std::string login;
+};
+
 /// An open connection to one audit database; closed by destruction. Used by one thread at a time.
 class Connection {
  public:
@@ -50,6 +56,8 @@ class Connection {
   /// The same, in a transaction that is rolled back, also when the text fails or is stopped: for texts that users type.
   /// A text that commits its own transaction is not rolled back. Engines that cannot write execute the text as it is.
   virtual void executeRolledBack(std::string_view commandText, ResultSink& sink) { execute(commandText, sink); }
+  /// Asks nobody: what is known since the login.
+  [[nodiscard]] virtual ServerIdentity identity() const { return {}; }
   /// Whether a select of any part of the trail costs no more than the procedure's own answer, and is always allowed.
   [[nodiscard]] virtual bool selectsFreely() const noexcept { return false; }
   /// Selects rows of the audit trail from its table, beyond the procedure's limit. Throws Error like execute, with

@@ -83,6 +83,10 @@ class Checked {
 
   Verification verify() {
     const fs::path manifest = manifestOf(output_);
+    if (isMissing(manifest) && isMissing(output_)) {
+      found("there is no such file, and no manifest of it");
+      return found_;
+    }
     if (isMissing(manifest)) {
       found(nameOf(manifest) + " is missing: there is nothing to compare the file with");
       return found_;

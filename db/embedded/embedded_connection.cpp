@@ -27,6 +27,8 @@ class EmbeddedConnection final : public Connection {
     database_.checkUnchanged();
   }
 
+  [[nodiscard]] ServerIdentity identity() const override { return {std::string("SQLite ") + sqlite3_libversion(), {}}; }
+
   [[nodiscard]] bool selectsFreely() const noexcept override { return true; }
 
   void select(const AuditSelection& selection, ResultSink& sink) override {

@@ -1,8 +1,10 @@
 #include "db/odbc/odbc_connection.h"
 
+#include <sqlext.h>
 #include <sqlucode.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -117,6 +119,17 @@ void OdbcConnection::logIn(const LoginRequest& request, const std::string& text,
 
 OdbcConnection::~OdbcConnection() {
   SQLDisconnect(connection_.get());
+}
+
+ServerIdentity OdbcConnection::identity() const {
+  const auto told = [this](SQLUSMALLINT what) {
+    std::array<SQLWCHAR, 256> text{};
+    SQLSMALLINT bytes = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfoW(connection_.get(), what, text.data(), sizeof text, &bytes))) return std::string();
+    const auto units = std::min(static_cast<std::size_t>(bytes) / sizeof(SQLWCHAR), text.size() - 1);
+    return utf8FromUtf16({reinterpret_cast<const char16_t*>(text.data()), units});
+  };
+  return {told(SQL_DBMS_NAME) + " " + told(SQL_DBMS_VER), told(SQL_USER_NAME)};
 }
 
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {

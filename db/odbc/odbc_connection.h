@@ -32,6 +32,7 @@ class OdbcConnection final : public Connection {
 
   void execute(std::string_view commandText, ResultSink& sink) override;
   void executeRolledBack(std::string_view commandText, ResultSink& sink) override;
+  [[nodiscard]] ServerIdentity identity() const override;
 
  private:
   /// Logs in, alone in the process. Gives what failed, where something did; `diagnostics` get what was said.
