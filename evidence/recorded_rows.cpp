@@ -1,5 +1,10 @@
 #include "evidence/recorded_rows.h"
 
+#include <algorithm>
+#include <future>
+#include <optional>
+#include <span>
+#include <thread>
 #include <utility>
 
 namespace korvel::evidence {
@@ -14,23 +19,51 @@ Manifest::Rows RowRecorder::take() {
   return std::exchange(rows_, {});
 }
 
-Manifest::Rows recordedRows(const results::ResultList& list) {
-  RowRecorder recorder;
-  const results::RowStore* const store = list.store();
+namespace {
+
+/// Digests the rows [begin, begin + each.size()) of a list.
+void digestRows(const results::ResultList& list, std::size_t begin, std::span<Digest> each) {
+  const results::RowStore& store = *list.store();
+  std::optional<RowDigester> digester;
   const db::Field* begun = nullptr;
   std::vector<db::Cell> cells;
-  for (std::size_t row = 0; row < list.rowCount(); ++row) {
-    const results::RowId id = list.rowId({row});
-    const auto fields = store->fieldsOf(id);
-    if (row == 0 || fields.data() != begun || fields.size() != cells.size()) {
-      recorder.begin(fields);
+  for (std::size_t i = 0; i < each.size(); ++i) {
+    const results::RowId id = list.rowId({begin + i});
+    const auto fields = store.fieldsOf(id);
+    if (!digester || fields.data() != begun || fields.size() != cells.size()) {
+      digester.emplace(fields);
       begun = fields.data();
       cells.resize(fields.size());
     }
-    for (std::size_t column = 0; column < cells.size(); ++column) cells[column] = store->cell(id, {column});
-    recorder.row(cells);
+    for (std::size_t column = 0; column < cells.size(); ++column) cells[column] = store.cell(id, {column});
+    each[i] = digester->digestOf(cells);
   }
-  return recorder.take();
+}
+
+}  // namespace
+
+Manifest::Rows recordedRows(const results::ResultList& list) {
+  Manifest::Rows rows;
+  const std::size_t count = list.rowCount();
+  if (count == 0) return rows;
+  rows.columns = digestedNames(list.store()->fieldsOf(list.rowId({0})));
+  rows.each.resize(count);
+  // Threads share long lists.
+  constexpr std::size_t rowsWorthAThread = 10'000;
+  const std::size_t shares =
+      std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 1 + count / rowsWorthAThread);
+  std::vector<std::future<void>> others;
+  const std::span<Digest> each(rows.each);
+  for (std::size_t share = 1; share < shares; ++share) {
+    const std::size_t begin = count * share / shares;
+    const std::size_t end = count * (share + 1) / shares;
+    others.push_back(
+        std::async(std::launch::async, digestRows, std::cref(list), begin, each.subspan(begin, end - begin)));
+  }
+  digestRows(list, 0, each.first(count / shares));
+  for (std::future<void>& other : others) other.get();
+  rows.digest = digestOfRows(rows.each);
+  return rows;
 }
 
 }  // namespace korvel::evidence

@@ -32,7 +32,8 @@ class RowDigester {
  private:
   struct Column {
     std::size_t index = 0;
-    std::string beginning;  ///< "LENGTH:NAME"
+    std::string beginning;  ///< "LENGTH:NAME="
+    std::string null;       ///< "LENGTH:NAME~" and the line feed
   };
 
   std::vector<Column> columns_;  ///< in the order of their names

@@ -69,6 +69,32 @@ TEST(RowDigest, OfManyRowsDoesNotDependOnTheirOrder) {
   EXPECT_NE(digestOfRows(rows), Sha256::of(sorted));
 }
 
+/// Long lists are digested by several threads, and their digests are sorted in another way.
+TEST(RowDigest, OfALongListIsThatOfItsRecords) {
+  const auto store = std::make_shared<results::RowStore>();
+  store->beginResult(fields);
+  std::vector<results::RowId> rows;
+  std::vector<Digest> expected;
+  std::vector<std::string> lines;
+  RowDigester digester(fields);
+  for (int i = 0; i < 50'000; ++i) {
+    const std::string number = std::to_string(i);
+    const std::vector<Cell> row{{number}, {number.substr(0, 1)}, {{}, i % 7 == 0}, {"same"}};
+    rows.push_back(store->append(row));
+    expected.push_back(digester.digestOf(row));
+    lines.push_back(hexText(expected.back()) + "\n");
+  }
+  results::ResultList list(results::RowFilling::whole);
+  list.setColumns({{"EntryID", {}}, {"Area", {}}, {"OldValue", {}}, {"Comments", {}}});
+  list.setRows(store, rows);
+  const Manifest::Rows recorded = recordedRows(list);
+  EXPECT_EQ(recorded.each, expected);
+  std::sort(lines.begin(), lines.end());
+  Sha256 sum;
+  for (const std::string& line : lines) sum.update(line);
+  EXPECT_EQ(recorded.digest, sum.finish());
+}
+
 TEST(RowDigest, OfAListIsThatOfItsRecords) {
   const auto store = std::make_shared<results::RowStore>();
   store->beginResult(fields);
