@@ -5,6 +5,8 @@
 #include <new>
 #include <numeric>
 #include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "base/numbers.h"
@@ -29,17 +31,6 @@ using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
 constexpr std::size_t dayLength = static_cast<std::size_t>(DatePart::day);
-
-/// The hour that a text names; nothing where it has no day of the calendar.
-std::optional<ActivityHour> hourOf(std::string_view text) {
-  const auto day = results::isDateText(text) ? parseDay(text.substr(0, dayLength)) : std::nullopt;
-  if (!day) return std::nullopt;
-  const std::string_view hour = text.substr(std::min(text.size(), dayLength + 1)).substr(0, 2);
-  int number = 0;
-  if (hour.size() == 2 && isAllDigits(hour)) number = (hour[0] - '0') * 10 + (hour[1] - '0');
-  constexpr int hoursOfDay = 24;
-  return sys_days(*day) + hours(number < hoursOfDay ? number : 0);
-}
 
 /// How many periods lie between the beginnings of two.
 std::size_t periodsBetween(ActivityHour first, ActivityHour last, ActivityStep step) {
@@ -66,7 +57,48 @@ struct DatedGroup {
   std::size_t count = 0;
 };
 
+/// `number` with so many digits.
+std::string digits(unsigned number, std::size_t count) {
+  std::string text = std::to_string(number);
+  return text.insert(0, count - std::min(count, text.size()), '0');
+}
+
+/// "2004-03-07 10", the day alone at its beginning; empty after the last year that a text can name.
+std::string beginText(ActivityHour hour) {
+  const sys_days day = floor<days>(hour);
+  const year_month_day date(day);
+  constexpr int lastYear = 9999;
+  constexpr std::size_t yearDigits = 4;
+  if (static_cast<int>(date.year()) > lastYear) return {};
+  std::string text = digits(static_cast<unsigned>(static_cast<int>(date.year())), yearDigits) + '-' +
+                     digits(static_cast<unsigned>(date.month()), 2) + '-' +
+                     digits(static_cast<unsigned>(date.day()), 2);
+  const auto hourOfDay = static_cast<unsigned>((hour - day).count());
+  return hourOfDay == 0 ? text : text + ' ' + digits(hourOfDay, 2);
+}
+
 }  // namespace
+
+std::optional<ActivityHour> activityHour(std::string_view text) {
+  const auto day = results::isDateText(text) ? parseDay(text.substr(0, dayLength)) : std::nullopt;
+  if (!day) return std::nullopt;
+  const std::string_view hour = text.substr(std::min(text.size(), dayLength + 1)).substr(0, 2);
+  int number = 0;
+  if (hour.size() == 2 && isAllDigits(hour)) number = (hour[0] - '0') * 10 + (hour[1] - '0');
+  constexpr int hoursOfDay = 24;
+  return sys_days(*day) + hours(number < hoursOfDay ? number : 0);
+}
+
+results::TextRange textRange(const ActivitySpan& span) {
+  return {beginText(span.from), beginText(span.before)};
+}
+
+std::optional<ActivitySpan> spanOf(const results::TextRange& range) {
+  const auto from = activityHour(range.from);
+  const auto before = range.before.empty() ? ActivityHour::max() : activityHour(range.before);
+  if (!from || !before) return std::nullopt;
+  return ActivitySpan{*from, *before};
+}
 
 std::size_t ActivityBar::total() const noexcept {
   return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
@@ -95,13 +127,15 @@ ActivityHour nextPeriod(ActivityHour begin, ActivityStep step) noexcept {
   return sys_days(year_month_day(floor<days>(begin)) + months(1));
 }
 
-Activity activityOf(const results::ResultList& list, results::ColumnIndex time, results::ColumnIndex kind,
-                    ActivityStep step, std::size_t mostKinds, std::size_t mostBars) {
+Activity activityOf(const results::ResultList& list, results::ColumnIndex time,
+                    std::optional<results::ColumnIndex> kind, ActivityStep step, std::size_t mostKinds,
+                    std::size_t mostBars) {
   try {
-    Activity activity{.step = step};
-    const GroupKey byKind{kind};
-    for (RowGroup& group : results::groupRows(list, {&byKind, 1}))
-      activity.kinds.push_back(std::move(group.values.front()));
+    Activity activity{.step = step, .hasOthers = !kind};
+    const GroupKey byKind{kind.value_or(time)};
+    if (kind)
+      for (RowGroup& group : results::groupRows(list, {&byKind, 1}))
+        activity.kinds.push_back(std::move(group.values.front()));
     if (activity.kinds.size() > mostKinds + 1) {
       activity.kinds.resize(mostKinds);
       activity.hasOthers = true;
@@ -110,8 +144,8 @@ Activity activityOf(const results::ResultList& list, results::ColumnIndex time, 
     // Weeks and months are made of days, so that a text that is no day of the calendar is not taken for its month.
     const std::array keys{GroupKey{time, step == ActivityStep::hour ? DatePart::hour : DatePart::day}, byKind};
     std::vector<DatedGroup> groups;
-    for (const RowGroup& group : results::groupRows(list, keys)) {
-      const auto moment = hourOf(group.values.front().text);
+    for (const RowGroup& group : results::groupRows(list, std::span(keys).first(kind ? 2 : 1))) {
+      const auto moment = activityHour(group.values.front().text);
       const auto place = std::find(activity.kinds.begin(), activity.kinds.end(), group.values.back());
       if (moment)
         groups.push_back({*moment, static_cast<std::size_t>(place - activity.kinds.begin()), group.count});

@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "results/result_list.h"
@@ -14,6 +16,13 @@ enum class ActivityStep { hour, day, week, month };
 
 /// The beginning of a period, in the time that the rows have.
 using ActivityHour = std::chrono::sys_time<std::chrono::hours>;
+
+/// A span of time, which does not include its end.
+struct ActivitySpan {
+  ActivityHour from;
+  ActivityHour before;
+  friend bool operator==(const ActivitySpan&, const ActivitySpan&) = default;
+};
 
 /// The rows of one period: how many there are of each kind.
 struct ActivityBar {
@@ -44,10 +53,17 @@ inline constexpr std::size_t mostActivityKinds = 7;
 
 /// Counts the rows that the list shows. Where there would be more than `mostBars` periods, the step is a longer one.
 /// The kinds after the first `mostKinds` are counted together, if there are two or more of them. A row whose date has
-/// no hour belongs to the first one of its day. Throws Error when memory runs out.
-[[nodiscard]] Activity activityOf(const results::ResultList& list, results::ColumnIndex time, results::ColumnIndex kind,
-                                  ActivityStep step, std::size_t mostKinds = mostActivityKinds,
-                                  std::size_t mostBars = mostActivityBars);
+/// no hour belongs to the first one of its day. Without a column that tells kinds apart all rows are "others".
+/// Throws Error when memory runs out.
+[[nodiscard]] Activity activityOf(const results::ResultList& list, results::ColumnIndex time,
+                                  std::optional<results::ColumnIndex> kind, ActivityStep step,
+                                  std::size_t mostKinds = mostActivityKinds, std::size_t mostBars = mostActivityBars);
+
+/// The hour that a text names as its row is counted; nothing where it has no day of the calendar.
+[[nodiscard]] std::optional<ActivityHour> activityHour(std::string_view text);
+/// The texts of the dates in a span, for a filter; and the span of such texts, nothing where they are no dates.
+[[nodiscard]] results::TextRange textRange(const ActivitySpan& span);
+[[nodiscard]] std::optional<ActivitySpan> spanOf(const results::TextRange& range);
 
 /// The beginning of the period that `time` lies in.
 [[nodiscard]] ActivityHour periodOf(ActivityHour time, ActivityStep step) noexcept;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/numbers.h"
+#include "results/date_text.h"
 #include "results/matching_cells.h"
 #include "results/memory_watch.h"
 #include "results/result_list.h"
@@ -45,7 +46,7 @@ class ConditionTest {
       const auto after = std::upper_bound(beginnings_.begin(), beginnings_.end(), text);
       if (after != beginnings_.begin() && text.starts_with(*std::prev(after))) return true;
     }
-    return range_ && text >= range_->from && (range_->before.empty() || text < range_->before);
+    return range_ && range_->contains(text);
   }
 
   TextIds values_;
@@ -55,7 +56,19 @@ class ConditionTest {
   bool excludes_;
 };
 
+/// Whether `text` orders before `bound`.
+bool isBefore(std::string_view text, std::string_view bound) noexcept {
+  constexpr auto day = static_cast<std::size_t>(DatePart::day);
+  const bool hasTimes = text.size() > day && bound.size() > day;
+  if (!hasTimes || text[day] != 'T' || !bound.starts_with(text.substr(0, day))) return text < bound;
+  return bound[day] == 'T' || bound[day] == ' ' ? text.substr(day + 1) < bound.substr(day + 1) : ' ' < bound[day];
+}
+
 }  // namespace
+
+bool TextRange::contains(std::string_view text) const noexcept {
+  return !isBefore(text, from) && (before.empty() || isBefore(text, before));
+}
 
 void removeLeadingZeros(ColumnCondition& condition) {
   for (ShownValue& value : condition.values) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "results/row_store.h"
@@ -26,6 +27,8 @@ struct ShownValue {
 struct TextRange {
   std::string from;
   std::string before;
+  /// Whether a text lies in it. A "T" between a day and its time is a blank here, so that both forms are one order.
+  [[nodiscard]] bool contains(std::string_view text) const noexcept;
   friend bool operator==(const TextRange&, const TextRange&) = default;
 };
 

@@ -24,14 +24,6 @@ QColor mixed(const QColor& from, const QColor& to, float share) {
                           part(from.blueF(), to.blueF()));
 }
 
-/// The highest of 1, 2, 5, 10, 20 ... that is not above `most`.
-std::size_t gridValue(std::size_t most) {
-  std::size_t unit = 1;
-  while (most / unit >= 10) unit *= 10;
-  const std::size_t digit = most / unit;
-  return unit * (digit >= 5 ? 5 : digit >= 2 ? 2 : 1);
-}
-
 class ActivityDrawing {
  public:
   ActivityDrawing(const Activity& activity, const QSizeF& size, const ActivityWords& words,
@@ -69,14 +61,7 @@ class ActivityDrawing {
   [[nodiscard]] QString numberText(std::size_t number) const {
     return words_.locale.toString(static_cast<qulonglong>(number));
   }
-  /// Kinds that lie on each other are far apart in shade.
-  [[nodiscard]] QColor shade(std::size_t kind) const {
-    constexpr float palest = 0.75F;
-    const std::size_t kinds = activity_.kindCount();
-    if (kinds < 2) return colors_.bar;
-    const std::size_t place = kind / 2 + (kind % 2) * ((kinds + 1) / 2);
-    return mixed(colors_.bar, colors_.ground, palest * static_cast<float>(place) / static_cast<float>(kinds - 1));
-  }
+  [[nodiscard]] QColor shade(std::size_t kind) const { return kindColor(colors_, kind, activity_.kindCount()); }
   [[nodiscard]] QString kindText(std::size_t kind) const {
     if (kind == activity_.kinds.size()) return words_.others;
     const results::ShownValue& value = activity_.kinds[kind];
@@ -263,6 +248,20 @@ ActivityColors ActivityColors::dark() {
 ActivityColors ActivityColors::black() {
   return {QColor(QRgb{0xFFFFFF}), QColor(QRgb{0x000000}), QColor(QRgb{0x404040}), QColor(QRgb{0xB0B0B0}),
           QColor(QRgb{0x000000})};
+}
+
+QColor kindColor(const ActivityColors& colors, std::size_t kind, std::size_t kinds) {
+  constexpr float palest = 0.75F;
+  if (kinds < 2) return colors.bar;
+  const std::size_t place = kind / 2 + (kind % 2) * ((kinds + 1) / 2);
+  return mixed(colors.bar, colors.ground, palest * static_cast<float>(place) / static_cast<float>(kinds - 1));
+}
+
+std::size_t gridValue(std::size_t most) {
+  std::size_t unit = 1;
+  while (most / unit >= 10) unit *= 10;
+  const std::size_t digit = most / unit;
+  return unit * (digit >= 5 ? 5 : digit >= 2 ? 2 : 1);
 }
 
 QString periodText(query::ActivityHour begin, query::ActivityStep step, const QLocale& locale) {

@@ -39,6 +39,11 @@ struct ActivityWords {
 [[nodiscard]] Picture activityPicture(const query::Activity& activity, const QSizeF& size, const ActivityWords& words,
                                       const ActivityColors& colors, const QFont& font);
 
+/// The colour of a kind among so many. Kinds that lie on each other are far apart in shade.
+[[nodiscard]] QColor kindColor(const ActivityColors& colors, std::size_t kind, std::size_t kinds);
+/// Where the one line of the grid is: the highest of 1, 2, 5, 10, 20 ... that is not above `most`.
+[[nodiscard]] std::size_t gridValue(std::size_t most);
+
 /// The date of a bar: "7 Mar 2004", with the hour or without the day where the periods are hours or months.
 [[nodiscard]] QString periodText(query::ActivityHour begin, query::ActivityStep step, const QLocale& locale);
 

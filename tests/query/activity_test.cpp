@@ -119,6 +119,43 @@ TEST(Activity, TheStepIsLongerWhereThereAreTooManyPeriods) {
   EXPECT_EQ(activityOf(days, timeColumn, kindColumn, ActivityStep::day, 7, 9).step, ActivityStep::week);
 }
 
+TEST(Activity, WithoutAColumnOfKindsAllRowsAreOne) {
+  const ResultList list = listOf({{"2004-02-28", "UPDATE"}, {"2004-02-28", "INSERT"}, {"2004-03-01", "UPDATE"}});
+  const Activity activity = activityOf(list, timeColumn, std::nullopt, ActivityStep::day);
+  EXPECT_TRUE(activity.kinds.empty());
+  EXPECT_TRUE(activity.hasOthers);
+  EXPECT_EQ(told(activity), "2004-02-28 00: 2\n2004-02-29 00: 0\n2004-03-01 00: 1\n");
+}
+
+TEST(Activity, TheTextsOfASpanAreThoseOfItsRowsAndNoOthers) {
+  const std::vector<std::string> times = {
+      "2004-02-28 23:59:59.999", "2004-02-29",          "2004-02-29 00:00:00.000", "2004-02-29T09:59:59",
+      "2004-02-29 10:00:00.000", "2004-02-29T10:30:00", "2004-02-29 11:59:59.999", "2004-02-29 12:00:00",
+      "2004-02-29T12:00:00",     "2004-03-01",          "2004-03-01T00:00:00",     "9999-12-31 23:59:59"};
+  const auto at = [](const char* text) { return activityHour(text).value(); };
+  const ActivitySpan spans[] = {{at("2004-02-29 10"), at("2004-02-29 12")},
+                                {at("2004-02-29"), at("2004-02-29 10")},
+                                {at("2004-02-29"), at("2004-03-01")},
+                                {at("2004-02-28 23"), at("2004-02-29 00")},
+                                {at("2004-03-01"), nextPeriod(at("9999-12-31"), ActivityStep::day)}};
+  for (const ActivitySpan& span : spans) {
+    const results::TextRange range = textRange(span);
+    std::size_t within = 0;
+    for (const std::string& time : times) {
+      const bool isWithin = at(time.c_str()) >= span.from && at(time.c_str()) < span.before;
+      EXPECT_EQ(range.contains(time), isWithin) << time << " in " << range.from << ".." << range.before;
+      within += isWithin ? 1 : 0;
+    }
+    EXPECT_GT(within, 0U);
+    EXPECT_LT(within, times.size());
+    EXPECT_EQ(spanOf(range)->from, span.from);
+    EXPECT_EQ(spanOf(range)->before, range.before.empty() ? ActivityHour::max() : span.before);
+  }
+  EXPECT_EQ(textRange(spans[0]), (results::TextRange{"2004-02-29 10", "2004-02-29 12"}));
+  EXPECT_EQ(textRange(spans[2]), (results::TextRange{"2004-02-29", "2004-03-01"}));
+  EXPECT_EQ(spanOf({"a", "b"}), std::nullopt);
+}
+
 /// The beginning of the period that a date of the year 2004 lies in, by its text.
 std::string plainBegin(const std::string& text, ActivityStep step) {
   switch (step) {

@@ -99,6 +99,16 @@ TEST(RowFilter, ShowsExactlyTheRowsThatMeetEveryCondition) {
   }
 }
 
+TEST(RowFilter, BothFormsOfATimeAreOneOrderInARange) {
+  const TextRange range{"2004-01-05 10", "2004-01-06 12"};
+  for (const char* within : {"2004-01-05 10", "2004-01-05T10:00", "2004-01-06", "2004-01-06T11:59", "2004-01-06 11:59"})
+    EXPECT_TRUE(range.contains(within)) << within;
+  for (const char* outside :
+       {"", "2004-01-05", "2004-01-05T09:59", "2004-01-06T12:00", "2004-01-06 12", "2004-01-07T01"})
+    EXPECT_FALSE(range.contains(outside)) << outside;
+  EXPECT_TRUE((TextRange{"2004-01-05", ""}.contains("2004-01-05T00:00")));
+}
+
 TEST(RowFilter, SortingKeepsWhatIsShown) {
   GeneratedList made(RowFilling::standard);
   const RowFilter filter{{{.column = {2}, .values = {text("jose"), text("Luca")}}}, {}};
