@@ -30,7 +30,8 @@ AuditViewer::Members::Members(AuditViewer& viewer)
       selection(viewer, messages, surface, {lock, queries, answers}, &followSelectionEverywhere),
       sideTools(viewer, messages, surface, queries, &followDateRangeEverywhere),
       findAndFilter(viewer, messages, surface, answers, queries),
-      listCommands(viewer, messages, surface, answers, findAndFilter, menuItems),
+      activity(viewer, messages, surface, findAndFilter),
+      listCommands(viewer, messages, surface, answers, findAndFilter, activity, menuItems),
       outputs(viewer, messages, surface, answers),
       help(viewer),
       commands(viewer, messages, surface, menuItems, toolbarItems,
@@ -78,6 +79,7 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([this] { sideTools.showAccessibleNames(); });
   skipFailing([this] { customPage.showTexts(); });
   skipFailing([this] { findAndFilter.showTexts(); });
+  skipFailing([this] { activity.showTexts(); });
   skipFailing([this] { answers.showEmptyTexts(); });
   skipFailing([this] { answers.followRestingText(); });
 }

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "control/activity_commands.h"
 #include "control/answer_status.h"
 #include "control/audit_queries.h"
 #include "control/commands/command_item.h"
@@ -49,6 +50,7 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::DatabaseSelection selection;
   control::SideTools sideTools;
   control::FindAndFilter findAndFilter;
+  control::ActivityCommands activity;
   control::ListCommands listCommands;
   control::ListOutputs outputs;
   control::ViewerHelp help;

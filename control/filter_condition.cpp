@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "control/activity_words.h"
 #include "control/find_matcher.h"
 #include "control/texts.h"
 
@@ -22,8 +23,7 @@ const ColumnFilter* onColumn(const FilterCondition& condition, ColumnIndex colum
 
 bool passesOne(const ColumnCondition& condition, const ShownValue& value) {
   const auto begins = [&](const std::string& beginning) { return !value.isNull && value.text.starts_with(beginning); };
-  const bool inRange = condition.range && !value.isNull && value.text >= condition.range->from &&
-                       (condition.range->before.empty() || value.text < condition.range->before);
+  const bool inRange = condition.range && !value.isNull && condition.range->contains(value.text);
   const bool named = std::find(condition.values.begin(), condition.values.end(), value) != condition.values.end() ||
                      std::any_of(condition.beginnings.begin(), condition.beginnings.end(), begins) || inRange;
   return named != condition.excludes;
@@ -54,7 +54,8 @@ ui::Chip chipOfColumn(const ColumnFilter& filter) {
   const QString relation = condition.excludes ? QStringLiteral("\u2260 ") : QStringLiteral("= ");
   const char* const several = condition.excludes ? "filter.isNoneOf" : "filter.isAnyOf";
   if (condition.range) {
-    chip.condition = fromTo(condition.range->from, condition.range->before);
+    const auto span = query::spanOf(*condition.range);
+    chip.condition = span ? spanName(*span) : fromTo(condition.range->from, condition.range->before);
   } else if (names.size() == 1) {
     chip.condition = relation + names.front();
   } else {

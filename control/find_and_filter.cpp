@@ -70,6 +70,12 @@ void FindAndFilter::keepOnlyGroup(const ResultListView& list, const std::vector<
   if (place < filters_.size()) filters_.at(place)->keepOnlyGroup(group);
 }
 
+void FindAndFilter::keepOnlyRange(const ResultListView& list, const results::ColumnIndex& column,
+                                  const std::optional<results::TextRange>& range) {
+  const std::size_t place = placeOf(list);
+  if (place < filters_.size()) filters_.at(place)->keepOnlyRange(column, range);
+}
+
 std::size_t FindAndFilter::placeOf(const ResultListView& list) const {
   const auto& lists = surface_.lvListView;
   return static_cast<std::size_t>(std::find(lists.begin(), lists.end(), &list) - lists.begin());

@@ -38,6 +38,9 @@ class FindAndFilter {
   void addEntries(CommandPopup& menu, const ResultListView& list, const QModelIndex& cell);
   /// Filters a list by a group of its rows.
   void keepOnlyGroup(const ResultListView& list, const std::vector<results::ColumnCondition>& group);
+  /// Filters a list by a range of a column; without one it is filtered by none.
+  void keepOnlyRange(const ResultListView& list, const results::ColumnIndex& column,
+                     const std::optional<results::TextRange>& range);
 
  private:
   void connectKeys();

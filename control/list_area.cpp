@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <algorithm>
 
+#include "control/activity_strip.h"
 #include "ui/style/theme.h"
 
 namespace korvel::control {
@@ -25,11 +26,21 @@ void ListArea::setGeometry(const QRect& place) {
 }
 
 std::vector<QWidget*> ListArea::focusOrder() const {
-  std::vector<QWidget*> order = chips->focusOrder();
+  std::vector<QWidget*> order = activity != nullptr ? activity->focusOrder() : std::vector<QWidget*>();
+  const std::vector<QWidget*> filters = chips->focusOrder();
+  order.insert(order.end(), filters.begin(), filters.end());
   order.push_back(&list);
   const std::vector<QWidget*> finding = find->focusOrder();
   order.insert(order.end(), finding.begin(), finding.end());
   return order;
+}
+
+ActivityStrip& ListArea::activityStrip() {
+  if (activity == nullptr) {
+    activity = new ActivityStrip(list.parentWidget());
+    activity->installEventFilter(this);
+  }
+  return *activity;
 }
 
 bool ListArea::eventFilter(QObject* watched, QEvent* event) {
@@ -44,11 +55,17 @@ void ListArea::arrange() {
   const auto take = [&](const QWidget& bar, int gap) {
     return bar.isHidden() ? 0 : std::min(bar.sizeHint().height() + gap, std::max(0, room.height()));
   };
+  const int gap = ui::px(&list, ui::space::inGroup);
+  // Over the chips, so that it stays where it is when they come and go; never more than half of the room.
+  if (activity != nullptr && !activity->isHidden()) {
+    const int height = std::min(activity->sizeHint().height(), std::max(0, room.height() / 2 - gap));
+    activity->setGeometry(room.left(), room.top(), room.width(), height);
+    room.setTop(room.top() + height + gap);
+  }
   if (const int height = take(*chips, 0); height > 0) {
     chips->setGeometry(room.left(), room.top(), room.width(), height);
     room.setTop(room.top() + height);
   }
-  const int gap = ui::px(&list, ui::space::inGroup);
   if (const int height = take(*find, gap); height > 0) {
     // At the right end, as wide as it needs to be.
     constexpr int mostWidth = 720;

@@ -10,8 +10,10 @@
 
 namespace korvel::control {
 
-/// A list with what may stand over and under it: the line of active filters and the bar for finding. Both take their
-/// room from the list while they are shown, so that no row is hidden under them.
+class ActivityStrip;
+
+/// A list with what may stand over and under it: the strip of activity, the line of active filters and the bar for
+/// finding. They take their room from the list while they are shown, so that no row is hidden under them.
 class ListArea final : public QObject {
  public:
   /// `history` must outlive the area.
@@ -25,11 +27,15 @@ class ListArea final : public QObject {
   ResultListView& list;
   ui::ChipBar* chips;
   ui::FindBar* find;
+  ActivityStrip* activity = nullptr;  ///< from the first time that it is asked for
   /// What reports and outputs must know of the filters.
   struct FilterState {
     bool isEvaluating = false;  ///< the list shows no rows yet
     bool isUndecided = false;   ///< values were too much for a regular expression, and count as not matching
   } filterState;
+
+  /// The strip of activity, hidden where it is new.
+  ActivityStrip& activityStrip();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

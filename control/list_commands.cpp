@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "control/activity_commands.h"
 #include "control/answer_status.h"
 #include "control/commands/command_tables.h"
 #include "control/find_and_filter.h"
@@ -34,12 +35,13 @@ std::vector<int> columnsCaptioned(const ResultListView& list, std::string_view c
 }  // namespace
 
 ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-                           FindAndFilter& findAndFilter, CommandItems& menu)
+                           FindAndFilter& findAndFilter, ActivityCommands& activity, CommandItems& menu)
     : viewer_(viewer),
       messages_(messages),
       surface_(surface),
       answers_(answers),
       findAndFilter_(findAndFilter),
+      activity_(activity),
       menu_(menu),
       itemHistory_(viewer, messages, surface),
       summary_(viewer, messages, surface, answers, findAndFilter) {
@@ -155,6 +157,7 @@ void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) 
   if (!cell.isValid()) return;
   itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
   summary_.addEntry(*surface_.SmartPopup, list);
+  activity_.addEntry(*surface_.SmartPopup);
 }
 
 void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {

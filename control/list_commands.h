@@ -16,6 +16,7 @@ class AuditViewer;
 
 namespace korvel::control {
 
+class ActivityCommands;
 class AnswerStatus;
 class FindAndFilter;
 class MessageBoxes;
@@ -27,7 +28,7 @@ class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.
   ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-               FindAndFilter& findAndFilter, CommandItems& menu);
+               FindAndFilter& findAndFilter, ActivityCommands& activity, CommandItems& menu);
   ListCommands(const ListCommands&) = delete;
   ListCommands& operator=(const ListCommands&) = delete;
 
@@ -58,6 +59,7 @@ class ListCommands {
   Surface& surface_;
   AnswerStatus& answers_;
   FindAndFilter& findAndFilter_;
+  ActivityCommands& activity_;
   CommandItems& menu_;
   CommandItems popupItems_;
   /// The list whose columns the context menu is about.

@@ -274,6 +274,16 @@ void ListFilters::keepOnlyText(const ui::FindRequest& request, const results::Ma
   if (changed_) changed_ = request;
 }
 
+void ListFilters::keepOnlyRange(const ColumnIndex& column, std::optional<results::TextRange> range) {
+  std::vector<FilterCondition> conditions = conditions_;
+  std::erase_if(conditions, [&](const FilterCondition& each) {
+    const auto* filter = std::get_if<ColumnFilter>(&each);
+    return filter != nullptr && filter->condition.column == column && filter->condition.range;
+  });
+  if (range) conditions.emplace_back(ColumnFilter{{.column = column, .range = std::move(range)}, captionOf(column)});
+  apply(std::move(conditions));
+}
+
 void ListFilters::clear() {
   area_.chips->setPinned(false);
   apply({});

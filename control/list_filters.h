@@ -42,6 +42,8 @@ class ListFilters final : public QObject {
   void keepOnlyText(const ui::FindRequest& request, const results::MatchingCells& cells);
   /// The condition on a text that was to be changed stays as it is.
   void endChange() { changed_.reset(); }
+  /// Only rows in a range of a column, in place of another range there; without one rows in and out of it.
+  void keepOnlyRange(const results::ColumnIndex& column, std::optional<results::TextRange> range);
   void clear();
 
   [[nodiscard]] const std::vector<FilterCondition>& conditions() const noexcept { return conditions_; }
