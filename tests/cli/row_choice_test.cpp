@@ -202,6 +202,14 @@ TEST_F(HistoryCommand, HasAllColumnsAndContinues) {
   EXPECT_NE(tool.err.find("korvel-audit: 1 record of 1 item\n"), std::string::npos) << tool.err;
 }
 
+/// Records without an item id may be about several things.
+TEST_F(HistoryCommand, WithoutAnItemIdNothingIsSaidToContinue) {
+  server.answer[0].rows[0][8] = "";
+  const ToolRun tool = history({"--item", "", "--format", "json"});
+  ASSERT_EQ(tool.status, exitDone) << tool.err;
+  EXPECT_EQ(json::parse(tool.out).at(0)["Continues"], "");
+}
+
 TEST_F(HistoryCommand, AnUnknownItemIsNoRecords) {
   const ToolRun tool = history({"--item", "TIC-9", "--quiet"});
   EXPECT_EQ(tool.status, exitNoRecords);
