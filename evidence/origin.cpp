@@ -24,9 +24,10 @@ std::string localTimeText(std::chrono::system_clock::time_point moment) {
   const std::tm local = localClock(seconds);
   const auto offset = std::chrono::floor<std::chrono::minutes>(shown(local) - shown(greenwichClock(seconds))).count();
   std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d%c%02d:%02d", local.tm_year + 1900,
-                local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, offset < 0 ? '-' : '+',
-                static_cast<int>(std::abs(offset) / 60), static_cast<int>(std::abs(offset) % 60));
+  static_cast<void>(std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d%c%02d:%02d",
+                                  local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
+                                  local.tm_sec, offset < 0 ? '-' : '+', static_cast<int>(std::abs(offset) / 60),
+                                  static_cast<int>(std::abs(offset) % 60)));
   return text.data();
 }
 

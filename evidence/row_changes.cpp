@@ -47,13 +47,12 @@ std::optional<std::vector<Edit>> shortestEdits(Rows before, Rows after, std::siz
   }
   if (edits < 0) return std::nullopt;
   std::vector<Edit> path;
-  std::ptrdiff_t x = n;
   std::ptrdiff_t k = n - m;
   for (std::ptrdiff_t d = edits; d > 0; --d) {
     std::vector<std::ptrdiff_t>& line = history[static_cast<std::size_t>(d)];
     const bool down = goesDown(line, k, d);
     k += down ? 1 : -1;
-    x = at(line, k);
+    const std::ptrdiff_t x = at(line, k);
     path.push_back({!down, static_cast<std::size_t>(x), static_cast<std::size_t>(x - k)});
   }
   std::reverse(path.begin(), path.end());

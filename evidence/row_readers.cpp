@@ -88,6 +88,7 @@ class JsonRows final : public nlohmann::json_sax<nlohmann::json> {
   bool end_object() override {
     --depth_;
     cells_.clear();
+    cells_.reserve(values_.size());
     for (const Value& value : values_) cells_.push_back({value.text, value.isNull});
     ++rows_;
     take_(fields_, cells_);
@@ -133,6 +134,7 @@ void readCsvRows(std::string_view bytes, const RowTaker& take) {
   std::vector<db::Cell> cells;
   if (!reader.next(cells)) return;
   std::vector<db::Field> fields;
+  fields.reserve(cells.size());
   for (const db::Cell& name : cells) fields.push_back({std::string(name.text)});
   while (reader.next(cells)) {
     if (cells.size() != fields.size())
