@@ -3,6 +3,8 @@
 #include <QRegularExpression>
 #include <QString>
 #include <QStringView>
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -29,9 +31,51 @@ std::vector<std::size_t> byteOffsets(std::string_view text) {
   return offsets;
 }
 
+/// How a pattern calls itself as a whole.
+constexpr const char* selfCalls[] = {"(?R)", "(?0)", "\\g<0>", "\\g'0'"};
+
 /// Must be the beginning of a pattern. Matches without a character are none.
 QString limits(unsigned steps) {
   return QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=%1)").arg(steps);
+}
+
+/// The settings at the beginning of a pattern, which mean something only there, such as "(*ANYCRLF)".
+QString settingsOf(const QString& pattern) {
+  static const QRegularExpression settings(QStringLiteral(
+      "\\A(?:\\(\\*(?:UTF|UCP|NOTEMPTY(?:_ATSTART)?|NO_(?:AUTO_POSSESS|DOTSTAR_ANCHOR|JIT|START_OPT)|"
+      "LIMIT_(?:MATCH|DEPTH|HEAP|RECURSION)=\\d+|CR|LF|CRLF|ANYCRLF|ANY|NUL|BSR_(?:ANYCRLF|UNICODE))\\))*"));
+  return settings.match(pattern).captured();
+}
+
+/// What ends a quotation ("\Q") or a comment that a pattern leaves open, so that more can stand behind it.
+QString closing(const QString& pattern, QRegularExpression::PatternOptions options) {
+  // A parenthesis that closes nothing is an error, unless it is quoted or part of a comment.
+  for (const QString& close : {QString(), QStringLiteral("\\E"), QStringLiteral("\r\n")})
+    if (!QRegularExpression(pattern + close + QLatin1Char(')'), options).isValid()) return close;
+  return {};
+}
+
+/// The pattern, for matches that end at the end of the text.
+QString upToTheEnd(const QString& pattern, QRegularExpression::PatternOptions options) {
+  const QString settings = settingsOf(pattern);
+  const QString rest = pattern.mid(settings.size());
+  // A pattern that calls itself must end anywhere then.
+  const bool callsItself = std::any_of(std::begin(selfCalls), std::end(selfCalls),
+                                       [&](const char* call) { return rest.contains(QLatin1String(call)); });
+  return settings + QStringLiteral("(?:") + rest + closing(pattern, options) +
+         (callsItself ? QStringLiteral(")(?(R)|\\z)") : QStringLiteral(")\\z"));
+}
+
+/// Matches the whole text or nothing.
+std::vector<TextSpan> wholeSpanOf(const QRegularExpression& expression, std::string_view text, const GaveUp& gaveUp) {
+  if (gaveUp && *gaveUp) return {};
+  const QString subject = QStringView(utf16FromUtf8(text)).toString();
+  const QRegularExpressionMatch match =
+      expression.match(subject, 0, QRegularExpression::NormalMatch, QRegularExpression::AnchorAtOffsetMatchOption);
+  if (!match.isValid() && gaveUp) *gaveUp = true;
+  // "(*ACCEPT)" ends a match before the end of the pattern.
+  if (!match.hasMatch() || match.capturedEnd() != subject.size()) return {};
+  return {{0, text.size()}};
 }
 
 std::vector<TextSpan> spansOf(const QRegularExpression& expression, std::string_view text, bool firstOnly,
@@ -69,12 +113,13 @@ std::variant<TextMatcher, PatternProblem> regexMatcher(std::string_view pattern,
   const QRegularExpression written(text, patternOptions);
   if (!written.isValid())
     return PatternProblem{written.errorString().toStdString(), static_cast<std::size_t>(written.patternErrorOffset())};
-  if (options.wholeValue) text = QRegularExpression::anchoredPattern(text);
+  if (options.wholeValue) text = upToTheEnd(text, patternOptions);
   const QRegularExpression expression(limits(steps) + text, patternOptions);
   expression.optimize();
-  return TextMatcher([expression, gaveUp = std::move(gaveUp)](std::string_view shown, bool firstOnly) {
-    return spansOf(expression, shown, firstOnly, gaveUp);
-  });
+  return TextMatcher(
+      [expression, gaveUp = std::move(gaveUp), whole = options.wholeValue](std::string_view shown, bool firstOnly) {
+        return whole ? wholeSpanOf(expression, shown, gaveUp) : spansOf(expression, shown, firstOnly, gaveUp);
+      });
 }
 
 }  // namespace korvel::results

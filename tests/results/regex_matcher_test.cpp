@@ -39,6 +39,53 @@ TEST(RegexMatcher, MatchesWholeValues) {
   EXPECT_EQ(marked("a", {.wholeValue = true}, "ab"), "ab");
 }
 
+/// Whether a pattern, for whole values, matches a text.
+bool isWhole(std::string_view pattern, std::string_view text, TextMatcher::Options options = {.wholeValue = true}) {
+  const auto made = regexMatcher(pattern, options);
+  const auto* matcher = std::get_if<TextMatcher>(&made);
+  EXPECT_NE(matcher, nullptr) << pattern;
+  return matcher != nullptr && matcher->matches(text);
+}
+
+TEST(RegexMatcher, AWholeValueKeepsAQuotationThatIsNotClosed) {
+  EXPECT_TRUE(isWhole("\\Qa(b", "a(b"));
+  EXPECT_FALSE(isWhole("\\Qa(b", "a(b)"));
+  EXPECT_FALSE(isWhole("\\Qa(b", "xa(b"));
+  EXPECT_TRUE(isWhole("x|\\Qa)b", "a)b"));
+  EXPECT_TRUE(isWhole("\\Qa(\\E|b", "b"));
+  EXPECT_TRUE(isWhole("[\\Q)]\\E]", ")"));
+}
+
+TEST(RegexMatcher, AWholeValueKeepsCommentsAndSettings) {
+  EXPECT_TRUE(isWhole("(?x) a b # both", "ab"));
+  EXPECT_FALSE(isWhole("(?x) a b # both", "abc"));
+  EXPECT_FALSE(isWhole("(?x) a b # both", "xab"));
+  EXPECT_TRUE(isWhole("(?x) a # \\Q quoted", "a"));
+  EXPECT_TRUE(isWhole("(?x) a #", "a"));
+  EXPECT_TRUE(isWhole("(*CR)(?x) a # x", "a"));
+  EXPECT_TRUE(isWhole("a #", "a #"));
+  EXPECT_FALSE(isWhole("a #", "a"));
+  EXPECT_TRUE(isWhole("(*UCP)(*ANYCRLF)a|ä+", "ää"));
+  EXPECT_TRUE(isWhole("(?i)A|b", "B", {.exactCase = true, .wholeValue = true}));
+  EXPECT_FALSE(isWhole("A|b", "B", {.exactCase = true, .wholeValue = true}));
+}
+
+TEST(RegexMatcher, AWholeValueKeepsGroupsAndCallsOfThePatternItself) {
+  EXPECT_TRUE(isWhole("(a)(b)\\2\\1", "abba"));
+  for (const std::string call : {"(?R)", "(?0)", "\\g<0>", "\\g'0'"}) {
+    EXPECT_TRUE(isWhole("\\((?:[^()]|" + call + ")*\\)", "(a(b)(c))")) << call;
+    EXPECT_FALSE(isWhole("\\((?:[^()]|" + call + ")*\\)", "(a)(b)")) << call;
+  }
+  EXPECT_TRUE(isWhole("(?<R>a)?|ab", "ab"));
+  EXPECT_TRUE(isWhole("a(*ACCEPT)b", "a"));
+  EXPECT_FALSE(isWhole("a(*ACCEPT)b", "ab"));
+  EXPECT_FALSE(isWhole("^a$", "a\nb"));
+}
+
+TEST(RegexMatcher, AWholeValueIsMarkedWhole) {
+  EXPECT_EQ(marked("a\\Kb", {.wholeValue = true}, "ab"), "[ab]");
+}
+
 TEST(RegexMatcher, CountsCharactersOfAnyKind) {
   EXPECT_EQ(marked("pump", {}, "😀😀 pump"), "😀😀 [pump]");
   EXPECT_EQ(marked("😀", {}, "a😀b"), "a[😀]b");
