@@ -92,6 +92,12 @@ void ResultHeader::setFilteredColumns(const std::vector<int>& columns) {
   viewport()->update();
 }
 
+void ResultHeader::setKeyColumn(int column) {
+  if (column == keyColumn_) return;
+  keyColumn_ = column;
+  if (signs_) viewport()->update();
+}
+
 bool ResultHeader::isFiltered(int column) const {
   return column >= 0 && static_cast<std::size_t>(column) < filtered_.size() &&
          filtered_[static_cast<std::size_t>(column)];
@@ -112,7 +118,7 @@ int ResultHeader::signRoom(int column) const {
   if (signPlace(column).isEmpty()) return 0;
   // The drawing in its place has some air around it.
   const int room = px(this, signFromEdge + signWidth - captionEnd - 2);
-  if (isFiltered(column) || column == hovered_ || column == pressed_) return room;
+  if (isFiltered(column) || column == hovered_ || column == pressed_ || column == keyColumn_) return room;
   const QString caption =
       model() == nullptr ? QString() : visibleFormats(model()->headerData(column, orientation()).toString());
   const int arrow = isSortIndicatorShown() && sortIndicatorSection() == column ? px(this, arrowWidth) : 0;

@@ -23,11 +23,13 @@ class ResultHeader : public QHeaderView {
   /// The columns whose sign is filled: their rows are filtered.
   void setFilteredColumns(const std::vector<int>& columns);
   [[nodiscard]] bool isFiltered(int column) const;
+  /// The column that keys mean, -1 for none.
+  void setKeyColumn(int column);
   /// Where a click on this column's sign goes, in coordinates of the viewport; empty where there is none: a section
   /// that is narrow keeps its width for sorting and resizing.
   [[nodiscard]] QRect signPlace(int column) const;
   /// What the sign takes from the caption at present, in pixels. No caption is cut for its sign alone, but while the
-  /// column is filtered or under the pointer; until then such a section shows none.
+  /// column is filtered, under the pointer, or the one that keys mean; until then such a section shows none.
   [[nodiscard]] int signRoom(int column) const;
 
  Q_SIGNALS:
@@ -54,6 +56,7 @@ class ResultHeader : public QHeaderView {
   std::vector<bool> filtered_;
   int hovered_ = -1;  ///< the column under the pointer
   int pressed_ = -1;  ///< the column whose sign is held down
+  int keyColumn_ = -1;
 };
 
 }  // namespace korvel::ui

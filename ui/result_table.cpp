@@ -60,6 +60,21 @@ void ResultTable::currentChanged(const QModelIndex& current, const QModelIndex& 
   for (const QModelIndex& index : {current, previous}) {
     if (index.isValid()) viewport()->update(0, visualRect(index).top(), viewport()->width(), rowHeight(index.row()));
   }
+  showKeyColumn();
+}
+
+void ResultTable::focusInEvent(QFocusEvent* event) {
+  QTableView::focusInEvent(event);
+  showKeyColumn();
+}
+
+void ResultTable::focusOutEvent(QFocusEvent* event) {
+  QTableView::focusOutEvent(event);
+  showKeyColumn();
+}
+
+void ResultTable::showKeyColumn() {
+  header()->setKeyColumn(hasFocus() ? currentIndex().column() : -1);
 }
 
 void ResultTable::measure() {

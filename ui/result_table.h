@@ -25,8 +25,12 @@ class ResultTable : public QTableView {
   void paintEvent(QPaintEvent* event) override;
   void changeEvent(QEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
 
  private:
+  /// The header shows the sign of the column that Alt+Down opens.
+  void showKeyColumn();
   void measure();
 
   QString emptyText_;

@@ -57,6 +57,24 @@ TEST_F(ListSigns, AreThereOnRequestAndFilledWhereAColumnIsFiltered) {
   }
 }
 
+TEST_F(ListSigns, TheColumnThatKeysMeanShowsItsSignWhereTheCaptionIsCutForIt) {
+  header().setFilterSigns(true);
+  const QFontMetrics metrics(semiBold(header().font()));
+  table.setColumnWidth(1, metrics.horizontalAdvance("Date Time") + 20);
+  ASSERT_FALSE(header().signPlace(1).isEmpty());
+  ASSERT_EQ(header().signRoom(1), 0) << "it would cut the caption";
+  table.activateWindow();
+  table.setFocus();
+  QApplication::processEvents();
+  table.setCurrentIndex(model.index(0, 1));
+  EXPECT_GT(header().signRoom(1), 0);
+  table.setCurrentIndex(model.index(0, 0));
+  EXPECT_EQ(header().signRoom(1), 0);
+  table.setCurrentIndex(model.index(0, 1));
+  table.clearFocus();
+  EXPECT_EQ(header().signRoom(1), 0) << "keys mean something else";
+}
+
 TEST_F(ListSigns, AClickOnASignFiltersAndDoesNotSort) {
   header().setFilterSigns(true);
   QSignalSpy filter(&header(), &ResultHeader::filterRequested);
@@ -118,6 +136,7 @@ TEST_F(ListSigns, TheCaptionIsCutBeforeTheSign) {
 }
 
 TEST_F(ListSigns, ANarrowColumnKeepsItsCaptionUntilThePointerIsThere) {
+  table.setCurrentIndex(model.index(0, 2));  // the keys mean another one
   header().setFilterSigns(true);
   model.setHorizontalHeaderItem(0, new QStandardItem("Entry ID"));
   const int caption = QFontMetrics(semiBold(header().font())).horizontalAdvance("Entry ID");
