@@ -10,6 +10,7 @@
 #include "control/find_matcher.h"
 #include "control/texts.h"
 #include "results/date_text.h"
+#include "results/day_choice.h"
 #include "results/memory_watch.h"
 
 namespace korvel::control {
@@ -33,7 +34,9 @@ struct Offer {
 };
 
 /// Days in groups of years and months, in the order of time; what is no day stands behind them.
-Offer offerOfDays(const std::vector<results::ValueCount>& values, const std::function<bool(const ShownValue&)>& isOn) {
+/// `stateOf` says how many of a value's rows are shown.
+Offer offerOfDays(const std::vector<results::ValueCount>& values,
+                  const std::function<Qt::CheckState(const results::ValueCount&)>& stateOf) {
   std::vector<const results::ValueCount*> sorted;
   sorted.reserve(values.size());
   for (const results::ValueCount& each : values) sorted.push_back(&each);
@@ -51,7 +54,11 @@ Offer offerOfDays(const std::vector<results::ValueCount>& values, const std::fun
     return groups[name] = offer.add({.text = fromUtf8(name), .parent = parent}, std::nullopt);
   };
   for (const results::ValueCount* each : sorted) {
-    ui::ListedValue line{.text = valueName(each->value), .count = each->count, .isChecked = isOn(each->value)};
+    const Qt::CheckState state = stateOf(*each);
+    ui::ListedValue line{.text = valueName(each->value),
+                         .count = each->count,
+                         .isChecked = state != Qt::Unchecked,
+                         .isPartly = state == Qt::PartiallyChecked};
     if (each->value.text.empty()) {
       line.isQuiet = true;
     } else {
@@ -77,6 +84,11 @@ Offer offerOfValues(const std::vector<results::ValueCount>& values,
     }
   }
   return offer;
+}
+
+bool isOn(const FilterCondition& condition, ColumnIndex column) {
+  const auto* filter = std::get_if<ColumnFilter>(&condition);
+  return filter != nullptr && filter->condition.column == column;
 }
 
 }  // namespace
@@ -158,12 +170,27 @@ ShownValue ListFilters::valueAt(const QModelIndex& cell) const {
   return {std::string(list().text(row, column)), isNull};
 }
 
+std::function<Qt::CheckState(const results::ValueCount&)> ListFilters::shownParts() const {
+  const bool isFiltered =
+      std::any_of(conditions_.begin(), conditions_.end(), [this](const auto& each) { return isOn(each, column_); });
+  if (!isFiltered) return [](const results::ValueCount&) { return Qt::Checked; };
+  // A condition may be about hours or single times: how much of a day it leaves is counted.
+  std::map<std::pair<std::string, bool>, std::size_t> shown;
+  for (const results::ValueCount& each : results::shownColumnValues(list(), column_).values)
+    shown[{each.value.text, each.value.isNull}] = each.count;
+  return [shown = std::move(shown)](const results::ValueCount& value) {
+    const auto found = shown.find({value.value.text, value.value.isNull});
+    if (found == shown.end()) return Qt::Unchecked;
+    return found->second < value.count ? Qt::PartiallyChecked : Qt::Checked;
+  };
+}
+
 ui::ValueListContent ListFilters::offer(const QString& search) {
   std::optional<results::TextMatcher> matcher;
   if (!search.isEmpty()) matcher.emplace(search.toStdString(), results::TextMatcher::Options{});
   const results::ColumnValues found = results::columnValues(list(), column_, matcher);
   const auto isOn = [this](const ShownValue& value) { return passes(conditions_, column_, value); };
-  Offer lines = found.areDates ? offerOfDays(found.values, isOn) : offerOfValues(found.values, isOn);
+  Offer lines = found.areDates ? offerOfDays(found.values, shownParts()) : offerOfValues(found.values, isOn);
   offered_ = std::move(lines.values);
   areDates_ = found.areDates;
   return {.values = std::move(lines.lines),
@@ -194,21 +221,34 @@ void ListFilters::showValues(int column) {
 void ListFilters::choose() {
   const std::vector<std::size_t> on = values_->listed(true);
   const std::vector<std::size_t> off = values_->listed(false);
-  const bool all = off.empty() && !values_->isSearching();
-  const auto onColumn = [this](const FilterCondition& each) {
-    const auto* filter = std::get_if<ColumnFilter>(&each);
-    return filter != nullptr && filter->condition.column == column_ ? filter : nullptr;
-  };
+  const std::vector<std::size_t> partly = values_->listedPartly();
+  const bool all = off.empty() && partly.empty() && !values_->isSearching();
+  const auto onColumn = [this](const FilterCondition& each) { return isOn(each, column_); };
   const bool collects =
       values_->wasEmptied() || std::any_of(conditions_.begin(), conditions_.end(), [&](const auto& each) {
-        const ColumnFilter* const filter = onColumn(each);
-        return filter != nullptr && !filter->condition.excludes;
+        return onColumn(each) && !std::get<ColumnFilter>(each).condition.excludes;
       });
   // Where only a few are left out, the condition says which: values that come later pass it.
   const bool excludes = !values_->isSearching() && !collects && off.size() < on.size();
   std::vector<FilterCondition> conditions = conditions_;
   std::erase_if(conditions, onColumn);
-  if (!all) {
+  if (!partly.empty()) {
+    const auto valuesAt = [this](const std::vector<std::size_t>& places) {
+      std::vector<ShownValue> chosen;
+      for (const std::size_t place : places)
+        if (offered_.at(place)) chosen.push_back(*offered_.at(place));
+      return chosen;
+    };
+    std::vector<results::ColumnCondition> before;
+    for (const FilterCondition& each : conditions_)
+      if (onColumn(each)) before.push_back(std::get<ColumnFilter>(each).condition);
+    const results::DayChoice choice{.whole = valuesAt(on),
+                                    .partly = valuesAt(partly),
+                                    .none = valuesAt(off),
+                                    .othersToo = !values_->isSearching() && !collects};
+    for (results::ColumnCondition& each : results::chosenDays(before, column_, choice))
+      conditions.emplace_back(ColumnFilter{std::move(each), captionOf(column_)});
+  } else if (!all) {
     ColumnFilter filter{{.column = column_, .excludes = excludes}, captionOf(column_)};
     for (const std::size_t place : excludes ? off : on) {
       const std::optional<ShownValue>& value = offered_.at(place);

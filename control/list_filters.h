@@ -58,6 +58,8 @@ class ListFilters final : public QObject {
   [[nodiscard]] results::ShownValue valueAt(const QModelIndex& cell) const;
   /// The values of `column_` for the list of values; with a search only those that contain it.
   [[nodiscard]] ui::ValueListContent offer(const QString& search);
+  /// How many of the rows of a day of `column_` the filters on it let pass: all, some or none.
+  [[nodiscard]] std::function<Qt::CheckState(const results::ValueCount&)> shownParts() const;
   void choose();
   /// Puts the conditions on the list. The list keeps what it shows where memory runs out.
   void apply(std::vector<FilterCondition> conditions);

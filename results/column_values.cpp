@@ -105,6 +105,24 @@ class ValueCounter {
   bool metOtherText_ = false;
 };
 
+/// `rows` says for each record how many rows of the list count.
+ColumnValues countValues(const ResultList& list, ColumnIndex column, const std::vector<std::uint32_t>& rows,
+                         const std::optional<TextMatcher>& search, std::size_t limit) {
+  const ShownColumn shown(list, column);
+  for (const bool byDay : {true, false}) {
+    ValueCounter counter(search, limit, byDay);
+    counter.count(shown, rows);
+    if (byDay && counter.metOtherText()) continue;
+    ColumnValues result;
+    result.tooMany = counter.tooMany();
+    if (!result.tooMany) result.values = counter.values();
+    result.areDates = byDay && std::any_of(result.values.begin(), result.values.end(),
+                                           [](const ValueCount& each) { return !each.value.text.empty(); });
+    return result;
+  }
+  return {};
+}
+
 }  // namespace
 
 ColumnValues columnValues(const ResultList& list, ColumnIndex column, const std::optional<TextMatcher>& search,
@@ -113,19 +131,17 @@ ColumnValues columnValues(const ResultList& list, ColumnIndex column, const std:
     const std::vector<std::uint8_t> passing = passingRecords(list, list.filter(), column);
     std::vector<std::uint32_t> rows(passing.size(), 0);
     for (const RowId row : list.wholeRows()) rows[row.value] += passing[row.value];
-    const ShownColumn shown(list, column);
-    for (const bool byDay : {true, false}) {
-      ValueCounter counter(search, limit, byDay);
-      counter.count(shown, rows);
-      if (byDay && counter.metOtherText()) continue;
-      ColumnValues result;
-      result.tooMany = counter.tooMany();
-      if (!result.tooMany) result.values = counter.values();
-      result.areDates = byDay && std::any_of(result.values.begin(), result.values.end(),
-                                             [](const ValueCount& each) { return !each.value.text.empty(); });
-      return result;
-    }
-    return {};
+    return countValues(list, column, rows, search, limit);
+  } catch (const std::bad_alloc&) {
+    throw outOfMemory();
+  }
+}
+
+ColumnValues shownColumnValues(const ResultList& list, ColumnIndex column, std::size_t limit) {
+  try {
+    std::vector<std::uint32_t> rows(list.store() == nullptr ? 0 : list.store()->rowCount(), 0);
+    for (std::size_t row = 0; row < list.rowCount(); ++row) ++rows[list.rowId({row}).value];
+    return countValues(list, column, rows, {}, limit);
   } catch (const std::bad_alloc&) {
     throw outOfMemory();
   }

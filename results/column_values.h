@@ -36,4 +36,8 @@ inline constexpr std::size_t mostListedValues = 50'000;
                                         const std::optional<TextMatcher>& search = {},
                                         std::size_t limit = mostListedValues);
 
+/// The values of a column in the rows that the list shows. Throws Error when memory runs out.
+[[nodiscard]] ColumnValues shownColumnValues(const ResultList& list, ColumnIndex column,
+                                             std::size_t limit = mostListedValues);
+
 }  // namespace korvel::results

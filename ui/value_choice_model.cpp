@@ -57,7 +57,8 @@ const std::vector<ValueChoiceModel::Place>& ValueChoiceModel::members(const QMod
 }
 
 Qt::CheckState ValueChoiceModel::stateOf(Place place) const {
-  if (!isGroup_[place]) return values_[place].isChecked ? Qt::Checked : Qt::Unchecked;
+  if (!isGroup_[place])
+    return values_[place].isPartly ? Qt::PartiallyChecked : values_[place].isChecked ? Qt::Checked : Qt::Unchecked;
   bool any = false;
   bool all = true;
   for (const Place member : members_[place + 1]) {
@@ -70,6 +71,7 @@ Qt::CheckState ValueChoiceModel::stateOf(Place place) const {
 
 void ValueChoiceModel::check(Place place, bool checked) {
   values_[place].isChecked = checked;
+  values_[place].isPartly = false;
   for (const Place member : members_[place + 1]) check(member, checked);
 }
 
@@ -91,15 +93,16 @@ void ValueChoiceModel::toggle(const QModelIndex& index) {
 }
 
 Qt::CheckState ValueChoiceModel::listedState() const {
+  if (!listedPartly().empty()) return Qt::PartiallyChecked;
   const bool any = !listed(true).empty();
   const bool others = !listed(false).empty();
   return !any ? Qt::Unchecked : others ? Qt::PartiallyChecked : Qt::Checked;
 }
 
-std::vector<std::size_t> ValueChoiceModel::listed(bool checked) const {
+std::vector<std::size_t> ValueChoiceModel::listedIn(Qt::CheckState state) const {
   std::vector<std::size_t> places;
   for (Place place = 0; place < values_.size(); ++place)
-    if (isListed_[place] && !isGroup_[place] && values_[place].isChecked == checked) places.push_back(place);
+    if (isListed_[place] && !isGroup_[place] && stateOf(place) == state) places.push_back(place);
   return places;
 }
 

@@ -14,7 +14,8 @@ struct ListedValue {
   std::size_t count = 0;
   bool isQuiet = false;  ///< no value proper: empty or null
   bool isChecked = true;
-  int parent = -1;  ///< the group, which comes before its members; -1 for none
+  bool isPartly = false;  ///< some of its rows are chosen, in another way; until it is ticked or unticked
+  int parent = -1;        ///< the group, which comes before its members; -1 for none
 };
 
 /// The values of a column with their counts and check boxes, also as a tree. Values that do not match the search are
@@ -36,7 +37,10 @@ class ValueChoiceModel final : public QAbstractItemModel {
   void toggle(const QModelIndex& index);
   [[nodiscard]] Qt::CheckState listedState() const;
   /// The values that are listed, groups left out; by their places in values().
-  [[nodiscard]] std::vector<std::size_t> listed(bool checked) const;
+  [[nodiscard]] std::vector<std::size_t> listed(bool checked) const {
+    return listedIn(checked ? Qt::Checked : Qt::Unchecked);
+  }
+  [[nodiscard]] std::vector<std::size_t> listedPartly() const { return listedIn(Qt::PartiallyChecked); }
   [[nodiscard]] std::size_t listedRecords() const;
 
   [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
@@ -57,6 +61,7 @@ class ValueChoiceModel final : public QAbstractItemModel {
   /// The listed members of a group; those of no group for the invisible root.
   [[nodiscard]] const std::vector<Place>& members(const QModelIndex& group) const;
   [[nodiscard]] Qt::CheckState stateOf(Place place) const;
+  [[nodiscard]] std::vector<std::size_t> listedIn(Qt::CheckState state) const;
   void check(Place place, bool checked);
   void list();
   void announceChecks();

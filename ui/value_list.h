@@ -44,6 +44,8 @@ class ValueList : public QFrame {
   /// The values that are listed now, and among them those that are ticked or not.
   [[nodiscard]] const std::vector<ListedValue>& values() const noexcept { return model_.values(); }
   [[nodiscard]] std::vector<std::size_t> listed(bool checked) const { return model_.listed(checked); }
+  /// Those of which some rows are chosen, and which were left so.
+  [[nodiscard]] std::vector<std::size_t> listedPartly() const { return model_.listedPartly(); }
   /// Whether nothing was ticked at some time since the list was opened or all were ticked: the user collects values,
   /// instead of leaving some out.
   [[nodiscard]] bool wasEmptied() const noexcept { return wasEmptied_; }

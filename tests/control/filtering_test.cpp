@@ -1,4 +1,5 @@
 // Filtering the lists by value, by keys.
+#include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <algorithm>
@@ -117,6 +118,63 @@ TEST_F(Filtering, DatesByYearMonthAndDay) {
   press(Qt::Key_Return);
   EXPECT_EQ(column(*viewer, 0), "1 2 3 4");
   EXPECT_EQ(chips(*viewer), QString::fromUtf8("Date Time 2004-03-07 – 2004-03-09"));
+}
+
+TEST_F(Filtering, ADayOfWhichSomeTimesAreShownKeepsThemUnlessItIsTicked) {
+  const auto viewer = filledViewer();
+  goTo(*viewer, 0, time);
+  press(Qt::Key_K, Qt::ControlModifier);
+  ASSERT_EQ(column(*viewer, 0), "1");
+  open(*viewer, time);
+  QTreeView& tree = *values(*viewer).findChild<QTreeView*>("Values");
+  const auto dayAt = [&](int month, int day) {
+    return tree.model()->index(day, 0, tree.model()->index(month, 0, tree.model()->index(0, 0)));
+  };
+  const auto state = [&](int month, int day) { return dayAt(month, day).data(Qt::CheckStateRole).toInt(); };
+  ASSERT_EQ(dayAt(0, 0).data().toString(), "2004-03-07");
+  EXPECT_EQ(state(0, 0), Qt::PartiallyChecked);
+  EXPECT_EQ(state(0, 1), Qt::Unchecked);
+  EXPECT_EQ(values(*viewer).findChild<QCheckBox*>("AllValues")->checkState(), Qt::PartiallyChecked);
+  const auto tick = [&](int month, int day) {
+    tree.setFocus();
+    tree.expandAll();
+    tree.setCurrentIndex(dayAt(month, day));
+    press(Qt::Key_Space);
+  };
+  // As it is, it stays.
+  press(Qt::Key_Return);
+  EXPECT_EQ(column(*viewer, 0), "1");
+  EXPECT_EQ(chips(*viewer), "Date Time = 2004-03-07 03:10:44.310");
+  open(*viewer, time);
+  tick(0, 1);
+  press(Qt::Key_Return);
+  EXPECT_EQ(column(*viewer, 0), "1 3") << "another day beside the time";
+  open(*viewer, time);
+  EXPECT_EQ(state(0, 0), Qt::PartiallyChecked);
+  tick(0, 0);
+  EXPECT_EQ(state(0, 0), Qt::Checked);
+  press(Qt::Key_Return);
+  EXPECT_EQ(column(*viewer, 0), "1 2 3") << "the whole day";
+}
+
+TEST_F(Filtering, ATimeThatIsLeftOutStaysSoBesideAnotherDay) {
+  const auto viewer = filledViewer();
+  goTo(*viewer, 0, time);
+  press(Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_EQ(column(*viewer, 0), "2 3 4 5 6");
+  open(*viewer, time);
+  QTreeView& tree = *values(*viewer).findChild<QTreeView*>("Values");
+  tree.setFocus();
+  tree.expandAll();
+  tree.setCurrentIndex(tree.model()->index(1, 0, tree.model()->index(0, 0)));
+  press(Qt::Key_Space);  // without April
+  press(Qt::Key_Return);
+  EXPECT_EQ(column(*viewer, 0), "2 3 4");
+  EXPECT_EQ(chips(*viewer), QString::fromUtf8("Date Time ≠ 2 values"));
+  open(*viewer, time);
+  values(*viewer).findChild<QAbstractButton*>("AllValues")->click();
+  press(Qt::Key_Return);
+  EXPECT_EQ(chips(*viewer), "") << "all of every day";
 }
 
 TEST_F(Filtering, OnlyThisValueAndWithoutItByKeys) {
