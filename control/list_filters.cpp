@@ -443,9 +443,10 @@ void ListFilters::showState() {
   area_.filterState = state;
   if (chips.empty()) area_.chips->setPinned(false);
   area_.chips->setChips(chips);
-  QString count = ownText("filter.shown").arg(countText(list().rowCount()), countText(list().wholeRowCount()));
-  if (state.isUndecided) count += QStringLiteral(". ") + ownText("filter.undecided");
-  area_.chips->setCount(state.isEvaluating ? ownText("filter.evaluating") : count);
+  const QString count = ownText(state.isUndecided ? "filter.shownUndecided" : "filter.shown")
+                            .arg(countText(list().rowCount()), countText(list().wholeRowCount()));
+  area_.chips->setCount(state.isEvaluating ? ownText("filter.evaluating") : count,
+                        state.isUndecided ? ownText("filter.undecided") : QString());
   area_.list.header()->setFilteredColumns(columns);
   hooks_.changed();
 }

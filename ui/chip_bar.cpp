@@ -196,9 +196,10 @@ std::vector<QWidget*> ChipBar::focusOrder() const {
   return {pin_, clear_};
 }
 
-void ChipBar::setCount(const QString& text) {
+void ChipBar::setCount(const QString& text, const QString& toolTip) {
   count_->setText(text);
-  setAccessibleDescription(text);
+  count_->setToolTip(toolTip.isEmpty() ? QString() : plainToolTip(toolTip));
+  setAccessibleDescription(toolTip.isEmpty() ? text : text + QStringLiteral(". ") + toolTip);
 }
 
 void ChipBar::setPinned(bool pinned) {

@@ -56,8 +56,8 @@ class ChipBar : public QWidget {
   void setTexts(const std::function<QString(std::string_view key)>& texts);
   /// Replaces the chips; the keyboard stays where it was as far as there is such a chip. No chips hide the bar.
   void setChips(const std::vector<Chip>& chips);
-  /// "214 of 48,213 shown".
-  void setCount(const QString& text);
+  /// "214 of 48,213 shown"; `toolTip` says more, where there is more to say.
+  void setCount(const QString& text, const QString& toolTip = {});
   void setPinned(bool pinned);
   [[nodiscard]] bool isPinned() const;
   /// What takes the keyboard behind the chips; they go before it by themselves.
