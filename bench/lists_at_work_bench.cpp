@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QApplication>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -13,9 +14,12 @@
 
 #include "bench/audit_file.h"
 #include "bench/least.h"
+#include "bench/offscreen.h"
 #include "bench/stored_answer.h"
+#include "control/activity_bars.h"
 #include "db/open_connection.h"
 #include "output/list_writers.h"
+#include "query/activity.h"
 #include "query/audit_record.h"
 #include "query/item_history.h"
 #include "results/column_values.h"
@@ -194,6 +198,37 @@ BENCHMARK(largestGroupsByEntryId)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(histogramByDay)->Arg(1)->Arg(fewMillions)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// What a change of the rows costs a strip of activity: counting, which a worker does, and painting.
+void countForStrip(benchmark::State& state) {
+  const ResultList& list = listOfMillions(state.range(0));
+  constexpr std::size_t room = 190;
+  query::Activity activity;
+  Least least;
+  for (auto _ : state)
+    state.SetIterationTime(least.measure([&] {
+      activity = query::activityOf(ResultList(list), columnOf("Date Time"), columnOf("Event"),
+                                   query::ActivityStep::hour, query::mostActivityKinds, room);
+    }));
+  state.counters["bars"] = static_cast<double>(activity.bars.size());
+  state.counters["least_ms"] = least.seconds * 1000;
+}
+void paintStrip(benchmark::State& state) {
+  const ResultList& list = listOfMillions(1);
+  const auto step = static_cast<query::ActivityStep>(state.range(0));
+  offscreenApplication<QApplication>();
+  control::ActivityBars bars;
+  bars.resize(1000, 92);
+  bars.show();
+  bars.setActivity(query::activityOf(list, columnOf("Date Time"), columnOf("Event"), step));
+  QCoreApplication::processEvents();
+  Least least;
+  for (auto _ : state) state.SetIterationTime(least.measure([&] { bars.viewport()->repaint(); }));
+  state.counters["bars"] = static_cast<double>(bars.activity().bars.size());
+  state.counters["least_ms"] = least.seconds * 1000;
+}
+BENCHMARK(countForStrip)->Arg(1)->Arg(fewMillions)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(paintStrip)->DenseRange(0, 3)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 void historyOfOneItem(benchmark::State& state) {
   const ResultList& list = listOfMillions(state.range(0));
