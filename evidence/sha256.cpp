@@ -18,7 +18,7 @@ std::optional<Digest> digestFromHex(std::string_view text) noexcept {
     const std::optional<unsigned> value = hexDigitValue(text[i]);
     if (!value) return std::nullopt;
     std::uint8_t& byte = digest.bytes.at(i / 2);
-    byte = static_cast<std::uint8_t>(byte << 4U | *value);
+    byte = static_cast<std::uint8_t>(static_cast<unsigned>(byte) << 4U | *value);
   }
   return digest;
 }
