@@ -131,10 +131,24 @@ int ResultListView::rowOf(results::RowId record) const {
   return -1;
 }
 
+int ResultListView::firstRowOf(std::span<const results::RowId> records) const {
+  const results::ResultList& list = model_.list();
+  if (const int row = rowOf(records.front()); row >= 0) return row;
+  std::vector<bool> wanted(list.store()->rowCount());
+  for (const results::RowId record : records) wanted[record.value] = true;
+  for (std::size_t row = 0; row < list.rowCount(); ++row)
+    if (wanted[list.rowId({row}).value]) return static_cast<int>(row);
+  return static_cast<int>(list.rowCount()) - 1;
+}
+
 void ResultListView::setFilter(results::RowFilter filter) {
+  constexpr std::size_t mostFollowing = 1000;
   const QModelIndex before = currentIndex();
-  std::optional<results::RowId> record;
-  if (before.isValid()) record = model_.list().rowId({static_cast<std::size_t>(before.row())});
+  // The current record, and those that take its place where the filter hides it.
+  std::vector<results::RowId> records;
+  const std::size_t current = before.isValid() ? static_cast<std::size_t>(before.row()) : model_.list().rowCount();
+  for (std::size_t row = current; row < model_.list().rowCount() && records.size() < mostFollowing; ++row)
+    records.push_back(model_.list().rowId({row}));
   const int column = before.column();
   SavedSelection kept;
   kept.save(model_.list(), selectedSpans());
@@ -144,8 +158,8 @@ void ResultListView::setFilter(results::RowFilter filter) {
   }
   saved_ = std::move(kept);
   restoreSelection();
-  const int row = record ? rowOf(*record) : -1;
-  if (row < 0) return;
+  if (records.empty() || model_.list().rowCount() == 0) return;
+  const int row = firstRowOf(records);
   const HorizontalScrollLock lock(*this);
   selectionModel()->setCurrentIndex(model_.index(row, column), QItemSelectionModel::NoUpdate);
   scrollTo(model_.index(row, column), PositionAtCenter);

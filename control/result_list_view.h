@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <span>
 #include <vector>
 
 #include "base/twips.h"
@@ -97,6 +98,8 @@ class ResultListView final : public ui::ResultTable {
   bool handleHeaderKey(const QKeyEvent& event);
   void saveSelection();
   [[nodiscard]] int rowOf(results::RowId record) const;
+  /// The row of the first record or, where it is not shown, of one of the others; the last row where none is.
+  [[nodiscard]] int firstRowOf(std::span<const results::RowId> records) const;
   void restoreSelection();
 
   ResultListModel& model_;

@@ -197,6 +197,24 @@ TEST_F(Filtering, OnlyThisValueAndWithoutItByKeys) {
   EXPECT_EQ(chips(*viewer), "User Name = (empty)");
 }
 
+/// The next key is for the same column, and the list does not jump to its beginning.
+TEST_F(Filtering, ARecordThatIsHiddenLeavesItsPlaceToTheNextOne) {
+  const auto viewer = filledViewer();
+  const auto place = [&] {
+    return std::pair(list(*viewer, 0)->currentIndex().row(), list(*viewer, 0)->currentIndex().column());
+  };
+  goTo(*viewer, 2, area);
+  press(Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(column(*viewer, 0), "1 2 5 6");
+  EXPECT_EQ(place(), (std::pair<int, int>(2, area))) << "on record 5";
+  press(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(place(), (std::pair<int, int>(4, area))) << "still on record 5";
+  goTo(*viewer, 5, userName);
+  press(Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(place().first, list(*viewer, 0)->model()->rowCount() - 1) << "behind the last record there is none";
+  EXPECT_EQ(place().second, userName);
+}
+
 TEST_F(Filtering, ByTheContextMenuBelowItsOwnEntry) {
   const auto viewer = filledViewer();
   QTableView* view = list(*viewer, 0);
