@@ -44,6 +44,8 @@ PaintedPages writePdf(ReportSource& report, const PageTexts& texts, const ByteSi
                       const QPageSize& paper, const PageSelection& selection) {
   SinkDevice device(sink);
   QPdfWriter writer(&device);
+  // For archives: PDF/A-1b, which names its standard, its colours and all fonts within itself.
+  writer.setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
   writer.setPageSize(paper);
   writer.setResolution(pdfDotsPerInch);
   writer.setTitle(QStringLiteral("KorvelAudit Report"));

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/atomic_file.h"
 #include "output/report_reader.h"
 #include "tests/pages/written_pages.h"
 #include "tests/support/hostile_texts.h"
@@ -127,6 +128,20 @@ TEST_F(ReportPages, TellWhatTheDocumentIs) {
   const std::string about = test::outputOf("pdfinfo '" + (folder / "pages.pdf").string() + "'");
   EXPECT_THAT(about, ContainsRegex("Title: +KorvelAudit Report\n"));
   EXPECT_THAT(about, ContainsRegex("Creator: +KorvelAudit Viewer\n"));
+}
+
+/// PDF/A-1b, which archives ask for.
+TEST_F(ReportPages, CanBeArchived) {
+  write(filledList({{"A"}}, {{"Małgorzata ポンプ"}}));
+  const std::string bytes = readFile(folder / "pages.pdf");
+  EXPECT_THAT(bytes, HasSubstr("pdfaid:part=\"1\""));
+  EXPECT_THAT(bytes, HasSubstr("pdfaid:conformance=\"B\""));
+  EXPECT_THAT(bytes, HasSubstr("/OutputIntents"));
+  // The sixth column from the end of each line: whether the font is embedded.
+  const std::string embedded =
+      "pdffonts '" + (folder / "pages.pdf").string() + "' | tail -n +3 | awk '{print $(NF-4)}'";
+  const std::string fonts = test::outputOf(embedded);
+  EXPECT_THAT(fonts, ContainsRegex("^(yes\n)+$"));
 }
 
 TEST_F(ReportPages, TakeAValueOfAMegabyte) {
