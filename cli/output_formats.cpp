@@ -73,7 +73,7 @@ void sayLosses(const output::WorkbookSummary& summary, std::ostream& err) {
 }
 
 void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
-  sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink), err);
+  sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink, {}, list.remark), err);
 }
 
 /// Fills a workbook, which is created with the first row: an answer without rows leaves no temporary file.

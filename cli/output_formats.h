@@ -16,7 +16,7 @@ namespace korvel::cli {
 struct CaptionedList {
   const results::ResultList& list;
   std::string_view caption;
-  std::string remark;  ///< what a reader of the pages would not expect; empty where there is nothing
+  std::string remark;  ///< what a reader of pages or of a workbook would not expect; empty where there is nothing
 };
 
 /// A format in which a list is written.

@@ -14,6 +14,7 @@
 #include "base/text.h"
 #include "output/export_file.h"
 #include "output/temporary_file.h"
+#include "output/terminal_text.h"
 #include "output/typed_value.h"
 
 namespace korvel::output {
@@ -281,6 +282,14 @@ void Workbook::endResult() {
   ++impl_->result;
 }
 
+void Workbook::setRemark(std::string_view remark) {
+  if (remark.empty()) return;
+  std::string comments = terminalText(remark);
+  lxw_doc_properties properties{};
+  properties.comments = comments.data();
+  impl_->check(workbook_set_properties(impl_->book, &properties));
+}
+
 WorkbookSummary Workbook::finish(const ByteSink& sink) {
   Impl& book = *impl_;
   book.endSheet();
@@ -302,8 +311,9 @@ WorkbookSummary Workbook::finish(const ByteSink& sink) {
 }
 
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,
-                              const RowProgress& progress) {
+                              const RowProgress& progress, std::string_view remark) {
   Workbook book(std::move(name));
+  book.setRemark(remark);
   const results::RowStore* store = list.store();
   std::span<const db::Field> fields;
   std::vector<db::Field> captions;

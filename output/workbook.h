@@ -55,6 +55,8 @@ class Workbook final : public db::ResultSink {
   bool row(std::span<const db::Cell> cells) override;
   void endResult() override;
 
+  /// What a reader has to know of the rows, that some are missing for one: the comments in the workbook's properties.
+  void setRemark(std::string_view remark);
   /// Completes the workbook and hands over its bytes; nothing may follow.
   WorkbookSummary finish(const ByteSink& sink);
 
@@ -63,9 +65,10 @@ class Workbook final : public db::ResultSink {
   std::unique_ptr<Impl> impl_;
 };
 
-/// Every column of the records behind a list's rows, values as stored, in the list's order.
+/// Every column of the records behind a list's rows, values as stored, in the list's order; with a remark where there
+/// is one.
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,
-                              const RowProgress& progress = {});
+                              const RowProgress& progress = {}, std::string_view remark = {});
 /// The same into an atomic file; a link in its place is replaced.
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const std::filesystem::path& file,
                               const RowProgress& progress = {});

@@ -52,6 +52,18 @@ struct WorkbookFile : testing::Test {
   WorkbookSummary summary;
 };
 
+TEST_F(WorkbookFile, CarriesARemarkInItsProperties) {
+  const auto list = filledList({{"N"}}, {{"1"}});
+  std::string bytes;
+  const ByteSink sink = [&](std::string_view chunk) { bytes += chunk; };
+  writeWorkbook(list, "ALL Audits", sink, {}, "12 of 30 chosen: Name = \"a<b\"\x01");
+  EXPECT_THAT(plain(test::partOfZip(bytes, "docProps/core.xml")),
+              HasSubstr("<dc:description>12 of 30 chosen: Name = \"a<b\"\\x01</dc:description>"));
+  bytes.clear();
+  writeWorkbook(list, "ALL Audits", sink);
+  EXPECT_THAT(test::partOfZip(bytes, "docProps/core.xml"), Not(HasSubstr("description")));
+}
+
 TEST_F(WorkbookFile, KeepsTypesWhereNothingIsLost) {
   const auto list = filledList({{"N", ColumnKind::number},
                                 {"D", ColumnKind::dateTime},
