@@ -33,14 +33,12 @@ std::string computerName() {
 
 std::tm localClock(std::time_t moment) {
   std::tm clock{};
-  localtime_s(&clock, &moment);
-  return clock;
+  return localtime_s(&clock, &moment) == 0 ? clock : std::tm{};
 }
 
 std::tm greenwichClock(std::time_t moment) {
   std::tm clock{};
-  gmtime_s(&clock, &moment);
-  return clock;
+  return gmtime_s(&clock, &moment) == 0 ? clock : std::tm{};
 }
 
 }  // namespace korvel::evidence

@@ -44,6 +44,7 @@ void Sha256::update(std::string_view bytes) {
   while (!bytes.empty()) {
     const std::size_t part = std::min<std::size_t>(bytes.size(), std::numeric_limits<ULONG>::max());
     // The function takes its input as if it changed it.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     auto* const data = reinterpret_cast<PUCHAR>(const_cast<char*>(bytes.data()));
     check(BCryptHashData(state_->hash, data, static_cast<ULONG>(part), 0));
     bytes.remove_prefix(part);
