@@ -186,6 +186,7 @@ evidence::Manifest manifestOf(const StandardQuestion& question, const Answered& 
     manifest.question.to = query::toDateText(question.range);
   }
   manifest.question.beyondLimit = question.complete;
+  manifest.question.list = query::pageCaptions[question.list];
   manifest.question.text = query::queryAuditsText(flags, question.range);
   if (!answer.remark.empty()) manifest.notes.insert(manifest.notes.begin(), answer.remark);
   endManifest(manifest);

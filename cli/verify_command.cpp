@@ -66,15 +66,16 @@ int runVerify(const VerifyOptions& options, std::ostream& out, std::ostream& err
   };
   int status = exitDone;
   try {
-    std::string text;
     for (const fs::path& output : namedOutputs(options.files, err, status)) {
       const evidence::Verification verified = evidence::verifyOutput(output, untilStopped);
+      std::string text;
       const std::string name = output::terminalText(utf8FromPath(output));
       if (verified.isUnchanged()) text += name + ": unchanged\n";
       for (const std::string& finding : verified.findings) text += name + ": " + output::terminalText(finding) + '\n';
       if (!verified.isUnchanged()) status = exitIncomplete;
+      if (const int written = writeText(out, err, text, exitDone); written != exitDone) return written;
     }
-    return writeText(out, err, text, status);
+    return status;
   } catch (const Stopped&) {
     return stopped(err);
   } catch (const Error& error) {

@@ -11,7 +11,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::string_view formatName = "korvel-audit-manifest";
-constexpr int formatVersion = 1;
+constexpr std::uint64_t formatVersion = 1;
 constexpr std::size_t digestDigits = 64;
 
 void add(Json& object, const char* name, const std::string& text) {
@@ -33,6 +33,7 @@ Json questionJson(const Manifest::Question& question) {
   add(json, "from", question.from);
   add(json, "to", question.to);
   if (!question.categories.empty()) json["beyondLimit"] = question.beyondLimit;
+  add(json, "list", question.list);
   json["text"] = question.text;
   json["textSha256"] = hexText(Sha256::of(question.text));
   if (!question.filters.empty()) json["filters"] = question.filters;
@@ -53,21 +54,36 @@ Json rowsJson(const Manifest::Rows& rows) {
   throw Error(unspecifiedFailure, why);
 }
 
-/// A member that has to be there, of one type.
-template <typename Value>
-Value member(const Json& object, const char* name) {
-  if (const auto found = object.is_object() ? object.find(name) : object.end();
-      object.is_object() && found != object.end()) {
-    try {
-      return found->template get<Value>();
-    } catch (const Json::exception&) {
-      refuse(std::string("the manifest's \"") + name + "\" is not what a manifest has there");
-    }
-  }
-  refuse(std::string("the manifest has no \"") + name + "\"");
+[[noreturn]] void refuseMember(const char* name) {
+  refuse(std::string("the manifest's \"") + name + "\" is not what a manifest has there");
 }
 
-Digest digestMember(const std::string& text, const char* name) {
+/// A member that has to be there. Never copied: a copy of hostile JSON, nested a million times, would end the program.
+const Json& member(const Json& object, const char* name, Json::value_t type) {
+  const auto found = object.find(name);
+  if (found == object.end()) refuse(std::string("the manifest has no \"") + name + "\"");
+  if (found->type() != type) refuseMember(name);
+  return *found;
+}
+
+const std::string& textMember(const Json& object, const char* name) {
+  return member(object, name, Json::value_t::string).get_ref<const std::string&>();
+}
+
+std::uint64_t numberMember(const Json& object, const char* name) {
+  return member(object, name, Json::value_t::number_unsigned).get<std::uint64_t>();
+}
+
+std::vector<std::string> textsMember(const Json& object, const char* name) {
+  std::vector<std::string> texts;
+  for (const Json& each : member(object, name, Json::value_t::array)) {
+    if (!each.is_string()) refuseMember(name);
+    texts.push_back(each.get_ref<const std::string&>());
+  }
+  return texts;
+}
+
+Digest digestOf(const std::string& text, const char* name) {
   const auto digest = digestFromHex(text);
   if (!digest) refuse(std::string("the manifest's \"") + name + "\" is no SHA-256 value");
   return *digest;
@@ -97,7 +113,7 @@ std::string manifestText(const Manifest& manifest) {
     for (const Manifest::ListCount& list : manifest.lists)
       json["lists"].push_back({{"caption", list.caption}, {"rows", list.rows}});
   }
-  json["complete"] = manifest.isComplete;
+  if (manifest.isComplete) json["complete"] = *manifest.isComplete;
   if (!manifest.notes.empty()) json["notes"] = manifest.notes;
   json["output"] = {{"name", manifest.output.name},
                     {"format", manifest.output.format},
@@ -113,24 +129,24 @@ RecordedOutput readManifest(std::string_view text) {
   if (json.is_discarded()) refuse("the manifest is cut or changed: it is no JSON");
   if (!json.is_object() || !json.contains("format") || json["format"] != formatName)
     refuse("the file is no manifest of an audit trail's output");
-  const auto version = member<int>(json, "version");
+  const std::uint64_t version = numberMember(json, "version");
   if (version > formatVersion)
     refuse("the manifest has version " + std::to_string(version) + "; this program knows version " +
            std::to_string(formatVersion) + " and needs to be updated");
+  if (version != formatVersion) refuseMember("version");
   RecordedOutput recorded;
-  const auto output = member<Json>(json, "output");
-  recorded.output.name = member<std::string>(output, "name");
+  const Json& output = member(json, "output", Json::value_t::object);
+  recorded.output.name = textMember(output, "name");
   if (!isPlainName(recorded.output.name))
     refuse("the manifest names a file that is not in its own folder: " + recorded.output.name);
-  recorded.output.format = member<std::string>(output, "format");
-  recorded.output.bytes = member<std::uint64_t>(output, "bytes");
-  recorded.output.sha256 = digestMember(member<std::string>(output, "sha256"), "sha256");
-  const auto rows = member<Json>(json, "rows");
-  recorded.rows.columns = member<std::vector<std::string>>(rows, "columns");
-  recorded.rows.digest = digestMember(member<std::string>(rows, "digest"), "digest");
-  for (const std::string& row : member<std::vector<std::string>>(rows, "each"))
-    recorded.rows.each.push_back(digestMember(row, "each"));
-  if (member<std::uint64_t>(rows, "count") != recorded.rows.each.size())
+  recorded.output.format = textMember(output, "format");
+  recorded.output.bytes = numberMember(output, "bytes");
+  recorded.output.sha256 = digestOf(textMember(output, "sha256"), "sha256");
+  const Json& rows = member(json, "rows", Json::value_t::object);
+  recorded.rows.columns = textsMember(rows, "columns");
+  recorded.rows.digest = digestOf(textMember(rows, "digest"), "digest");
+  for (const std::string& row : textsMember(rows, "each")) recorded.rows.each.push_back(digestOf(row, "each"));
+  if (numberMember(rows, "count") != recorded.rows.each.size())
     refuse("the manifest's number of rows is not that of its rows' SHA-256 values");
   return recorded;
 }

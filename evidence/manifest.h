@@ -27,6 +27,7 @@ struct Manifest {
     std::string from;                     ///< first day, whole; empty without a range
     std::string to;
     bool beyondLimit = false;  ///< the answer was to be completed beyond the limit of the procedure
+    std::string list;          ///< the list of the answer that was written
     std::string text;          ///< the call, or the query of the user's own
     std::vector<std::string> filters;
     std::string sortedBy;
@@ -57,7 +58,9 @@ struct Manifest {
   Source source;
   Question question;
   std::vector<ListCount> lists;
-  bool isComplete = true;          ///< nothing is missing of what was asked for, as far as the answer tells
+  /// Whether the answer to the standard query was whole, before a list was taken and rows were chosen of it; nothing
+  /// for a query of the user's own, whose limits nobody knows.
+  std::optional<bool> isComplete;
   std::vector<std::string> notes;  ///< what a reader would not expect: limits reached, characters replaced
   Output output;
   Rows rows;

@@ -76,7 +76,10 @@ void ProvenFile::commit(Manifest manifest) {
     manifest_.commit();
     sums_.commit();
   } catch (const Error& error) {
-    throw Error(error.number(), utf8FromPath(target_) + " was written, but not its manifest: " + error.description());
+    // Older ones would say that the new file was changed.
+    std::error_code ignored;
+    for (const fs::path& older : {manifestOf(target_), sumsOf(target_)}) files::remove(older, ignored);
+    throw Error(error.number(), utf8FromPath(target_) + " was written, and has no manifest: " + error.description());
   }
 }
 

@@ -45,7 +45,10 @@ void digestRows(const results::ResultList& list, std::size_t begin, std::span<Di
 Manifest::Rows recordedRows(const results::ResultList& list) {
   Manifest::Rows rows;
   const std::size_t count = list.rowCount();
-  if (count == 0) return rows;
+  if (count == 0) {
+    rows.digest = digestOfRows({});
+    return rows;
+  }
   rows.columns = digestedNames(list.store()->fieldsOf(list.rowId({0})));
   rows.each.resize(count);
   // Threads share long lists.

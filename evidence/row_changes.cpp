@@ -164,10 +164,10 @@ std::vector<RowChange> rowChanges(Rows before, Rows after, std::size_t mostChang
     // Where rows changed places, those that differ in place are fewer.
     if (auto inPlace = changesInPlace(left, right, changes.size())) changes = std::move(*inPlace);
   } else {
-    std::vector<Edit> all;
-    for (std::size_t i = 0; i < left.size(); ++i) all.push_back({true, i, 0});
-    for (std::size_t i = 0; i < right.size(); ++i) all.push_back({false, left.size(), i});
-    changes = changesOf(all);
+    const std::size_t both = std::min(left.size(), right.size());
+    changes = changesInPlace(left.first(both), right.first(both), both).value();
+    for (std::size_t row = both + 1; row <= left.size(); ++row) changes.push_back({RowChange::Kind::removed, row, 0});
+    for (std::size_t row = both + 1; row <= right.size(); ++row) changes.push_back({RowChange::Kind::inserted, 0, row});
   }
   for (RowChange& change : changes) {
     if (change.before > 0) change.before += same;

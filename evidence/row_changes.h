@@ -26,7 +26,7 @@ struct RowChange {
 };
 
 /// How the rows `after` differ from the rows `before`, in order; empty where they are the same. Where more than
-/// `mostChanges` rows differ in one stretch, its rows are taken as changed one by one.
+/// `mostChanges` rows differ, each row is compared with the one of the same number.
 [[nodiscard]] std::vector<RowChange> rowChanges(std::span<const Digest> before, std::span<const Digest> after,
                                                 std::size_t mostChanges = 500);
 

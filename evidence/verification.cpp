@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -27,8 +28,27 @@ namespace {
 /// How many changed rows are named one by one.
 constexpr std::size_t mostNamedChanges = 20;
 
+/// A manifest has 75 bytes a row.
+constexpr std::uintmax_t mostManifestBytes = std::uintmax_t{1} << 32U;
+constexpr std::uintmax_t mostSumsBytes = std::uintmax_t{1} << 16U;
+
 std::string nameOf(const fs::path& file) {
   return utf8FromPath(file.filename());
+}
+
+/// A pipe would be waited for, a device may have no end.
+bool isRegularFile(const fs::path& file) {
+  std::error_code ignored;
+  return fs::is_regular_file(files::status(file, ignored));
+}
+
+/// The whole text of a manifest or of sums, which are small beside what memory holds.
+std::string textOf(const fs::path& file, std::uintmax_t mostBytes) {
+  if (!isRegularFile(file)) throw Error(unspecifiedFailure, nameOf(file) + " is no file");
+  std::error_code failure;
+  if (files::size(file, failure) > mostBytes)
+    throw Error(unspecifiedFailure, nameOf(file) + " is too large for what it should be");
+  return readFile(file);
 }
 
 bool isMissing(const fs::path& file) {
@@ -92,7 +112,7 @@ class Checked {
       return found_;
     }
     try {
-      const std::string text = readFile(manifest);
+      const std::string text = textOf(manifest, mostManifestBytes);
       checkSums(text);
       recorded_ = readManifest(text);
       if (digestOfRows(recorded_.rows.each) != recorded_.rows.digest)
@@ -100,6 +120,8 @@ class Checked {
       checkOutput();
     } catch (const Error& error) {
       found(error.description());
+    } catch (const std::bad_alloc&) {
+      found("there is not enough memory to compare the file with its manifest");
     }
     return found_;
   }
@@ -111,7 +133,7 @@ class Checked {
     const fs::path file = sumsOf(output_);
     const std::string name = nameOf(file);
     if (isMissing(file)) return found(name + " is missing: whether the manifest was changed cannot be told");
-    const std::string text = readFile(file);
+    const std::string text = textOf(file, mostSumsBytes);
     const auto sums = readSums(text);
     // Also what sha256sum would overlook, the case of a digit for one.
     if (!sums || sumsText(*sums) != text || sums->size() != 2 || sums->at(0).name != found_.name ||
@@ -126,6 +148,7 @@ class Checked {
     if (recorded_.output.name != found_.name)
       return found("the manifest is that of another file, " + recorded_.output.name);
     if (isMissing(output_)) return found("the file is missing");
+    if (!isRegularFile(output_)) return found("it is no file");
     const auto before = stateOf(output_);
     const Summed summed = sumOf(output_, progress_);
     if (stateOf(output_) != before)
@@ -138,10 +161,14 @@ class Checked {
               ? std::string("the file was changed: its SHA-256 is another one, of as many bytes")
               : "the file was changed: it has " + std::to_string(summed.bytes) + " bytes instead of " +
                     std::to_string(recorded_.output.bytes));
-    compareRows();
+    try {
+      compareRows(before);
+    } catch (const std::bad_alloc&) {
+      found("its rows are more than can be compared in the memory that is free");
+    }
   }
 
-  void compareRows() {
+  void compareRows(const std::optional<FileState>& summed) {
     const auto read = recorded_.output.format == "csv"    ? &readCsvRows
                       : recorded_.output.format == "json" ? &readJsonRows
                                                           : nullptr;
@@ -150,8 +177,10 @@ class Checked {
     std::vector<std::string> begun;
     bool hasBegun = false;
     std::optional<std::string> unreadable;
+    const std::string bytes = readFile(output_);
+    if (stateOf(output_) != summed) return found("the file was written to meanwhile; verify it again");
     try {
-      read(readFile(output_), [&](std::span<const db::Field> fields, std::span<const db::Cell> cells) {
+      read(bytes, [&](std::span<const db::Field> fields, std::span<const db::Cell> cells) {
         std::vector<std::string> names = digestedNames(fields);
         if (!hasBegun || names != begun) {
           recorder.begin(fields);
@@ -183,6 +212,17 @@ class Checked {
   std::optional<Digest> sumOfOutput_;
 };
 
+/// Whether sums are those of an output and of this manifest, which may be gone; others in the folder are not ours.
+bool sumsName(const fs::path& file, const fs::path& manifest) {
+  try {
+    const auto sums = readSums(textOf(file, mostSumsBytes));
+    return sums &&
+           std::any_of(sums->begin(), sums->end(), [&](const NamedSum& sum) { return sum.name == nameOf(manifest); });
+  } catch (const Error&) {
+    return false;
+  }
+}
+
 }  // namespace
 
 std::vector<fs::path> outputsOf(const fs::path& named) {
@@ -199,9 +239,13 @@ std::vector<fs::path> outputsOf(const fs::path& named) {
   }
   std::vector<fs::path> outputs;
   for (const fs::path& entry : files::listFolder(named, failure))
-    if (const auto output = without(entry, manifestEnding)) outputs.push_back(*output);
+    for (const std::string_view ending : {manifestEnding, sumsEnding})
+      if (const auto output = without(entry, ending);
+          output && (ending == manifestEnding || sumsName(entry, manifestOf(*output))))
+        outputs.push_back(*output);
   if (failure) throw systemError(systemErrorNumber(failure), "cannot read " + utf8FromPath(named));
   std::sort(outputs.begin(), outputs.end());
+  outputs.erase(std::unique(outputs.begin(), outputs.end()), outputs.end());
   return outputs;
 }
 

@@ -18,9 +18,9 @@ struct Verification {
 /// Is called again and again while files are read, with the number of bytes so far; what it throws ends the work.
 using ReadProgress = std::function<void(std::uint64_t bytes)>;
 
-/// The outputs that a name means: of a folder, those of all manifests in it, in order; of a manifest or a file of sums,
-/// the output that it belongs to; else the file itself. Throws Error with the system's error number where a folder
-/// cannot be read.
+/// The outputs that a name means: of a folder, those of all manifests and of our sums in it, in order; of a manifest or
+/// a file of sums, the output that it belongs to; else the file itself. Throws Error with the system's error number
+/// where a folder cannot be read.
 [[nodiscard]] std::vector<std::filesystem::path> outputsOf(const std::filesystem::path& named);
 
 /// Compares an output with its manifest, and both with their sums. Where rows of a csv or json file differ, they are

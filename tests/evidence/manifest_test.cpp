@@ -16,7 +16,8 @@ TEST(ManifestText, SaysWhatWasAskedAndWhatCame) {
   manifest.programVersion = "1.0.0";
   manifest.user = "Małgorzata";
   manifest.source = {"AUDITSRV", "Korvel_Audit_MU", "SQLite 3.40.1", ""};
-  manifest.question = {{"Alarms"}, "2004-04-01", "2004-04-30", true, "QueryAudits '0'", {"Event=UPDATE"}, "Entry ID"};
+  manifest.question = {{"Alarms"},   "2004-04-01",      "2004-04-30",     true,
+                       "ALL Audits", "QueryAudits '0'", {"Event=UPDATE"}, "Entry ID"};
   manifest.lists = {{"ALL Audits", 12}};
   manifest.isComplete = false;
   manifest.notes = {"the limit was reached"};

@@ -95,6 +95,20 @@ TEST(RowChanges, OfManyRowsTakeThemOneByOne) {
   EXPECT_EQ(changes[17], (RowChange{Kind::changed, 18, 18}));
 }
 
+/// Rows between them that are the same are not named.
+TEST(RowChanges, OfManyScatteredRowsAreTheirsAlone) {
+  std::vector<Digest> before;
+  for (int i = 0; i < 6000; ++i) before.push_back(Sha256::of(std::to_string(i)));
+  std::vector<Digest> after = before;
+  for (std::size_t i = 0; i < after.size(); i += 10) after[i] = Sha256::of("x" + std::to_string(i));
+  const std::vector<RowChange> changes = rowChanges(before, after);
+  ASSERT_EQ(changes.size(), 600U);
+  EXPECT_EQ(changes[1], (RowChange{Kind::changed, 11, 11}));
+  after.push_back(Sha256::of("new"));
+  EXPECT_EQ(rowChanges(before, after).size(), 601U);
+  EXPECT_EQ(rowChanges(after, before).back(), (RowChange{Kind::removed, 6001, 0}));
+}
+
 TEST(RowChanges, AreSaid) {
   EXPECT_EQ(textOf({Kind::changed, 12, 12}), "row 12 was changed");
   EXPECT_EQ(textOf({Kind::changed, 12, 13}), "row 12 was changed, and is row 13 now");

@@ -152,6 +152,11 @@ TEST_F(VerifiedOutput, RefusesManifestsThatAreNotOurs) {
   EXPECT_THAT(withManifest("\"version\": 1", "\"version\": 2"), ElementsAre(HasSubstr("needs to be updated")));
   EXPECT_THAT(withManifest("\"version\": 1", "\"version\": \"1\""),
               ElementsAre("the manifest's \"version\" is not what a manifest has there"));
+  for (const char* const version : {"0", "-1", "1.0", "true"})
+    EXPECT_THAT(withManifest("\"version\": 1", std::string("\"version\": ") + version),
+                ElementsAre("the manifest's \"version\" is not what a manifest has there"))
+        << version;
+  EXPECT_THAT(withManifest("\"version\": 1", "\"version\": 4294967297"), ElementsAre(HasSubstr("needs to be updated")));
   EXPECT_THAT(withManifest("\"version\": 1,", ""), ElementsAre("the manifest has no \"version\""));
   EXPECT_THAT(withManifest("korvel-audit-manifest", "another"), ElementsAre(HasSubstr("is no manifest")));
   for (const char* const name : {"../rows.csv", "/etc/hosts", "a\\\\b", "C:x", "..", ""})
@@ -164,6 +169,43 @@ TEST_F(VerifiedOutput, RefusesManifestsThatAreNotOurs) {
   EXPECT_THAT(withManifest(first, "xyz"), ElementsAre(HasSubstr("is no SHA-256 value")));
   EXPECT_THAT(withManifest(manifest, "[]"), ElementsAre(HasSubstr("is no manifest")));
   EXPECT_THAT(withManifest(manifest, manifest.substr(0, 100)), ElementsAre(HasSubstr("is no JSON")));
+}
+
+/// JSON of any depth is refused, not followed.
+TEST_F(VerifiedOutput, RefusesDeepManifests) {
+  writeProven(file, numberedRows(1));
+  constexpr std::size_t depth = 1'000'000;
+  for (const char* const name : {"output", "rows"})
+    overwrite(manifestOf(file), R"({"format":"korvel-audit-manifest","version":1,")" + std::string(name) + R"(":)" +
+                                    std::string(depth, '[') + std::string(depth, ']') + "}");
+  EXPECT_THAT(findings(), testing::SizeIs(2));
+}
+
+TEST_F(VerifiedOutput, IsMissedInAFolderWithoutItsManifest) {
+  writeProven(file, numberedRows(1));
+  writeProven(folder / "b.csv", numberedRows(1));
+  std::filesystem::remove(manifestOf(file));
+  overwrite(folder / "foreign.sha256", hexText(Sha256::of("")) + "  something\n");
+  EXPECT_THAT(outputsOf(folder.path()), ElementsAre(folder / "b.csv", file));
+}
+
+TEST_F(VerifiedOutput, HasFilesAndNothingElse) {
+  for (const auto& path : {file, manifestOf(file), sumsOf(file)}) {
+    writeProven(file, numberedRows(1));
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path);
+    EXPECT_THAT(findings(), ElementsAre(HasSubstr("is no file"))) << path;
+    std::filesystem::remove(path);
+  }
+  writeProven(file, numberedRows(1));
+  overwrite(sumsOf(file), std::string(100'000, 'x'));
+  EXPECT_THAT(findings(), ElementsAre(HasSubstr("is too large")));
+}
+
+TEST_F(VerifiedOutput, MayHaveNoRows) {
+  writeProven(file, {});
+  EXPECT_THAT(findings(), IsEmpty());
+  EXPECT_EQ(recordedRows(results::ResultList(results::RowFilling::whole)).digest, digestOfRows({}));
 }
 
 TEST_F(VerifiedOutput, IsNotJudgedWhileItIsReplaced) {
