@@ -79,7 +79,7 @@ TEST(RowDigest, OfALongListIsThatOfItsRecords) {
   RowDigester digester(fields);
   for (int i = 0; i < 50'000; ++i) {
     const std::string number = std::to_string(i);
-    const std::vector<Cell> row{{number}, {number.substr(0, 1)}, {{}, i % 7 == 0}, {"same"}};
+    const std::vector<Cell> row{{number}, {std::string_view(number).substr(0, 1)}, {{}, i % 7 == 0}, {"same"}};
     rows.push_back(store->append(row));
     expected.push_back(digester.digestOf(row));
     lines.push_back(hexText(expected.back()) + "\n");
