@@ -178,7 +178,7 @@ class SqlRun {
         connectionString_(db::buildConnectionString(options.server, options.database)),
         err_(err),
         wantsManifest_(options.manifest),
-        manifest_(begunManifest(options.server, options.database)) {}
+        manifest_(options.manifest ? begunManifest(options.server, options.database) : evidence::Manifest{}) {}
 
   /// The target is opened before the query runs: one that cannot be written fails at once.
   int run(std::ostream& out) {

@@ -269,7 +269,9 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
   query::ResultLists lists = query::makeResultLists();
   int status = exitDone;
   const AnsweringServer server;
-  const evidence::Manifest begun = begunManifest(question.server, question.database);
+  // Who the user is may be asked of a directory in the network.
+  const evidence::Manifest begun =
+      question.manifest ? begunManifest(question.server, question.database) : evidence::Manifest{};
   Answered answer;
   const auto manifest = [&] { return manifestOf(question, answer, server.identity(), begun); };
   const auto failure = query::failureOf([&] {
