@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "query/date_slices.h"
+
 namespace korvel::control {
 namespace {
 
@@ -10,27 +12,25 @@ using query::ActivityStep;
 using std::chrono::days;
 using std::chrono::floor;
 using std::chrono::hours;
-using std::chrono::sys_days;
-using std::chrono::year_month_day;
 
-QString digits(unsigned number, int count) {
-  return QStringLiteral("%1").arg(number, count, 10, QLatin1Char('0'));
+/// "2004-03-07 10:00", of which the names below are parts.
+QString timeName(ActivityHour hour) {
+  return QString::fromStdString(query::minuteText(hour));
 }
 
 QString monthName(ActivityHour hour) {
-  const year_month_day date(floor<days>(hour));
-  constexpr int yearDigits = 4;
-  return digits(static_cast<unsigned>(static_cast<int>(date.year())), yearDigits) + QLatin1Char('-') +
-         digits(static_cast<unsigned>(date.month()), 2);
+  constexpr int length = 7;
+  return timeName(hour).left(length);
 }
 
 QString dayName(ActivityHour hour) {
-  const year_month_day date(floor<days>(hour));
-  return monthName(hour) + QLatin1Char('-') + digits(static_cast<unsigned>(date.day()), 2);
+  constexpr int length = 10;
+  return timeName(hour).left(length);
 }
 
 QString hourName(ActivityHour hour) {
-  return digits(static_cast<unsigned>((hour - floor<days>(hour)).count()), 2) + QStringLiteral(":00");
+  constexpr int length = 5;
+  return timeName(hour).right(length);
 }
 
 bool isMidnight(ActivityHour hour) {
@@ -45,7 +45,7 @@ QString fromTo(const QString& from, const QString& to) {
 
 QString beginName(ActivityHour begin, ActivityStep step) {
   if (step == ActivityStep::month) return monthName(begin);
-  return step == ActivityStep::hour ? dayName(begin) + QLatin1Char(' ') + hourName(begin) : dayName(begin);
+  return step == ActivityStep::hour ? timeName(begin) : dayName(begin);
 }
 
 QString spanName(const query::ActivitySpan& span) {
@@ -56,7 +56,7 @@ QString spanName(const query::ActivitySpan& span) {
     if (isMonth) return monthName(span.from);
     return last <= span.from ? dayName(span.from) : fromTo(dayName(span.from), dayName(last));
   }
-  const QString from = dayName(span.from) + QLatin1Char(' ') + hourName(span.from);
+  const QString from = timeName(span.from);
   // The end of a day is said as its own, not as the beginning of the next one.
   const ActivityHour last = span.before - hours(1);
   const QString end = isMidnight(span.before) ? QStringLiteral("24:00") : hourName(span.before);
