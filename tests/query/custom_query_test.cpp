@@ -288,9 +288,20 @@ TEST_F(CustomQueryProgress, AStopIsAStopAlsoWhereTheEngineCallsItAFailure) {
 TEST_F(CustomQueryProgress, AServerThatDoesNotComeBackIsLeftBehind) {
   stopAt = 2;
   environment.pace.grace = 0ms;
+  std::promise<void> begun;
   std::promise<void> answers;
   std::promise<void> closed;
-  server.refusesExecution = [&] { answers.get_future().wait(); };
+  server.refusesExecution = [&] {
+    begun.set_value();
+    answers.get_future().wait();
+  };
+  // A stop before the server has the text would end the worker by itself.
+  progress = [this, &begun, stop = progress](std::size_t rows) {
+    if (!told.empty()) {
+      EXPECT_EQ(begun.get_future().wait_for(20s), std::future_status::ready);
+    }
+    return stop(rows);
+  };
   server.onClose = [&] { closed.set_value(); };
   EXPECT_EQ(run().outcome, CustomOutcome::stopped);
   expectClearedWithColumnsOfBefore();
