@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <chrono>
 
 #include "base/files.h"
 #include "base/paths.h"
+#include "evidence/answer_record.h"
 #include "evidence/origin.h"
 
 namespace korvel::cli {
@@ -25,35 +25,12 @@ std::optional<std::string> manifestProblem(const std::string& output) {
 }
 
 evidence::Manifest begunManifest(const std::string& server, const std::string& database) {
-  evidence::Manifest manifest;
+  evidence::Manifest manifest = evidence::begunRecord(server, database);
   manifest.program = "korvel-audit";
   manifest.programVersion = KORVEL_VERSION;
   manifest.user = evidence::systemUser();
   manifest.computer = evidence::computerName();
-  manifest.begun = evidence::localTimeText(std::chrono::system_clock::now());
-  manifest.source.server = server;
-  manifest.source.database = database;
   return manifest;
-}
-
-void endManifest(evidence::Manifest& manifest) {
-  manifest.ended = evidence::localTimeText(std::chrono::system_clock::now());
-}
-
-query::Connector AnsweringServer::remembering(const query::Connector& connect) const {
-  return [connect, known = known_](std::string_view connectionString, const std::stop_token& stop) {
-    auto connection = connect(connectionString, stop);
-    if (connection) {
-      const std::lock_guard lock(known->mutex);
-      known->identity = connection->identity();
-    }
-    return connection;
-  };
-}
-
-db::ServerIdentity AnsweringServer::identity() const {
-  const std::lock_guard lock(known_->mutex);
-  return known_->identity;
 }
 
 RepeatedNotes::~RepeatedNotes() {

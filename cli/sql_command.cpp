@@ -19,6 +19,7 @@
 #include "db/connection_state.h"
 #include "db/connection_string.h"
 #include "db/worker.h"
+#include "evidence/answer_record.h"
 #include "evidence/recorded_rows.h"
 #include "output/row_writer.h"
 #include "query/audit_record.h"
@@ -248,13 +249,10 @@ class SqlRun {
   }
 
   evidence::Manifest endedManifest() {
-    const db::ServerIdentity identity = server_.identity();
-    manifest_.source.engine = identity.product;
-    manifest_.source.login = identity.login;
     manifest_.question.text = text_;
     if (!choice_.takesAll()) manifest_.question.filters.push_back(choiceText(choice_));
     manifest_.output.format = format_.name;
-    endManifest(manifest_);
+    endRecord(manifest_, server_.identity());
     return manifest_;
   }
 
@@ -271,7 +269,7 @@ class SqlRun {
   std::string connectionString_;
   std::ostream& err_;
   bool wantsManifest_;
-  AnsweringServer server_;
+  evidence::AnsweringServer server_;
   evidence::Manifest manifest_;
 };
 

@@ -12,8 +12,10 @@
 #include "cli/output_target.h"
 #include "db/connection_string.h"
 #include "db/procedure/audit_conditions.h"
+#include "evidence/answer_record.h"
 #include "query/audit_record.h"
 #include "query/complete_query.h"
+#include "query/limit_reached.h"
 #include "query/query_failure.h"
 #include "settings/string_table.h"
 
@@ -95,10 +97,14 @@ void sayNotes(const query::FilterTree& tree, const query::DateRange& range, cons
               std::ostream& err) {
   if (query::alarmsComeFromAllDates(tree.flags(), range))
     err << "note: " << settings::ownText(query::alarmsOfAllDatesText, settings::LanguageOffset{}) << ".\n";
-  if (report.fullResults > 0)
-    err << "note: " << report.fullResults << (report.fullResults == 1 ? " answer holds " : " answers hold ")
-        << db::rowLimitPerResult
-        << " records, the most that the procedure returns; there may be more, which --complete reads.\n";
+  if (const std::size_t count = report.fullResults.size(); count > 0) {
+    std::string reached;
+    for (const std::string& caption : query::limitReached(tree.flags(), report))
+      reached.append(reached.empty() ? "" : ", ").append(caption);
+    err << "note: " << count << (count == 1 ? " answer holds " : " answers hold ") << db::rowLimitPerResult
+        << " records, the most that the procedure returns (" << reached
+        << "); there may be more, which --complete reads.\n";
+  }
 }
 
 query::FilterTree treeOf(const StandardQuestion& question) {
@@ -128,10 +134,8 @@ Answered answered(const StandardQuestion& question, const query::FilterTree& tre
   const bool showsAlarms = question.list <= 1 && query::alarmsComeFromAllDates(tree.flags(), question.range);
   Answered answer{.status = exitDone, .hasRows = true};
   if (showsAlarms) addSentence(answer.remark, settings::ownText(query::alarmsOfAllDatesText, {}));
-  if (report.fullResults > 0) addSentence(answer.remark, settings::ownText(query::rowLimitText, {}));
-  answer.manifest.isComplete = report.fullResults == 0;
-  for (std::size_t i = 0; i < query::standardListCount; ++i)
-    answer.manifest.lists.push_back({std::string(query::pageCaptions[i]), lists[i].rowCount()});
+  if (!report.fullResults.empty()) addSentence(answer.remark, settings::ownText(query::rowLimitText, {}));
+  recordAnswer(answer.manifest, tree.flags(), report, lists);
   if (lists[question.list].rowCount() > 0) return answer;
   say(err, listText(question.list) + " is empty; nothing was written");
   return {exitNoRecords};
@@ -153,7 +157,7 @@ Answered askQuestion(const StandardQuestion& question, const query::Connector& c
   // A file holds the answer or stays as it was: what had come when it was stopped is not written.
   if (whole.report().outcome == query::QueryOutcome::stopped) return {stopped(err)};
   const query::CompletionReport report = whole.fill(lists, question.list);
-  Answered answer = answered(question, tree, {report.outcome, report.failure, 0}, lists, err);
+  Answered answer = answered(question, tree, {report.outcome, report.failure}, lists, err);
   if (report.outcome != query::QueryOutcome::filled) return answer;
   const std::vector<std::string> texts =
       query::completionTexts(report, lists[0].rowCount(), settings::LanguageOffset{}, groupedNumber);
@@ -162,7 +166,7 @@ Answered askQuestion(const StandardQuestion& question, const query::Connector& c
   if (answer.status == exitNoRecords && !report.isComplete()) return {exitIncomplete};
   if (answer.status != exitDone) return answer;
   addSentence(answer.remark, texts.front());
-  answer.manifest.isComplete = report.isComplete();
+  recordAnswer(answer.manifest, report, lists);
   answer.manifest.notes.assign(texts.begin() + 1, texts.end());
   if (!report.isComplete()) answer.status = exitIncomplete;
   return answer;
@@ -177,19 +181,11 @@ evidence::Manifest manifestOf(const StandardQuestion& question, const Answered& 
   manifest.user = begun.user;
   manifest.computer = begun.computer;
   manifest.begun = begun.begun;
-  manifest.source = {question.server, question.database, server.product, server.login};
-  const query::CategoryFlags flags = treeOf(question).flags();
-  for (std::size_t i = 0; i < flags.size(); ++i)
-    if (flags[i]) manifest.question.categories.emplace_back(db::categoryConditions()[i].parameter);
-  if (question.range.DateRangeActive) {
-    manifest.question.from = query::fromDateText(question.range);
-    manifest.question.to = query::toDateText(question.range);
-  }
-  manifest.question.beyondLimit = question.complete;
+  manifest.source = begun.source;
+  recordQuestion(manifest, treeOf(question).flags(), question.range, question.complete);
   manifest.question.list = query::pageCaptions[question.list];
-  manifest.question.text = query::queryAuditsText(flags, question.range);
   if (!answer.remark.empty()) manifest.notes.insert(manifest.notes.begin(), answer.remark);
-  endManifest(manifest);
+  endRecord(manifest, server);
   return manifest;
 }
 
@@ -268,7 +264,7 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
   const Interruption interruption;
   query::ResultLists lists = query::makeResultLists();
   int status = exitDone;
-  const AnsweringServer server;
+  const evidence::AnsweringServer server;
   // Who the user is may be asked of a directory in the network.
   const evidence::Manifest begun =
       question.manifest ? begunManifest(question.server, question.database) : evidence::Manifest{};

@@ -137,6 +137,11 @@ void AnswerStatus::showEmptyTexts() {
   }
 }
 
+const evidence::Manifest* AnswerStatus::record(std::size_t list) const noexcept {
+  const ShownAnswer& answer = list == query::customList ? customAnswer_ : standardAnswer_;
+  return answer.isAnswer() && answer.record ? &*answer.record : nullptr;
+}
+
 ShownAnswer& AnswerStatus::answerOf(AnswerLists lists) noexcept {
   return lists == AnswerLists::custom ? customAnswer_ : standardAnswer_;
 }

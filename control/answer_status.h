@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "evidence/manifest.h"
 #include "query/completion_report.h"
 #include "query/filter_tree.h"
 
@@ -36,6 +37,9 @@ struct ShownAnswer {
     std::size_t records = 0;
   };
   std::optional<Completion> completion = {};
+  /// What was asked, of whom and when, and how many rows came: for the heads of pages and manifests of outputs. Only an
+  /// answer has it.
+  std::optional<evidence::Manifest> record = {};
 
   /// Whether the lists show what was asked, also where that is nothing.
   [[nodiscard]] bool isAnswer() const noexcept {
@@ -89,6 +93,8 @@ class AnswerStatus {
   [[nodiscard]] int standardAnswers() const noexcept { return standardAnswers_; }
   /// What is known of the answer that the standard lists show.
   [[nodiscard]] const ShownAnswer& standardAnswer() const noexcept { return standardAnswer_; }
+  /// The record of the answer that a list shows, counted from 0; null where it shows none.
+  [[nodiscard]] const evidence::Manifest* record(std::size_t list) const noexcept;
 
  private:
   [[nodiscard]] ShownAnswer& answerOf(AnswerLists lists) noexcept;

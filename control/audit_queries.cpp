@@ -7,6 +7,7 @@
 #include <memory>
 #include <utility>
 
+#include "control/answer_record.h"
 #include "control/answer_status.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
@@ -117,8 +118,9 @@ void AuditQueries::TriggerQuery() {
   changeStandardLists([&] { query::clearStandardLists(lists_); });
   DisplayNoOfRecords();
   query::StandardQueryResult whole;
+  const AnswerRecord record;
   const AnswerUse use = runWatched([&](const db::WaitCallback& goOn) {
-    whole = query::executeStandardQuery({filterTree_, range, answer.connectionString}, platform().connect, goOn,
+    whole = query::executeStandardQuery({filterTree_, range, answer.connectionString}, record.connector(), goOn,
                                         platform().queryEnvironment);
   });
   if (use == AnswerUse::controlIsGone) return;
@@ -140,6 +142,7 @@ void AuditQueries::TriggerQuery() {
       break;
     case query::QueryOutcome::noRecords:
       answer.state = AnswerState::nothingFound;
+      answer.record = record.standard(flags, range, report, lists_);
       answers_.setAnswer(AnswerLists::standard, std::move(answer));
       messages_.inform(noRecordsTitle(), loadText(noRecords));
       break;
@@ -156,7 +159,8 @@ void AuditQueries::TriggerQuery() {
     case query::QueryOutcome::filled:
       answer.state = AnswerState::filled;
       answer.alarmsOfAllDates = query::alarmsComeFromAllDates(flags, range);
-      answer.rowLimitReached = report.fullResults > 0;
+      answer.rowLimitReached = !report.fullResults.empty();
+      answer.record = record.standard(flags, range, report, lists_);
       answers_.setAnswer(AnswerLists::standard, std::move(answer));
       break;
   }
@@ -177,6 +181,7 @@ void AuditQueries::LoadAll() {
   const query::FilterTree tree = askedTree_;
   const query::DateRange range = askedRange_;
   query::CompleteAnswer whole;
+  const AnswerRecord record;
   AnswerUse use = AnswerUse::outdated;
   {
     const ui::BusyPointer busy(*services);
@@ -187,7 +192,7 @@ void AuditQueries::LoadAll() {
               ownText("complete.progress").arg(ui::countText(progress.rows), ui::countText(progress.slices)));
         return goOn();
       };
-      whole = query::completeStandardQuery({tree, range, answer.connectionString}, platform().connect, attendance,
+      whole = query::completeStandardQuery({tree, range, answer.connectionString}, record.connector(), attendance,
                                            platform().queryEnvironment);
     });
   }
@@ -221,6 +226,7 @@ void AuditQueries::LoadAll() {
     // A stopped completion can be started again.
     answer.rowLimitReached = report.endedEarly;
     answer.completion = {report, lists_[0].wholeRowCount()};
+    answer.record = record.completed(tree.flags(), range, report, lists_);
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }
@@ -231,6 +237,7 @@ void AuditQueries::LoadAll() {
     answer.state = AnswerState::nothingFound;
     answer.rowLimitReached = false;
     answer.completion.reset();
+    answer.record = record.completed(tree.flags(), range, report, lists_);
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }
@@ -284,12 +291,13 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
   results::ResultList answer(results::RowFilling::whole);
   query::CustomReport report;
   const std::string text = QueryString.toStdString();
+  const AnswerRecord record;
   const AnswerUse use = runWatched([&](const db::WaitCallback& goOn) {
     const query::QueryProgress progress = [&](std::size_t rows) {
       if (alive && rows > 0) surface_.StatusBar1->setStatus(ownText("custom.rowsSoFar").arg(ui::countText(rows)));
       return goOn();
     };
-    report = query::runCustomQuery(text, shown.connectionString, platform().connect, answer, progress,
+    report = query::runCustomQuery(text, shown.connectionString, record.connector(), answer, progress,
                                    platform().queryEnvironment);
   });
   if (use == AnswerUse::controlIsGone) return;
@@ -302,10 +310,12 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
       surface_.lvListView[query::customList]->showSortIcon();
       DisplayNoOfRecords();
       shown.state = AnswerState::filled;
+      shown.record = record.custom(text, model.list().wholeRowCount());
       answers_.setAnswer(AnswerLists::custom, std::move(shown));
       break;
     case query::CustomOutcome::noRecords:
       shown.state = AnswerState::nothingFound;
+      shown.record = record.custom(text, 0);
       answers_.setAnswer(AnswerLists::custom, std::move(shown));
       messages_.inform(noRecordsTitle(), noRecordsText);
       break;

@@ -104,16 +104,18 @@ std::string manifestText(const Manifest& manifest) {
   json["program"] = manifest.program + " " + manifest.programVersion;
   add(json, "user", manifest.user);
   add(json, "computer", manifest.computer);
-  json["begun"] = manifest.begun;
-  json["ended"] = manifest.ended;
+  add(json, "begun", manifest.begun);
+  add(json, "ended", manifest.ended);
+  add(json, "written", manifest.written);
   json["source"] = sourceJson(manifest.source);
-  json["question"] = questionJson(manifest.question);
+  if (!manifest.question.text.empty()) json["question"] = questionJson(manifest.question);
   if (!manifest.lists.empty()) {
     json["lists"] = Json::array();
     for (const Manifest::ListCount& list : manifest.lists)
       json["lists"].push_back({{"caption", list.caption}, {"rows", list.rows}});
   }
   if (manifest.isComplete) json["complete"] = *manifest.isComplete;
+  if (!manifest.limitReached.empty()) json["limitReached"] = manifest.limitReached;
   if (!manifest.notes.empty()) json["notes"] = manifest.notes;
   json["output"] = {{"name", manifest.output.name},
                     {"format", manifest.output.format},

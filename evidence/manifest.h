@@ -55,12 +55,15 @@ struct Manifest {
   std::string computer;
   std::string begun;  ///< local time with its offset
   std::string ended;
+  std::string written;  ///< when the output was complete
   Source source;
   Question question;
   std::vector<ListCount> lists;
   /// Whether the answer to the standard query was whole, before a list was taken and rows were chosen of it; nothing
   /// for a query of the user's own, whose limits nobody knows.
   std::optional<bool> isComplete;
+  /// Where the limit of the procedure was reached: see query::limitReached().
+  std::vector<std::string> limitReached;
   std::vector<std::string> notes;  ///< what a reader would not expect: limits reached, characters replaced
   Output output;
   Rows rows;

@@ -1,5 +1,6 @@
 #include "evidence/proven_file.h"
 
+#include <chrono>
 #include <string>
 
 #include "base/error.h"
@@ -7,6 +8,7 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "base/text.h"
+#include "evidence/origin.h"
 
 namespace korvel::evidence {
 
@@ -64,6 +66,7 @@ void ProvenFile::commit(Manifest manifest) {
   manifest.output.name = utf8FromPath(target_.filename());
   manifest.output.bytes = bytes_;
   manifest.output.sha256 = sum_.finish();
+  manifest.written = localTimeText(std::chrono::system_clock::now());
   const std::string text = manifestText(manifest);
   manifest_.write(text);
   sums_.write(sumsText({{manifest.output.sha256, manifest.output.name},

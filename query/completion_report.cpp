@@ -2,21 +2,9 @@
 
 #include <array>
 
-#include "db/procedure/audit_conditions.h"
 #include "query/filter_tree.h"
 
 namespace korvel::query {
-namespace {
-
-/// The caption of a category in the filter tree, with that of its group, because some captions are those of two.
-std::string categoryCaption(std::size_t category) {
-  for (const FilterNode& node : filterNodes())
-    if (node.argument == category + 1)
-      return std::string(filterNodes().at(node.parent - 1).caption) + " / " + std::string(node.caption);
-  return {};
-}
-
-}  // namespace
 
 std::vector<std::string> completionTexts(const CompletionReport& report, std::size_t records,
                                          const settings::LanguageOffset& language,

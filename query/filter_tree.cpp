@@ -26,6 +26,13 @@ const std::array<FilterNode, filterNodeCount>& filterNodes() noexcept {
   return nodes;
 }
 
+std::string categoryCaption(std::size_t category) {
+  for (const FilterNode& node : nodes)
+    if (node.argument == category + 1)
+      return std::string(nodes.at(node.parent - 1).caption) + " / " + std::string(node.caption);
+  return {};
+}
+
 void FilterTree::setChecked(NodeIndex node, bool checked) {
   checked_.at(node.value - 1) = checked;
   const bool isRoot = nodes[node.value - 1].parent == 0;

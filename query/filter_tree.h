@@ -3,6 +3,7 @@
 #include <array>
 #include <bitset>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "db/procedure/audit_conditions.h"
@@ -30,6 +31,10 @@ inline constexpr std::size_t filterNodeCount = 13;
 using CategoryFlags = std::bitset<db::categoryCount>;
 /// The alarms' place among them, counted from 0.
 inline constexpr std::size_t alarmsCategory = 1;
+
+/// The caption of a category, counted from 0, with that of its group, because some captions are those of two:
+/// "Configuration / Alarms".
+[[nodiscard]] std::string categoryCaption(std::size_t category);
 
 /// The check state of the filter tree, free of any widget.
 class FilterTree {

@@ -74,7 +74,7 @@ class StandardQueryResult::Sink final : public db::ResultSink {
     rows_[0].push_back(id);
     if (auditType_ && *auditType_ < cells.size())
       if (const auto list = listOfStoredAuditType(cells[*auditType_].text)) rows_[*list].push_back(id);
-    if (++rowsOfResult_ == db::rowLimitPerResult) ++fullResults_;
+    if (++rowsOfResult_ == db::rowLimitPerResult) fullResults_.push_back(resultCount_ - 1);
     return true;
   }
 
@@ -85,7 +85,8 @@ class StandardQueryResult::Sink final : public db::ResultSink {
 
   [[nodiscard]] bool firstResultEmpty() const noexcept { return firstResultEmpty_; }
   [[nodiscard]] bool hasRows() const noexcept { return !rows_[0].empty(); }
-  [[nodiscard]] std::size_t fullResults() const noexcept { return fullResults_; }
+  [[nodiscard]] const std::vector<std::size_t>& fullResults() const noexcept { return fullResults_; }
+  [[nodiscard]] std::size_t resultCount() const noexcept { return resultCount_; }
 
   /// Nothing more comes: waits until every row is stored. Throws Error where one could not be.
   void finish() { filler_.finish(); }
@@ -106,7 +107,7 @@ class StandardQueryResult::Sink final : public db::ResultSink {
   std::optional<std::size_t> auditType_;
   std::size_t resultCount_ = 0;
   std::size_t rowsOfResult_ = 0;
-  std::size_t fullResults_ = 0;
+  std::vector<std::size_t> fullResults_;
   bool firstResultEmpty_ = false;
 };
 
@@ -117,7 +118,7 @@ StandardQueryResult& StandardQueryResult::operator=(StandardQueryResult&&) noexc
 StandardQueryResult::~StandardQueryResult() = default;
 
 StandardQueryResult StandardQueryResult::stopped() {
-  return StandardQueryResult({QueryOutcome::stopped, std::nullopt, 0});
+  return StandardQueryResult({QueryOutcome::stopped, std::nullopt});
 }
 
 QueryReport StandardQueryResult::fill(ResultLists& lists, std::size_t currentList) {
@@ -130,7 +131,7 @@ QueryReport StandardQueryResult::fill(ResultLists& lists, std::size_t currentLis
   sink_.reset();
   if (!unfilled) return report_;
   clearStandardLists(lists);
-  return {QueryOutcome::failed, unfilled, 0};
+  return {QueryOutcome::failed, unfilled};
 }
 
 void clearStandardLists(ResultLists& lists) noexcept {
@@ -139,7 +140,7 @@ void clearStandardLists(ResultLists& lists) noexcept {
 
 StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, const Connector& connect,
                                          const db::WaitCallback& onWait, const QueryEnvironment& environment) {
-  if (!question.tree.anyRootChecked()) return StandardQueryResult({QueryOutcome::noCriteria, std::nullopt, 0});
+  if (!question.tree.anyRootChecked()) return StandardQueryResult({QueryOutcome::noCriteria, std::nullopt});
 
   bool stopped = false;
   std::optional<StandardQueryResult> answer;
@@ -158,9 +159,9 @@ StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, c
         whole.sink_->finish();
       });
       const bool noRecords = whole.sink_ && (whole.sink_->firstResultEmpty() || (!failure && !whole.sink_->hasRows()));
-      if (noRecords) return StandardQueryResult({QueryOutcome::noRecords, std::nullopt, 0});
-      if (failure) return StandardQueryResult({QueryOutcome::failed, failure, 0});
-      whole.report_ = {QueryOutcome::filled, std::nullopt, whole.sink_->fullResults()};
+      if (noRecords) return StandardQueryResult({QueryOutcome::noRecords, std::nullopt});
+      if (failure) return StandardQueryResult({QueryOutcome::failed, failure});
+      whole.report_ = {QueryOutcome::filled, std::nullopt, whole.sink_->fullResults(), whole.sink_->resultCount()};
       return whole;
     };
     db::WaitCallback noted;
@@ -171,7 +172,7 @@ StandardQueryResult executeStandardQuery(const StandardQueryRequest& question, c
       };
     answer = db::runOnWorker(work, noted, environment.pace);
   });
-  if (broken) return StandardQueryResult({QueryOutcome::failed, broken, 0});
+  if (broken) return StandardQueryResult({QueryOutcome::failed, broken});
   if (stopped || !answer) return StandardQueryResult::stopped();
   return std::move(*answer);
 }

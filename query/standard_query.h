@@ -8,6 +8,7 @@
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/error.h"
 #include "db/connection.h"
@@ -51,9 +52,11 @@ struct QueryReport {
   QueryOutcome outcome = QueryOutcome::failed;
   /// Why it failed, for callers that may say so (the control itself stays silent).
   std::optional<Error> failure;
-  /// How many result sets came with as many rows as the procedure returns at most (db::rowLimitPerResult): the server
-  /// may hold more rows of those categories.
-  std::size_t fullResults = 0;
+  /// The result sets, counted from 0, that came with as many rows as the procedure returns at most
+  /// (db::rowLimitPerResult): the server may hold more rows of those categories. limitReached() names them.
+  std::vector<std::size_t> fullResults = {};
+  /// How many result sets came.
+  std::size_t resultCount = 0;
 };
 
 /// Lists 0..5 of one control.

@@ -43,7 +43,7 @@ TEST_F(ManifestOption, SaysWhatWasAskedOfWhom) {
   const json told = manifest();
   EXPECT_EQ(told["source"]["server"], "AUDITSRV");
   EXPECT_EQ(told["source"]["database"], "D");
-  EXPECT_THAT(told["question"]["categories"], ElementsAre("Alarms"));
+  EXPECT_THAT(told["question"]["categories"], ElementsAre("Configuration / Alarms"));
   EXPECT_EQ(told["question"]["from"], "2004-03-07 00:00:00.000");
   EXPECT_EQ(told["question"]["to"], "2004-03-09 23:59:59.999");
   EXPECT_THAT(std::string(told["question"]["text"]), testing::StartsWith("QueryAudits 'False','True','False'"));
@@ -56,6 +56,8 @@ TEST_F(ManifestOption, SaysWhatWasAskedOfWhom) {
   EXPECT_EQ(told["output"]["sha256"], hexText(Sha256::of(readFile(file))));
   EXPECT_EQ(told["output"]["bytes"], readFile(file).size());
   EXPECT_EQ(told["complete"], true);
+  EXPECT_FALSE(told.contains("limitReached"));
+  EXPECT_TRUE(told.contains("written"));
   const test::ToolRun verified = verify();
   EXPECT_EQ(verified.status, 0);
   EXPECT_EQ(verified.out, utf8FromPath(file) + ": unchanged\n");
@@ -66,6 +68,7 @@ TEST_F(ManifestOption, SaysThatAnAnswerReachedTheLimit) {
   server.answer[0].rows.resize(5000);
   ASSERT_EQ(write({"query", "--format", "csv"}).status, 0);
   EXPECT_EQ(manifest()["complete"], false);
+  EXPECT_THAT(manifest()["limitReached"], ElementsAre("ALL Audits"));
   EXPECT_THAT(std::string(manifest()["notes"][0]), HasSubstr("5000-row limit"));
 }
 

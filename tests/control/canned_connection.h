@@ -33,6 +33,7 @@ struct CannedServer {
   std::vector<std::string> connectionStrings;
   std::vector<std::string> commands;
   int openConnections = 0;
+  db::ServerIdentity identity;
   /// Answers in the place of the result sets.
   std::function<void(db::ResultSink&)> answer;
 
@@ -66,6 +67,7 @@ class CannedConnection final : public db::Connection {
     }
     if (server_.failure) throw Error(*server_.failure);
   }
+  [[nodiscard]] db::ServerIdentity identity() const override { return server_.identity; }
 
  private:
   CannedServer& server_;

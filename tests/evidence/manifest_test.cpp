@@ -20,6 +20,7 @@ TEST(ManifestText, SaysWhatWasAskedAndWhatCame) {
                        "ALL Audits", "QueryAudits '0'", {"Event=UPDATE"}, "Entry ID"};
   manifest.lists = {{"ALL Audits", 12}};
   manifest.isComplete = false;
+  manifest.limitReached = {"Configuration / Alarms"};
   manifest.notes = {"the limit was reached"};
   manifest.output = {"rows.csv", "csv", 1234, Sha256::of("file")};
   manifest.rows = {{"EntryID"}, Sha256::of("all"), {Sha256::of("1"), Sha256::of("2")}};
@@ -28,7 +29,8 @@ TEST(ManifestText, SaysWhatWasAskedAndWhatCame) {
        {R"("format": "korvel-audit-manifest")", R"("version": 1)", R"("program": "korvel-audit 1.0.0")",
         R"("user": "Małgorzata")", R"("server": "AUDITSRV")", R"("engine": "SQLite 3.40.1")", R"("from": "2004-04-01")",
         R"("beyondLimit": true)", R"("text": "QueryAudits '0'")", R"("sortedBy": "Entry ID")", R"("rows": 12)",
-        R"("complete": false)", R"("bytes": 1234)", R"("count": 2)"})
+        R"("complete": false)", R"("limitReached": [)", R"("Configuration / Alarms")", R"("bytes": 1234)",
+        R"("count": 2)"})
     EXPECT_THAT(text, HasSubstr(part));
   EXPECT_THAT(text, HasSubstr(hexText(Sha256::of("QueryAudits '0'"))));
   EXPECT_THAT(text, testing::Not(HasSubstr("login")));

@@ -243,9 +243,11 @@ TEST_F(StandardQuery, ConnectionIsClosedBeforeAListIsFilled) {
 TEST_F(StandardQuery, ReportsResultSetsThatTheServerMayHaveCut) {
   std::vector<test::ScriptedRow> rows(db::rowLimitPerResult, auditRow("1", "CS"));
   server.answer = {resultOf(rows), resultOf({auditRow("2", "DC")}), resultOf(rows)};
-  EXPECT_EQ(run().fullResults, 2U);
+  const QueryReport report = run();
+  EXPECT_THAT(report.fullResults, testing::ElementsAre(0U, 2U));
+  EXPECT_EQ(report.resultCount, 3U);
   server.answer = {resultOf({rows.begin() + 1, rows.end()})};
-  EXPECT_EQ(run().fullResults, 0U);
+  EXPECT_THAT(run().fullResults, testing::IsEmpty());
 }
 
 struct FailingQuery : StandardQuery {
