@@ -1,7 +1,9 @@
 #include "evidence/proven_file.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "base/error.h"
 #include "base/files.h"
@@ -44,13 +46,55 @@ fs::path withReplaceableCompanions(const fs::path& target) {
   return target;
 }
 
+/// What stood in the place of a file that is replaced. Comes back when the object goes, unless it is obsolete by then.
+class EarlierFile {
+ public:
+  EarlierFile(fs::path place, SymlinkPolicy symlinks) : place_(std::move(place)), symlinks_(symlinks) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(files::symlinkStatus(place_, ignored))) return;
+    try {
+      bytes_ = readFile(place_);
+    } catch (const Error&) {  // NOLINT(bugprone-empty-catch): what nobody may read cannot come back
+    }
+  }
+  ~EarlierFile() {
+    if (!comesBack_) return;
+    try {
+      // Memory may have run out too.
+      if (bytes_ && putBack()) return;
+    } catch (...) {  // NOLINT(bugprone-empty-catch): the new file goes
+    }
+    std::error_code ignored;
+    files::remove(place_, ignored);
+  }
+  EarlierFile(const EarlierFile&) = delete;
+  EarlierFile& operator=(const EarlierFile&) = delete;
+
+  void isReplaced() noexcept { comesBack_ = true; }
+  void isObsolete() noexcept { comesBack_ = false; }
+
+ private:
+  bool putBack() const {
+    AtomicFile file(place_, symlinks_);
+    file.write(*bytes_);
+    file.commit();
+    return true;
+  }
+
+  fs::path place_;
+  SymlinkPolicy symlinks_;
+  std::optional<std::string> bytes_;
+  bool comesBack_ = false;
+};
+
 }  // namespace
 
-ProvenFile::ProvenFile(const fs::path& target)
+ProvenFile::ProvenFile(const fs::path& target, SymlinkPolicy symlinks)
     : target_(withReplaceableCompanions(target)),
-      output_(target),
-      manifest_(manifestOf(target)),
-      sums_(sumsOf(target)) {
+      symlinks_(symlinks),
+      output_(target, symlinks),
+      manifest_(manifestOf(target), symlinks),
+      sums_(sumsOf(target), symlinks) {
   // JSON could not name it.
   if (!isValidUtf8(utf8FromPath(target.filename())))
     throw Error(unspecifiedFailure, "a file with a manifest needs a name in UTF-8");
@@ -74,16 +118,15 @@ void ProvenFile::commit(Manifest manifest) {
   output_.sync();
   manifest_.sync();
   sums_.sync();
+  EarlierFile sums(sumsOf(target_), symlinks_);
+  EarlierFile described(manifestOf(target_), symlinks_);
+  sums_.commit();
+  sums.isReplaced();
+  manifest_.commit();
+  described.isReplaced();
   output_.commit();
-  try {
-    manifest_.commit();
-    sums_.commit();
-  } catch (const Error& error) {
-    // Older ones would say that the new file was changed.
-    std::error_code ignored;
-    for (const fs::path& older : {manifestOf(target_), sumsOf(target_)}) files::remove(older, ignored);
-    throw Error(error.number(), utf8FromPath(target_) + " was written, and has no manifest: " + error.description());
-  }
+  described.isObsolete();
+  sums.isObsolete();
 }
 
 }  // namespace korvel::evidence

@@ -19,14 +19,18 @@ namespace korvel::evidence {
 class ProvenFile {
  public:
   /// Throws Error with the system's error number where one of the three cannot be written.
-  explicit ProvenFile(const std::filesystem::path& target);
+  explicit ProvenFile(const std::filesystem::path& target, SymlinkPolicy symlinks = SymlinkPolicy::follow);
 
   void write(std::string_view bytes);
-  /// `manifest` says all but the output's name, size and sum.
+  /// `manifest` says all but the output's name, size and sum, and when it was written. Where one of the three cannot be
+  /// put in its place, all that was there before stays or comes back, and Error is thrown. Where the program ends in
+  /// between, verifyOutput() notices it: the sums come first and the output last, so that no older manifest ever stands
+  /// beside a newer output.
   void commit(Manifest manifest);
 
  private:
   std::filesystem::path target_;
+  SymlinkPolicy symlinks_;
   AtomicFile output_;
   AtomicFile manifest_;
   AtomicFile sums_;

@@ -140,7 +140,7 @@ class Checked {
         sums->at(1).name != nameOf(manifestOf(output_)))
       return found(name + " was cut or changed: it does not hold the two lines that were written");
     if (sums->at(1).sha256 != Sha256::of(manifest))
-      found("the manifest was changed: its SHA-256 is not the one in " + name);
+      found("the manifest was changed, or writing the files was interrupted: its SHA-256 is not the one in " + name);
     sumOfOutput_ = sums->at(0).sha256;
   }
 
