@@ -8,6 +8,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "query/audit_record.h"
+#include "query/plant_time.h"
 #include "results/date_text.h"
 #include "results/memory_watch.h"
 
@@ -120,7 +121,7 @@ std::vector<ItemHistory> itemHistories(const ResultList& list, const ItemColumns
     for (const RowId record : list.wholeRows()) {
       if (passing[record.value] == 0) continue;
       const std::string_view time = list.textOf(record, columns.time);
-      const bool isStandardTime = summerTime && trimBlanks(list.store()->cell(record, *summerTime).text) != "1";
+      const bool isStandardTime = summerTime && seasonOf(list.store()->cell(record, *summerTime)) != Season::summer;
       Row row{{},   results::datePart(time, results::DatePart::hour), isStandardTime,
               time, list.textOf(record, columns.entryNumber),         record};
       for (std::size_t i = 0; i < row.identity.size(); ++i)
