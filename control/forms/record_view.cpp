@@ -59,6 +59,19 @@ QLayout* below(std::initializer_list<QWidget*> widgets) {
   return stack;
 }
 
+/// What is known of a time stamp, in sentences.
+QString timeText(const std::optional<query::PlantTime>& time) {
+  using query::Season;
+  using Shown = query::PlantTime::Shown;
+  if (!time) return {};
+  if (time->offset) return ownText("record.timeWithOffset").arg(fromUtf8(query::offsetText(*time->offset)));
+  const QString text = ownText(time->season == Season::summer     ? "record.timeSummer"
+                               : time->season == Season::standard ? "record.timeStandard"
+                                                                  : "record.timeUnknown");
+  if (time->shown == Shown::unknown) return text;
+  return text + QLatin1String(". ") + ownText(time->shown == Shown::first ? "record.timeFirst" : "record.timeSecond");
+}
+
 }  // namespace
 
 RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScrollArea(this), "areaFields")) {
@@ -140,6 +153,7 @@ void RecordView::follow(ResultListView& list) {
   for (const QMetaObject::Connection& connection : connections_) disconnect(connection);
   connections_.clear();
   list_ = &list;
+  times_.emplace(list.listModel().list().sharedStore());
   const QAbstractItemModel* const model = &list.listModel();
   connections_ = {
       // Its record is not in the list any more.
@@ -286,15 +300,23 @@ void RecordView::fill() {
     // The record as it is stored: blanks around it, leading zeros and a byte order mark belong to it.
     field.value->setValue(QStringView(utf16FromUtf8(cell.text)).toString(),
                           ownText(cell.isNull ? "record.null" : "record.empty"));
-    field.note->setVisible(field.value->isCut());
-    if (field.value->isCut())
-      field.note->setText(ownText("record.cut")
-                              .arg(countText(static_cast<std::size_t>(field.value->shown())),
-                                   countText(static_cast<std::size_t>(field.value->value().size()))));
+    const QString note = noteOn(i, id);
+    field.note->setVisible(!note.isEmpty());
+    field.note->setText(note);
+    field.value->setAccessibleDescription(note);
   }
   if (comparison_)
     comparison_->show(store.cell(id, ColumnIndex{pair_->before}), store.cell(id, ColumnIndex{pair_->after}));
   fillFoot();
+}
+
+QString RecordView::noteOn(std::size_t place, results::RowId record) {
+  const ValueField& value = *fields_[place].value;
+  if (value.isCut())
+    return ownText("record.cut")
+        .arg(countText(static_cast<std::size_t>(value.shown())),
+             countText(static_cast<std::size_t>(value.value().size())));
+  return times_ && times_->stampColumn(record) == place ? timeText(times_->of(record)) : QString();
 }
 
 void RecordView::fillFoot() {

@@ -8,6 +8,7 @@
 
 #include "control/forms/value_comparison.h"
 #include "control/result_list_view.h"
+#include "query/plant_time.h"
 
 class QBoxLayout;
 class QLabel;
@@ -51,7 +52,7 @@ class RecordView final : public QDialog {
     QString caption;
     QLabel* label = nullptr;
     ValueField* value = nullptr;
-    QLabel* note = nullptr;  ///< says that a very long value is cut
+    QLabel* note = nullptr;  ///< says that a very long value is cut, or what a time stamp is
     bool isNull = false;
   };
   /// The fields that are compared, by their places in the record.
@@ -67,6 +68,8 @@ class RecordView final : public QDialog {
   void follow(ResultListView& list);
   void step(int by);
   void fill();
+  /// What is said under the value of a field; empty for nothing.
+  [[nodiscard]] QString noteOn(std::size_t place, results::RowId record);
   void fillFoot();
   /// Gives the form a place for each of these fields.
   void arrangeFields(const std::vector<QString>& captions, std::optional<Pair> pair);
@@ -83,6 +86,7 @@ class RecordView final : public QDialog {
   std::vector<Field> fields_;
   std::optional<Pair> pair_;
   std::optional<ValueComparison> comparison_;
+  std::optional<query::PlantTimes> times_;
   QBoxLayout* sides_ = nullptr;  ///< old and new value, while there are any
 
   QScrollArea* area_;
