@@ -41,13 +41,35 @@ Json questionJson(const Manifest::Question& question) {
   return json;
 }
 
+Json stampsJson(const Manifest::Stamps& stamps) {
+  Json json = Json::object();
+  json["column"] = stamps.column;
+  json["clock"] = stamps.withOffset == 0              ? "local time of the plant; its offset from UTC is not recorded"
+                  : stamps.withOffset == stamps.count ? "each with its offset from UTC"
+                                                      : "local time of the plant; some with their offset from UTC";
+  if (!stamps.flag.empty()) {
+    json["summerTimeColumn"] = stamps.flag;
+    json["summerTimeValues"] = "1 or true: summer time; 0 or false: standard time";
+  }
+  for (const Manifest::Stamps::Twice& twice : stamps.shownTwice)
+    json["shownTwice"].push_back({{"from", twice.from}, {"to", twice.to}});
+  return json;
+}
+
+Json digestsJson(const std::vector<Digest>& digests) {
+  Json json = Json::array();
+  for (const Digest& each : digests) json.push_back(hexText(each));
+  return json;
+}
+
 Json rowsJson(const Manifest::Rows& rows) {
-  Json each = Json::array();
-  for (const Digest& row : rows.each) each.push_back(hexText(row));
-  return {{"columns", rows.columns},
-          {"count", rows.each.size()},
-          {"digest", hexText(rows.digest)},
-          {"each", std::move(each)}};
+  Json json = {{"columns", rows.columns}};
+  if (rows.stamps) json["stamps"] = stampsJson(*rows.stamps);
+  json["count"] = rows.each.size();
+  json["digest"] = hexText(rows.digest);
+  json["each"] = digestsJson(rows.each);
+  if (!rows.cells.empty()) json["cells"] = digestsJson(rows.cells);
+  return json;
 }
 
 [[noreturn]] void refuse(const std::string& why) {
@@ -148,7 +170,10 @@ RecordedOutput readManifest(std::string_view text) {
   recorded.rows.columns = textsMember(rows, "columns");
   recorded.rows.digest = digestOf(textMember(rows, "digest"), "digest");
   for (const std::string& row : textsMember(rows, "each")) recorded.rows.each.push_back(digestOf(row, "each"));
-  if (numberMember(rows, "count") != recorded.rows.each.size())
+  if (rows.contains("cells"))
+    for (const std::string& row : textsMember(rows, "cells")) recorded.rows.cells.push_back(digestOf(row, "cells"));
+  if (numberMember(rows, "count") != recorded.rows.each.size() ||
+      (!recorded.rows.cells.empty() && recorded.rows.cells.size() != recorded.rows.each.size()))
     refuse("the manifest's number of rows is not that of its rows' SHA-256 values");
   return recorded;
 }

@@ -18,6 +18,7 @@
 #include "evidence/recorded_rows.h"
 #include "evidence/row_changes.h"
 #include "evidence/row_readers.h"
+#include "evidence/workbook_rows.h"
 
 namespace korvel::evidence {
 
@@ -169,10 +170,32 @@ class Checked {
   }
 
   void compareRows(const std::optional<FileState>& summed) {
-    const auto read = recorded_.output.format == "csv"    ? &readCsvRows
-                      : recorded_.output.format == "json" ? &readJsonRows
-                                                          : nullptr;
-    if (read == nullptr) return;
+    const std::string& format = recorded_.output.format;
+    if (format == "csv") return compareRows(summed, recorded_.rows.each, readCsvRows);
+    if (format == "json") return compareRows(summed, recorded_.rows.each, readJsonRows);
+    if (format != "xlsx") return;
+    // A number, a date or an empty cell is not in each case the text that is stored: its rows have digests of their
+    // own.
+    if (recorded_.rows.cells.size() != recorded_.rows.each.size())
+      return found(
+          "its rows cannot be named: the manifest has no SHA-256 values of rows as a workbook's cells hold them");
+    constexpr std::size_t rowsTooMany = 1'000'000;
+    WorkbookLimits limits;
+    limits.rows = recorded_.rows.cells.size() + rowsTooMany;
+    compareRows(summed, recorded_.rows.cells,
+                [&](std::string_view bytes, const RowTaker& take) { readWorkbookRows(bytes, take, limits); });
+  }
+
+  /// The names under which rows of the output are digested.
+  std::vector<std::string> recordedNames() const {
+    if (recorded_.output.format != "xlsx") return recorded_.rows.columns;
+    std::vector<db::Field> fields;
+    for (const std::string& column : recorded_.rows.columns) fields.push_back({column});
+    return digestedNames(CellDigester::readBackFields(fields));
+  }
+
+  template <typename Read>
+  void compareRows(const std::optional<FileState>& summed, const std::vector<Digest>& written, const Read& read) {
     RowRecorder recorder;
     std::vector<std::string> begun;
     bool hasBegun = false;
@@ -193,9 +216,13 @@ class Checked {
       unreadable = error.description();
     }
     const Manifest::Rows rows = recorder.take();
-    if (hasBegun && rows.columns != recorded_.rows.columns) found("the names of its columns were changed");
-    if (unreadable) found(*unreadable + "; rows are compared as far as they can be read");
-    tell(rowChanges(recorded_.rows.each, rows.each));
+    if (hasBegun && rows.columns != recordedNames()) found("the names of its columns were changed");
+    if (unreadable) {
+      // Of a packed file that cannot be read at all, to name each row as missing would say nothing.
+      if (!hasBegun && recorded_.output.format == "xlsx") return found(*unreadable + "; its rows cannot be read");
+      found(*unreadable + "; rows are compared as far as they can be read");
+    }
+    tell(rowChanges(written, rows.each));
   }
 
   void tell(const std::vector<RowChange>& changes) {

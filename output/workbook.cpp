@@ -9,13 +9,12 @@
 #include <utility>
 
 #include "base/files.h"
-#include "base/numbers.h"
 #include "base/system_errors.h"
 #include "base/text.h"
 #include "output/export_file.h"
 #include "output/temporary_file.h"
 #include "output/terminal_text.h"
-#include "output/typed_value.h"
+#include "output/workbook_cell.h"
 
 namespace korvel::output {
 
@@ -23,7 +22,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t mostUnits = 32'767;
 constexpr std::size_t mostColumns = 16'384;
 constexpr std::size_t keptLosses = 100;
 constexpr std::size_t longestSheetName = 31;
@@ -44,65 +42,6 @@ constexpr const char* dateFormat = "yyyy-mm-dd hh:mm:ss.000";
 struct CloseFile {
   void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
 };
-
-/// Cuts UTF-8 text to the units that a cell holds; whether there was something to cut.
-bool cutToUnits(std::string& text) {
-  if (text.size() <= mostUnits) return false;  // no character has more units than bytes
-  std::size_t units = 0;
-  for (std::string_view rest = text; !rest.empty();) {
-    const std::size_t at = text.size() - rest.size();
-    const auto character = takeCodePoint(rest);
-    constexpr char32_t firstOfTwoUnits = 0x10000;
-    units += character && *character >= firstOfTwoUnits ? 2U : 1U;
-    if (units > mostUnits) {
-      text.resize(at);
-      return true;
-    }
-  }
-  return false;
-}
-
-/// Makes `text` what XML can carry and a C string can hold; whether it was something else.
-bool makeText(std::string& text) {
-  constexpr std::string_view replacement = "\xEF\xBF\xBD";
-  const auto contains = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
-  bool changed = false;
-  if (!isValidUtf8(text)) {
-    text = replaceInvalidUtf8(text);
-    changed = true;
-  }
-  for (const std::string_view refused :
-       {std::string_view("\0", 1), std::string_view("\xEF\xBF\xBE"), std::string_view("\xEF\xBF\xBF")})
-    if (contains(refused)) {
-      text = replaceAll(std::move(text), refused, replacement);
-      changed = true;
-    }
-  return changed;
-}
-
-/// Whether the four bytes from `at` on are hexadecimal digits.
-bool isCodeAt(std::string_view text, std::size_t at) noexcept {
-  constexpr std::size_t digits = 4;
-  const std::string_view code = at + digits <= text.size() ? text.substr(at, digits) : std::string_view{};
-  return !code.empty() && std::all_of(code.begin(), code.end(), [](char c) { return hexDigitValue(c).has_value(); });
-}
-
-/// Readers take _x0041_ for the character of that code, also where a value holds just these seven characters. The code
-/// of the underscore before it keeps it what it is. A control character is written as such a code, so it ends one, too.
-void keepWhatLooksLikeACode(std::string& text) {
-  constexpr std::string_view beginning = "_x";
-  constexpr std::size_t end = 6;  // of _x0041, without what closes it
-  std::string kept;
-  std::size_t taken = 0;
-  for (auto at = text.find(beginning); at != std::string::npos; at = text.find(beginning, at + 1)) {
-    if (!isCodeAt(text, at + beginning.size()) || at + end >= text.size()) continue;
-    const char last = text[at + end];
-    if (last != '_' && static_cast<unsigned char>(last) >= ' ') continue;
-    kept.append(text, taken, at - taken).append("_x005F_");
-    taken = at + 1;
-  }
-  if (taken > 0) text = kept.append(text, taken);
-}
 
 /// A name that sheets may have, at most `length` characters of `text`.
 std::string sheetName(const std::string& text, std::size_t number) {
@@ -192,7 +131,10 @@ struct Workbook::Impl {
       check(worksheet_set_column(sheet, column, column, isDate ? dateColumnWidth : columnWidth, nullptr));
     }
     nextRow = 0;
-    for (std::size_t i = 0; i < fields.size(); ++i) writeText(i, fields[i].name, headerFormat);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      cell.assignText(fields[i].name);
+      writeText(i, headerFormat);
+    }
     ++nextRow;
   }
 
@@ -201,35 +143,27 @@ struct Workbook::Impl {
     ++summary.lossCount;
   }
 
-  void writeText(std::size_t column, std::string_view value, lxw_format* format) {
-    text.assign(value);
-    if (makeText(text)) lost(WorkbookLoss::Kind::notText, column);
-    keepWhatLooksLikeACode(text);
-    if (cutToUnits(text)) lost(WorkbookLoss::Kind::tooLong, column);
-    check(worksheet_write_string(sheet, nextRow, static_cast<lxw_col_t>(column), text.c_str(), format));
+  void writeText(std::size_t column, lxw_format* format) {
+    if (cell.wasNoText()) lost(WorkbookLoss::Kind::notText, column);
+    if (cell.wasCut()) lost(WorkbookLoss::Kind::tooLong, column);
+    check(worksheet_write_string(sheet, nextRow, static_cast<lxw_col_t>(column), cell.text().c_str(), format));
   }
 
-  void write(std::size_t column, const db::Cell& cell) {
-    if (cell.isNull || cell.text.empty()) return;
+  void write(std::size_t column, const db::Cell& value) {
     const auto at = static_cast<lxw_col_t>(column);
-    switch (fields[column].kind) {
-      case db::ColumnKind::number:
-        if (const auto number = losslessNumber(cell.text))
-          return check(worksheet_write_number(sheet, nextRow, at, *number, nullptr));
-        break;
-      case db::ColumnKind::dateTime:
-        if (const auto date = spreadsheetDate(cell.text))
-          return check(worksheet_write_number(sheet, nextRow, at, *date, dateTimeFormat));
-        break;
-      case db::ColumnKind::boolean:
-        if (const auto value = booleanFrom(cell.text))
-          return check(worksheet_write_boolean(sheet, nextRow, at, *value ? 1 : 0, nullptr));
-        break;
-      case db::ColumnKind::text:
-      case db::ColumnKind::binary:
-        break;
+    cell.assign(fields[column].kind, value);
+    switch (cell.kind()) {
+      case WorkbookCell::Kind::empty:
+        return;
+      case WorkbookCell::Kind::number:
+        return check(worksheet_write_number(sheet, nextRow, at, cell.number(), nullptr));
+      case WorkbookCell::Kind::date:
+        return check(worksheet_write_number(sheet, nextRow, at, cell.number(), dateTimeFormat));
+      case WorkbookCell::Kind::boolean:
+        return check(worksheet_write_boolean(sheet, nextRow, at, cell.number() != 0 ? 1 : 0, nullptr));
+      case WorkbookCell::Kind::text:
+        return writeText(column, nullptr);
     }
-    writeText(column, cell.text, nullptr);
   }
 
   std::string name;
@@ -246,7 +180,7 @@ struct Workbook::Impl {
   off_t largestSheet = 0;  ///< bytes of its rows
   std::size_t result = 0;
   std::size_t rowOfResult = 0;
-  std::string text;
+  WorkbookCell cell;  ///< that is written
   WorkbookSummary summary;
 };
 
@@ -310,20 +244,24 @@ WorkbookSummary Workbook::finish(const ByteSink& sink) {
   return std::move(book.summary);
 }
 
+std::vector<db::Field> workbookFields(const results::ResultList& list) {
+  std::vector<db::Field> captions;
+  if (list.store() == nullptr || list.rowCount() == 0) {
+    for (const results::ColumnHeader& column : list.columns()) captions.push_back({column.caption});
+    return captions;
+  }
+  std::span<const db::Field> fields;
+  for (std::size_t row = 0; row < list.rowCount(); ++row)
+    if (const auto each = list.store()->fieldsOf(list.rowId({row})); each.size() > fields.size()) fields = each;
+  return {fields.begin(), fields.end()};
+}
+
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,
                               const RowProgress& progress, std::string_view remark) {
   Workbook book(std::move(name));
   book.setRemark(remark);
   const results::RowStore* store = list.store();
-  std::span<const db::Field> fields;
-  std::vector<db::Field> captions;
-  if (store == nullptr || list.rowCount() == 0) {
-    for (const results::ColumnHeader& column : list.columns()) captions.push_back({column.caption});
-    fields = captions;
-  } else {
-    for (std::size_t row = 0; row < list.rowCount(); ++row)
-      if (const auto each = store->fieldsOf(list.rowId({row})); each.size() > fields.size()) fields = each;
-  }
+  const std::vector<db::Field> fields = workbookFields(list);
   book.beginResult(fields);
   std::vector<db::Cell> cells(fields.size());
   for (std::size_t row = 0; row < list.rowCount(); ++row) {

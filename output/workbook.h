@@ -65,6 +65,8 @@ class Workbook final : public db::ResultSink {
   std::unique_ptr<Impl> impl_;
 };
 
+/// The columns of a list's workbook: those of its widest records, or the captions of a list without rows.
+[[nodiscard]] std::vector<db::Field> workbookFields(const results::ResultList& list);
 /// Every column of the records behind a list's rows, values as stored, in the list's order; with a remark where there
 /// is one.
 WorkbookSummary writeWorkbook(const results::ResultList& list, std::string name, const ByteSink& sink,

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/atomic_file.h"
@@ -10,6 +12,7 @@
 #include "evidence/recorded_rows.h"
 #include "output/csv_writer.h"
 #include "output/json_writer.h"
+#include "output/workbook.h"
 
 namespace korvel::evidence {
 
@@ -26,12 +29,31 @@ inline TextRows numberedRows(std::size_t count) {
   return rows;
 }
 
-/// Writes rows as a csv or json file, with what `recorder` is to know of them.
+/// A workbook that is written row by row.
+class WorkbookWriter final : public output::RowWriter {
+ public:
+  WorkbookWriter(output::ByteSink sink, std::uint32_t rowsPerSheet)
+      : sink_(std::move(sink)), book_("Rows", std::filesystem::temp_directory_path(), rowsPerSheet) {}
+  void begin(std::span<const db::Field> fields) override { book_.beginResult(fields); }
+  void row(std::span<const db::Cell> cells) override { book_.row(cells); }
+  void end() override {
+    book_.endResult();
+    book_.finish(sink_);
+  }
+
+ private:
+  output::ByteSink sink_;
+  output::Workbook book_;
+};
+
+/// Writes rows as a csv, json or xlsx file, with what `recorder` is to know of them.
 inline std::string fileOf(const TextRows& rows, std::string_view format, RowRecorder& recorder) {
   std::string bytes;
   const output::ByteSink sink = [&](std::string_view part) { bytes += part; };
   std::unique_ptr<output::RowWriter> writer;
-  if (format == "json")
+  if (format == "xlsx")
+    writer = std::make_unique<WorkbookWriter>(sink, output::Workbook::maxRowsPerSheet);
+  else if (format == "json")
     writer = std::make_unique<output::JsonWriter>(sink);
   else
     writer = std::make_unique<output::CsvWriter>(sink);
@@ -48,7 +70,7 @@ inline std::string fileOf(const TextRows& rows, std::string_view format, RowReco
 
 /// Writes rows as a file with its manifest.
 inline void writeProven(const std::filesystem::path& target, const TextRows& rows, std::string_view format = "csv") {
-  RowRecorder recorder;
+  RowRecorder recorder(recordedForms(format));
   const std::string bytes = fileOf(rows, format, recorder);
   ProvenFile file(target);
   file.write(bytes);

@@ -43,7 +43,7 @@ class VerifiedOutput : public testing::Test {
 };
 
 TEST_F(VerifiedOutput, IsUnchanged) {
-  for (const char* const format : {"csv", "json"}) {
+  for (const char* const format : {"csv", "json", "xlsx"}) {
     writeProven(file, numberedRows(5), format);
     EXPECT_THAT(findings(), IsEmpty());
     EXPECT_EQ(verifyOutput(file).name, "rows.csv");
@@ -87,7 +87,7 @@ TEST_F(VerifiedOutput, NamesTheRowsThatDiffer) {
       {[](TextRows& all) { all.erase(all.begin() + 77'776); }, "row 77777 is missing"},
       {[](TextRows& all) { all.insert(all.begin() + 999, all[5]); }, "row 1000 was inserted"},
       {[](TextRows& all) { std::swap(all[11], all[99'998]); }, "rows 12 and 99999 were swapped"}};
-  for (const char* const format : {"csv", "json"}) {
+  for (const char* const format : {"csv", "json", "xlsx"}) {
     writeProven(file, rows, format);
     for (const auto& [change, text] : changes) {
       TextRows changed = rows;
