@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "cli/messages.h"
 #include "cli/pdf_output.h"
+#include "cli/standard_question.h"
 #include "output/csv_writer.h"
 #include "output/json_writer.h"
 #include "output/list_table.h"
@@ -15,6 +16,8 @@
 #include "output/report.h"
 #include "output/separated_text.h"
 #include "output/workbook.h"
+#include "query/plant_time.h"
+#include "settings/string_table.h"
 
 namespace korvel::cli {
 
@@ -72,8 +75,16 @@ void sayLosses(const output::WorkbookSummary& summary, std::ostream& err) {
                (first.kind == output::WorkbookLoss::Kind::tooLong ? ", was cut" : ", has bytes that are no text"));
 }
 
+/// What the properties of a workbook say: of the rows, and of the time stamps among them.
+std::string workbookRemark(std::string_view remark, std::span<const db::Field> fields) {
+  std::string text(remark);
+  if (query::stampColumnsOf(fields)) addSentence(text, settings::ownText(query::plantTimeText, {}));
+  return text;
+}
+
 void writeXlsx(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
-  sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink, {}, list.remark), err);
+  const std::string remark = workbookRemark(list.remark, output::workbookFields(list.list));
+  sayLosses(output::writeWorkbook(list.list, std::string(list.caption), sink, {}, remark), err);
 }
 
 /// Fills a workbook, which is created with the first row: an answer without rows leaves no temporary file.
@@ -82,7 +93,11 @@ class XlsxWriter final : public output::RowWriter {
   XlsxWriter(std::string_view caption, const output::ByteSink& sink, std::ostream& err)
       : caption_(caption), sink_(sink), err_(err) {}
 
-  void begin(std::span<const db::Field> fields) override { book_.emplace(std::string(caption_)).beginResult(fields); }
+  void begin(std::span<const db::Field> fields) override {
+    output::Workbook& book = book_.emplace(std::string(caption_));
+    book.setRemark(workbookRemark({}, fields));
+    book.beginResult(fields);
+  }
   void row(std::span<const db::Cell> cells) override { book_->row(cells); }
   void end() override {
     book_->endResult();

@@ -93,7 +93,7 @@ void recordList(const QueryOptions& options, const results::ResultList& list, ev
   if (list.isSorted())
     manifest.question.sortedBy = list.columns()[list.sortKey().value].caption +
                                  (list.sortOrder() == results::SortOrder::descending ? ", descending" : "");
-  manifest.rows = evidence::recordedRows(list);
+  manifest.rows = evidence::recordedRows(list, evidence::recordedForms(options.format->name));
 }
 
 }  // namespace

@@ -115,6 +115,7 @@ class WatchedStream final : public db::ResultSink {
           const std::lock_guard lock(mutex_);
           if (!closed_) target(bytes);
         }),
+        recorder_(evidence::recordedForms(format.name)),
         stream_(writerOf(format, caption, err, records), wanted) {}
 
   void beginResult(std::span<const db::Field> fields) override { stream_.beginResult(fields); }
@@ -219,7 +220,7 @@ class SqlRun {
     ended_ = applyRowChoice(choice_, list, remark, notes);
     if (ended_) return report;
     format_.write({list, caption, remark}, sink, notes);
-    if (wantsManifest_) manifest_.rows = evidence::recordedRows(list);
+    if (wantsManifest_) manifest_.rows = evidence::recordedRows(list, evidence::recordedForms(format_.name));
     return report;
   }
 

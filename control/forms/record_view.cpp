@@ -189,6 +189,7 @@ void RecordView::makeField(std::size_t place, const QString& caption, bool frame
   field.value->setObjectName(QStringLiteral("value%1").arg(place));
   field.label->setBuddy(field.value);
   field.note = new QLabel;
+  field.note->setObjectName(QStringLiteral("note%1").arg(place));
   field.note->setWordWrap(true);
   ui::setMuted(*field.note);
 }
@@ -303,7 +304,7 @@ void RecordView::fill() {
     const QString note = noteOn(i, id);
     field.note->setVisible(!note.isEmpty());
     field.note->setText(note);
-    field.value->setAccessibleDescription(note);
+    if (!note.isEmpty()) field.value->setAccessibleDescription(note);
   }
   if (comparison_)
     comparison_->show(store.cell(id, ColumnIndex{pair_->before}), store.cell(id, ColumnIndex{pair_->after}));

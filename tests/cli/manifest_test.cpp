@@ -135,6 +135,51 @@ TEST_F(ManifestOption, ChangesAreNamedByVerify) {
   EXPECT_THAT(changed.err, IsEmpty());
 }
 
+/// A workbook holds numbers and dates, not the texts that are stored; its rows are named all the same.
+TEST_F(ManifestOption, ChangesOfAWorkbookAreNamedByVerify) {
+  server.answer[0].fields[0].kind = db::ColumnKind::number;
+  server.answer[0].fields[1].kind = db::ColumnKind::dateTime;
+  server.answer[0].rows[0][10] = std::nullopt;
+  for (const char* const command : {"query", "sql"}) {
+    std::vector<std::string> options{command, "--format", "xlsx"};
+    if (options[0] == "sql") options.emplace_back("select");
+    ASSERT_EQ(write(options).status, 0);
+    EXPECT_EQ(manifest()["rows"]["cells"].size(), 4U);
+    EXPECT_EQ(verify().status, 0);
+    const std::string recorded = readFile(utf8Of(".manifest.json"));
+    const std::string sums = readFile(utf8Of(".sha256"));
+    server.answer[0].rows[2][10] = "changed";
+    ASSERT_EQ(write(options).status, 0);
+    writeFileAtomically(utf8Of(".manifest.json"), recorded);
+    writeFileAtomically(utf8Of(".sha256"), sums);
+    const test::ToolRun changed = verify();
+    EXPECT_EQ(changed.status, 5);
+    EXPECT_THAT(changed.out, HasSubstr(options[0] == "sql" ? ": row 3 was changed\n" : ": row 4 was changed\n"));
+    EXPECT_THAT(changed.out, testing::Not(HasSubstr("row 1 ")));
+    server.answer[0].rows[2][10] = "as before";
+  }
+}
+
+TEST_F(ManifestOption, SaysWhichTimesTheClockShowedTwice) {
+  const auto rowAt = [](const char* number, const char* stamp, const char* summerTime) {
+    auto row = test::auditRow(number, "CS");
+    row[1] = stamp;
+    row[17] = summerTime;
+    return row;
+  };
+  server.answer[0].rows = {rowAt("1", "2003-10-26 02:10:00.000", "1"), rowAt("2", "2003-10-26 02:50:00.000", "1"),
+                           rowAt("3", "2003-10-26 02:20:00.000", "0"), rowAt("4", "2003-10-26 03:20:00.000", "0")};
+  for (const char* const command : {"query", "sql"}) {
+    std::vector<std::string> options{command, "--format", "json"};
+    if (options[0] == "sql") options.emplace_back("select");
+    ASSERT_EQ(write(options).status, 0);
+    const json stamps = manifest()["rows"]["stamps"];
+    EXPECT_EQ(stamps["clock"], "local time of the plant; its offset from UTC is not recorded");
+    EXPECT_EQ(stamps["shownTwice"],
+              json::array({{{"from", "2003-10-26 02:20:00.000"}, {"to", "2003-10-26 02:50:00.000"}}}));
+  }
+}
+
 TEST_F(ManifestOption, VerifySaysWhereThereIsNothing) {
   const test::ToolRun missing = verify();
   EXPECT_EQ(missing.status, 5);

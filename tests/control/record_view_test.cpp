@@ -110,6 +110,55 @@ TEST_F(RecordOfAList, ShowsEveryFieldOfTheAnswerAsItIsStored) {
   EXPECT_EQ(record.windowTitle(), "Record 1 of 1");
 }
 
+/// What is said under the value of a field; empty where nothing is.
+QString noteUnder(const RecordView& view, int place) {
+  const auto* const note = view.findChild<QLabel*>(QStringLiteral("note%1").arg(place));
+  return note->isVisible() ? note->text() : QString();
+}
+
+TEST_F(RecordOfAList, SaysWhatClockATimeStampIsOf) {
+  {
+    const ResultListModel::RowsChange change(model);
+    auto store = std::make_shared<results::RowStore>();
+    const std::vector<db::Field> fields{{"Nr"}, {"DateTime"}, {"T1"}};
+    store->beginResult(fields);
+    std::vector<RowId> ids;
+    const std::vector<std::vector<std::string>> rows = {
+        {"1", "2003-10-26 02:40:00.000", "1"},        {"2", "2003-10-26 02:20:00.000", "0"},
+        {"3", "2003-10-26 02:30:00.000", "0"},        {"4", "2003-10-26 03:30:00.000", "0"},
+        {"5", "2004-07-01 03:30:00.000", "1"},        {"6", "2004-07-01 03:30:00.000", ""},
+        {"7", "2004-07-01 03:30:00.000 +02:00", "1"}, {"8", "unknown", "1"}};
+    for (const auto& row : rows) {
+      const std::vector<db::Cell> cells{{row[0]}, {row[1]}, {row[2]}};
+      ids.push_back(store->append(cells));
+    }
+    list.setRows(store, ids);
+  }
+  const QString twice = QStringLiteral("The clock was set back and showed this time twice on this day; this is the ");
+  const QStringList expected = {
+      QStringLiteral("Plant's local time, summer time. ") + twice + QStringLiteral("first one"),
+      QStringLiteral("Plant's local time, standard time. ") + twice + QStringLiteral("second one"),
+      QStringLiteral("Plant's local time, standard time. ") + twice + QStringLiteral("second one"),
+      QStringLiteral("Plant's local time, standard time"),
+      QStringLiteral("Plant's local time, summer time"),
+      QStringLiteral("Plant's local time; the record does not say whether summer time"),
+      QStringLiteral("Time with its offset: UTC+02:00"),
+      QString()};
+  for (int row = 0; row < expected.size(); ++row) {
+    record.showRecord(view, row);
+    EXPECT_EQ(noteUnder(record, 1), expected[row]);
+    if (!expected[row].isEmpty()) {
+      EXPECT_EQ(record.findChild<ValueField*>(QStringLiteral("value1"))->accessibleDescription(), expected[row]);
+    }
+    EXPECT_EQ(noteUnder(record, 0), QString());
+    EXPECT_EQ(noteUnder(record, 2), QString());
+  }
+  if (const QByteArray picture = qgetenv("KORVEL_PICTURE"); !picture.isEmpty()) {
+    record.showRecord(view, 1);
+    record.grab().save(QString::fromLocal8Bit(picture));
+  }
+}
+
 TEST_F(RecordOfAList, FollowsTheOrderOfTheList) {
   fill({{"1", "b"}, {"2", "a"}, {"3", "c"}});
   view.clickHeader(1);  // 2 1 3

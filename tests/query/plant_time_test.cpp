@@ -25,8 +25,10 @@ std::shared_ptr<results::RowStore> storeOf(const std::vector<Written>& rows) {
   auto store = std::make_shared<results::RowStore>();
   const std::vector<db::Field> fields{{"Nr"}, {"DateTime"}, {"Comments"}, {"T1"}};
   store->beginResult(fields);
-  for (const Written& row : rows)
-    store->append(std::vector<db::Cell>{{row.number}, {row.stamp}, {"x"}, {row.flag, row.flag == "null"}});
+  for (const Written& row : rows) {
+    const std::vector<db::Cell> cells{{row.number}, {row.stamp}, {"x"}, {row.flag, row.flag == "null"}};
+    store->append(cells);
+  }
   return store;
 }
 
