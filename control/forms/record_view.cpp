@@ -191,6 +191,9 @@ void RecordView::makeField(std::size_t place, const QString& caption, bool frame
   field.note = new QLabel;
   field.note->setObjectName(QStringLiteral("note%1").arg(place));
   field.note->setWordWrap(true);
+  // It begins where the value does.
+  const int margin = static_cast<int>(field.value->document()->documentMargin());
+  field.note->setContentsMargins(margin, 0, margin, 0);
   ui::setMuted(*field.note);
 }
 

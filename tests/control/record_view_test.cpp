@@ -153,10 +153,6 @@ TEST_F(RecordOfAList, SaysWhatClockATimeStampIsOf) {
     EXPECT_EQ(noteUnder(record, 0), QString());
     EXPECT_EQ(noteUnder(record, 2), QString());
   }
-  if (const QByteArray picture = qgetenv("KORVEL_PICTURE"); !picture.isEmpty()) {
-    record.showRecord(view, 1);
-    record.grab().save(QString::fromLocal8Bit(picture));
-  }
 }
 
 TEST_F(RecordOfAList, FollowsTheOrderOfTheList) {
