@@ -23,8 +23,8 @@ using ReadProgress = std::function<void(std::uint64_t bytes)>;
 /// where a folder cannot be read.
 [[nodiscard]] std::vector<std::filesystem::path> outputsOf(const std::filesystem::path& named);
 
-/// Compares an output with its manifest, and both with their sums. Where rows of a csv, json or xlsx file differ, they are
-/// named. Nothing is changed, and no other file is read. What a file lacks or cannot be read is a finding.
+/// Compares an output with its manifest, and both with their sums. Where rows of a csv, json or xlsx file differ, they
+/// are named. Nothing is changed, and no other file is read. What a file lacks or cannot be read is a finding.
 [[nodiscard]] Verification verifyOutput(const std::filesystem::path& output, const ReadProgress& progress = {});
 
 }  // namespace korvel::evidence
