@@ -6,11 +6,25 @@
 
 namespace korvel::control {
 
+namespace {
+
+void nameProgram(evidence::Manifest& record) {
+  record.program = "KorvelAuditViewer";
+  record.programVersion = KORVEL_VERSION;
+}
+
+}  // namespace
+
 AnswerRecord::AnswerRecord()
     : begun_(
           evidence::begunRecord(libraryState().connection.CurrentServer, libraryState().connection.CurrentDatabase)) {
-  begun_.program = "KorvelAuditViewer";
-  begun_.programVersion = KORVEL_VERSION;
+  nameProgram(begun_);
+}
+
+evidence::Manifest AnswerRecord::ofNoQuery() {
+  evidence::Manifest record;
+  nameProgram(record);
+  return record;
 }
 
 query::Connector AnswerRecord::connector() const {

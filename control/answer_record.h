@@ -18,6 +18,9 @@ class AnswerRecord {
  public:
   AnswerRecord();
 
+  /// Of rows that no query has brought.
+  [[nodiscard]] static evidence::Manifest ofNoQuery();
+
   /// The platform's connector, which remembers who answers.
   [[nodiscard]] query::Connector connector() const;
 

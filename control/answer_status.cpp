@@ -35,9 +35,12 @@ bool AnswerStatus::isOutOfDate() const {
                                         standardAnswer_.question != standardQuestion());
 }
 
+bool AnswerStatus::showsAlarmsOfAllDates(std::size_t list) const noexcept {
+  return standardAnswer_.alarmsOfAllDates && showsAlarms(list);
+}
+
 QString AnswerStatus::alarmRemark() const {
-  return standardAnswer_.alarmsOfAllDates && showsAlarms(surface_.currentTab()) ? ownText(query::alarmsOfAllDatesText)
-                                                                                : QString();
+  return showsAlarmsOfAllDates(surface_.currentTab()) ? ownText(query::alarmsOfAllDatesText) : QString();
 }
 
 QString AnswerStatus::remark() const {

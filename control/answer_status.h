@@ -93,6 +93,8 @@ class AnswerStatus {
   [[nodiscard]] int standardAnswers() const noexcept { return standardAnswers_; }
   /// What is known of the answer that the standard lists show.
   [[nodiscard]] const ShownAnswer& standardAnswer() const noexcept { return standardAnswer_; }
+  /// Whether a list, counted from 0, shows alarm rows of all dates, or may.
+  [[nodiscard]] bool showsAlarmsOfAllDates(std::size_t list) const noexcept;
   /// The record of the answer that a list shows, counted from 0; null where it shows none.
   [[nodiscard]] const evidence::Manifest* record(std::size_t list) const noexcept;
 

@@ -1,6 +1,7 @@
 #include "control/audit_viewer_members.h"
 
 #include "control/library_state.h"
+#include "control/manifest_choice.h"
 #include "db/connection_state.h"
 #include "settings/registry.h"
 
@@ -50,6 +51,7 @@ AuditViewer::Members::~Members() {
 void AuditViewer::Members::Initialize() {
   const auto backend = control::platform().openSettings();
   libraryState().language = settings::storedLanguage(*backend);
+  skipFailing([&] { libraryState().writesManifests = control::storedManifestChoice(*backend); });
 
   listCommands.ListViewColSetup();
   commands.BuildMenu();

@@ -160,6 +160,27 @@ QString valueName(const ShownValue& value) {
   return value.text.empty() ? ownText("filter.emptyValue") : fromUtf8(value.text);
 }
 
+std::string filterText(const FilterCondition& condition) {
+  const auto quoted = [](std::string_view text) { return '"' + std::string(text) + '"'; };
+  if (const auto* text = std::get_if<TextFilter>(&condition)) {
+    const ui::FindRequest& request = text->request;
+    return std::string("find ") + (request.regularExpression ? "regular expression " : "") +
+           (request.wholeValue ? "whole value " : "") + quoted(request.text.toStdString()) +
+           (request.exactCase ? " in exact case" : "");
+  }
+  const auto& filter = std::get<ColumnFilter>(condition);
+  std::vector<std::string> parts;
+  for (const ShownValue& value : filter.condition.values)
+    parts.push_back("= " + (value.isNull ? std::string("null") : quoted(value.text)));
+  for (const std::string& beginning : filter.condition.beginnings) parts.push_back("begins with " + quoted(beginning));
+  if (const auto& range = filter.condition.range)
+    parts.push_back("from " + quoted(range->from) +
+                    (range->before.empty() ? "" : " to before " + quoted(range->before)));
+  std::string text;
+  for (const std::string& part : parts) text.append(text.empty() ? "" : " or ").append(part);
+  return filter.caption + (filter.condition.excludes ? " not (" + text + ")" : " " + text);
+}
+
 ui::Chip chipOf(const FilterCondition& condition) {
   const auto* column = std::get_if<ColumnFilter>(&condition);
   return column != nullptr ? chipOfColumn(*column) : chipOfText(std::get<TextFilter>(condition));

@@ -57,5 +57,7 @@ void leaveOut(std::vector<FilterCondition>& conditions, const results::ColumnInd
 [[nodiscard]] QString valueName(const results::ShownValue& value);
 /// The condition in words of the current language.
 [[nodiscard]] ui::Chip chipOf(const FilterCondition& condition);
+/// The whole condition in English, as manifests have it: 'Event = "INSERT" or = "UPDATE"'.
+[[nodiscard]] std::string filterText(const FilterCondition& condition);
 
 }  // namespace korvel::control

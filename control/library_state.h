@@ -34,6 +34,8 @@ struct LibraryState {
   settings::LanguageOffset language;
   output::PrintFont printFont;
   PendingReport pendingReport;
+  /// Files that the user gets have a manifest beside them.
+  bool writesManifests = false;
   /// A control waits for a database.
   bool queryRunning = false;
   /// Empty until the captions are built, and while the viewer's path is not set.

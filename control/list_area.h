@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QRect>
+#include <string>
 #include <vector>
 
 #include "control/result_list_view.h"
@@ -32,6 +33,7 @@ class ListArea final : public QObject {
   struct FilterState {
     bool isEvaluating = false;  ///< the list shows no rows yet
     bool isUndecided = false;   ///< values were too much for a regular expression, and count as not matching
+    std::vector<std::string> conditions{};  ///< see filterText()
   } filterState;
 
   /// The strip of activity, hidden where it is new.

@@ -12,6 +12,7 @@
 #include "control/find_and_filter.h"
 #include "control/forms/record_view.h"
 #include "control/library_state.h"
+#include "control/manifest_choice.h"
 #include "control/message_boxes.h"
 #include "control/surface.h"
 #include "control/texts.h"
@@ -158,6 +159,7 @@ void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) 
   itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
   summary_.addEntry(*surface_.SmartPopup, list);
   activity_.addEntry(*surface_.SmartPopup);
+  addManifestEntry(*surface_.SmartPopup, viewer_, messages_);
 }
 
 void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {

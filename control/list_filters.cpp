@@ -433,6 +433,7 @@ void ListFilters::showState() {
   ListArea::FilterState state;
   for (const FilterCondition& each : conditions_) {
     chips.push_back(chipOf(each));
+    state.conditions.push_back(filterText(each));
     if (const auto* column = std::get_if<ColumnFilter>(&each))
       columns.push_back(static_cast<int>(column->condition.column.value));
     if (const auto* text = std::get_if<TextFilter>(&each)) {
@@ -440,13 +441,13 @@ void ListFilters::showState() {
       state.isUndecided = state.isUndecided || text->isUndecided;
     }
   }
-  area_.filterState = state;
+  area_.filterState = std::move(state);
   if (chips.empty()) area_.chips->setPinned(false);
   area_.chips->setChips(chips);
-  const QString count = ownText(state.isUndecided ? "filter.shownUndecided" : "filter.shown")
+  const QString count = ownText(area_.filterState.isUndecided ? "filter.shownUndecided" : "filter.shown")
                             .arg(countText(list().rowCount()), countText(list().wholeRowCount()));
-  area_.chips->setCount(state.isEvaluating ? ownText("filter.evaluating") : count,
-                        state.isUndecided ? ownText("filter.undecided") : QString());
+  area_.chips->setCount(area_.filterState.isEvaluating ? ownText("filter.evaluating") : count,
+                        area_.filterState.isUndecided ? ownText("filter.undecided") : QString());
   area_.list.header()->setFilteredColumns(columns);
   hooks_.changed();
 }

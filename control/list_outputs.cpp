@@ -10,6 +10,7 @@
 #include "control/answer_status.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
+#include "control/output_file.h"
 #include "control/report_viewer.h"
 #include "control/surface.h"
 #include "control/texts.h"
@@ -40,6 +41,12 @@ std::filesystem::path toPath(const QString& text) {
   return std::filesystem::path(text.toStdU16String());
 }
 
+/// What is said of a file that was written, with its manifest or alone.
+QString writtenText(const QString& file, bool isProven) {
+  const QString text = ownText("export.written").arg(file);
+  return isProven ? text + QStringLiteral(". ") + ownText("export.manifestWritten") : text;
+}
+
 /// The file is written even if the editor fails to start: the failure names its path.
 void openInEditor(const QString& file) {
   const std::shared_ptr<ControlServices> services = platform().services;
@@ -58,6 +65,12 @@ ListOutputs::ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surf
   messages_.onClick(surface_.btPrint, "btPrint_Click", [this] { btPrint_Click(); });
   QObject::connect(surface_.WebBrowser1, &ReportViewer::DocumentComplete, &viewer_,
                    [this] { WebBrowser1_DocumentComplete(); });
+  QObject::connect(surface_.WebBrowser1, &ReportViewer::ProvenFileWritten, &viewer_, [this](const QString& file) {
+    answers_.showNotice([file, remark = reportRemark_] {
+      const QString notice = writtenText(file, true);
+      return remark ? notice + QStringLiteral(". ") + remark() : notice;
+    });
+  });
   for (const auto& model : surface_.models)
     QObject::connect(model.get(), &QAbstractItemModel::modelReset, &viewer_,
                      [this, rows = model.get()] { answers_.endNoticeOn(*rows); });
@@ -70,12 +83,18 @@ QString ListOutputs::GetExportPath(const QString& dialogtext, int files) {
   return folder ? QDir::toNativeSeparators(*folder) + QDir::separator() : QString();
 }
 
+ListOutputs::OutputRows ListOutputs::outputRows(std::shared_ptr<const results::ResultList> list, const TakenRows& taken,
+                                                std::function<QString()> remark) const {
+  evidence::Manifest manifest = outputManifest(answers_, surface_.currentTab(), *list, taken);
+  return {std::move(list), std::move(remark), std::move(manifest)};
+}
+
 std::optional<ListOutputs::OutputRows> ListOutputs::askForRows() {
   const auto current = [this]() -> const results::ResultList& { return surface_.currentList().listModel().list(); };
   const results::ResultList& list = current();
   // The list lives as long as the control.
-  const OutputRows shown{{std::shared_ptr<const void>(), &list}, {}};
-  if (!list.isFiltered()) return shown;
+  const std::shared_ptr<const results::ResultList> shown(std::shared_ptr<const void>(), &list);
+  if (!list.isFiltered()) return outputRows(shown, {});
   const ListArea::FilterState& filters = surface_.areas.at(surface_.currentTab())->filterState;
   if (filters.isEvaluating) {
     // Nobody knows yet which rows these are.
@@ -90,17 +109,18 @@ std::optional<ListOutputs::OutputRows> ListOutputs::askForRows() {
                        {ownText("filter.takeShown"), ownText("filter.takeWhole")});
   // While the question was open the host may have brought another list forward.
   if (!alive || !answer || &current() != &list) return std::nullopt;
-  if (!list.isFiltered()) return shown;
-  const std::size_t shownCount = list.rowCount();
-  const std::size_t wholeCount = list.wholeRowCount();
+  if (!list.isFiltered()) return outputRows(shown, {});
+  TakenRows taken{TakenRows::Which::shown, list.rowCount(), list.wholeRowCount(), filters.conditions,
+                  filters.isUndecided};
+  const std::size_t wholeCount = taken.wholeCount;
   if (*answer == 0)
-    return OutputRows{shown.list, [=, isUndecided = filters.isUndecided] {
-                        const QString remark =
-                            ownText("filter.remarkShown").arg(countText(shownCount), countText(wholeCount));
-                        return isUndecided ? remark + QStringLiteral(". ") + ownText("filter.undecided") : remark;
-                      }};
-  return OutputRows{std::make_shared<const results::ResultList>(list.unfiltered()),
-                    [=] { return ownText("filter.remarkWhole").arg(countText(wholeCount)); }};
+    return outputRows(shown, taken, [shownCount = taken.shownCount, wholeCount, isUndecided = taken.isUndecided] {
+      const QString remark = ownText("filter.remarkShown").arg(countText(shownCount), countText(wholeCount));
+      return isUndecided ? remark + QStringLiteral(". ") + ownText("filter.undecided") : remark;
+    });
+  taken.which = TakenRows::Which::wholeOfFiltered;
+  return outputRows(std::make_shared<const results::ResultList>(list.unfiltered()), taken,
+                    [wholeCount] { return ownText("filter.remarkWhole").arg(countText(wholeCount)); });
 }
 
 bool ListOutputs::hasSomethingToExport(const results::ResultList& list) {
@@ -109,10 +129,9 @@ bool ListOutputs::hasSomethingToExport(const results::ResultList& list) {
   return false;
 }
 
-void ListOutputs::exportList(
-    const OutputRows& rows,
-    const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
-    const std::function<void(const QString& file)>& open) {
+void ListOutputs::exportList(const OutputRows& rows, const std::function<std::filesystem::path()>& place,
+                             const std::string& format, ListWriter write,
+                             const std::function<void(const QString& file)>& open) {
   const std::shared_ptr<ControlServices> services = platform().services;
   const QPointer<AuditViewer> alive(&viewer_);
   QProgressBar& bar = *surface_.StatusBar1->ProgressBar1;
@@ -122,24 +141,36 @@ void ListOutputs::exportList(
   bar.setValue(0);
   bar.show();
   surface_.StatusBar1->paintNow();
+  const std::filesystem::path path = place();
+  const QString file = shownPath(path);
+  const bool isProven = libraryState().writesManifests;
+  std::size_t replaced = 0;
+  const auto manifest = [&] {
+    evidence::Manifest whole = rows.manifest;
+    completeManifest(whole, format, list, replaced);
+    return whole;
+  };
+  OutputFile target(path, isProven ? OutputFile::ManifestMaker(manifest) : OutputFile::ManifestMaker());
   // Painted directly, without processing events: a queued call of the host could change the list's rows in the middle
   // of the file, or delete the control.
-  const Exported exported = write(list, [&](std::size_t written) {
-    bar.setValue(static_cast<int>(written));
-    // Sometimes the whole window: another window may have covered parts of it.
-    if (written % rowsPerWindow == 0)
-      viewer_.window()->repaint();
-    else
-      surface_.StatusBar1->paintNow();
-  });
-  answers_.showNotice([exported, remark = rows.remark] {
-    QString notice = ownText("export.written").arg(exported.file);
-    if (exported.replaced > 0)
-      notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(exported.replaced));
+  replaced = write(
+      list, [&target](std::string_view bytes) { target.write(bytes); },
+      [&](std::size_t written) {
+        bar.setValue(static_cast<int>(written));
+        // Sometimes the whole window: another window may have covered parts of it.
+        if (written % rowsPerWindow == 0)
+          viewer_.window()->repaint();
+        else
+          surface_.StatusBar1->paintNow();
+      });
+  target.commit();
+  answers_.showNotice([file, replaced, isProven, remark = rows.remark] {
+    QString notice = writtenText(file, isProven);
+    if (replaced > 0) notice += QStringLiteral(". ") + ownText("export.replaced").arg(countText(replaced));
     if (remark) notice += QStringLiteral(". ") + remark();
     return notice;
   });
-  if (open) open(exported.file);
+  if (open) open(file);
   if (alive) bar.hide();
   // The pointer belongs to the program: it is reset also where the control is gone.
   services->setPointer(Pointer::standard);
@@ -154,11 +185,7 @@ void ListOutputs::ExportNotepad() {
     const std::optional<OutputRows> rows = askForRows();
     if (!rows || !hasSomethingToExport(*rows->list)) return;
     exportList(
-        *rows,
-        [](const results::ResultList& list, const output::RowProgress& progress) {
-          const std::filesystem::path file = output::exportPath(output::textExportName);
-          return Exported{shownPath(file), output::writeTextExport(list, file, progress)};
-        },
+        *rows, [] { return output::exportPath(output::textExportName); }, "text", &output::writeTextExport,
         &openInEditor);
   });
 }
@@ -179,9 +206,8 @@ void ListOutputs::ExportExcel() {
         const std::optional<OutputRows> rows = askForRows();
         if (!rows || !hasSomethingToExport(*rows->list)) return;
         const QString file = folder + fromUtf8(output::exchangeFileName);
-        exportList(*rows, [&](const results::ResultList& list, const output::RowProgress& progress) {
-          return Exported{file, output::writeExchangeFile(list, toPath(file), progress)};
-        });
+        exportList(
+            *rows, [&file] { return toPath(file); }, "exchange", &output::writeExchangeFile);
       },
       spreadsheetHint);
 }
@@ -204,7 +230,7 @@ void ListOutputs::PreviewReport() {
 void ListOutputs::writeReport() {
   const std::shared_ptr<ControlServices> services = platform().services;
   try {
-    const std::optional<OutputRows> rows = askForRows();
+    std::optional<OutputRows> rows = askForRows();
     if (!rows) {
       libraryState().pendingReport = {};
       return;
@@ -221,7 +247,12 @@ void ListOutputs::writeReport() {
       remark = remark.isEmpty() ? rows->remark() : rows->remark() + QStringLiteral(". ") + remark;
       answers_.showNotice(rows->remark, &surface_.currentList().listModel());
     }
-    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), remark);
+    reportRemark_ = rows->remark;
+    // A copy: other rows may be shown before the report is printed.
+    auto provenRows =
+        libraryState().writesManifests ? std::make_shared<const results::ResultList>(*rows->list) : nullptr;
+    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), remark,
+                                   {std::move(rows->manifest), std::move(provenRows)});
   } catch (...) {
     // There is nothing to print: the next report must not find the flags of this one.
     libraryState().pendingReport = {};

@@ -2,10 +2,14 @@
 
 #include <QString>
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
+#include "control/output_manifest.h"
+#include "evidence/manifest.h"
 #include "output/byte_sink.h"
 #include "results/result_list.h"
 
@@ -36,11 +40,9 @@ class ListOutputs {
   void btPrint_Click();
 
  private:
-  /// A file that was written, and how many characters it does not hold.
-  struct Exported {
-    QString file;
-    std::size_t replaced;
-  };
+  /// Writes a list in a fixed layout; gives the number of characters that the file does not hold.
+  using ListWriter = std::size_t (*)(const results::ResultList& list, const output::ByteSink& file,
+                                     const output::RowProgress& progress);
 
   /// The rows that an output takes, and what is said of them.
   struct OutputRows {
@@ -48,16 +50,21 @@ class ListOutputs {
     std::shared_ptr<const results::ResultList> list;
     /// In the language of the moment when it is said; none where nothing is filtered.
     std::function<QString()> remark;
+    /// What an output of them says of itself.
+    evidence::Manifest manifest;
   };
+  /// Rows of the list in front.
+  [[nodiscard]] OutputRows outputRows(std::shared_ptr<const results::ResultList> list, const TakenRows& taken,
+                                      std::function<QString()> remark = {}) const;
   /// Asks which rows are to be put out where the current list is filtered; nothing where the user gives no answer.
   [[nodiscard]] std::optional<OutputRows> askForRows();
   /// Whether the list has rows; says so where it has none.
   bool hasSomethingToExport(const results::ResultList& list);
-  /// The steps that both exports share; `open` comes when the file is there and the status panel says so.
-  void exportList(
-      const OutputRows& rows,
-      const std::function<Exported(const results::ResultList& list, const output::RowProgress& progress)>& write,
-      const std::function<void(const QString& file)>& open = {});
+  /// The steps that both exports share; `place` gives the file's path, `open` comes when the file is there and the
+  /// status panel says so.
+  void exportList(const OutputRows& rows, const std::function<std::filesystem::path()>& place,
+                  const std::string& format, ListWriter write,
+                  const std::function<void(const QString& file)>& open = {});
   void writeReport();
   void WebBrowser1_DocumentComplete();
 
@@ -65,6 +72,8 @@ class ListOutputs {
   const MessageBoxes& messages_;
   Surface& surface_;
   AnswerStatus& answers_;
+  /// What was said of the rows of the last report.
+  std::function<QString()> reportRemark_;
 };
 
 }  // namespace korvel::control

@@ -11,14 +11,43 @@
 #include "control/forms/page_progress_dialog.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
+#include "control/output_file.h"
+#include "control/output_manifest.h"
 #include "control/printer_pages.h"
 #include "control/texts.h"
-#include "output/export_file.h"
 #include "output/pages/pdf.h"
 #include "output/pages/report_sheets.h"
 #include "output/report_reader.h"
 
 namespace korvel::control {
+
+namespace {
+
+/// A printer that writes a file itself reports no full disk and leaves a partial file. Queued calls run meanwhile: the
+/// viewer may be gone afterwards.
+output::pages::PaintedPages printIntoFile(output::ReportReader& report, const QPrinter& printer,
+                                          const output::pages::PageTexts& texts, const ReportOrigin& origin,
+                                          std::size_t replacedCharacters, const output::pages::PageProgress& progress) {
+  const output::pages::PageSelection selection = pageSelection(printer);
+  output::pages::PaintedPages painted;
+  const auto manifest = [&] {
+    evidence::Manifest whole = origin.manifest;
+    completeManifest(whole, "pdf", *origin.rows, replacedCharacters);
+    if (!selection.ranges.isEmpty())
+      whole.notes.push_back("pages " + selection.ranges.toString().toStdString() + " of " +
+                            std::to_string(painted.ofPages) + "; the rows are those of all pages");
+    return whole;
+  };
+  OutputFile file(std::filesystem::path(printer.outputFileName().toStdU16String()),
+                  origin.rows ? OutputFile::ManifestMaker(manifest) : OutputFile::ManifestMaker());
+  painted = output::pages::writePdf(
+      report, texts, [&file](std::string_view bytes) { file.write(bytes); }, progress, printer.pageLayout().pageSize(),
+      selection);
+  if (!painted.cancelled && painted.pages > 0) file.commit();
+  return painted;
+}
+
+}  // namespace
 
 ReportViewer::ReportViewer(QWidget& owner) : QObject(&owner), owner_(owner) {}
 
@@ -27,10 +56,12 @@ ReportViewer::~ReportViewer() {
   if (announced_) libraryState().pendingReport = {};
 }
 
-void ReportViewer::Navigate(const QString& path, output::ReportNotes notes, const QString& remark) {
+void ReportViewer::Navigate(const QString& path, output::ReportNotes notes, const QString& remark,
+                            ReportOrigin origin) {
   path_ = path;
   notes_ = std::move(notes);
   remark_ = remark;
+  origin_ = std::move(origin);
   if (std::exchange(announced_, true)) return;
   QMetaObject::invokeMethod(
       this,
@@ -80,27 +111,20 @@ void ReportViewer::print(ExecOption option) {
   if (option == ExecOption::promptUser && !services->choosePrinter(&owner_, printer)) return;
   if (!alive) return;
 
+  const ReportOrigin origin = origin_;
   output::pages::PaintedPages painted;
   {
     PageProgressDialog window(owner_);
     const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
-    painted = printer.outputFileName().isEmpty() ? printPages(*report, printer, pageTexts(), progress)
-                                                 : printIntoFile(*report, printer, progress);
+    painted = printer.outputFileName().isEmpty()
+                  ? printPages(*report, printer, pageTexts(), progress)
+                  : printIntoFile(*report, printer, pageTexts(), origin, notes_.replacedCharacters, progress);
   }
+  if (alive && origin.rows && !printer.outputFileName().isEmpty() && !painted.cancelled && painted.pages > 0)
+    Q_EMIT ProvenFileWritten(printer.outputFileName());
   if (alive && !painted.cancelled && painted.pages == 0)
     services->messageBox(&owner_, ui::MessageIcon::information, messageTitle(),
                          ownText("print.noSuchPages").arg(painted.ofPages));
-}
-
-/// A printer that writes a file itself reports no full disk and leaves a partial file.
-output::pages::PaintedPages ReportViewer::printIntoFile(output::ReportReader& report, const QPrinter& printer,
-                                                        const output::pages::PageProgress& progress) const {
-  output::ExportFile file(std::filesystem::path(printer.outputFileName().toStdU16String()));
-  const output::pages::PaintedPages painted = output::pages::writePdf(
-      report, pageTexts(), [&file](std::string_view bytes) { file.write(bytes); }, progress,
-      printer.pageLayout().pageSize(), pageSelection(printer));
-  if (!painted.cancelled && painted.pages > 0) file.commit();
-  return painted;
 }
 
 void ReportViewer::preview() {

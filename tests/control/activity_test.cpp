@@ -36,11 +36,13 @@ TEST_F(ActivityShown, IsOffUntilAKeyTheMenuOrItsButtonSwitchesIt) {
   QContextMenuEvent rightClick(QContextMenuEvent::Mouse, place, view->viewport()->mapToGlobal(place));
   QApplication::sendEvent(view->viewport(), &rightClick);
   QMenu* menu = element<QMenu>(*viewer, "SmartPopup");
-  const QAction* entry = menu->actions().last();
-  EXPECT_EQ(entry->text(), "Activity over time");
-  EXPECT_EQ(entry->shortcut(), QKeySequence("Ctrl+Shift+A"));
-  EXPECT_FALSE(entry->isChecked());
-  QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().last()).center());
+  const QList<QAction*> entries = menu->actions();
+  const auto entry = std::find_if(entries.begin(), entries.end(),
+                                  [](const QAction* each) { return each->text() == "Activity over time"; });
+  ASSERT_NE(entry, entries.end());
+  EXPECT_EQ((*entry)->shortcut(), QKeySequence("Ctrl+Shift+A"));
+  EXPECT_FALSE((*entry)->isChecked());
+  QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*entry).center());
   EXPECT_TRUE(stripOf(*viewer)->isVisible());
   toggle(*viewer);
   EXPECT_TRUE(stripOf(*viewer)->isHidden());

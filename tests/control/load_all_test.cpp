@@ -1,10 +1,16 @@
 // Beyond the limit of an answer: the button and the key that load the rest of it.
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPushButton>
 
+#include "base/atomic_file.h"
+#include "base/paths.h"
 #include "control/texts.h"
 #include "db/procedure/audit_conditions.h"
 #include "query/date_slices.h"
 #include "tests/control/custom_page_fixture.h"
+#include "tests/support/temporary_folder.h"
 
 namespace korvel::test {
 namespace {
@@ -93,6 +99,30 @@ TEST_F(LoadAll, ShowsEveryRecordAndSaysThatTheAnswerIsComplete) {
 
   click(*viewer, "btQuery");
   EXPECT_EQ(statusPanel(*viewer), ownText("status.rowLimit")) << "the next query knows nothing of it";
+}
+
+TEST_F(LoadAll, IsInTheManifestOfWhatIsExportedAfterwards) {
+  const TemporaryFolder folder;
+  const EnvironmentVariable windir("windir", utf8FromPath(folder.path()));
+  const auto viewer = cutAnswer();
+  control::libraryState().writesManifests = true;
+  const auto exported = [&] {
+    viewer->ExportNotepad();
+    return QJsonDocument::fromJson(QByteArray::fromStdString(readFile(folder / "velview.txt.manifest.json"))).object();
+  };
+  const QJsonObject cut = exported();
+  EXPECT_EQ(cut["complete"], false);
+  EXPECT_EQ(cut["limitReached"].toArray(), QJsonArray{"ALL Audits"});
+  EXPECT_EQ(cut["question"].toObject()["beyondLimit"], false);
+  button(*viewer).click();
+  const QJsonObject whole = exported();
+  EXPECT_EQ(whole["complete"], true);
+  EXPECT_FALSE(whole.contains("limitReached"));
+  EXPECT_EQ(whole["question"].toObject()["beyondLimit"], true);
+  EXPECT_EQ(whole["question"].toObject()["text"], cut["question"].toObject()["text"]);
+  EXPECT_EQ(whole["lists"].toArray()[0].toObject()["rows"], rows);
+  EXPECT_EQ(whole["rows"].toObject()["count"], rows);
+  EXPECT_TRUE(whole["notes"].toArray()[0].toString().startsWith("complete: 12000 records from "));
 }
 
 TEST_F(LoadAll, KeepsTheFiltersOfAnAnswerOfWhichMoreComes) {
