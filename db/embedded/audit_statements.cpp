@@ -162,7 +162,11 @@ std::string auditSelectionStatement(const AuditSelection& selection, std::string
   // A row without a date lies outside of every range.
   if (selection.dates == Dates::outside)
     condition.append(condition.empty() ? "" : " AND ").append("NOT coalesce(" + dates + ", 0)");
-  return selectionOfAll("*", condition, tableOrder);
+  if (const std::string numbers = numberCondition(selection); !numbers.empty())
+    condition.append(condition.empty() ? "" : " AND ").append(numbers);
+  std::string order = selection.columns == AuditSelection::Columns::all ? std::string(tableOrder) : std::string();
+  if (isInNumberOrder(selection)) order = order.empty() ? "Nr" : "Nr, " + order;
+  return selectionOfAll(selectedColumns(selection), condition, order);
 }
 
 int addStoredTimeFunction(sqlite3* handle) noexcept {

@@ -56,4 +56,31 @@ const std::array<CategoryCondition, categoryCount>& categoryConditions() noexcep
   return conditions;
 }
 
+namespace {
+
+std::string termText(const Term& term) {
+  std::string text(term.column);
+  text += term.match == Match::equals ? " = '" : " like '";
+  text += term.value;
+  text += term.match == Match::equals ? "'" : "%'";
+  return text;
+}
+
+}  // namespace
+
+std::string conditionText(const CategoryCondition& category, std::string_view dates) {
+  std::string text;
+  for (const Conjunction conjunction : category.alternatives) {
+    if (!text.empty()) text += " or ";
+    std::string_view joint;
+    for (const Term& term : conjunction) {
+      text += joint;
+      text += termText(term);
+      joint = " and ";
+    }
+  }
+  if (!dates.empty()) text.append(" and ").append(dates);
+  return text;
+}
+
 }  // namespace korvel::db

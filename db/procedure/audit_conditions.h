@@ -45,4 +45,7 @@ inline constexpr std::string_view auditTableProbe = "SELECT * FROM Korvel_Audit_
 inline constexpr std::int32_t nameUnknownNumber = 208;
 inline constexpr std::int32_t rightMissingNumber = 229;
 
+/// The condition of a category as a server reads it, a date condition joined to the last alternative without brackets.
+[[nodiscard]] std::string conditionText(const CategoryCondition& category, std::string_view dates);
+
 }  // namespace korvel::db

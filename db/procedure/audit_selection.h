@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,13 +16,34 @@ struct AuditSelection {
     outside  ///< rows of the condition without dates that no call with dates gives: no date, or one beyond the bounds
   };
 
+  /// Entry numbers, both bounds included. Rows without a number come before all others, so a first number leaves them
+  /// out and a last one does not.
+  struct Numbers {
+    std::optional<std::int64_t> first;
+    std::optional<std::int64_t> last;
+  };
+  enum class Columns {
+    all,
+    extent  ///< one row instead: the number of rows, the least and the greatest entry number
+  };
+
   /// The category by the place of its parameter, counted from 0; nothing for the whole trail.
-  std::optional<std::size_t> category;
+  std::optional<std::size_t> category{};
   Dates dates = Dates::within;
   /// The bounds, both included, as "2004-03-07 00:00:00.000"; not read for all dates.
-  std::string from;
-  std::string to;
+  std::string from{};
+  std::string to{};
+  /// In the order of the entry numbers, where some are asked for; else in no order.
+  std::optional<Numbers> numbers{};
+  Columns columns = Columns::all;
 };
+
+/// The pieces of a select that every engine writes alike.
+[[nodiscard]] std::string selectedColumns(const AuditSelection& selection);
+/// The condition on entry numbers; empty where there is none.
+[[nodiscard]] std::string numberCondition(const AuditSelection& selection);
+/// Whether the rows come in the order of their numbers.
+[[nodiscard]] bool isInNumberOrder(const AuditSelection& selection);
 
 /// The select as a server reads it, whatever the date order of the login's language.
 [[nodiscard]] std::string auditSelectionText(const AuditSelection& selection);

@@ -4,36 +4,11 @@
 
 #include "base/text.h"
 #include "db/procedure/audit_conditions.h"
-#include "db/procedure/audit_selection.h"
 
 namespace korvel::db {
 namespace {
 
 constexpr std::string_view dateCondition = "DateTime >=@FromDate and DateTime <= @ToDate";
-
-std::string termText(const Term& term) {
-  std::string text(term.column);
-  text += term.match == Match::equals ? " = '" : " like '";
-  text += term.value;
-  text += term.match == Match::equals ? "'" : "%'";
-  return text;
-}
-
-/// The condition of a category, a date condition joined to the last alternative without brackets.
-std::string conditionText(const CategoryCondition& category, std::string_view dates) {
-  std::string text;
-  for (const Conjunction conjunction : category.alternatives) {
-    if (!text.empty()) text += " or ";
-    std::string_view joint;
-    for (const Term& term : conjunction) {
-      text += joint;
-      text += termText(term);
-      joint = " and ";
-    }
-  }
-  if (!dates.empty()) text.append(" and ").append(dates);
-  return text;
-}
 
 std::string selection(std::string_view indent, std::string_view condition) {
   std::string text(indent);
@@ -86,12 +61,6 @@ std::string eachCategory(bool withDates) {
   return text;
 }
 
-/// A date that means the same under every date order of a login.
-std::string dateLiteral(std::string date) {
-  date.at(date.find(' ')) = 'T';
-  return "'" + date + "'";
-}
-
 bool separatesBatches(std::string_view line) {
   return equalsIgnoringAsciiCase(trimWhitespace(line), "GO");
 }
@@ -102,26 +71,6 @@ void addUnlessEmpty(std::vector<std::string>& batches, std::string& batch) {
 }
 
 }  // namespace
-
-std::string auditSelectionText(const AuditSelection& selection) {
-  using Dates = AuditSelection::Dates;
-  std::string within;
-  std::string outside;
-  if (selection.dates != Dates::all) {
-    const std::string from = dateLiteral(selection.from);
-    const std::string to = dateLiteral(selection.to);
-    if (selection.dates == Dates::within)
-      within = "DateTime >= " + from + " and DateTime <= " + to;
-    else
-      outside = "(DateTime is null or DateTime < " + from + " or DateTime > " + to + ")";
-  }
-  std::string condition = within + outside;
-  if (selection.category) {
-    condition = conditionText(categoryConditions().at(*selection.category), within);
-    if (!outside.empty()) condition = "(" + condition + ") and " + outside;
-  }
-  return "SELECT * FROM Korvel_Audit_Trails" + (condition.empty() ? std::string() : " WHERE " + condition);
-}
 
 std::string queryAuditsScript() {
   return "-- Installs the standard query of the Korvel audit viewer. Run it in the audit database.\n"
