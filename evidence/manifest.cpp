@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/error.h"
+#include "evidence/snapshot_tables.h"
 
 namespace korvel::evidence {
 
@@ -63,6 +64,7 @@ Json digestsJson(const std::vector<Digest>& digests) {
 }
 
 Json rowsJson(const Manifest::Rows& rows) {
+  if (rows.inOutput) return {{"columns", rows.columns}, {"count", *rows.inOutput}, {"digest", hexText(rows.digest)}};
   Json json = {{"columns", rows.columns}};
   if (rows.stamps) json["stamps"] = stampsJson(*rows.stamps);
   json["count"] = rows.each.size();
@@ -169,6 +171,10 @@ RecordedOutput readManifest(std::string_view text) {
   const Json& rows = member(json, "rows", Json::value_t::object);
   recorded.rows.columns = textsMember(rows, "columns");
   recorded.rows.digest = digestOf(textMember(rows, "digest"), "digest");
+  if (recorded.output.format == snapshotOutputFormat) {
+    recorded.rows.inOutput = numberMember(rows, "count");
+    return recorded;
+  }
   for (const std::string& row : textsMember(rows, "each")) recorded.rows.each.push_back(digestOf(row, "each"));
   if (rows.contains("cells"))
     for (const std::string& row : textsMember(rows, "cells")) recorded.rows.cells.push_back(digestOf(row, "cells"));

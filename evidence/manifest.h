@@ -61,6 +61,8 @@ struct Manifest {
     std::vector<Digest> each;        ///< in the order of the output
     std::vector<Digest> cells{};     ///< of a workbook: the rows as its cells hold them, in its order
     std::optional<Stamps> stamps{};  ///< where the rows have time stamps
+    /// The number of rows of an output that holds their digests itself; `each` is then empty.
+    std::optional<std::uint64_t> inOutput{};
   };
 
   std::string program;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
+
+#include "evidence/file_sum.h"
 
 namespace korvel::evidence {
 
@@ -14,9 +14,6 @@ struct Verification {
   std::vector<std::string> findings;  ///< sentences; none: output, manifest and sums are unchanged
   [[nodiscard]] bool isUnchanged() const noexcept { return findings.empty(); }
 };
-
-/// Is called again and again while files are read, with the number of bytes so far; what it throws ends the work.
-using ReadProgress = std::function<void(std::uint64_t bytes)>;
 
 /// The outputs that a name means: of a folder, those of all manifests and of our sums in it, in order; of a manifest or
 /// a file of sums, the output that it belongs to; else the file itself. Throws Error with the system's error number

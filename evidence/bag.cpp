@@ -1,0 +1,66 @@
+#include "evidence/bag.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/atomic_file.h"
+#include "base/files.h"
+#include "base/paths.h"
+#include "base/system_errors.h"
+#include "base/text.h"
+#include "evidence/file_sum.h"
+#include "evidence/origin.h"
+
+namespace korvel::evidence {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view declaration = "BagIt-Version: 1.0\nTag-File-Character-Encoding: UTF-8\n";
+constexpr std::size_t dayLength = 10;
+
+/// A path in a manifest: line ends and the percent sign are escaped.
+std::string bagPath(const std::string& path) {
+  return replaceAll(replaceAll(replaceAll(path, "%", "%25"), "\n", "%0A"), "\r", "%0D");
+}
+
+std::string oneLine(std::string_view text) {
+  return replaceAll(replaceAll(std::string(text), "\r", " "), "\n", " ");
+}
+
+}  // namespace
+
+void writeBag(const fs::path& folder, std::string_view description) {
+  std::error_code failure;
+  const fs::path payload = folder / payloadFolder;
+  std::vector<fs::path> payloadFiles = files::listFolder(payload, failure);
+  if (failure) throw systemError(systemErrorNumber(failure), "cannot read " + utf8FromPath(payload));
+  std::sort(payloadFiles.begin(), payloadFiles.end());
+  std::string sums;
+  std::uint64_t bytes = 0;
+  for (const fs::path& file : payloadFiles) {
+    const FileSum sum = sumOfFile(file);
+    bytes += sum.bytes;
+    sums +=
+        hexText(sum.sha256) + "  " + bagPath(std::string(payloadFolder) + "/" + utf8FromPath(file.filename())) + '\n';
+  }
+  const std::string today = localTimeText(std::chrono::system_clock::now()).substr(0, dayLength);
+  const std::string info = "Bagging-Date: " + today + "\nExternal-Description: " + oneLine(description) +
+                           "\nPayload-Oxum: " + std::to_string(bytes) + "." + std::to_string(payloadFiles.size()) +
+                           "\n";
+  const std::array<std::pair<std::string_view, std::string_view>, 3> tagFiles = {
+      {{"bag-info.txt", info}, {"bagit.txt", declaration}, {"manifest-sha256.txt", sums}}};
+  std::string tagSums;
+  for (const auto& [name, text] : tagFiles) tagSums += hexText(Sha256::of(text)) + "  " + std::string(name) + '\n';
+  writeFileAtomically(folder / "manifest-sha256.txt", sums);
+  writeFileAtomically(folder / "bag-info.txt", info);
+  writeFileAtomically(folder / "tagmanifest-sha256.txt", tagSums);
+  writeFileAtomically(folder / "bagit.txt", declaration);
+}
+
+}  // namespace korvel::evidence
