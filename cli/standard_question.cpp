@@ -220,6 +220,15 @@ std::optional<results::ColumnIndex> columnNamed(std::string_view column) {
   return std::nullopt;
 }
 
+void addDays(CLI::App& command, query::DateRange& range) {
+  CLI::Option* from =
+      addDay(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, range, range.RangeFromDate);
+  CLI::Option* to =
+      addDay(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, range, range.RangeToDate);
+  from->needs(to);
+  to->needs(from);
+}
+
 void addQuestion(CLI::App& command, StandardQuestion& question) {
   addConnection(command, question.server, question.database);
   command
@@ -232,12 +241,7 @@ void addQuestion(CLI::App& command, StandardQuestion& question) {
       ->option_text("KEY")
       ->delimiter(',')
       ->check(categoryProblem);
-  CLI::Option* from = addDay(command, {"--from", "YYYY-MM-DD", "First day, whole; together with --to"}, question.range,
-                             question.range.RangeFromDate);
-  CLI::Option* to = addDay(command, {"--to", "YYYY-MM-DD", "Last day, whole; together with --from"}, question.range,
-                           question.range.RangeToDate);
-  from->needs(to);
-  to->needs(from);
+  addDays(command, question.range);
 }
 
 void addComplete(CLI::App& command, StandardQuestion& question) {
@@ -253,10 +257,13 @@ void addQuiet(CLI::App& command, StandardQuestion& question) {
   command.add_flag("--quiet", question.quiet, "Leave out the row counts on standard error");
 }
 
-std::optional<std::string> questionProblem(const StandardQuestion& question) {
-  if (question.range.DateRangeActive && !query::isInOrder(question.range))
-    return "the day of --to lies before the day of --from";
+std::optional<std::string> daysProblem(const query::DateRange& range) {
+  if (range.DateRangeActive && !query::isInOrder(range)) return "the day of --to lies before the day of --from";
   return std::nullopt;
+}
+
+std::optional<std::string> questionProblem(const StandardQuestion& question) {
+  return daysProblem(question.range);
 }
 
 int writeAnswer(const StandardQuestion& question, const query::Connector& connect, const std::string& target,

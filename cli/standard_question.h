@@ -38,12 +38,16 @@ struct StandardQuestion {
 
 // Options; parsing fills `question`, which must outlive the command.
 
+/// Adds --from and --to; `range` must outlive the command.
+void addDays(CLI::App& command, query::DateRange& range);
 /// Adds --server, --database, --category, --from and --to.
 void addQuestion(CLI::App& command, StandardQuestion& question);
 void addComplete(CLI::App& command, StandardQuestion& question);
 void addList(CLI::App& command, StandardQuestion& question);
 void addQuiet(CLI::App& command, StandardQuestion& question);
 
+/// Why a range is none; nothing where it is one.
+[[nodiscard]] std::optional<std::string> daysProblem(const query::DateRange& range);
 /// Why the question cannot be asked; nothing where it can.
 [[nodiscard]] std::optional<std::string> questionProblem(const StandardQuestion& question);
 

@@ -9,6 +9,7 @@
 
 #include "cli/chart_command.h"
 #include "cli/common_options.h"
+#include "cli/compare_command.h"
 #include "cli/demo_command.h"
 #include "cli/history_command.h"
 #include "cli/messages.h"
@@ -16,6 +17,7 @@
 #include "cli/query_command.h"
 #include "cli/server_commands.h"
 #include "cli/server_path.h"
+#include "cli/snapshot_command.h"
 #include "cli/sql_command.h"
 #include "cli/verify_command.h"
 
@@ -37,6 +39,8 @@ constexpr const char* footer =
     "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
     "                                            run a query of your own\n"
     "  korvel-audit verify batch.csv             whether an output is as it was written\n"
+    "  korvel-audit snapshot --output FOLDER     copy a trail, to compare it later\n"
+    "  korvel-audit compare FOLDER               what was changed in the trail since\n"
     "  korvel-audit servers --all                find servers\n"
     "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
     "\n";
@@ -99,6 +103,10 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* sql = addSqlCommand(app, sqlOptions);
   VerifyOptions verifyOptions;
   const CLI::App* verify = addVerifyCommand(app, verifyOptions);
+  SnapshotOptions snapshotOptions;
+  const CLI::App* snapshot = addSnapshotCommand(app, snapshotOptions);
+  CompareOptions compareOptions;
+  const CLI::App* compare = addCompareCommand(app, compareOptions);
   ServerOptions serverOptions;
   std::array<const CLI::App*, serverCommands.size()> added{};
   for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
@@ -125,6 +133,11 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
   if (chart->parsed())
     return runOnServer(chartOptions, *chart, err, [&] { return runChart(chartOptions, connect, out, err); });
+  if (snapshot->parsed())
+    return runOnServer(snapshotOptions, *snapshot, err,
+                       [&] { return runSnapshot(snapshotOptions, connect, out, err); });
+  if (compare->parsed())
+    return runOnServer(compareOptions, *compare, err, [&] { return runCompare(compareOptions, connect, out, err); });
   if (verify->parsed()) return runVerify(verifyOptions, out, err);
   if (demo->parsed()) return runDemo(demoOptions, out, err);
   return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
