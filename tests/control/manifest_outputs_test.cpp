@@ -221,6 +221,22 @@ TEST_F(ManifestOutputs, AfterAFailedQueryHaveNoQuestion) {
   EXPECT_THAT(findings("printed.pdf"), IsEmpty());
 }
 
+TEST_F(ManifestOutputs, OfAnAnswerWithoutRecordsHaveItsQuestion) {
+  settings.values["ExportManifest"] = "1";
+  const auto viewer = shownViewer();
+  for (const int page : {0, 5}) {
+    selectTab(*viewer, page);
+    server.resultSets = {{}};
+    click(*viewer, "btQuery");
+    click(*viewer, "btPrint");
+    completeDocuments();
+    const QJsonObject told = manifest("printed.pdf");
+    EXPECT_EQ(told["question"].toObject()["text"].toString().toStdString(), server.commands.back()) << page;
+    EXPECT_EQ(told["lists"].toArray()[0].toObject()["rows"], 0) << page;
+    EXPECT_EQ(told.contains("complete"), page == 0);
+  }
+}
+
 TEST_F(ManifestOutputs, AppearWithTheirFileOrNotAtAll) {
   const auto viewer = provingViewer({{"a", "b", "c"}});
   std::filesystem::create_directory(folder / "velview.txt.sha256");
