@@ -1,4 +1,4 @@
-// The digests of a million records against SHA-256 alone over the same bytes.
+// The digests of a million records against SHA-256 alone over the same bytes, and the exceptions among them.
 
 #include <benchmark/benchmark.h>
 
@@ -9,6 +9,7 @@
 #include "bench/least.h"
 #include "bench/stored_answer.h"
 #include "db/open_connection.h"
+#include "evidence/exceptions.h"
 #include "evidence/recorded_rows.h"
 #include "query/audit_record.h"
 
@@ -70,6 +71,18 @@ void rowDigests(benchmark::State& state) {
   state.counters["times_together"] = recorded.seconds / together.seconds;
 }
 BENCHMARK(rowDigests)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+
+/// All rules at once.
+void exceptions(benchmark::State& state) {
+  const results::ResultList list = wholeTrail();
+  Least found;
+  for (auto _ : state)
+    state.SetIterationTime(found.measure([&] {
+      benchmark::DoNotOptimize(evidence::findExceptions(list, {{}, true}));
+    }));
+  state.counters["ms_least"] = found.seconds * 1e3;
+}
+BENCHMARK(exceptions)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 }  // namespace korvel::bench
