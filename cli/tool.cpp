@@ -15,6 +15,7 @@
 #include "cli/messages.h"
 #include "cli/platform.h"
 #include "cli/query_command.h"
+#include "cli/review_command.h"
 #include "cli/server_commands.h"
 #include "cli/server_path.h"
 #include "cli/snapshot_command.h"
@@ -39,6 +40,7 @@ constexpr const char* footer =
     "  korvel-audit sql \"select count(*) from Korvel_Audit_Trails\"\n"
     "                                            run a query of your own\n"
     "  korvel-audit verify batch.csv             whether an output is as it was written\n"
+    "  korvel-audit review                       what a reviewer should look at\n"
     "  korvel-audit snapshot --output FOLDER     copy a trail, to compare it later\n"
     "  korvel-audit compare FOLDER               what was changed in the trail since\n"
     "  korvel-audit servers --all                find servers\n"
@@ -97,6 +99,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* query = addQueryCommand(app, queryOptions);
   HistoryOptions historyOptions;
   const CLI::App* history = addHistoryCommand(app, historyOptions);
+  ReviewOptions reviewOptions;
+  const CLI::App* review = addReviewCommand(app, reviewOptions);
   ChartOptions chartOptions;
   const CLI::App* chart = addChartCommand(app, chartOptions);
   SqlOptions sqlOptions;
@@ -131,6 +135,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   if (sql->parsed()) return runOnServer(sqlOptions, *sql, err, [&] { return runSql(sqlOptions, connect, out, err); });
   if (history->parsed())
     return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
+  if (review->parsed())
+    return runOnServer(reviewOptions, *review, err, [&] { return runReview(reviewOptions, connect, out, err); });
   if (chart->parsed())
     return runOnServer(chartOptions, *chart, err, [&] { return runChart(chartOptions, connect, out, err); });
   if (snapshot->parsed())

@@ -120,7 +120,8 @@ TEST_F(Arguments, WrongUsageIsRefusedBeforeAnythingIsTried) {
 
 TEST_F(Arguments, WhatIsNotKnownIsNamed) {
   const std::string commands =
-      "demo, query, history, chart, sql, verify, snapshot, compare, servers, databases, install-procedure, check";
+      "demo, query, history, review, chart, sql, verify, snapshot, compare, servers, databases, install-procedure, "
+      "check";
   const auto errorOf = [&](const std::vector<std::string>& arguments) {
     const std::string text = run(arguments).err;
     return text.substr(0, text.find('\n'));
