@@ -14,6 +14,7 @@ struct LoginRequest {
   ServerAddress address;
   std::string database;          ///< empty for the login's default database
   std::string servicePrincipal;  ///< "MSSQLSvc/host:port"
+  std::string ticketHolder{};    ///< whose ticket was acquired; empty where the system does that
   ConnectionOptions options;
 };
 

@@ -60,15 +60,15 @@ std::string messageOf(OM_uint32 code, int type) {
 }
 
 /// The names and buffers that the login library hands out, given back by destruction.
-struct ServiceName {
+struct PrincipalName {
   gss_name_t name = GSS_C_NO_NAME;
-  ServiceName() = default;
-  ~ServiceName() {
+  PrincipalName() = default;
+  ~PrincipalName() {
     OM_uint32 minor = 0;
     gss_release_name(&minor, &name);
   }
-  ServiceName(const ServiceName&) = delete;
-  ServiceName& operator=(const ServiceName&) = delete;
+  PrincipalName(const PrincipalName&) = delete;
+  PrincipalName& operator=(const PrincipalName&) = delete;
 };
 struct Credentials {
   gss_cred_id_t id = GSS_C_NO_CREDENTIAL;
@@ -93,7 +93,20 @@ struct FirstToken {
   FirstToken& operator=(const FirstToken&) = delete;
 };
 
-void getTicket(const std::string& servicePrincipal) {
+/// Whose credentials they are; empty where the library does not tell.
+std::string holderOf(gss_cred_id_t credentials) {
+  OM_uint32 minor = 0;
+  PrincipalName holder;
+  if (GSS_ERROR(gss_inquire_cred(&minor, credentials, &holder.name, nullptr, nullptr, nullptr))) return {};
+  gss_buffer_desc text = GSS_C_EMPTY_BUFFER;
+  if (GSS_ERROR(gss_display_name(&minor, holder.name, &text, nullptr))) return {};
+  std::string name(static_cast<const char*>(text.value), text.length);
+  gss_release_buffer(&minor, &text);
+  return name;
+}
+
+/// Gives the ticket's holder.
+std::string getTicket(const std::string& servicePrincipal) {
   OM_uint32 minor = 0;
   Credentials credentials;
   OM_uint32 lifetime = 0;
@@ -102,7 +115,7 @@ void getTicket(const std::string& servicePrincipal) {
   if (GSS_ERROR(major)) refuse(major, minor, servicePrincipal);
   if (lifetime == 0) throw settings::localizedError(loginFailed, "failure.ticketExpired", {servicePrincipal});
 
-  ServiceName service;
+  PrincipalName service;
   std::string text = servicePrincipal;
   gss_buffer_desc buffer{text.size(), text.data()};
   major = gss_import_name(&minor, &buffer, GSS_KRB5_NT_PRINCIPAL_NAME, &service.name);
@@ -112,17 +125,17 @@ void getTicket(const std::string& servicePrincipal) {
   major = gss_init_sec_context(&minor, credentials.id, &first.context, service.name, GSS_C_NO_OID, GSS_C_MUTUAL_FLAG, 0,
                                GSS_C_NO_CHANNEL_BINDINGS, GSS_C_NO_BUFFER, nullptr, &first.token, nullptr, nullptr);
   if (GSS_ERROR(major)) refuse(major, minor, servicePrincipal);
+  return holderOf(credentials.id);
 }
 
 }  // namespace
 
-TicketState acquireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
+Ticket acquireTicket(const std::string& servicePrincipal, const net::Deadline& deadline) {
   // The Kerberos library has no timeout for KDCs that do not answer.
-  std::future<void> answer = net::runDetached([servicePrincipal] { getTicket(servicePrincipal); });
+  std::future<std::string> answer = net::runDetached([servicePrincipal] { return getTicket(servicePrincipal); });
   if (answer.wait_for(deadline.left()) != std::future_status::ready)
     throw settings::localizedError(loginFailed, "failure.loginServiceSilent", {servicePrincipal});
-  answer.get();
-  return TicketState::valid;
+  return {TicketState::valid, answer.get()};
 }
 
 }  // namespace korvel::db::odbc

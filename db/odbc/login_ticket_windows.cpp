@@ -2,9 +2,9 @@
 
 namespace korvel::db::odbc {
 
-TicketState acquireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
+Ticket acquireTicket(const std::string& /*servicePrincipal*/, const net::Deadline& /*deadline*/) {
   // The user is signed in to Windows; the driver lets the system choose between a ticket and other proofs.
-  return TicketState::leftToSystem;
+  return {TicketState::leftToSystem};
 }
 
 }  // namespace korvel::db::odbc

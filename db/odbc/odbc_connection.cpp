@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/numbers.h"
 #include "base/utf16.h"
 #include "db/odbc/driver_configuration.h"
 #include "db/odbc/odbc_diagnostics.h"
@@ -64,6 +65,20 @@ bool pushResult(SQLHSTMT statement, ResultSink& sink, DriverWatchdog& watch) {
   return true;
 }
 
+/// "Microsoft SQL Server 15.0.2000". Drivers fill the parts of a version up with zeros, "15.00.2000", which nobody else
+/// writes.
+std::string productText(const std::string& product, std::string_view version) {
+  std::string text = product;
+  std::string_view separator = " ";
+  while (!version.empty()) {
+    const std::size_t end = std::min(version.find('.'), version.size());
+    text.append(text.empty() ? "" : separator).append(withoutLeadingZeros(version.substr(0, end)));
+    version.remove_prefix(std::min(end + 1, version.size()));
+    separator = ".";
+  }
+  return text;
+}
+
 }  // namespace
 
 OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& text, const net::Deadline& deadline,
@@ -71,6 +86,7 @@ OdbcConnection::OdbcConnection(const LoginRequest& request, const std::string& t
     : onEvent_(std::move(onEvent)),
       stop_(std::move(stop)),
       address_(request.address),
+      ticketHolder_(request.ticketHolder),
       commandTimeout_(request.options.commandTimeout),
       environment_(makeEnvironment()),
       connection_(environment_.get()) {
@@ -129,7 +145,9 @@ ServerIdentity OdbcConnection::identity() const {
     const auto units = std::min(static_cast<std::size_t>(bytes) / sizeof(SQLWCHAR), text.size() - 1);
     return utf8FromUtf16({reinterpret_cast<const char16_t*>(text.data()), units});
   };
-  return {told(SQL_DBMS_NAME) + " " + told(SQL_DBMS_VER), told(SQL_USER_NAME)};
+  // FreeTDS knows no user, other drivers tell the database's name for him, "dbo" for one.
+  return {productText(told(SQL_DBMS_NAME), told(SQL_DBMS_VER)),
+          ticketHolder_.empty() ? told(SQL_USER_NAME) : ticketHolder_};
 }
 
 void OdbcConnection::execute(std::string_view commandText, ResultSink& sink) {

@@ -52,6 +52,7 @@ class OdbcConnection final : public Connection {
   ServerListener onEvent_;
   std::stop_token stop_;
   ServerAddress address_;
+  std::string ticketHolder_;
   std::chrono::seconds commandTimeout_;
   DriverSockets sockets_;
   Environment environment_;

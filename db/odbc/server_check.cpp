@@ -222,7 +222,7 @@ std::vector<CheckStep> checkNetworkServer(const std::string& server, std::string
                      return encryptionFound(connector, access.options);
                    }});
   steps.push_back({"ticket", [&] {
-                     if (connector.acquireTicket() == odbc::TicketState::leftToSystem)
+                     if (connector.acquireTicket().state == odbc::TicketState::leftToSystem)
                        return Found{"check.ticket.leftToSystem", {}};
                      return Found{"check.ticket.found", {connector.servicePrincipal()}};
                    }});

@@ -103,7 +103,7 @@ void ServerConnector::checkEncryption() {
   socket_.reset();
 }
 
-TicketState ServerConnector::acquireTicket() {
+Ticket ServerConnector::acquireTicket() {
   return access_.acquireTicket(servicePrincipal_, deadline_);
 }
 
@@ -137,14 +137,14 @@ std::unique_ptr<Connection> ServerConnector::connect(const std::string& database
   const net::Deadline deadline(deadline_.left() - kept);
   bool looked = false;
   try {
-    const LoginRequest request = requestFor(database);
+    LoginRequest request = requestFor(database);
     const ConnectionOptions& options = access_.options;
     if (options.encrypt && !options.trustServerCertificate && !checksCertificates(request)) {
       // Whether the driver looks at the certificate is not known.
       looked = true;
       diagnose();
     }
-    access_.acquireTicket(servicePrincipal_, deadline);
+    request.ticketHolder = access_.acquireTicket(servicePrincipal_, deadline).holder;
     return logInBy(deadline, request);
   } catch (const Error& failure) {
     if (looked || access_.stop.stop_requested() || explainsItself(failure)) throw;

@@ -25,8 +25,7 @@ struct ServerAccess {
   ConnectionOptions options;
   ResolutionClient resolver;
   // Tests without a login service put something else in the place of these two.
-  std::function<TicketState(const std::string& servicePrincipal, const net::Deadline&)> acquireTicket =
-      odbc::acquireTicket;
+  std::function<Ticket(const std::string& servicePrincipal, const net::Deadline&)> acquireTicket = odbc::acquireTicket;
   std::function<std::string(const LoginRequest&)> driverText = odbc::driverText;
   /// Receives the events of the connections that are opened, on the thread that uses them.
   ServerListener onEvent;
@@ -53,7 +52,7 @@ class ServerConnector {
   /// Performs the TLS handshake and checks the certificate, where the options ask for it.
   void checkEncryption();
   /// Acquires the running user's ticket, where the system does not do that itself.
-  TicketState acquireTicket();
+  Ticket acquireTicket();
   /// Logs in. `database` may be empty.
   [[nodiscard]] std::unique_ptr<Connection> logIn(const std::string& database);
 

@@ -11,7 +11,9 @@ namespace korvel::test {
 /// The product's access to a server without a login service: FreeTDS logs in with a name and a password.
 inline db::odbc::ServerAccess accessWithoutDomain() {
   db::odbc::ServerAccess access;
-  access.acquireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
+  access.acquireTicket = [](const std::string&, const db::net::Deadline&) {
+    return db::odbc::Ticket{db::odbc::TicketState::valid};
+  };
   access.driverText = [](const db::odbc::LoginRequest& request) {
     return replaceAll(db::odbc::driverText(request), "Trusted_Connection={yes};", "UID={reader};PWD={secret};");
   };

@@ -46,6 +46,7 @@ TEST_F(OdbcKerberos, aTicketIsAllItTakes) {
   const tds::Login login = server_->record().logins.at(0);
   EXPECT_TRUE(login.integrated);
   EXPECT_EQ(login.principal, "auditor@KORVEL.TEST");
+  EXPECT_EQ(connection->identity().login, login.principal);
   EXPECT_EQ(login.user, "");
   EXPECT_EQ(login.password, "");
   EXPECT_EQ(login.database, "Korvel_Audit");

@@ -62,8 +62,13 @@ TEST_F(DigestOverTheWire, isThatOfAnEmbeddedDatabase) {
 
 TEST_F(DigestOverTheWire, aServerTellsItsProductAndTheLogin) {
   const auto connection = db::odbc::openServer(serverName(), "Korvel_Audit", access_);
-  EXPECT_NE(connection->identity().product, " ");
-  EXPECT_NE(connection->identity().product, "");
+  EXPECT_EQ(connection->identity().product, "Microsoft SQL Server 15.0.2000");
+  // FreeTDS tells no login.
+  EXPECT_EQ(connection->identity().login, "");
+  access_.acquireTicket = [](const std::string&, const db::net::Deadline&) {
+    return db::odbc::Ticket{db::odbc::TicketState::valid, "auditor@PLANT.EXAMPLE"};
+  };
+  EXPECT_EQ(db::odbc::openServer(serverName(), "Korvel_Audit", access_)->identity().login, "auditor@PLANT.EXAMPLE");
 }
 
 }  // namespace

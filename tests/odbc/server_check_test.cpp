@@ -80,7 +80,7 @@ TEST_F(ServerCheck, goesTheWholeWay) {
 
 TEST_F(ServerCheck, reportsNoTicketThatWasNotChecked) {
   access_.acquireTicket = [](const std::string&, const db::net::Deadline&) {
-    return db::odbc::TicketState::leftToSystem;
+    return db::odbc::Ticket{db::odbc::TicketState::leftToSystem};
   };
   EXPECT_THAT(printed(check(), true), HasSubstr("\nok ticket: left to Windows at login\nok login: accepted\n"));
 }
@@ -150,11 +150,13 @@ TEST_F(ServerCheck, eachStepHasItsOwnReason) {
   EXPECT_EQ(failure(), "encryption failure.certificate");
   access_.options.certificateAuthorities = authorities;
 
-  access_.acquireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::TicketState {
+  access_.acquireTicket = [](const std::string& principal, const db::net::Deadline&) -> db::odbc::Ticket {
     throw settings::localizedError(18452, "failure.noTicket", {principal});
   };
   EXPECT_EQ(failure(), "ticket failure.noTicket");
-  access_.acquireTicket = [](const std::string&, const db::net::Deadline&) { return db::odbc::TicketState::valid; };
+  access_.acquireTicket = [](const std::string&, const db::net::Deadline&) {
+    return db::odbc::Ticket{db::odbc::TicketState::valid};
+  };
 
   server_.refuseLogin({{18456, "Login failed.", 14}});
   EXPECT_EQ(failure(), "login failure.loginRefused");

@@ -121,7 +121,9 @@ void writeCollationChange(ByteWriter& out) {
 
 void writeLoginAcknowledged(ByteWriter& out, const std::string& programName) {
   ByteWriter body;
-  body.byte(1).big(std::uint32_t{0x74000004}).shortText(programName).big(std::uint32_t{0x0F000000});
+  constexpr std::uint32_t tdsVersion = 0x74000004;
+  constexpr std::uint32_t programVersion = 0x0F0007D0;  // 15.0.2000
+  body.byte(1).big(tdsVersion).shortText(programName).big(programVersion);
   writeCountedToken(out, loginToken, body);
 }
 
