@@ -1,10 +1,13 @@
 #pragma once
 
-#include <functional>
+#include <gmock/gmock.h>
+
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/paths.h"
 #include "cli/output_formats.h"
@@ -90,6 +93,29 @@ struct WrittenAnswer : QueryCommand {
                    {"--quiet", "--format", std::string(format), "--output", utf8FromPath(file), "--manifest"});
     return run(options);
   }
+
+  /// What standard error and the manifest say of an answer that was written.
+  void expectSaid(const AnswerState& state, const test::ToolRun& done) {
+    using testing::Contains;
+    using testing::HasSubstr;
+    EXPECT_EQ(done.status, state.status);
+    for (const std::string& sentence : state.said) EXPECT_THAT(done.err, HasSubstr(sentence));
+    const nlohmann::json told = manifest();
+    EXPECT_EQ(told["complete"], state.isComplete);
+    EXPECT_EQ(told["question"]["beyondLimit"], state.beyondLimit);
+    EXPECT_EQ(told["question"].value("filters", std::vector<std::string>{}), state.filters);
+    EXPECT_EQ(told.contains("limitReached"), !state.isComplete);
+    const auto notes = told.value("notes", std::vector<std::string>{});
+    for (const std::string& remark : state.remarks) EXPECT_THAT(notes, Contains(HasSubstr(remark)));
+    EXPECT_EQ(notes.empty(), state.remarks.empty());
+    const auto denied = std::count_if(notes.begin(), notes.end(), [](const std::string& note) {
+      return note.find("The SELECT permission was denied.") != std::string::npos;
+    });
+    EXPECT_EQ(denied > 0, state.refusesTable);
+    EXPECT_EQ(told["rows"]["stamps"]["column"], "DateTime");
+    EXPECT_EQ(told["rows"]["stamps"]["summerTimeColumn"], "T1");
+  }
+  nlohmann::json manifest() { return nlohmann::json::parse(readFile(file.string() + ".manifest.json")); }
 
   std::filesystem::path file = folder / "answer";
 };

@@ -10,7 +10,7 @@ namespace {
 TEST_F(WrittenAnswer, SaysOnItsFirstPageWhetherItIsComplete) {
   for (const AnswerState& state : answerStates()) {
     SCOPED_TRACE(state.name);
-    write(state, "pdf");
+    expectSaid(state, write(state, "pdf"));
     // Sentences are broken where a line is full.
     std::string page = replaceAll(test::outputOf("pdftotext -l 1 -raw '" + file.string() + "' -"), "\n", " ");
     page = replaceAll(std::move(page), "\xEF\xAC\x81", "fi");  // one letter of the font

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-
 #include "base/atomic_file.h"
 #include "base/text.h"
 #include "tests/cli/completeness_fixture.h"
@@ -13,7 +11,6 @@ namespace korvel::cli {
 namespace {
 
 using nlohmann::json;
-using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -25,51 +22,18 @@ std::string commentsOf(const std::filesystem::path& workbook) {
   return replaceAll(std::move(text), "&quot;", "\"");
 }
 
-TEST_F(WrittenAnswer, SaysBesideEachFormatWhetherItIsComplete) {
+/// The layouts of the other formats are fixed: what is to be said stands beside them. Pages have a test of their own.
+TEST_F(WrittenAnswer, SaysBesideAndInAnOutputWhetherItIsComplete) {
   for (const AnswerState& state : answerStates())
     for (const OutputFormat& format : outputFormats()) {
+      if (format.name == "pdf") continue;
       SCOPED_TRACE(state.name + " as " + std::string(format.name));
-      const test::ToolRun done = write(state, format.name);
-      EXPECT_EQ(done.status, state.status);
-      for (const std::string& sentence : state.said) EXPECT_THAT(done.err, HasSubstr(sentence));
-      const json told = json::parse(readFile(file.string() + ".manifest.json"));
-      EXPECT_EQ(told["complete"], state.isComplete);
-      EXPECT_EQ(told["question"]["beyondLimit"], state.beyondLimit);
-      EXPECT_EQ(told["question"].value("filters", std::vector<std::string>{}), state.filters);
-      EXPECT_EQ(told.contains("limitReached"), !state.isComplete);
-      const auto notes = told.value("notes", std::vector<std::string>{});
-      for (const std::string& remark : state.remarks) EXPECT_THAT(notes, Contains(HasSubstr(remark)));
-      EXPECT_EQ(notes.empty(), state.remarks.empty());
-      const auto denied = std::find_if(notes.begin(), notes.end(), [](const std::string& note) {
-        return note.find("The SELECT permission was denied.") != std::string::npos;
-      });
-      EXPECT_EQ(denied != notes.end(), state.refusesTable);
-      EXPECT_EQ(told["rows"]["stamps"]["column"], "DateTime");
-      EXPECT_EQ(told["rows"]["stamps"]["summerTimeColumn"], "T1");
+      expectSaid(state, write(state, format.name));
+      const bool isWorkbook = format.name == "xlsx";
+      const std::string told = isWorkbook ? commentsOf(file) : readFile(file);
+      for (const std::string& remark : state.remarks) EXPECT_EQ(told.find(remark) != std::string::npos, isWorkbook);
+      EXPECT_EQ(told.find(stampSentence) != std::string::npos, isWorkbook);
     }
-}
-
-TEST_F(WrittenAnswer, SaysInAWorkbookWhetherItIsComplete) {
-  for (const AnswerState& state : answerStates()) {
-    SCOPED_TRACE(state.name);
-    write(state, "xlsx");
-    const std::string comments = commentsOf(file);
-    for (const std::string& remark : state.remarks) EXPECT_THAT(comments, HasSubstr(remark));
-    EXPECT_THAT(comments, HasSubstr(stampSentence));
-  }
-}
-
-/// Their layouts are fixed: what is to be said stands beside them.
-TEST_F(WrittenAnswer, LeavesOtherFormatsAsTheyAre) {
-  for (const std::string_view format : {"table", "text", "exchange", "csv", "json", "html"}) {
-    for (const AnswerState& state : answerStates()) {
-      SCOPED_TRACE(state.name + " as " + std::string(format));
-      write(state, format);
-      const std::string bytes = readFile(file);
-      for (const std::string& remark : state.remarks) EXPECT_THAT(bytes, Not(HasSubstr(remark)));
-      EXPECT_THAT(bytes, Not(HasSubstr(stampSentence)));
-    }
-  }
 }
 
 /// A query of the user's own, whose limits nobody knows: rows that were chosen are said.
@@ -84,7 +48,7 @@ TEST_F(WrittenAnswer, OfAnotherQuerySaysWhatWasChosen) {
       EXPECT_EQ(done.status, 0);
       const std::string chosen = "2 of 4 records chosen";
       EXPECT_EQ(done.err.find(chosen) != std::string::npos, filtered);
-      const json told = json::parse(readFile(file.string() + ".manifest.json"));
+      const json told = manifest();
       EXPECT_FALSE(told.contains("complete"));
       EXPECT_EQ(told["question"].contains("filters"), filtered);
       EXPECT_EQ(told.contains("notes"), filtered);
@@ -98,7 +62,7 @@ TEST_F(WrittenAnswer, OfAnotherQuerySaysWhatWasChosen) {
                           server.connector())
                 .status,
             0);
-  EXPECT_FALSE(json::parse(readFile(file.string() + ".manifest.json"))["rows"].contains("stamps"));
+  EXPECT_FALSE(manifest()["rows"].contains("stamps"));
   EXPECT_THAT(commentsOf(file), Not(HasSubstr(stampSentence)));
 }
 
