@@ -74,6 +74,13 @@ struct Entry {
   RowId record;
 };
 
+/// Whatever the case of letters.
+bool containsWord(std::string_view text, std::string_view word) {
+  for (std::size_t i = 0; i + word.size() <= text.size(); ++i)
+    if (equalsIgnoringAsciiCase(text.substr(i, word.size()), word)) return true;
+  return false;
+}
+
 /// The moment on the wall clock, counted from 1970, without regard to summer time.
 std::optional<nanoseconds> momentOf(const query::WallTime& wall) {
   const auto day = query::parseDay(wall.day);
@@ -161,10 +168,7 @@ class Search {
     if (text(record, Part::comment).empty() && text(record, Part::oldValue) != text(record, Part::newValue))
       add(ExceptionRule::withoutComment, record);
     const std::string_view event = text(record, Part::event);
-    constexpr std::string_view deletes = "DELET";
-    for (std::size_t i = 0; i + deletes.size() <= event.size(); ++i)
-      if (equalsIgnoringAsciiCase(event.substr(i, deletes.size()), deletes))
-        return add(ExceptionRule::deletion, record);
+    if (containsWord(event, "DELETE") || containsWord(event, "DELETION")) add(ExceptionRule::deletion, record);
   }
 
   void judgeTime(RowId record) {

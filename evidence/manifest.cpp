@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/error.h"
-#include "evidence/snapshot_tables.h"
+#include "db/embedded/snapshot_tables.h"
 
 namespace korvel::evidence {
 
@@ -171,7 +171,7 @@ RecordedOutput readManifest(std::string_view text) {
   const Json& rows = member(json, "rows", Json::value_t::object);
   recorded.rows.columns = textsMember(rows, "columns");
   recorded.rows.digest = digestOf(textMember(rows, "digest"), "digest");
-  if (recorded.output.format == snapshotOutputFormat) {
+  if (recorded.output.format == db::snapshotOutputFormat) {
     recorded.rows.inOutput = numberMember(rows, "count");
     return recorded;
   }

@@ -12,13 +12,13 @@
 #include "base/paths.h"
 #include "base/system_errors.h"
 #include "db/embedded/embedded_folder.h"
+#include "db/embedded/snapshot_tables.h"
 #include "evidence/bag.h"
 #include "evidence/file_sum.h"
 #include "evidence/manifest.h"
 #include "evidence/origin.h"
 #include "evidence/proven_file.h"
 #include "evidence/row_stream.h"
-#include "evidence/snapshot_tables.h"
 
 namespace korvel::evidence {
 
@@ -224,7 +224,7 @@ class Taking {
     asked.numbers->last = taken_.facts.last;
     manifest_.question.text = db::auditSelectionText(asked);
     manifest_.isComplete = true;
-    manifest_.output = {utf8FromPath(target_.filename()), std::string(snapshotOutputFormat), sum.bytes, sum.sha256};
+    manifest_.output = {utf8FromPath(target_.filename()), std::string(db::snapshotOutputFormat), sum.bytes, sum.sha256};
     manifest_.rows.digest = taken_.facts.digest;
     manifest_.rows.inOutput = taken_.facts.rows;
   }

@@ -13,7 +13,7 @@
 #include "base/paths.h"
 #include "base/text.h"
 #include "db/embedded/audit_statements.h"
-#include "evidence/snapshot_tables.h"
+#include "db/embedded/snapshot_tables.h"
 
 namespace korvel::evidence {
 
@@ -94,13 +94,13 @@ void SnapshotFile::open(const std::filesystem::path& file) {
 
 void SnapshotFile::create(const SnapshotSource& source) {
   std::string tables = "CREATE TABLE ";
-  tables += snapshotFactsTable;
+  tables += db::snapshotFactsTable;
   tables += " (Name TEXT PRIMARY KEY, Value TEXT) WITHOUT ROWID; CREATE TABLE ";
-  tables += snapshotDigestsTable;
+  tables += db::snapshotDigestsTable;
   tables += " (Place INTEGER PRIMARY KEY, Digest BLOB)";
   run(tables);
-  setFact("format", snapshotFormat);
-  setFact("version", std::to_string(snapshotVersion));
+  setFact("format", db::snapshotFormat);
+  setFact("version", std::to_string(db::snapshotVersion));
   setFact("state", "unfinished");
   setFact("server", source.server);
   setFact("database", source.database);
@@ -112,11 +112,11 @@ void SnapshotFile::create(const SnapshotSource& source) {
 void SnapshotFile::resume(const SnapshotSource& source) {
   const std::string name = utf8FromPath(file_);
   const Statement known =
-      prepare("SELECT count(*) FROM sqlite_master WHERE name = '" + std::string(snapshotFactsTable) + "'");
+      prepare("SELECT count(*) FROM sqlite_master WHERE name = '" + std::string(db::snapshotFactsTable) + "'");
   if (sqlite3_step(known.get()) != SQLITE_ROW || sqlite3_column_int64(known.get(), 0) == 0 ||
-      fact("format") != snapshotFormat || fact("state") != "unfinished")
+      fact("format") != db::snapshotFormat || fact("state") != "unfinished")
     throw Error(SQLITE_NOTADB, name + " is no unfinished snapshot; remove it or choose another folder");
-  if (fact("version") != std::to_string(snapshotVersion))
+  if (fact("version") != std::to_string(db::snapshotVersion))
     throw Error(SQLITE_NOTADB, name + " was begun by another version of this program; remove it to begin anew");
   const SnapshotSource begun{fact("server"), fact("database"), fact("from"), fact("to")};
   if (begun != source)
@@ -127,7 +127,8 @@ void SnapshotFile::resume(const SnapshotSource& source) {
   numbersAreUnique_ = fact("numbersRepeat") != "yes";
   rows_ = parseInteger<std::uint64_t>(fact("rows")).value_or(0);
   lastNumber_ = parseInteger<std::int64_t>(fact("lastNumber"));
-  const Statement columns = prepare("SELECT name FROM pragma_table_info('" + std::string(snapshotTrailTable) + "')");
+  const Statement columns =
+      prepare("SELECT name FROM pragma_table_info('" + std::string(db::snapshotTrailTable) + "')");
   int code = sqlite3_step(columns.get());
   for (; code == SQLITE_ROW; code = sqlite3_step(columns.get())) columns_.emplace_back(textAt(columns.get(), 0));
   if (code != SQLITE_DONE) check(code);
@@ -150,10 +151,10 @@ void SnapshotFile::start(std::string_view begun, std::optional<std::int64_t> end
 
 void SnapshotFile::forgetLastNumber() {
   if (rows_ == 0) return;
-  run("DELETE FROM " + std::string(snapshotTrailTable) + " WHERE Nr " +
+  run("DELETE FROM " + std::string(db::snapshotTrailTable) + " WHERE Nr " +
       (lastNumber_ ? "= " + std::to_string(*lastNumber_) : std::string("IS NULL")));
   const auto forgotten = static_cast<std::uint64_t>(sqlite3_changes64(database_.get()));
-  run("DELETE FROM " + std::string(snapshotDigestsTable) + " WHERE Place > " + std::to_string(rows_ - forgotten));
+  run("DELETE FROM " + std::string(db::snapshotDigestsTable) + " WHERE Place > " + std::to_string(rows_ - forgotten));
   rows_ -= forgotten;
 }
 
@@ -180,7 +181,7 @@ void SnapshotFile::begin(std::span<const db::Field> fields) {
   }
   if (!hasNumber) throw Error(unspecifiedFailure, "the trail has no column Nr, whose numbers order a snapshot");
   digester_ = std::make_unique<RowDigester>(fields);
-  run(tableText(snapshotTrailTable));
+  run(tableText(db::snapshotTrailTable));
   prepareRows();
 }
 
@@ -204,15 +205,15 @@ std::string SnapshotFile::tableText(std::string_view table) const {
 }
 
 void SnapshotFile::prepareRows() {
-  std::string insert = "INSERT INTO " + std::string(snapshotTrailTable) + " VALUES (?";
+  std::string insert = "INSERT INTO " + std::string(db::snapshotTrailTable) + " VALUES (?";
   for (std::size_t i = 1; i < columns_.size(); ++i) insert += ",?";
   insertRow_ = prepare(insert + ')');
-  insertDigest_ = prepare("INSERT INTO " + std::string(snapshotDigestsTable) + " VALUES (?,?)");
+  insertDigest_ = prepare("INSERT INTO " + std::string(db::snapshotDigestsTable) + " VALUES (?,?)");
 }
 
 void SnapshotFile::allowRepeatedNumbers() {
   insertRow_.reset();
-  const std::string trail(snapshotTrailTable);
+  const std::string trail(db::snapshotTrailTable);
   const std::string copy = trail + "_Copy";
   numbersAreUnique_ = false;
   run("ALTER TABLE " + trail + " RENAME TO " + copy);
@@ -268,7 +269,7 @@ void SnapshotFile::store() {
 
 Digest SnapshotFile::digestOfAll() const {
   // Sorted by the engine, in the memory of its cache.
-  const Statement digests = prepare("SELECT Digest FROM " + std::string(snapshotDigestsTable) + " ORDER BY Digest");
+  const Statement digests = prepare("SELECT Digest FROM " + std::string(db::snapshotDigestsTable) + " ORDER BY Digest");
   Sha256 sum;
   int code = sqlite3_step(digests.get());
   for (; code == SQLITE_ROW; code = sqlite3_step(digests.get())) {
@@ -287,8 +288,9 @@ void SnapshotFile::finish(SnapshotFacts& facts) {
   facts.rows = rows_;
   facts.digest = digestOfAll();
   run(db::auditIndexes());
-  if (!numbersAreUnique_) run("CREATE INDEX Korvel_Audit_Trails_Nr ON " + std::string(snapshotTrailTable) + " (Nr)");
-  run("DELETE FROM " + std::string(snapshotFactsTable) + " WHERE Name IN ('lastNumber', 'numbersRepeat')");
+  if (!numbersAreUnique_)
+    run("CREATE INDEX Korvel_Audit_Trails_Nr ON " + std::string(db::snapshotTrailTable) + " (Nr)");
+  run("DELETE FROM " + std::string(db::snapshotFactsTable) + " WHERE Name IN ('lastNumber', 'numbersRepeat')");
   setFact("state", "complete");
   setFact("engine", facts.engine);
   setFact("login", facts.login);
@@ -306,12 +308,13 @@ void SnapshotFile::finish(SnapshotFacts& facts) {
 
 std::string SnapshotFile::fact(std::string_view name) const {
   const Statement statement =
-      prepare("SELECT Value FROM " + std::string(snapshotFactsTable) + " WHERE Name = '" + std::string(name) + "'");
+      prepare("SELECT Value FROM " + std::string(db::snapshotFactsTable) + " WHERE Name = '" + std::string(name) + "'");
   return sqlite3_step(statement.get()) == SQLITE_ROW ? std::string(textAt(statement.get(), 0)) : std::string();
 }
 
 void SnapshotFile::setFact(std::string_view name, std::string_view value) const {
-  const Statement statement = prepare("INSERT OR REPLACE INTO " + std::string(snapshotFactsTable) + " VALUES (?,?)");
+  const Statement statement =
+      prepare("INSERT OR REPLACE INTO " + std::string(db::snapshotFactsTable) + " VALUES (?,?)");
   check(sqlite3_bind_text(statement.get(), 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC));
   check(sqlite3_bind_text(statement.get(), 2, value.empty() ? "" : value.data(), static_cast<int>(value.size()),
                           SQLITE_STATIC));

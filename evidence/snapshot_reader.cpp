@@ -8,8 +8,8 @@
 #include "base/numbers.h"
 #include "base/paths.h"
 #include "db/embedded/embedded_connection.h"
+#include "db/embedded/snapshot_tables.h"
 #include "evidence/row_digest.h"
-#include "evidence/snapshot_tables.h"
 
 namespace korvel::evidence {
 
@@ -68,20 +68,20 @@ class DigestsOfRows final : public db::ResultSink {
 
 std::optional<SnapshotFacts> snapshotFactsOf(db::Connection& database) {
   NamedValues tables;
-  const std::string facts(snapshotFactsTable);
+  const std::string facts(db::snapshotFactsTable);
   database.execute("SELECT name, 'table' FROM sqlite_master WHERE name = '" + facts + "'", tables);
   if (tables.of(facts).empty()) return std::nullopt;
   NamedValues values;
   database.execute("SELECT Name, Value FROM " + facts, values);
-  if (values.of("format") != snapshotFormat) return std::nullopt;
+  if (values.of("format") != db::snapshotFormat) return std::nullopt;
   const auto version = parseInteger<unsigned>(values.of("version"));
-  if (version && *version > snapshotVersion)
+  if (version && *version > db::snapshotVersion)
     throw Error(unspecifiedFailure, "the snapshot has version " + std::to_string(*version) +
-                                        "; this program knows version " + std::to_string(snapshotVersion) +
+                                        "; this program knows version " + std::to_string(db::snapshotVersion) +
                                         " and needs to be updated");
   const auto rows = parseInteger<std::uint64_t>(values.of("rows"));
   const auto digest = digestFromHex(values.of("digest"));
-  if (version != snapshotVersion || values.of("state") != "complete" || !rows || !digest)
+  if (version != db::snapshotVersion || values.of("state") != "complete" || !rows || !digest)
     throw Error(unspecifiedFailure, "the snapshot is unfinished or damaged: what it says of itself is not whole");
   return SnapshotFacts{{values.of("server"), values.of("database"), values.of("from"), values.of("to")},
                        values.of("engine"),
@@ -106,7 +106,7 @@ SnapshotRows rowsOfSnapshot(const std::filesystem::path& file) {
   if (!snapshotFactsOf(*snapshot)) throw Error(unspecifiedFailure, utf8FromPath(file.filename()) + " is no snapshot");
   SnapshotRows rows;
   StoredDigests stored(rows.recorded);
-  snapshot->execute("SELECT Digest FROM " + std::string(snapshotDigestsTable) + " ORDER BY Place", stored);
+  snapshot->execute("SELECT Digest FROM " + std::string(db::snapshotDigestsTable) + " ORDER BY Place", stored);
   DigestsOfRows found(rows.found);
   db::AuditSelection all;
   all.dates = db::AuditSelection::Dates::all;

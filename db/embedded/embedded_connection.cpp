@@ -2,20 +2,46 @@
 
 #include <sqlite3.h>
 
+#include <map>
+
 #include "base/error.h"
 #include "db/embedded/audit_statements.h"
 #include "db/embedded/embedded_folder.h"
 #include "db/embedded/row_pusher.h"
+#include "db/embedded/snapshot_tables.h"
 #include "db/embedded/sqlite_database.h"
 #include "db/procedure/query_audits_call.h"
 
 namespace korvel::db {
 namespace {
 
+/// Rows of a name and a value.
+class NamedTexts final : public ResultSink {
+ public:
+  void beginResult(std::span<const Field> /*fields*/) override {}
+  bool row(std::span<const Cell> cells) override {
+    if (cells.size() == 2) texts_.emplace(cells[0].text, cells[1].text);
+    return true;
+  }
+  void endResult() override {}
+  [[nodiscard]] std::string of(const std::string& name) const {
+    const auto found = texts_.find(name);
+    return found == texts_.end() ? std::string() : found->second;
+  }
+
+ private:
+  std::map<std::string, std::string> texts_;
+};
+
 class EmbeddedConnection final : public Connection {
  public:
   EmbeddedConnection(const std::filesystem::path& file, const EmbeddedOptions& options)
-      : database_(file, options.busyTimeout), rowLimit_(options.rowLimit) {}
+      : database_(file, options.busyTimeout), rowLimit_(options.rowLimit) {
+    // Nobody writes to a snapshot: what is locked is none, and is waited for by its queries.
+    database_.setBusyTimeout({});
+    snapshotText_ = snapshotText();
+    database_.setBusyTimeout(options.busyTimeout);
+  }
 
   void execute(std::string_view commandText, ResultSink& sink) override {
     if (commandText.find('\0') != std::string_view::npos)
@@ -27,7 +53,9 @@ class EmbeddedConnection final : public Connection {
     database_.checkUnchanged();
   }
 
-  [[nodiscard]] ServerIdentity identity() const override { return {std::string("SQLite ") + sqlite3_libversion(), {}}; }
+  [[nodiscard]] ServerIdentity identity() const override {
+    return {std::string("SQLite ") + sqlite3_libversion() + snapshotText_, {}};
+  }
 
   [[nodiscard]] bool selectsFreely() const noexcept override { return true; }
 
@@ -57,8 +85,21 @@ class EmbeddedConnection final : public Connection {
     return true;
   }
 
+  /// Whose copy the database is, where it says so; a damaged one says so when it is queried.
+  std::string snapshotText() {
+    NamedTexts facts;
+    try {
+      runText("SELECT Name, Value FROM " + std::string(snapshotFactsTable), facts);
+    } catch (const Error&) {
+      return {};
+    }
+    if (facts.of("format") != snapshotFormat) return {};
+    return ", snapshot of " + facts.of("database") + " on " + facts.of("server") + ", " + facts.of("begun");
+  }
+
   SqliteDatabase database_;
   std::size_t rowLimit_;
+  std::string snapshotText_;
 };
 
 }  // namespace

@@ -112,10 +112,14 @@ void SqliteDatabase::open() {
   if (code != SQLITE_OK) throw error(code);
 }
 
+void SqliteDatabase::setBusyTimeout(std::chrono::milliseconds busyTimeout) noexcept {
+  sqlite3_busy_timeout(handle_.get(), static_cast<int>(busyTimeout.count()));
+}
+
 void SqliteDatabase::lockDown(std::chrono::milliseconds busyTimeout) {
   sqlite3* const handle = handle_.get();
   sqlite3_extended_result_codes(handle, 1);
-  sqlite3_busy_timeout(handle, static_cast<int>(busyTimeout.count()));
+  setBusyTimeout(busyTimeout);
 
   struct Switch {
     int option;

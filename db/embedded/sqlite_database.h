@@ -30,6 +30,8 @@ class SqliteDatabase {
   /// `busyTimeout`, or only readable after a change that reading must not make.
   SqliteDatabase(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout);
 
+  /// How long a locked database is waited for from here on.
+  void setBusyTimeout(std::chrono::milliseconds busyTimeout) noexcept;
   /// Compiles the first statement of `text` from `start` on and moves `start` behind it; null for blanks and comments.
   [[nodiscard]] SqliteStatement prepare(const std::string& text, std::size_t& start);
   /// What an ORDER BY names to get a table's rows in table order: its row numbers or its primary key; empty for a view

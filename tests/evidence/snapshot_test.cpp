@@ -155,6 +155,14 @@ TEST_F(Snapshot, IsAnEmbeddedDatabaseThatAnswersAsTheTrailDoes) {
   EXPECT_EQ(textOf(file, "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name LIKE 'Korvel%'"), "5 ");
 }
 
+TEST_F(Snapshot, SaysSoToWhoeverConnects) {
+  const TakenSnapshot taken = takeSnapshot(order);
+  EXPECT_THAT(openSnapshot(taken.file)->identity().product,
+              testing::AllOf(testing::StartsWith("SQLite "),
+                             testing::EndsWith(", snapshot of D on a server, " + taken.facts.begun)));
+  EXPECT_THAT(openSnapshot(trail)->identity().product, Not(HasSubstr("snapshot")));
+}
+
 TEST_F(Snapshot, HasAManifestAndSumsThatVerifyAccepts) {
   const std::filesystem::path file = takeSnapshot(order).file;
   EXPECT_THAT(verifyOutput(file).findings, IsEmpty());

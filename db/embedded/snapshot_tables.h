@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace korvel::evidence {
+namespace korvel::db {
 
 // How a snapshot is stored; docs/formats.md describes it.
 
@@ -18,4 +18,4 @@ inline constexpr std::string_view snapshotFactsTable = "Korvel_Snapshot";
 /// The digest of each row, at the row's place in the order of the numbers, counted from 1.
 inline constexpr std::string_view snapshotDigestsTable = "Korvel_Snapshot_Digests";
 
-}  // namespace korvel::evidence
+}  // namespace korvel::db
