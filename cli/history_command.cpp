@@ -11,6 +11,7 @@
 
 #include "cli/common_options.h"
 #include "cli/messages.h"
+#include "cli/tool_page_head.h"
 #include "query/audit_record.h"
 #include "query/item_history.h"
 
@@ -115,8 +116,16 @@ int runHistory(const HistoryOptions& options, const query::Connector& connect, s
         std::string remark = groupedNumber(count) + (count == 1 ? " record of " : " records of ") +
                              groupedNumber(histories.size()) + (histories.size() == 1 ? " item" : " items");
         if (!options.quiet) say(err, remark);
-        if (!answer.remark.empty()) remark.append(". ").append(answer.remark);
-        options.format->write({historyList(list, histories), "History of " + options.item, remark}, sink, err);
+        evidence::PrintedPart part{.caption = "History of " + options.item, .rows = count, .ofRows = count};
+        part.notes = answer.manifest.notes;
+        part.remark = remark;
+        if (!answer.pageRemark.empty()) addSentence(part.remark, answer.pageRemark);
+        if (!answer.remark.empty()) addSentence(remark, answer.remark);
+        answer.manifest.question.filters.push_back(choiceText(item));
+        if (!options.choice.takesAll()) answer.manifest.question.filters.push_back(choiceText(options.choice));
+        options.format->write({historyList(list, histories), part.caption, remark,
+                               [&] { return toolPageHead(answer.described(), part); }},
+                              sink, err);
         return std::nullopt;
       });
 }

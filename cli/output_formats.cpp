@@ -60,10 +60,9 @@ class CommentedJsonWriter final : public output::RowWriter {
 
 void writeHtml(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err) {
   const output::ReportList reported{list.caption, &list.list};
-  const auto notes = output::writeReport(output::ReportTemplate::singleList, {&reported, 1}, {}, sink);
-  if (notes.replacedCharacters > 0)
-    say(err,
-        "note: characters that windows-1252 does not hold stand as \"?\": " + std::to_string(notes.replacedCharacters));
+  const std::size_t replaced = output::writeReport(output::ReportTemplate::singleList, {&reported, 1}, {}, sink);
+  if (replaced > 0)
+    say(err, "note: characters that windows-1252 does not hold stand as \"?\": " + std::to_string(replaced));
 }
 
 void sayLosses(const output::WorkbookSummary& summary, std::ostream& err) {

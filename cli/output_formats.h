@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <span>
@@ -7,6 +8,7 @@
 #include <string_view>
 
 #include "output/byte_sink.h"
+#include "output/page_head.h"
 #include "output/row_writer.h"
 #include "results/result_list.h"
 
@@ -17,6 +19,8 @@ struct CaptionedList {
   const results::ResultList& list;
   std::string_view caption;
   std::string remark;  ///< what a reader of pages or of a workbook would not expect; empty where there is nothing
+  /// What stands above and below the rows on pages; asked only for a format that has pages. Without it the remark.
+  std::function<output::PageHead()> head{};
 };
 
 /// A format in which a list is written.

@@ -2,13 +2,7 @@
 
 #include "cli/output_formats.h"
 
-class QDateTime;
-class QString;
-
 namespace korvel::cli {
-
-/// The time of printing as pages show it.
-[[nodiscard]] QString printedAt(const QDateTime& time);
 
 /// The list as pages, values as they are stored in Unicode. Starts Qt only now, without a display.
 void writePdf(const CaptionedList& list, const output::ByteSink& sink, std::ostream& err);

@@ -5,6 +5,7 @@
 
 #include "cli/common_options.h"
 #include "cli/manifest_option.h"
+#include "cli/tool_page_head.h"
 #include "evidence/recorded_rows.h"
 
 namespace korvel::cli {
@@ -79,21 +80,15 @@ void addOutput(CLI::App& command, QueryOptions& options) {
   addQuiet(command, options);
 }
 
-void writeList(const QueryOptions& options, results::ResultList& list, const output::ByteSink& sink,
-               const std::string& remark, std::ostream& err) {
+/// Sorts the list as it is to be written; the manifest says how, and what was chosen.
+void arrangeList(const QueryOptions& options, results::ResultList& list, evidence::Manifest& manifest) {
   if (options.sort || options.descending)
     list.sortBy(options.sort.value_or(list.sortKey()),
                 options.descending ? results::SortOrder::descending : results::SortOrder::ascending);
-  options.format->write({list, query::pageCaptions[options.list], remark}, sink, err);
-}
-
-void recordList(const QueryOptions& options, const results::ResultList& list, evidence::Manifest& manifest) {
-  manifest.output.format = options.format->name;
   if (!options.choice.takesAll()) manifest.question.filters.push_back(choiceText(options.choice));
   if (list.isSorted())
     manifest.question.sortedBy = list.columns()[list.sortKey().value].caption +
                                  (list.sortOrder() == results::SortOrder::descending ? ", descending" : "");
-  manifest.rows = evidence::recordedRows(list, evidence::recordedForms(options.format->name));
 }
 
 }  // namespace
@@ -123,11 +118,28 @@ int runQuery(const QueryOptions& options, const query::Connector& connect, std::
     return refused(err, *problem);
   return writeAnswer(options, connect, options.output, out, err,
                      [&](results::ResultList& list, Answered& answer, const output::ByteSink& sink) {
-                       const auto ended = applyRowChoice(options.choice, list, answer.remark, err);
+                       evidence::PrintedPart part{.caption = std::string(query::pageCaptions[options.list])};
+                       part.notes = answer.manifest.notes;
+                       part.ofRows = list.rowCount();
+                       std::string chosen;
+                       const auto ended = applyRowChoice(options.choice, list, chosen, err);
                        if (ended) return ended;
+                       if (!chosen.empty()) {
+                         addSentence(answer.remark, chosen);
+                         addSentence(answer.pageRemark, chosen);
+                       }
+                       part.remark = answer.pageRemark;
+                       part.rows = list.rowCount();
+                       part.isCounted = !options.choice.countBy.empty();
                        const RepeatedNotes notes(err, answer.manifest);
-                       writeList(options, list, sink, answer.remark, notes.stream());
-                       if (options.manifest) recordList(options, list, answer.manifest);
+                       arrangeList(options, list, answer.manifest);
+                       options.format->write(
+                           {list, part.caption, answer.remark, [&] { return toolPageHead(answer.described(), part); }},
+                           sink, notes.stream());
+                       answer.manifest.output.format = options.format->name;
+                       if (options.manifest)
+                         answer.manifest.rows =
+                             evidence::recordedRows(list, evidence::recordedForms(options.format->name));
                        return ended;
                      });
 }

@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "cli/common_options.h"
 #include "cli/messages.h"
+#include "cli/tool_page_head.h"
 #include "query/audit_record.h"
 #include "results/row_store.h"
 #include "settings/string_table.h"
@@ -199,8 +200,15 @@ int runReview(const ReviewOptions& options, const query::Connector& connect, std
           say(err, "nothing was found; nothing was written");
           return exitNoRecords;
         }
-        if (!answer.remark.empty()) remark.append(". ").append(answer.remark);
-        options.format->write({exceptionList(list, *found, rules), "Exceptions", remark}, sink, err);
+        const results::ResultList exceptions = exceptionList(list, *found, rules);
+        evidence::PrintedPart part{
+            .caption = "Exceptions", .rows = exceptions.rowCount(), .ofRows = exceptions.rowCount()};
+        part.notes = answer.manifest.notes;
+        part.remark = remark;
+        if (!answer.pageRemark.empty()) addSentence(part.remark, answer.pageRemark);
+        if (!answer.remark.empty()) addSentence(remark, answer.remark);
+        options.format->write(
+            {exceptions, part.caption, remark, [&] { return toolPageHead(answer.described(), part); }}, sink, err);
         return std::nullopt;
       });
 }

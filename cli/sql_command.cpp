@@ -16,6 +16,7 @@
 #include "cli/manifest_option.h"
 #include "cli/messages.h"
 #include "cli/output_target.h"
+#include "cli/tool_page_head.h"
 #include "db/connection_state.h"
 #include "db/connection_string.h"
 #include "db/worker.h"
@@ -180,7 +181,8 @@ class SqlRun {
         connectionString_(db::buildConnectionString(options.server, options.database)),
         err_(err),
         wantsManifest_(options.manifest),
-        manifest_(options.manifest ? begunManifest(options.server, options.database) : evidence::Manifest{}) {}
+        manifest_(options.manifest ? begunManifest(options.server, options.database)
+                                   : evidence::begunRecord(options.server, options.database)) {}
 
   /// The target is opened before the query runs: one that cannot be written fails at once.
   int run(std::ostream& out) {
@@ -197,7 +199,7 @@ class SqlRun {
               // Leaves a file as it was.
               if (report.outcome != CustomOutcome::filled || ended_) throw NothingToWrite{};
             },
-            wantsManifest_ ? ManifestMaker([this] { return endedManifest(); }) : ManifestMaker());
+            wantsManifest_ ? ManifestMaker([this] { return describedManifest(); }) : ManifestMaker());
       } catch (const NothingToWrite&) {
       } catch (const Stopped&) {
         report = {CustomOutcome::stopped, std::nullopt};
@@ -216,10 +218,13 @@ class SqlRun {
     query::CustomReport report = query::runCustomQuery(text_, connectionString_, server_.remembering(connect_), list,
                                                        [](std::size_t) { return wanted(); });
     if (report.outcome != CustomOutcome::filled) return report;
-    std::string remark;
-    ended_ = applyRowChoice(choice_, list, remark, notes);
+    evidence::PrintedPart part{.caption = std::string(caption)};
+    part.ofRows = list.rowCount();
+    ended_ = applyRowChoice(choice_, list, part.remark, notes);
     if (ended_) return report;
-    format_.write({list, caption, remark}, sink, notes);
+    part.rows = list.rowCount();
+    part.isCounted = !choice_.countBy.empty();
+    format_.write({list, caption, part.remark, [&] { return toolPageHead(describedManifest(), part); }}, sink, notes);
     if (wantsManifest_) manifest_.rows = evidence::recordedRows(list, evidence::recordedForms(format_.name));
     return report;
   }
@@ -249,12 +254,14 @@ class SqlRun {
     return {CustomOutcome::filled, std::nullopt};
   }
 
-  evidence::Manifest endedManifest() {
-    manifest_.question.text = text_;
-    if (!choice_.takesAll()) manifest_.question.filters.push_back(choiceText(choice_));
-    manifest_.output.format = format_.name;
-    endRecord(manifest_, server_.identity());
-    return manifest_;
+  /// All that a manifest tells.
+  evidence::Manifest describedManifest() {
+    evidence::Manifest manifest = manifest_;
+    manifest.question.text = text_;
+    if (!choice_.takesAll()) manifest.question.filters.push_back(choiceText(choice_));
+    manifest.output.format = format_.name;
+    endRecord(manifest, server_.identity());
+    return manifest;
   }
 
   /// That of the viewer's page for such queries.

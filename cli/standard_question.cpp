@@ -134,6 +134,7 @@ Answered answered(const StandardQuestion& question, const query::FilterTree& tre
   const bool showsAlarms = question.list <= 1 && query::alarmsComeFromAllDates(tree.flags(), question.range);
   Answered answer{.status = exitDone, .hasRows = true};
   if (showsAlarms) addSentence(answer.remark, settings::ownText(query::alarmsOfAllDatesText, {}));
+  answer.pageRemark = answer.remark;
   if (!report.fullResults.empty()) addSentence(answer.remark, settings::ownText(query::rowLimitText, {}));
   recordAnswer(answer.manifest, tree.flags(), report, lists);
   if (lists[question.list].rowCount() > 0) return answer;
@@ -273,8 +274,8 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
   int status = exitDone;
   const evidence::AnsweringServer server;
   // Who the user is may be asked of a directory in the network.
-  const evidence::Manifest begun =
-      question.manifest ? begunManifest(question.server, question.database) : evidence::Manifest{};
+  const evidence::Manifest begun = question.manifest ? begunManifest(question.server, question.database)
+                                                     : evidence::begunRecord(question.server, question.database);
   Answered answer;
   const auto manifest = [&] { return manifestOf(question, answer, server.identity(), begun); };
   const auto failure = query::failureOf([&] {
@@ -287,6 +288,7 @@ int writeAnswer(const StandardQuestion& question, const query::Connector& connec
             status = answer.status;
             // Leaves a file as it was.
             if (!answer.hasRows) throw NothingToWrite{};
+            answer.described = manifest;
             if (const auto ended = write(lists[question.list], answer, untilInterrupted(sink))) {
               // Where rows are missing, "no records" is not said.
               if (*ended != exitNoRecords || answer.status != exitIncomplete) status = *ended;

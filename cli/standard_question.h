@@ -55,8 +55,11 @@ void addQuiet(CLI::App& command, StandardQuestion& question);
 struct Answered {
   int status = 0;
   std::string remark{};
+  std::string pageRemark{};       ///< the same without whether rows are missing, which the head of pages says
   bool hasRows = false;           ///< the list has rows to write
   evidence::Manifest manifest{};  ///< what the question and its answer tell of
+  /// All that a manifest tells before the output is written.
+  std::function<evidence::Manifest()> described{};
 };
 
 /// Writes what a command makes of the list that was asked for and of its answer; gives the exit status instead where

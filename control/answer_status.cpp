@@ -43,14 +43,6 @@ QString AnswerStatus::alarmRemark() const {
   return showsAlarmsOfAllDates(surface_.currentTab()) ? ownText(query::alarmsOfAllDatesText) : QString();
 }
 
-QString AnswerStatus::remark() const {
-  QStringList sentences;
-  if (const QString alarms = alarmRemark(); !alarms.isEmpty()) sentences.append(alarms);
-  sentences.append(completionTexts().mid(0, 1));
-  if (isCut()) sentences.append(ownText(query::rowLimitText));
-  return sentences.join(QStringLiteral(". "));
-}
-
 QStringList AnswerStatus::completionTexts() const {
   QStringList texts;
   if (!standardAnswer_.completion || surface_.currentTab() == query::customList) return texts;

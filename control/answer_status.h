@@ -86,9 +86,10 @@ class AnswerStatus {
 
   /// What the standard query would ask at present.
   [[nodiscard]] std::string standardQuestion() const;
-  /// What pages say of the list in front: that it shows alarm rows of all dates, and whether it is complete or was cut.
-  /// Empty where there is nothing to say.
-  [[nodiscard]] QString remark() const;
+  /// Says of the list in front that it shows alarm rows of all dates; empty where it does not.
+  [[nodiscard]] QString alarmRemark() const;
+  /// What is missing in the list in front, of which all was to be loaded; and what changed meanwhile.
+  [[nodiscard]] QStringList incompleteTexts() const { return completionTexts().mid(1); }
   /// How often the standard lists got another answer, or none: what was asked for before is not shown afterwards.
   [[nodiscard]] int standardAnswers() const noexcept { return standardAnswers_; }
   /// What is known of the answer that the standard lists show.
@@ -112,8 +113,6 @@ class AnswerStatus {
   /// What is said of an answer of which all was loaded: whether it is complete, of how many records, and then what is
   /// missing. Empty for any other answer, and on the custom page.
   [[nodiscard]] QStringList completionTexts() const;
-  /// Says of the current page that it shows alarm rows of all dates; empty where it does not.
-  [[nodiscard]] QString alarmRemark() const;
   [[nodiscard]] QString emptyText(const ShownAnswer& answer, bool custom) const;
 
   Surface& surface_;

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QPointer>
 #include <QProgressBar>
+#include <QStringList>
 #include <filesystem>
 #include <memory>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/output_file.h"
+#include "control/printed_list.h"
 #include "control/report_viewer.h"
 #include "control/surface.h"
 #include "control/texts.h"
@@ -45,6 +47,20 @@ std::filesystem::path toPath(const QString& text) {
 QString writtenText(const QString& file, bool isProven) {
   const QString text = ownText("export.written").arg(file);
   return isProven ? text + QStringLiteral(". ") + ownText("export.manifestWritten") : text;
+}
+
+/// A filter with its values, as the tip of its chip has them in lines.
+QString wholeCondition(const ui::Chip& chip) {
+  const qsizetype values = chip.toolTip.indexOf(u'\n');
+  if (values < 0) return chip.toolTip;
+  return chip.toolTip.left(values) + QStringLiteral(": ") +
+         chip.toolTip.mid(values + 1).replace(u'\n', QStringLiteral(", "));
+}
+
+/// What a list is sorted by, in words.
+QString sortingText(const results::ResultList& list) {
+  const QString column = fromUtf8(list.columns()[list.sortKey().value].caption);
+  return list.sortOrder() == results::SortOrder::descending ? ownText("page.descending").arg(column) : column;
 }
 
 /// The file is written even if the editor fails to start: the failure names its path.
@@ -227,6 +243,34 @@ void ListOutputs::PreviewReport() {
   writeReport();
 }
 
+/// The list in front as it goes to paper, with a copy of its rows.
+PrintedList ListOutputs::printedList(const OutputRows& rows, const std::string& caption) const {
+  const std::size_t page = surface_.currentTab();
+  const ResultListView& view = surface_.currentList();
+  const results::ResultList& list = *rows.list;
+  PrintedList printed;
+  printed.caption = caption;
+  printed.list = std::make_shared<const results::ResultList>(list);
+  printed.font = libraryState().printFont;
+  printed.arrangement = arrangementOf(view);
+  printed.manifest = rows.manifest;
+  printed.isProven = libraryState().writesManifests;
+  if (list.isFiltered())
+    for (const ui::Chip& chip : surface_.areas.at(page)->chips->chips())
+      printed.filters.push_back(wholeCondition(chip).toStdString());
+  if (list.isSorted()) printed.sortedBy = sortingText(list).toStdString();
+  printed.part.caption = caption;
+  printed.part.rows = list.rowCount();
+  printed.part.ofRows = list.wholeRowCount();
+  printed.part.columnsLeftOut = columnsLeftOut(view);
+  for (const QString& note : answers_.incompleteTexts()) printed.part.notes.push_back(note.toStdString());
+  QStringList remarks;
+  if (rows.remark) remarks.append(rows.remark());
+  if (const QString alarms = answers_.alarmRemark(); !alarms.isEmpty()) remarks.append(alarms);
+  printed.part.remark = remarks.join(QStringLiteral(". ")).toStdString();
+  return printed;
+}
+
 void ListOutputs::writeReport() {
   const std::shared_ptr<ControlServices> services = platform().services;
   try {
@@ -237,22 +281,15 @@ void ListOutputs::writeReport() {
     }
     const std::filesystem::path file = output::exportPath(output::reportName);
     const std::string caption = surface_.SSTab1->tabText(static_cast<int>(surface_.currentTab())).toStdString();
-    output::ReportNotes notes;
+    PrintedList printed;
     {
       const ui::BusyPointer busy(*services);
-      notes = output::writeListReport({caption, rows->list.get()}, libraryState().printFont, file);
+      output::writeListReport({caption, rows->list.get()}, libraryState().printFont, file);
+      printed = printedList(*rows, caption);
     }
-    QString remark = answers_.remark();
-    if (rows->remark) {
-      remark = remark.isEmpty() ? rows->remark() : rows->remark() + QStringLiteral(". ") + remark;
-      answers_.showNotice(rows->remark, &surface_.currentList().listModel());
-    }
+    if (rows->remark) answers_.showNotice(rows->remark, &surface_.currentList().listModel());
     reportRemark_ = rows->remark;
-    // A copy: other rows may be shown before the report is printed.
-    auto provenRows =
-        libraryState().writesManifests ? std::make_shared<const results::ResultList>(*rows->list) : nullptr;
-    surface_.WebBrowser1->Navigate(shownPath(file), std::move(notes), remark,
-                                   {std::move(rows->manifest), std::move(provenRows)});
+    surface_.WebBrowser1->Navigate(shownPath(file), std::move(printed));
   } catch (...) {
     // There is nothing to print: the next report must not find the flags of this one.
     libraryState().pendingReport = {};

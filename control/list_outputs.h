@@ -22,6 +22,7 @@ namespace korvel::control {
 class AnswerStatus;
 class MessageBoxes;
 class Surface;
+struct PrintedList;
 
 /// Outputs of the current list: text export, exchange file, printed or previewed report.
 class ListOutputs {
@@ -65,6 +66,7 @@ class ListOutputs {
   void exportList(const OutputRows& rows, const std::function<std::filesystem::path()>& place,
                   const std::string& format, ListWriter write,
                   const std::function<void(const QString& file)>& open = {});
+  [[nodiscard]] PrintedList printedList(const OutputRows& rows, const std::string& caption) const;
   void writeReport();
   void WebBrowser1_DocumentComplete();
 

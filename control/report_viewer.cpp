@@ -1,7 +1,5 @@
 #include "control/report_viewer.h"
 
-#include <QDateTime>
-#include <QLocale>
 #include <QPointer>
 #include <QPrinter>
 #include <QWidget>
@@ -17,29 +15,36 @@
 #include "control/texts.h"
 #include "output/pages/pdf.h"
 #include "output/pages/report_sheets.h"
-#include "output/report_reader.h"
 
 namespace korvel::control {
 
 namespace {
 
+/// In English, as all of a manifest.
+std::string leftOutText(const std::vector<std::string>& columns) {
+  std::string text = "columns left out on the pages: ";
+  for (const std::string& column : columns) text += (&column == &columns.front() ? "" : ", ") + column;
+  return text + "; the rows are recorded with all columns";
+}
+
 /// A printer that writes a file itself reports no full disk and leaves a partial file. Queued calls run meanwhile: the
 /// viewer may be gone afterwards.
-output::pages::PaintedPages printIntoFile(output::ReportReader& report, const QPrinter& printer,
-                                          const output::pages::PageTexts& texts, const ReportOrigin& origin,
-                                          std::size_t replacedCharacters, const output::pages::PageProgress& progress) {
+output::pages::PaintedPages printIntoFile(output::ReportSource& report, const QPrinter& printer,
+                                          const output::pages::PageTexts& texts, const PrintedList& printed,
+                                          const output::pages::PageProgress& progress) {
   const output::pages::PageSelection selection = pageSelection(printer);
   output::pages::PaintedPages painted;
   const auto manifest = [&] {
-    evidence::Manifest whole = origin.manifest;
-    completeManifest(whole, "pdf", *origin.rows, replacedCharacters);
+    evidence::Manifest whole = printed.manifest;
+    completeManifest(whole, "pdf", *printed.list, 0);
+    if (!printed.part.columnsLeftOut.empty()) whole.notes.push_back(leftOutText(printed.part.columnsLeftOut));
     if (!selection.ranges.isEmpty())
       whole.notes.push_back("pages " + selection.ranges.toString().toStdString() + " of " +
                             std::to_string(painted.ofPages) + "; the rows are those of all pages");
     return whole;
   };
   OutputFile file(std::filesystem::path(printer.outputFileName().toStdU16String()),
-                  origin.rows ? OutputFile::ManifestMaker(manifest) : OutputFile::ManifestMaker());
+                  printed.isProven ? OutputFile::ManifestMaker(manifest) : OutputFile::ManifestMaker());
   painted = output::pages::writePdf(
       report, texts, [&file](std::string_view bytes) { file.write(bytes); }, progress, printer.pageLayout().pageSize(),
       selection);
@@ -56,12 +61,9 @@ ReportViewer::~ReportViewer() {
   if (announced_) libraryState().pendingReport = {};
 }
 
-void ReportViewer::Navigate(const QString& path, output::ReportNotes notes, const QString& remark,
-                            ReportOrigin origin) {
+void ReportViewer::Navigate(const QString& path, PrintedList list) {
   path_ = path;
-  notes_ = std::move(notes);
-  remark_ = remark;
-  origin_ = std::move(origin);
+  list_ = std::move(list);
   if (std::exchange(announced_, true)) return;
   QMetaObject::invokeMethod(
       this,
@@ -79,30 +81,11 @@ void ReportViewer::ExecWB(ReportCommand command, ExecOption option) {
     preview();
 }
 
-std::unique_ptr<output::ReportReader> ReportViewer::openReport() const {
-  auto report =
-      std::make_unique<output::ReportReader>(output::reportFile(std::filesystem::path(path_.toStdU16String())), notes_);
-  // The whole file is read before any of it is shown: only its end tells whether it was changed.
-  output::SectionHead head;
-  while (report->nextSection(head)) continue;
-  report->rewind();
-  return report;
-}
-
-output::pages::PageTexts ReportViewer::pageTexts() const {
-  output::pages::PageTexts texts;
-  texts.printedAt =
-      ownText("print.printedAt").arg(QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat));
-  texts.pageOf = ownText("print.pageOf");
-  texts.columnsOf = ownText("print.columnsOf");
-  // The notice on the screen is not on paper, so the pages have a remark.
-  if (notes_.replacedCharacters > 0) texts.note = ownText("print.replaced").arg(countText(notes_.replacedCharacters));
-  texts.remark = remark_;
-  return texts;
-}
-
 void ReportViewer::print(ExecOption option) {
-  const std::unique_ptr<output::ReportReader> report = openReport();
+  // A copy: dialogs let the next report come.
+  const PrintedList printed = list_;
+  const std::unique_ptr<output::ReportSource> report = sourceOf(printed);
+  const output::pages::PageTexts texts = pageTextsOf(printed);
   const QPointer<ReportViewer> alive(this);
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(QStringLiteral("KorvelAudit Report"));
@@ -111,16 +94,14 @@ void ReportViewer::print(ExecOption option) {
   if (option == ExecOption::promptUser && !services->choosePrinter(&owner_, printer)) return;
   if (!alive) return;
 
-  const ReportOrigin origin = origin_;
   output::pages::PaintedPages painted;
   {
     PageProgressDialog window(owner_);
     const output::pages::PageProgress progress = [&](int page, int pages) { return window.show(page, pages); };
-    painted = printer.outputFileName().isEmpty()
-                  ? printPages(*report, printer, pageTexts(), progress)
-                  : printIntoFile(*report, printer, pageTexts(), origin, notes_.replacedCharacters, progress);
+    painted = printer.outputFileName().isEmpty() ? printPages(*report, printer, texts, progress)
+                                                 : printIntoFile(*report, printer, texts, printed, progress);
   }
-  if (alive && origin.rows && !printer.outputFileName().isEmpty() && !painted.cancelled && painted.pages > 0)
+  if (alive && printed.isProven && !printer.outputFileName().isEmpty() && !painted.cancelled && painted.pages > 0)
     Q_EMIT ProvenFileWritten(printer.outputFileName());
   if (alive && !painted.cancelled && painted.pages == 0)
     services->messageBox(&owner_, ui::MessageIcon::information, messageTitle(),
@@ -128,7 +109,7 @@ void ReportViewer::print(ExecOption option) {
 }
 
 void ReportViewer::preview() {
-  auto sheets = std::make_unique<output::pages::ReportSheets>(openReport(), pageTexts());
+  auto sheets = std::make_unique<output::pages::ReportSheets>(sourceOf(list_), pageTextsOf(list_));
   const QPointer<ReportViewer> alive(this);
   {
     PageProgressDialog window(owner_);

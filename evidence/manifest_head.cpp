@@ -155,7 +155,7 @@ class HeadMaker {
       complete_ = text(question.beyondLimit ? "page.completed" : "page.complete", {limit()});
       add("page.completeness", complete_);
     }
-    add("page.notes", onOneLine(joined(part_.notes, ". ")), longLines);
+    add("page.notes", onOneLine(joined(part_.notes, separator)), longLines);
   }
 
   [[nodiscard]] std::string originText() const {

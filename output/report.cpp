@@ -21,21 +21,18 @@ class ReportWriter {
     text_.reserve(2 * chunkBytes);
   }
 
-  ReportNotes write(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font) {
+  std::size_t write(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font) {
     text_ += layout::start;
-    notes_.hasProject = form == ReportTemplate::allLists;
-    if (notes_.hasProject) text_ += layout::project;
+    if (form == ReportTemplate::allLists) text_ += layout::project;
     for (const ReportList& list : lists) section(list, font);
     text_ += layout::end;
     flush();
-    notes_.checksum = checksum_.sum();
-    return std::move(notes_);
+    return replaced_;
   }
 
  private:
   void section(const ReportList& reported, const PrintFont& font) {
     const results::ResultList& list = *reported.list;
-    notes_.sections.push_back({list.columns().size(), list.rowCount()});
     value(layout::captionStart, reported.caption, layout::captionEnd);
     text_ += layout::tableStart;
     text_ += layout::fontStart;
@@ -58,16 +55,11 @@ class ReportWriter {
 
   void value(std::string_view before, std::string_view utf8, std::string_view endMark) {
     text_ += before;
-    const std::size_t at = text_.size();
-    notes_.replacedCharacters += settings::appendInCodePage(utf8, text_);
-    if (text_.find(endMark, at) != std::string::npos) notes_.marked.push_back({values_, text_.size() - at});
+    replaced_ += settings::appendInCodePage(utf8, text_);
     text_ += endMark;
-    ++values_;
   }
 
   void flush() {
-    checksum_.add(text_);
-    notes_.bytes += text_.size();
     sink_(text_);
     text_.clear();
   }
@@ -77,36 +69,34 @@ class ReportWriter {
   const RowProgress& progress_;
   std::size_t rows_;
   std::size_t done_ = 0;
-  std::uint64_t values_ = 0;
+  std::size_t replaced_ = 0;
   std::string text_;
-  ReportChecksum checksum_;
-  ReportNotes notes_;
 };
 
-ReportNotes writeToFile(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
+std::size_t writeToFile(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
                         const std::filesystem::path& path, const RowProgress& progress) {
   ExportFile file(path);
-  ReportNotes notes = writeReport(
+  const std::size_t replaced = writeReport(
       form, lists, font, [&file](std::string_view bytes) { file.write(bytes); }, progress);
   file.commit();
-  return notes;
+  return replaced;
 }
 
 }  // namespace
 
-ReportNotes writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
+std::size_t writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
                         const ByteSink& sink, const RowProgress& progress) {
   std::size_t rows = 0;
   for (const ReportList& list : lists) rows += list.list->rowCount();
   return ReportWriter(sink, progress, rows).write(form, lists, font);
 }
 
-ReportNotes writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
+std::size_t writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
                             const RowProgress& progress) {
   return writeToFile(ReportTemplate::singleList, {&list, 1}, font, file, progress);
 }
 
-ReportNotes writeAllListsReport(std::span<const results::ResultList> lists, std::span<const std::string_view> captions,
+std::size_t writeAllListsReport(std::span<const results::ResultList> lists, std::span<const std::string_view> captions,
                                 const PrintFont& font, const std::filesystem::path& file, const RowProgress& progress) {
   return writeToFile(ReportTemplate::allLists, listsWithRows(lists, captions), font, file, progress);
 }

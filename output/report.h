@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <span>
 #include <string>
@@ -8,7 +9,6 @@
 
 #include "output/byte_sink.h"
 #include "output/print_font.h"
-#include "output/report_notes.h"
 #include "results/result_list.h"
 
 namespace korvel::output {
@@ -27,15 +27,16 @@ enum class ReportTemplate {
 };
 
 /// Writes a report: HTML in the system's code page, no value escaped, deliberately. Lists without rows are written too.
-/// What the sink throws comes through. `progress` counts the rows of all lists together.
-ReportNotes writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
+/// What the sink throws comes through. `progress` counts the rows of all lists together. Returns how many characters
+/// the code page does not hold: each stands as "?".
+std::size_t writeReport(ReportTemplate form, std::span<const ReportList> lists, const PrintFont& font,
                         const ByteSink& sink, const RowProgress& progress = {});
 
 /// The report of one list into an atomic file, over an earlier one. Throws Error with a FileError.
-ReportNotes writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
+std::size_t writeListReport(const ReportList& list, const PrintFont& font, const std::filesystem::path& file,
                             const RowProgress& progress = {});
 /// The same for those lists 1 to 4 that have rows; `lists` and `captions` are those of all pages.
-ReportNotes writeAllListsReport(std::span<const results::ResultList> lists, std::span<const std::string_view> captions,
+std::size_t writeAllListsReport(std::span<const results::ResultList> lists, std::span<const std::string_view> captions,
                                 const PrintFont& font, const std::filesystem::path& file,
                                 const RowProgress& progress = {});
 

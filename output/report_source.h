@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,6 +17,8 @@ struct SectionHead {
   std::string caption;
   PrintFont font;  ///< of the column headers
   std::vector<std::string> headers;
+  /// How wide the columns are compared with each other, one each; empty where that follows from what is in them.
+  std::vector<double> widths = {};
 };
 
 /// A report to be laid out: sections one after the other, each with its rows. It can be gone through as often as is
@@ -32,20 +35,36 @@ class ReportSource {
   virtual bool nextRow(std::vector<std::string_view>& cells) = 0;
 };
 
-/// Lists as they are displayed, without the detour of a file: nothing is lost to a code page. The lists must outlive it
-/// and keep their rows.
+/// Columns of a list as somebody arranged them.
+struct ColumnArrangement {
+  std::vector<results::ColumnIndex> columns;  ///< that are shown, in their order; empty: all
+  std::vector<double> widths;                 ///< of these columns; empty where nobody chose them
+};
+
+/// Lists as they are displayed, without the detour of a file: nothing is lost to a code page.
 class ListSource final : public ReportSource {
  public:
+  /// The lists must outlive it and keep their rows.
   ListSource(std::span<const ReportList> lists, PrintFont font);
+  /// One list, which the source keeps.
+  ListSource(std::string caption, std::shared_ptr<const results::ResultList> list, PrintFont font,
+             ColumnArrangement arrangement = {});
 
   void rewind() override;
   bool nextSection(SectionHead& head) override;
   bool nextRow(std::vector<std::string_view>& cells) override;
 
  private:
-  std::vector<ReportList> lists_;
+  struct Section {
+    std::string caption;
+    std::shared_ptr<const results::ResultList> list;
+    ColumnArrangement arrangement;  ///< with all columns where none were chosen
+  };
+  void add(std::string caption, std::shared_ptr<const results::ResultList> list, ColumnArrangement arrangement);
+
+  std::vector<Section> sections_;
   PrintFont font_;
-  std::size_t nextList_ = 0;
+  std::size_t nextSection_ = 0;
   std::size_t nextRow_ = 0;
 };
 

@@ -60,6 +60,33 @@ std::vector<qreal> cutDown(std::vector<qreal> widths, qreal available) {
   return widths;
 }
 
+/// Widths in these proportions, none below `least`. Together they take `available`, or less where no line of a `whole`
+/// column has to be broken then.
+std::vector<qreal> inProportion(const std::vector<qreal>& proportions, const std::vector<qreal>& least,
+                                const std::vector<qreal>& whole, qreal available) {
+  qreal enough = 0;
+  for (std::size_t i = 0; i < least.size(); ++i) enough = std::max(enough, whole[i] / proportions[i]);
+  std::vector<bool> isLeast(least.size(), false);
+  for (;;) {
+    qreal room = available;
+    qreal shares = 0;
+    for (std::size_t i = 0; i < least.size(); ++i)
+      if (isLeast[i])
+        room -= least[i];
+      else
+        shares += proportions[i];
+    const qreal unit = shares > 0 ? std::min(enough, room / shares) : 0;
+    bool changed = false;
+    std::vector<qreal> widths = least;
+    for (std::size_t i = 0; i < least.size(); ++i) {
+      if (isLeast[i]) continue;
+      widths[i] = unit * proportions[i];
+      if (widths[i] < least[i]) isLeast[i] = changed = true;
+    }
+    if (!changed) return widths;
+  }
+}
+
 }  // namespace
 
 bool fitsUnbroken(const std::vector<ColumnWish>& wishes, qreal available, qreal padding) {
@@ -67,7 +94,7 @@ bool fitsUnbroken(const std::vector<ColumnWish>& wishes, qreal available, qreal 
 }
 
 ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, qreal padding, qreal leastBodyScale,
-                       qreal leastHeaderScale) {
+                       qreal leastHeaderScale, const std::vector<qreal>& proportions) {
   ColumnPlan plan;
   Needs needs = needsAt(wishes, available, padding, plan);
   while (sum(needs.least) > available) {
@@ -78,6 +105,8 @@ ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, q
   }
   if (sum(needs.least) > available)
     plan.widths = cutDown(needs.least, available);
+  else if (!proportions.empty())
+    plan.widths = inProportion(proportions, needs.least, needs.whole, available);
   else if (sum(needs.wanted) > available)
     plan.widths = between(needs.least, needs.wanted, available);
   else if (sum(needs.whole) > available)

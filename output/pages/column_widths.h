@@ -27,8 +27,10 @@ struct ColumnPlan {
 [[nodiscard]] bool fitsUnbroken(const std::vector<ColumnWish>& wishes, qreal available, qreal padding);
 
 /// Shares `available` among the columns. While words do not fit, fonts shrink by steps down to `leastBodyScale`; then
-/// columns with long words become narrower. Columns with long texts get more of the remaining room.
+/// columns with long words become narrower. Columns with long texts get more of the remaining room; with `proportions`,
+/// one for each column, columns are so wide compared with each other instead, as far as their words fit.
 [[nodiscard]] ColumnPlan planColumns(const std::vector<ColumnWish>& wishes, qreal available, qreal padding,
-                                     qreal leastBodyScale, qreal leastHeaderScale);
+                                     qreal leastBodyScale, qreal leastHeaderScale,
+                                     const std::vector<qreal>& proportions = {});
 
 }  // namespace korvel::output::pages

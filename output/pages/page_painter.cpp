@@ -14,6 +14,7 @@ namespace {
 
 constexpr qreal pointsPerInch = 72;
 constexpr qreal lineWidthPoints = 0.35;
+constexpr qreal frameWidthPoints = 1.2;
 const QColor gridColour(150, 150, 150);
 const QColor headerColour(236, 236, 236);
 const QColor faintColour(110, 110, 110);
@@ -52,16 +53,16 @@ void PagePainter::cell(const CellLines& cell, std::size_t first, std::size_t cou
   }
 }
 
-void PagePainter::text(const QRectF& where, Qt::Alignment alignment, const QFont& font, const QString& text) {
-  texts_.push_back({where, alignment, font, text});
-}
-
 void PagePainter::fill(const QRectF& where) {
   fills_.push_back(where);
 }
 
 void PagePainter::line(QPointF from, QPointF to) {
   lines_.push_back({from, to});
+}
+
+void PagePainter::frame(const QRectF& where) {
+  frames_.push_back(where);
 }
 
 void PagePainter::paintShaped(const ShapedLine& line) {
@@ -81,19 +82,27 @@ void PagePainter::paintShaped(const ShapedLine& line) {
   layout.draw(&painter_, line.at);
 }
 
+void PagePainter::paintFrames() {
+  QPen pen(Qt::black);
+  pen.setWidthF(frameWidthPoints * painter_.device()->logicalDpiX() / pointsPerInch);
+  pen.setJoinStyle(Qt::MiterJoin);
+  painter_.setPen(pen);
+  for (const QRectF& where : frames_) {
+    // Within the rectangle with all of its width.
+    const qreal half = pen.widthF() / 2;
+    painter_.drawRect(where.adjusted(half, half, -half, -half));
+  }
+}
+
 void PagePainter::paint() {
   for (const QRectF& where : fills_) painter_.fillRect(where, headerColour);
-  for (const MarginText& each : texts_) {
-    painter_.setFont(each.font);
-    painter_.setPen(colourOf(Ink::normal));
-    painter_.drawText(each.where, static_cast<int>(each.alignment | Qt::TextSingleLine), each.text);
-  }
   for (const ShapedLine& line : shaped_) paintShaped(line);
   QPen pen(gridColour);
   pen.setWidthF(lineWidthPoints * painter_.device()->logicalDpiX() / pointsPerInch);
   pen.setCapStyle(Qt::FlatCap);
   painter_.setPen(pen);
   painter_.drawLines(lines_);
+  if (!frames_.empty()) paintFrames();
   for (const Collected& run : runs_) {
     if (run.glyphs.isEmpty()) continue;
     QGlyphRun glyphs;
@@ -107,7 +116,7 @@ void PagePainter::paint() {
 
 void PagePainter::clear() {
   fills_.clear();
-  texts_.clear();
+  frames_.clear();
   shaped_.clear();
   lines_.clear();
   runs_.clear();

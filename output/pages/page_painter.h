@@ -23,10 +23,10 @@ class PagePainter {
   /// Lines `first` to `first + count` of a cell, the first one's top left corner at `at`.
   void cell(const CellLines& cell, std::size_t first, std::size_t count, QPointF at, qreal width, GlyphFace& face,
             Ink ink = Ink::normal);
-  /// One line of text of the page's margins.
-  void text(const QRectF& where, Qt::Alignment alignment, const QFont& font, const QString& text);
   void fill(const QRectF& where);
   void line(QPointF from, QPointF to);
+  /// A frame in strong black lines.
+  void frame(const QRectF& where);
   /// Draws what has been collected.
   void paint();
   /// Begins the next page; faces that were used so far may be destroyed.
@@ -38,12 +38,6 @@ class PagePainter {
     Ink ink = Ink::normal;
     QList<quint32> glyphs;
     QList<QPointF> positions;
-  };
-  struct MarginText {
-    QRectF where;
-    Qt::Alignment alignment;
-    QFont font;
-    QString text;
   };
   /// A line of a cell that is not drawn glyph by glyph.
   struct ShapedLine {
@@ -57,10 +51,11 @@ class PagePainter {
   };
   Collected& collected(GlyphFace& face, Ink ink);
   void paintShaped(const ShapedLine& line);
+  void paintFrames();
 
   QPainter& painter_;
   std::vector<QRectF> fills_;
-  std::vector<MarginText> texts_;
+  std::vector<QRectF> frames_;
   std::vector<ShapedLine> shaped_;
   std::vector<Collected> runs_;
   QList<QLineF> lines_;

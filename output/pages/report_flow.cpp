@@ -15,6 +15,7 @@
 #include "base/system_errors.h"
 #include "output/pages/cell_lines.h"
 #include "output/pages/column_widths.h"
+#include "output/pages/page_fonts.h"
 #include "output/pages/page_painter.h"
 
 namespace korvel::output::pages {
@@ -24,38 +25,15 @@ namespace {
 // In points.
 constexpr qreal bodySize = 8;
 constexpr qreal leastSize = 6;
-constexpr qreal greatestHeaderSize = 24;
-constexpr qreal marginSize = 8;
-constexpr qreal captionSize = 11;
 constexpr qreal cellPadding = 2.5;
 constexpr qreal rowPadding = 1.5;
 constexpr qreal leastColumnSize = 20;
-constexpr qreal captionRoom = 20;
-constexpr qreal remarkTop = 15;
-constexpr qreal remarkRoom = 9;
-constexpr qreal footerRoom = 16;
 constexpr qreal pointsPerInch = 72;
 constexpr qreal pageMarginMillimetres = 12;
 
 constexpr std::size_t leastLinesOfAPart = 3;
 constexpr std::size_t rowsBetweenReports = 1000;
 constexpr std::size_t measuredBytes = 8000;
-
-QFont bodyFont(qreal size) {
-  QFont font;
-  // Narrow columns come first: a record has eighteen columns.
-  font.setFamilies({QStringLiteral("DejaVu Sans Condensed"), QStringLiteral("Segoe UI"), QStringLiteral("Arial"),
-                    QStringLiteral("Liberation Sans"), QStringLiteral("DejaVu Sans")});
-  font.setStyleHint(QFont::SansSerif);
-  font.setPointSizeF(size);
-  return font;
-}
-
-QFont headerFont(const PrintFont& font, qreal scale) {
-  QFont header(QString::fromStdString(font.name));
-  header.setPointSizeF(std::clamp(font.size, qreal{1}, greatestHeaderSize) * scale);
-  return header;
-}
 
 struct Cancelled {};
 /// The pages that were asked for are drawn.
@@ -80,6 +58,7 @@ bool ReportFlow::count(Orientation orientation) {
     device_.setPageMargins({pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres, pageMarginMillimetres},
                            QPageLayout::Millimeter);
     measureSections(orientation);
+    margins_ = std::make_unique<PageMargins>(texts_, device_);
     layOut({});
     pages_ = page_;
     return true;
@@ -142,12 +121,6 @@ qreal ReportFlow::unit() const {
 qreal ReportFlow::pageWidth() const {
   return device_.width();
 }
-qreal ReportFlow::top() const {
-  return (captionRoom + (texts_.remark.isEmpty() ? 0 : remarkRoom)) * unit();
-}
-qreal ReportFlow::bottom() const {
-  return device_.height() - footerRoom * unit();
-}
 qreal ReportFlow::padding() const {
   return 2 * cellPadding * unit();
 }
@@ -206,14 +179,19 @@ ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, std::size_t 
   // As in the report's file: also behind a caption that ends so itself.
   plan.caption = shownOnPaper(head.caption) + QStringLiteral(" Audits");
   std::vector<ColumnWish> wishes;
-  for (const std::size_t column : plan.columns) wishes.push_back(measured[column]);
+  std::vector<qreal> proportions;
+  for (const std::size_t column : plan.columns) {
+    wishes.push_back(measured[column]);
+    if (!head.widths.empty()) proportions.push_back(std::max(qreal{1}, head.widths[column]));
+  }
   if (strips.size() > 1) {
     // The first column stands in front of every further strip, too.
     const std::size_t first = plan.columns[strip > 0 && plan.columns.front() == 0 ? 1 : 0];
     plan.caption +=
         QStringLiteral(": ") + texts_.columnsOf.arg(first + 1).arg(plan.columns.back() + 1).arg(measured.size());
   }
-  const ColumnPlan columns = planColumns(wishes, pageWidth(), padding(), leastSize / bodySize, leastHeaderScale);
+  const ColumnPlan columns =
+      planColumns(wishes, pageWidth(), padding(), leastSize / bodySize, leastHeaderScale, proportions);
   plan.widths = columns.widths;
   plan.headerFace = std::make_unique<GlyphFace>(headerFont(head.font, columns.headerScale), device_);
   plan.bodyFace = std::make_unique<GlyphFace>(bodyFont(bodySize * columns.bodyScale), device_);
@@ -267,9 +245,9 @@ void ReportFlow::layOutStrip(std::size_t passedRows) {
 void ReportFlow::beginPage() {
   if (out_ == nullptr) starts_.push_back(here_);
   ++page_;
-  y_ = 0;
-  if (out_ != nullptr) margins();
-  y_ = top();
+  margins_->layOut(page_, plan_.caption);
+  if (out_ != nullptr) margins_->draw(*out_, pages_);
+  y_ = margins_->top();
   if (!plan_.headers.empty()) headerRow();
   freshY_ = y_;
 }
@@ -287,32 +265,9 @@ void ReportFlow::endPage() {
   if (page_ == lastPage_ && page_ < pages_) throw PageDone{};
 }
 
-void ReportFlow::margins() {
-  const QRectF above(0, 0, pageWidth(), captionRoom * unit());
-  const QRectF below(0, bottom(), pageWidth(), footerRoom * unit());
-  QFont caption = bodyFont(captionSize);
-  caption.setBold(true);
-  out_->text(above, Qt::AlignLeft | Qt::AlignTop, caption, plan_.caption);
-  remark();
-  const QFont small = bodyFont(marginSize);
-  out_->text(above, Qt::AlignRight | Qt::AlignTop, small, texts_.printedAt);
-  out_->text(below, Qt::AlignLeft | Qt::AlignBottom, small, texts_.note);
-  out_->text(below, Qt::AlignRight | Qt::AlignBottom, small, texts_.pageOf.arg(page_).arg(pages_));
-}
-
-void ReportFlow::remark() {
-  if (texts_.remark.isEmpty()) return;
-  QFont font = bodyFont(marginSize);
-  // On small paper it is scaled down instead of being cut, because it concerns all rows.
-  const qreal width = QFontMetricsF(font, &device_).horizontalAdvance(texts_.remark);
-  if (width > pageWidth()) font.setPointSizeF(marginSize * pageWidth() / width);
-  const qreal at = remarkTop * unit();
-  out_->text({0, at, pageWidth(), top() - at}, Qt::AlignLeft | Qt::AlignTop, font, texts_.remark);
-}
-
 void ReportFlow::headerRow() {
   // A header takes at most half of the page, so that rows have room.
-  const qreal half = (bottom() - y_) / 2;
+  const qreal half = (margins_->bottom() - y_) / 2;
   const auto most = static_cast<std::size_t>(std::max(qreal{1}, half / plan_.headerFace->lineHeight()));
   const std::size_t lines = std::min(mostLines(plan_.headers), most);
   const qreal height = static_cast<qreal>(lines) * plan_.headerFace->lineHeight() + 2 * rowPadding * unit();
@@ -343,13 +298,13 @@ void ReportFlow::row(const std::vector<std::string_view>& cells, std::size_t fir
   };
   while (first < lines) {
     here_.line = first;
-    std::size_t fit = linesIn(bottom() - y_);
+    std::size_t fit = linesIn(margins_->bottom() - y_);
     // A row that a page holds stays together; a longer one begins where a few of its lines fit.
     const bool stays = lines - first <= fit || (first == 0 && lines > linesOfAPage() && fit >= leastLinesOfAPart);
     if (!stays && !pageIsFresh()) {
       endPage();
       beginPage();
-      fit = linesIn(bottom() - y_);
+      fit = linesIn(margins_->bottom() - y_);
     }
     const std::size_t count = std::clamp<std::size_t>(fit, 1, lines - first);
     const qreal height = static_cast<qreal>(count) * lineHeight + paddings;
@@ -365,7 +320,9 @@ void ReportFlow::row(const std::vector<std::string_view>& cells, std::size_t fir
 }
 
 std::size_t ReportFlow::linesOfAPage() const {
-  const qreal room = bottom() - freshY_ - 2 * rowPadding * unit();
+  // The first page has less room than those that follow.
+  const qreal header = freshY_ - margins_->top();
+  const qreal room = margins_->bottom() - margins_->laterTop() - header - 2 * rowPadding * unit();
   return static_cast<std::size_t>(std::max(qreal{1}, room / plan_.bodyFace->lineHeight()));
 }
 

@@ -9,6 +9,7 @@
 #include "output/pages/column_strips.h"
 #include "output/pages/column_widths.h"
 #include "output/pages/glyph_face.h"
+#include "output/pages/page_margins.h"
 #include "output/pages/report_pages.h"
 
 class QPagedPaintDevice;
@@ -57,12 +58,10 @@ class ReportFlow {
 
   [[nodiscard]] qreal unit() const;
   [[nodiscard]] qreal pageWidth() const;
-  /// Where the table begins, below the caption.
-  [[nodiscard]] qreal top() const;
-  [[nodiscard]] qreal bottom() const;
   [[nodiscard]] qreal padding() const;
   [[nodiscard]] qreal tableWidth() const;
   [[nodiscard]] bool pageIsFresh() const { return y_ <= freshY_; }
+  /// Of a page after the first one.
   [[nodiscard]] std::size_t linesOfAPage() const;
 
   void report(int page);
@@ -76,8 +75,6 @@ class ReportFlow {
   void drawPages(int first, int last);
   void beginPage();
   void endPage();
-  void margins();
-  void remark();
   void headerRow();
   /// Lays out a row from line `first` on.
   void row(const std::vector<std::string_view>& cells, std::size_t first);
@@ -90,6 +87,7 @@ class ReportFlow {
   const PageProgress& progress_;
   std::vector<std::vector<ColumnWish>> measures_;  ///< of each section
   std::vector<std::vector<ColumnStrip>> strips_;   ///< likewise
+  std::unique_ptr<PageMargins> margins_;
   std::vector<PageStart> starts_;
   PageStart here_;
   SectionPlan plan_;

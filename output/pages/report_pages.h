@@ -4,6 +4,7 @@
 #include <QString>
 #include <functional>
 
+#include "output/page_head.h"
 #include "output/report_source.h"
 
 class QPagedPaintDevice;
@@ -12,10 +13,8 @@ namespace korvel::output::pages {
 
 /// The texts around the tables.
 struct PageTexts {
-  QString printedAt;                                 ///< right above: when it is printed
+  PageHead head;
   QString pageOf = QStringLiteral("Page %1 of %2");  ///< right below
-  QString note;                                      ///< left below
-  QString remark = {};                               ///< under the caption: what a reader of the rows must know
   /// After the caption of a sheet with some of the columns only.
   QString columnsOf = QStringLiteral("columns %1 to %2 of %3");
 };

@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QDateTime>
-#include <QString>
+#include <algorithm>
+#include <chrono>
 #include <string>
 
 #include "base/atomic_file.h"
 #include "cli/messages.h"
-#include "cli/pdf_output.h"
+#include "evidence/origin.h"
 #include "tests/cli/output_formats_fixture.h"
 #include "tests/support/audit_rows.h"
 #include "tests/support/process_conditions_posix.h"
@@ -35,17 +35,29 @@ TEST_F(OutputFormats, PdfShowsTheListAsStored) {
   EXPECT_THAT(run("pdf").out, StartsWith("%PDF-")) << "a pipe takes it too, and a second one can be made";
 }
 
-TEST_F(OutputFormats, PdfSaysWhenItWasPrinted) {
-  // A minute that is no month, and a month that is no minute.
-  EXPECT_EQ(printedAt(QDateTime(QDate(2026, 11, 22), QTime(4, 49, 7))), "Printed 2026-11-22 04:49:07");
+TEST_F(OutputFormats, PdfSaysWhoPrintedItAndWhen) {
   const std::string file = (folder / "out.pdf").string();
-  const QString before = printedAt(QDateTime::currentDateTime());
+  const auto shownNow = [] {
+    std::string time = evidence::localTimeText(std::chrono::system_clock::now());
+    time.replace(time.find('T'), 1, " ");
+    return time.insert(time.size() - 6, " ");
+  };
+  const std::string before = shownNow();
   ASSERT_EQ(run("pdf", file).status, exitDone);
-  const QString after = printedAt(QDateTime::currentDateTime());
-  const QString text = QString::fromStdString(test::outputOf("pdftotext -raw '" + file + "' -"));
-  const QString mark = text.mid(text.indexOf("Printed "), before.size());
-  EXPECT_LE(before, mark);
-  EXPECT_LE(mark, after);
+  const std::string after = shownNow();
+  std::string text = test::outputOf("pdftotext -raw '" + file + "' -");
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  const std::size_t at = text.find("Printed ");
+  ASSERT_NE(at, std::string::npos) << text;
+  const std::string printed = text.substr(at + 8, before.size());
+  EXPECT_LE(before, printed);
+  EXPECT_LE(printed, after);
+  for (const std::string& part :
+       {"User: " + evidence::systemUser(), "Computer: " + evidence::computerName(), std::string("· korvel-audit ")})
+    EXPECT_THAT(text, HasSubstr(part));
+  const std::string about = test::outputOf("pdfinfo '" + file + "'");
+  EXPECT_THAT(about, testing::ContainsRegex("Author: +" + evidence::systemUser() + "\n"));
+  EXPECT_THAT(about, HasSubstr("complete: the limit of 5,000 records was not reached"));
 }
 
 TEST_F(OutputFormats, XlsxCarriesEveryColumn) {

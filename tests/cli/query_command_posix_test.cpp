@@ -84,7 +84,9 @@ TEST_F(QueryCommand, PagesSayWhetherTheAnswerIsComplete) {
   server.answer[0].rows.assign(db::rowLimitPerResult, test::auditRow("1", "CS"));
   const std::string file = (folder / "out.pdf").string();
   ASSERT_EQ(run({"--complete", "--format", "pdf", "--output", file}).status, exitDone);
-  EXPECT_NE(test::outputOf("pdftotext -l 1 -raw '" + file + "' -").find("complete: 5,000 records"), std::string::npos);
+  EXPECT_NE(test::outputOf("pdftotext -l 1 -raw '" + file + "' -")
+                .find("complete: completed beyond the limit of 5,000 records"),
+            std::string::npos);
 }
 
 TEST_F(QueryCommand, PagesSayThatTheAnswerWasCutAndWhatWasChosen) {
@@ -92,14 +94,31 @@ TEST_F(QueryCommand, PagesSayThatTheAnswerWasCutAndWhatWasChosen) {
   const auto firstPage = [&](std::vector<std::string> options) {
     options.insert(options.end(), {"--format", "pdf", "--output", file});
     EXPECT_EQ(run(options).status, exitDone);
-    return test::outputOf("pdftotext -l 1 -raw '" + file + "' -");
+    return test::outputOf("pdftotext -l 1 -layout '" + file + "' - | tr -s ' \\n' ' '");
   };
-  const std::string cut = "5000-row limit of an answer reached: there may be more records";
+  const std::string cut = "INCOMPLETE: the limit of 5,000 was reached in: ALL Audits";
   EXPECT_EQ(firstPage({}).find(cut), std::string::npos);
   server.answer[0].rows.assign(db::rowLimitPerResult, test::auditRow("1", "CS"));
   const std::string page = firstPage({"--where", "Audit Type=CS"});
   EXPECT_NE(page.find(cut), std::string::npos) << page;
   EXPECT_NE(page.find("chosen: Audit Type = \"CS\""), std::string::npos) << page;
+  EXPECT_NE(page.find("Filters Audit Type = \"CS\""), std::string::npos) << page;
+  EXPECT_EQ(page.find("5000-row limit"), std::string::npos) << "said once";
+  const std::string about = test::outputOf("pdfinfo '" + file + "'");
+  EXPECT_NE(about.find(cut), std::string::npos) << about;
+}
+
+TEST_F(QueryCommand, PagesTellWhereTheirRowsComeFrom) {
+  const std::string file = (folder / "out.pdf").string();
+  ASSERT_EQ(run({"--database", "Trail", "--category", "C2", "--category", "C3", "--from", "2004-03-07", "--to",
+                 "2004-03-08", "--sort", "Event", "--format", "pdf", "--output", file})
+                .status,
+            exitDone);
+  const std::string page = test::outputOf("pdftotext -l 1 -layout '" + file + "' - | tr -s ' \\n' ' '");
+  for (const char* part :
+       {"Audit trail (embedded), Trail", "Asked for Configuration: Alarms, Tag Logging",
+        "Date range 2004-03-07 to 2004-03-08, both days whole", "Filters none", "Sorted by Event", "4 on these pages"})
+    EXPECT_NE(page.find(part), std::string::npos) << part << '\n' << page;
 }
 
 }  // namespace

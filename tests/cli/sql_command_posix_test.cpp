@@ -68,8 +68,10 @@ TEST_F(SqlCommand, StoppedHalfWayLeavesFilesAsTheyWere) {
 
 TEST_F(SqlCommand, PagesShowTheAnswer) {
   ASSERT_EQ(run({"q", "--format", "pdf", "--output", file("out.pdf")}).status, exitDone);
-  const std::string text = test::outputOf("pdftotext -raw '" + file("out.pdf") + "' -");
-  for (const char* part : {"Custom", "Nr", "10", "a,b", "Page 1 of 1"})
+  const std::string text = test::outputOf("pdftotext -layout '" + file("out.pdf") + "' - | tr -s ' \\n' ' '");
+  for (const char* part : {"Custom", "Nr", "10", "a,b", "Page 1 of 1", "Query (SQL) q",
+                           // That of "q".
+                           "8e35c2cd3bf6641bdb0e2050b76932cbb2e6034a0ddacc1d9bea82a6ba57f7cf"})
     EXPECT_NE(text.find(part), std::string::npos) << part << text;
 }
 

@@ -1,10 +1,12 @@
 // Printing on a full disk; the rights, the pages and the contents of the printed file.
 #include <sys/stat.h>
 
+#include <QHeaderView>
 #include <chrono>
 #include <regex>
 
 #include "control/texts.h"
+#include "evidence/origin.h"
 #include "tests/control/printing_fixture.h"
 #include "tests/support/process_conditions_posix.h"
 #include "tests/support/program_output.h"
@@ -127,7 +129,7 @@ TEST_F(Printing, TellsAtTheHeadOfThePagesWhetherAllWasLoaded) {
     completeDocuments();
     return test::outputOf("pdftotext -l 1 -raw '" + path("printed.pdf").toStdString() + "' -");
   };
-  EXPECT_THAT(printedText(), ::testing::HasSubstr("5000-row limit of an answer reached: there may be more records"));
+  EXPECT_THAT(printedText(), ::testing::HasSubstr("INCOMPLETE: the limit of 5000 was reached in: ALL Audits"));
   server.answer = [this, calls = 0](db::ResultSink& sink) mutable {
     std::vector<db::Field> fields;
     for (const query::AuditColumn& column : query::auditColumns()) fields.push_back({std::string(column.name)});
@@ -142,11 +144,11 @@ TEST_F(Printing, TellsAtTheHeadOfThePagesWhetherAllWasLoaded) {
   };
   click(*viewer, "LoadAll");
   ASSERT_EQ(statusPanel(*viewer), "complete: 5000 records");
-  EXPECT_THAT(printedText(), ::testing::HasSubstr("complete: 5000 records"));
-  EXPECT_THAT(printedText(), ::testing::Not(::testing::HasSubstr("limit")));
+  EXPECT_THAT(printedText(), ::testing::HasSubstr("complete: completed beyond the limit of 5000 records"));
+  EXPECT_THAT(printedText(), ::testing::Not(::testing::HasSubstr("INCOMPLETE")));
   libraryState().language = settings::LanguageOffset("10000");
   viewer->SwitchLanguage();
-  EXPECT_THAT(printedText(), ::testing::HasSubstr("vollständig: 5000 Datensätze"));
+  EXPECT_THAT(printedText(), ::testing::HasSubstr("vollständig: über die Grenze von 5000 Datensätzen hinaus ergänzt"));
 }
 
 TEST_F(Printing, ReportsAlarmRowsOfAllDatesAtTheHeadOfThePages) {
@@ -191,6 +193,109 @@ TEST_F(Printing, SaysAtTheHeadOfThePagesWhichRowsOfAFilteredListTheyHave) {
   const std::string whole = printedText(1);
   EXPECT_NE(whole.find("Whole list: all 3 records"), std::string::npos) << whole;
   EXPECT_NE(whole.find("two"), std::string::npos);
+}
+
+/// What a reader of the printed file is shown, in the order of its lines.
+class PrintedText : public Printing {
+ protected:
+  [[nodiscard]] std::string printedText(AuditViewer& viewer) {
+    click(viewer, "btPrint");
+    completeDocuments();
+    return textOfFile();
+  }
+  [[nodiscard]] std::string textOfFile() const {
+    return test::outputOf("pdftotext -layout '" + path("printed.pdf").toStdString() + "' - | tr -s ' \\n' ' '");
+  }
+};
+
+TEST_F(PrintedText, HasTheCharactersThatTheReportsFileCannotHold) {
+  const auto viewer = viewerWith({{"Małgorzata", "ポンプ", "c"}});
+  const std::string text = printedText(*viewer);
+  EXPECT_THAT(text, ::testing::HasSubstr("Małgorzata"));
+  EXPECT_THAT(text, ::testing::HasSubstr("ポンプ"));
+  EXPECT_THAT(written("report.htm"), ::testing::HasSubstr(">Ma?gorzata<"));
+}
+
+TEST_F(PrintedText, IsThatOfTheRowsThatTheReportWasWrittenFrom) {
+  const auto viewer = viewerWith({{"first", "b", "c"}});
+  click(*viewer, "btPrint");
+  server.answer = [](db::ResultSink& sink) {
+    const std::vector<db::Field> fields{{"Other"}};
+    sink.beginResult(fields);
+    const std::array<db::Cell, 1> cells{{{"second"}}};
+    sink.row(cells);
+    sink.endResult();
+  };
+  click(*viewer, "btQuery");
+  completeDocuments();
+  EXPECT_THAT(textOfFile(), ::testing::HasSubstr("first b c"));
+  EXPECT_THAT(textOfFile(), ::testing::Not(::testing::HasSubstr("second")));
+}
+
+TEST_F(PrintedText, HasTheColumnsAsTheListShowsThemAndNamesThoseThatItHides) {
+  const auto viewer = viewerWith({{"aaa", "bbb", "ccc"}});
+  QTableView* view = list(*viewer, 5);
+  EXPECT_THAT(printedText(*viewer), ::testing::HasSubstr("aaa bbb ccc"));
+  EXPECT_THAT(printedText(*viewer), ::testing::Not(::testing::HasSubstr("left out")));
+  view->horizontalHeader()->moveSection(2, 0);
+  view->setColumnHidden(1, true);
+  const std::string text = printedText(*viewer);
+  EXPECT_THAT(text, ::testing::HasSubstr("ccc aaa"));
+  EXPECT_THAT(text, ::testing::Not(::testing::HasSubstr("bbb")));
+  EXPECT_THAT(text, ::testing::HasSubstr("Columns left out B"));
+  EXPECT_THAT(written("report.htm"), ::testing::HasSubstr(">bbb<")) << "the file has all columns in their own order";
+  for (int column = 0; column < 3; ++column) view->setColumnHidden(column, true);
+  EXPECT_THAT(printedText(*viewer), ::testing::HasSubstr("aaa bbb ccc")) << "a page has columns";
+}
+
+TEST_F(PrintedText, HasWidthsThatTheUserChose) {
+  const auto viewer = viewerWith({{"aaa", "bbb", "ccc"}});
+  const auto leftOf = [&](const std::string& word) {
+    click(*viewer, "btPrint");
+    completeDocuments();
+    const std::string boxes = test::outputOf("pdftotext -bbox '" + path("printed.pdf").toStdString() + "' -");
+    const std::size_t box = boxes.rfind("xMin=\"", boxes.find(">" + word + "<"));
+    return std::stod(boxes.substr(box + 6));
+  };
+  const double first = leftOf("aaa");
+  EXPECT_NEAR(leftOf("ccc") - leftOf("bbb"), leftOf("bbb") - first, 3) << "as their contents need";
+  QTableView* view = list(*viewer, 5);
+  view->setColumnWidth(1, 4 * view->columnWidth(0));
+  EXPECT_NEAR((leftOf("ccc") - leftOf("bbb")) / (leftOf("bbb") - first), 4, 0.1);
+}
+
+TEST_F(PrintedText, TellsWhereTheRowsComeFromAndWhoPrintedThem) {
+  const auto viewer = viewerWith({{"one", "x", "c"}, {"two", "y", "c"}, {"three", "x", "c"}});
+  QTableView* view = list(*viewer, 5);
+  view->setCurrentIndex(view->model()->index(0, 1));
+  QTest::keyClick(view, Qt::Key_K, Qt::ControlModifier);
+  recorder->chosenAnswer = 0;
+  std::string text = printedText(*viewer);
+  for (const char* part : {"Audit trail ", "Query (SQL) ", "SHA-256 of the query ", "2 of 3 on these pages",
+                           "Sorted by as answered", "Filtered: 2 of 3 records"})
+    EXPECT_THAT(text, ::testing::HasSubstr(part));
+  EXPECT_THAT(text, ::testing::ContainsRegex("Filters B *= *x"));
+  EXPECT_THAT(text, ::testing::HasSubstr("User: " + evidence::systemUser()));
+  EXPECT_THAT(text, ::testing::HasSubstr("KorvelAuditViewer " KORVEL_VERSION));
+  recorder->chosenAnswer = 1;
+  text = printedText(*viewer);
+  EXPECT_THAT(text, ::testing::HasSubstr("Filters none"));
+  EXPECT_THAT(text, ::testing::HasSubstr("Records 3 on these pages"));
+  libraryState().language = settings::LanguageOffset("20000");
+  viewer->SwitchLanguage();
+  text = printedText(*viewer);
+  EXPECT_THAT(text, ::testing::HasSubstr("Enregistrements 3 sur ces pages"));
+  EXPECT_THAT(test::outputOf("pdfinfo -meta '" + path("printed.pdf").toStdString() + "'"),
+              ::testing::HasSubstr("<rdf:li>fr</rdf:li>"));
+}
+
+TEST_F(PrintedText, OfAListThatWasNeverQueriedSaysNothingOfAnAnswer) {
+  const auto viewer = shownViewer();
+  const std::string text = printedText(*viewer);
+  EXPECT_THAT(text, ::testing::HasSubstr("ALL Audits Audits"));
+  EXPECT_THAT(text, ::testing::HasSubstr("KorvelAuditViewer " KORVEL_VERSION));
+  for (const char* part : {"Query (SQL)", "Filters", "Completeness", "INCOMPLETE"})
+    EXPECT_THAT(text, ::testing::Not(::testing::HasSubstr(part)));
 }
 
 }  // namespace

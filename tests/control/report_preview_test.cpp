@@ -75,8 +75,7 @@ class Preview : public ::testing::Test {
     return sheetsOf(std::make_unique<NumberedRows>(rows));
   }
   static std::unique_ptr<output::pages::ReportSheets> sheetsOf(std::unique_ptr<output::ReportSource> source) {
-    auto made = std::make_unique<output::pages::ReportSheets>(std::move(source),
-                                                              output::pages::PageTexts{"now", "Page %1 of %2", {}});
+    auto made = std::make_unique<output::pages::ReportSheets>(std::move(source), output::pages::PageTexts{});
     EXPECT_TRUE(made->layOut());
     return made;
   }

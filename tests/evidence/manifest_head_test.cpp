@@ -118,7 +118,7 @@ TEST_F(ManifestHead, TellsWhatWasFilteredSortedCountedAndLeftOut) {
   EXPECT_EQ(fact("Sorted by"), "Date Time, descending");
   EXPECT_EQ(fact("Columns left out"), "Comments, Summer Time");
   EXPECT_THAT(fact("Records"), StartsWith("7 of 120 on these pages · "));
-  EXPECT_EQ(fact("Notes"), "one. two");
+  EXPECT_EQ(fact("Notes"), "one · two");
   part.isCounted = true;
   EXPECT_THAT(fact("Records"), StartsWith("numbers of records in 7 rows · "));
   part.isCounted = false;

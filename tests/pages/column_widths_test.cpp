@@ -62,5 +62,22 @@ TEST(ColumnWidths, OfNoColumnsAreNone) {
   EXPECT_TRUE(planColumns({}, 500, 2, 0.9, 0.9).widths.empty());
 }
 
+TEST(ColumnWidths, FollowProportionsAsFarAsWordsFit) {
+  // No line is broken where the second column is so wide.
+  const ColumnPlan roomy = planColumns({wish(10, 20, 20), wish(10, 90, 20)}, 1000, 0, 1, 1, {1, 3});
+  EXPECT_NEAR(roomy.widths.at(1) / roomy.widths.at(0), 3, 0.01);
+  EXPECT_NEAR(roomy.widths.at(1), 90, 1);
+  // All of the page is used where lines are broken.
+  const ColumnPlan full = planColumns({wish(10, 400, 20), wish(10, 400, 20)}, 400, 0, 1, 1, {1, 3});
+  EXPECT_NEAR(full.widths.at(0), 100, 1);
+  EXPECT_NEAR(sumOf(full), 400, 0.01);
+  // Too narrow for its word: the others share what is left.
+  const ColumnPlan least =
+      planColumns({wish(80, 400, 20), wish(10, 400, 20), wish(10, 400, 20)}, 400, 0, 1, 1, {1, 5, 10});
+  EXPECT_NEAR(least.widths.at(0), 80, 1);
+  EXPECT_NEAR(least.widths.at(2) / least.widths.at(1), 2, 0.01);
+  EXPECT_NEAR(sumOf(least), 400, 0.01);
+}
+
 }  // namespace
 }  // namespace korvel::output::pages

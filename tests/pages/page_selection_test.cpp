@@ -5,7 +5,6 @@
 #include <QPdfWriter>
 #include <regex>
 
-#include "output/report_reader.h"
 #include "tests/pages/written_pages.h"
 
 namespace korvel::output::pages {
@@ -124,15 +123,6 @@ TEST_F(SelectedPages, OfAReportWithColumnsOnSeveralSheetsAreThoseOfItsSheets) {
   one.ranges.addPage(all);
   write(list, {}, one);
   EXPECT_EQ(text(), last);
-}
-
-TEST_F(SelectedPages, OfAReportFileAreThose) {
-  const ReportNotes notes = writeListReport({"ALL Audits", &list}, {"Courier", 9}, folder / reportName);
-  write(list, {}, selected("2,4"));
-  const std::string direct = text();
-  ReportReader reader(reportFile(folder / reportName), notes);
-  write(reader, {}, selected("2,4"));
-  EXPECT_EQ(text(), direct);
 }
 
 }  // namespace

@@ -117,7 +117,7 @@ struct RenderedPages : testing::Test {
     return Picture(sheets.picture(page, dotsPerInch));
   }
 
-  PageTexts texts{{}, QStringLiteral("Page %1 of %2"), {}, {}};
+  PageTexts texts;
   int count = 0;
 };
 

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QRectF>
+#include <QSizeF>
+#include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -13,6 +17,43 @@
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::output::pages {
+
+/// A word on a page, and its position in points.
+struct Word {
+  QRectF box;
+  std::string text;
+};
+struct WrittenPage {
+  QSizeF size;
+  std::vector<Word> words;
+
+  /// The first such word; an empty one where there is none.
+  [[nodiscard]] Word word(const std::string& text) const {
+    for (const Word& each : words)
+      if (each.text == text) return each;
+    ADD_FAILURE() << "no word " << text;
+    return {};
+  }
+};
+
+/// The pages of a document.
+inline std::vector<WrittenPage> pagesOf(const std::filesystem::path& file) {
+  const std::string xml = test::outputOf("pdftotext -bbox '" + file.string() + "' -");
+  static const std::regex tag(
+      "<page width=\"([0-9.]+)\" height=\"([0-9.]+)\"|<word xMin=\"([0-9.-]+)\" yMin=\"([0-9.-]+)\" "
+      "xMax=\"([0-9.-]+)\" yMax=\"([0-9.-]+)\">([^<]*)</word>");
+  std::vector<WrittenPage> pages;
+  for (std::sregex_iterator found(xml.begin(), xml.end(), tag), end; found != end; ++found) {
+    const std::smatch& match = *found;
+    if (match[1].length() > 0)
+      pages.push_back({QSizeF(std::stod(match[1]), std::stod(match[2])), {}});
+    else
+      pages.back().words.push_back(
+          {{QPointF(std::stod(match[3]), std::stod(match[4])), QPointF(std::stod(match[5]), std::stod(match[6]))},
+           match[7]});
+  }
+  return pages;
+}
 
 inline std::size_t count(const std::string& text, const std::string& part) {
   std::size_t found = 0;
@@ -33,10 +74,12 @@ inline std::vector<test::ScriptedRow> numberedRows(int rows, std::size_t columns
 
 /// Reports as PDF documents, read back by another program.
 struct WrittenPages : testing::Test {
+  WrittenPages() { texts.head.origin = "Printed 2004-03-07"; }
+
   PaintedPages write(ReportSource& source, const PageProgress& progress = {}, const PageSelection& selection = {}) {
     std::string bytes;
     const PaintedPages painted = writePdf(
-        source, texts, [&](std::string_view chunk) { bytes += chunk; }, progress, QPageSize(QPageSize::A4), selection);
+        source, texts, [&](std::string_view chunk) { bytes += chunk; }, progress, QPageSize(paper), selection);
     writeFileAtomically(folder / "pages.pdf", bytes);
     return painted;
   }
@@ -54,7 +97,8 @@ struct WrittenPages : testing::Test {
   }
 
   test::TemporaryFolder folder;
-  PageTexts texts{QStringLiteral("Printed 2004-03-07"), QStringLiteral("Page %1 of %2"), QStringLiteral("the note")};
+  QPageSize::PageSizeId paper = QPageSize::A4;
+  PageTexts texts;
 };
 
 }  // namespace korvel::output::pages
