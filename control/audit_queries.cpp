@@ -226,7 +226,10 @@ void AuditQueries::LoadAll() {
     // A stopped completion can be started again.
     answer.rowLimitReached = report.endedEarly;
     answer.completion = {report, lists_[0].wholeRowCount()};
-    answer.record = record.completed(tree.flags(), range, report, lists_);
+    evidence::Manifest completed = record.completed(tree.flags(), range, report, lists_);
+    // Which of the categories were finished before the stop nobody knows.
+    if (report.endedEarly && answer.record) completed.limitReached = answer.record->limitReached;
+    answer.record = std::move(completed);
     answers_.setAnswer(AnswerLists::standard, std::move(answer));
     return;
   }

@@ -52,6 +52,14 @@ class LoadAll : public CustomPage {
     }
     sink.endResult();
   }
+  /// The manifest of the list in front.
+  QJsonObject exportedManifest(AuditViewer& viewer) const {
+    const TemporaryFolder folder;
+    const EnvironmentVariable windir("windir", utf8FromPath(folder.path()));
+    control::libraryState().writesManifests = true;
+    viewer.ExportNotepad();
+    return QJsonDocument::fromJson(QByteArray::fromStdString(readFile(folder / "velview.txt.manifest.json"))).object();
+  }
   static QPushButton& button(const AuditViewer& viewer) { return *element<QPushButton>(viewer, "LoadAll"); }
   std::unique_ptr<AuditViewer> cutAnswer() {
     auto viewer = shownViewer();
@@ -102,20 +110,13 @@ TEST_F(LoadAll, ShowsEveryRecordAndSaysThatTheAnswerIsComplete) {
 }
 
 TEST_F(LoadAll, IsInTheManifestOfWhatIsExportedAfterwards) {
-  const TemporaryFolder folder;
-  const EnvironmentVariable windir("windir", utf8FromPath(folder.path()));
   const auto viewer = cutAnswer();
-  control::libraryState().writesManifests = true;
-  const auto exported = [&] {
-    viewer->ExportNotepad();
-    return QJsonDocument::fromJson(QByteArray::fromStdString(readFile(folder / "velview.txt.manifest.json"))).object();
-  };
-  const QJsonObject cut = exported();
+  const QJsonObject cut = exportedManifest(*viewer);
   EXPECT_EQ(cut["complete"], false);
   EXPECT_EQ(cut["limitReached"].toArray(), QJsonArray{"ALL Audits"});
   EXPECT_EQ(cut["question"].toObject()["beyondLimit"], false);
   button(*viewer).click();
-  const QJsonObject whole = exported();
+  const QJsonObject whole = exportedManifest(*viewer);
   EXPECT_EQ(whole["complete"], true);
   EXPECT_FALSE(whole.contains("limitReached"));
   EXPECT_EQ(whole["question"].toObject()["beyondLimit"], true);
@@ -235,6 +236,11 @@ TEST_F(StoppedLoadAll, KeepsWhatHasComeMarkedAsIncomplete) {
   EXPECT_LT(kept, rows);
   EXPECT_EQ(statusPanel(*viewer), QString("incomplete: %1 records. stopped before the end").arg(kept));
   EXPECT_TRUE(button(*viewer).isVisible()) << "it may be begun again";
+  const QJsonObject told = exportedManifest(*viewer);
+  EXPECT_EQ(told["complete"], false);
+  EXPECT_EQ(told["limitReached"].toArray(), QJsonArray{"ALL Audits"});
+  EXPECT_EQ(told["question"].toObject()["beyondLimit"], true);
+  EXPECT_EQ(told["notes"].toArray()[1], "stopped before the end");
   button(*viewer).click();
   EXPECT_EQ(list(*viewer, 0)->model()->rowCount(), rows);
 }

@@ -103,6 +103,22 @@ TEST_F(ProvenFiles, OfTwoOutputsAreNoticed) {
   }
 }
 
+/// Programs before this one said neither when an output was written nor where the limit was reached.
+TEST_F(ProvenFiles, OfEarlierProgramsAreAccepted) {
+  writeProven(file, numberedRows(3));
+  std::string manifest = readFile(manifestOf(file));
+  const std::size_t begin = manifest.find("  \"written\"");
+  ASSERT_NE(begin, std::string::npos);
+  manifest.erase(begin, manifest.find('\n', begin) + 1 - begin);
+  const std::size_t source = manifest.find("  \"source\"");
+  ASSERT_NE(source, std::string::npos);
+  manifest.insert(source, "  \"question\": { \"text\": \"\" },\n");
+  writeFileAtomically(manifestOf(file), manifest);
+  writeFileAtomically(sumsOf(file), sumsText({{Sha256::of(readFile(file)), "rows.csv"},
+                                              {Sha256::of(manifest), "rows.csv.manifest.json"}}));
+  EXPECT_THAT(verifyOutput(file).findings, IsEmpty());
+}
+
 TEST_F(ProvenFiles, SayWhenTheyWereWritten) {
   writeProven(file, numberedRows(1));
   EXPECT_THAT(readFile(manifestOf(file)), testing::ContainsRegex("\"written\": \"[0-9-]+T[0-9:]+[+-]"));
