@@ -42,7 +42,7 @@ Json questionJson(const Manifest::Question& question) {
   return json;
 }
 
-Json stampsJson(const Manifest::Stamps& stamps) {
+Json stampsJson(const RecordedStamps& stamps) {
   Json json = Json::object();
   json["column"] = stamps.column;
   json["clock"] = stamps.withOffset == 0              ? "local time of the plant; its offset from UTC is not recorded"
@@ -52,7 +52,7 @@ Json stampsJson(const Manifest::Stamps& stamps) {
     json["summerTimeColumn"] = stamps.flag;
     json["summerTimeValues"] = "1 or true: summer time; 0 or false: standard time";
   }
-  for (const Manifest::Stamps::Twice& twice : stamps.shownTwice)
+  for (const RecordedStamps::Twice& twice : stamps.shownTwice)
     json["shownTwice"].push_back({{"from", twice.from}, {"to", twice.to}});
   return json;
 }

@@ -11,6 +11,21 @@
 
 namespace korvel::evidence {
 
+/// What the time stamps of rows are: the plant's wall-clock time.
+struct RecordedStamps {
+  /// Times that the clock showed twice, all between them included.
+  struct Twice {
+    std::string from;
+    std::string to;
+  };
+
+  std::string column;
+  std::string flag;               ///< the column that tells summer time from standard time; empty without one
+  std::size_t count = 0;          ///< stamps that were read
+  std::size_t withOffset = 0;     ///< of them, those that are written with their offset from UTC
+  std::vector<Twice> shownTwice;  ///< as far as the rows prove it
+};
+
 /// What an output is, where its rows come from and what was asked for: the text beside an output by which anybody can
 /// check later that it is whole and unchanged. Texts are UTF-8; empty ones are left out.
 struct Manifest {
@@ -42,25 +57,13 @@ struct Manifest {
     std::uint64_t bytes = 0;
     Digest sha256;
   };
-  /// What the time stamps of the rows are: the plant's wall-clock time.
-  struct Stamps {
-    std::string column;
-    std::string flag;            ///< the column that tells summer time from standard time; empty without one
-    std::size_t count = 0;       ///< stamps that were read
-    std::size_t withOffset = 0;  ///< of them, those that are written with their offset from UTC
-    struct Twice {
-      std::string from;
-      std::string to;
-    };
-    std::vector<Twice> shownTwice;  ///< times that the clock showed twice, as far as the rows prove it
-  };
   /// The rows of the output, as they are stored.
   struct Rows {
     std::vector<std::string> columns;
-    Digest digest;                   ///< of all, whatever their order
-    std::vector<Digest> each;        ///< in the order of the output
-    std::vector<Digest> cells{};     ///< of a workbook: the rows as its cells hold them, in its order
-    std::optional<Stamps> stamps{};  ///< where the rows have time stamps
+    Digest digest;                           ///< of all, whatever their order
+    std::vector<Digest> each;                ///< in the order of the output
+    std::vector<Digest> cells{};             ///< of a workbook: the rows as its cells hold them, in its order
+    std::optional<RecordedStamps> stamps{};  ///< where the rows have time stamps
     /// The number of rows of an output that holds their digests itself; `each` is then empty.
     std::optional<std::uint64_t> inOutput{};
   };

@@ -46,7 +46,7 @@ void StampRecorder::add(const StampRecorder& other) {
   repeated_.add(other.repeated_);
 }
 
-std::optional<Manifest::Stamps> StampRecorder::take() {
+std::optional<RecordedStamps> StampRecorder::take() {
   if (stamps_)
     for (query::TimesOfDay& times : repeated_.all())
       stamps_->shownTwice.push_back({std::move(times.fromStamp), std::move(times.toStamp)});

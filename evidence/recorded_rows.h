@@ -27,11 +27,11 @@ class StampRecorder {
   void row(std::span<const db::Cell> cells);
   /// What another recorder has found of other rows.
   void add(const StampRecorder& other);
-  [[nodiscard]] std::optional<Manifest::Stamps> take();
+  [[nodiscard]] std::optional<RecordedStamps> take();
 
  private:
   std::optional<query::StampColumns> columns_;
-  std::optional<Manifest::Stamps> stamps_;
+  std::optional<RecordedStamps> stamps_;
   query::RepeatedTimes repeated_;
 };
 

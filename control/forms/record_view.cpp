@@ -65,9 +65,9 @@ QString timeText(const std::optional<query::PlantTime>& time) {
   using Shown = query::PlantTime::Shown;
   if (!time) return {};
   if (time->offset) return ownText("record.timeWithOffset").arg(fromUtf8(query::offsetText(*time->offset)));
-  const QString text = ownText(time->season == Season::summer     ? "record.timeSummer"
-                               : time->season == Season::standard ? "record.timeStandard"
-                                                                  : "record.timeUnknown");
+  QString text = ownText(time->season == Season::summer     ? "record.timeSummer"
+                         : time->season == Season::standard ? "record.timeStandard"
+                                                            : "record.timeUnknown");
   if (time->shown == Shown::unknown) return text;
   return text + QLatin1String(". ") + ownText(time->shown == Shown::first ? "record.timeFirst" : "record.timeSecond");
 }
