@@ -70,7 +70,7 @@ inline std::string zipOf(const std::vector<ZipPart>& parts) {
     directory += std::string_view("PK\1\2", 4);
     put(directory, 20, 2);
     head(directory);
-    put(directory, 0, 10);  // comment, disk, attributes
+    directory.append(10, '\0');  // comment, disk, attributes
     put(directory, at + static_cast<std::uint64_t>(part.moreOffset), 4);
     directory += part.name;
   }
