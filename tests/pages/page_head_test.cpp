@@ -108,13 +108,17 @@ TEST_F(HeadOfPages, EndsAFactOfTooManyLinesInAnEllipsis) {
 }
 
 TEST_F(HeadOfPages, WrapsItsFootBesideThePageNumber) {
-  texts.head.origin = manyWords("origin", 18);
   paper = QPageSize::A5;
-  write(filledList({{"Alpha"}}, numberedRows(60, 1)));
-  const WrittenPage page = pages().front();
-  EXPECT_GT(page.word("origin17").box.top(), page.word("origin0").box.bottom() - 2);
-  EXPECT_GT(page.word("origin17").box.top(), page.word("N0E").box.bottom());
-  expectWholeWords();
+  // Last lines of all lengths.
+  for (int words = 8; words <= 18; ++words) {
+    SCOPED_TRACE(words);
+    texts.head.origin = manyWords("origin", words);
+    write(filledList({{"Alpha"}}, numberedRows(60, 1)));
+    const WrittenPage page = pages().front();
+    EXPECT_EQ(page.word("origin" + std::to_string(words - 1)).text, "origin" + std::to_string(words - 1));
+    EXPECT_GT(page.word("origin0").box.top(), page.word("N0E").box.bottom());
+    expectWholeWords();
+  }
 }
 
 struct ArrangedColumns : WrittenPages {
