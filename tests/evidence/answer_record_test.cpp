@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <regex>
 
 namespace korvel::evidence {
 namespace {
@@ -30,7 +31,7 @@ TEST(AnswerRecord, SaysWhoAnsweredAndWhen) {
   EXPECT_EQ(record.source.engine, "Engine 12");
   EXPECT_EQ(record.source.login, "PLANT\\reader");
   for (const std::string& moment : {record.begun, record.ended})
-    EXPECT_THAT(moment, testing::ContainsRegex("^[0-9-]+T[0-9:]+[+-][0-9:]+$"));
+    EXPECT_TRUE(std::regex_match(moment, std::regex("[0-9-]+T[0-9:]+[+-][0-9:]+"))) << moment;
 }
 
 TEST(AnswerRecord, KeepsTheQuestionInWords) {
