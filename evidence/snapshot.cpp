@@ -56,8 +56,13 @@ class Taking {
     {
       SnapshotFile file(unfinished_, order_.source);
       taken_.continuedAt = file.rows();
-      copy(file);
-      end(file);
+      if (file.isComplete()) {
+        manifest_.rows.columns = file.columns();
+        taken_.facts = file.completeFacts();
+      } else {
+        copy(file);
+        end(file);
+      }
     }
     publish();
     taken_.file = target_;
@@ -132,11 +137,9 @@ class Taking {
         copyRest(file);
         break;
       } catch (const Error&) {
-        // What came is kept for this attempt's successor, or for the next run.
-        file.store();
-        if (file.rows() <= before + 1) throw;
+        if (!keep(file) || file.rows() <= before + 1) throw;
       } catch (...) {
-        file.store();
+        static_cast<void>(keep(file));
         throw;
       }
       continueFile(file);
@@ -147,6 +150,17 @@ class Taking {
                                         " rows came, " + std::to_string(there) +
                                         " are there now. There is no snapshot; remove " + utf8FromPath(unfinished_) +
                                         " and take it anew");
+  }
+
+  /// Keeps what came for this attempt's successor, or for the next run. False where that fails, too: the first failure
+  /// says more.
+  static bool keep(SnapshotFile& file) {
+    try {
+      file.store();
+      return true;
+    } catch (const Error&) {
+      return false;
+    }
   }
 
   /// Rows that were stored are no longer looked at, so nothing may have come to them or gone from them.

@@ -102,11 +102,15 @@ void SnapshotFile::create(const SnapshotSource& source) {
   setFact("format", db::snapshotFormat);
   setFact("version", std::to_string(db::snapshotVersion));
   setFact("state", "unfinished");
+  setSource(source);
+  run("COMMIT; BEGIN EXCLUSIVE");
+}
+
+void SnapshotFile::setSource(const SnapshotSource& source) const {
   setFact("server", source.server);
   setFact("database", source.database);
   setFact("from", source.from);
   setFact("to", source.to);
-  run("COMMIT; BEGIN EXCLUSIVE");
 }
 
 void SnapshotFile::resume(const SnapshotSource& source) {
@@ -114,10 +118,12 @@ void SnapshotFile::resume(const SnapshotSource& source) {
   const Statement known =
       prepare("SELECT count(*) FROM sqlite_master WHERE name = '" + std::string(db::snapshotFactsTable) + "'");
   if (sqlite3_step(known.get()) != SQLITE_ROW || sqlite3_column_int64(known.get(), 0) == 0 ||
-      fact("format") != db::snapshotFormat || fact("state") != "unfinished")
+      fact("format") != db::snapshotFormat || (fact("state") != "unfinished" && !isComplete()))
     throw Error(SQLITE_NOTADB, name + " is no unfinished snapshot; remove it or choose another folder");
   if (fact("version") != std::to_string(db::snapshotVersion))
     throw Error(SQLITE_NOTADB, name + " was begun by another version of this program; remove it to begin anew");
+  // Of a trail that did not answer nothing is kept.
+  if (fact("begun").empty()) setSource(source);
   const SnapshotSource begun{fact("server"), fact("database"), fact("from"), fact("to")};
   if (begun != source)
     throw Error(SQLITE_NOTADB, name + " is an unfinished snapshot of other rows: database " + begun.database + " on " +
@@ -137,6 +143,22 @@ void SnapshotFile::resume(const SnapshotSource& source) {
   for (const std::string& column : columns_) fields.push_back({column});
   columns_.clear();
   begin(fields);
+}
+
+SnapshotFacts SnapshotFile::completeFacts() const {
+  SnapshotFacts facts{{fact("server"), fact("database"), fact("from"), fact("to")},
+                      fact("engine"),
+                      fact("login"),
+                      fact("begun"),
+                      fact("ended"),
+                      fact("program"),
+                      end(),
+                      rows_,
+                      {}};
+  const auto digest = digestFromHex(fact("digest"));
+  if (!digest) throw Error(SQLITE_CORRUPT, utf8FromPath(file_) + " is damaged: it does not say its digest; remove it");
+  facts.digest = *digest;
+  return facts;
 }
 
 std::optional<std::int64_t> SnapshotFile::end() const {
@@ -261,6 +283,9 @@ void SnapshotFile::add(std::span<const db::Cell> cells) {
 }
 
 void SnapshotFile::store() {
+  // A full disk may have ended the transaction: the rows since the last time are gone.
+  if (sqlite3_get_autocommit(database_.get()) != 0)
+    throw Error(SQLITE_FULL, "cannot write " + utf8FromPath(file_) + ": the last rows were taken back");
   setFact("rows", std::to_string(rows_));
   setFact("lastNumber", lastNumber_ ? std::to_string(*lastNumber_) : std::string());
   run("COMMIT; BEGIN EXCLUSIVE");

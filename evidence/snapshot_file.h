@@ -55,6 +55,10 @@ class SnapshotFile {
   [[nodiscard]] std::uint64_t rows() const noexcept { return rows_; }
   /// The number of the last row; nothing while there is none, or it has none.
   [[nodiscard]] std::optional<std::int64_t> lastNumber() const noexcept { return lastNumber_; }
+  /// Whether finish() was through with it: the rows are whole, only the file was not given its name.
+  [[nodiscard]] bool isComplete() const { return fact("state") == "complete"; }
+  /// What finish() stored; only of a complete one.
+  [[nodiscard]] SnapshotFacts completeFacts() const;
   /// What was said when the snapshot was begun; empty in a new file.
   [[nodiscard]] std::string begun() const { return fact("begun"); }
   [[nodiscard]] std::optional<std::int64_t> end() const;
@@ -67,7 +71,8 @@ class SnapshotFile {
   void begin(std::span<const db::Field> fields);
   /// Throws Error for a value that an embedded database would not give back as it is.
   void add(std::span<const db::Cell> cells);
-  /// Stores what was added for good.
+  /// Stores what was added for good. Throws Error, and says of no row that it is there, where a failure took back what
+  /// was added since the last time.
   void store();
 
   /// Makes the indexes, and stores the facts, whose digest and number of rows are filled in. The file is closed.
@@ -89,6 +94,7 @@ class SnapshotFile {
   void open(const std::filesystem::path& file);
   void resume(const SnapshotSource& source);
   void create(const SnapshotSource& source);
+  void setSource(const SnapshotSource& source) const;
   void run(const std::string& statements) const;
   void check(int code) const;
   [[nodiscard]] Statement prepare(const std::string& text) const;

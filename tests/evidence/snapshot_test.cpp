@@ -330,6 +330,32 @@ TEST_F(Snapshot, OfOtherRowsIsNotContinued) {
   EXPECT_THAT(failure(), HasSubstr("is an unfinished snapshot of other rows: database D on a server; remove it"));
 }
 
+TEST_F(Snapshot, OfAServerThatDidNotAnswerLeavesNothingThatStandsInTheWay) {
+  left = 0;
+  EXPECT_EQ(failure(), "no server");
+  left = unbroken;
+  order.source.server = "the right server";
+  const TakenSnapshot taken = takeSnapshot(order);
+  EXPECT_EQ(taken.facts.rows, rowCount);
+  EXPECT_EQ(snapshotFactsOf(*openSnapshot(taken.file))->source.server, "the right server");
+}
+
+TEST_F(Snapshot, ThatWasCompleteAndNotYetNamedIsPublishedByTheNextRun) {
+  const TakenSnapshot whole = takeSnapshot(order);
+  // As a program leaves it that ends before it has written the manifest.
+  std::filesystem::permissions(whole.file, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+  for (const std::filesystem::path& proof : {manifestOf(whole.file), sumsOf(whole.file)}) {
+    std::filesystem::permissions(proof, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+    std::filesystem::remove(proof);
+  }
+  std::filesystem::rename(whole.file, unfinished());
+  left = 0;  // no server is asked any more
+  const TakenSnapshot taken = takeSnapshot(order);
+  EXPECT_EQ(taken.facts.rows, rowCount);
+  EXPECT_EQ(taken.facts.digest, whole.facts.digest);
+  EXPECT_THAT(verifyOutput(taken.file, {}).findings, IsEmpty());
+}
+
 TEST_F(Snapshot, ThatIsBegunByAnotherRunIsLeftAlone) {
   std::filesystem::create_directories(order.folder);
   const SnapshotFile other(unfinished(), order.source);
