@@ -1,6 +1,7 @@
 #include "evidence/snapshot.h"
 
 #include <chrono>
+#include <limits>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -168,7 +169,10 @@ class Taking {
     const std::optional<std::int64_t> last = file.lastNumber();
     file.forgetLastNumber();
     if (file.rows() == 0) return;
-    const std::uint64_t there = extentUpTo(last.value() - 1).rows;
+    // Where the last rows had no number, or the least that there is, all rows are gone now.
+    if (!last || *last == std::numeric_limits<std::int64_t>::min())
+      throw Error(unspecifiedFailure, utf8FromPath(unfinished_) + " is damaged; remove it to begin anew");
+    const std::uint64_t there = extentUpTo(*last - 1).rows;
     if (there == file.rows()) return;
     throw Error(unspecifiedFailure,
                 "the trail was changed since the snapshot was begun: of the rows that were copied " +

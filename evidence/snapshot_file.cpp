@@ -268,6 +268,7 @@ void SnapshotFile::add(std::span<const db::Cell> cells) {
                                         " is no whole number: the rows have no order in which a snapshot takes them");
   // Rows come in the order of their numbers: one that repeats comes right after the first.
   if (numbersAreUnique_ && (!number || (rows_ > 0 && lastNumber_ && *number <= *lastNumber_))) allowRepeatedNumbers();
+  isInRow_ = true;
   for (std::size_t i = 0; i < columns_.size(); ++i) bind(i, i < cells.size() ? cells[i] : db::Cell{{}, true});
   if (const int code = sqlite3_step(insertRow_.get()); code != SQLITE_DONE) check(code);
   check(sqlite3_reset(insertRow_.get()));
@@ -277,14 +278,16 @@ void SnapshotFile::add(std::span<const db::Cell> cells) {
   check(sqlite3_bind_blob(statement, 2, digest.bytes.data(), static_cast<int>(digest.bytes.size()), SQLITE_STATIC));
   if (const int code = sqlite3_step(statement); code != SQLITE_DONE) check(code);
   check(sqlite3_reset(statement));
+  isInRow_ = false;
   ++rows_;
   lastNumber_ = number;
   if (++unstored_ == rowsBetweenStores) store();
 }
 
 void SnapshotFile::store() {
-  // A full disk may have ended the transaction: the rows since the last time are gone.
-  if (sqlite3_get_autocommit(database_.get()) != 0)
+  // A full disk may have ended the transaction: the rows since the last time are gone. So they are where a row went in
+  // and its digest did not: the transaction ends with the object.
+  if (isInRow_ || sqlite3_get_autocommit(database_.get()) != 0)
     throw Error(SQLITE_FULL, "cannot write " + utf8FromPath(file_) + ": the last rows were taken back");
   setFact("rows", std::to_string(rows_));
   setFact("lastNumber", lastNumber_ ? std::to_string(*lastNumber_) : std::string());

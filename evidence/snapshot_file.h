@@ -116,6 +116,7 @@ class SnapshotFile {
   std::size_t numberColumn_ = 0;
   std::unique_ptr<RowDigester> digester_;
   bool numbersAreUnique_ = true;
+  bool isInRow_ = false;  ///< a row is being added, or could not be
   std::uint64_t rows_ = 0;
   std::uint64_t unstored_ = 0;
   std::optional<std::int64_t> lastNumber_;

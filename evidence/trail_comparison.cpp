@@ -50,6 +50,8 @@ class Cursor {
       if (batch_ == nullptr) return;
       row_ = 0;
       if (fields_.empty()) takeFields();
+      if (batch_->fields().size() != fields_.size())
+        throw Error(unspecifiedFailure, "the rows of a trail came with other columns in between");
     }
     cells_ = batch_->row(row_);
     const db::Cell& cell = cells_[numberAt_];

@@ -322,6 +322,31 @@ TEST_F(Snapshot, ReplacesNothing) {
   EXPECT_THAT(failure(), HasSubstr("will not replace"));
 }
 
+TEST_F(Snapshot, ThatDoesNotSayWhereItEndedIsNotContinued) {
+  left = 1000;
+  EXPECT_EQ(failure(), "no server");
+  left = unbroken;
+  test::DatabaseWriter(unfinished()).run("UPDATE Korvel_Snapshot SET Value = '' WHERE Name = 'lastNumber'");
+  EXPECT_THAT(failure(), HasSubstr("D.db.unfinished is damaged; remove it"));
+}
+
+/// A full disk between a row and its digest.
+TEST_F(Snapshot, StoresNoRowWithoutItsDigest) {
+  std::filesystem::create_directories(order.folder);
+  const auto columns = std::vector<db::Field>{{"Nr"}, {"DateTime"}};
+  {
+    SnapshotFile file(unfinished(), order.source);
+    file.start("now", 9);
+    file.begin(columns);
+    file.add(std::vector<db::Cell>{{"1", false}, {"a", false}});
+    file.store();
+    EXPECT_THROW(file.add(std::vector<db::Cell>{{"2", false}, {"04.50", false}}), Error);
+    EXPECT_THROW(file.store(), Error);
+  }
+  const SnapshotFile again(unfinished(), order.source);
+  EXPECT_EQ(again.rows(), 1U);
+}
+
 TEST_F(Snapshot, OfOtherRowsIsNotContinued) {
   left = 1000;
   EXPECT_EQ(failure(), "no server");

@@ -203,6 +203,15 @@ TEST(TrailComparison, PassesOnAFailureOfEitherSide) {
   }
 }
 
+TEST(TrailComparison, ASecondResultWithOtherColumnsIsRefused) {
+  RowStream before([](db::ResultSink& sink, const std::stop_token& stop) {
+    sourceOf(numberedRows(3))(sink, stop);
+    sourceOf({{"4"}}, {"Nr"})(sink, stop);
+  });
+  RowStream now(sourceOf(numberedRows(4)));
+  EXPECT_THROW((void)compareTrails(before, now, 4), Error);
+}
+
 TEST(TrailComparison, NumbersThatAreNoneAreRefused) {
   EXPECT_THROW((void)compared({{"x", "", ""}}, {}), Error);
   RowStream before(sourceOf({{"1"}}, {"Number"}));
