@@ -61,6 +61,21 @@ std::string_view textAt(sqlite3_stmt* statement, int column) {
 
 }  // namespace
 
+std::optional<SnapshotFacts> wholeFacts(const std::function<std::string(std::string_view name)>& valueOf) {
+  const auto rows = parseInteger<std::uint64_t>(valueOf("rows"));
+  const auto digest = digestFromHex(valueOf("digest"));
+  if (valueOf("state") != "complete" || !rows || !digest) return std::nullopt;
+  return SnapshotFacts{{valueOf("server"), valueOf("database"), valueOf("from"), valueOf("to")},
+                       valueOf("engine"),
+                       valueOf("login"),
+                       valueOf("begun"),
+                       valueOf("ended"),
+                       valueOf("program"),
+                       parseInteger<std::int64_t>(valueOf("end")),
+                       *rows,
+                       *digest};
+}
+
 void SnapshotFile::DatabaseCloser::operator()(sqlite3* database) const noexcept {
   sqlite3_close_v2(database);
 }
@@ -146,19 +161,9 @@ void SnapshotFile::resume(const SnapshotSource& source) {
 }
 
 SnapshotFacts SnapshotFile::completeFacts() const {
-  SnapshotFacts facts{{fact("server"), fact("database"), fact("from"), fact("to")},
-                      fact("engine"),
-                      fact("login"),
-                      fact("begun"),
-                      fact("ended"),
-                      fact("program"),
-                      end(),
-                      rows_,
-                      {}};
-  const auto digest = digestFromHex(fact("digest"));
-  if (!digest) throw Error(SQLITE_CORRUPT, utf8FromPath(file_) + " is damaged: it does not say its digest; remove it");
-  facts.digest = *digest;
-  return facts;
+  auto facts = wholeFacts([this](std::string_view name) { return fact(name); });
+  if (!facts) throw Error(SQLITE_CORRUPT, utf8FromPath(file_) + " is damaged: it does not say what it is; remove it");
+  return std::move(*facts);
 }
 
 std::optional<std::int64_t> SnapshotFile::end() const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -39,6 +40,9 @@ struct SnapshotFacts {
   std::uint64_t rows = 0;
   Digest digest;  ///< of all rows, see digestOfRows()
 };
+
+/// The facts of a snapshot by the values that it stores under names; nothing where one of them is not whole.
+[[nodiscard]] std::optional<SnapshotFacts> wholeFacts(const std::function<std::string(std::string_view name)>& valueOf);
 
 /// A snapshot in the making: an embedded database with the rows of a trail in the order of their numbers, their
 /// digests, and what they are of. What was stored survives the end of the program and is continued by the next object

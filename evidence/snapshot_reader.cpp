@@ -79,19 +79,10 @@ std::optional<SnapshotFacts> snapshotFactsOf(db::Connection& database) {
     throw Error(unspecifiedFailure, "the snapshot has version " + std::to_string(*version) +
                                         "; this program knows version " + std::to_string(db::snapshotVersion) +
                                         " and needs to be updated");
-  const auto rows = parseInteger<std::uint64_t>(values.of("rows"));
-  const auto digest = digestFromHex(values.of("digest"));
-  if (version != db::snapshotVersion || values.of("state") != "complete" || !rows || !digest)
+  auto whole = wholeFacts([&values](std::string_view name) { return values.of(name); });
+  if (version != db::snapshotVersion || !whole)
     throw Error(unspecifiedFailure, "the snapshot is unfinished or damaged: what it says of itself is not whole");
-  return SnapshotFacts{{values.of("server"), values.of("database"), values.of("from"), values.of("to")},
-                       values.of("engine"),
-                       values.of("login"),
-                       values.of("begun"),
-                       values.of("ended"),
-                       values.of("program"),
-                       parseInteger<std::int64_t>(values.of("end")),
-                       *rows,
-                       *digest};
+  return whole;
 }
 
 std::unique_ptr<db::Connection> openSnapshot(const std::filesystem::path& file) {
