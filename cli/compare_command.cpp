@@ -51,7 +51,7 @@ constexpr const char* footer =
 
 /// The snapshot that a name means.
 fs::path snapshotNamed(const std::string& name) {
-  const fs::path named = pathFromUtf8(name);
+  fs::path named = pathFromUtf8(name);
   std::error_code failure;
   if (!fs::is_directory(files::status(named, failure))) return named;
   std::vector<fs::path> found;

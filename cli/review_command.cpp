@@ -24,7 +24,6 @@ namespace {
 using evidence::ExceptionRule;
 using evidence::ExceptionRuleInfo;
 using evidence::FoundExceptions;
-using evidence::WorkingHours;
 using results::ResultList;
 
 constexpr const char* footer =
