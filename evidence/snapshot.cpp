@@ -72,7 +72,7 @@ class Taking {
 
  private:
   static fs::path targetIn(const fs::path& folder, const std::string& database) {
-    const fs::path target = db::embeddedDatabaseFile(folder, database);
+    fs::path target = db::embeddedDatabaseFile(folder, database);
     std::error_code failure;
     files::createDirectories(folder, failure);
     if (failure) refuseFile(failure, "cannot make the folder", folder);

@@ -279,7 +279,7 @@ void SnapshotFile::add(std::span<const db::Cell> cells) {
   check(sqlite3_reset(insertRow_.get()));
   const Digest digest = digester_->digestOf(cells);
   sqlite3_stmt* const statement = insertDigest_.get();
-  check(sqlite3_bind_int64(statement, 1, static_cast<sqlite3_int64>(rows_ + 1)));
+  check(sqlite3_bind_int64(statement, 1, static_cast<sqlite3_int64>(rows_) + 1));
   check(sqlite3_bind_blob(statement, 2, digest.bytes.data(), static_cast<int>(digest.bytes.size()), SQLITE_STATIC));
   if (const int code = sqlite3_step(statement); code != SQLITE_DONE) check(code);
   check(sqlite3_reset(statement));
