@@ -13,15 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-template <typename Work>
-void translating(Work work) {
-  try {
-    work();
-  } catch (const Error& error) {
-    throw asFileError(error, FileAccess::write);
-  }
-}
-
 /// A message about the output alone would not say what is in the way.
 void checkCompanions(const fs::path& target) {
   for (const fs::path& file : {evidence::manifestOf(target), evidence::sumsOf(target)}) {
@@ -44,18 +35,18 @@ OutputFile::OutputFile(const fs::path& target, ManifestMaker manifest) : manifes
   if (fs::is_directory(files::symlinkStatus(target, ignored))) throw fileError(FileError::pathFileAccess);
   checkCompanions(target);
   // As ExportFile does it: another user may have put a link there.
-  translating([&] { proven_.emplace(target, SymlinkPolicy::replace); });
+  output::writingFile([&] { proven_.emplace(target, SymlinkPolicy::replace); });
 }
 
 void OutputFile::write(std::string_view bytes) {
   if (alone_) return alone_->write(bytes);
-  translating([&] { proven_->write(bytes); });
+  output::writingFile([&] { proven_->write(bytes); });
 }
 
 void OutputFile::commit() {
   if (alone_) return alone_->commit();
   evidence::Manifest manifest = manifest_();
-  translating([&] { proven_->commit(std::move(manifest)); });
+  output::writingFile([&] { proven_->commit(std::move(manifest)); });
 }
 
 }  // namespace korvel::control

@@ -7,31 +7,18 @@ namespace korvel::output {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-template <typename Work>
-void translating(Work work) {
-  try {
-    work();
-  } catch (const Error& error) {
-    throw asFileError(error, FileAccess::write);
-  }
-}
-
-}  // namespace
-
 ExportFile::ExportFile(const fs::path& target) {
   std::error_code ignored;
   if (fs::is_directory(files::symlinkStatus(target, ignored))) throw fileError(FileError::pathFileAccess);
-  translating([&] { file_.emplace(target, SymlinkPolicy::replace); });
+  writingFile([&] { file_.emplace(target, SymlinkPolicy::replace); });
 }
 
 void ExportFile::write(std::string_view bytes) {
-  translating([&] { file_->write(bytes); });
+  writingFile([&] { file_->write(bytes); });
 }
 
 void ExportFile::commit() {
-  translating([&] { file_->commit(); });
+  writingFile([&] { file_->commit(); });
 }
 
 }  // namespace korvel::output

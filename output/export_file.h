@@ -5,8 +5,19 @@
 #include <string_view>
 
 #include "base/atomic_file.h"
+#include "base/system_errors.h"
 
 namespace korvel::output {
+
+/// Runs what writes a file that the user asked for; the Error that it throws comes out with a FileError.
+template <typename Work>
+void writingFile(Work work) {
+  try {
+    work();
+  } catch (const Error& error) {
+    throw asFileError(error, FileAccess::write);
+  }
+}
 
 /// An atomic file that an output goes to. A link in its place is replaced, never followed: exports go to places with
 /// known names, where another user may have put one. Throws Error with a FileError.
