@@ -1,6 +1,7 @@
 #include "cli/compare_command.h"
 
 #include <CLI/CLI.hpp>
+#include <array>
 #include <memory>
 #include <ostream>
 #include <vector>
@@ -65,33 +66,10 @@ fs::path snapshotNamed(const std::string& name) {
                                                 : "there are several databases in " + name + ": name one of them");
 }
 
-std::string_view nameOf(RowDifference::Kind kind) {
-  switch (kind) {
-    case RowDifference::Kind::changed:
-      return "changed";
-    case RowDifference::Kind::removed:
-      return "removed";
-    case RowDifference::Kind::inserted:
-      return "inserted";
-    case RowDifference::Kind::renumbered:
-      return "renumbered";
-    case RowDifference::Kind::exchanged:
-      return "exchanged";
-  }
-  return {};
-}
-
-std::string_view nameOf(TrailOddity::Kind kind) {
-  switch (kind) {
-    case TrailOddity::Kind::gap:
-      return "numbers missing";
-    case TrailOddity::Kind::repeated:
-      return "number repeated";
-    case TrailOddity::Kind::clockStep:
-      return "time goes back";
-  }
-  return {};
-}
+// By the values of RowDifference::Kind and TrailOddity::Kind.
+constexpr std::array<std::string_view, 5> differenceNames = {"changed", "removed", "inserted", "renumbered",
+                                                             "exchanged"};
+constexpr std::array<std::string_view, 3> oddityNames = {"numbers missing", "number repeated", "time goes back"};
 
 /// The report: a list with a row for each value that differs, and one for each oddity.
 class Report {
@@ -106,7 +84,7 @@ class Report {
   }
 
   void add(const RowDifference& difference) {
-    std::string what(nameOf(difference.kind));
+    std::string what(differenceNames.at(static_cast<std::size_t>(difference.kind)));
     if (difference.kind == RowDifference::Kind::exchanged && difference.otherNumber)
       what += " with " + std::to_string(*difference.otherNumber);
     const std::string number = difference.number ? std::to_string(*difference.number) : std::string();
@@ -120,7 +98,7 @@ class Report {
     std::string number = std::to_string(oddity.number);
     if (oddity.last != oddity.number) number += " to " + std::to_string(oddity.last);
     const bool isTime = oddity.kind == TrailOddity::Kind::clockStep;
-    add(std::string(nameOf(oddity.kind)), number, isTime ? "DateTime" : "Nr",
+    add(std::string(oddityNames.at(static_cast<std::size_t>(oddity.kind))), number, isTime ? "DateTime" : "Nr",
         isTime ? Value("after " + oddity.before) : Value(), isTime ? Value(oddity.now) : Value());
   }
 
