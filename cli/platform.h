@@ -18,6 +18,9 @@ namespace korvel::cli {
 /// Whether a device is a terminal.
 [[nodiscard]] bool deviceIsTerminal(const std::filesystem::path& device);
 
+/// The folder of the running program; empty where the system does not tell.
+[[nodiscard]] std::filesystem::path programFolder();
+
 /// The Qt platform that pages are drawn with: one that has fonts and needs no display.
 [[nodiscard]] std::string drawingPlatform();
 

@@ -26,6 +26,11 @@ bool deviceIsTerminal(const std::filesystem::path& device) {
   return terminal;
 }
 
+std::filesystem::path programFolder() {
+  std::error_code failure;
+  return std::filesystem::read_symlink("/proc/self/exe", failure).parent_path();
+}
+
 std::string drawingPlatform() {
   return "offscreen";
 }

@@ -62,6 +62,17 @@ bool deviceIsTerminal(const std::filesystem::path& device) {
   return opened.isOpen() && isConsole(opened.get());
 }
 
+std::filesystem::path programFolder() {
+  std::wstring name(MAX_PATH, L'\0');
+  // A name that does not fit is cut.
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size()));
+    if (length == 0) return {};
+    if (length < name.size()) return std::filesystem::path(name.substr(0, length)).parent_path();
+    name.resize(2 * name.size());
+  }
+}
+
 std::string drawingPlatform() {
   // Only the platform "windows" finds the system's fonts; others need fonts of their own.
   const std::string chosen = settings::GetEnvironment("QT_QPA_PLATFORM");

@@ -64,7 +64,7 @@ constexpr const char* footer =
     "  korvel-audit query --category Alarms --list 1\n"
     "  korvel-audit query --from 2024-03-01 --to 2024-03-07 --sort \"Date Time\" --descending\n"
     "  korvel-audit query --category D1 --category D2 --format csv --output checks.csv\n"
-    "  korvel-audit query --find TIC-1901 --where Event=UPDATE --where \"User Name!=Luca Rossi\"\n"
+    "  korvel-audit query --complete --find TIC-1901 --where \"User Name!=Luca Rossi\"\n"
     "  korvel-audit query --complete --count-by \"Event,Date Time:day\" --output activity.csv\n"
     "  korvel-audit query --server /srv/audit --database Korvel_Audit_MU --format json | jq .\n";
 

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <ostream>
 #include <string_view>
@@ -13,6 +12,7 @@
 #include "cli/common_options.h"
 #include "cli/messages.h"
 #include "cli/tool_page_head.h"
+#include "evidence/working_hours.h"
 #include "query/audit_record.h"
 #include "results/row_store.h"
 #include "settings/string_table.h"
@@ -49,8 +49,6 @@ constexpr const char* footer =
     "  korvel-audit review --rules deletion,outside-hours --hours 06:00-22:00 --days mon,tue,sat\n"
     "  korvel-audit review --from 2004-03-01 --to 2004-03-31 --format pdf --output march.pdf\n";
 
-constexpr std::array<std::string_view, 7> dayNames = {"mon", "tue", "wed", "thu", "fri", "sat", "sun"};
-
 std::optional<ExceptionRule> ruleNamed(std::string_view name) {
   for (const ExceptionRuleInfo& info : evidence::exceptionRules())
     if (equalsIgnoringAsciiCase(info.name, name)) return info.rule;
@@ -63,41 +61,10 @@ std::string noRuleText() {
   return text;
 }
 
-std::optional<std::chrono::minutes> timeOfDay(std::string_view text) {
-  constexpr std::size_t length = 5;
-  constexpr unsigned hoursOfDay = 24;
-  constexpr unsigned minutesOfHour = 60;
-  if (text.size() != length || text[2] != ':' || !isAllDigits(text.substr(0, 2)) || !isAllDigits(text.substr(3)))
-    return std::nullopt;
-  const auto hour = parseInteger<unsigned>(text.substr(0, 2));
-  const auto minute = parseInteger<unsigned>(text.substr(3));
-  if (!hour || !minute || *minute >= minutesOfHour || *hour * minutesOfHour + *minute > hoursOfDay * minutesOfHour)
-    return std::nullopt;
-  return std::chrono::minutes{*hour * minutesOfHour + *minute};
-}
-
+/// Hours that end when they begin are no hours.
 std::optional<std::pair<std::chrono::minutes, std::chrono::minutes>> hoursOf(const std::string& text) {
-  const std::size_t dash = text.find('-');
-  if (dash == std::string::npos) return std::nullopt;
-  const auto from = timeOfDay(std::string_view(text).substr(0, dash));
-  const auto to = timeOfDay(std::string_view(text).substr(dash + 1));
-  if (!from || !to || *from == *to) return std::nullopt;
-  return std::pair{*from, *to};
-}
-
-std::optional<std::bitset<dayNames.size()>> daysOf(const std::string& text) {
-  std::bitset<dayNames.size()> days;
-  std::string_view rest = text;
-  while (true) {
-    const std::size_t comma = std::min(rest.find(','), rest.size());
-    const auto* const found = std::find_if(dayNames.begin(), dayNames.end(), [&](std::string_view name) {
-      return equalsIgnoringAsciiCase(name, rest.substr(0, comma));
-    });
-    if (found == dayNames.end()) return std::nullopt;
-    days.set(static_cast<std::size_t>(found - dayNames.begin()));
-    if (comma == rest.size()) return days;
-    rest.remove_prefix(comma + 1);
-  }
+  const auto hours = evidence::hoursOf(text);
+  return hours && hours->first != hours->second ? hours : std::nullopt;
 }
 
 std::string textOf(ExceptionRule rule) {
@@ -160,7 +127,7 @@ CLI::App* addReviewCommand(CLI::App& app, ReviewOptions& options) {
                   options.hours.from = hours.first;
                   options.hours.to = hours.second;
                 });
-  addReadOption(*command, {"--days", "DAYS", "Working days (default: mon,tue,wed,thu,fri)"}, daysOf,
+  addReadOption(*command, {"--days", "DAYS", "Working days (default: mon,tue,wed,thu,fri)"}, evidence::daysOf,
                 "no list of days such as mon,tue,wed", [&options](const auto& days) { options.hours.days = days; });
   addTarget(*command, options.format, options.output);
   addQuiet(*command, options);

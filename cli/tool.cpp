@@ -11,11 +11,14 @@
 #include "cli/common_options.h"
 #include "cli/compare_command.h"
 #include "cli/demo_command.h"
+#include "cli/first_steps.h"
 #include "cli/history_command.h"
+#include "cli/marks_command.h"
 #include "cli/messages.h"
 #include "cli/platform.h"
 #include "cli/query_command.h"
 #include "cli/review_command.h"
+#include "cli/selftest_command.h"
 #include "cli/server_commands.h"
 #include "cli/server_path.h"
 #include "cli/snapshot_command.h"
@@ -41,10 +44,12 @@ constexpr const char* footer =
     "                                            run a query of your own\n"
     "  korvel-audit verify batch.csv             whether an output is as it was written\n"
     "  korvel-audit review                       what a reviewer should look at\n"
+    "  korvel-audit marks batch.review           what reviewers said of it\n"
     "  korvel-audit snapshot --output FOLDER     copy a trail, to compare it later\n"
     "  korvel-audit compare FOLDER               what was changed in the trail since\n"
     "  korvel-audit servers --all                find servers\n"
     "  korvel-audit check --server S             why a server cannot be reached, and what to do\n"
+    "  korvel-audit selftest                     whether this installation is as it was delivered\n"
     "\n";
 constexpr const char* environmentHeading = "\nEnvironment:\n";
 
@@ -59,7 +64,6 @@ std::string commandNames(const CLI::App& app) {
 
 /// Names the word that is not a command; the parser would only report a missing command.
 std::optional<std::string> commandProblem(const CLI::App& app, const std::vector<std::string>& arguments) {
-  if (arguments.empty()) return "no command was given; there are " + commandNames(app);
   const std::string& first = arguments.front();
   if (first.starts_with('-')) {
     if (app.get_option_no_throw(first) != nullptr) return std::nullopt;
@@ -101,6 +105,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* history = addHistoryCommand(app, historyOptions);
   ReviewOptions reviewOptions;
   const CLI::App* review = addReviewCommand(app, reviewOptions);
+  MarksOptions marksOptions;
+  const CLI::App* marks = addMarksCommand(app, marksOptions);
   ChartOptions chartOptions;
   const CLI::App* chart = addChartCommand(app, chartOptions);
   SqlOptions sqlOptions;
@@ -111,6 +117,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   const CLI::App* snapshot = addSnapshotCommand(app, snapshotOptions);
   CompareOptions compareOptions;
   const CLI::App* compare = addCompareCommand(app, compareOptions);
+  SelftestOptions selftestOptions;
+  const CLI::App* selftest = addSelftestCommand(app, selftestOptions);
   ServerOptions serverOptions;
   std::array<const CLI::App*, serverCommands.size()> added{};
   for (std::size_t i = 0; i < added.size(); ++i) added.at(i) = serverCommands.at(i)->add(app, serverOptions);
@@ -120,6 +128,11 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     command->footer(before + (before.empty() ? "" : "\n") + exitStatusHelp);
   }
 
+  if (arguments.empty()) {
+    say(err, "no command was given");
+    err << '\n' << firstSteps(readableHere()) << "\nkorvel-audit --help names all commands.\n";
+    return exitWrongUsage;
+  }
   if (const auto problem = commandProblem(app, arguments)) return refused(err, *problem);
   std::reverse(arguments.begin(), arguments.end());  // the order in which the parser takes them off
   try {
@@ -137,6 +150,8 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
     return runOnServer(historyOptions, *history, err, [&] { return runHistory(historyOptions, connect, out, err); });
   if (review->parsed())
     return runOnServer(reviewOptions, *review, err, [&] { return runReview(reviewOptions, connect, out, err); });
+  if (marks->parsed())
+    return runOnServer(marksOptions, *marks, err, [&] { return runMarks(marksOptions, connect, out, err); });
   if (chart->parsed())
     return runOnServer(chartOptions, *chart, err, [&] { return runChart(chartOptions, connect, out, err); });
   if (snapshot->parsed())
@@ -145,6 +160,7 @@ int parseAndRun(std::vector<std::string> arguments, std::ostream& out, std::ostr
   if (compare->parsed())
     return runOnServer(compareOptions, *compare, err, [&] { return runCompare(compareOptions, connect, out, err); });
   if (verify->parsed()) return runVerify(verifyOptions, out, err);
+  if (selftest->parsed()) return runSelftest(selftestOptions, connect, out, err);
   if (demo->parsed()) return runDemo(demoOptions, out, err);
   return runOnServer(queryOptions, *query, err, [&] { return runQuery(queryOptions, connect, out, err); });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -40,10 +41,18 @@ class ResultSink {
   virtual bool shouldContinue() { return true; }
 };
 
+/// What a snapshot is a copy of.
+struct SnapshotOrigin {
+  std::string server;
+  std::string database;
+  std::string taken;  ///< local time with its offset
+};
+
 /// Who answers, and as whom it knows us; empty where a connection does not tell.
 struct ServerIdentity {
-  std::string product;  ///< with its version: "SQLite 3.40.1"
+  std::string product;  ///< with its version: "SQLite 3.40.1"; of a snapshot also what it is of
   std::string login;
+  std::optional<SnapshotOrigin> snapshot{};  ///< where the database is one
 };
 
 /// An open connection to one audit database; closed by destruction. Used by one thread at a time.

@@ -13,10 +13,13 @@ std::string selectionText(const ConnectionState& state) {
 }
 
 void openDefaultServer(ConnectionState& state, std::string_view defaultServer, int databaseType) {
-  const std::string_view database = databaseName(databaseType);
-  state.ConnectionString = buildConnectionString(defaultServer, database);
-  state.AdvancedConnectionString = buildConnectionString(defaultServer, database);
-  state.CurrentServer = defaultServer;
+  openDatabase(state, defaultServer, databaseName(databaseType));
+}
+
+void openDatabase(ConnectionState& state, std::string_view server, std::string_view database) {
+  state.ConnectionString = buildConnectionString(server, database);
+  state.AdvancedConnectionString = buildConnectionString(server, database);
+  state.CurrentServer = server;
   state.CurrentDatabase = database;
 }
 

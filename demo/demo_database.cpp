@@ -25,6 +25,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::array<const char*, 2> databaseNames = {"Korvel_Audit.db", "Korvel_Audit_MU.db"};
+
 /// The entry number has at most nine digits.
 constexpr std::uint64_t mostRows = 999'999'999;
 
@@ -187,12 +189,19 @@ void refuseToReplace(const fs::path& file) {
 
 }  // namespace
 
+bool hasDemoDatabase(const fs::path& folder) {
+  return std::any_of(databaseNames.begin(), databaseNames.end(), [&](const char* name) {
+    std::error_code ignored;
+    return fs::exists(files::symlinkStatus(folder / name, ignored));
+  });
+}
+
 void writeDemoDatabases(const Options& options) {
   checkRows(options.rows);
   std::error_code code;
   files::createDirectories(options.folder, code);
   if (code) throw fileError("cannot make the folder", options.folder, code);
-  const std::array targets = {options.folder / "Korvel_Audit.db", options.folder / "Korvel_Audit_MU.db"};
+  const std::array targets = {options.folder / databaseNames[0], options.folder / databaseNames[1]};
   if (!options.force)
     for (const fs::path& target : targets) refuseToReplace(target);
 

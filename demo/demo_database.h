@@ -21,6 +21,9 @@ struct Options {
 /// Error and nothing is written. Throws Error.
 void writeDemoDatabases(const Options& options);
 
+/// Whether the folder has a file of one of the two names.
+[[nodiscard]] bool hasDemoDatabase(const std::filesystem::path& folder);
+
 /// Writes one database with the data of Korvel_Audit.db, replacing `file` if it stands; a failure leaves it as it was.
 /// Throws Error.
 void writeDemoDatabase(const std::filesystem::path& file, std::uint64_t rows, std::uint64_t seed);

@@ -46,6 +46,7 @@ void endRecord(Manifest& record, const db::ServerIdentity& server) {
   record.ended = localTimeText(std::chrono::system_clock::now());
   record.source.engine = server.product;
   record.source.login = server.login;
+  record.source.snapshot = server.snapshot;
 }
 
 void recordQuestion(Manifest& record, const query::CategoryFlags& flags, const query::DateRange& range,

@@ -138,18 +138,9 @@ class Search {
     if (!std::is_sorted(entries_.begin(), entries_.end(), isBefore))
       std::sort(entries_.begin(), entries_.end(), isBefore);
     const auto isSame = [this](const Entry& a, const Entry& b) {
-      return a.number == b.number && isSameRecord(a.record, b.record);
+      return a.number == b.number && list_.store()->isSameRecord(a.record, b.record);
     };
     entries_.erase(std::unique(entries_.begin(), entries_.end(), isSame), entries_.end());
-  }
-
-  [[nodiscard]] bool isSameRecord(RowId a, RowId b) const {
-    const results::RowStore& store = *list_.store();
-    if (store.widthOf(a) != store.widthOf(b)) return false;
-    for (std::size_t i = 0; i < store.widthOf(a); ++i)
-      if (const db::Cell x = store.cell(a, {i}), y = store.cell(b, {i}); x.isNull != y.isNull || x.text != y.text)
-        return false;
-    return true;
   }
 
   void judgeNumber(std::size_t at) {

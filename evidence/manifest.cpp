@@ -25,6 +25,10 @@ Json sourceJson(const Manifest::Source& source) {
   add(json, "database", source.database);
   add(json, "engine", source.engine);
   add(json, "login", source.login);
+  if (source.snapshot)
+    json["snapshotOf"] = {{"server", source.snapshot->server},
+                          {"database", source.snapshot->database},
+                          {"taken", source.snapshot->taken}};
   return json;
 }
 

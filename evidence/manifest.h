@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "db/connection.h"
 #include "evidence/sha256.h"
 
 namespace korvel::evidence {
@@ -35,6 +36,7 @@ struct Manifest {
     std::string database;
     std::string engine;  ///< the product and its version, as far as the connection tells
     std::string login;
+    std::optional<db::SnapshotOrigin> snapshot{};  ///< where the database is one
   };
   /// What was asked for.
   struct Question {

@@ -20,10 +20,15 @@
 #include "evidence/origin.h"
 #include "evidence/proven_file.h"
 #include "evidence/row_stream.h"
+#include "evidence/snapshot_failures.h"
+#include "evidence/snapshot_reader.h"
+#include "evidence/verification.h"
+#include "settings/string_table.h"
 
 namespace korvel::evidence {
 
 namespace fs = std::filesystem;
+using settings::localizedError;
 
 namespace {
 
@@ -37,8 +42,14 @@ struct Extent {
   std::optional<std::int64_t> last;
 };
 
-[[noreturn]] void refuseFile(const std::error_code& failure, const std::string& what, const fs::path& file) {
-  throw systemError(systemErrorNumber(failure), what + " " + utf8FromPath(file));
+/// Where writing fails, it is said of this file, in words.
+template <typename Step>
+void writing(const fs::path& file, const Step& step) {
+  try {
+    step();
+  } catch (const Error& failure) {
+    throw unwritable(file, failure);
+  }
 }
 
 /// One run over a trail.
@@ -48,12 +59,16 @@ class Taking {
       : order_(order),
         progress_(progress),
         folder_(order.asBag ? order.folder / payloadFolder : order.folder),
-        target_(targetIn(folder_, order.source.database)),
-        unfinished_(target_) {
-    unfinished_ += unfinishedEnding;
-  }
+        target_(db::embeddedDatabaseFile(folder_, order.source.database)),
+        unfinished_(unfinishedSnapshot(order)) {}
 
   TakenSnapshot take() {
+    makeFolder();
+    std::error_code ignored;
+    if (fs::exists(files::symlinkStatus(target_, ignored))) {
+      completeBag();
+      return std::move(taken_);
+    }
     {
       SnapshotFile file(unfinished_, order_.source);
       taken_.continuedAt = file.rows();
@@ -71,14 +86,39 @@ class Taking {
   }
 
  private:
-  static fs::path targetIn(const fs::path& folder, const std::string& database) {
-    fs::path target = db::embeddedDatabaseFile(folder, database);
+  void makeFolder() const {
     std::error_code failure;
-    files::createDirectories(folder, failure);
-    if (failure) refuseFile(failure, "cannot make the folder", folder);
-    if (fs::exists(files::symlinkStatus(target, failure)))
-      throw systemError(systemErrorNumber(std::errc::file_exists), "will not replace " + utf8FromPath(target));
-    return target;
+    files::createDirectories(folder_, failure);
+    if (!failure) return;
+    const int number = systemErrorNumber(failure);
+    if (isSystemError(number, std::errc::permission_denied) || isSystemError(number, std::errc::read_only_file_system))
+      throw unwritable(folder_, number, {});
+    throw localizedError(number, "snapshot.folderNotMade", {utf8FromPath(folder_), systemMessage(number)});
+  }
+
+  /// What an earlier run of the same order left whole, without its tag files, becomes a bag; nothing else is there that
+  /// could be replaced.
+  void completeBag() {
+    const auto refuse = [this] {
+      throw localizedError(systemErrorNumber(std::errc::file_exists), "snapshot.exists", {utf8FromPath(target_)});
+    };
+    if (!order_.asBag || isBagWith(order_.folder, target_)) refuse();
+    const auto facts = snapshotFactsOf(*openSnapshot(target_));
+    if (!facts || facts->source != order_.source) return refuse();
+    const Verification verified = verifyOutput(target_, [this](std::uint64_t /*bytes*/) { whileWaiting()(); });
+    if (!verified.isUnchanged())
+      throw localizedError(unspecifiedFailure, "snapshot.bagNotMade",
+                           {utf8FromPath(target_), verified.findings.front()});
+    taken_ = {target_, *facts, facts->rows};
+    for (const fs::path& file : {target_, manifestOf(target_), sumsOf(target_)}) makeReadOnly(file);
+    writeTags();
+  }
+
+  void writeTags() const {
+    writing(order_.folder / "bagit.txt", [this] {
+      writeBag(order_.folder,
+               "Audit trail of " + order_.source.database + " on " + order_.source.server + ", " + taken_.facts.begun);
+    });
   }
 
   [[nodiscard]] db::AuditSelection selection() const {
@@ -105,13 +145,13 @@ class Taking {
     const query::BufferedRows* const rows = answer.next(whileWaiting());
     constexpr std::size_t width = 3;
     if (rows == nullptr || rows->rowCount() != 1 || rows->fields().size() != width)
-      throw Error(unspecifiedFailure, "the server did not say how many rows there are");
+      throw localizedError(unspecifiedFailure, "snapshot.noCount");
     const auto cells = rows->row(0);
     const db::Cell& greatest = cells[2];
     const Extent extent{parseInteger<std::uint64_t>(cells[0].text).value_or(0),
                         greatest.isNull ? std::nullopt : parseInteger<std::int64_t>(greatest.text)};
     if (!greatest.isNull && !extent.last)
-      throw Error(unspecifiedFailure, "the entry number " + std::string(greatest.text) + " is no whole number");
+      throw localizedError(unspecifiedFailure, "snapshot.numberNotWhole", {std::string(greatest.text)});
     // The end of the answer: only then has the source said who answered.
     while (answer.next(whileWaiting()) != nullptr) continue;
     return extent;
@@ -147,10 +187,8 @@ class Taking {
     }
     const std::uint64_t there = extentUpTo(file.end()).rows;
     if (there == file.rows()) return;
-    throw Error(unspecifiedFailure, "the trail was changed while it was copied: " + std::to_string(file.rows()) +
-                                        " rows came, " + std::to_string(there) +
-                                        " are there now. There is no snapshot; remove " + utf8FromPath(unfinished_) +
-                                        " and take it anew");
+    throw localizedError(unspecifiedFailure, "snapshot.changedMeanwhile",
+                         {std::to_string(file.rows()), std::to_string(there), utf8FromPath(unfinished_)});
   }
 
   /// Keeps what came for this attempt's successor, or for the next run. False where that fails, too: the first failure
@@ -171,13 +209,11 @@ class Taking {
     if (file.rows() == 0) return;
     // Where the last rows had no number, or the least that there is, all rows are gone now.
     if (!last || *last == std::numeric_limits<std::int64_t>::min())
-      throw Error(unspecifiedFailure, utf8FromPath(unfinished_) + " is damaged; remove it to begin anew");
+      throw localizedError(unspecifiedFailure, "snapshot.unfinishedDamaged", {utf8FromPath(unfinished_)});
     const std::uint64_t there = extentUpTo(*last - 1).rows;
     if (there == file.rows()) return;
-    throw Error(unspecifiedFailure,
-                "the trail was changed since the snapshot was begun: of the rows that were copied " +
-                    std::to_string(file.rows()) + " were there, now there are " + std::to_string(there) + ". Remove " +
-                    utf8FromPath(unfinished_) + " to begin anew");
+    throw localizedError(unspecifiedFailure, "snapshot.changedSince",
+                         {std::to_string(file.rows()), std::to_string(there), utf8FromPath(unfinished_)});
   }
 
   void copyRest(SnapshotFile& file) {
@@ -207,25 +243,25 @@ class Taking {
 
   /// Manifest and sums come first: without the database they say that it is missing, and it is whole when it appears.
   void publish() {
-    const FileSum sum = sumOfFile(unfinished_);
-    fillManifest(sum);
-    const std::string text = manifestText(manifest_);
-    AtomicFile manifest(manifestOf(target_));
-    AtomicFile sums(sumsOf(target_));
-    manifest.write(text);
-    sums.write(sumsText(
-        {{sum.sha256, manifest_.output.name}, {Sha256::of(text), utf8FromPath(manifestOf(target_).filename())}}));
-    manifest.sync();
-    sums.sync();
-    manifest.commit();
-    sums.commit();
-    std::error_code failure;
-    files::rename(unfinished_, target_, failure);
-    if (failure) refuseFile(failure, "cannot write", target_);
+    writing(target_, [this] {
+      const FileSum sum = sumOfFile(unfinished_);
+      fillManifest(sum);
+      const std::string text = manifestText(manifest_);
+      AtomicFile manifest(manifestOf(target_));
+      AtomicFile sums(sumsOf(target_));
+      manifest.write(text);
+      sums.write(sumsText(
+          {{sum.sha256, manifest_.output.name}, {Sha256::of(text), utf8FromPath(manifestOf(target_).filename())}}));
+      manifest.sync();
+      sums.sync();
+      manifest.commit();
+      sums.commit();
+      std::error_code failure;
+      files::rename(unfinished_, target_, failure);
+      if (failure) throw systemError(systemErrorNumber(failure), "cannot rename");
+    });
     for (const fs::path& file : {target_, manifestOf(target_), sumsOf(target_)}) makeReadOnly(file);
-    if (order_.asBag)
-      writeBag(order_.folder,
-               "Audit trail of " + order_.source.database + " on " + order_.source.server + ", " + taken_.facts.begun);
+    if (order_.asBag) writeTags();
   }
 
   void fillManifest(const FileSum& sum) {
@@ -266,6 +302,13 @@ class Taking {
 };
 
 }  // namespace
+
+fs::path unfinishedSnapshot(const SnapshotOrder& order) {
+  fs::path file =
+      db::embeddedDatabaseFile(order.asBag ? order.folder / payloadFolder : order.folder, order.source.database);
+  file += unfinishedEnding;
+  return file;
+}
 
 TakenSnapshot takeSnapshot(const SnapshotOrder& order, const SnapshotProgress& progress) {
   return Taking(order, progress).take();

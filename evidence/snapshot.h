@@ -33,11 +33,15 @@ struct TakenSnapshot {
 /// The name that a snapshot has until it is whole.
 inline constexpr std::string_view unfinishedEnding = ".unfinished";
 
+/// The file in which an order's snapshot is in the making.
+[[nodiscard]] std::filesystem::path unfinishedSnapshot(const SnapshotOrder& order);
+
 /// Copies a trail, or a range of it, into an embedded database in the folder, with its manifest and sums, all of them
 /// read-only. The database appears when it is whole. Rows are read in the order of their numbers up to the greatest one
 /// at the beginning; memory does not grow with them. A connection that breaks is made anew as long as rows come, and
-/// what was stored by then is continued by the next call for the same rows and folder. Throws Error; nothing that was
-/// in the folder is replaced.
+/// what was stored by then is continued by the next call for the same rows and folder, and so is a bag whose tag files
+/// could not be written. Throws Error, explained in the user's language; no file of the folder is replaced but such tag
+/// files.
 [[nodiscard]] TakenSnapshot takeSnapshot(const SnapshotOrder& order, const SnapshotProgress& progress = {});
 
 }  // namespace korvel::evidence

@@ -7,15 +7,21 @@
 #include <cstring>
 #include <utility>
 
+#include "base/atomic_file.h"
 #include "base/error.h"
 #include "base/files.h"
 #include "base/numbers.h"
 #include "base/paths.h"
+#include "base/system_errors.h"
 #include "base/text.h"
 #include "db/embedded/audit_statements.h"
 #include "db/embedded/snapshot_tables.h"
+#include "evidence/snapshot_failures.h"
+#include "settings/string_table.h"
 
 namespace korvel::evidence {
+
+using settings::localizedError;
 
 namespace {
 
@@ -104,6 +110,14 @@ void SnapshotFile::open(const std::filesystem::path& file) {
   const int code = sqlite3_open_v2(utf8FromPath(extendedLengthPath(file)).c_str(), &database,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
   database_.reset(database);
+  if ((code & 0xFF) == SQLITE_CANTOPEN) {
+    // The engine has tried again to read only, and lost the system's reason.
+    try {
+      const AtomicFile probe(file);
+    } catch (const Error& reason) {
+      throw unwritable(file, reason);
+    }
+  }
   check(code);
 }
 
@@ -134,17 +148,16 @@ void SnapshotFile::resume(const SnapshotSource& source) {
       prepare("SELECT count(*) FROM sqlite_master WHERE name = '" + std::string(db::snapshotFactsTable) + "'");
   if (sqlite3_step(known.get()) != SQLITE_ROW || sqlite3_column_int64(known.get(), 0) == 0 ||
       fact("format") != db::snapshotFormat || (fact("state") != "unfinished" && !isComplete()))
-    throw Error(SQLITE_NOTADB, name + " is no unfinished snapshot; remove it or choose another folder");
+    throw localizedError(SQLITE_NOTADB, "snapshot.notUnfinished", {name});
   if (fact("version") != std::to_string(db::snapshotVersion))
-    throw Error(SQLITE_NOTADB, name + " was begun by another version of this program; remove it to begin anew");
+    throw localizedError(SQLITE_NOTADB, "snapshot.otherVersion", {name});
   // Of a trail that did not answer nothing is kept.
   if (fact("begun").empty()) setSource(source);
   const SnapshotSource begun{fact("server"), fact("database"), fact("from"), fact("to")};
   if (begun != source)
-    throw Error(SQLITE_NOTADB, name + " is an unfinished snapshot of other rows: database " + begun.database + " on " +
-                                   begun.server +
-                                   (begun.from.empty() ? std::string() : ", from " + begun.from + " to " + begun.to) +
-                                   "; remove it or choose another folder");
+    throw localizedError(SQLITE_NOTADB, "snapshot.otherRows",
+                         {name, begun.database, begun.server,
+                          begun.from.empty() ? std::string() : " (" + begun.from + " - " + begun.to + ")"});
   numbersAreUnique_ = fact("numbersRepeat") != "yes";
   rows_ = parseInteger<std::uint64_t>(fact("rows")).value_or(0);
   lastNumber_ = parseInteger<std::int64_t>(fact("lastNumber"));
@@ -162,7 +175,7 @@ void SnapshotFile::resume(const SnapshotSource& source) {
 
 SnapshotFacts SnapshotFile::completeFacts() const {
   auto facts = wholeFacts([this](std::string_view name) { return fact(name); });
-  if (!facts) throw Error(SQLITE_CORRUPT, utf8FromPath(file_) + " is damaged: it does not say what it is; remove it");
+  if (!facts) throw localizedError(SQLITE_CORRUPT, "snapshot.unfinishedDamaged", {utf8FromPath(file_)});
   return std::move(*facts);
 }
 
@@ -189,8 +202,7 @@ void SnapshotFile::begin(std::span<const db::Field> fields) {
   std::vector<std::string> columns;
   for (const db::Field& field : fields) columns.push_back(field.name);
   if (!columns_.empty()) {
-    if (columns != columns_)
-      throw Error(unspecifiedFailure, "the columns of the trail have changed since the snapshot was begun");
+    if (columns != columns_) throw localizedError(unspecifiedFailure, "snapshot.columnsChanged");
     return;
   }
   columns_ = std::move(columns);
@@ -206,7 +218,7 @@ void SnapshotFile::begin(std::span<const db::Field> fields) {
                        : std::any_of(numericColumns.begin(), numericColumns.end(), isNamed) ? Keeping::time
                                                                                             : Keeping::text);
   }
-  if (!hasNumber) throw Error(unspecifiedFailure, "the trail has no column Nr, whose numbers order a snapshot");
+  if (!hasNumber) throw localizedError(unspecifiedFailure, "snapshot.noNumbers");
   digester_ = std::make_unique<RowDigester>(fields);
   run(tableText(db::snapshotTrailTable));
   prepareRows();
@@ -258,8 +270,7 @@ void SnapshotFile::bind(std::size_t column, const db::Cell& cell) const {
     if (const auto integer = exactInteger(cell.text)) return check(sqlite3_bind_int64(statement, place, *integer));
     if (const auto number = exactNumber(cell.text)) return check(sqlite3_bind_double(statement, place, *number));
     if (looksLikeNumber(cell.text))
-      throw Error(unspecifiedFailure, "the value " + std::string(cell.text) + " in the column " + columns_[column] +
-                                          " cannot be stored as it is: a snapshot would change it");
+      throw localizedError(unspecifiedFailure, "snapshot.valueWouldChange", {std::string(cell.text), columns_[column]});
   }
   // Never a null pointer for an empty text: that would bind a null.
   check(sqlite3_bind_text64(statement, place, cell.text.empty() ? "" : cell.text.data(), cell.text.size(),
@@ -269,8 +280,7 @@ void SnapshotFile::bind(std::size_t column, const db::Cell& cell) const {
 void SnapshotFile::add(std::span<const db::Cell> cells) {
   const auto number = cells[numberColumn_].isNull ? std::nullopt : exactInteger(cells[numberColumn_].text);
   if (!number && !cells[numberColumn_].isNull)
-    throw Error(unspecifiedFailure, "the entry number " + std::string(cells[numberColumn_].text) +
-                                        " is no whole number: the rows have no order in which a snapshot takes them");
+    throw localizedError(unspecifiedFailure, "snapshot.numberNotWhole", {std::string(cells[numberColumn_].text)});
   // Rows come in the order of their numbers: one that repeats comes right after the first.
   if (numbersAreUnique_ && (!number || (rows_ > 0 && lastNumber_ && *number <= *lastNumber_))) allowRepeatedNumbers();
   isInRow_ = true;
@@ -366,9 +376,21 @@ void SnapshotFile::run(const std::string& statements) const {
 
 void SnapshotFile::check(int code) const {
   if (code == SQLITE_OK) return;
-  const std::string name = utf8FromPath(file_);
-  if ((code & 0xFF) == SQLITE_BUSY || (code & 0xFF) == SQLITE_LOCKED) throw Error(code, "another run writes " + name);
-  throw Error(code, "cannot write " + name + ": " + sqlite3_errmsg(database_.get()));
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw localizedError(code, "snapshot.otherRun", {utf8FromPath(file_)});
+    case SQLITE_FULL:
+      throw unwritable(file_, systemErrorNumber(std::errc::no_space_on_device), {});
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+      throw unwritable(file_, systemErrorNumber(std::errc::permission_denied), {});
+    case SQLITE_CANTOPEN:
+    case SQLITE_IOERR:
+      throw unwritable(file_, sqlite3_system_errno(database_.get()), sqlite3_errmsg(database_.get()));
+    default:
+      throw localizedError(code, "snapshot.unwritable", {utf8FromPath(file_), sqlite3_errmsg(database_.get())});
+  }
 }
 
 }  // namespace korvel::evidence

@@ -10,8 +10,12 @@
 #include "db/embedded/embedded_connection.h"
 #include "db/embedded/snapshot_tables.h"
 #include "evidence/row_digest.h"
+#include "evidence/snapshot_failures.h"
+#include "settings/string_table.h"
 
 namespace korvel::evidence {
+
+using settings::localizedError;
 
 namespace {
 
@@ -76,25 +80,33 @@ std::optional<SnapshotFacts> snapshotFactsOf(db::Connection& database) {
   if (values.of("format") != db::snapshotFormat) return std::nullopt;
   const auto version = parseInteger<unsigned>(values.of("version"));
   if (version && *version > db::snapshotVersion)
-    throw Error(unspecifiedFailure, "the snapshot has version " + std::to_string(*version) +
-                                        "; this program knows version " + std::to_string(db::snapshotVersion) +
-                                        " and needs to be updated");
+    throw localizedError(unspecifiedFailure, "compare.newerVersion",
+                         {std::to_string(*version), std::to_string(db::snapshotVersion)});
   auto whole = wholeFacts([&values](std::string_view name) { return values.of(name); });
-  if (version != db::snapshotVersion || !whole)
-    throw Error(unspecifiedFailure, "the snapshot is unfinished or damaged: what it says of itself is not whole");
+  if (version != db::snapshotVersion || !whole) throw localizedError(unspecifiedFailure, "compare.notWhole");
   return whole;
 }
 
 std::unique_ptr<db::Connection> openSnapshot(const std::filesystem::path& file) {
   constexpr std::string_view ending = ".db";
   const std::string name = utf8FromPath(file.filename());
-  if (!name.ends_with(ending)) throw Error(unspecifiedFailure, name + " is no snapshot: its name does not end in .db");
-  return db::openEmbedded(file.parent_path(), name.substr(0, name.size() - ending.size()));
+  if (!name.ends_with(ending)) throw localizedError(unspecifiedFailure, "compare.wrongName", {name});
+  // Nobody writes to a snapshot: what is locked is not waited for.
+  return db::openEmbedded(file.parent_path(), name.substr(0, name.size() - ending.size()), {.busyTimeout = {}});
+}
+
+SnapshotFacts factsOfSnapshot(const std::filesystem::path& file) {
+  try {
+    if (auto facts = snapshotFactsOf(*openSnapshot(file))) return std::move(*facts);
+  } catch (const Error& failure) {
+    throw unreadable(file, failure);
+  }
+  throw localizedError(unspecifiedFailure, "compare.noSnapshot", {utf8FromPath(file)});
 }
 
 SnapshotRows rowsOfSnapshot(const std::filesystem::path& file) {
   const auto snapshot = openSnapshot(file);
-  if (!snapshotFactsOf(*snapshot)) throw Error(unspecifiedFailure, utf8FromPath(file.filename()) + " is no snapshot");
+  if (!snapshotFactsOf(*snapshot)) throw localizedError(unspecifiedFailure, "compare.noSnapshot", {utf8FromPath(file)});
   SnapshotRows rows;
   StoredDigests stored(rows.recorded);
   snapshot->execute("SELECT Digest FROM " + std::string(db::snapshotDigestsTable) + " ORDER BY Place", stored);

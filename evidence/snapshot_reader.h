@@ -17,6 +17,10 @@ namespace korvel::evidence {
 /// Opens a snapshot's file. Throws Error where it is no embedded database.
 [[nodiscard]] std::unique_ptr<db::Connection> openSnapshot(const std::filesystem::path& file);
 
+/// What a file says of itself as a snapshot. Throws Error, explained in the user's language, where it is none, or where
+/// it is damaged, locked or of a newer version.
+[[nodiscard]] SnapshotFacts factsOfSnapshot(const std::filesystem::path& file);
+
 /// The digests of a snapshot's rows, in their order.
 struct SnapshotRows {
   std::vector<Digest> recorded;  ///< those that were stored with the rows

@@ -10,6 +10,7 @@
 #include "base/error.h"
 #include "base/numbers.h"
 #include "query/buffered_rows.h"
+#include "settings/string_table.h"
 
 namespace korvel::evidence {
 
@@ -51,18 +52,18 @@ class Cursor {
       row_ = 0;
       if (fields_.empty()) takeFields();
       if (batch_->fields().size() != fields_.size())
-        throw Error(unspecifiedFailure, "the rows of a trail came with other columns in between");
+        throw settings::localizedError(unspecifiedFailure, "compare.otherColumns");
     }
     cells_ = batch_->row(row_);
     const db::Cell& cell = cells_[numberAt_];
     number_ = cell.isNull ? std::nullopt : parseInteger<std::int64_t>(cell.text);
     if (!number_ && !cell.isNull)
-      throw Error(unspecifiedFailure, "the entry number " + std::string(cell.text) + " is no whole number");
+      throw settings::localizedError(unspecifiedFailure, "snapshot.numberNotWhole", {std::string(cell.text)});
   }
   void takeFields() {
     fields_ = batch_->fields();
     const auto number = query::columnOf(fields_, numberColumn);
-    if (!number) throw Error(unspecifiedFailure, "a trail has no column Nr, by which rows are compared");
+    if (!number) throw settings::localizedError(unspecifiedFailure, "snapshot.noNumbers");
     numberAt_ = *number;
     timeAt_ = query::columnOf(fields_, timeColumn);
   }
@@ -252,24 +253,29 @@ class Comparing {
     for (std::size_t i = pairs; i < onlyNow.size(); ++i) inserted(onlyNow[i]);
   }
 
+  [[nodiscard]] std::vector<ColumnValue> rowOf(const Taken& row) const {
+    std::vector<ColumnValue> values;
+    for (std::size_t i = 0; i < pairs_.size(); ++i) values.push_back({nameOf(i), row.values[i]});
+    return values;
+  }
   void add(RowDifference difference) {
     if (found_.differences.size() < TrailComparison::mostNamed) found_.differences.push_back(std::move(difference));
   }
   void changed(const Taken& before, const Taken& now) {
     ++found_.changed;
-    RowDifference difference{RowDifference::Kind::changed, before.number, {}, {}};
+    RowDifference difference{RowDifference::Kind::changed, before.number, {}, {}, rowOf(before)};
     for (std::size_t i = 0; i < pairs_.size(); ++i)
       if (before.values[i] != now.values[i]) difference.values.push_back({nameOf(i), before.values[i], now.values[i]});
     add(std::move(difference));
   }
   void removed(const Taken& row) {
     ++found_.removed;
-    RowDifference difference{RowDifference::Kind::removed, row.number, {}, {}};
+    RowDifference difference{RowDifference::Kind::removed, row.number, {}, {}, rowOf(row)};
     for (std::size_t i = 0; i < pairs_.size(); ++i) difference.values.push_back({nameOf(i), row.values[i], {}});
     add(std::move(difference));
   }
   [[nodiscard]] RowDifference insertedRow(const Taken& row) const {
-    RowDifference difference{RowDifference::Kind::inserted, row.number, {}, {}};
+    RowDifference difference{RowDifference::Kind::inserted, row.number, {}, {}, rowOf(row)};
     for (std::size_t i = 0; i < pairs_.size(); ++i) difference.values.push_back({nameOf(i), {}, row.values[i]});
     return difference;
   }

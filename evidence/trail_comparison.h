@@ -18,6 +18,12 @@ struct ValueChange {
   std::optional<std::string> now;
 };
 
+/// A value of a row; nothing stands for null.
+struct ColumnValue {
+  std::string column;
+  std::optional<std::string> value;
+};
+
 /// What happened to a row between an earlier trail and a later one.
 struct RowDifference {
   enum class Kind {
@@ -31,6 +37,7 @@ struct RowDifference {
   std::optional<std::int64_t> number;       ///< in the trail that has it, the earlier one where both have it
   std::optional<std::int64_t> otherNumber;  ///< of a renumbered row now, of the row that it was exchanged with
   std::vector<ValueChange> values;          ///< that changed; all of a row that was removed or inserted
+  std::vector<ColumnValue> row{};           ///< all values that the row had, of an inserted one those that it has
   bool isTaken = false;                     ///< part of another difference; never in a result
 };
 

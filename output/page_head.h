@@ -24,6 +24,7 @@ struct PageHead {
     std::string text;
     std::size_t mostLines = 0;  ///< where it is longer, it ends in an ellipsis; 0: as many as it takes
   };
+  std::string title;  ///< of the pages; empty: the caption of the section, as in the report's file
   std::vector<Fact> facts;
   std::string source;   ///< where the rows come from, in short: on the pages after the first
   std::string warning;  ///< that rows are missing: in a frame on every page

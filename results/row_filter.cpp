@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 #include <string_view>
+#include <utility>
 
 #include "base/numbers.h"
 #include "results/date_text.h"
@@ -94,11 +95,25 @@ std::shared_ptr<const MatchingRecords> matchingRecords(const ResultList& list, c
       MatchingRecords{list.sharedStore(), MatchingCells(list, condition.matcher, condition.columns).matchingRecords()});
 }
 
+bool RecordCondition::isKnownFor(const ResultList& list) const noexcept {
+  return records != nullptr && isStoreOf(records->store, list) && records->records.size() == list.store()->rowCount();
+}
+
+std::shared_ptr<const MatchingRecords> matchingOnly(const ResultList& list, std::span<const RowId> records) {
+  MatchingRecords matching(*noneMatching(list));
+  for (const RowId record : records) matching.records.at(record.value) = 1;
+  return std::make_shared<const MatchingRecords>(std::move(matching));
+}
+
 std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter& filter,
                                          std::optional<ColumnIndex> except) {
   try {
     const std::size_t records = list.store() == nullptr ? 0 : list.store()->rowCount();
     std::vector<std::uint8_t> passing(records, 1);
+    const auto keepOnly = [&passing](const std::vector<std::uint8_t>& matching) {
+      std::transform(passing.begin(), passing.end(), matching.begin(), passing.begin(),
+                     [](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>(a & b); });
+    };
     if (passing.empty()) return passing;
     for (const ColumnCondition& condition : filter.columns) {
       if (condition.column == except) continue;
@@ -106,11 +121,9 @@ std::vector<std::uint8_t> passingRecords(const ResultList& list, const RowFilter
       std::uint8_t* const out = passing.data();
       column.forEachRow(ConditionTest(condition), [out](std::size_t row, std::uint8_t meets) { out[row] &= meets; });
     }
-    for (const TextCondition& condition : filter.texts) {
-      const auto matching = matchingRecords(list, condition);
-      std::transform(passing.begin(), passing.end(), matching->records.begin(), passing.begin(),
-                     [](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>(a & b); });
-    }
+    for (const TextCondition& condition : filter.texts) keepOnly(matchingRecords(list, condition)->records);
+    for (const RecordCondition& condition : filter.records)
+      keepOnly(condition.isKnownFor(list) ? condition.records->records : noneMatching(list)->records);
     return passing;
   } catch (const std::bad_alloc&) {
     throw outOfMemory();

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -68,11 +69,24 @@ struct TextCondition {
 [[nodiscard]] std::shared_ptr<const MatchingRecords> matchingRecords(const ResultList& list,
                                                                      const TextCondition& condition);
 
+/// A condition that a record is one of these. No record of another store meets it.
+struct RecordCondition {
+  std::string name;  ///< which records they are; a filter has one condition of a name
+  std::shared_ptr<const MatchingRecords> records;
+
+  /// Whether these are records of what the list shows, with nothing added since.
+  [[nodiscard]] bool isKnownFor(const ResultList& list) const noexcept;
+};
+/// These of the list's records. Throws std::bad_alloc.
+[[nodiscard]] std::shared_ptr<const MatchingRecords> matchingOnly(const ResultList& list,
+                                                                  std::span<const RowId> records);
+
 /// What rows must be like to be shown: all conditions are met. Without conditions all rows pass.
 struct RowFilter {
   std::vector<ColumnCondition> columns{};
   std::vector<TextCondition> texts{};
-  [[nodiscard]] bool isEmpty() const noexcept { return columns.empty() && texts.empty(); }
+  std::vector<RecordCondition> records{};
+  [[nodiscard]] bool isEmpty() const noexcept { return columns.empty() && texts.empty() && records.empty(); }
 };
 
 /// For every record of the list's rows, shown or hidden, 1 if it meets all conditions

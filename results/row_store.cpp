@@ -110,6 +110,14 @@ db::Cell RowStore::cell(RowId row, ColumnIndex column) const noexcept {
   return {textAt(stored), stored == nullptr};
 }
 
+bool RowStore::isSameRecord(RowId left, RowId right) const noexcept {
+  if (widthOf(left) != widthOf(right)) return false;
+  for (std::size_t i = 0; i < widthOf(left); ++i)
+    if (const db::Cell a = cell(left, {i}), b = cell(right, {i}); a.isNull != b.isNull || a.text != b.text)
+      return false;
+  return true;
+}
+
 const Column* RowStore::column(ColumnIndex column) const noexcept {
   return column.value < impl_->columns.size() ? &impl_->columns[column.value] : nullptr;
 }

@@ -68,6 +68,9 @@ class RowStore final {
   /// The value; an empty null cell beyond the row's width. The text lives as long as the store.
   [[nodiscard]] db::Cell cell(RowId row, ColumnIndex column) const noexcept;
 
+  /// Whether two rows have the same values in all columns: one record that the answer holds twice.
+  [[nodiscard]] bool isSameRecord(RowId left, RowId right) const noexcept;
+
   /// The stored values of a column; null beyond the widest result set. For going through all rows of a column at once.
   [[nodiscard]] const Column* column(ColumnIndex column) const noexcept;
   /// The result sets that have rows, in the order of arrival.

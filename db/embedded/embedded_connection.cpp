@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <map>
+#include <optional>
 
 #include "base/error.h"
 #include "db/embedded/audit_statements.h"
@@ -39,7 +40,7 @@ class EmbeddedConnection final : public Connection {
       : database_(file, options.busyTimeout), rowLimit_(options.rowLimit) {
     // Nobody writes to a snapshot: what is locked is none, and is waited for by its queries.
     database_.setBusyTimeout({});
-    snapshotText_ = snapshotText();
+    snapshot_ = snapshotOrigin();
     database_.setBusyTimeout(options.busyTimeout);
   }
 
@@ -54,7 +55,10 @@ class EmbeddedConnection final : public Connection {
   }
 
   [[nodiscard]] ServerIdentity identity() const override {
-    return {std::string("SQLite ") + sqlite3_libversion() + snapshotText_, {}};
+    std::string product = std::string("SQLite ") + sqlite3_libversion();
+    if (snapshot_)
+      product += ", snapshot of " + snapshot_->database + " on " + snapshot_->server + ", " + snapshot_->taken;
+    return {product, {}, snapshot_};
   }
 
   [[nodiscard]] bool selectsFreely() const noexcept override { return true; }
@@ -86,7 +90,7 @@ class EmbeddedConnection final : public Connection {
   }
 
   /// Whose copy the database is, where it says so; a damaged one says so when it is queried.
-  std::string snapshotText() {
+  std::optional<SnapshotOrigin> snapshotOrigin() {
     NamedTexts facts;
     try {
       runText("SELECT Name, Value FROM " + std::string(snapshotFactsTable), facts);
@@ -94,12 +98,12 @@ class EmbeddedConnection final : public Connection {
       return {};
     }
     if (facts.of("format") != snapshotFormat) return {};
-    return ", snapshot of " + facts.of("database") + " on " + facts.of("server") + ", " + facts.of("begun");
+    return SnapshotOrigin{facts.of("server"), facts.of("database"), facts.of("begun")};
   }
 
   SqliteDatabase database_;
   std::size_t rowLimit_;
-  std::string snapshotText_;
+  std::optional<SnapshotOrigin> snapshot_;
 };
 
 }  // namespace

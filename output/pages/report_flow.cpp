@@ -177,7 +177,8 @@ ReportFlow::SectionPlan ReportFlow::planOf(const SectionHead& head, std::size_t 
   SectionPlan plan;
   plan.columns = strips.at(strip);
   // As in the report's file: also behind a caption that ends so itself.
-  plan.caption = shownOnPaper(head.caption) + QStringLiteral(" Audits");
+  const std::string& title = texts_.head.title;
+  plan.caption = title.empty() ? shownOnPaper(head.caption) + QStringLiteral(" Audits") : shownOnPaper(title);
   std::vector<ColumnWish> wishes;
   std::vector<qreal> proportions;
   for (const std::size_t column : plan.columns) {

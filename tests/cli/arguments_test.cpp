@@ -62,6 +62,7 @@ TEST_F(Arguments, HelpFitsATerminal) {
                                 {"servers", "--help"},
                                 {"databases", "--help"},
                                 {"check", "--help"},
+                                {"selftest", "--help"},
                                 {"install-procedure", "--help"}}) {
     std::istringstream lines(run(arguments).out);
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 96U) << line;
@@ -120,13 +121,14 @@ TEST_F(Arguments, WrongUsageIsRefusedBeforeAnythingIsTried) {
 
 TEST_F(Arguments, WhatIsNotKnownIsNamed) {
   const std::string commands =
-      "demo, query, history, review, chart, sql, verify, snapshot, compare, servers, databases, install-procedure, "
+      "demo, query, history, review, marks, chart, sql, verify, snapshot, compare, selftest, servers, databases, "
+      "install-procedure, "
       "check";
   const auto errorOf = [&](const std::vector<std::string>& arguments) {
     const std::string text = run(arguments).err;
     return text.substr(0, text.find('\n'));
   };
-  EXPECT_EQ(errorOf({}), "korvel-audit: no command was given; there are " + commands);
+  EXPECT_EQ(errorOf({}), "korvel-audit: no command was given");
   EXPECT_EQ(errorOf({"quer", "--list", "1"}), "korvel-audit: 'quer' is no command; there are " + commands);
   EXPECT_EQ(errorOf({"--nonsense"}),
             "korvel-audit: '--nonsense' is no option here, and comes before a command; there are " + commands);

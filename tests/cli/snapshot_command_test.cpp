@@ -65,7 +65,7 @@ TEST_F(SnapshotCommand, ComparesEqualAndWithNewerRows) {
   const ToolRun equal = compare();
   EXPECT_EQ(equal.status, 0) << equal.err;
   EXPECT_EQ(equal.out, "");
-  EXPECT_THAT(equal.err, HasSubstr("UNCHANGED: the snapshot's 1,500 rows are in the trail as they were"));
+  EXPECT_THAT(equal.err, HasSubstr("UNCHANGED: all rows of the snapshot (1,500) are in the trail as they were"));
   change("INSERT INTO Korvel_Audit_Trails (Nr) VALUES (1501)");
   const ToolRun newer = compare();
   EXPECT_EQ(newer.status, 0) << newer.err;
@@ -78,11 +78,22 @@ TEST_F(SnapshotCommand, NamesWhatDiffers) {
   change("UPDATE Korvel_Audit_Trails SET NewValue = 'x' WHERE Nr = 1000; DELETE FROM Korvel_Audit_Trails WHERE Nr = 7");
   const ToolRun run = compare({"--format", "csv"});
   EXPECT_EQ(run.status, 5);
-  EXPECT_THAT(run.err, HasSubstr("DIFFERENT: 1 changed, 1 removed; the snapshot has 1,500 rows"));
+  EXPECT_THAT(run.err, HasSubstr("DIFFERENT: 1 changed, 1 removed; rows in the snapshot: 1,500"));
   EXPECT_THAT(run.err, HasSubstr("In the trail by itself: 1 entry number is missing"));
   EXPECT_THAT(run.out, StartsWith("Finding,Entry ID,Column,In the Snapshot,Now\r\nremoved,7,Nr,7,\r\n"));
   EXPECT_THAT(run.out, HasSubstr("\nchanged,1000,NewValue,\"\",x\r\n"));
   EXPECT_THAT(run.out, HasSubstr("\nnumbers missing,7,Nr,,\r\n"));
+}
+
+TEST_F(SnapshotCommand, ComparesForPeopleInALineForARow) {
+  snapshot();
+  change("UPDATE Korvel_Audit_Trails SET NewValue = 'x' WHERE Nr = 1000; DELETE FROM Korvel_Audit_Trails WHERE Nr = 7");
+  const ToolRun run = compare();
+  EXPECT_EQ(run.status, 5);
+  // Header, line, removed row, changed value, missing number.
+  EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 5) << run.out;
+  EXPECT_THAT(run.out, HasSubstr("2004-03-07 00:00:00.000 · user · UATable · field · UPDATE · old →"));
+  EXPECT_THAT(compare({"--format", "json"}).out, HasSubstr("\"format\": \"korvel-audit-comparison\""));
 }
 
 TEST_F(SnapshotCommand, ComparesWithAnotherTrail) {
@@ -123,7 +134,7 @@ TEST_F(SnapshotCommand, SaysWhatIsNoSnapshot) {
   const ToolRun database = runTool({"compare", trail.string()});
   EXPECT_EQ(database.status, 3);
   EXPECT_THAT(database.err, HasSubstr("is a database, and no snapshot"));
-  EXPECT_THAT(runTool({"compare", folder.path().string()}).err, HasSubstr("there is no snapshot in "));
+  EXPECT_THAT(runTool({"compare", folder.path().string()}).err, HasSubstr("There is no snapshot in "));
   EXPECT_THAT(runTool({"compare", (folder / "nothing.db").string()}).err, HasSubstr("nothing.db"));
   EXPECT_THAT(runTool({"compare", (folder / "plant" / "x.txt").string()}).err, HasSubstr("does not end in .db"));
   std::filesystem::copy_file(trail, folder / "plant" / "E.db");

@@ -7,16 +7,15 @@
 #include <set>
 #include <string>
 
-#include "query/audit_record.h"
+#include "tests/evidence/record_list.h"
 
 namespace korvel::evidence {
 namespace {
 
+using test::listOf;
+using test::Record;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// The columns of a record that a test sets; "NULL" is null.
-using Record = std::map<std::string, std::string>;
 
 /// A record that no rule finds: on a Tuesday at noon, with a comment.
 Record usual(int number) {
@@ -35,27 +34,6 @@ Record usual(int number, const Record& other) {
   Record record = usual(number);
   for (const auto& [name, value] : other) record[name] = value;
   return record;
-}
-
-results::ResultList listOf(const std::vector<Record>& records) {
-  results::ResultList list(results::RowFilling::standard);
-  query::setUpAuditColumns(list);
-  const auto store = std::make_shared<results::RowStore>();
-  std::vector<db::Field> fields;
-  for (const query::AuditColumn& column : query::auditColumns()) fields.push_back({std::string(column.name)});
-  store->beginResult(fields);
-  std::vector<results::RowId> rows;
-  for (const Record& record : records) {
-    std::vector<db::Cell> cells;
-    for (const query::AuditColumn& column : query::auditColumns()) {
-      const auto found = record.find(std::string(column.name));
-      cells.push_back(found == record.end() || found->second == "NULL" ? db::Cell{{}, true}
-                                                                       : db::Cell{found->second, false});
-    }
-    rows.push_back(store->append(cells));
-  }
-  list.setRows(store, rows);
-  return list;
 }
 
 /// The entry numbers that a rule finds.

@@ -34,6 +34,10 @@ TEST(ManifestText, SaysWhatWasAskedAndWhatCame) {
     EXPECT_THAT(text, HasSubstr(part));
   EXPECT_THAT(text, HasSubstr(hexText(Sha256::of("QueryAudits '0'"))));
   EXPECT_THAT(text, testing::Not(HasSubstr("login")));
+  EXPECT_THAT(text, testing::Not(HasSubstr("snapshotOf")));
+  manifest.source.snapshot = db::SnapshotOrigin{"PLANT", "D", "2026-11-22T16:05:03+01:00"};
+  EXPECT_THAT(manifestText(manifest),
+              testing::AllOf(HasSubstr(R"("snapshotOf": {)"), HasSubstr(R"("taken": "2026-11-22T16:05:03+01:00")")));
   const RecordedOutput recorded = readManifest(text);
   EXPECT_EQ(recorded.output.name, "rows.csv");
   EXPECT_EQ(recorded.output.format, "csv");

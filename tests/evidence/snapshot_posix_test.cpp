@@ -35,9 +35,36 @@ TEST(SnapshotOnAFullDisk, SaysSoAndIsTakenWholeLater) {
       failure = error.description();
     }
   }
-  EXPECT_THAT(failure, AllOf(HasSubstr("cannot write"), HasSubstr("D.db.unfinished"), Not(HasSubstr("transaction")),
+  EXPECT_THAT(failure, AllOf(HasSubstr("The disk is full"), HasSubstr("D.db.unfinished"), Not(HasSubstr("transaction")),
                              Not(HasSubstr("taken back"))));
   EXPECT_EQ(takeSnapshot(order).facts.rows, 1500U);
+}
+
+TEST(SnapshotInAFolder, ThatMayNotBeWrittenToSaysSoAndLeavesNothing) {
+  const test::TemporaryFolder folder;
+  test::writeAuditDatabase(folder / "D.db", {{1, "2004-03-07 00:00:00.100", "UATable", "1", "CS"}});
+  std::filesystem::permissions(folder / "D.db", std::filesystem::perms::others_read,
+                               std::filesystem::perm_options::add);
+  std::filesystem::create_directory(folder / "snapshot");
+  const test::OrdinaryUser user(folder.path());
+  if (!user.succeeded()) GTEST_SKIP() << "the superuser has every right and may not lay it down";
+  SnapshotOrder order;
+  order.source = {"a server", "D", "", ""};
+  order.connect = [&folder](std::string_view, const std::stop_token&) { return db::openEmbedded(folder.path(), "D"); };
+  const auto failureIn = [&order](const std::filesystem::path& target) -> std::string {
+    order.folder = target;
+    try {
+      (void)takeSnapshot(order);
+    } catch (const Error& error) {
+      return error.description();
+    }
+    return {};
+  };
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  EXPECT_THAT(failureIn(folder / "snapshot"), HasSubstr("not allowed to write into the folder"));
+  EXPECT_THAT(failureIn(folder / "new"), HasSubstr("not allowed to write into the folder"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder / "snapshot"));
+  std::filesystem::permissions(folder.path(), std::filesystem::perms::owner_all);
 }
 
 }  // namespace

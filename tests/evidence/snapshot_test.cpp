@@ -15,6 +15,7 @@
 #include "evidence/snapshot_reader.h"
 #include "evidence/trail_comparison.h"
 #include "evidence/verification.h"
+#include "settings/string_table.h"
 #include "tests/db/audit_database.h"
 #include "tests/support/temporary_folder.h"
 
@@ -160,7 +161,13 @@ TEST_F(Snapshot, SaysSoToWhoeverConnects) {
   EXPECT_THAT(openSnapshot(taken.file)->identity().product,
               testing::AllOf(testing::StartsWith("SQLite "),
                              testing::EndsWith(", snapshot of D on a server, " + taken.facts.begun)));
+  const auto origin = openSnapshot(taken.file)->identity().snapshot;
+  ASSERT_TRUE(origin);
+  EXPECT_EQ(origin->server, "a server");
+  EXPECT_EQ(origin->database, "D");
+  EXPECT_EQ(origin->taken, taken.facts.begun);
   EXPECT_THAT(openSnapshot(trail)->identity().product, Not(HasSubstr("snapshot")));
+  EXPECT_FALSE(openSnapshot(trail)->identity().snapshot);
 }
 
 TEST_F(Snapshot, HasAManifestAndSumsThatVerifyAccepts) {
@@ -230,7 +237,7 @@ TEST_F(Snapshot, RefusesAValueThatItWouldChange) {
   change(
       "CREATE TABLE T (Nr INTEGER, DateTime TEXT); INSERT INTO T VALUES (1, '2004'), (2, '04.50'); "
       "DROP TABLE Korvel_Audit_Trails; ALTER TABLE T RENAME TO Korvel_Audit_Trails");
-  EXPECT_THAT(failure(), HasSubstr("the value 04.50 in the column DateTime cannot be stored as it is"));
+  EXPECT_THAT(failure(), HasSubstr("The value 04.50 in the column DateTime cannot be stored as it is"));
   change("UPDATE Korvel_Audit_Trails SET DateTime = NULL; UPDATE Korvel_Audit_Trails SET Nr = 'x' WHERE Nr = 2");
   std::filesystem::remove(unfinished());
   EXPECT_THAT(failure(), HasSubstr("x is no whole number"));
@@ -352,7 +359,7 @@ TEST_F(Snapshot, OfOtherRowsIsNotContinued) {
   EXPECT_EQ(failure(), "no server");
   left = unbroken;
   order.source.server = "another server";
-  EXPECT_THAT(failure(), HasSubstr("is an unfinished snapshot of other rows: database D on a server; remove it"));
+  EXPECT_THAT(failure(), HasSubstr("is an unfinished snapshot of other rows: database D on a server. Remove it"));
 }
 
 TEST_F(Snapshot, OfAServerThatDidNotAnswerLeavesNothingThatStandsInTheWay) {
@@ -384,7 +391,7 @@ TEST_F(Snapshot, ThatWasCompleteAndNotYetNamedIsPublishedByTheNextRun) {
 TEST_F(Snapshot, ThatIsBegunByAnotherRunIsLeftAlone) {
   std::filesystem::create_directories(order.folder);
   const SnapshotFile other(unfinished(), order.source);
-  EXPECT_THAT(failure(), HasSubstr("another run writes"));
+  EXPECT_THAT(failure(), HasSubstr("Another run writes"));
 }
 
 TEST_F(Snapshot, UnfinishedFilesOfOtherKindsAreRefused) {
@@ -423,7 +430,7 @@ TEST_F(Snapshot, OfANewerVersionIsRefused) {
 
 TEST_F(Snapshot, CannotBeMadeInAFile) {
   std::ofstream(order.folder) << "a file";
-  EXPECT_THAT(failure(), HasSubstr("cannot make the folder"));
+  EXPECT_THAT(failure(), HasSubstr("cannot be made"));
 }
 
 TEST_F(Snapshot, AnOrdinaryDatabaseIsNone) {
@@ -448,6 +455,45 @@ TEST_F(Snapshot, InABagIsItsPayload) {
   }
   EXPECT_THAT(readFile(order.folder / "bag-info.txt"), HasSubstr("Payload-Oxum: " + std::to_string(bytes) + ".3\n"));
   EXPECT_THAT(readFile(order.folder / "bag-info.txt"), HasSubstr("Audit trail of D on a server"));
+}
+
+TEST_F(Snapshot, WhoseTagFilesCouldNotBeWrittenBecomesABagWithTheNextRun) {
+  order.asBag = true;
+  // What is no file cannot be replaced.
+  std::filesystem::create_directories(order.folder / "bag-info.txt");
+  EXPECT_NE(failure(), "");
+  EXPECT_TRUE(std::filesystem::exists(order.folder / "data" / "D.db"));
+  EXPECT_FALSE(std::filesystem::exists(order.folder / "bagit.txt"));
+  std::filesystem::remove(order.folder / "bag-info.txt");
+  left = 0;  // no server is asked any more
+  const TakenSnapshot taken = takeSnapshot(order);
+  EXPECT_EQ(taken.facts.rows, rowCount);
+  EXPECT_EQ(taken.continuedAt, rowCount);
+  EXPECT_TRUE(isBagWith(order.folder, taken.file));
+  EXPECT_THAT(failure(), HasSubstr("will not replace"));
+}
+
+TEST_F(Snapshot, OfOtherRowsOrChangedMeanwhileDoesNotBecomeABag) {
+  order.asBag = true;
+  const TakenSnapshot taken = takeSnapshot(order);
+  std::filesystem::remove(order.folder / "bagit.txt");
+  order.source.server = "another server";
+  EXPECT_THAT(failure(), HasSubstr("will not replace"));
+  order.source.server = "a server";
+  std::filesystem::permissions(taken.file, std::filesystem::perms::owner_write, std::filesystem::perm_options::add);
+  test::DatabaseWriter(taken.file).run("UPDATE Korvel_Audit_Trails SET EventType = 'x' WHERE Nr = 1234");
+  EXPECT_THAT(failure(), HasSubstr("no longer as it was taken"));
+  EXPECT_FALSE(std::filesystem::exists(order.folder / "bagit.txt"));
+}
+
+TEST_F(Snapshot, FailuresAreExplainedInTheLanguageOfTheUser) {
+  (void)takeSnapshot(order);
+  try {
+    (void)takeSnapshot(order);
+    ADD_FAILURE() << "replaced";
+  } catch (const Error& error) {
+    EXPECT_THAT(settings::describe(error, settings::LanguageOffset("10000")), HasSubstr("ersetzt"));
+  }
 }
 
 }  // namespace

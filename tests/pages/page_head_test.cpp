@@ -58,6 +58,13 @@ TEST_F(HeadOfPages, IsWholeOnTheFirstPageAndShortOnTheOthers) {
   expectWholeWords();
 }
 
+TEST_F(HeadOfPages, HasATitleOfItsOwnInsteadOfTheListsCaption) {
+  texts.head.title = "OWNTITLE";
+  write(filledList({{"Alpha"}}, numberedRows(2, 1)));
+  EXPECT_EQ(count(text(1), "OWNTITLE"), 1U);
+  EXPECT_THAT(text(1), Not(HasSubstr("Audits")));
+}
+
 TEST_F(HeadOfPages, TakesAThirdOfAPageAtMostAndLeavesTheWarningWhole) {
   texts.head.facts = {{"Trail", manyWords("server", 60)},
                       {manyWords("name", 4), "short"},

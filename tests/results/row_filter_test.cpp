@@ -156,6 +156,60 @@ TEST(RowFilter, ATextIsEvaluatedOnceForTheSameRows) {
   EXPECT_EQ(shownRows(other.list), plainly(other, plain));
 }
 
+TEST(RowFilter, ShowsTheseRecordsInAnyOrderAndTogetherWithOtherConditions) {
+  GeneratedList made(RowFilling::whole);
+  const std::set<RowId> chosen = {made.list.rowId({1}), made.list.rowId({4}), made.list.rowId({2})};
+  const std::vector<RowId> listed(chosen.begin(), chosen.end());
+  const RecordCondition these{"these", matchingOnly(made.list, listed)};
+  EXPECT_TRUE(these.isKnownFor(made.list));
+  made.list.setFilter({.records = {these}});
+  EXPECT_TRUE(made.list.isFiltered());
+  for (std::size_t key = 0; key < 6; ++key) {
+    made.list.sortBy({key}, SortOrder::descending);
+    const std::vector<RowId> shown = shownRows(made.list);
+    EXPECT_EQ(shown.size(), chosen.size());
+    EXPECT_EQ(std::set<RowId>(shown.begin(), shown.end()), chosen);
+  }
+  const std::vector<RowId> fewer = {listed[0], listed[2]};
+  made.list.setFilter({.records = {these, {"fewer", matchingOnly(made.list, fewer)}}});
+  const std::vector<RowId> both = shownRows(made.list);
+  EXPECT_EQ(std::set<RowId>(both.begin(), both.end()), std::set<RowId>(fewer.begin(), fewer.end()));
+  const ColumnCondition first{.column = {0}, .values = {text(made.shownText(listed[0], 0))}};
+  made.list.setFilter({.columns = {first}, .records = {these}});
+  ASSERT_GE(made.list.rowCount(), 1U);
+  EXPECT_LT(made.list.rowCount(), chosen.size());
+  for (const RowId record : shownRows(made.list)) EXPECT_TRUE(meets(made, record, first) && chosen.count(record) == 1);
+}
+
+TEST(RowFilter, RecordsOfAnotherStoreOrOfFewerRowsAreNone) {
+  const auto store = std::make_shared<RowStore>();
+  const std::vector<db::Field> field = {{"No"}};
+  store->beginResult(field);
+  const std::vector<db::Cell> cell = {{"1", false}};
+  const RowId first = store->append(cell);
+  ResultList list(RowFilling::whole);
+  list.setColumns({{"No", standardColumnWidth, 0}});
+  list.setRows(store, {first});
+  const RecordCondition these{"these", matchingOnly(list, std::vector<RowId>{first})};
+  list.setFilter({.records = {these}});
+  EXPECT_EQ(list.rowCount(), 1U);
+  list.setFilter({.records = {{"nothing is known", nullptr}}});
+  EXPECT_EQ(list.rowCount(), 0U);
+  // The answer goes on.
+  const RowId second = store->append(cell);
+  list.setRows(store, {first, second});
+  EXPECT_FALSE(these.isKnownFor(list));
+  list.setFilter({.records = {these}});
+  EXPECT_EQ(list.rowCount(), 0U);
+  list.setRows(test::storeOf({{"1"}}), {{0}});
+  EXPECT_FALSE(these.isKnownFor(list));
+  list.setFilter({.records = {these}});
+  EXPECT_EQ(list.rowCount(), 0U);
+  EXPECT_EQ(list.wholeRowCount(), 1U);
+  list.clear();
+  EXPECT_FALSE(these.isKnownFor(list));
+}
+
 TEST(RowFilter, FollowsEntryNumbersThatSortingRewrites) {
   ResultList list(RowFilling::standard);
   list.setColumns({{"No", standardColumnWidth, 0}, {"a", standardColumnWidth, 0}, {"b", standardColumnWidth, 0}});

@@ -18,6 +18,7 @@
 #include "base/system_errors.h"
 #include "settings/registry.h"
 #include "settings/string_table.h"
+#include "tests/support/process_conditions_posix.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::settings {
@@ -268,30 +269,9 @@ TEST(RegistryFile, ALinkThatDanglesIsAMissingFileUntilItIsWritten) {
   EXPECT_FALSE(fs::exists(folder / "a.reg.lock"));
 }
 
-/// Drops root's rights for a while, where the test has them: root can open any file.
-class OrdinaryUser {
- public:
-  explicit OrdinaryUser(const fs::path& ownFolder) : wasSuperuser_(::geteuid() == 0) {
-    constexpr uid_t nobody = 65534;
-    if (!wasSuperuser_) return;
-    ordinary_ = ::chown(ownFolder.c_str(), nobody, nobody) == 0 && ::setresuid(nobody, nobody, 0) == 0;
-  }
-  ~OrdinaryUser() {
-    if (wasSuperuser_ && ::setresuid(0, 0, 0) != 0) ADD_FAILURE() << "the rights do not come back";
-  }
-  OrdinaryUser(const OrdinaryUser&) = delete;
-  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-  [[nodiscard]] bool succeeded() const { return !wasSuperuser_ || ordinary_; }
-
- private:
-  bool wasSuperuser_;
-  bool ordinary_ = false;
-};
-
 TEST(RegistryFile, WithoutRightsNothingIsReadOrWritten) {
   const test::TemporaryFolder folder;
-  const OrdinaryUser user(folder.path());
+  const test::OrdinaryUser user(folder.path());
   if (!user.succeeded()) GTEST_SKIP() << "the superuser has every right and may not lay it down";
   const fs::path file = folder / "a.reg";
   save(file, "Language", "0");

@@ -105,8 +105,8 @@ TEST(TextTable, OurTranslationsAreTranslated) {
                 return language != 0 && row.texts[language] == row.texts.front();
               }),
               ElementsAre("1 it", "58 de", "58 fr", "58 it", "63 de", "check.port de", "check.port fr",
-                          "check.database it", "check.table fr", "dialog.no es", "dialog.no it", "page.computer it",
-                          "preview.page fr", "preview.pages fr"));
+                          "check.database it", "check.table fr", "review.question fr", "reviewReport.computer it",
+                          "dialog.no es", "dialog.no it", "page.computer it", "preview.page fr", "preview.pages fr"));
 }
 
 /// Whether a punctuation mark that French separates does not follow a no-break space. Marks inside a word ("host:port")
@@ -126,9 +126,15 @@ bool hasLooseFrenchSign(std::string_view text) {
 const std::vector<std::vector<std::string>> dialogsWithLetters = {
     {"dialog.yes", "dialog.no"},
     {"filter.takeShown", "filter.takeWhole"},
+    {"compare.file", "snapshot.browse", "compare.withSelected", "compare.withOwn", "compare.start"},
+    {"compare.save"},
     {"history.copy", "record.close", "history.goTo"},
     {"preview.print", "preview.close"},
     {"record.previous", "record.next", "record.copy", "record.close"},
+    {"snapshot.whole", "snapshot.range", "snapshot.folder", "snapshot.browse", "snapshot.bag", "snapshot.take"},
+    {"snapshot.whole", "snapshot.noRange", "snapshot.folder", "snapshot.browse", "snapshot.bag", "snapshot.open",
+     "snapshot.take"},
+    {"snapshot.stop"},
     {"summary.by", "summary.and", "summary.copy", "summary.export", "record.close"},
 };
 

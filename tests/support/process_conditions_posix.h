@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -45,6 +47,28 @@ class FullDisk {
  private:
   rlimit before_{};
   void (*handler_)(int);
+};
+
+/// Drops root's rights for a while, where the test has them: root can open any file.
+class OrdinaryUser {
+ public:
+  explicit OrdinaryUser(const std::filesystem::path& ownFolder) : wasSuperuser_(::geteuid() == 0) {
+    constexpr uid_t nobody = 65534;
+    if (!wasSuperuser_) return;
+    ordinary_ = ::chown(ownFolder.c_str(), nobody, nobody) == 0 && ::setresuid(nobody, nobody, 0) == 0;
+  }
+  ~OrdinaryUser() {
+    // Without its rights the process is of no use to other tests.
+    if (wasSuperuser_ && ::setresuid(0, 0, 0) != 0) std::abort();
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+  [[nodiscard]] bool succeeded() const { return !wasSuperuser_ || ordinary_; }
+
+ private:
+  bool wasSuperuser_;
+  bool ordinary_ = false;
 };
 
 /// A pseudo terminal.
