@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "control/texts.h"
+#include "ui/accessible_role.h"
 #include "ui/shown_text.h"
 #include "ui/style/theme.h"
 
@@ -32,6 +33,7 @@ constexpr int wheelNotch = 120;
 
 ActivityBars::ActivityBars(QWidget* parent) : QAbstractScrollArea(parent) {
   setObjectName(QStringLiteral("ActivityBars"));
+  ui::setAccessibleRole(*this, QAccessible::Chart);
   setFocusPolicy(Qt::StrongFocus);
   setFrameShape(QFrame::NoFrame);
   setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

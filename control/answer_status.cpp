@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "control/selected_snapshot.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "query/standard_query.h"
@@ -60,7 +61,9 @@ QString AnswerStatus::restingText() const {
   const auto say = [&](const QString& sentence) {
     if (!sentence.isEmpty()) sentences.append(sentence);
   };
+  if (reviewText_) say(reviewText_());
   if (notice_) say(notice_());
+  if (hasDatabase()) say(SelectedSnapshot::text());
   if (isOutOfDate()) say(ownText("status.outOfDate"));
   say(alarmRemark());
   sentences.append(completionTexts());

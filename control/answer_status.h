@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "evidence/manifest.h"
 #include "query/completion_report.h"
@@ -77,6 +78,9 @@ class AnswerStatus {
   /// The list shows other rows from now on: what was said of them is not true any more.
   void endNoticeOn(const ResultListModel& rows);
 
+  /// What is said of a review of the list in front; it comes first.
+  void setReviewText(std::function<QString()> text) { reviewText_ = std::move(text); }
+
   /// What the status panel says while nothing goes on and no command is highlighted.
   void showRestingText();
   /// Brings the resting text up to date where the panel shows it, and offers to load all where an answer was cut.
@@ -119,6 +123,7 @@ class AnswerStatus {
   const query::FilterTree& filterTree_;
   ShownAnswer standardAnswer_;
   ShownAnswer customAnswer_;
+  std::function<QString()> reviewText_;
   std::function<QString()> notice_;
   const ResultListModel* noticedRows_ = nullptr;  ///< whose shown rows the notice is about; null for any other notice
   QString shownRestingText_;

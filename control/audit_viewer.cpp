@@ -115,6 +115,9 @@ QString AuditViewer::LastFailureText() const {
 QDateTime AuditViewer::LastFailureTime() const {
   return members_->queries.lastFailure().time;
 }
+QString AuditViewer::SnapshotText() const {
+  return control::SelectedSnapshot::text();
+}
 
 QSize AuditViewer::sizeHint() const {
   return members_->surface.preferredSize();
@@ -223,6 +226,13 @@ void AuditViewer::PrintReport() {
 void AuditViewer::PreviewReport() {
   if (members_->surface.btPrint->isEnabled())
     members_->messages.trapped("PreviewReport", [this] { members_->outputs.PreviewReport(); });
+}
+
+void AuditViewer::TakeSnapshot() {
+  members_->messages.trapped("TakeSnapshot", [this] { members_->snapshots.TakeSnapshot(); });
+}
+void AuditViewer::CompareWithSnapshot() {
+  members_->messages.trapped("CompareWithSnapshot", [this] { members_->snapshots.CompareWithSnapshot(); });
 }
 
 void AuditViewer::showEvent(QShowEvent* event) {

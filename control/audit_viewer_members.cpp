@@ -2,6 +2,7 @@
 
 #include "control/library_state.h"
 #include "control/manifest_choice.h"
+#include "control/working_hours.h"
 #include "db/connection_state.h"
 #include "settings/registry.h"
 
@@ -29,10 +30,13 @@ AuditViewer::Members::Members(AuditViewer& viewer)
       customPage(viewer, messages, surface, queries),
       lock(surface, menuItems, toolbarItems),
       selection(viewer, messages, surface, {lock, queries, answers}, &followSelectionEverywhere),
+      snapshots(viewer, messages, answers, selection),
       sideTools(viewer, messages, surface, queries, &followDateRangeEverywhere),
       findAndFilter(viewer, messages, surface, answers, queries),
       activity(viewer, messages, surface, findAndFilter),
-      listCommands(viewer, messages, surface, answers, findAndFilter, activity, menuItems),
+      review(viewer, messages, surface, answers, findAndFilter),
+      exceptions(viewer, messages, surface, answers, findAndFilter),
+      listCommands(viewer, messages, surface, answers, findAndFilter, activity, review, exceptions, menuItems),
       outputs(viewer, messages, surface, answers),
       help(viewer),
       commands(viewer, messages, surface, menuItems, toolbarItems,
@@ -52,6 +56,7 @@ void AuditViewer::Members::Initialize() {
   const auto backend = control::platform().openSettings();
   libraryState().language = settings::storedLanguage(*backend);
   skipFailing([&] { libraryState().writesManifests = control::storedManifestChoice(*backend); });
+  skipFailing([&] { libraryState().workingHours = control::storedWorkingHours(*backend); });
 
   listCommands.ListViewColSetup();
   commands.BuildMenu();
@@ -82,6 +87,7 @@ void AuditViewer::Members::BuildMisc() {
   skipFailing([this] { customPage.showTexts(); });
   skipFailing([this] { findAndFilter.showTexts(); });
   skipFailing([this] { activity.showTexts(); });
+  skipFailing([this] { exceptions.showTexts(); });
   skipFailing([this] { answers.showEmptyTexts(); });
   skipFailing([this] { answers.followRestingText(); });
 }

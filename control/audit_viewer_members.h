@@ -14,7 +14,10 @@
 #include "control/list_outputs.h"
 #include "control/message_boxes.h"
 #include "control/property_bag.h"
+#include "control/review_commands.h"
+#include "control/review_rule_commands.h"
 #include "control/side_tools.h"
+#include "control/snapshot_commands.h"
 #include "control/surface.h"
 #include "control/viewer_commands.h"
 #include "control/viewer_help.h"
@@ -48,9 +51,12 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   control::CustomPage customPage;
   control::ControlLock lock;
   control::DatabaseSelection selection;
+  control::SnapshotCommands snapshots;
   control::SideTools sideTools;
   control::FindAndFilter findAndFilter;
   control::ActivityCommands activity;
+  control::ReviewCommands review;
+  control::ReviewRuleCommands exceptions;
   control::ListCommands listCommands;
   control::ListOutputs outputs;
   control::ViewerHelp help;

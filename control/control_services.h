@@ -37,6 +37,10 @@ class ControlServices : public ui::DialogServices {
   /// The folder that was chosen, nothing for a cancelled dialog. `showFiles` shows the files in it as well; it is a
   /// folder that is chosen all the same.
   virtual std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) = 0;
+  /// A file of one of these kinds, "Name (*.end);;Other (*.other)": one that is there, or the place of one that will be
+  /// written, which the user agreed to replace. Nothing for a cancelled dialog.
+  virtual std::optional<QString> chooseFile(QWidget* owner, const QString& title, const QString& kinds,
+                                            ui::ChosenFile use) = 0;
   /// A line of text; empty for a cancelled box.
   virtual QString inputBox(QWidget* owner, const QString& prompt, const QString& title) = 0;
   /// A question; every other way of closing the box answers no.

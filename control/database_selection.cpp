@@ -19,7 +19,11 @@ namespace korvel::control {
 
 DatabaseSelection::DatabaseSelection(AuditViewer& viewer, const MessageBoxes& messages, const Surface& surface,
                                      Affected affected, void (*followEverywhere)())
-    : viewer_(viewer), messages_(messages), affected_(affected), followEverywhere_(followEverywhere) {
+    : viewer_(viewer),
+      messages_(messages),
+      affected_(affected),
+      followEverywhere_(followEverywhere),
+      snapshot_(viewer, followEverywhere) {
   messages_.onClick(surface.btSelectDB, "btSelectDB_Click", [this] { btSelectDB_Click(); });
   messages_.onClick(surface.btDBInfo, "btDBInfo_Click", [this] { btDBInfo_Click(); });
 }
@@ -44,6 +48,11 @@ void DatabaseSelection::OpenDefaultSQLServer(const StoredProperties& properties)
   announceSelection();
 }
 
+void DatabaseSelection::OpenDatabase(const std::string& server, const std::string& database) {
+  db::openDatabase(libraryState().connection, server, database);
+  announceSelection();
+}
+
 void DatabaseSelection::announceSelection() {
   affected_.answers.countSelection();
   const QPointer<AuditViewer> alive(&viewer_);
@@ -52,6 +61,7 @@ void DatabaseSelection::announceSelection() {
   affected_.lock.UnlockControls();
   affected_.queries.clearAllLists();
   affected_.queries.DisplayNoOfRecords();
+  snapshot_.follow();
   followEverywhere_();
 }
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+
+#include "control/selected_snapshot.h"
+
 namespace korvel {
 class AuditViewer;
 }
@@ -33,6 +37,8 @@ class DatabaseSelection {
 
   void SelectDatabase();
   void OpenDefaultSQLServer(const StoredProperties& properties);
+  /// Selects a database by its names, without trying the connection.
+  void OpenDatabase(const std::string& server, const std::string& database);
   void btSelectDB_Click();
   void btDBInfo_Click();
 
@@ -43,6 +49,7 @@ class DatabaseSelection {
   const MessageBoxes& messages_;
   Affected affected_;
   void (*followEverywhere_)();
+  SelectedSnapshot snapshot_;
 };
 
 }  // namespace korvel::control

@@ -1,6 +1,6 @@
 #include "korvel/FailureBar.h"
 
-#include <QAccessibleWidget>
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
@@ -12,6 +12,7 @@
 #include <cmath>
 
 #include "korvel/AuditViewer.h"
+#include "ui/accessible_role.h"
 #include "ui/buttons.h"
 #include "ui/style/theme.h"
 #include "ui/style/viewer_style.h"
@@ -32,12 +33,6 @@ class WrappedText final : public QTextEdit {
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 };
-
-/// The bar is an alert to assistive technology.
-QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
-  if (className != QLatin1String(FailureBar::staticMetaObject.className()) || object == nullptr) return nullptr;
-  return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::AlertMessage);
-}
 
 WrappedText::WrappedText() {
   setReadOnly(true);
@@ -89,8 +84,7 @@ struct FailureBar::Parts {
 };
 
 FailureBar::FailureBar(QWidget* parent) : QWidget(parent), parts_(std::make_unique<Parts>()) {
-  static const bool installed = (QAccessible::installFactory(&makeInterface), true);
-  Q_UNUSED(installed)
+  ui::setAccessibleRole(*this, QAccessible::AlertMessage);
   setObjectName(QStringLiteral("failureBar"));
   ui::applyStyle(*this);
   parts_->heading->setObjectName(QStringLiteral("failureHeading"));

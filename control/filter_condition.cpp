@@ -8,6 +8,7 @@
 #include "control/activity_words.h"
 #include "control/find_matcher.h"
 #include "control/texts.h"
+#include "settings/string_table.h"
 
 namespace korvel::control {
 namespace {
@@ -82,6 +83,11 @@ ui::Chip chipOfText(const TextFilter& filter) {
   return chip;
 }
 
+ui::Chip chipOfRecords(const RecordFilter& filter) {
+  const QString name = ownText(filter.condition.name);
+  return {.column = name, .toolTip = name};
+}
+
 std::vector<std::string> captionsOf(const results::ResultList& list) {
   std::vector<std::string> captions;
   captions.reserve(list.columns().size());
@@ -118,16 +124,18 @@ results::RowFilter rowFilter(const std::vector<FilterCondition>& conditions) {
   for (const FilterCondition& each : conditions) {
     if (const auto* column = std::get_if<ColumnFilter>(&each)) filter.columns.push_back(column->condition);
     if (const auto* text = std::get_if<TextFilter>(&each)) filter.texts.push_back(text->condition);
+    if (const auto* records = std::get_if<RecordFilter>(&each)) filter.records.push_back(records->condition);
   }
   return filter;
 }
 
-bool fitsColumns(const FilterCondition& condition, const results::ResultList& list) {
+bool fitsList(const FilterCondition& condition, const results::ResultList& list) {
   const auto& columns = list.columns();
   if (const auto* column = std::get_if<ColumnFilter>(&condition)) {
     const std::size_t place = column->condition.column.value;
     return place < columns.size() && columns[place].caption == column->caption;
   }
+  if (const auto* records = std::get_if<RecordFilter>(&condition)) return records->condition.isKnownFor(list);
   return true;
 }
 
@@ -168,6 +176,8 @@ std::string filterText(const FilterCondition& condition) {
            (request.wholeValue ? "whole value " : "") + quoted(request.text.toStdString()) +
            (request.exactCase ? " in exact case" : "");
   }
+  if (const auto* records = std::get_if<RecordFilter>(&condition))
+    return std::string(settings::ownText(records->condition.name, {}));
   const auto& filter = std::get<ColumnFilter>(condition);
   std::vector<std::string> parts;
   for (const ShownValue& value : filter.condition.values)
@@ -182,8 +192,9 @@ std::string filterText(const FilterCondition& condition) {
 }
 
 ui::Chip chipOf(const FilterCondition& condition) {
-  const auto* column = std::get_if<ColumnFilter>(&condition);
-  return column != nullptr ? chipOfColumn(*column) : chipOfText(std::get<TextFilter>(condition));
+  if (const auto* column = std::get_if<ColumnFilter>(&condition)) return chipOfColumn(*column);
+  if (const auto* text = std::get_if<TextFilter>(&condition)) return chipOfText(*text);
+  return chipOfRecords(std::get<RecordFilter>(condition));
 }
 
 }  // namespace korvel::control

@@ -28,8 +28,13 @@ struct TextFilter {
   bool isPending = false;    ///< it is being evaluated; until then no record matches
   bool isUndecided = false;  ///< values were too much for the regular expression, and count as not matching
 };
+/// Some of a list's records, which only that answer has. The condition's name is the key of the own text that says
+/// which they are.
+struct RecordFilter {
+  results::RecordCondition condition;
+};
 /// One of the conditions that the user has put on a list. All of them are met by the rows that are shown.
-using FilterCondition = std::variant<ColumnFilter, TextFilter>;
+using FilterCondition = std::variant<ColumnFilter, TextFilter, RecordFilter>;
 
 /// The condition that some of these columns matches, with what is known of it. Nothing where the request is no regular
 /// expression.
@@ -42,8 +47,8 @@ using FilterCondition = std::variant<ColumnFilter, TextFilter>;
 
 /// What the engine filters by.
 [[nodiscard]] results::RowFilter rowFilter(const std::vector<FilterCondition>& conditions);
-/// Whether the list has the column that the condition is about; a text is looked for in any columns.
-[[nodiscard]] bool fitsColumns(const FilterCondition& condition, const results::ResultList& list);
+/// Whether the list has the column, or the records, that the condition is about; a text is looked for in any columns.
+[[nodiscard]] bool fitsList(const FilterCondition& condition, const results::ResultList& list);
 /// Whether all conditions on a column let this value pass.
 [[nodiscard]] bool passes(const std::vector<FilterCondition>& conditions, results::ColumnIndex column,
                           const results::ShownValue& value);

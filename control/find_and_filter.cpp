@@ -4,6 +4,7 @@
 #include <QPersistentModelIndex>
 #include <QShortcut>
 #include <algorithm>
+#include <utility>
 
 #include "control/answer_status.h"
 #include "control/audit_queries.h"
@@ -74,6 +75,22 @@ void FindAndFilter::keepOnlyRange(const ResultListView& list, const results::Col
                                   const std::optional<results::TextRange>& range) {
   const std::size_t place = placeOf(list);
   if (place < filters_.size()) filters_.at(place)->keepOnlyRange(column, range);
+}
+
+void FindAndFilter::keepOnlyRecords(const ResultListView& list, const std::string& name,
+                                    std::vector<std::uint8_t> records) {
+  const std::size_t place = placeOf(list);
+  if (place < filters_.size()) filters_.at(place)->keepOnlyRecords(name, std::move(records));
+}
+
+void FindAndFilter::showAllRecords(const ResultListView& list, const std::string& name) {
+  const std::size_t place = placeOf(list);
+  if (place < filters_.size()) filters_.at(place)->showAllRecords(name);
+}
+
+bool FindAndFilter::keepsRecords(const ResultListView& list, const std::string& name) const {
+  const std::size_t place = placeOf(list);
+  return place < filters_.size() && filters_.at(place)->keepsRecords(name);
 }
 
 std::size_t FindAndFilter::placeOf(const ResultListView& list) const {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "control/list_filters.h"
 #include "control/list_finding.h"
@@ -41,6 +44,10 @@ class FindAndFilter {
   /// Filters a list by a range of a column; without one it is filtered by none.
   void keepOnlyRange(const ResultListView& list, const results::ColumnIndex& column,
                      const std::optional<results::TextRange>& range);
+  /// Filters a list by records, one byte each by RowId, under a name of which there is one filter.
+  void keepOnlyRecords(const ResultListView& list, const std::string& name, std::vector<std::uint8_t> records);
+  void showAllRecords(const ResultListView& list, const std::string& name);
+  [[nodiscard]] bool keepsRecords(const ResultListView& list, const std::string& name) const;
 
  private:
   void connectKeys();

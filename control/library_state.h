@@ -6,8 +6,10 @@
 #include <optional>
 
 #include "control/control_services.h"
+#include "db/connection.h"
 #include "db/connection_state.h"
 #include "db/server_directory.h"
+#include "evidence/exceptions.h"
 #include "output/print_font.h"
 #include "query/custom_query.h"
 #include "query/date_range.h"
@@ -27,6 +29,8 @@ struct PendingReport {
 /// The values that all instances of the control share; they exist as long as the library is loaded.
 struct LibraryState {
   db::ConnectionState connection;
+  /// What the selected database is a snapshot of, once that is known.
+  std::optional<db::SnapshotOrigin> snapshot;
   query::DateRange dateRange;
   /// The last day with records in the viewer that opened the date range dialog; nothing where it shows none.
   std::optional<std::chrono::year_month_day> newestDay;
@@ -36,6 +40,8 @@ struct LibraryState {
   PendingReport pendingReport;
   /// Files that the user gets have a manifest beside them.
   bool writesManifests = false;
+  /// What a review by exception takes for working hours.
+  evidence::WorkingHours workingHours;
   /// A control waits for a database.
   bool queryRunning = false;
   /// Empty until the captions are built, and while the viewer's path is not set.

@@ -14,6 +14,9 @@
 #include "control/library_state.h"
 #include "control/manifest_choice.h"
 #include "control/message_boxes.h"
+#include "control/review_commands.h"
+#include "control/review_rule_commands.h"
+#include "control/snapshot_commands.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
@@ -36,13 +39,16 @@ std::vector<int> columnsCaptioned(const ResultListView& list, std::string_view c
 }  // namespace
 
 ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-                           FindAndFilter& findAndFilter, ActivityCommands& activity, CommandItems& menu)
+                           FindAndFilter& findAndFilter, ActivityCommands& activity, ReviewCommands& review,
+                           ReviewRuleCommands& exceptions, CommandItems& menu)
     : viewer_(viewer),
       messages_(messages),
       surface_(surface),
       answers_(answers),
       findAndFilter_(findAndFilter),
       activity_(activity),
+      review_(review),
+      exceptions_(exceptions),
       menu_(menu),
       itemHistory_(viewer, messages, surface),
       summary_(viewer, messages, surface, answers, findAndFilter) {
@@ -159,6 +165,9 @@ void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) 
   itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
   summary_.addEntry(*surface_.SmartPopup, list);
   activity_.addEntry(*surface_.SmartPopup);
+  review_.addEntries(*surface_.SmartPopup, list);
+  exceptions_.addEntry(*surface_.SmartPopup);
+  addSnapshotEntries(*surface_.SmartPopup, viewer_);
   addManifestEntry(*surface_.SmartPopup, viewer_, messages_);
 }
 

@@ -18,8 +18,10 @@ namespace korvel::control {
 
 class ActivityCommands;
 class AnswerStatus;
+class ReviewRuleCommands;
 class FindAndFilter;
 class MessageBoxes;
+class ReviewCommands;
 class Surface;
 
 /// Commands on the lists themselves: sorting, columns, the font, the context menus of lists and headers, and the
@@ -28,7 +30,8 @@ class ListCommands {
  public:
   /// All must outlive the commands. `menu` has the check mark of the key column.
   ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers,
-               FindAndFilter& findAndFilter, ActivityCommands& activity, CommandItems& menu);
+               FindAndFilter& findAndFilter, ActivityCommands& activity, ReviewCommands& review,
+               ReviewRuleCommands& exceptions, CommandItems& menu);
   ListCommands(const ListCommands&) = delete;
   ListCommands& operator=(const ListCommands&) = delete;
 
@@ -60,6 +63,8 @@ class ListCommands {
   AnswerStatus& answers_;
   FindAndFilter& findAndFilter_;
   ActivityCommands& activity_;
+  ReviewCommands& review_;
+  ReviewRuleCommands& exceptions_;
   CommandItems& menu_;
   CommandItems popupItems_;
   /// The list whose columns the context menu is about.

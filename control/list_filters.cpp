@@ -86,6 +86,11 @@ Offer offerOfValues(const std::vector<results::ValueCount>& values,
   return offer;
 }
 
+bool isNamed(const FilterCondition& condition, const std::string& name) {
+  const auto* filter = std::get_if<RecordFilter>(&condition);
+  return filter != nullptr && filter->condition.name == name;
+}
+
 bool isOn(const FilterCondition& condition, ColumnIndex column) {
   const auto* filter = std::get_if<ColumnFilter>(&condition);
   return filter != nullptr && filter->condition.column == column;
@@ -143,8 +148,8 @@ ListFilters::ListFilters(ListArea& area, Hooks hooks)
             const FilterCondition& condition = conditions_.at(static_cast<std::size_t>(chip));
             if (const auto* column = std::get_if<ColumnFilter>(&condition))
               showValues(static_cast<int>(column->condition.column.value));
-            else
-              hooks_.find(changed_.emplace(std::get<TextFilter>(condition).request));
+            else if (const auto* text = std::get_if<TextFilter>(&condition))
+              hooks_.find(changed_.emplace(text->request));
           }));
   connect(&view.listModel(), &QAbstractItemModel::modelReset, this, [this] { followRows(); });
   // Entry numbers are shown otherwise once they are sorted.
@@ -324,6 +329,31 @@ void ListFilters::keepOnlyRange(const ColumnIndex& column, std::optional<results
   apply(std::move(conditions));
 }
 
+void ListFilters::keepOnlyRecords(const std::string& name, std::vector<std::uint8_t> records) {
+  RecordFilter made{{name, std::make_shared<const results::MatchingRecords>(
+                               results::MatchingRecords{list().sharedStore(), std::move(records)})}};
+  std::vector<FilterCondition> conditions = conditions_;
+  const auto place = std::find_if(conditions.begin(), conditions.end(),
+                                  [&](const FilterCondition& each) { return isNamed(each, name); });
+  if (place != conditions.end())
+    *place = std::move(made);
+  else
+    conditions.emplace_back(std::move(made));
+  apply(std::move(conditions));
+}
+
+void ListFilters::showAllRecords(const std::string& name) {
+  if (!keepsRecords(name)) return;
+  std::vector<FilterCondition> conditions = conditions_;
+  std::erase_if(conditions, [&](const FilterCondition& each) { return isNamed(each, name); });
+  apply(std::move(conditions));
+}
+
+bool ListFilters::keepsRecords(const std::string& name) const {
+  return std::any_of(conditions_.begin(), conditions_.end(),
+                     [&](const FilterCondition& each) { return isNamed(each, name); });
+}
+
 void ListFilters::clear() {
   area_.chips->setPinned(false);
   apply({});
@@ -361,6 +391,7 @@ void ListFilters::followRows() {
   // A query empties the list before it fills it; more rows of the same answer replace the rows at once.
   const bool isEmpty = list().wholeRowCount() == 0;
   if (isEmpty && area_.chips->isPinned()) {
+    std::erase_if(conditions_, [](const FilterCondition& each) { return std::holds_alternative<RecordFilter>(each); });
     showState();
     return;
   }
@@ -370,7 +401,7 @@ void ListFilters::followRows() {
     return;
   }
   std::vector<FilterCondition> kept = conditionsAsShown();
-  std::erase_if(kept, [this](const FilterCondition& each) { return !fitsColumns(each, list()); });
+  std::erase_if(kept, [this](const FilterCondition& each) { return !fitsList(each, list()); });
   conditions_.clear();
   hooks_.trapped("FilterValues", [&] {
     for (FilterCondition& each : kept)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QObject>
+#include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "control/filter_condition.h"
@@ -15,7 +17,8 @@
 namespace korvel::control {
 
 /// The filters of one list: what the user has put on it, the chips that say so, and the list of values in which a
-/// column is filtered. A new answer drops them unless they are pinned; more rows of the same answer do not. Regular
+/// column is filtered. A new answer drops them unless they are pinned; more rows of the same answer do not, but those
+/// on records, which are of one answer as it is, go in either case. Regular
 /// expressions are evaluated for other rows on another thread; until then the list shows no rows.
 class ListFilters final : public QObject {
  public:
@@ -44,6 +47,11 @@ class ListFilters final : public QObject {
   void endChange() { changed_.reset(); }
   /// Only rows in a range of a column, in place of another range there; without one rows in and out of it.
   void keepOnlyRange(const results::ColumnIndex& column, std::optional<results::TextRange> range);
+  /// Only these records, one byte each by RowId, in place of others of that name, which is the name of a RecordFilter.
+  void keepOnlyRecords(const std::string& name, std::vector<std::uint8_t> records);
+  /// Takes the condition of this name away.
+  void showAllRecords(const std::string& name);
+  [[nodiscard]] bool keepsRecords(const std::string& name) const;
   void clear();
 
   [[nodiscard]] const std::vector<FilterCondition>& conditions() const noexcept { return conditions_; }

@@ -39,10 +39,6 @@ QString shownPath(const std::filesystem::path& path) {
   return QString::fromUtf8(reinterpret_cast<const char*>(text.data()), static_cast<qsizetype>(text.size()));
 }
 
-std::filesystem::path toPath(const QString& text) {
-  return std::filesystem::path(text.toStdU16String());
-}
-
 /// What is said of a file that was written, with its manifest or alone.
 QString writtenText(const QString& file, bool isProven) {
   const QString text = ownText("export.written").arg(file);

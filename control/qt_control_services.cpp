@@ -1,6 +1,7 @@
 #include "control/qt_control_services.h"
 
 #include <QDialog>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QPointer>
@@ -114,6 +115,26 @@ std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QSt
   std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, lastFolder_);
   if (folder) lastFolder_ = *folder;
   return folder;
+}
+
+std::optional<QString> QtControlServices::chooseFile(QWidget* owner, const QString& title, const QString& kinds,
+                                                     ui::ChosenFile use) {
+  const PointerForDialog pointer;
+  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title, lastFolder_, kinds);
+  const bool isWritten = use == ui::ChosenFile::written;
+  dialog->setAcceptMode(isWritten ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  dialog->setFileMode(isWritten ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  // A name without an ending gets that of the chosen kind.
+  const auto endKind = [shown = dialog.data()](const QString& kind) {
+    shown->setDefaultSuffix(kind.section(QStringLiteral("*."), 1).section(u')', 0, 0));
+  };
+  endKind(kinds.section(QStringLiteral(";;"), 0, 0));
+  QObject::connect(dialog, &QFileDialog::filterSelected, dialog, endKind);
+  const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
+  const QString file = chosen ? dialog->selectedFiles().value(0) : QString();
+  if (chosen) lastFolder_ = dialog->directory().absolutePath();
+  delete dialog;
+  return file.isEmpty() ? std::nullopt : std::optional(file);
 }
 
 QString QtControlServices::inputBox(QWidget* owner, const QString& prompt, const QString& title) {

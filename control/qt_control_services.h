@@ -19,6 +19,8 @@ class QtControlServices final : public ControlServices {
   void messageBox(QWidget* owner, ui::MessageIcon icon, const QString& title, const QString& text) override;
   std::optional<QFont> chooseFont(QWidget* owner, const QFont& current) override;
   std::optional<QString> chooseFolder(QWidget* owner, const QString& title, bool showFiles) override;
+  std::optional<QString> chooseFile(QWidget* owner, const QString& title, const QString& kinds,
+                                    ui::ChosenFile use) override;
   QString inputBox(QWidget* owner, const QString& prompt, const QString& title) override;
   bool confirm(QWidget* owner, const QString& title, const QString& text) override;
   std::optional<std::size_t> choose(QWidget* owner, const QString& title, const QString& text,

@@ -41,10 +41,19 @@ QVariant ResultListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ResultListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-  if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
+  if (orientation == Qt::Vertical) return rowHeaderData(section, role);
+  if (section < 0 || section >= columnCount()) return {};
   if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
   const QString caption = fromUtf8(list_.columns()[static_cast<std::size_t>(section)].caption);
   return role == Qt::ToolTipRole ? ui::plainToolTip(caption) : caption;
+}
+
+QVariant ResultListModel::rowHeaderData(int row, int role) const {
+  if (!rowTexts_ || row < 0 || row >= rowCount()) return {};
+  if (role != Qt::ToolTipRole && role != Qt::AccessibleTextRole) return {};
+  const QString text = rowTexts_(row);
+  if (text.isEmpty()) return {};
+  return role == Qt::ToolTipRole ? ui::plainToolTip(text) : text;
 }
 
 void ResultListModel::clear() {

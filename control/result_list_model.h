@@ -23,6 +23,9 @@ class ResultListModel final : public QAbstractTableModel {
 
   [[nodiscard]] const results::ResultList& list() const noexcept { return list_; }
 
+  /// What is said of a row, as the tooltip and the accessible text of the vertical header; empty for nothing.
+  void setRowTexts(std::function<QString(int row)> texts) { rowTexts_ = std::move(texts); }
+
   /// Drops the rows.
   void clear();
   /// Replaces the columns.
@@ -51,9 +54,11 @@ class ResultListModel final : public QAbstractTableModel {
   };
 
  private:
+  [[nodiscard]] QVariant rowHeaderData(int row, int role) const;
   void reorder(const std::function<void()>& sort);
 
   results::ResultList& list_;
+  std::function<QString(int)> rowTexts_;
 };
 
 }  // namespace korvel::control

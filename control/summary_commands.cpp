@@ -66,14 +66,13 @@ void SummaryCommands::exportGroups() {
   if (!alive || folder.isEmpty()) return;
   const QString file = folder + fileName;
   // There may be as many groups as rows.
-  const auto written =
-      runWatched([allGroups, path = std::filesystem::path(file.toStdU16String())](const std::stop_token& stop) {
-        AtomicFile target(path);
-        output::writeCsv(allGroups(), [&](std::string_view bytes) { target.write(bytes); });
-        if (stop.stop_requested()) return false;
-        target.commit();
-        return true;
-      });
+  const auto written = runWatched([allGroups, path = toPath(file)](const std::stop_token& stop) {
+    AtomicFile target(path);
+    output::writeCsv(allGroups(), [&](std::string_view bytes) { target.write(bytes); });
+    if (stop.stop_requested()) return false;
+    target.commit();
+    return true;
+  });
   if (!alive || !written.value_or(false)) return;
   answers_.showNotice([file, remark] {
     const QString said = ownText("export.written").arg(file);

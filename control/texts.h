@@ -11,6 +11,7 @@ namespace korvel::control {
 
 using ui::countText;
 using ui::fromUtf8;
+using ui::toPath;
 
 /// A text of the fixed table in the current language, by its English identifier.
 [[nodiscard]] inline QString loadText(int englishIdentifier) {

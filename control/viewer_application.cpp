@@ -6,6 +6,9 @@
 #include <string>
 
 #include "base/error.h"
+#include "control/watched_work.h"
+#include "db/embedded/embedded_folder.h"
+#include "demo/demo_database.h"
 #include "settings/registry.h"
 #include "ui/icons/application_icon.h"
 #include "ui/message_box.h"
@@ -59,6 +62,20 @@ QIcon viewerIcon() {
 void showWarning(QWidget* owner, const QString& title, const QString& text) {
   ui::MessageBox box(QMessageBox::Warning, title, text, QMessageBox::Ok, owner);
   box.exec();
+}
+
+QString provideDemoTrail() {
+  const ViewerLanguage language = ViewerLanguage::current();
+  try {
+    const std::filesystem::path folder = db::embeddedFolder();
+    const auto written = control::runWatched([folder](const std::stop_token& /*stop*/) {
+      if (!demo::hasDemoDatabase(folder)) demo::writeDemoDatabases({.folder = folder});
+      return true;
+    });
+    return written ? QString() : language.text("host.doors.stopped");
+  } catch (const Error& error) {
+    return ui::describe(error, settings::LanguageOffset(language.offset().toStdString()));
+  }
 }
 
 void provideViewerPath(const QString& folder) {

@@ -128,4 +128,9 @@ void TextRow::arrange() {
   }
 }
 
+void setButtonText(QAbstractButton& button, const QString& text) {
+  button.setText(text);
+  button.setAccessibleName(QString(text).remove(QLatin1Char('&')));
+}
+
 }  // namespace korvel::ui

@@ -71,4 +71,7 @@ class TextRow : public QWidget {
 
 [[nodiscard]] bool isPrimary(const QWidget& button);
 
+/// Gives a button its text, and the same without the mark of its letter as its name for assistive technology.
+void setButtonText(QAbstractButton& button, const QString& text);
+
 }  // namespace korvel::ui

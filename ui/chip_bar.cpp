@@ -34,7 +34,7 @@ ChipButton::ChipButton(Chip chip, const QString& removeHint, QWidget* parent)
   setFocusPolicy(Qt::StrongFocus);
   setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
   setAttribute(Qt::WA_Hover);
-  setAccessibleName(chip_.column + QLatin1Char(' ') + chip_.condition);
+  setAccessibleName(QString(chip_.column + QLatin1Char(' ') + chip_.condition).trimmed());
   setAccessibleDescription(removeHint);
   setToolTip(plainToolTip(chip_.toolTip + QLatin1Char('\n') + removeHint));
 }

@@ -12,6 +12,9 @@ enum class MessageIcon { none, critical, information };
 /// Mouse pointers, by the system's numbers.
 enum class Pointer { standard = 0, hourglass = 11 };
 
+/// What a file is chosen for.
+enum class ChosenFile { read, written };
+
 /// What every dialog may show. Every call that shows a dialog returns when it is closed.
 class DialogServices {
  public:

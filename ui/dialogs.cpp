@@ -28,6 +28,14 @@ void setFirstSize(QDialog& dialog, int width, int height) {
   dialog.resize(size);
 }
 
+void growToTexts(QDialog& dialog) {
+  QLayout* const layout = dialog.layout();
+  layout->activate();
+  const int needed =
+      layout->hasHeightForWidth() ? layout->totalHeightForWidth(dialog.width()) : layout->totalSizeHint().height();
+  if (needed > dialog.height()) dialog.resize(dialog.width(), needed);
+}
+
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons) {
   auto* layout = qobject_cast<QVBoxLayout*>(dialog.layout());
   if (layout == nullptr || buttons == nullptr) return;

@@ -24,6 +24,10 @@ QVBoxLayout* styleDialog(QDialog& dialog);
 /// Sets the size that a dialog opens with, in px at 96 dpi; never more than nine tenths of the screen.
 void setFirstSize(QDialog& dialog, int width, int height);
 
+/// Makes a dialog as high as its wrapped texts need at its width; never lower than it is. Call it when texts have
+/// changed.
+void growToTexts(QDialog& dialog);
+
 /// Appends the right-aligned row of buttons. Its default button is filled; Enter and Esc reach it and Cancel.
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
 

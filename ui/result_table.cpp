@@ -33,6 +33,13 @@ RowDelegate* ResultTable::rowDelegate() const {
   return qobject_cast<RowDelegate*>(itemDelegate());
 }
 
+void ResultTable::setRowHeader(QHeaderView* header) {
+  setVerticalHeader(header);
+  header->hide();
+  header->setSectionResizeMode(QHeaderView::Fixed);
+  measure();
+}
+
 void ResultTable::setEmptyText(const QString& text) {
   if (text == emptyText_) return;
   emptyText_ = text;

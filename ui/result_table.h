@@ -17,6 +17,8 @@ class ResultTable : public QTableView {
 
   [[nodiscard]] ResultHeader* header() const;
   [[nodiscard]] RowDelegate* rowDelegate() const;
+  /// Takes a header for the rows, hidden, with the height of the rows. The table owns it.
+  void setRowHeader(QHeaderView* header);
   /// The text of an empty list. It is only painted: it is no row and cannot be selected.
   void setEmptyText(const QString& text);
   [[nodiscard]] QString emptyText() const { return emptyText_; }

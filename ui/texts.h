@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <QString>
 #include <cstddef>
+#include <filesystem>
 #include <string_view>
 
 #include "base/error.h"
@@ -12,6 +13,10 @@ namespace korvel::ui {
 
 [[nodiscard]] inline QString fromUtf8(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+[[nodiscard]] inline std::filesystem::path toPath(const QString& text) {
+  return {text.toStdU16String()};
 }
 
 /// A text of our own, by its key.

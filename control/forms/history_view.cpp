@@ -61,8 +61,7 @@ QString orEmpty(std::string_view value) {
 }
 
 void setText(QPushButton& button, const char* text, const char* toolTip, const QString& key) {
-  button.setText(ownText(text));
-  button.setAccessibleName(button.text().remove(QLatin1Char('&')));
+  ui::setButtonText(button, ownText(text));
   button.setToolTip(ownText(toolTip).remove(QLatin1Char('&')) + QStringLiteral(" (%1)").arg(key));
 }
 
@@ -225,8 +224,10 @@ void HistoryView::setCurrent(int change) {
 QString HistoryView::readoutOf(int change) const {
   if (change < 0 || change >= changes_.rowCount()) return {};
   const ItemChange& said = changes_.history().changes[static_cast<std::size_t>(change)];
-  QString text = QStringLiteral("%1, %2: %3 \u2192 %4")
-                     .arg(fromUtf8(said.time), changes_.userOf(change), orEmpty(said.oldValue), orEmpty(said.newValue));
+  QString text = fromUtf8(said.time);
+  // Shared accounts have no user's name.
+  if (const QString user = changes_.userOf(change).trimmed(); !user.isEmpty()) text += QLatin1String(", ") + user;
+  text += QStringLiteral(": %1 \u2192 %2").arg(orEmpty(said.oldValue), orEmpty(said.newValue));
   if (!said.continues) text += QStringLiteral(" (%1)").arg(ownText("history.doesNotContinue"));
   return text;
 }

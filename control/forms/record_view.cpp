@@ -85,10 +85,24 @@ RecordView::RecordView(QWidget* owner) : QDialog(owner), area_(named(new QScroll
   // The fields inside of it take the focus.
   area_->setFocusPolicy(Qt::NoFocus);
   column->addWidget(area_, 1);
+  buildReview();
   buildFoot();
   addShortcuts();
 
   ui::setFirstSize(*this, firstWidth, firstHeight);
+}
+
+void RecordView::buildReview() {
+  lblReview_ = named(new QLabel, "lblReview");
+  ui::setMuted(*lblReview_);
+  // A record may have many marks, with comments of any length.
+  review_ = named(new ValueField(ValueField::Frame::always, 1, maxLines), "txtReview");
+  lblReview_->setBuddy(review_);
+  auto* lines = new QVBoxLayout;
+  lines->setSpacing(ui::px(this, ui::space::inGroup));
+  lines->addWidget(lblReview_);
+  lines->addWidget(review_);
+  static_cast<QVBoxLayout*>(layout())->addLayout(lines);
 }
 
 void RecordView::buildFoot() {
@@ -128,8 +142,7 @@ void RecordView::addShortcuts() {
 void RecordView::setTexts() {
   const auto setText = [](QPushButton& button, std::string_view text, std::string_view toolTip,
                           const QKeySequence& key) {
-    button.setText(ownText(text));
-    button.setAccessibleName(button.text().remove(QLatin1Char('&')));
+    ui::setButtonText(button, ownText(text));
     button.setToolTip(withKey(ownText(toolTip), key));
   };
   setText(*btPrevious_, "record.previous", "record.previousTip", previousKey);
@@ -137,6 +150,9 @@ void RecordView::setTexts() {
   setText(*btCopy_, "record.copy", "record.copyTip", copyKey);
   setText(*btClose_, "record.close", "record.close", closeKey);
   for (const Field& field : fields_) setMenuTexts(*field.value);
+  lblReview_->setText(ownText("review.menu"));
+  review_->setAccessibleName(lblReview_->text());
+  setMenuTexts(*review_);
 }
 
 void RecordView::showRecord(ResultListView& list, int row) {
@@ -163,6 +179,11 @@ void RecordView::follow(ResultListView& list) {
                 close();
               }),
       connect(model, &QAbstractItemModel::layoutChanged, this, [this] { fillFoot(); }),
+      // Marks have come.
+      connect(model, &QAbstractItemModel::headerDataChanged, this,
+              [this](Qt::Orientation orientation) {
+                if (orientation == Qt::Vertical) fillReview();
+              }),
   };
 }
 
@@ -277,9 +298,9 @@ void RecordView::resizeEvent(QResizeEvent* event) {
 
 void RecordView::setTabOrderOf(const std::vector<std::size_t>& places) {
   std::vector<QWidget*> order;
-  order.reserve(places.size() + 4);
+  order.reserve(places.size() + 5);
   for (const std::size_t place : places) order.push_back(fields_[place].value);
-  order.insert(order.end(), {btPrevious_, btNext_, btCopy_, btClose_});
+  order.insert(order.end(), {review_, btPrevious_, btNext_, btCopy_, btClose_});
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
@@ -311,7 +332,18 @@ void RecordView::fill() {
   }
   if (comparison_)
     comparison_->show(store.cell(id, ColumnIndex{pair_->before}), store.cell(id, ColumnIndex{pair_->after}));
+  fillReview();
   fillFoot();
+}
+
+void RecordView::fillReview() {
+  if (list_.isNull() || !record_.isValid()) return;
+  const QString marks = list_->listModel().headerData(record_.row(), Qt::Vertical, Qt::AccessibleTextRole).toString();
+  const bool isReviewed = !marks.isEmpty();
+  if (!isReviewed && focusWidget() == review_) btClose_->setFocus();
+  lblReview_->setVisible(isReviewed);
+  review_->setVisible(isReviewed);
+  if (review_->value() != marks) review_->setValue(marks, {});
 }
 
 QString RecordView::noteOn(std::size_t place, results::RowId record) {

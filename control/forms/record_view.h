@@ -23,7 +23,7 @@ class ValueField;
 /// Shows all fields of one record that the server sent, also those that the list does not show, with their text as it
 /// is stored. Old and new value are side by side, or one under the other where there is no room, and what differs is
 /// marked. Steps to the next and previous record in
-/// the list's order.
+/// the list's order. While the list is reviewed, the record's marks stand below.
 class RecordView final : public QDialog {
   Q_OBJECT
 
@@ -62,6 +62,7 @@ class RecordView final : public QDialog {
     friend bool operator==(const Pair&, const Pair&) = default;
   };
 
+  void buildReview();
   void buildFoot();
   void addShortcuts();
   void setTexts();
@@ -70,6 +71,8 @@ class RecordView final : public QDialog {
   void fill();
   /// What is said under the value of a field; empty for nothing.
   [[nodiscard]] QString noteOn(std::size_t place, results::RowId record);
+  /// What the list says of the review of the record; nothing while there is none.
+  void fillReview();
   void fillFoot();
   /// Gives the form a place for each of these fields.
   void arrangeFields(const std::vector<QString>& captions, std::optional<Pair> pair);
@@ -90,6 +93,8 @@ class RecordView final : public QDialog {
   QBoxLayout* sides_ = nullptr;  ///< old and new value, while there are any
 
   QScrollArea* area_;
+  QLabel* lblReview_ = nullptr;
+  ValueField* review_ = nullptr;
   QPushButton* btPrevious_ = nullptr;
   QPushButton* btNext_ = nullptr;
   QLabel* lblPlace_ = nullptr;

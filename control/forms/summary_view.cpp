@@ -130,8 +130,7 @@ void SummaryView::buildFoot() {
 void SummaryView::setTexts() {
   setWindowTitle(ownText("summary.title"));
   const auto setText = [](QPushButton& button, const char* text, const char* toolTip) {
-    button.setText(ownText(text));
-    button.setAccessibleName(button.text().remove(QLatin1Char('&')));
+    ui::setButtonText(button, ownText(text));
     button.setToolTip(ownText(toolTip).remove(QLatin1Char('&')));
   };
   lblFirst_->setText(ownText("summary.by"));

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "control/forms/step_line.h"
+#include "ui/accessible_role.h"
 #include "ui/style/theme.h"
 
 namespace korvel::control {
@@ -25,6 +26,7 @@ constexpr qreal openMarkRadius = 5;
 }  // namespace
 
 ValuePlot::ValuePlot(QWidget* parent) : QWidget(parent) {
+  ui::setAccessibleRole(*this, QAccessible::Chart);
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

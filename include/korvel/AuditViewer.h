@@ -38,6 +38,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   Q_PROPERTY(QString LastFailureText READ LastFailureText NOTIFY LastFailureChanged STORED false)
   /// When, in local time; not valid while there is none.
   Q_PROPERTY(QDateTime LastFailureTime READ LastFailureTime NOTIFY LastFailureChanged STORED false)
+  /// What the selected database is a snapshot of and when it was taken, a sentence in the user's language; empty while
+  /// it is none.
+  Q_PROPERTY(QString SnapshotText READ SnapshotText NOTIFY SnapshotTextChanged STORED false)
 
  public:
   enum DatabaseTypeEnum { Korvel_Audit = 0, Korvel_AuditMU = 1 };
@@ -70,6 +73,7 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   [[nodiscard]] int LastFailureNumber() const;
   [[nodiscard]] QString LastFailureText() const;
   [[nodiscard]] QDateTime LastFailureTime() const;
+  [[nodiscard]] QString SnapshotText() const;
 
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
@@ -139,6 +143,10 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void PrintReport();
   /// Shows the report of the current list as it would be printed; nothing while the print command is locked.
   void PreviewReport();
+  /// Offers to copy the selected audit trail into a snapshot; says so where no database is selected.
+  void TakeSnapshot();
+  /// Offers to compare a snapshot with the selected database, or with the one that it was taken of.
+  void CompareWithSnapshot();
 
  Q_SIGNALS:
   /// A database has been selected: server, " - [", database, "]".
@@ -151,6 +159,8 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void LastFailureChanged();
   /// The language has been switched; all captions of the control follow it already.
   void LanguageChanged();
+  /// The selected database turned out to be a snapshot, or another one is selected; see SnapshotText.
+  void SnapshotTextChanged();
 
  protected:
   void showEvent(QShowEvent* event) override;

@@ -52,6 +52,10 @@ KORVEL_AUDIT_VIEWER_EXPORT void applyPreferredPalette(QApplication& application)
 /// and text; the text is shown as it is, never as markup.
 KORVEL_AUDIT_VIEWER_EXPORT void showWarning(QWidget* owner, const QString& title, const QString& text);
 
+/// Writes the demo databases for the server "(embedded)" where it has none of their names; those that are there stay.
+/// Windows are painted meanwhile, and Esc stops waiting. Returns what went wrong, or an empty text.
+[[nodiscard]] KORVEL_AUDIT_VIEWER_EXPORT QString provideDemoTrail();
+
 /// Tells the control where the viewer is installed, which is where it looks for the help files: stores "ViewerAppPath"
 /// as the viewer in `folder`. A path that is stored already stays for as long as its folder exists; afterwards the
 /// viewer has moved. Where the settings cannot be read or written there is no help, and the control says what is wrong

@@ -34,6 +34,7 @@ bool isPublic(const std::string& symbol) {
                          "korvel::applyPreferredPalette(",
                          "korvel::viewerIcon()",
                          "korvel::showWarning(",
+                         "korvel::provideDemoTrail()",
                          "korvel::provideViewerPath("};
   return std::any_of(names.begin(), names.end(),
                      [&](const char* name) { return symbol.find(name) != std::string::npos; });

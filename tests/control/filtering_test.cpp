@@ -226,7 +226,8 @@ TEST_F(Filtering, ByTheContextMenuBelowItsOwnEntry) {
   QStringList texts;
   for (const QAction* entry : menu->actions()) texts.append(entry->isSeparator() ? "-" : entry->text());
   EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Only this value", "Without this value", "Filter...", "Find...",
-                                 "Show history of this item", "Summary of the list", "Activity over time",
+                                 "Show history of this item", "Summary of the list", "Activity over time", "Review",
+                                 "Review by exception", "Take a snapshot...", "Compare with a snapshot...",
                                  "Manifest beside the file"));
   QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[2]).center());
   EXPECT_EQ(chips(*viewer), "Area = Alarm");

@@ -39,6 +39,7 @@ struct Change {
   Value before;
   Value after;
   std::string item = "TIC-1901";
+  std::string user = "Luca Rossi";
 };
 
 /// The list of an audit trail, and the window of an item's history.
@@ -65,7 +66,7 @@ class ItemHistoryView : public ::testing::Test {
       row[8] = each.item;
       row[9] = each.before;
       row[10] = each.after;
-      row[14] = "Luca Rossi";
+      row[14] = each.user;
       ids.push_back({static_cast<std::uint32_t>(rows.size())});
       rows.push_back(row);
     }
@@ -184,6 +185,12 @@ TEST_F(ItemHistoryView, ThePlotOfVeryManyChangesHasAMarkWhereThereIsRoom) {
   plot()->setFocus();
   QTest::keyClick(plot(), Qt::Key_Right);
   EXPECT_EQ(table()->currentIndex().row(), 12'346);
+}
+
+TEST_F(ItemHistoryView, AChangeOfASharedAccountIsReadOutWithoutAName) {
+  fill({{"1", "2004-03-07 10:00:00", "1 bar", "2 bar", "TIC-1901", ""}});
+  show(0);
+  EXPECT_EQ(plot()->readout(), QStringLiteral("2004-03-07 10:00:00: 1 bar \u2192 2 bar"));
 }
 
 TEST_F(ItemHistoryView, ThePlotGoesFromMarkToMarkByKeyAndPointer) {

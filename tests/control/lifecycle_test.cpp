@@ -35,13 +35,14 @@ TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
                    "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
                    "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
                    // Not in the type library, and therefore after its members.
-                   "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()"}));
+                   "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()",
+                   "TakeSnapshot()", "CompareWithSnapshot()"}));
 }
 
 TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {
   EXPECT_EQ(namesOf(QMetaMethod::Signal),
             (QStringList{"DatabaseSelected(QString)", "ExitApp()", "PropertyChanged(QString)", "LastFailureChanged()",
-                         "LanguageChanged()"}));
+                         "LanguageChanged()", "SnapshotTextChanged()"}));
 }
 
 TEST_F(PublicFace, PropertiesStandInTypeLibraryOrder) {
@@ -50,7 +51,7 @@ TEST_F(PublicFace, PropertiesStandInTypeLibraryOrder) {
   for (int i = face.propertyOffset(); i < face.propertyCount(); ++i)
     names.append(QLatin1String(face.property(i).name()));
   EXPECT_EQ(names, (QStringList{"DatabaseType", "ViewSideTools", "ViewToolBar", "DefaultSQLServer", "LastFailureNumber",
-                                "LastFailureText", "LastFailureTime"}));
+                                "LastFailureText", "LastFailureTime", "SnapshotText"}));
 }
 
 TEST_F(PublicFace, DatabaseTypesHaveTheirValues) {

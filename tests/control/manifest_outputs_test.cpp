@@ -266,6 +266,7 @@ TEST(FilterText, SaysTheWholeCondition) {
       "find regular expression \"^T\" in exact case");
   EXPECT_EQ(control::filterText(*control::textFilter(list, {.text = "T", .wholeValue = true}, {})),
             "find whole value \"T\"");
+  EXPECT_EQ(control::filterText(control::RecordFilter{{"exception.deletion", nullptr}}), "Deletions");
 }
 
 }  // namespace

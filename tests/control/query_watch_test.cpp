@@ -128,7 +128,7 @@ TEST_F(WhileItLoads, TheStatusPanelSaysHowFarItIs) {
     EXPECT_TRUE(sink.shouldContinue());
     comesAbout([&] {
       onWindowThread([&] { later = statusPanel(*viewer); });
-      return later != first;
+      return later.startsWith(QLatin1String("1234 "));  // a slow machine shows fewer first
     });
     sink.endResult();
   };

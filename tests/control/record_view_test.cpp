@@ -14,6 +14,7 @@
 #include <QTest>
 #include <QTextBlock>
 #include <algorithm>
+#include <map>
 
 #include "control/forms/value_field.h"
 #include "control/texts.h"
@@ -108,6 +109,44 @@ TEST_F(RecordOfAList, ShowsEveryFieldOfTheAnswerAsItIsStored) {
   EXPECT_EQ(field(record, "F2")->placeholderText(), "Empty text");
   EXPECT_EQ(field(record, "F3")->placeholderText(), "No value (NULL)");
   EXPECT_EQ(record.windowTitle(), "Record 1 of 1");
+}
+
+/// What the form shows of the record's review; empty where it shows nothing.
+QString reviewIn(const RecordView& view) {
+  const auto* const marks = view.findChild<ValueField*>("txtReview");
+  return marks->isVisible() ? marks->toPlainText() : QString();
+}
+
+TEST_F(RecordOfAList, ShowsTheMarksOfItsReview) {
+  fillRecords({{"1", "A"}, {"2", "B"}, {"3", "C"}});
+  std::map<int, QString> marks = {{0, "Question\nQuestion, eva, 16:05: who was it?"}, {1, "Not reviewed"}};
+  model.setRowTexts([&marks](int row) { return marks[row]; });
+  record.showRecord(view, 0);
+  EXPECT_EQ(reviewIn(record), "Question\nQuestion, eva, 16:05: who was it?");
+  const auto* const caption = record.findChild<QLabel*>("lblReview");
+  EXPECT_TRUE(caption->isVisible());
+  EXPECT_EQ(caption->text(), "Review");
+  EXPECT_EQ(record.findChild<ValueField*>("txtReview")->accessibleName(), "Review");
+  record.showNext();
+  EXPECT_EQ(reviewIn(record), "Not reviewed");
+  // Another reviewer marks it meanwhile.
+  marks[1] = "Reviewed\nReviewed, max, 16:07";
+  Q_EMIT model.headerDataChanged(Qt::Vertical, 0, 2);
+  EXPECT_EQ(reviewIn(record), "Reviewed\nReviewed, max, 16:07");
+  record.findChild<ValueField*>("txtReview")->setFocus();
+  record.showNext();
+  EXPECT_EQ(reviewIn(record), "");
+  EXPECT_FALSE(caption->isVisible());
+  // What is hidden does not keep the focus.
+  EXPECT_EQ(record.focusWidget(), button("btClose"));
+}
+
+TEST_F(RecordOfAList, CopiesNoMarks) {
+  fillRecords({{"1", "A"}});
+  model.setRowTexts([](int) { return QStringLiteral("Reviewed"); });
+  record.showRecord(view, 0);
+  record.copyRecord();
+  EXPECT_FALSE(QGuiApplication::clipboard()->text().contains("Reviewed"));
 }
 
 /// What is said under the value of a field; empty where nothing is.

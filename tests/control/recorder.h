@@ -43,6 +43,11 @@ class Recorder final : public control::ControlServices {
     if (onFolder) onFolder();
     return chosenFolder;
   }
+  std::optional<QString> chooseFile(QWidget*, const QString& title, const QString& kinds, ui::ChosenFile use) override {
+    fileQuestions.append({title, kinds});
+    fileUses.push_back(use);
+    return chosenFile;
+  }
   QString inputBox(QWidget*, const QString& prompt, const QString& title) override {
     inputQuestions.append({prompt, title});
     return typedText;
@@ -95,6 +100,9 @@ class Recorder final : public control::ControlServices {
   QList<std::pair<QString, bool>> folderQuestions;
   std::function<void()> onFolder;
   std::optional<QString> chosenFolder;
+  QList<std::pair<QString, QString>> fileQuestions;
+  std::vector<ui::ChosenFile> fileUses;
+  std::optional<QString> chosenFile;
   QList<std::pair<QString, QString>> inputQuestions;
   QString typedText;
   QList<std::pair<QString, QString>> questions;
