@@ -3,7 +3,8 @@ if(WIN32)
   enable_language(RC)
 endif()
 
-# korvel_windows_resources(TARGET DESCRIPTION): for a program or a shared library; does nothing on other systems.
+# korvel_windows_resources(TARGET DESCRIPTION [FILE]): for a program or a shared library, whose file has the target's name
+# unless FILE says another; does nothing on other systems.
 function(korvel_windows_resources target description)
   if(NOT WIN32)
     return()
@@ -22,6 +23,9 @@ function(korvel_windows_resources target description)
     set(resource_file_type VFT_DLL)
     set(resource_manifest_number 2)
     set(template library)
+  endif()
+  if(ARGC GREATER 2)
+    set(resource_file "${ARGV2}")
   endif()
   set(resource_manifest "${CMAKE_CURRENT_BINARY_DIR}/${target}.manifest")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/windows/${template}.manifest.in" "${resource_manifest}" @ONLY)
