@@ -1,6 +1,7 @@
 #include <QApplication>
 
 #include "host/command_line.h"
+#include "host/installed_data.h"
 #include "host/main_window.h"
 #include "host/options.h"
 #include "host/platform_choice.h"
@@ -51,7 +52,7 @@ int run(int argc, char** argv) {
     return static_cast<int>(takeShot(window, *parsed.options.shotFile, messages, language));
   }
   QApplication::setWindowIcon(korvel::viewerIcon());
-  korvel::provideViewerPath(QApplication::applicationDirPath());
+  korvel::provideViewerPath(helpFolder(QApplication::applicationDirPath()));
   MainWindow window(parsed.options, language);
   window.present();
   return QApplication::exec();

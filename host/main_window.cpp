@@ -8,8 +8,13 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "host/first_doors.h"
+
 namespace korvel::host {
 namespace {
+
+/// What the property of the control is where no server is named.
+const QString noServer = QStringLiteral("(None)");
 
 /// A style without animations: the toolkit makes one even for a window that is not animated, as a child of what it
 /// places, and puts it away in the next event loop.
@@ -41,11 +46,17 @@ MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
   column->setContentsMargins({});
   column->setSpacing(0);
   auto* failureBar = new FailureBar;
+  auto* doors = new FirstDoors(*viewer_);
+  column->addWidget(doors);
   column->addWidget(failureBar);
   column->addWidget(viewer_, 1);
   setCentralWidget(content);
-  connect(viewer_, &AuditViewer::DatabaseSelected, this,
-          [this](const QString& database) { setWindowTitle(database + QStringLiteral(" - ") + productName); });
+  connect(viewer_, &AuditViewer::DatabaseSelected, this, [this](const QString& database) {
+    database_ = database;
+    showTitle();
+  });
+  connect(viewer_, &AuditViewer::SnapshotTextChanged, this, &MainWindow::showTitle);
+  connect(viewer_, &AuditViewer::LanguageChanged, this, &MainWindow::showTitle);
   failureBar->follow(*viewer_);
   connect(viewer_, &AuditViewer::ExitApp, this, &QWidget::close);
   const auto onKey = [this](const QKeySequence& key, void (AuditViewer::*member)()) {
@@ -57,11 +68,24 @@ MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
   onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_P, &AuditViewer::PreviewReport);
   onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_T, &AuditViewer::ExportNotepad);
   onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_E, &AuditViewer::ExportExcel);
+  onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_S, &AuditViewer::TakeSnapshot);
+  onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_D, &AuditViewer::CompareWithSnapshot);
 
   loadForm(language);
   if (options.server) viewer_->setDefaultSQLServer(*options.server);
   if (options.databaseType) viewer_->setDatabaseType(*options.databaseType);
+  // A server that is named is selected when the control is shown.
+  const QString server = viewer_->DefaultSQLServer();
+  doors->setVisible(server.isEmpty() || server == noServer);
   placeWindow(options.size);
+}
+
+/// Whoever looks at a snapshot must not take it for the plant's database.
+void MainWindow::showTitle() {
+  if (database_.isEmpty()) return;
+  const QString snapshot = viewer_->SnapshotText();
+  const QString stated = snapshot.isEmpty() ? database_ : database_ + QStringLiteral(" (%1)").arg(snapshot);
+  setWindowTitle(stated + QStringLiteral(" - ") + productName);
 }
 
 void MainWindow::placeWindow(const std::optional<QSize>& size) {

@@ -32,6 +32,7 @@ class MainWindow final : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void showTitle();
   void loadForm(const ViewerLanguage& language);
   void placeWindow(const std::optional<QSize>& size);
   [[nodiscard]] WindowPlacement placement() const;
@@ -40,6 +41,7 @@ class MainWindow final : public QMainWindow {
   bool keepsForm_;
   bool maximized_ = false;
   AuditViewer* viewer_;
+  QString database_;  ///< that is selected, as the control names it
 };
 
 }  // namespace korvel::host

@@ -4,10 +4,12 @@
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
+#include <QTest>
 #include <QToolButton>
 #include <filesystem>
 
 #include "host/shot.h"
+#include "tests/db/audit_database.h"
 #include "tests/host/main_window_fixture.h"
 
 namespace korvel::host {
@@ -19,6 +21,23 @@ TEST_F(MainWindowTest, TheTitleSaysWhichDatabaseIsSelected) {
   EXPECT_EQ(window.windowTitle(), "Korvel Audit Viewer");
   window.show();
   EXPECT_EQ(window.windowTitle(), "AUDITSRV - [Korvel_Audit] - Korvel Audit Viewer");
+}
+
+/// A snapshot looks like the database that it is of.
+TEST_F(MainWindowTest, TheTitleSaysThatTheDatabaseIsASnapshot) {
+  test::DatabaseWriter(folder / "Korvel_Audit.db")
+      .run(
+          "CREATE TABLE Korvel_Snapshot (Name TEXT PRIMARY KEY, Value TEXT); INSERT INTO Korvel_Snapshot VALUES "
+          "('format', 'korvel-audit-snapshot'), ('version', '1'), ('server', 'PLANT1'), ('database', 'Korvel_Audit'), "
+          "('begun', '2026-11-22T16:05:03+01:00')");
+  options.server = QString::fromStdU16String(folder.path().u16string());
+  MainWindow window(options, english);
+  window.show();
+  const QString wanted =
+      " - [Korvel_Audit] (Snapshot of Korvel_Audit on PLANT1, taken 2026-11-22 16:05:03+01:00) - "
+      "Korvel Audit Viewer";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle().endsWith(wanted); }, 20'000))
+      << window.windowTitle().toStdString();
 }
 
 TEST_F(MainWindowTest, NothingInItGoesWhileItIsShown) {
