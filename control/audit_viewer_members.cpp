@@ -77,7 +77,8 @@ void AuditViewer::Members::Show() {
   surface.SmartToolbar->setVisible(properties.ViewToolBar);
   sideTools.setApplied(properties.ViewSideTools);
   sideTools.ViewTools(sideTools.applied());
-  if (db::namesAServer(properties.DefaultSQLServer.toStdString())) selection.OpenDefaultSQLServer(properties);
+  if (control::platform().selectsDefaultServer && db::namesAServer(properties.DefaultSQLServer.toStdString()))
+    selection.OpenDefaultSQLServer(properties);
 }
 
 void AuditViewer::Members::BuildMisc() {

@@ -17,7 +17,8 @@ Platform& platform() {
                        &settings::platformBackend,
                        &db::openConnection,
                        &db::makeServerDirectory,
-                       {}};
+                       {},
+                       true};
   return real;
 }
 

@@ -59,6 +59,8 @@ struct Platform {
   std::function<std::unique_ptr<db::ServerDirectory>()> openDirectory;
   /// Clock and memory that custom queries run by.
   query::QueryEnvironment queryEnvironment{};
+  /// A control that is shown selects the database that its properties name.
+  bool selectsDefaultServer = true;
 };
 
 /// Dialogs of Qt, the platform's settings store, the database engines, the servers of the network.

@@ -62,4 +62,9 @@ KORVEL_AUDIT_VIEWER_EXPORT void showWarning(QWidget* owner, const QString& title
 /// with the settings.
 KORVEL_AUDIT_VIEWER_EXPORT void provideViewerPath(const QString& folder);
 
+/// For a program in which forms are drawn, such as Qt Designer: from now on the controls of the process select no
+/// database, read and write no settings (their language is English), and open no dialog, file or program. To be called
+/// before the first control is made; there is no way back.
+KORVEL_AUDIT_VIEWER_EXPORT void useDesignMode();
+
 }  // namespace korvel

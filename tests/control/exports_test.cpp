@@ -35,7 +35,8 @@ bool isPublic(const std::string& symbol) {
                          "korvel::viewerIcon()",
                          "korvel::showWarning(",
                          "korvel::provideDemoTrail()",
-                         "korvel::provideViewerPath("};
+                         "korvel::provideViewerPath(",
+                         "korvel::useDesignMode()"};
   return std::any_of(names.begin(), names.end(),
                      [&](const char* name) { return symbol.find(name) != std::string::npos; });
 }
