@@ -58,10 +58,10 @@ ActivityStrip::ActivityStrip(QWidget* parent)
   for (QToolButton* button : {steps_[0], steps_[1], steps_[2], steps_[3], close_}) {
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::StrongFocus);
-    button->setFixedHeight(ui::px(this, buttonHeight));
+    ui::setLineHeight(*button, buttonHeight);
   }
   row->addSpacing(inside);
-  kinds_->setFixedHeight(ui::px(this, buttonHeight));
+  ui::setLineHeight(*kinds_, buttonHeight);
   row->addWidget(kinds_);
   row->addSpacing(inside);
   readout_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -87,7 +87,7 @@ ActivityStrip::ActivityStrip(QWidget* parent)
 QSize ActivityStrip::sizeHint() const {
   // As with the names of the parts, which may be hidden just now.
   const QMargins margins = layout()->contentsMargins();
-  return {bars_->sizeHint().width(), margins.top() + margins.bottom() + ui::px(this, buttonHeight) +
+  return {bars_->sizeHint().width(), margins.top() + margins.bottom() + close_->maximumHeight() +
                                          bars_->sizeHint().height() + legend_->sizeHint().height() +
                                          2 * layout()->spacing()};
 }
@@ -249,7 +249,7 @@ void ActivityStrip::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
   // In a small window the bars come before their names, which tooltips have too.
   const QMargins margins = layout()->contentsMargins();
-  const int rest = height() - margins.top() - margins.bottom() - ui::px(this, buttonHeight) - layout()->spacing();
+  const int rest = height() - margins.top() - margins.bottom() - close_->maximumHeight() - layout()->spacing();
   legend_->setVisible(rest >= bars_->minimumSizeHint().height() + layout()->spacing() + legend_->sizeHint().height());
 }
 

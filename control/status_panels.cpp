@@ -40,7 +40,7 @@ StatusPanels::StatusPanels(QWidget* parent)
   LoadAll->setAutoDefault(false);
   // The bar keeps its height.
   constexpr int buttonHeight = 24;
-  LoadAll->setFixedHeight(ui::px(this, buttonHeight));
+  ui::setLineHeight(*LoadAll, buttonHeight);
   addPermanentWidget(LoadAll);
   LoadAll->hide();
   constexpr int progressWidth = 160;

@@ -137,7 +137,7 @@ ChipBar::ChipBar(QWidget* parent)
     button->setAutoRaise(true);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
     button->setFocusPolicy(Qt::StrongFocus);
-    button->setFixedHeight(px(this, chipHeight));
+    setLineHeight(*button, chipHeight);
     row_->addWidget(button);
   }
   row_->addStretch(1);
@@ -193,7 +193,9 @@ void ChipBar::setChips(const std::vector<Chip>& chips) {
 }
 
 std::vector<QWidget*> ChipBar::focusOrder() const {
-  return {pin_, clear_};
+  std::vector<QWidget*> order(buttons_.begin(), buttons_.end());
+  order.insert(order.end(), {pin_, clear_});
+  return order;
 }
 
 void ChipBar::setCount(const QString& text, const QString& toolTip) {

@@ -60,7 +60,7 @@ class ChipBar : public QWidget {
   void setCount(const QString& text, const QString& toolTip = {});
   void setPinned(bool pinned);
   [[nodiscard]] bool isPinned() const;
-  /// What takes the keyboard behind the chips; they go before it by themselves.
+  /// What takes the keyboard, in the visible order. Chips of later go to their place by themselves.
   [[nodiscard]] std::vector<QWidget*> focusOrder() const;
   [[nodiscard]] const std::vector<Chip>& chips() const noexcept { return chips_; }
 

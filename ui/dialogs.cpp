@@ -3,10 +3,12 @@
 #include <QAbstractScrollArea>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/style/theme.h"
 
@@ -41,6 +43,37 @@ void addButtons(QDialog& dialog, QDialogButtonBox* buttons) {
   if (layout == nullptr || buttons == nullptr) return;
   layout->addSpacing(px(&dialog, space::inGroup));
   layout->addWidget(buttons);
+}
+
+namespace {
+
+/// Belongs to its element.
+class LineHeight final : public QObject {
+ public:
+  LineHeight(QWidget& element, int at96) : QObject(&element), element_(element), at96_(at96) {
+    element.installEventFilter(this);
+    apply();
+  }
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::FontChange) apply();
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  void apply() {
+    constexpr int aroundText = 4;
+    element_.setFixedHeight(
+        std::max(px(&element_, at96_), element_.fontMetrics().height() + px(&element_, aroundText)));
+  }
+
+  QWidget& element_;
+  int at96_;
+};
+
+}  // namespace
+
+void setLineHeight(QWidget& element, int at96) {
+  new LineHeight(element, at96);  // owned by the element
 }
 
 void setMuted(QLabel& label) {

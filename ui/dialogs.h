@@ -7,6 +7,7 @@ class QDialog;
 class QDialogButtonBox;
 class QLabel;
 class QVBoxLayout;
+class QWidget;
 
 namespace korvel::ui {
 
@@ -30,6 +31,10 @@ void growToTexts(QDialog& dialog);
 
 /// Appends the right-aligned row of buttons. Its default button is filled; Enter and Esc reach it and Cancel.
 void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
+
+/// Gives an element with one line of text a fixed height: `at96` px at 96 dpi, or more where its font needs more.
+/// Follows changes of the font.
+void setLineHeight(QWidget& element, int at96);
 
 /// Grey explanatory text.
 void setMuted(QLabel& label);

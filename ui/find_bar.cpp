@@ -96,7 +96,7 @@ QToolButton* FindBar::addToggle(const QString& caption, const char* name) {
   toggle->setCheckable(true);
   toggle->setAutoRaise(true);
   toggle->setFocusPolicy(Qt::StrongFocus);
-  toggle->setFixedHeight(px(this, space::field));
+  setLineHeight(*toggle, space::field);
   layout()->addWidget(toggle);
   return toggle;
 }

@@ -22,6 +22,10 @@ PageStrip::PageStrip(QWidget* parent) : QTabWidget(parent) {
   tabBar()->setExpanding(false);
   tabBar()->setDrawBase(false);
   tabBar()->setFocusPolicy(Qt::TabFocus);
+  // The bar is a stop of the Tab key by itself. The strip with the bar as its proxy would be another one, behind the
+  // lists, from where Tab leads back to the bar for ever.
+  setFocusProxy(nullptr);
+  setFocusPolicy(Qt::NoFocus);
   connect(this, &QTabWidget::currentChanged, this, &PageStrip::markCurrent);
 }
 

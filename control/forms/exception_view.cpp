@@ -167,6 +167,7 @@ void ExceptionView::showState(const QString& state, const QString& note) {
   lblState_->setText(state);
   lblNote_->setText(note);
   lblNote_->setVisible(!note.isEmpty());
+  ui::growToTexts(*this);
 }
 
 void ExceptionView::showHours(const evidence::WorkingHours& hours) {
