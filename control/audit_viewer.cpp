@@ -28,6 +28,7 @@ void awaitStoppedQueries() {
 AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
   [[maybe_unused]] static const bool awaited = (qAddPostRoutine(awaitStoppedQueries), true);
   ui::applyStyle(*this);
+  control::provideHelpKey();
   members_ = std::make_unique<Members>(*this);
   members_->messages.trapped("Initialize", [this] { members_->Initialize(); });
 }
@@ -212,6 +213,9 @@ void AuditViewer::OpenDefaultSQLServer() {
 
 void AuditViewer::HelpContents() {
   members_->messages.trapped("HelpContents", [this] { members_->help.HelpContents(); });
+}
+void AuditViewer::HelpOnFocus() {
+  members_->messages.trapped("HelpOnFocus", [this] { members_->help.HelpOnFocus(); });
 }
 void AuditViewer::HelpSearch() {
   members_->messages.trapped("HelpSearch", [this] { members_->help.HelpSearch(); });

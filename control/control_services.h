@@ -56,6 +56,8 @@ class ControlServices : public ui::DialogServices {
   /// Opens a help file in the platform's viewer and returns at once. An empty path shows nothing; problems with any
   /// other path are reported to the user by the viewer.
   virtual void openHelp(QWidget* owner, const QString& file, HelpCommand command) = 0;
+  /// Opens a help file as openHelp() does, at a topic: "page.html", or "page.html#name" for a name in it.
+  virtual void openHelpTopic(QWidget* owner, const QString& file, const QString& topic) = 0;
   /// Starts the text editor on a file, in a window of its own, and returns at once. Throws Error with the numbers of
   /// outputs where there is none.
   virtual void startEditor(const QString& file) = 0;

@@ -25,6 +25,7 @@ class NoServices final : public ControlServices {
   void showForm(QWidget*, const QString&) override {}
   void setPointer(ui::Pointer) override {}
   void openHelp(QWidget*, const QString&, HelpCommand) override {}
+  void openHelpTopic(QWidget*, const QString&, const QString&) override {}
   void startEditor(const QString&) override {}
   bool choosePrinter(QWidget*, QPrinter&) override { return false; }
   bool showPreview(QWidget*, std::unique_ptr<output::pages::ReportSheets>) override { return false; }

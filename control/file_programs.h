@@ -12,8 +12,11 @@ enum class HelpOutcome {
   noViewer,  ///< the platform has no program for it
 };
 
-/// Opens a help file in the platform's viewer, which runs on its own. An empty path shows nothing.
+/// Opens a help file in the platform's viewer, or the pages beside it in the browser, which run on their own. An empty
+/// path shows nothing.
 HelpOutcome openHelpFile(const QWidget* owner, const QString& file, HelpCommand command);
+/// Opens it at a topic, "page.html" or "page.html#name".
+HelpOutcome openHelpFile(const QWidget* owner, const QString& file, const QString& topic);
 
 /// Starts the system's text editor on `file` and returns at once. The name is passed unchanged, never through a shell.
 /// Throws Error with the numbers of outputs where no editor can be started.

@@ -2,10 +2,12 @@
 #include "control/file_programs_windows.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <array>
 #include <string>
 
 #include "base/system_errors.h"
+#include "control/help_pages.h"
 #include "control/native_window_windows.h"
 
 namespace korvel::control {
@@ -16,6 +18,22 @@ QString notepadProgram() {
   std::array<wchar_t, MAX_PATH> folder{};
   const UINT length = GetSystemDirectoryW(folder.data(), static_cast<UINT>(folder.size()));
   return QString::fromWCharArray(folder.data(), static_cast<qsizetype>(length)) + QStringLiteral("\\notepad.exe");
+}
+
+constexpr UINT displayTopic = 0;
+
+/// Whether the pages beside the book have to serve: without HTML Help, or without the book.
+bool needsPages(HtmlHelpFunction open, const QString& book) {
+  return open == nullptr || !QFileInfo(book).isFile();
+}
+
+bool isPageOpened(const QUrl& page) {
+  return !page.isEmpty() && openHelpPage(page);
+}
+
+HtmlHelpFunction systemHtmlHelp() {
+  static const HtmlHelpFunction open = htmlHelpOf(L"hhctrl.ocx");
+  return open;
 }
 
 }  // namespace
@@ -35,9 +53,22 @@ HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file,
   return HelpOutcome::done;
 }
 
+HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, const QString& topic) {
+  if (file.isEmpty() || topic.isEmpty() || open == nullptr)
+    return openHelpWith(open, owner, file, HelpCommand::contents);
+  const QString place = QDir::toNativeSeparators(file) + QStringLiteral("::/") + topic;
+  open(owner, place.toLocal8Bit().constData(), displayTopic, 0);
+  return HelpOutcome::done;
+}
+
 HelpOutcome openHelpFile(const QWidget* owner, const QString& file, HelpCommand command) {
-  static const HtmlHelpFunction open = htmlHelpOf(L"hhctrl.ocx");
-  return openHelpWith(open, nativeWindow(owner), file, command);
+  if (needsPages(systemHtmlHelp(), file) && isPageOpened(helpPage(file, command))) return HelpOutcome::done;
+  return openHelpWith(systemHtmlHelp(), nativeWindow(owner), file, command);
+}
+
+HelpOutcome openHelpFile(const QWidget* owner, const QString& file, const QString& topic) {
+  if (needsPages(systemHtmlHelp(), file) && isPageOpened(helpPage(file, topic))) return HelpOutcome::done;
+  return openHelpWith(systemHtmlHelp(), nativeWindow(owner), file, topic);
 }
 
 QString notepadCommand(const QString& file) {

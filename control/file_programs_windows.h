@@ -19,6 +19,9 @@ using HtmlHelpFunction = HWND(WINAPI*)(HWND, LPCSTR, UINT, DWORD_PTR);
 /// for an empty path, which shows nothing anyway.
 HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, HelpCommand command);
 
+/// Opens a help file at a topic, in the same way; the book's own contents for an empty one.
+HelpOutcome openHelpWith(HtmlHelpFunction open, HWND owner, const QString& file, const QString& topic);
+
 /// Command line of "notepad": its name and the path, quoted where the path has a blank.
 [[nodiscard]] QString notepadCommand(const QString& file);
 

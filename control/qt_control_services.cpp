@@ -205,7 +205,14 @@ void QtControlServices::setPointer(ui::Pointer pointer) {
 }
 
 void QtControlServices::openHelp(QWidget* owner, const QString& file, HelpCommand command) {
-  const HelpOutcome outcome = openHelpFile(owner, file, command);
+  reportHelp(owner, file, openHelpFile(owner, file, command));
+}
+
+void QtControlServices::openHelpTopic(QWidget* owner, const QString& file, const QString& topic) {
+  reportHelp(owner, file, openHelpFile(owner, file, topic));
+}
+
+void QtControlServices::reportHelp(QWidget* owner, const QString& file, HelpOutcome outcome) {
   if (outcome == HelpOutcome::done) return;
   const char* const key = outcome == HelpOutcome::noFile ? "help.noFile" : "help.noViewer";
   messageBox(owner, ui::MessageIcon::information, messageTitle(), ownText(key).arg(file));

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "control/control_services.h"
+#include "control/file_programs.h"
 
 class QDialog;
 
@@ -29,11 +30,15 @@ class QtControlServices final : public ControlServices {
   void showForm(QWidget* owner, const QString& name) override;
   void setPointer(ui::Pointer pointer) override;
   void openHelp(QWidget* owner, const QString& file, HelpCommand command) override;
+  void openHelpTopic(QWidget* owner, const QString& file, const QString& topic) override;
   void startEditor(const QString& file) override;
   bool choosePrinter(QWidget* owner, QPrinter& printer) override;
   bool showPreview(QWidget* owner, std::unique_ptr<output::pages::ReportSheets> sheets) override;
 
  private:
+  /// Says why a help file was not opened.
+  void reportHelp(QWidget* owner, const QString& file, HelpOutcome outcome);
+
   QHash<QString, FormMaker> forms_;
   QString lastFolder_;  ///< that was chosen
   bool hourglass_ = false;

@@ -17,6 +17,10 @@ namespace korvel::control {
 /// as it was.
 void chooseHelpFile(QString& helpFile, const QString& viewerPath, const settings::LanguageOffset& language);
 
+/// F1 in windows of the control and in those around it: opens the help at the topic of what has the keyboard. The first
+/// call provides it for the whole program, later ones do nothing.
+void provideHelpKey();
+
 /// The commands of the Help menu: the help file in the current language, and the about box.
 class ViewerHelp {
  public:
@@ -27,6 +31,8 @@ class ViewerHelp {
   void chooseFile();
   void HelpContents();
   void HelpSearch();
+  /// Opens the help at the topic of what has the keyboard, without one on its contents.
+  void HelpOnFocus();
   void ShowAbout();
 
  private:

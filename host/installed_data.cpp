@@ -6,8 +6,9 @@ namespace korvel::host {
 
 QString helpFolder(const QString& programFolder) {
   const QDir shared(QDir::cleanPath(programFolder + QStringLiteral("/../share/korvel-audit-viewer")));
-  const bool hasBooks = !shared.entryList({QStringLiteral("KorvelAuditViewerHelp_*.chm")}, QDir::Files).isEmpty();
-  return hasBooks ? shared.path() : programFolder;
+  const bool hasHelp =
+      !shared.entryList({QStringLiteral("KorvelAuditViewerHelp_*")}, QDir::Files | QDir::Dirs).isEmpty();
+  return hasHelp ? shared.path() : programFolder;
 }
 
 }  // namespace korvel::host

@@ -62,7 +62,7 @@ MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
   const auto onKey = [this](const QKeySequence& key, void (AuditViewer::*member)()) {
     connect(new QShortcut(key, this), &QShortcut::activated, viewer_, member);
   };
-  onKey(Qt::Key_F1, &AuditViewer::HelpContents);
+  onKey(Qt::Key_F1, &AuditViewer::HelpOnFocus);
   // Neither menu nor toolbar has a place for the text export and the preview.
   onKey(Qt::CTRL | Qt::Key_P, &AuditViewer::PrintReport);
   onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_P, &AuditViewer::PreviewReport);

@@ -137,6 +137,10 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void HelpContents();
   /// Opens the help file on its index.
   void HelpSearch();
+  /// Opens the help at the topic of what has the keyboard: the highlighted entry of an open menu, or the element with
+  /// the focus; without a topic on the contents. F1 does so in the control and in its dialogs; a host that puts F1 on a
+  /// shortcut of its own calls this.
+  void HelpOnFocus();
   /// Shows the about box.
   void ShowAbout();
   /// Prints the current list after the print dialog, as the print command does; nothing while that is locked.

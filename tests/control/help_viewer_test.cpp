@@ -81,6 +81,42 @@ TEST_F(HelpViewer, AMissingFileIsReported) {
   EXPECT_EQ(told[0], "The help file " + missing + " was not found.");
 }
 
+TEST_F(HelpViewer, PagesBesideABookAreOpenedInstead) {
+  const test::OpenedFiles opened;
+  const QString file = helpFile("Help_Eng.chm");
+  std::filesystem::create_directory(folder / "Help_Eng");
+  const QString contents = helpFile("Help_Eng/index.html");
+  const QString words = helpFile("Help_Eng/words.html");
+  const QString query = helpFile("Help_Eng/query.html");
+  services.openHelp(&owner, file, HelpCommand::contents);
+  services.openHelp(&owner, file, HelpCommand::index);
+  services.openHelpTopic(&owner, file, "query.html");
+  services.openHelpTopic(&owner, file, "missing.html#name");
+  EXPECT_EQ(opened.files(), (QStringList{contents, words, query, contents}));
+  EXPECT_EQ(told, QStringList());
+}
+
+TEST_F(HelpViewer, ANameInAPageIsReachedOverAFileThatLeadsThere) {
+  const test::OpenedFiles opened;
+  // No book: pages alone are installed where no compiler for books was.
+  const QString file = QString::fromStdString((folder / "Help & 'more'.chm").string());
+  std::filesystem::create_directory(folder / "Help & 'more'");
+  const QString query = helpFile("Help & 'more'/query.html");
+  for (const char* name : {"dates", "run"}) {
+    services.openHelpTopic(&owner, file, QStringLiteral("query.html#") + QLatin1String(name));
+    ASSERT_FALSE(opened.files().isEmpty());
+    QFile leading(opened.files().last());
+    ASSERT_TRUE(leading.open(QIODevice::ReadOnly));
+    EXPECT_EQ(leading.permissions() & (QFile::ReadOther | QFile::ReadGroup), QFile::Permissions());
+    const QString text = QString::fromUtf8(leading.readAll());
+    QUrl page = QUrl::fromLocalFile(query);
+    page.setFragment(QLatin1String(name));
+    const QString link = QString::fromUtf8(page.toEncoded()).replace("&", "&amp;").replace("'", "&#39;");
+    EXPECT_TRUE(text.contains("content=\"0; url=" + link + '"')) << text.toStdString();
+  }
+  EXPECT_EQ(told, QStringList());
+}
+
 TEST_F(HelpViewer, ADesktopWithoutAProgramForItIsReported) {
   // The offscreen platform has no desktop.
   const QString file = helpFile("Help%1.chm");

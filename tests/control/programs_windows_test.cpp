@@ -42,6 +42,15 @@ TEST_F(HtmlHelp, OpensContentsAndIndexByTheirNumbers) {
   EXPECT_EQ(helpCall->command, 2U);
 }
 
+TEST_F(HtmlHelp, OpensATopicInTheBook) {
+  EXPECT_EQ(openHelpWith(&htmlHelp, nullptr, "C:/Program/Help_Eng.chm", QStringLiteral("query.html#dates")),
+            HelpOutcome::done);
+  ASSERT_TRUE(helpCall);
+  EXPECT_EQ(helpCall->file, "C:\\Program\\Help_Eng.chm::/query.html#dates");
+  EXPECT_EQ(helpCall->command, 0U);
+  EXPECT_EQ(openHelpWith(nullptr, nullptr, "C:/Help_Eng.chm", QStringLiteral("query.html")), HelpOutcome::noViewer);
+}
+
 TEST_F(HtmlHelp, TakesThePathInTheSystemsCodePageAndWithItsSeparators) {
   openHelpWith(&htmlHelp, nullptr, QStringLiteral("C:/H\u00e4lp.chm"), HelpCommand::contents);
   ASSERT_TRUE(helpCall);

@@ -77,6 +77,9 @@ class Recorder final : public control::ControlServices {
   void openHelp(QWidget*, const QString& file, control::HelpCommand command) override {
     helpOpened.append({file, command});
   }
+  void openHelpTopic(QWidget*, const QString& file, const QString& topic) override {
+    topicsOpened.append({file, topic});
+  }
 
   void startEditor(const QString& file) override {
     edited.append(file);
@@ -124,6 +127,7 @@ class Recorder final : public control::ControlServices {
   std::function<void(output::pages::ReportSheets&)> onPreview;
   bool printFromPreview = false;
   QList<std::pair<QString, control::HelpCommand>> helpOpened;
+  QList<std::pair<QString, QString>> topicsOpened;
 };
 
 }  // namespace korvel::test

@@ -29,6 +29,12 @@ TEST_F(InstalledData, theBooksOfAnInstalledTreeAreInItsSharedFolder) {
   EXPECT_EQ(helpFolder(programs), QDir::cleanPath(shared));
 }
 
+TEST_F(InstalledData, pagesAreEnough) {
+  const QString programs = made("tree/bin");
+  made("tree/share/korvel-audit-viewer/KorvelAuditViewerHelp_Eng");
+  EXPECT_EQ(helpFolder(programs), QDir::cleanPath(programs + "/../share/korvel-audit-viewer"));
+}
+
 TEST_F(InstalledData, withoutBooksThereTheyAreBesideTheProgram) {
   const QString programs = made("tree/bin");
   EXPECT_EQ(helpFolder(programs), programs);

@@ -24,6 +24,30 @@ TEST_F(MainWindowTest, F1IsHelpContents) {
   EXPECT_EQ(opened.files(), QStringList{QString::fromStdString(help)});
 }
 
+TEST_F(MainWindowTest, F1IsTheTopicOfTheFocus) {
+  const test::OpenedFiles opened;
+  const std::filesystem::path pages = folder / "KorvelAuditViewerHelp_Eng";
+  std::filesystem::create_directory(pages);
+  for (const char* page : {"commands.html", "database.html", "index.html"}) writeFileAtomically(pages / page, "help");
+  set("ViewerAppPath", (folder / "KorvelAuditViewer.exe").string());
+  MainWindow window(options, english);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const auto topicOf = [&](const char* element) {
+    auto* const widget = window.findChild<QWidget*>(QLatin1String(element));
+    if (widget == nullptr) return QStringLiteral("no ") + QLatin1String(element);
+    widget->setFocus();
+    QTest::keyClick(widget, Qt::Key_F1);
+    QFile leading(opened.files().value(opened.files().size() - 1));
+    if (!leading.open(QIODevice::ReadOnly)) return QStringLiteral("nothing");
+    return QString::fromUtf8(leading.readAll()).section("url=", 1).section('"', 0, 0).section('/', -1);
+  };
+  EXPECT_EQ(topicOf("SmartToolbar_SELECT"), "commands.html#SELECT");
+  EXPECT_EQ(topicOf("doorDemo"), "database.html#embedded");
+  EXPECT_EQ(topicOf("doorServer"), "database.html#browser");
+  EXPECT_EQ(topicOf("doorFolder"), "database.html#embedded");
+}
+
 TEST_F(MainWindowTest, F1SaysWhichHelpFileIsMissing) {
   const test::OpenedFiles opened;
   set("ViewerAppPath", "/nowhere/KorvelAuditViewer.exe");
