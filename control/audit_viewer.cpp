@@ -239,6 +239,10 @@ void AuditViewer::CompareWithSnapshot() {
   members_->messages.trapped("CompareWithSnapshot", [this] { members_->snapshots.CompareWithSnapshot(); });
 }
 
+void AuditViewer::OpenQueryFile(const QString& path) {
+  members_->messages.trapped("OpenQueryFile", [&] { members_->customPage.openQueryFile(path.toStdString()); });
+}
+
 void AuditViewer::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // The window system's own events (a window restored from the task bar) are spontaneous: the control was not hidden.

@@ -86,8 +86,10 @@ void CustomPage::btOpen_Click() {
 }
 
 void CustomPage::openQueryFile(const std::string& path) {
-  // What cannot be read leaves the text as it was.
+  // What cannot be read leaves page and text as they were.
   const std::string text = query::loadQueryFile(pathFromUtf8(path));
+  // The page first: it offers a query where it has none, and an empty file is to show as it is.
+  surface_.SSTab1->setCurrentIndex(query::customList);
   surface_.txtAdvancedQuery->setQueryText(fromUtf8(text));
 }
 

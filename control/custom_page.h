@@ -25,14 +25,14 @@ class CustomPage {
   void showTexts();
   /// An empty query text on the page that is shown becomes the query for everything.
   void offerCustomQuery();
+  /// Puts a query file into the query text, in front of the other pages. Throws Error where it cannot be read.
+  void openQueryFile(const std::string& path);
 
  private:
   void btOpen_Click();
   void btSave_Click();
   void btClearAdvQuery_Click();
   void btEmunFields_Click();
-  /// Puts a query file into the query text. Throws Error where it cannot be read.
-  void openQueryFile(const std::string& path);
 
   AuditViewer& viewer_;
   const MessageBoxes& messages_;

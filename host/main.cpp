@@ -38,6 +38,8 @@ int run(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("KorvelAuditViewer"));
   QApplication::setApplicationDisplayName(QString());
+  // The desktop finds name and icon of the window by it.
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.korvel.AuditViewer"));
   korvel::applyPreferredPalette(application);
   // What is left once the toolkit has taken its own options out.
   const ParsedOptions parsed = parseOptions(QApplication::arguments().mid(1), language);

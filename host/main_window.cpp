@@ -33,6 +33,7 @@ MainWindow::MainWindow(const Options& options, const ViewerLanguage& language)
     : form_(options.formFile.value_or(FormFile::standardPath())),
       // A window that is only rendered must not change the user's form file.
       keepsForm_(!options.shotFile),
+      queryFile_(options.queryFile),
       viewer_(new AuditViewer) {
   setWindowTitle(productName);
   // A message box may run while the window is being shown, and the toolkit's animations do not survive that: they go
@@ -119,6 +120,12 @@ void MainWindow::present() {
     showMaximized();
   else
     show();
+  openAskedFile();
+}
+
+bool MainWindow::openAskedFile() {
+  if (queryFile_) viewer_->OpenQueryFile(*queryFile_);
+  return queryFile_.has_value();
 }
 
 void MainWindow::loadForm(const ViewerLanguage& language) {

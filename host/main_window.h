@@ -25,7 +25,12 @@ class MainWindow final : public QMainWindow {
 
   [[nodiscard]] AuditViewer& viewer() { return *viewer_; }
 
-  /// Shows the window where and as it stood when it was closed last, unless the options gave it a size.
+  /// Opens the query file that the options name, if any, and returns whether they name one. To be called when the
+  /// window is shown: the control says what is wrong with the file.
+  bool openAskedFile();
+
+  /// Shows the window where and as it stood when it was closed last, unless the options gave it a size; then opens the
+  /// query file that they name.
   void present();
 
  protected:
@@ -39,6 +44,7 @@ class MainWindow final : public QMainWindow {
 
   FormFile form_;
   bool keepsForm_;
+  std::optional<QString> queryFile_;
   bool maximized_ = false;
   AuditViewer* viewer_;
   QString database_;  ///< that is selected, as the control names it

@@ -38,6 +38,15 @@ bool takeText(const QString& value, Options& options) {
   return true;
 }
 
+/// The one argument without a name. Whatever has another ending is taken for a slip.
+bool takeQueryFile(const QString& value, Options& options) {
+  if (options.queryFile || !value.endsWith(QLatin1String(".vqf"), Qt::CaseInsensitive)) return false;
+  options.queryFile = value;
+  return true;
+}
+
+constexpr const char* queryFileName = "FILE.vqf";
+
 constexpr OptionRow rows[] = {
     {"--server", "NAME", "host.help.server", &takeText<&Options::server, true>},
     {"--type", "audit|mu", "host.help.type", &takeType},
@@ -64,6 +73,10 @@ ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& l
   };
   for (qsizetype i = 0; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
+    if (!argument.startsWith(QLatin1Char('-'))) {
+      if (!takeQueryFile(argument, parsed.options)) return refused(argument);
+      continue;
+    }
     const qsizetype equals = argument.startsWith(QLatin1String("--")) ? argument.indexOf(QLatin1Char('=')) : -1;
     const OptionRow* row = rowOf(equals < 0 ? argument : argument.left(equals));
     if (row == nullptr) return refused(argument);
@@ -83,10 +96,14 @@ ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& l
 QString helpText(const ViewerLanguage& language) {
   QString text = language.text("host.help.usage") + QStringLiteral("\n\n");
   constexpr int column = 22;
+  const auto addLine = [&](const QString& left, const char* helpKey) {
+    text += (QStringLiteral("  ") + left).leftJustified(column) + language.text(helpKey) + QLatin1Char('\n');
+  };
+  addLine(QLatin1String(queryFileName), "host.help.file");
   for (const OptionRow& row : rows) {
-    QString left = QStringLiteral("  ") + QLatin1String(row.name);
+    QString left = QLatin1String(row.name);
     if (row.value != nullptr) left += QLatin1Char(' ') + QLatin1String(row.value);
-    text += left.leftJustified(column) + language.text(row.helpKey) + QLatin1Char('\n');
+    addLine(left, row.helpKey);
   }
   return text + QLatin1Char('\n') + language.text("host.help.status") + QLatin1Char('\n');
 }

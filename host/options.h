@@ -15,6 +15,8 @@ struct Options {
   std::optional<QString> formFile;
   std::optional<QString> shotFile;
   std::optional<QSize> size;
+  /// A query file that is to be opened.
+  std::optional<QString> queryFile;
 };
 
 struct ParsedOptions {

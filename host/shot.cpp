@@ -44,7 +44,8 @@ ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMes
   window.show();
   AuditViewer& viewer = window.viewer();
   const qsizetype beforeQuery = messages.texts().size();
-  if (!messages.anyCritical()) {
+  // Who opens a query file has not asked for its answer, nor for another one.
+  if (!window.openAskedFile() && !messages.anyCritical()) {
     viewer.TriggerQuery();
     viewer.DisplayNoOfRecords();
   }

@@ -30,8 +30,9 @@ class UnattendedMessages final : public QObject {
 /// The program's exit statuses.
 enum class ExitStatus { done = 0, noRecords = 1, wrongUsage = 2, databaseFailed = 3, pictureFailed = 4 };
 
-/// Shows the window, runs the standard query and renders the window into a PNG file. A viewer that could not be built
-/// whole runs no query, and without an answer there is no picture. What went wrong is written to standard error.
+/// Shows the window, opens the query file that its options name or else runs the standard query, and renders the window
+/// into a PNG file. A viewer that could not be built whole runs no query, and without an answer there is no picture.
+/// What went wrong is written to standard error.
 [[nodiscard]] ExitStatus takeShot(MainWindow& window, const QString& file, const UnattendedMessages& messages,
                                   const ViewerLanguage& language);
 

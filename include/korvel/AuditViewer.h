@@ -151,6 +151,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   void TakeSnapshot();
   /// Offers to compare a snapshot with the selected database, or with the one that it was taken of.
   void CompareWithSnapshot();
+  /// Brings the custom page to the front with the text of a query file in it; nothing is connected or run. Says what is
+  /// wrong with a file that cannot be read; page and text stay as they were then.
+  void OpenQueryFile(const QString& path);
 
  Q_SIGNALS:
   /// A database has been selected: server, " - [", database, "]".

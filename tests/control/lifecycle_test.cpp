@@ -36,7 +36,7 @@ TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
                    "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
                    // Not in the type library, and therefore after its members.
                    "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()",
-                   "TakeSnapshot()", "CompareWithSnapshot()"}));
+                   "TakeSnapshot()", "CompareWithSnapshot()", "OpenQueryFile(QString)"}));
 }
 
 TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {

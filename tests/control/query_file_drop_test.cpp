@@ -74,6 +74,29 @@ TEST_F(QueryFileDrop, OtherFilesAndOtherPagesTakeNone) {
   EXPECT_FALSE(drop(*element(*viewer, "lvListView0"), {query}));
 }
 
+TEST_F(QueryFileDrop, AHostOpensAFileFromWhateverPage) {
+  const auto viewer = shownViewer();
+  const QUrl query = file("a.vqf");
+  viewer->OpenQueryFile(query.toLocalFile());
+  EXPECT_EQ(element<QTabWidget>(*viewer, "SSTab1")->currentIndex(), 5);
+  EXPECT_EQ(editor(*viewer).queryText(), "select 1\r\n");
+  EXPECT_THAT(server.commands, IsEmpty());
+  // An empty file is an empty text, not the query that an empty page offers.
+  selectTab(*viewer, 0);
+  viewer->OpenQueryFile(file("empty.vqf", "").toLocalFile());
+  EXPECT_EQ(editor(*viewer).queryText(), "");
+  EXPECT_THAT(recorder->messages, IsEmpty());
+}
+
+TEST_F(QueryFileDrop, AHostHearsOfAFileThatCannotBeRead) {
+  const auto viewer = shownViewer();
+  viewer->OpenQueryFile(QString::fromStdString((folder.path() / "missing.vqf").string()));
+  ASSERT_THAT(recorder->messages, SizeIs(1));
+  EXPECT_TRUE(recorder->messages[0].text.contains(":Error in OpenQueryFile.  Error Message: "));
+  EXPECT_EQ(element<QTabWidget>(*viewer, "SSTab1")->currentIndex(), 0);
+  EXPECT_THAT(server.commands, IsEmpty());
+}
+
 TEST_F(QueryFileDrop, AFileThatCannotBeReadIsReportedAndLeavesTheText) {
   const auto viewer = customPage();
   const QUrl missing = file("a.vqf");

@@ -3,7 +3,9 @@
 #include <QAbstractAnimation>
 #include <QApplication>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QTabWidget>
 #include <QTest>
 #include <QToolButton>
 #include <filesystem>
@@ -38,6 +40,21 @@ TEST_F(MainWindowTest, TheTitleSaysThatTheDatabaseIsASnapshot) {
       "Korvel Audit Viewer";
   EXPECT_TRUE(QTest::qWaitFor([&] { return window.windowTitle().endsWith(wanted); }, 20'000))
       << window.windowTitle().toStdString();
+}
+
+TEST_F(MainWindowTest, AQueryFileIsInFrontWhenTheWindowIsPresented) {
+  writeFileAtomically(folder / "mine.vqf", "select 'mine'\r\n");
+  options.queryFile = QString::fromStdU16String((folder / "mine.vqf").u16string());
+  MainWindow window(options, english);
+  const auto* pages = window.viewer().findChild<QTabWidget*>("SSTab1");
+  const auto* text = window.viewer().findChild<QPlainTextEdit*>("txtAdvancedQuery");
+  ASSERT_TRUE(pages != nullptr && text != nullptr);
+  EXPECT_EQ(pages->currentIndex(), 0);
+  window.present();
+  EXPECT_EQ(pages->currentIndex(), 5);
+  EXPECT_EQ(text->toPlainText().trimmed(), "select 'mine'");
+  // It stands there, and nothing is connected.
+  EXPECT_EQ(window.windowTitle(), "Korvel Audit Viewer");
 }
 
 TEST_F(MainWindowTest, NothingInItGoesWhileItIsShown) {

@@ -46,6 +46,22 @@ TEST_F(Program, AShotWithoutRecordsIsTakenAndSaysSo) {
   EXPECT_EQ(linesOfText(picture, firstColumn), 0);
 }
 
+TEST_F(Program, AQueryFileIsShownAndNotRun) {
+  // No database: whatever were run would fail.
+  writeFileAtomically(folder / "mine.vqf", "select 'mine'\r\n");
+  const Result result = run(shot({path("mine.vqf")}));
+  EXPECT_EQ(result.status, 0) << result.errors.toStdString();
+  EXPECT_TRUE(QFile::exists(path("shot.png")));
+}
+
+TEST_F(Program, AQueryFileThatCannotBeReadIsNamedWithTheReason) {
+  writeDatabase(1);
+  const Result result = run(shot({path("missing.vqf")}));
+  EXPECT_EQ(result.status, 3);
+  EXPECT_TRUE(result.errors.contains(":Error in OpenQueryFile.  Error Message: ")) << result.errors.toStdString();
+  EXPECT_FALSE(QFile::exists(path("shot.png")));
+}
+
 TEST_F(Program, AShotNeedsNoDisplayThatAnswers) {
   writeDatabase(1);
   const Result result = run(shot(), {{"DISPLAY", ":77"}});

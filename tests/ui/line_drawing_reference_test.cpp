@@ -5,6 +5,7 @@
 #include <QSvgRenderer>
 #include <algorithm>
 
+#include "ui/icons/application_icon.h"
 #include "ui/icons/icons.h"
 #include "ui/icons/line_drawing.h"
 
@@ -65,6 +66,27 @@ TEST(LineDrawingReference, EveryIconIsDrawnAsTheToolkitsReaderDrawsIt) {
       EXPECT_LE(found.share, inkTolerance) << each.file << " at " << side;
     }
   }
+}
+
+TEST(LineDrawingReference, TheApplicationIconForDesktopsIsTheOneThatIsDrawn) {
+  QSvgRenderer drawing(applicationIconSvg());
+  ASSERT_TRUE(drawing.isValid());
+  // A side at which no edge is rounded to pixels in another way than by the other reader.
+  constexpr int side = 200;
+  const QImage ours = applicationIconPixmap(side).toImage().convertToFormat(QImage::Format_ARGB32);
+  const QImage theirs = painted(side, [&](QPainter& painter, const QRectF& into) {
+                          drawing.render(&painter, into);
+                        }).convertToFormat(QImage::Format_ARGB32);
+  ASSERT_EQ(ours.size(), theirs.size());
+  double sum = 0;
+  for (int y = 0; y < side; ++y)
+    for (int x = 0; x < side; ++x) {
+      const QRgb one = ours.pixel(x, y);
+      const QRgb other = theirs.pixel(x, y);
+      sum += std::max({std::abs(qAlpha(one) - qAlpha(other)), std::abs(qRed(one) - qRed(other)),
+                       std::abs(qGreen(one) - qGreen(other)), std::abs(qBlue(one) - qBlue(other))});
+    }
+  EXPECT_LE(sum / (side * side), 1.0);
 }
 
 }  // namespace
