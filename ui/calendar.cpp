@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "ui/icons/icons.h"
+#include "ui/style/system_appearance.h"
 #include "ui/style/theme.h"
 
 namespace korvel::ui {
@@ -46,7 +47,19 @@ void styleCalendar(QCalendarWidget& calendar) {
   setIcon(parts.previousMonth, IconName::PreviousPage);
   setIcon(parts.nextMonth, IconName::NextPage);
   if (parts.navigation != nullptr) parts.navigation->setBackgroundRole(QPalette::Base);
-  if (parts.days != nullptr) parts.days->setFrameShape(QFrame::NoFrame);
+  if (parts.days == nullptr) return;
+  parts.days->setFrameShape(QFrame::NoFrame);
+  if (systemAppearance().keepsPlatform()) return;
+  // The toolkit draws days of other months in the palette's disabled colour and the chosen day in its highlight, which
+  // few palettes make readable.
+  const Theme& theme = Theme::of(calendar);
+  QPalette palette;
+  palette.setColor(QPalette::Disabled, QPalette::Text, theme.disabled);
+  for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+    palette.setColor(group, QPalette::Highlight, theme.fill);
+    palette.setColor(group, QPalette::HighlightedText, theme.onFill);
+  }
+  parts.days->setPalette(palette);
 }
 
 void addYearArrows(QCalendarWidget& calendar, const QString& previous, const QString& next) {

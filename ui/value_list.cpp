@@ -176,7 +176,11 @@ void ValueList::open(ValueListContent content, const QRect& header, Source sourc
   list_->setFixedHeight(std::max(1, lines) * rowHeight() + 2 * list_->frameWidth() + px(this, 8));
   const int margins = px(this, 16 + 24 + 24) + list_->header()->sectionSize(1) + px(this, 12);
   const int width = std::clamp(text + margins, px(this, leastWidth), px(this, mostWidth));
-  setFixedWidth(std::max(width, layout()->minimumSize().width()));
+  // The layout knows how little a button can be, not what its text needs.
+  const int buttons = cancel_->sizeHint().width() + px(this, space::inGroup) + ok_->sizeHint().width();
+  const QMargins around = layout()->contentsMargins();
+  setFixedWidth(
+      std::max({width, layout()->minimumSize().width(), buttons + around.left() + around.right() + 2 * lineWidth()}));
   adjustSize();
 
   // Under the header where there is room, else over it; never beyond the screen.

@@ -145,7 +145,7 @@ void ExceptionView::setTexts() {
 void ExceptionView::showLines(const std::vector<Line>& lines) {
   lines_ = lines;
   const QString hint = ownText("exceptions.hint");
-  const QColor quiet = palette().color(QPalette::PlaceholderText);
+  const QColor quiet = ui::Theme::of(*this).muted;
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     const Line& line = lines_[i];
     QTreeWidgetItem& item = *rules_->topLevelItem(static_cast<int>(i));

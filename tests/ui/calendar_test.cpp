@@ -6,9 +6,12 @@
 #include <QBoxLayout>
 #include <QCalendarWidget>
 #include <QSpinBox>
+#include <QStyle>
+#include <QStyleFactory>
 #include <QTableView>
 #include <QTextCharFormat>
 #include <QToolButton>
+#include <memory>
 
 #include "tests/ui/painted.h"
 #include "ui/style/viewer_style.h"
@@ -58,6 +61,27 @@ TEST(CalendarLook, ChosenDayStandsOutAndWeekEndsAreNotRed) {
   EXPECT_EQ(count(image, Qt::red), 0);
   EXPECT_EQ(calendarParts(calendar).navigation->backgroundRole(), QPalette::Base);
   EXPECT_EQ(calendar.weekdayTextFormat(Qt::Sunday).foreground().style(), Qt::NoBrush);
+}
+
+TEST(CalendarLook, DaysAreReadableInAnyPalette) {
+  // The toolkit's own palette has pale disabled texts and a highlight that white is hardly readable on.
+  const std::unique_ptr<QStyle> fusion(QStyleFactory::create("Fusion"));
+  for (const QPalette& palette : {fusion->standardPalette(), lightPalette(), darkPalette()}) {
+    QWidget window;
+    window.setPalette(palette);
+    applyStyle(window);
+    QCalendarWidget calendar(&window);
+    styleCalendar(calendar);
+    const CalendarParts parts = calendarParts(calendar);
+    ASSERT_NE(parts.days, nullptr);
+    const QPalette& days = parts.days->palette();
+    const std::string name = palette.color(QPalette::Window).name().toStdString();
+    EXPECT_GE(contrastRatio(days.color(QPalette::Disabled, QPalette::Text), days.color(QPalette::Base)), 3.0) << name;
+    for (const auto group : {QPalette::Active, QPalette::Inactive})
+      EXPECT_GE(contrastRatio(days.color(group, QPalette::HighlightedText), days.color(group, QPalette::Highlight)),
+                4.5)
+          << name;
+  }
 }
 
 }  // namespace

@@ -77,6 +77,21 @@ TEST_F(ValueListTest, ShowsTheValuesWithTheirCountsAndAllOfThem) {
   EXPECT_TRUE(list.findChild<QLabel*>("MoreValues")->isHidden());
 }
 
+TEST_F(ValueListTest, HasRoomForTheTextsOfItsButtons) {
+  QFont large = list.font();
+  large.setPointSizeF(2 * large.pointSizeF());
+  list.setFont(large);
+  for (const char* language : {"0", "10000", "20000", "30000", "40000"}) {
+    list.setTexts([language](std::string_view key) { return ui::ownText(key, settings::LanguageOffset(language)); });
+    open({.values = {{.text = "x", .count = 2}}});
+    for (const char* name : {"CancelValues", "ChooseValues"}) {
+      const auto* button = list.findChild<QPushButton*>(name);
+      EXPECT_GE(button->width(), button->sizeHint().width()) << button->text().toStdString();
+    }
+    list.close();
+  }
+}
+
 TEST_F(ValueListTest, KeysChooseValues) {
   open(users());
   QSignalSpy chosen(&list, &ValueList::chosen);

@@ -321,6 +321,25 @@ TEST(FilterTreeLook, RowsAreOfTheDrawnHeightAndRootsSemiBold) {
   EXPECT_GT(ink(tree.root), ink(tree.child));
 }
 
+TEST(TreeLook, SelectedTextWithAColourOfItsOwnIsReadable) {
+  for (const SchemeCase& scheme : schemes) {
+    QTreeWidget tree;
+    applyStyle(tree);
+    tree.setPalette(scheme.palette({}));
+    auto* item = new QTreeWidgetItem(&tree, {"MMMMMMMM"});
+    const Theme& theme = Theme::of(tree);
+    item->setForeground(0, theme.muted);
+    tree.setCurrentItem(item);
+    item->setSelected(true);
+    tree.resize(200, 100);
+    tree.show();
+    QApplication::processEvents();
+    const QRect row = tree.visualItemRect(item);
+    const QImage image = painted(*tree.viewport());
+    EXPECT_GT(count(image, theme.onSelection, row), 5) << scheme.name;
+  }
+}
+
 TEST(FilterTreeLook, SelectionKeepsTheTextAndFocusIsSeen) {
   for (const SchemeCase& scheme : schemes) {
     Tree tree(scheme.palette({}));

@@ -122,6 +122,10 @@ bool drawItem(const Canvas& canvas) {
     }
     ours.palette.setColor(QPalette::Disabled, QPalette::Text, canvas.theme.disabled);
     ours.palette.setColor(QPalette::Disabled, QPalette::HighlightedText, canvas.theme.disabled);
+  } else {
+    // The platform's highlighted text is made for its highlight colour, not for our pale one.
+    for (const auto group : {QPalette::Active, QPalette::Inactive})
+      ours.palette.setColor(group, QPalette::HighlightedText, canvas.theme.onSelection);
   }
   canvas.style.drawItemAsBase(ours, canvas.painter, canvas.widget);
   return true;
