@@ -1,4 +1,5 @@
-# Writes OUTPUT: the interface definition of the type library that TABLE describes.
+# Writes of the type library that TABLE describes: OUTPUT, its interface definition, and MEMBERS, the functions of its
+# interface in order, for C++: KORVEL_MEMBER(name, (parameters), (arguments)).
 cmake_minimum_required(VERSION 3.25)
 
 # described(RESULT TEXT): the attribute that carries a description, empty for none.
@@ -10,7 +11,15 @@ function(described result text)
   set(${result} "${attribute}" PARENT_SCOPE)
 endfunction()
 
+# add_member(NAME PARAMETERS): a function of the interface in C++, whose parameters are given as the table gives them.
+function(add_member name parameters)
+  string(REPLACE "DatabaseTypeEnum" "LONG" parameters "${parameters}")
+  string(REGEX REPLACE "[A-Za-z_]+ (\\*?)([A-Za-z]+)" "\\2" names "${parameters}")
+  set(members "${members}KORVEL_MEMBER(${name}, (${parameters}), (${names}))\n" PARENT_SCOPE)
+endfunction()
+
 file(STRINGS "${TABLE}" lines REGEX "^[^#]")
+set(members "")
 set(text "import \"automation.idl\";\n\n")
 set(end "")
 foreach(line IN LISTS lines)
@@ -48,14 +57,19 @@ foreach(line IN LISTS lines)
   elseif(kind STREQUAL "property")
     string(APPEND text "    [propget, id(${id}), bindable${help}] HRESULT ${name}([out, retval] ${type} *value);\n"
       "    [propput, id(${id}), bindable${help}] HRESULT ${name}([in] ${type} value);\n")
+    add_member("get_${name}" "${type} *value")
+    add_member("put_${name}" "${type} value")
   elseif(kind STREQUAL "method")
+    set(plain "${arguments}")
     if(type)
       set(separator "")
       if(parameters)
         set(separator ", ")
       endif()
       string(APPEND parameters "${separator}[out, retval] ${type} *result")
+      string(APPEND plain "${separator}${type} *result")
     endif()
+    add_member("${name}" "${plain}")
     string(APPEND text "    [id(${id})${help}] HRESULT ${name}(${parameters});\n")
   elseif(kind STREQUAL "events")
     string(APPEND text "\n  [uuid(${id}), hidden${help}]\n  dispinterface ${name} {\n   properties:\n   methods:\n")
@@ -72,3 +86,4 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 file(WRITE "${OUTPUT}" "${text}${end}}\n")
+file(WRITE "${MEMBERS}" "${members}")

@@ -2,12 +2,12 @@
 
 // after windows.h
 #include <oleauto.h>
-#include <oleidl.h>
 
 #include <array>
 #include <memory>
 #include <vector>
 
+#include "ocx/control_status.h"
 #include "ocx/registry_entries.h"
 
 namespace korvel::ocx {
@@ -26,13 +26,9 @@ struct Identifiers {
   std::wstring events;
 };
 
-constexpr const wchar_t* controlName = L"Korvel Audit Viewer";
 constexpr const wchar_t* libraryName = L"Korvel Audit Viewer control";
 constexpr const wchar_t* program = L"KorvelAuditViewerOCX.AuditViewer";
 constexpr const wchar_t* programVersion = L"KorvelAuditViewerOCX.AuditViewer.1";
-// It redraws when it is resized, cannot be linked to, is active as soon as it is visible, and wants its site first.
-constexpr DWORD miscStatus = OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
-                             OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST;
 // The category of controls. It is in neither category of what is safe: the control opens databases.
 constexpr const wchar_t* controls = L"{40FC6ED4-2438-11CF-A3DB-080036F12502}";
 // The system's marshallers: for interfaces of a type library, and for events.

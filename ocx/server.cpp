@@ -3,34 +3,27 @@
 // after windows.h
 #include <olectl.h>
 
-#include <new>
 #include <string>
 #include <string_view>
 
+#include "ocx/class_factory.h"
+#include "ocx/control_status.h"
+#include "ocx/control_types.h"
+#include "ocx/failure.h"
+#include "ocx/host_window.h"
+#include "ocx/hosting_library.h"
+#include "ocx/module.h"
 #include "ocx/registration.h"
 #include "ocx/registry_entries.h"
 
 namespace korvel::ocx {
 namespace {
 
-/// The full path of this file, empty where the system does not tell it.
-std::wstring ownFile() {
-  static const char ofThisFile = 0;
-  HMODULE module = nullptr;
-  constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ofThisFile), &module) == 0) return {};
-  // As long as paths can be.
-  std::wstring path(32768, L'\0');
-  const DWORD length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
-  path.resize(length < path.size() ? length : 0);
-  return path;
-}
-
 using Action = HRESULT (*)(HKEY, const std::wstring&);
 
-/// Calls `action` with the classes below `root` and this file. No exception leaves the library.
+/// Calls `action` with the classes below `root` and this file.
 HRESULT withClasses(HKEY root, Action action) noexcept {
-  try {
+  return guarded([&] {
     HKEY opened = nullptr;
     const LSTATUS status = ::RegCreateKeyExW(root, L"Software\\Classes", 0, nullptr, REG_OPTION_NON_VOLATILE,
                                              KEY_READ | KEY_WRITE, nullptr, &opened, nullptr);
@@ -38,10 +31,18 @@ HRESULT withClasses(HKEY root, Action action) noexcept {
     const OpenKey classes(opened);
     const std::wstring file = ownFile();
     return file.empty() ? SELFREG_E_CLASS : action(classes.get(), file);
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_UNEXPECTED;
+  });
+}
+
+/// Loads the toolkit first: a container that gets no class shows no text of its own. A program with a window in front
+/// gets a box that says what is missing.
+void openHosting() {
+  try {
+    [[maybe_unused]] const Hosting& opened = hosting();
+  } catch (const Failure& failure) {
+    if (const HWND window = ::GetActiveWindow())
+      ::MessageBoxW(window, failure.text().c_str(), controlName, MB_OK | MB_ICONERROR);
+    throw;
   }
 }
 
@@ -49,6 +50,27 @@ HRESULT withClasses(HKEY root, Action action) noexcept {
 }  // namespace korvel::ocx
 
 extern "C" {
+
+STDAPI DllGetClassObject(REFCLSID wanted, REFIID identifier, void** object) {
+  using namespace korvel::ocx;
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  return guarded([&] {
+    if (!IsEqualCLSID(wanted, controlTypes()->controlId)) return CLASS_E_CLASSNOTAVAILABLE;
+    openHosting();
+    auto* factory = new ClassFactory();
+    const HRESULT result = factory->QueryInterface(identifier, object);
+    factory->Release();
+    return result;
+  });
+}
+
+STDAPI DllCanUnloadNow() {
+  using namespace korvel::ocx;
+  if (isModuleInUse() || !closeHosting()) return S_FALSE;
+  HostWindow::forgetClass();
+  return S_OK;
+}
 
 STDAPI DllRegisterServer() {
   return korvel::ocx::withClasses(HKEY_LOCAL_MACHINE, korvel::ocx::registerControl);

@@ -1,0 +1,58 @@
+#include "ocx/control_types.h"
+
+#include <mutex>
+#include <string>
+
+#include "ocx/failure.h"
+#include "ocx/module.h"
+
+namespace korvel::ocx {
+namespace {
+
+ComPointer<ITypeInfo> typeOf(ITypeLib& library, const wchar_t* name) {
+  std::wstring wanted(name);
+  ComPointer<ITypeInfo> found;
+  MEMBERID member = MEMBERID_NIL;
+  USHORT count = 1;
+  check(library.FindName(wanted.data(), 0, found.receive(), &member, &count));
+  if (count == 0) throw Failure(TYPE_E_ELEMENTNOTFOUND, systemText(TYPE_E_ELEMENTNOTFOUND));
+  return found;
+}
+
+GUID identifierOf(ITypeInfo& type) {
+  TYPEATTR* attributes = nullptr;
+  check(type.GetTypeAttr(&attributes));
+  const GUID identifier = attributes->guid;
+  type.ReleaseTypeAttr(attributes);
+  return identifier;
+}
+
+std::shared_ptr<const ControlTypes> load() {
+  ComPointer<ITypeLib> library;
+  check(::LoadTypeLibEx(ownFile().c_str(), REGKIND_NONE, library.receive()));
+  auto types = std::make_shared<ControlTypes>();
+  types->control = typeOf(*library.get(), L"AuditViewer");
+  types->members = typeOf(*library.get(), L"_AuditViewer");
+  types->databaseTypes = typeOf(*library.get(), L"DatabaseTypeEnum");
+  types->controlId = identifierOf(*types->control.get());
+  types->membersId = identifierOf(*types->members.get());
+  types->eventsId = identifierOf(*typeOf(*library.get(), L"_AuditViewerEvents").get());
+  return types;
+}
+
+}  // namespace
+
+std::shared_ptr<const ControlTypes> controlTypes() {
+  // Not kept without a user: nothing may be released while the file is being unloaded.
+  static std::mutex mutex;
+  static std::weak_ptr<const ControlTypes> last;
+  const std::lock_guard<std::mutex> lock(mutex);
+  std::shared_ptr<const ControlTypes> types = last.lock();
+  if (!types) {
+    types = load();
+    last = types;
+  }
+  return types;
+}
+
+}  // namespace korvel::ocx
