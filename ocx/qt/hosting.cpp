@@ -1,0 +1,105 @@
+// The toolkit in a process that belongs to another program: what the library exports.
+#include "ocx/hosted_viewer.h"
+// after windows.h
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <array>
+#include <memory>
+#include <string>
+
+#include "ocx/qt/hosted_audit_viewer.h"
+
+namespace korvel::ocx {
+namespace {
+
+/// Counts the events that are being delivered: while there is one, nothing may be unloaded.
+class HostedApplication final : public QApplication {
+ public:
+  using QApplication::QApplication;
+  bool notify(QObject* receiver, QEvent* event) override {
+    ++delivering_;
+    const bool result = QApplication::notify(receiver, event);
+    --delivering_;
+    return result;
+  }
+  [[nodiscard]] bool isIdle() const { return delivering_ == 0; }
+
+ private:
+  int delivering_ = 0;
+};
+
+/// The folder of this library.
+QString ownFolder() {
+  static const char ofThisFile = 0;
+  HMODULE module = nullptr;
+  constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  ::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ofThisFile), &module);
+  std::wstring path(32768, L'\0');
+  const DWORD length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+  return QFileInfo(QString::fromWCharArray(path.data(), static_cast<qsizetype>(length))).absolutePath();
+}
+
+class ToolkitHosting final : public Hosting {
+ public:
+  ToolkitHosting() {
+    // A program that uses the same toolkit has its own application object, which is used then.
+    if (QCoreApplication::instance() != nullptr) return;
+    QCoreApplication::setLibraryPaths({ownFolder()});
+    // The process keeps its own settings, such as how it deals with the density of screens.
+    QCoreApplication::setAttribute(Qt::AA_PluginApplication);
+    // Whatever the environment says of platforms is meant for other programs.
+    static int count = 5;
+    static std::array<char, 21> name{"KorvelAuditViewerOCX"};
+    static std::array<char, 10> platform{"-platform"};
+    static std::array<char, 8> windows{"windows"};
+    static std::array<char, 20> path{"-platformpluginpath"};
+    static std::array<char, 1> none{""};
+    static std::array<char*, 6> arguments{name.data(), platform.data(), windows.data(),
+                                          path.data(), none.data(),     nullptr};
+    application_ = std::make_unique<HostedApplication>(count, arguments.data());
+    QApplication::setQuitOnLastWindowClosed(false);
+    // From now on messages of the container's loop wake the toolkit.
+    QCoreApplication::processEvents();
+  }
+
+  HRESULT createViewer(ViewerOwner& owner, HostedViewer** viewer) noexcept override {
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) return E_FAIL;
+    try {
+      *viewer = new HostedAuditViewer(owner);
+      return S_OK;
+    } catch (...) {
+      return E_OUTOFMEMORY;
+    }
+  }
+
+  bool end() noexcept override;
+
+ private:
+  std::unique_ptr<HostedApplication> application_;
+};
+
+/// The open hosting. Not owned by the library: what is left when a process ends must not be destroyed any more.
+ToolkitHosting* opened = nullptr;
+
+bool ToolkitHosting::end() noexcept {
+  if (application_ && !application_->isIdle()) return false;
+  opened = nullptr;
+  delete this;
+  return true;
+}
+
+}  // namespace
+}  // namespace korvel::ocx
+
+extern "C" __declspec(dllexport) HRESULT korvelOpenHosting(unsigned version, korvel::ocx::Hosting** hosting) {
+  using namespace korvel::ocx;
+  if (version != boundaryVersion) return HRESULT_FROM_WIN32(ERROR_REVISION_MISMATCH);
+  try {
+    if (opened == nullptr) opened = new ToolkitHosting();
+    *hosting = opened;
+    return S_OK;
+  } catch (...) {
+    return E_OUTOFMEMORY;
+  }
+}
