@@ -188,8 +188,13 @@ void ActivityStrip::showReadout() {
   const QString text = readout();
   readout_->setContent(text);
   update();  // the frame, which shows where the keyboard is
-  if (bars_->activity().bars.empty() || text == bars_->accessibleDescription()) return;
-  bars_->setAccessibleDescription(text);
+  if (bars_->activity().bars.empty()) return;
+  // The kinds in a bar are told apart by shades, and by a tooltip of the pointer: here they are said.
+  const auto spoken = bars_->spokenOf();
+  const bool isOneBar = texts_ && spoken && spoken->first == spoken->second && !bars_->isSelecting();
+  const QString said = isOneBar ? tipOf(spoken->first).replace(QLatin1Char('\n'), QStringLiteral("; ")) : text;
+  if (said == bars_->accessibleDescription()) return;
+  bars_->setAccessibleDescription(said);
   QAccessibleEvent changed(bars_, QAccessible::DescriptionChanged);
   QAccessible::updateAccessibility(&changed);
 }

@@ -113,7 +113,7 @@ TEST_F(ActivityShown, KeysChooseASpanAndTheChipSaysIt) {
   bars(*viewer).setFocus();
   press(Qt::Key_Home);
   EXPECT_EQ(readout(*viewer), "2004-03-07: records 2");
-  EXPECT_EQ(bars(*viewer).accessibleDescription(), "2004-03-07: records 2");
+  EXPECT_EQ(bars(*viewer).accessibleDescription(), "2004-03-07: records 2; UPDATE: 1; INSERT: 1");
   EXPECT_EQ(bars(*viewer).accessibleName(), "Activity over time");
   press(Qt::Key_Right);
   press(Qt::Key_Right, Qt::ShiftModifier);
