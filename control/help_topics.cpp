@@ -107,9 +107,9 @@ QString helpTopicFor(const QWidget* widget) {
 }
 
 QString helpTopicFor(const QAction& entry) {
-  if (const QString topic = topicOf(commandPlace, entry.objectName()); !topic.isEmpty()) return topic;
-  if (const QMenu* const menu = entry.menu())
-    if (const QString topic = topicOf(commandPlace, menu->objectName()); !topic.isEmpty()) return topic;
+  QString topic = topicOf(commandPlace, entry.objectName());
+  if (topic.isEmpty() && entry.menu() != nullptr) topic = topicOf(commandPlace, entry.menu()->objectName());
+  if (!topic.isEmpty()) return topic;
   const QString caption = plainCaption(entry.text());
   for (const HelpTopic& row : helpTopics())
     if (row.place == commandPlace && row.element.contains(u'.') && plainCaption(textOfKey(row.element)) == caption)
@@ -141,10 +141,10 @@ QString helpTopicOfMessage(const QString& message) {
 }
 
 QString helpTopicAt(const QWidget* widget) {
-  if (const auto* const menu = qobject_cast<const QMenu*>(widget))
-    if (const QAction* const entry = menu->activeAction())
-      if (const QString topic = helpTopicFor(*entry); !topic.isEmpty()) return topic;
-  return helpTopicFor(widget);
+  const auto* const menu = qobject_cast<const QMenu*>(widget);
+  const QAction* const entry = menu == nullptr ? nullptr : menu->activeAction();
+  QString topic = entry == nullptr ? QString() : helpTopicFor(*entry);
+  return topic.isEmpty() ? helpTopicFor(widget) : topic;
 }
 
 }  // namespace korvel::control
