@@ -93,17 +93,20 @@ ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& l
   return parsed;
 }
 
+QList<OptionLine> optionLines(const ViewerLanguage& language) {
+  QList<OptionLine> lines{{QLatin1String(queryFileName), QString(), language.text("host.help.file")}};
+  for (const OptionRow& row : rows)
+    lines.append({QLatin1String(row.name), QLatin1String(row.value), language.text(row.helpKey)});
+  return lines;
+}
+
 QString helpText(const ViewerLanguage& language) {
   QString text = language.text("host.help.usage") + QStringLiteral("\n\n");
   constexpr int column = 22;
-  const auto addLine = [&](const QString& left, const char* helpKey) {
-    text += (QStringLiteral("  ") + left).leftJustified(column) + language.text(helpKey) + QLatin1Char('\n');
-  };
-  addLine(QLatin1String(queryFileName), "host.help.file");
-  for (const OptionRow& row : rows) {
-    QString left = QLatin1String(row.name);
-    if (row.value != nullptr) left += QLatin1Char(' ') + QLatin1String(row.value);
-    addLine(left, row.helpKey);
+  for (const OptionLine& line : optionLines(language)) {
+    QString left = QStringLiteral("  ") + line.name;
+    if (!line.value.isEmpty()) left += QLatin1Char(' ') + line.value;
+    text += left.leftJustified(column) + line.text + QLatin1Char('\n');
   }
   return text + QLatin1Char('\n') + language.text("host.help.status") + QLatin1Char('\n');
 }

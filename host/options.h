@@ -28,6 +28,16 @@ struct ParsedOptions {
 /// Reads the arguments after the program's name. "--name value" and "--name=value" are the same.
 [[nodiscard]] ParsedOptions parseOptions(const QStringList& arguments, const ViewerLanguage& language);
 
+/// An argument of the command line, as help and manual page show it.
+struct OptionLine {
+  QString name;
+  QString value;  ///< what stands for its value; empty for an option without one
+  QString text;   ///< what it does
+};
+
+/// All of them, in the order of the help.
+[[nodiscard]] QList<OptionLine> optionLines(const ViewerLanguage& language);
+
 /// The answer to --help.
 [[nodiscard]] QString helpText(const ViewerLanguage& language);
 
