@@ -37,7 +37,7 @@ bool takesValue(const CLI::Option& option) {
 }
 
 /// What another option has to do with it, a sentence each.
-std::string conditionsOf(const CLI::Option& option) {
+std::string conditionText(const CLI::Option& option) {
   std::string text;
   for (const CLI::Option* other : option.get_needs()) text += " Needs " + other->get_name() + ".";
   for (const CLI::Option* other : option.get_excludes()) text += " Not together with " + other->get_name() + ".";
@@ -49,7 +49,7 @@ std::string itemsOf(const CLI::App& app) {
   for (const CLI::Option* option : app.get_options()) {
     const std::string value = takesValue(*option) ? option->get_option_text() : std::string();
     std::string text = option->get_description();
-    const std::string conditions = conditionsOf(*option);
+    const std::string conditions = conditionText(*option);
     if (!conditions.empty()) text += "." + conditions;
     if (option->get_positional())
       items += roffItem(value, "", text);
