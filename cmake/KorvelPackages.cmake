@@ -113,7 +113,7 @@ ${reads}
 .
 This package has the window for people, with its help in five languages.")
 set(CPACK_DEBIAN_VIEWER_PACKAGE_DEPENDS "${package_of_library} (= ${debian_version})")
-set(CPACK_DEBIAN_VIEWER_PACKAGE_RECOMMENDS "korvel-audit, xdg-utils")
+set(CPACK_DEBIAN_VIEWER_PACKAGE_RECOMMENDS "korvel-audit, xdg-utils, fonts-droid-fallback | fonts-noto-cjk")
 set(CPACK_DEBIAN_VIEWER_PACKAGE_SUGGESTS "qt6-wayland")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION database)
