@@ -35,7 +35,7 @@ TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
                    "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
                    "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
                    // Not in the type library, and therefore after its members.
-                   "HelpContents()", "HelpSearch()", "ShowAbout()", "PrintReport()", "PreviewReport()",
+                   "HelpContents()", "HelpSearch()", "HelpOnFocus()", "ShowAbout()", "PrintReport()", "PreviewReport()",
                    "TakeSnapshot()", "CompareWithSnapshot()", "OpenQueryFile(QString)"}));
 }
 
