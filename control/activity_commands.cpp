@@ -38,12 +38,9 @@ ActivityCommands::ActivityCommands(AuditViewer& viewer, const MessageBoxes& mess
 ActivityCommands::~ActivityCommands() = default;
 
 void ActivityCommands::addEntry(CommandPopup& menu) {
-  QAction* const entry = menu.addOwnEntry(ownText("activity.title"));
+  QAction* const entry = menu.addOwnEntry(ownText("activity.title"), activityKey);
   entry->setCheckable(true);
   entry->setChecked(isShown_);
-  entry->setShortcut(activityKey);
-  // The control has the key, while the menu is closed too.
-  entry->setShortcutContext(Qt::WidgetShortcut);
   QObject::connect(entry, &QAction::triggered, &viewer_, [this] { toggle(); });
 }
 

@@ -99,9 +99,12 @@ void CommandPopup::mirror(const CommandItems& items) {
   hasOwnEntries_ = false;
 }
 
-QAction* CommandPopup::addOwnEntry(const QString& text) {
+QAction* CommandPopup::addOwnEntry(const QString& text, const QKeySequence& key) {
   if (!std::exchange(hasOwnEntries_, true)) addSeparator();
-  return addAction(text);
+  QAction* const entry = addAction(text);
+  entry->setShortcut(key);
+  entry->setShortcutContext(Qt::WidgetShortcut);
+  return entry;
 }
 
 }  // namespace korvel::control

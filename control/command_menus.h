@@ -43,8 +43,11 @@ class CommandPopup final : public QMenu {
 
   void setHooks(CommandHooks hooks);
   void mirror(const CommandItems& items);
-  /// An entry of the list's own, below the given ones and a separator. It goes with the next mirror().
-  QAction* addOwnEntry(const QString& text);
+  /// An entry of the list's own, below the given ones and a separator. It goes with the next mirror(). It shows `key`,
+  /// which the control or the list has while the menu is closed too.
+  QAction* addOwnEntry(const QString& text, const QKeySequence& key = {});
+  /// The next own entry begins another group.
+  void endGroup() { addSeparator(); }
 
  private:
   bool hasOwnEntries_ = false;

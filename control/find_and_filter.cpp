@@ -105,10 +105,7 @@ void FindAndFilter::addEntries(CommandPopup& menu, const ResultListView& list, c
   ListFinding& finding = *finding_.at(place);
   const QPersistentModelIndex kept(cell);
   const auto add = [&](const char* key, const char* keys, const std::function<void()>& action) {
-    QAction* const entry = menu.addOwnEntry(ownText(key));
-    entry->setShortcut(QKeySequence::fromString(QLatin1String(keys)));
-    // The key belongs to the list, which has it while the menu is closed too.
-    entry->setShortcutContext(Qt::WidgetShortcut);
+    QAction* const entry = menu.addOwnEntry(ownText(key), QKeySequence::fromString(QLatin1String(keys)));
     QObject::connect(entry, &QAction::triggered, &viewer_,
                      [this, action] { messages_.trapped("SmartPopup_Click", action); });
   };

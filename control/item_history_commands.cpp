@@ -25,10 +25,7 @@ ItemHistoryCommands::ItemHistoryCommands(AuditViewer& viewer, const MessageBoxes
 }
 
 void ItemHistoryCommands::addEntry(CommandPopup& menu, ResultListView& list, const QModelIndex& cell) {
-  QAction* const entry = menu.addOwnEntry(ownText("history.command"));
-  entry->setShortcut(historyKey);
-  // The list has the key, while the menu is closed too.
-  entry->setShortcutContext(Qt::WidgetShortcut);
+  QAction* const entry = menu.addOwnEntry(ownText("history.command"), historyKey);
   entry->setEnabled(cell.isValid() && query::itemColumns(list.listModel().list()).has_value());
   QObject::connect(entry, &QAction::triggered, &viewer_,
                    [this, &list, kept = QPersistentModelIndex(cell)] { show(list, kept.row()); });

@@ -12,6 +12,7 @@
 #include "control/find_and_filter.h"
 #include "control/forms/record_view.h"
 #include "control/library_state.h"
+#include "control/list_outputs.h"
 #include "control/manifest_choice.h"
 #include "control/message_boxes.h"
 #include "control/review_commands.h"
@@ -160,15 +161,32 @@ void ListCommands::showFontMenu(ResultListView& list, const QModelIndex& cell, c
 }
 
 void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) {
-  findAndFilter_.addEntries(*surface_.SmartPopup, list, cell);
   if (!cell.isValid()) return;
-  itemHistory_.addEntry(*surface_.SmartPopup, list, cell);
-  summary_.addEntry(*surface_.SmartPopup, list);
-  activity_.addEntry(*surface_.SmartPopup);
-  review_.addEntries(*surface_.SmartPopup, list);
-  exceptions_.addEntry(*surface_.SmartPopup);
-  addSnapshotEntries(*surface_.SmartPopup, viewer_);
-  addManifestEntry(*surface_.SmartPopup, viewer_, messages_);
+  CommandPopup& menu = *surface_.SmartPopup;
+  addRecordEntries(list, cell);
+  menu.endGroup();
+  findAndFilter_.addEntries(menu, list, cell);
+  menu.endGroup();
+  itemHistory_.addEntry(menu, list, cell);
+  summary_.addEntry(menu, list);
+  activity_.addEntry(menu);
+  menu.endGroup();
+  review_.addEntries(menu, list);
+  exceptions_.addEntry(menu);
+  addSnapshotEntries(menu, viewer_);
+  menu.endGroup();
+  addOutputEntries(menu, viewer_, messages_);
+  addManifestEntry(menu, viewer_, messages_);
+}
+
+void ListCommands::addRecordEntries(ResultListView& list, const QModelIndex& cell) {
+  const auto add = [this](const char* text, const QKeySequence& key, const std::function<void()>& action) {
+    QObject::connect(surface_.SmartPopup->addOwnEntry(ownText(text), key), &QAction::triggered, &viewer_,
+                     [this, action] { messages_.trapped("SmartPopup_Click", action); });
+  };
+  add("list.showRecord", Qt::Key_Return,
+      [this, &list, kept = QPersistentModelIndex(cell)] { lvListView_DblClick(list, kept.row()); });
+  add("record.copyText", QKeySequence::Copy, [&list] { list.copySelection(); });
 }
 
 void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {

@@ -50,6 +50,8 @@ class ListCommands {
   void AutoSizeColumns(ResultListView& list, std::optional<int> column = {});
   /// `cell` is what the menu was asked for, if any.
   void showFontMenu(ResultListView& list, const QModelIndex& cell, const QPoint& place);
+  /// What double click and the key for copying do.
+  void addRecordEntries(ResultListView& list, const QModelIndex& cell);
   /// Adds what is not among the given entries.
   void addOwnEntries(ResultListView& list, const QModelIndex& cell);
   void showColumnMenu(ResultListView& list, const QPoint& place);

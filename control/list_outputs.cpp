@@ -4,11 +4,13 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QStringList>
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <utility>
 
 #include "control/answer_status.h"
+#include "control/command_menus.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/output_file.h"
@@ -70,6 +72,21 @@ void openInEditor(const QString& file) {
 }
 
 }  // namespace
+
+void addOutputEntries(CommandPopup& menu, AuditViewer& viewer, const MessageBoxes& messages) {
+  struct Output {
+    const char* text;
+    void (AuditViewer::*make)();
+  };
+  constexpr std::array outputs = {Output{"preview.title", &AuditViewer::PreviewReport},
+                                  Output{"export.asText", &AuditViewer::ExportNotepad},
+                                  Output{"export.asExchange", &AuditViewer::ExportExcel}};
+  // Which keys they have is the host's choice.
+  for (const Output& output : outputs)
+    QObject::connect(
+        menu.addOwnEntry(ownText(output.text)), &QAction::triggered, &viewer,
+        [&viewer, &messages, make = output.make] { messages.trapped("SmartPopup_Click", [&] { (viewer.*make)(); }); });
+}
 
 ListOutputs::ListOutputs(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AnswerStatus& answers)
     : viewer_(viewer), messages_(messages), surface_(surface), answers_(answers) {

@@ -20,9 +20,13 @@ class AuditViewer;
 namespace korvel::control {
 
 class AnswerStatus;
+class CommandPopup;
 class MessageBoxes;
 class Surface;
 struct PrintedList;
+
+/// Adds the outputs of the list in front to its context menu: preview, exports.
+void addOutputEntries(CommandPopup& menu, AuditViewer& viewer, const MessageBoxes& messages);
 
 /// Outputs of the current list: text export, exchange file, printed or previewed report.
 class ListOutputs {

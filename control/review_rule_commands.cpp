@@ -31,10 +31,7 @@ ReviewRuleCommands::ReviewRuleCommands(AuditViewer& viewer, const MessageBoxes& 
 }
 
 void ReviewRuleCommands::addEntry(CommandPopup& menu) {
-  QAction* const entry = menu.addOwnEntry(ownText("exceptions.command"));
-  entry->setShortcut(exceptionsKey);
-  // The control has the key, while the menu is closed too.
-  entry->setShortcutContext(Qt::WidgetShortcut);
+  QAction* const entry = menu.addOwnEntry(ownText("exceptions.command"), exceptionsKey);
   QObject::connect(entry, &QAction::triggered, &viewer_, [this] { open(); });
 }
 

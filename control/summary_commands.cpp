@@ -33,10 +33,7 @@ SummaryCommands::SummaryCommands(AuditViewer& viewer, const MessageBoxes& messag
 }
 
 void SummaryCommands::addEntry(CommandPopup& menu, ResultListView& list) {
-  QAction* const entry = menu.addOwnEntry(ownText("summary.command"));
-  entry->setShortcut(summaryKey);
-  // The list has the key, while the menu is closed too.
-  entry->setShortcutContext(Qt::WidgetShortcut);
+  QAction* const entry = menu.addOwnEntry(ownText("summary.command"), summaryKey);
   QObject::connect(entry, &QAction::triggered, &viewer_, [this, &list] { show(list); });
 }
 

@@ -1,5 +1,12 @@
 // The text export and the exchange file, from the command to the file and the messages about it.
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDialog>
 #include <QDir>
+#include <QMenu>
+#include <QTest>
+#include <algorithm>
 
 #include "base/error.h"
 #include "base/system_errors.h"
@@ -253,6 +260,37 @@ TEST_F(SpreadsheetExport, TakesTheListOfTheCurrentPage) {
   selectTab(*viewer, 5);
   viewer->ExportExcel();
   EXPECT_EQ(written("velviewex.log"), "A|B|C|\r\na|b|c\r\n");
+}
+
+TEST_F(SpreadsheetExport, AndTheOtherOutputsAreInTheMenuOfARecord) {
+  const auto viewer = viewerWith({{"a", "b", "c"}, {"1", "2", "3"}});
+  QTableView* const rows = list(*viewer, 5);
+  rows->selectRow(0);
+  const auto choose = [&](const QString& text) {
+    const QPoint place = rows->visualRect(rows->model()->index(0, 1)).center();
+    QContextMenuEvent rightClick(QContextMenuEvent::Mouse, place, rows->viewport()->mapToGlobal(place));
+    QApplication::sendEvent(rows->viewport(), &rightClick);
+    auto* const menu = element<QMenu>(*viewer, "SmartPopup");
+    const QList<QAction*> entries = menu->actions();
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [&](const QAction* each) { return each->text() == text; });
+    ASSERT_NE(found, entries.end()) << text.toStdString();
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*found).center());
+  };
+  choose("Export as exchange file...");
+  EXPECT_EQ(written("velviewex.log"), "A|B|C|\r\na|b|c\r\n1|2|3\r\n");
+  choose("Export as text...");
+  EXPECT_EQ(written("velview.txt"), "A,B,C,\r\na,b,c\r\n1,2,3\r\n");
+  choose("Print preview");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(recorder->previewedPages, QList<int>{1});
+  choose("Copy");
+  EXPECT_THAT(QApplication::clipboard()->text().toStdString(), testing::HasSubstr("a\tb\tc"));
+  choose("Show record");
+  const auto* const record = viewer->findChild<QDialog*>("frmRecordView");
+  ASSERT_NE(record, nullptr);
+  EXPECT_TRUE(record->isVisible());
+  EXPECT_THAT(recorder->messages, IsEmpty());
 }
 
 TEST_F(SpreadsheetExport, AControlThatDiesInTheFolderDialogWritesNothing) {

@@ -225,11 +225,12 @@ TEST_F(Filtering, ByTheContextMenuBelowItsOwnEntry) {
   ASSERT_TRUE(menu->isVisible());
   QStringList texts;
   for (const QAction* entry : menu->actions()) texts.append(entry->isSeparator() ? "-" : entry->text());
-  EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Only this value", "Without this value", "Filter...", "Find...",
-                                 "Show history of this item", "Summary of the list", "Activity over time", "Review",
-                                 "Review by exception", "Take a snapshot...", "Compare with a snapshot...",
-                                 "Manifest beside the file"));
-  QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[2]).center());
+  EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Show record", "Copy", "-", "Only this value",
+                                 "Without this value", "Filter...", "Find...", "-", "Show history of this item",
+                                 "Summary of the list", "Activity over time", "-", "Review", "Review by exception",
+                                 "Take a snapshot...", "Compare with a snapshot...", "-", "Print preview",
+                                 "Export as text...", "Export as exchange file...", "Manifest beside the file"));
+  QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[5]).center());
   EXPECT_EQ(chips(*viewer), "Area = Alarm");
   EXPECT_EQ(column(*viewer, 0), "3 4");
 }
