@@ -66,6 +66,7 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) noexcept {
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) noexcept {
   if (connections == nullptr) return E_POINTER;
   return guarded([&] {
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() catches it
     *connections = new EnumeratedConnections(connections_);
     return S_OK;
   });
@@ -74,6 +75,7 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) noexcep
 HRESULT ConnectionPoints::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {
   if (points == nullptr) return E_POINTER;
   return guarded([&] {
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): guarded() catches it
     *points = new EnumeratedPoints(
         {ComPointer<IConnectionPoint>::shared(&events_), ComPointer<IConnectionPoint>::shared(&changes_)});
     return S_OK;

@@ -143,6 +143,7 @@ HRESULT ControlObject::Invoke(DISPID member, REFIID reserved, LCID /*language*/,
 }
 
 // A member may let the container release the control, which must live until the member ends.
+// NOLINTNEXTLINE(cppcoreguidelines-macro-usage): the list of members is made from their table
 #define KORVEL_MEMBER(name, parameters, arguments)                                 \
   HRESULT ControlObject::name parameters noexcept {                                \
     const auto alive = ComPointer<IUnknown>::shared(outer_);                       \

@@ -14,7 +14,10 @@ struct OpenedHosting {
   DWORD thread = 0;
 };
 
-OpenedHosting opened;
+OpenedHosting& opened() {
+  static OpenedHosting hosting;
+  return hosting;
+}
 
 /// While it exists, a missing file is an error and no dialog of the system, on this thread.
 class QuietLoading {
@@ -53,25 +56,25 @@ void open() {
                               systemText(result) + L')');
   }
   wanted.thread = ::GetCurrentThreadId();
-  opened = wanted;
+  opened() = wanted;
 }
 
 }  // namespace
 
 Hosting& hosting() {
-  if (opened.hosting == nullptr) open();
-  if (opened.thread != ::GetCurrentThreadId())
+  if (opened().hosting == nullptr) open();
+  if (opened().thread != ::GetCurrentThreadId())
     throw Failure(RPC_E_WRONG_THREAD,
                   L"Another thread of this process uses the control already. Make all controls of "
                   L"a process on one thread.");
-  return *opened.hosting;
+  return *opened().hosting;
 }
 
 bool closeHosting() noexcept {
-  if (opened.hosting == nullptr) return true;
-  if (opened.thread != ::GetCurrentThreadId() || !opened.hosting->end()) return false;
-  ::FreeLibrary(opened.library);
-  opened = {};
+  if (opened().hosting == nullptr) return true;
+  if (opened().thread != ::GetCurrentThreadId() || !opened().hosting->end()) return false;
+  ::FreeLibrary(opened().library);
+  opened() = {};
   return true;
 }
 

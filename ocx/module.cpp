@@ -5,7 +5,10 @@
 namespace korvel::ocx {
 namespace {
 
-std::atomic<long> uses = 0;
+std::atomic<int>& uses() {
+  static std::atomic<int> count = 0;
+  return count;
+}
 
 }  // namespace
 
@@ -40,11 +43,11 @@ UseOfModule::~UseOfModule() {
 }
 
 bool isModuleInUse() {
-  return uses != 0;
+  return uses() != 0;
 }
 
 void lockModule(bool lock) {
-  uses += lock ? 1 : -1;
+  uses() += lock ? 1 : -1;
 }
 
 }  // namespace korvel::ocx

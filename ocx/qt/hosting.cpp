@@ -80,11 +80,14 @@ class ToolkitHosting final : public Hosting {
 };
 
 /// The open hosting. Not owned by the library: what is left when a process ends must not be destroyed any more.
-ToolkitHosting* opened = nullptr;
+ToolkitHosting*& opened() {
+  static ToolkitHosting* hosting = nullptr;
+  return hosting;
+}
 
 bool ToolkitHosting::end() noexcept {
   if (application_ && !application_->isIdle()) return false;
-  opened = nullptr;
+  opened() = nullptr;
   delete this;
   return true;
 }
@@ -96,8 +99,8 @@ extern "C" __declspec(dllexport) HRESULT korvelOpenHosting(unsigned version, kor
   using namespace korvel::ocx;
   if (version != boundaryVersion) return HRESULT_FROM_WIN32(ERROR_REVISION_MISMATCH);
   try {
-    if (opened == nullptr) opened = new ToolkitHosting();
-    *hosting = opened;
+    if (opened() == nullptr) opened() = new ToolkitHosting();
+    *hosting = opened();
     return S_OK;
   } catch (...) {
     return E_OUTOFMEMORY;
