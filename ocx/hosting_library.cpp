@@ -48,8 +48,9 @@ void open() {
   }
   const auto openHosting =
       reinterpret_cast<OpenHosting>(reinterpret_cast<void*>(::GetProcAddress(wanted.library, openHostingName)));
+  constexpr DWORD noEntry = ERROR_PROC_NOT_FOUND;
   const HRESULT result =
-      openHosting != nullptr ? openHosting(boundaryVersion, &wanted.hosting) : HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
+      openHosting != nullptr ? openHosting(boundaryVersion, &wanted.hosting) : HRESULT_FROM_WIN32(noEntry);
   if (FAILED(result)) {
     ::FreeLibrary(wanted.library);
     throw Failure(result, L"The file " + file + L" does not work with this version of the control. (" +

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QKeyEvent>
 #include <QSignalBlocker>
+#include <memory>
 #include <new>
 
 #include "ocx/qt/automation_values.h"
@@ -257,7 +258,10 @@ void HostedAuditViewer::setFont(const wchar_t* family, double points, bool bold,
 
 void HostedAuditViewer::stopWaiting() noexcept {
   // The key goes to whatever waits; without one it changes nothing.
-  QCoreApplication::postEvent(viewer_.get(), new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+  static_cast<void>(guarded([&] {
+    auto escape = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::postEvent(viewer_.get(), escape.release());
+  }));
 }
 
 void HostedAuditViewer::discard() noexcept {

@@ -40,6 +40,7 @@ QString ownFolder() {
   return QFileInfo(QString::fromWCharArray(path.data(), static_cast<qsizetype>(length))).absolutePath();
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): it destroys itself, as what it is
 class ToolkitHosting final : public Hosting {
  public:
   ToolkitHosting() {
@@ -81,6 +82,7 @@ class ToolkitHosting final : public Hosting {
 
 /// The open hosting. Not owned by the library: what is left when a process ends must not be destroyed any more.
 ToolkitHosting*& opened() {
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): end() forgets it
   static ToolkitHosting* hosting = nullptr;
   return hosting;
 }
@@ -97,7 +99,8 @@ bool ToolkitHosting::end() noexcept {
 
 extern "C" __declspec(dllexport) HRESULT korvelOpenHosting(unsigned version, korvel::ocx::Hosting** hosting) {
   using namespace korvel::ocx;
-  if (version != boundaryVersion) return HRESULT_FROM_WIN32(ERROR_REVISION_MISMATCH);
+  constexpr DWORD otherVersion = ERROR_REVISION_MISMATCH;
+  if (version != boundaryVersion) return HRESULT_FROM_WIN32(otherVersion);
   try {
     if (opened() == nullptr) opened() = new ToolkitHosting();
     *hosting = opened();
