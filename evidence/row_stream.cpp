@@ -31,7 +31,7 @@ class RowStream::Sink final : public db::ResultSink {
   bool row(std::span<const db::Cell> cells) override {
     batch_->add(cells);
     if (batch_->rowCount() < mostRowsOfBatch && batch_->byteCount() < mostBytesOfBatch) return true;
-    if (!stream_.put(std::move(batch_), stop_)) return false;
+    if (!stream_.put(std::move(batch_))) return false;
     wasPut_ = true;
     batch_ = stream_.emptyBatch();
     batch_->begin(fields_);
@@ -42,7 +42,7 @@ class RowStream::Sink final : public db::ResultSink {
 
   /// Hands over what came before a failure.
   void flush() {
-    if (batch_ && (batch_->rowCount() > 0 || !wasPut_)) stream_.put(std::move(batch_), stop_);
+    if (batch_ && (batch_->rowCount() > 0 || !wasPut_)) stream_.put(std::move(batch_));
     batch_.reset();
     wasPut_ = true;
   }
@@ -82,6 +82,10 @@ RowStream::RowStream(Source source) {
 
 RowStream::~RowStream() {
   thread_.request_stop();
+  {
+    const std::lock_guard lock(mutex_);
+    isUnwanted_ = true;
+  }
   changed_.notify_all();
 }
 
@@ -105,9 +109,10 @@ const query::BufferedRows* RowStream::next(const std::function<void()>& whileWai
   return current_.get();
 }
 
-bool RowStream::put(Batch batch, const std::stop_token& stop) {
+bool RowStream::put(Batch batch) {
   std::unique_lock lock(mutex_);
-  if (!changed_.wait(lock, stop, [this] { return filled_.size() < mostBatches; })) return false;
+  changed_.wait(lock, [this] { return isUnwanted_ || filled_.size() < mostBatches; });
+  if (isUnwanted_) return false;
   filled_.push_back(std::move(batch));
   changed_.notify_all();
   return true;

@@ -41,15 +41,16 @@ class RowStream {
   using Batch = std::unique_ptr<query::BufferedRows>;
 
   /// Waits for room, and adds a batch; false where nobody takes it any more.
-  bool put(Batch batch, const std::stop_token& stop);
+  bool put(Batch batch);
   [[nodiscard]] Batch emptyBatch();
 
   std::mutex mutex_;
-  std::condition_variable_any changed_;
+  std::condition_variable changed_;
   std::deque<Batch> filled_;
   std::vector<Batch> spare_;  ///< their memory is used again
   Batch current_;
   bool ended_ = false;
+  bool isUnwanted_ = false;  ///< nobody takes batches any more
   std::exception_ptr failure_;
   std::jthread thread_;  // last: it uses all others
 };

@@ -14,15 +14,14 @@ constexpr std::chrono::milliseconds again{50};
 /// A call of the driver that lasts longer waits for the server; shorter ones end by themselves.
 constexpr std::chrono::milliseconds waiting{10};
 
+/// How often a stop is looked for. A std::stop_callback would tell at once, but the end of one that is just being
+/// called may wait forever where the standard library waits without the system's help, as it does on Windows.
+constexpr std::chrono::milliseconds stopCheck{10};
+
 }  // namespace
 
 DriverWatchdog::DriverWatchdog(const DriverSockets& sockets, WatchdogTimeouts timeouts, const std::stop_token& stop)
-    : sockets_(sockets),
-      timeouts_(timeouts),
-      stop_(stop),
-      lastActivity_(now()),
-      thread_([this] { watch(); }),
-      onStop_(stop, Waker{this}) {}
+    : sockets_(sockets), timeouts_(timeouts), stop_(stop), lastActivity_(now()), thread_([this] { watch(); }) {}
 
 DriverWatchdog::~DriverWatchdog() {
   {
@@ -102,6 +101,7 @@ std::optional<DriverWatchdog::Clock::time_point> DriverWatchdog::act() {
     }
     atTheLatest(time + again);
   }
+  if (!stopped && stop_.stop_possible()) atTheLatest(time + stopCheck);
   if (timeouts_.silence && !decided_) {
     const Clock::time_point end = lastActivity() + *timeouts_.silence;
     if (expired_ || end <= time) {

@@ -72,12 +72,6 @@ class DriverWatchdog {
 
  private:
   using Clock = std::chrono::steady_clock;
-  /// Wakes the watching thread, from whichever thread a stop comes.
-  struct Waker {
-    DriverWatchdog* watch;
-    void operator()() const { watch->wake(); }
-  };
-
   static Clock::rep now() noexcept { return Clock::now().time_since_epoch().count(); }
   [[nodiscard]] Clock::time_point lastActivity() const noexcept {
     return Clock::time_point(Clock::duration(lastActivity_.load(std::memory_order_relaxed)));
@@ -105,8 +99,7 @@ class DriverWatchdog {
   bool done_ = false;
   bool woken_ = false;
   std::thread canceller_;  // the watching thread starts it
-  std::thread thread_;
-  std::stop_callback<Waker> onStop_;  // last: it uses all of the above
+  std::thread thread_;     // last: it uses all of the above
 };
 
 }  // namespace korvel::db::odbc

@@ -217,10 +217,9 @@ struct CustomQueryProgress : CustomQuery {
     return changed.wait_for(lock, 20s, [&] { return !told.empty() && told.back() >= rows; });
   }
   bool waitUntilStopped() const {
-    std::mutex own;
-    std::unique_lock lock(own);
-    std::condition_variable_any stopped;
-    return !stopped.wait_for(lock, server.stop, 20s, [] { return false; }) && server.stop.stop_requested();
+    const auto end = std::chrono::steady_clock::now() + 20s;
+    while (!server.stop.stop_requested() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    return server.stop.stop_requested();
   }
 
   std::mutex mutex;
