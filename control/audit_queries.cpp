@@ -9,6 +9,7 @@
 
 #include "control/answer_record.h"
 #include "control/answer_status.h"
+#include "control/column_memory.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/surface.h"
@@ -75,10 +76,13 @@ void AuditQueries::btQuery_Click() {
   {
     std::optional<ui::BusyPointer> busy(std::in_place, *services);
     const StatusText status(*surface_.StatusBar1, queryingText);
-    if (surface_.currentTab() == query::customList)
-      viewer_.TriggerAdvancedQuery(surface_.txtAdvancedQuery->queryText());
-    else
+    if (surface_.currentTab() == query::customList) {
+      const QString text = surface_.txtAdvancedQuery->queryText();
+      skipFailing([&] { libraryState().remembered.addText(Remembered::Texts::queries, text); });
+      viewer_.TriggerAdvancedQuery(text);
+    } else {
       viewer_.TriggerQuery();
+    }
     if (alive) DisplayNoOfRecords();
     // The pointer is reset before the status text.
     busy.reset();
@@ -310,6 +314,7 @@ void AuditQueries::TriggerAdvancedQuery(const QString& QueryString) {
     case query::CustomOutcome::filled:
       model.setColumns([&](results::ResultList& list) { list = std::move(answer); });
       surface_.lvListView[query::customList]->applyColumnWidths();
+      skipFailing([this] { restoreColumnWidths(*surface_.lvListView[query::customList]); });
       surface_.lvListView[query::customList]->showSortIcon();
       DisplayNoOfRecords();
       shown.state = AnswerState::filled;

@@ -243,6 +243,11 @@ void AuditViewer::OpenQueryFile(const QString& path) {
   members_->messages.trapped("OpenQueryFile", [&] { members_->customPage.openQueryFile(path.toStdString()); });
 }
 
+void AuditViewer::OpenDatabase(const QString& server, const QString& database) {
+  members_->messages.trapped("OpenDatabase",
+                             [&] { members_->selection.OpenDatabase(server.toStdString(), database.toStdString()); });
+}
+
 void AuditViewer::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   // The window system's own events (a window restored from the task bar) are spontaneous: the control was not hidden.

@@ -1,5 +1,6 @@
 #include "control/audit_viewer_members.h"
 
+#include "control/column_memory.h"
 #include "control/library_state.h"
 #include "control/manifest_choice.h"
 #include "control/working_hours.h"
@@ -59,6 +60,7 @@ void AuditViewer::Members::Initialize() {
   skipFailing([&] { libraryState().workingHours = control::storedWorkingHours(*backend); });
 
   listCommands.ListViewColSetup();
+  skipFailing([this] { restoreRemembered(); });
   commands.BuildMenu();
   commands.BuildToolbar();
   BuildMisc();
@@ -70,6 +72,16 @@ void AuditViewer::Members::Initialize() {
   surface.SSTab1->setCurrentIndex(0);
   libraryState().printFont.name = "Courier";
   libraryState().printFont.size = 9;
+}
+
+void AuditViewer::Members::restoreRemembered() {
+  const control::Remembered& remembered = libraryState().remembered;
+  for (control::ResultListView* const list : surface.lvListView) control::restoreColumns(*list);
+  surface.findHistory.restore(remembered.texts(control::Remembered::Texts::find));
+  customPage.offerRecent();
+  surface.findHistory.used = [](const QString& text) {
+    skipFailing([&] { libraryState().remembered.addText(control::Remembered::Texts::find, text); });
+  };
 }
 
 void AuditViewer::Members::Show() {

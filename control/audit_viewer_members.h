@@ -73,6 +73,8 @@ class Q_DECL_HIDDEN AuditViewer::Members {
   /// All instances share the date range: none may go on showing another one than its next query sends.
   static void followDateRangeEverywhere();
 
+  /// What a new control gets of what is remembered.
+  void restoreRemembered();
   void SSTab1_Click();
 };
 

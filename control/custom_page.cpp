@@ -1,5 +1,8 @@
 #include "control/custom_page.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QMenu>
 #include <QPointer>
 #include <memory>
 
@@ -7,6 +10,7 @@
 #include "control/audit_queries.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
+#include "control/recent_queries.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
@@ -21,6 +25,14 @@ namespace {
 
 const QString everythingQuery = QStringLiteral("Select * from Korvel_Audit_Trails");
 
+/// By its absolute path: the current folder is another one after the next start.
+void rememberFile(const std::string& path) {
+  skipFailing([&] {
+    const QString file = QFileInfo(fromUtf8(path)).absoluteFilePath();
+    libraryState().remembered.addText(Remembered::Texts::queryFiles, QDir::toNativeSeparators(file));
+  });
+}
+
 }  // namespace
 
 CustomPage::CustomPage(AuditViewer& viewer, const MessageBoxes& messages, Surface& surface, AuditQueries& queries)
@@ -32,6 +44,8 @@ CustomPage::CustomPage(AuditViewer& viewer, const MessageBoxes& messages, Surfac
 
   QObject::connect(surface_.txtAdvancedQuery, &query::SqlEditor::runRequested, &viewer_,
                    [this] { queries_.runQueryByKey(); });
+  QObject::connect(surface_.txtAdvancedQuery, &query::SqlEditor::recentRequested, &viewer_,
+                   [this](const QPoint& place) { messages_.trapped("RecentQueries", [&] { showRecent(place); }); });
   auto* drop = new query::QueryFileDrop(*surface_.lvListView[query::customList]->parentWidget());
   QObject::connect(drop, &query::QueryFileDrop::dropped, &viewer_, [this](const QString& path) {
     messages_.trapped("btOpen_Click", [&] { openQueryFile(path.toStdString()); });
@@ -68,8 +82,9 @@ void CustomPage::btSave_Click() {
     const bool wanted = services->confirm(&viewer_, messageTitle(), ownText("custom.replaceCharacters"));
     if (!alive || !wanted) return;
   }
-  query::saveQueryFile(pathFromUtf8((folder + name).toStdString() + "." + std::string(query::queryFileExtension)),
-                       text);
+  const std::string path = (folder + name).toStdString() + "." + std::string(query::queryFileExtension);
+  query::saveQueryFile(pathFromUtf8(path), text);
+  rememberFile(path);
 }
 
 void CustomPage::btOpen_Click() {
@@ -91,6 +106,22 @@ void CustomPage::openQueryFile(const std::string& path) {
   // The page first: it offers a query where it has none, and an empty file is to show as it is.
   surface_.SSTab1->setCurrentIndex(query::customList);
   surface_.txtAdvancedQuery->setQueryText(fromUtf8(text));
+  rememberFile(path);
+}
+
+void CustomPage::offerRecent() {
+  surface_.txtAdvancedQuery->setOffersRecent(libraryState().remembered.keepsWork());
+}
+
+void CustomPage::showRecent(const QPoint& place) {
+  QMenu* const menu = makeRecentQueriesMenu(
+      &viewer_, {.useText = [this](const QString& text) { surface_.txtAdvancedQuery->setQueryText(text); },
+                 .openFile =
+                     [this](const QString& path) {
+                       messages_.trapped("btOpen_Click", [&] { openQueryFile(path.toStdString()); });
+                     }});
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  menu->popup(place);
 }
 
 void CustomPage::btClearAdvQuery_Click() {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+class QPoint;
+
 namespace korvel {
 class AuditViewer;
 }
@@ -27,12 +29,15 @@ class CustomPage {
   void offerCustomQuery();
   /// Puts a query file into the query text, in front of the other pages. Throws Error where it cannot be read.
   void openQueryFile(const std::string& path);
+  /// Whether earlier queries are offered depends on what is remembered.
+  void offerRecent();
 
  private:
   void btOpen_Click();
   void btSave_Click();
   void btClearAdvQuery_Click();
   void btEmunFields_Click();
+  void showRecent(const QPoint& place);
 
   AuditViewer& viewer_;
   const MessageBoxes& messages_;

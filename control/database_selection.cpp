@@ -55,6 +55,11 @@ void DatabaseSelection::OpenDatabase(const std::string& server, const std::strin
 
 void DatabaseSelection::announceSelection() {
   affected_.answers.countSelection();
+  skipFailing([] {
+    const LibraryState& state = libraryState();
+    state.remembered.addDatabase(
+        {fromUtf8(state.connection.CurrentServer), fromUtf8(state.connection.CurrentDatabase)});
+  });
   const QPointer<AuditViewer> alive(&viewer_);
   Q_EMIT viewer_.DatabaseSelected(fromUtf8(db::selectionText(libraryState().connection)));
   if (!alive) return;

@@ -4,6 +4,7 @@
 
 #include "control/command_menus.h"
 #include "control/message_boxes.h"
+#include "control/size_memory.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "korvel/AuditViewer.h"
@@ -38,6 +39,7 @@ void ItemHistoryCommands::show(ResultListView& list, int row) {
     if (!columns) return messages_.inform(messageTitle(), ownText("history.noColumns"));
     if (historyView_.isNull()) {
       historyView_ = new HistoryView(&viewer_);
+      rememberSize(*historyView_);
       QObject::connect(historyView_, &HistoryView::refused, &viewer_,
                        [this](const QString& text) { messages_.inform(messageTitle(), text); });
     }

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "control/control_services.h"
+#include "control/remembered.h"
 #include "db/connection.h"
 #include "db/connection_state.h"
 #include "db/server_directory.h"
@@ -42,6 +43,8 @@ struct LibraryState {
   bool writesManifests = false;
   /// What a review by exception takes for working hours.
   evidence::WorkingHours workingHours;
+  /// What is offered again after the next start; nothing unless the program around the control names a file for it.
+  Remembered remembered;
   /// A control waits for a database.
   bool queryRunning = false;
   /// Empty until the captions are built, and while the viewer's path is not set.

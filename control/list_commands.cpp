@@ -8,6 +8,7 @@
 
 #include "control/activity_commands.h"
 #include "control/answer_status.h"
+#include "control/column_memory.h"
 #include "control/commands/command_tables.h"
 #include "control/find_and_filter.h"
 #include "control/forms/record_view.h"
@@ -17,6 +18,7 @@
 #include "control/message_boxes.h"
 #include "control/review_commands.h"
 #include "control/review_rule_commands.h"
+#include "control/size_memory.h"
 #include "control/snapshot_commands.h"
 #include "control/surface.h"
 #include "control/texts.h"
@@ -62,6 +64,7 @@ ListCommands::ListCommands(AuditViewer& viewer, const MessageBoxes& messages, Su
     connectList(*list);
     connectContextMenus(*list);
   }
+  followColumns(surface_);
 }
 
 void ListCommands::connectList(ResultListView& list) {
@@ -71,7 +74,10 @@ void ListCommands::connectList(ResultListView& list) {
   QObject::connect(list.header(), &QHeaderView::sectionClicked, &viewer_, columnClick);
   QObject::connect(&list, &ResultListView::sortRequested, &viewer_, columnClick);
   QObject::connect(&list, &ResultListView::fitRequested, &viewer_, [this, &list](int column) {
-    messages_.trapped("AutoSizeColumns", [&] { AutoSizeColumns(list, column); });
+    messages_.trapped("AutoSizeColumns", [&] {
+      AutoSizeColumns(list, column);
+      keepColumnWidth(list, column);
+    });
   });
   QObject::connect(&list, &ResultListView::recordRequested, &viewer_, [this, &list](int row) {
     messages_.trapped("lvListView_DblClick", [&] { lvListView_DblClick(list, row); });
@@ -142,6 +148,7 @@ void ListCommands::ChangeFont() {
 void ListCommands::lvListView_DblClick(ResultListView& list, int row) {
   if (recordView_.isNull()) {
     recordView_ = new RecordView(&viewer_);
+    rememberSize(*recordView_);
     QObject::connect(recordView_, &RecordView::refused, &viewer_,
                      [this](const QString& text) { messages_.inform(messageTitle(), text); });
   }
@@ -203,7 +210,15 @@ void ListCommands::showColumnMenu(ResultListView& list, const QPoint& place) {
   }
   popupItems_.announceChange();
   popupList_ = &list;
-  // A list without any of these columns has no menu.
+  if (libraryState().remembered.keepsLayout()) {
+    QAction* const reset = surface_.SmartPopup->addOwnEntry(ownText("list.resetColumns"));
+    const bool changed = hasRememberedColumns(list);
+    reset->setEnabled(changed);
+    any = any || changed;
+    QObject::connect(reset, &QAction::triggered, &viewer_,
+                     [this, &list] { messages_.trapped("SmartPopup_Click", [&] { resetList(list); }); });
+  }
+  // A list without any of these columns has no menu, unless there is something to reset.
   if (any) surface_.SmartPopup->popup(place);
 }
 
@@ -231,7 +246,18 @@ void ListCommands::showColumns(ResultListView& list, const QString& caption, boo
     ShowKeyField(shown);
     return;
   }
-  for (const int column : columnsCaptioned(list, name)) list.setColumnHidden(column, !shown);
+  for (const int column : columnsCaptioned(list, name)) {
+    list.setColumnHidden(column, !shown);
+    if (standard) keepColumnShown(list, column);
+  }
+}
+
+void ListCommands::resetList(ResultListView& list) {
+  resetColumns(list);
+  if (&list == surface_.lvListView[query::customList]) return;
+  // The widths of a new list show its key column, whatever the View menu says.
+  const CommandItem* const keyCommand = menu_.find("KEY");
+  if (keyCommand != nullptr && !keyCommand->checked) list.setColumnTwips(0, {0});
 }
 
 void ListCommands::mnupopupitem_Click(int index) {

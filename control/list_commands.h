@@ -58,6 +58,8 @@ class ListCommands {
   void SmartPopup_Click(const CommandItem& item);
   void mnupopupitem_Click(int index);
   void showColumns(ResultListView& list, const QString& caption, bool shown);
+  /// Gives the list the columns that it had at first.
+  void resetList(ResultListView& list);
 
   AuditViewer& viewer_;
   const MessageBoxes& messages_;

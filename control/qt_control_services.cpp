@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QPointer>
@@ -14,6 +15,7 @@
 #include "control/forms/report_preview.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
+#include "control/size_memory.h"
 #include "control/system_dialogs.h"
 #include "control/texts.h"
 #include "db/forms/server_browser.h"
@@ -59,10 +61,31 @@ class PointerForDialog {
   bool covered_;
 };
 
+/// What a folder is chosen for: the title of the dialog, which is all that a host says of it. Queries are opened where
+/// they were saved.
+QString purposeOf(const QString& title) {
+  const bool isOfQueries =
+      title == QLatin1String("Browse for Custom Query Path") || title == QLatin1String("Browse for Custom Query File");
+  return isOfQueries ? QStringLiteral("queries") : title;
+}
+
 QDialog* makeServerBrowser(QWidget* owner) {
   LibraryState& state = libraryState();
   const Platform& world = platform();
-  return new db::frmSQLServerBrowser({state.connection, state.language, world.services, world.openDirectory}, owner);
+  const QString name = form_name::serverBrowser;
+  db::BrowserMemory memory;
+  memory.splitter = state.remembered.splitter(name);
+  for (const RecentDatabase& each : state.remembered.databases()) memory.recent.append({each.server, each.database});
+  memory.forget = [] { libraryState().remembered.forgetDatabases(); };
+  auto* const browser = new db::frmSQLServerBrowser(
+      {state.connection, state.language, world.services, world.openDirectory, memory}, owner);
+  // Closed in whatever way.
+  rememberSize(*browser);
+  const Twips splitter = browser->splitter();
+  QObject::connect(browser, &QDialog::finished, browser, [browser, name, splitter] {
+    if (browser->splitter() != splitter) libraryState().remembered.setSplitter(name, browser->splitter());
+  });
+  return browser;
 }
 
 QDialog* makeDateRange(QWidget* owner) {
@@ -112,15 +135,31 @@ std::optional<QFont> QtControlServices::chooseFont(QWidget* owner, const QFont& 
 
 std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QString& title, bool showFiles) {
   const PointerForDialog pointer;
-  std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, lastFolder_);
-  if (folder) lastFolder_ = *folder;
+  const QString purpose = purposeOf(title);
+  std::optional<QString> folder = chooseSystemFolder(owner, title, showFiles, firstFolder(purpose));
+  if (folder) keepFolder(purpose, *folder);
   return folder;
+}
+
+QString QtControlServices::firstFolder(const QString& purpose) const {
+  const QString folder = chosenFolders_.value(purpose);
+  if (!folder.isEmpty()) return folder;
+  const QString remembered = libraryState().remembered.folder(purpose);
+  return QFileInfo(remembered).isDir() ? remembered : lastFolder_;
+}
+
+void QtControlServices::keepFolder(const QString& purpose, const QString& folder) {
+  chosenFolders_.insert(purpose, folder);
+  lastFolder_ = folder;
+  skipFailing([&] { libraryState().remembered.setFolder(purpose, folder); });
 }
 
 std::optional<QString> QtControlServices::chooseFile(QWidget* owner, const QString& title, const QString& kinds,
                                                      ui::ChosenFile use) {
   const PointerForDialog pointer;
-  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title, lastFolder_, kinds);
+  // Files of one kind are looked for where they were put.
+  const QString purpose = kinds.section(QStringLiteral("*"), 1).section(u')', 0, 0).section(u' ', 0, 0);
+  const QPointer<QFileDialog> dialog = new QFileDialog(owner, title, firstFolder(purpose), kinds);
   const bool isWritten = use == ui::ChosenFile::written;
   dialog->setAcceptMode(isWritten ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(isWritten ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -132,7 +171,7 @@ std::optional<QString> QtControlServices::chooseFile(QWidget* owner, const QStri
   QObject::connect(dialog, &QFileDialog::filterSelected, dialog, endKind);
   const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
   const QString file = chosen ? dialog->selectedFiles().value(0) : QString();
-  if (chosen) lastFolder_ = dialog->directory().absolutePath();
+  if (chosen) keepFolder(purpose, dialog->directory().absolutePath());
   delete dialog;
   return file.isEmpty() ? std::nullopt : std::optional(file);
 }
@@ -231,6 +270,7 @@ bool QtControlServices::showPreview(QWidget* owner, std::unique_ptr<output::page
   const PointerForDialog pointer;
   bool wanted = false;
   const QPointer<ReportPreview> window = new ReportPreview(std::move(sheets), owner);
+  rememberSize(*window);
   QObject::connect(window, &ReportPreview::printRequested, window, [&wanted] { wanted = true; });
   window->exec();
   delete window;

@@ -40,7 +40,13 @@ class QtControlServices final : public ControlServices {
   void reportHelp(QWidget* owner, const QString& file, HelpOutcome outcome);
 
   QHash<QString, FormMaker> forms_;
-  QString lastFolder_;  ///< that was chosen
+  /// Where a dialog begins: the folder that was chosen last for this purpose, in this run or an earlier one; else the
+  /// last one that was chosen at all.
+  [[nodiscard]] QString firstFolder(const QString& purpose) const;
+  void keepFolder(const QString& purpose, const QString& folder);
+
+  QHash<QString, QString> chosenFolders_;  ///< by purpose
+  QString lastFolder_;                     ///< that was chosen
   bool hourglass_ = false;
 };
 

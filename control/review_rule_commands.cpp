@@ -6,6 +6,7 @@
 #include "control/find_and_filter.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
+#include "control/size_memory.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "control/working_hours.h"
@@ -49,6 +50,7 @@ void ReviewRuleCommands::open() {
 
 void ReviewRuleCommands::make() {
   view_ = new ExceptionView(&viewer_);
+  rememberSize(*view_);
   exceptions_ = std::make_unique<ListExceptions>(*view_, messages_, answers_, findAndFilter_);
   QObject::connect(view_, &ExceptionView::hoursChosen, &viewer_, [this](const evidence::WorkingHours& hours) {
     messages_.trapped("ChooseWorkingHours", [&] {

@@ -12,6 +12,7 @@
 #include "control/library_state.h"
 #include "control/message_boxes.h"
 #include "control/output_file.h"
+#include "control/size_memory.h"
 #include "control/texts.h"
 #include "evidence/comparison_head.h"
 #include "evidence/comparison_json.h"
@@ -97,6 +98,7 @@ void SnapshotCommands::CompareWithSnapshot() {
 void SnapshotCommands::show(const ComparisonForm::Compared& compared) {
   if (comparisonView_.isNull()) {
     comparisonView_ = new ComparisonView(&viewer_);
+    rememberSize(*comparisonView_);
     QObject::connect(comparisonView_, &ComparisonView::saveRequested, &viewer_,
                      [this] { messages_.trapped("SaveComparison", [this] { saveReport(); }); });
   }

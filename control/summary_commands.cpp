@@ -8,6 +8,7 @@
 #include "control/command_menus.h"
 #include "control/find_and_filter.h"
 #include "control/message_boxes.h"
+#include "control/size_memory.h"
 #include "control/surface.h"
 #include "control/texts.h"
 #include "control/watched_work.h"
@@ -41,6 +42,7 @@ void SummaryCommands::show(ResultListView& list) {
   messages_.trapped("ShowSummary", [&] {
     if (summaryView_.isNull()) {
       summaryView_ = new SummaryView(&viewer_);
+      rememberSize(*summaryView_);
       QObject::connect(summaryView_, &SummaryView::refused, &viewer_,
                        [this](const QString& text) { messages_.inform(messageTitle(), text); });
       QObject::connect(summaryView_, &SummaryView::groupRequested, &viewer_,

@@ -115,7 +115,7 @@ void Surface::buildPages(query::ResultLists& lists) {
     const QString caption = fromUtf8(query::pageCaptions.at(i));
     list->setAccessibleName(caption);
     lvListView.at(i) = list;
-    areas.at(i) = new ListArea(*list, findHistory_);
+    areas.at(i) = new ListArea(*list, findHistory);
     if (i == query::customList) buildQueryFrame(*page);
     // The captions are fixed texts, no mnemonics.
     SSTab1->addTab(page, caption);

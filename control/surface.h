@@ -83,6 +83,8 @@ class Surface {
   QToolButton* btClearAdvQuery = nullptr;
   QToolButton* btEmunFields = nullptr;
   StatusPanels* StatusBar1 = nullptr;
+  /// Of the find bars of all lists.
+  ui::FindHistory findHistory;
   /// Invisible: prints or previews the report that it is given.
   ReportViewer* WebBrowser1 = nullptr;
 
@@ -100,7 +102,6 @@ class Surface {
   [[nodiscard]] int toolbarHeight() const;
 
   QWidget& owner_;
-  ui::FindHistory findHistory_;
   SurfaceBoxes boxes_ = designTimeBoxes();
 };
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/error.h"
+#include "control/library_state.h"
 #include "control/watched_work.h"
 #include "db/embedded/embedded_folder.h"
 #include "demo/demo_database.h"
@@ -91,6 +92,20 @@ void provideViewerPath(const QString& folder) {
     registry.SaveSetting(application, section, key, path.toStdString());
   } catch (const Error&) {  // NOLINT(bugprone-empty-catch): no help then, as the header says
   }
+}
+
+void rememberIn(const QString& file) {
+  const QString wish = qEnvironmentVariable("KORVEL_REMEMBER").trimmed().toLower();
+  using Extent = control::Remembered::Extent;
+  // Whoever sets the variable wants less: a word that is not understood must not mean everything.
+  const Extent extent = wish.isEmpty() || wish == QLatin1String("all") ? Extent::all
+                        : wish == QLatin1String("layout")              ? Extent::layout
+                                                                       : Extent::nothing;
+  control::libraryState().remembered = control::Remembered(file, extent);
+}
+
+QList<RecentDatabase> recentDatabases() {
+  return control::libraryState().remembered.databases();
 }
 
 }  // namespace korvel

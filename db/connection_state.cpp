@@ -1,5 +1,7 @@
 #include "db/connection_state.h"
 
+#include <utility>
+
 #include "db/connection_string.h"
 
 namespace korvel::db {
@@ -13,7 +15,9 @@ std::string selectionText(const ConnectionState& state) {
 }
 
 void openDefaultServer(ConnectionState& state, std::string_view defaultServer, int databaseType) {
+  std::string location = std::move(state.CurrentDatabaseLocation);
   openDatabase(state, defaultServer, databaseName(databaseType));
+  state.CurrentDatabaseLocation = std::move(location);
 }
 
 void openDatabase(ConnectionState& state, std::string_view server, std::string_view database) {
@@ -21,6 +25,7 @@ void openDatabase(ConnectionState& state, std::string_view server, std::string_v
   state.AdvancedConnectionString = buildConnectionString(server, database);
   state.CurrentServer = server;
   state.CurrentDatabase = database;
+  state.CurrentDatabaseLocation.clear();
 }
 
 bool namesAServer(std::string_view defaultServer) noexcept {

@@ -28,7 +28,7 @@ struct ConnectionState {
 /// Fills the state from the control's properties, without trying the connection; CurrentDatabaseLocation stays.
 void openDefaultServer(ConnectionState& state, std::string_view defaultServer, int databaseType);
 
-/// Fills the state with a database by its names, likewise.
+/// Fills the state with a database by its names, likewise; where it lies is not known then.
 void openDatabase(ConnectionState& state, std::string_view server, std::string_view database);
 
 /// Whether a control with this DefaultSQLServer connects when it is shown: neither "" nor "(None)".

@@ -23,6 +23,7 @@ void FindHistory::remember(const QString& text) {
   texts_.removeAll(text);
   texts_.prepend(text);
   while (texts_.size() > size) texts_.removeLast();
+  if (used) used(text);
 }
 
 FindBar::FindBar(FindHistory& history, QWidget* parent)

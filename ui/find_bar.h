@@ -28,7 +28,12 @@ class FindHistory {
  public:
   static constexpr int size = 10;
   void remember(const QString& text);
+  /// Replaces the texts, the newest first.
+  void restore(const QStringList& texts) { texts_ = texts.mid(0, size); }
   [[nodiscard]] const QStringList& texts() const noexcept { return texts_; }
+
+  /// Called with each text that is remembered; for an owner that keeps them.
+  std::function<void(const QString& text)> used;
 
  private:
   QStringList texts_;

@@ -55,6 +55,10 @@ ResultHeader::ResultHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent
   setSortIndicatorShown(false);
   setStretchLastSection(false);
   setMinimumSectionSize(px(this, 24));
+  connect(this, &QHeaderView::sectionResized, this, [this](int column) {
+    if (held_) resized_ = column;
+  });
+  connect(this, &QHeaderView::sectionMoved, this, [this] { moved_ = moved_ || held_; });
 }
 
 void ResultHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logicalIndex) const {
@@ -169,7 +173,11 @@ bool ResultHeader::viewportEvent(QEvent* event) {
 
 void ResultHeader::mousePressEvent(QMouseEvent* event) {
   pressed_ = event->button() == Qt::LeftButton ? signAt(event->position().toPoint()) : -1;
-  if (pressed_ < 0) QHeaderView::mousePressEvent(event);
+  if (pressed_ >= 0) return;
+  held_ = event->button() == Qt::LeftButton;
+  resized_ = -1;
+  moved_ = false;
+  QHeaderView::mousePressEvent(event);
 }
 
 void ResultHeader::mouseMoveEvent(QMouseEvent* event) {
@@ -180,6 +188,9 @@ void ResultHeader::mouseMoveEvent(QMouseEvent* event) {
 void ResultHeader::mouseReleaseEvent(QMouseEvent* event) {
   if (pressed_ < 0) {
     QHeaderView::mouseReleaseEvent(event);
+    if (!std::exchange(held_, false)) return;
+    if (resized_ >= 0) Q_EMIT widthChosen(resized_);
+    if (moved_) Q_EMIT orderChosen();
     return;
   }
   const int column = std::exchange(pressed_, -1);

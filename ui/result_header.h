@@ -35,6 +35,9 @@ class ResultHeader : public QHeaderView {
  Q_SIGNALS:
   /// The sign of this column was clicked.
   void filterRequested(int column);
+  /// The user has given this column another width, or has moved one, by mouse.
+  void widthChosen(int column);
+  void orderChosen();
 
  protected:
   /// Captions are shown like values, and the sort arrow has the same direction in all styles.
@@ -54,8 +57,11 @@ class ResultHeader : public QHeaderView {
   bool signs_ = false;
   QString signToolTip_;
   std::vector<bool> filtered_;
-  int hovered_ = -1;  ///< the column under the pointer
-  int pressed_ = -1;  ///< the column whose sign is held down
+  int hovered_ = -1;    ///< the column under the pointer
+  int pressed_ = -1;    ///< the column whose sign is held down
+  bool held_ = false;   ///< a button is held down on a section or an edge
+  int resized_ = -1;    ///< the column that was resized meanwhile
+  bool moved_ = false;  ///< a column was moved meanwhile
   int keyColumn_ = -1;
 };
 

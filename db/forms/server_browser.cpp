@@ -268,6 +268,13 @@ void frmSQLServerBrowser::cmdOK_Click() {
   accept();
 }
 
+/// As with OK, but that no server is asked: what is wrong with the database is said when it is queried.
+void frmSQLServerBrowser::btRecent_Choice(const BrowserMemory::Database& database) {
+  if (listing_) return;
+  openDatabase(connection_, database.server.toStdString(), database.name.toStdString());
+  accept();
+}
+
 void frmSQLServerBrowser::oSQLServer_Event(const ServerEvent& event) {
   if (!switches.eventEcho) return;
   services_->messageBox(this, MessageIcon::none, ui::fromUtf8(eventEchoTitle), ui::fromUtf8(eventEchoText(event)));

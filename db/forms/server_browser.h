@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QList>
 #include <QStandardItemModel>
 #include <array>
 #include <functional>
@@ -27,6 +28,19 @@ class ResultTable;
 
 namespace korvel::db {
 
+/// What the browser takes over from the last time, and leaves for the next.
+struct BrowserMemory {
+  std::optional<Twips> splitter{};
+  /// Databases that can be selected without asking their servers, the newest first.
+  struct Database {
+    QString server;
+    QString name;
+  };
+  QList<Database> recent{};
+  /// Called when the user wants no more of them; there is no such entry without it.
+  std::function<void()> forget{};
+};
+
 /// What the browser needs; all of it outlives the dialog.
 struct ServerBrowserContext {
   /// What OK writes the choice into.
@@ -34,6 +48,7 @@ struct ServerBrowserContext {
   const settings::LanguageOffset& language;
   std::shared_ptr<ui::DialogServices> services;
   std::function<std::unique_ptr<ServerDirectory>()> openDirectory;
+  BrowserMemory memory{};
 };
 
 /// Two switches, both off; nothing in the product turns them on.
@@ -57,6 +72,9 @@ class frmSQLServerBrowser final : public QDialog {
 
   void done(int result) override;
 
+  /// The place of the splitter, as SizeControls() takes it.
+  [[nodiscard]] Twips splitter() const { return splitter_; }
+
   BrowserSwitches switches;
 
  protected:
@@ -68,7 +86,8 @@ class frmSQLServerBrowser final : public QDialog {
   void buildViewBar();
   void buildRightPane();
   void buildSplitter();
-  void buildFoot();
+  void buildFoot(const BrowserMemory& memory);
+  void buildRecent(const BrowserMemory& memory);
 
   void Form_Load();
   void Form_Unload();
@@ -79,6 +98,7 @@ class frmSQLServerBrowser final : public QDialog {
   void SmartViewBar_SelectionMove();
   void txtServer_Enter();
   void cmdOK_Click();
+  void btRecent_Choice(const BrowserMemory::Database& database);
   void oSQLServer_Event(const ServerEvent& event);
 
   void imgSplitterV_MouseDown();
@@ -123,6 +143,7 @@ class frmSQLServerBrowser final : public QDialog {
   QWidget* imgSplitterV_ = nullptr;
   QWidget* picSplitterV_ = nullptr;
   QWidget* Controlspic_ = nullptr;
+  QPushButton* btRecent_ = nullptr;  ///< only where there are recent databases
   QPushButton* cmdOK_ = nullptr;
   QPushButton* cmdCancel_ = nullptr;
   QStatusBar* StatusBar1_ = nullptr;

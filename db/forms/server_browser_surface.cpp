@@ -2,17 +2,20 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QRadioButton>
 #include <QResizeEvent>
 #include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <vector>
 
 #include "db/forms/server_browser.h"
 #include "ui/buttons.h"
 #include "ui/dialogs.h"
 #include "ui/result_table.h"
 #include "ui/screen_measure.h"
+#include "ui/shown_text.h"
 #include "ui/style/theme.h"
 #include "ui/style/viewer_style.h"
 
@@ -52,19 +55,16 @@ frmSQLServerBrowser::frmSQLServerBrowser(const ServerBrowserContext& context, QW
   buildViewBar();
   buildRightPane();
   buildSplitter();
-  buildFoot();
+  buildFoot(context.memory);
 
   clearDatabases();
-  QWidget* const order[] = {&SmartViewBar_->items(),
-                            ServerLocation_[0],
-                            ServerLocation_[1],
-                            txtServer_,
-                            btServer_,
-                            lvListView_,
-                            cmdOK_,
-                            cmdCancel_};
-  for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
+  std::vector<QWidget*> order = {
+      &SmartViewBar_->items(), ServerLocation_[0], ServerLocation_[1], txtServer_, btServer_, lvListView_};
+  if (btRecent_ != nullptr) order.push_back(btRecent_);
+  order.insert(order.end(), {cmdOK_, cmdCancel_});
+  for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
   SmartViewBar_->items().setFocus();
+  if (context.memory.splitter) splitter_ = *context.memory.splitter;
   resize(ui::px(this, firstWidth), ui::px(this, firstHeight));
 }
 
@@ -143,7 +143,28 @@ void frmSQLServerBrowser::buildSplitter() {
   picSplitterV_->hide();
 }
 
-void frmSQLServerBrowser::buildFoot() {
+void frmSQLServerBrowser::buildRecent(const BrowserMemory& memory) {
+  if (memory.recent.isEmpty()) return;
+  btRecent_ = named(new ui::SecondaryButton(ownText("browser.recent")), "btRecent");
+  btRecent_->setAutoDefault(false);
+  auto* const menu = new QMenu(btRecent_);
+  for (const BrowserMemory::Database& each : memory.recent) {
+    QString text = each.server + QStringLiteral(" - [") + each.name + QLatin1Char(']');
+    text = ui::visibleFormats(text.simplified()).replace(u'&', QStringLiteral("&&"));
+    connect(menu->addAction(text), &QAction::triggered, this, [this, each] { btRecent_Choice(each); });
+  }
+  if (memory.forget) {
+    menu->addSeparator();
+    connect(menu->addAction(ownText("remembered.forget")), &QAction::triggered, this, [this, forget = memory.forget] {
+      forget();
+      cmdOK_->setFocus();
+      btRecent_->hide();
+    });
+  }
+  btRecent_->setMenu(menu);
+}
+
+void frmSQLServerBrowser::buildFoot(const BrowserMemory& memory) {
   Controlspic_ = named(new QWidget(this), "Controlspic");
   cmdOK_ = named(new ui::PrimaryButton, "cmdOK");
   cmdOK_->setText(QStringLiteral("OK"));
@@ -155,6 +176,8 @@ void frmSQLServerBrowser::buildFoot() {
   auto* row = new QHBoxLayout(Controlspic_);
   row->setContentsMargins({});
   row->setSpacing(ui::px(this, ui::space::between));
+  buildRecent(memory);
+  if (btRecent_ != nullptr) row->addWidget(btRecent_);
   row->addStretch(1);
   row->addWidget(cmdOK_);
   row->addWidget(cmdCancel_);

@@ -154,6 +154,9 @@ class KORVEL_AUDIT_VIEWER_EXPORT AuditViewer final : public QWidget {
   /// Brings the custom page to the front with the text of a query file in it; nothing is connected or run. Says what is
   /// wrong with a file that cannot be read; page and text stay as they were then.
   void OpenQueryFile(const QString& path);
+  /// Selects a database by its names, without trying the connection, whatever the properties name; they stay as they
+  /// are. DatabaseSelected follows.
+  void OpenDatabase(const QString& server, const QString& database);
 
  Q_SIGNALS:
   /// A database has been selected: server, " - [", database, "]".

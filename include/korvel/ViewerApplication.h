@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QList>
 #include <QString>
 #include <string_view>
 #include <utility>
@@ -61,6 +62,25 @@ KORVEL_AUDIT_VIEWER_EXPORT void showWarning(QWidget* owner, const QString& title
 /// viewer has moved. Where the settings cannot be read or written there is no help, and the control says what is wrong
 /// with the settings.
 KORVEL_AUDIT_VIEWER_EXPORT void provideViewerPath(const QString& folder);
+
+/// From now on the controls of the process remember in this file, from one start of the program to the next: databases
+/// that were selected, columns that a person arranged, texts that were searched for, queries, folders, sizes of
+/// windows. Without this call nothing is remembered. The file belongs to the program: it is made when there is
+/// something to remember, several programs may use one, and nothing is said where it cannot be written. The environment
+/// variable KORVEL_REMEMBER limits it: "layout" to columns and sizes, "nothing" to nothing. To be called before the
+/// first control is made.
+KORVEL_AUDIT_VIEWER_EXPORT void rememberIn(const QString& file);
+
+/// A server and one of its databases.
+struct RecentDatabase {
+  QString server;
+  QString database;
+  friend bool operator==(const RecentDatabase&, const RecentDatabase&) = default;
+};
+
+/// The databases that were selected last, the newest first; none while nothing is remembered. AuditViewer::OpenDatabase
+/// selects one.
+[[nodiscard]] KORVEL_AUDIT_VIEWER_EXPORT QList<RecentDatabase> recentDatabases();
 
 /// For a program in which forms are drawn, such as Qt Designer: from now on the controls of the process select no
 /// database, read and write no settings (their language is English), and open no dialog, file or program. To be called

@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QTextBlock>
+#include <QToolButton>
 #include <algorithm>
 #include <vector>
 
@@ -32,6 +33,11 @@ std::vector<int> parenthesesOf(const QTextBlock& block) {
   return places;
 }
 
+bool isRecentKey(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Down &&
+         (event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier)) == Qt::AltModifier;
+}
+
 bool isRunKey(const QKeyEvent& event) {
   const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
   if (event.key() == Qt::Key_F5) return modifiers == Qt::NoModifier;
@@ -48,7 +54,10 @@ bool isEnter(const QKeyEvent& event) {
 }  // namespace
 
 SqlEditor::SqlEditor(QWidget* parent)
-    : QPlainTextEdit(parent), pieces_(new LinePieces(*document())), highlighter_(new SqlHighlighter(document())) {
+    : QPlainTextEdit(parent),
+      pieces_(new LinePieces(*document())),
+      highlighter_(new SqlHighlighter(document())),
+      btRecentQueries_(new QToolButton(this)) {
   setObjectName(QStringLiteral("txtAdvancedQuery"));
   // The family only: the size is inherited from the surrounding elements.
   QFont fixed;
@@ -57,6 +66,14 @@ SqlEditor::SqlEditor(QWidget* parent)
   setFont(fixed);
   setTabChangesFocus(true);
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  btRecentQueries_->setObjectName(QStringLiteral("btRecentQueries"));
+  btRecentQueries_->setArrowType(Qt::DownArrow);
+  btRecentQueries_->setAutoRaise(true);
+  btRecentQueries_->setCursor(Qt::ArrowCursor);
+  // Keys reach it from the text.
+  btRecentQueries_->setFocusPolicy(Qt::NoFocus);
+  btRecentQueries_->hide();
+  connect(btRecentQueries_, &QToolButton::clicked, this, [this] { requestRecent(); });
   connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] { showHighlights(); });
   // Not emitted for a change of formats, such as highlighting.
   connect(document(), &QTextDocument::contentsChange, this, [this] { errorLine_.reset(); });
@@ -151,13 +168,18 @@ std::optional<int> SqlEditor::partnerOf(int place) const {
 
 void SqlEditor::setTexts(const std::function<QString(std::string_view key)>& text) {
   setPlaceholderText(text("editor.placeholder"));
+  btRecentQueries_->setToolTip(text("editor.recentKey"));
+  btRecentQueries_->setAccessibleName(text("editor.recent"));
   menuTexts_ = {text("editor.undo"),  text("editor.redo"),   text("editor.cut"),      text("record.copyText"),
                 text("editor.paste"), text("editor.delete"), text("record.selectAll")};
 }
 
 bool SqlEditor::event(QEvent* event) {
   // The host's window may have shortcuts for these keys.
-  if (event->type() == QEvent::ShortcutOverride && isRunKey(*static_cast<QKeyEvent*>(event))) {
+  const auto isOwnKey = [this](const QKeyEvent& key) {
+    return isRunKey(key) || (isRecentKey(key) && !btRecentQueries_->isHidden());
+  };
+  if (event->type() == QEvent::ShortcutOverride && isOwnKey(*static_cast<QKeyEvent*>(event))) {
     event->accept();
     return true;
   }
@@ -168,6 +190,11 @@ void SqlEditor::keyPressEvent(QKeyEvent* event) {
   if (isRunKey(*event)) {
     event->accept();
     if (!event->isAutoRepeat()) Q_EMIT runRequested();
+    return;
+  }
+  if (isRecentKey(*event) && !btRecentQueries_->isHidden()) {
+    event->accept();
+    requestRecent();
     return;
   }
   if (isEnter(*event)) {
@@ -249,6 +276,30 @@ void SqlEditor::contextMenuEvent(QContextMenuEvent* event) {
 void SqlEditor::changeEvent(QEvent* event) {
   QPlainTextEdit::changeEvent(event);
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) applyStyle();
+}
+
+void SqlEditor::resizeEvent(QResizeEvent* event) {
+  QPlainTextEdit::resizeEvent(event);
+  placeButton();
+}
+
+void SqlEditor::setOffersRecent(bool offers) {
+  btRecentQueries_->setVisible(offers);
+  placeButton();
+}
+
+void SqlEditor::placeButton() {
+  constexpr int buttonSide = 20;
+  const int side = btRecentQueries_->isHidden() ? 0 : ui::px(this, buttonSide);
+  const bool mirrored = isRightToLeft();
+  setViewportMargins(mirrored ? side : 0, 0, mirrored ? 0 : side, 0);
+  // The margin lies between the text and the scroll bar.
+  const QRect text = viewport()->geometry();
+  btRecentQueries_->setGeometry(mirrored ? text.left() - side : text.right() + 1, text.top(), side, side);
+}
+
+void SqlEditor::requestRecent() {
+  Q_EMIT recentRequested(mapToGlobal(QPoint(0, height())));
 }
 
 void SqlEditor::applyStyle() {

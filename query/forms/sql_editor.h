@@ -6,6 +6,8 @@
 #include <optional>
 #include <string_view>
 
+class QToolButton;
+
 namespace korvel::query {
 
 class LinePieces;
@@ -35,15 +37,21 @@ class SqlEditor final : public QPlainTextEdit {
   /// Texts of the context menu and the placeholder, by our own keys ("editor.undo").
   void setTexts(const std::function<QString(std::string_view key)>& text);
 
+  /// Whether earlier queries can be asked for: by a button in the upper corner and by Alt+Down. By default they cannot.
+  void setOffersRecent(bool offers);
+
  Q_SIGNALS:
   /// F5 or Ctrl+Enter.
   void runRequested();
+  /// The user asked for earlier queries; `place` is the lower left corner of the box on the screen.
+  void recentRequested(const QPoint& place);
 
  protected:
   bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
   [[nodiscard]] bool canInsertFromMimeData(const QMimeData* source) const override;
   void insertFromMimeData(const QMimeData* source) override;
@@ -52,6 +60,9 @@ class SqlEditor final : public QPlainTextEdit {
   static constexpr std::size_t menuEntryCount = 7;
 
   void applyStyle();
+  /// Keeps room for the button beside the text.
+  void placeButton();
+  void requestRecent();
   void showHighlights();
   void removeSelected();
   /// A boundary between two pieces is no character: the key applies to what follows it.
@@ -63,6 +74,7 @@ class SqlEditor final : public QPlainTextEdit {
 
   LinePieces* pieces_;
   SqlHighlighter* highlighter_;
+  QToolButton* btRecentQueries_;
   std::array<QString, menuEntryCount> menuTexts_;
   std::optional<int> errorLine_;
 };

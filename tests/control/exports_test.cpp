@@ -36,6 +36,8 @@ bool isPublic(const std::string& symbol) {
                          "korvel::showWarning(",
                          "korvel::provideDemoTrail()",
                          "korvel::provideViewerPath(",
+                         "korvel::rememberIn(",
+                         "korvel::recentDatabases()",
                          "korvel::useDesignMode()"};
   return std::any_of(names.begin(), names.end(),
                      [&](const char* name) { return symbol.find(name) != std::string::npos; });

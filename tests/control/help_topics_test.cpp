@@ -22,6 +22,7 @@
 #include "korvel/FailureBar.h"
 #include "tests/control/command_surfaces.h"
 #include "tests/control/when_modal.h"
+#include "tests/support/temporary_folder.h"
 #include "ui/message_box.h"
 
 namespace korvel::test {
@@ -60,6 +61,9 @@ class HelpTopics : public CommandTest {
     early[9] = late[9] = "4";
     early[10] = late[10] = "5";
     server.resultSets = {{early, late}};
+    // With everything that is there only where something is remembered.
+    control::libraryState().remembered = {QString::fromStdString((folder_ / "remembered.json").string()),
+                                          control::Remembered::Extent::all};
   }
 
   /// A shown control with two records in its list.
@@ -111,6 +115,7 @@ class HelpTopics : public CommandTest {
   }
 
   std::set<Row> seen_;
+  TemporaryFolder folder_;
 };
 
 /// Goes through all windows of the control, so that no element is without a topic, and no row without an element.

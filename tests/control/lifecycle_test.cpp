@@ -27,16 +27,16 @@ QStringList namesOf(QMetaMethod::MethodType type) {
 }
 
 TEST_F(PublicFace, MembersStandInTypeLibraryOrder) {
-  EXPECT_EQ(
-      namesOf(QMetaMethod::Slot),
-      (QStringList{"SelectALL()", "UnselectALL()", "ExportNotepad()", "ExportExcel()", "GetExportPath(QString,int)",
-                   "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()", "ExpandAll()", "SelectDatabase()",
-                   "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
-                   "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
-                   "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
-                   // Not in the type library, and therefore after its members.
-                   "HelpContents()", "HelpSearch()", "HelpOnFocus()", "ShowAbout()", "PrintReport()", "PreviewReport()",
-                   "TakeSnapshot()", "CompareWithSnapshot()", "OpenQueryFile(QString)"}));
+  EXPECT_EQ(namesOf(QMetaMethod::Slot),
+            (QStringList{
+                "SelectALL()", "UnselectALL()", "ExportNotepad()", "ExportExcel()", "GetExportPath(QString,int)",
+                "ChangeFont()", "DisplayNoOfRecords()", "TriggerQuery()", "ExpandAll()", "SelectDatabase()",
+                "UnlockControls()", "LockControls()", "ViewTools(bool)", "BuildMenu()", "BuildToolbar()",
+                "ShowKeyField(bool)", "ListViewColSetup()", "BuildPopup(QString)", "TriggerAdvancedQuery(QString)",
+                "SwitchLanguage()", "BuildMisc()", "OpenDefaultSQLServer()",
+                // Not in the type library, and therefore after its members.
+                "HelpContents()", "HelpSearch()", "HelpOnFocus()", "ShowAbout()", "PrintReport()", "PreviewReport()",
+                "TakeSnapshot()", "CompareWithSnapshot()", "OpenQueryFile(QString)", "OpenDatabase(QString,QString)"}));
 }
 
 TEST_F(PublicFace, EventsStandInTypeLibraryOrder) {

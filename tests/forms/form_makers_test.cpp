@@ -4,18 +4,21 @@
 
 #include <QCalendarWidget>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QTest>
 #include <fstream>
 
 #include "control/library_state.h"
 #include "control/qt_control_services.h"
+#include "db/forms/server_browser.h"
 #include "output/forms/print_font_form.h"
 #include "query/forms/date_range_form.h"
 #include "query/forms/field_picker.h"
 #include "query/forms/file_list.h"
 #include "tests/control/recorder.h"
 #include "tests/control/when_modal.h"
+#include "tests/forms/canned_directory.h"
 #include "tests/support/temporary_folder.h"
 
 namespace korvel::test {
@@ -69,6 +72,31 @@ class FormMakers : public ::testing::Test {
  private:
   control::Platform realPlatform_;
 };
+
+TEST_F(FormMakers, TheServerBrowserOpensAsItWasClosedAndOffersTheRecentDatabases) {
+  const TemporaryFolder folder;
+  libraryState().remembered = {QString::fromStdString((folder / "remembered.json").string()),
+                               control::Remembered::Extent::all};
+  libraryState().remembered.addDatabase({"PLANT1", "Korvel_Audit"});
+  CannedNetwork network;
+  control::platform().openDirectory = [&network] { return std::make_unique<CannedDirectory>(network); };
+  QSize first;
+  EXPECT_TRUE(open<db::frmSQLServerBrowser>("frmSQLServerBrowser", [&](db::frmSQLServerBrowser& form) {
+    first = form.size();
+    EXPECT_EQ(form.findChild<QPushButton*>("btRecent")->menu()->actions().first()->text(), "PLANT1 - [Korvel_Audit]");
+  }));
+  // Nothing was changed: the next one follows the font.
+  EXPECT_FALSE(libraryState().remembered.size("frmSQLServerBrowser").isValid());
+  EXPECT_EQ(libraryState().remembered.splitter("frmSQLServerBrowser"), std::nullopt);
+  EXPECT_TRUE(open<db::frmSQLServerBrowser>("frmSQLServerBrowser", [&](db::frmSQLServerBrowser& form) {
+    form.resize(first.width() - 40, first.height() - 30);
+    form.SizeControls(Twips{3000});
+  }));
+  EXPECT_TRUE(open<db::frmSQLServerBrowser>("frmSQLServerBrowser", [&](db::frmSQLServerBrowser& form) {
+    EXPECT_EQ(form.size(), QSize(first.width() - 40, first.height() - 30));
+    EXPECT_EQ(form.splitter(), Twips{3000});
+  }));
+}
 
 TEST_F(FormMakers, TheFieldPickerHandsItsQueryToTheViewers) {
   EXPECT_TRUE(open<query::frmFields>("frmFields", [](query::frmFields& form) {

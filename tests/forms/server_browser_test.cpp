@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
@@ -49,7 +50,7 @@ class Browser : public ::testing::Test {
     if (!form_) {
       form_ = std::make_unique<db::frmSQLServerBrowser>(
           db::ServerBrowserContext{connection, language, recorder,
-                                   [this] { return std::make_unique<CannedDirectory>(network); }},
+                                   [this] { return std::make_unique<CannedDirectory>(network); }, memory},
           nullptr);
       form_->show();
       QCoreApplication::processEvents();
@@ -101,6 +102,7 @@ class Browser : public ::testing::Test {
   }
 
   CannedNetwork network;
+  db::BrowserMemory memory;
   db::ConnectionState connection;
   settings::LanguageOffset language;
   std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
@@ -120,6 +122,52 @@ TEST_F(Browser, CaptionsAreFixedEnglishInEveryLanguage) {
   EXPECT_EQ(databases().model()->headerData(0, Qt::Horizontal).toString(), "Current Databases");
   EXPECT_EQ(databases().model()->headerData(1, Qt::Horizontal).toString(), "Database Path");
   EXPECT_TRUE(element<QLineEdit>("txtServer").placeholderText().startsWith("Anderer Server"));
+}
+
+TEST_F(Browser, HasNoButtonForRecentDatabasesWhereThereAreNone) {
+  EXPECT_EQ(form().findChild<QPushButton*>("btRecent"), nullptr);
+}
+
+TEST_F(Browser, RecentDatabasesAreSelectedWithoutAskingTheirServers) {
+  connection.CurrentDatabaseLocation = "C:\\of the database before.mdf";
+  memory.recent = {{"PLANT2", "Korvel_Audit"}, {"QA & LAB", "Korvel_Audit_MU"}};
+  QPushButton& recent = element<QPushButton>("btRecent");
+  EXPECT_EQ(recent.text(), "Recent databases");
+  network.asked.clear();
+  const QList<QAction*> entries = recent.menu()->actions();
+  ASSERT_EQ(entries.size(), 2);
+  EXPECT_EQ(entries[1]->text(), "QA && LAB - [Korvel_Audit_MU]");
+  entries[1]->trigger();
+  EXPECT_EQ(form().result(), QDialog::Accepted);
+  EXPECT_FALSE(form().isVisible());
+  EXPECT_THAT(network.asked, IsEmpty());
+  EXPECT_EQ(connection.CurrentServer, "QA & LAB");
+  EXPECT_EQ(connection.CurrentDatabase, "Korvel_Audit_MU");
+  EXPECT_EQ(connection.CurrentDatabaseLocation, "");
+  EXPECT_NE(connection.ConnectionString, "");
+  EXPECT_EQ(connection.AdvancedConnectionString, connection.ConnectionString);
+}
+
+TEST_F(Browser, RecentDatabasesAreReachedByTabAndForgottenOnRequest) {
+  int forgotten = 0;
+  memory.recent = {{"PLANT2", "Korvel_Audit"}};
+  memory.forget = [&] { ++forgotten; };
+  QPushButton& recent = element<QPushButton>("btRecent");
+  databases().setFocus();
+  QTest::keyClick(&databases(), Qt::Key_Tab);
+  EXPECT_TRUE(recent.hasFocus());
+  EXPECT_FALSE(recent.isDefault());
+  recent.menu()->actions().last()->trigger();
+  EXPECT_EQ(forgotten, 1);
+  EXPECT_FALSE(recent.isVisible());
+  EXPECT_TRUE(form().isVisible());
+  EXPECT_EQ(connection.CurrentServer, "");
+}
+
+TEST_F(Browser, HasItsSplitterWhereItWas) {
+  memory.splitter = Twips{3000};
+  EXPECT_EQ(form().splitter(), Twips{3000});
+  EXPECT_EQ(element("imgSplitterV").x(), twips(3000));
 }
 
 TEST_F(Browser, ShowingListsTheLocalServersUnderTheHourglass) {

@@ -45,6 +45,13 @@ bool drawPushButton(const Canvas& canvas) {
                                             : theme.surface;
   drawRounded(canvas.painter, rect, canvas.px(space::radius), ground, theme.border, canvas.px(1));
   if (canvas.keyFocus()) drawFocusRing(canvas, rect, theme.accent);
+  const auto* button = canvas.as<QStyleOptionButton>();
+  if (button != nullptr && button->features.testFlag(QStyleOptionButton::HasMenu)) {
+    const int room = canvas.px(16);
+    const QRect arrow(button->rect.right() + 1 - room - canvas.px(4), button->rect.top(), room, button->rect.height());
+    drawChevron(canvas.painter, QRectF(QStyle::visualRect(button->direction, button->rect, arrow)), Qt::DownArrow,
+                canvas.enabled() ? theme.muted : theme.disabled, canvas.px(7));
+  }
   return true;
 }
 
