@@ -6,6 +6,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 namespace korvel::host {
@@ -13,6 +15,16 @@ namespace korvel::host {
 namespace {
 
 const QString embeddedServer = QStringLiteral("(embedded)");
+
+constexpr int inside = 8;
+constexpr qsizetype mostRecent = 3;
+/// Of the name on a button, in characters; its tool tip has all of it.
+constexpr qsizetype longestName = 40;
+
+/// As the control names a selected database.
+QString nameOf(const RecentDatabase& database) {
+  return database.server + QStringLiteral(" - [") + database.database + QLatin1Char(']');
+}
 
 /// The file of an audit database, by DatabaseTypeEnum.
 constexpr std::array<const char*, 2> databaseFiles = {"Korvel_Audit.db", "Korvel_Audit_MU.db"};
@@ -32,22 +44,50 @@ FirstDoors::FirstDoors(AuditViewer& viewer, QWidget* parent)
   server_->setObjectName(QStringLiteral("doorServer"));
   folder_->setObjectName(QStringLiteral("doorFolder"));
   heading_->setTextFormat(Qt::PlainText);
-  auto* const row = new QHBoxLayout(this);
-  constexpr int inside = 8;
-  row->setContentsMargins(2 * inside, inside, 2 * inside, inside);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(2 * inside, inside, 2 * inside, inside);
+  column->setSpacing(inside);
+  auto* const row = new QHBoxLayout;
   row->setSpacing(inside);
+  column->addLayout(row);
   row->addWidget(heading_);
   for (QPushButton* const door : {demo_, server_, folder_}) {
     door->setAutoDefault(false);
     row->addWidget(door);
   }
   row->addStretch(1);
+  addRecent(*column);
   connect(demo_, &QPushButton::clicked, this, &FirstDoors::openDemoTrail);
   connect(server_, &QPushButton::clicked, &viewer_, &AuditViewer::SelectDatabase);
   connect(folder_, &QPushButton::clicked, this, &FirstDoors::chooseFolder);
   connect(&viewer_, &AuditViewer::DatabaseSelected, this, &QWidget::hide);
   connect(&viewer_, &AuditViewer::LanguageChanged, this, [this] { setLanguage(ViewerLanguage::current()); });
   setLanguage(ViewerLanguage::current());
+}
+
+void FirstDoors::addRecent(QBoxLayout& column) {
+  const QList<RecentDatabase> databases = recentDatabases().mid(0, mostRecent);
+  if (databases.isEmpty()) return;
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(inside);
+  recent_ = new QLabel;
+  recent_->setTextFormat(Qt::PlainText);
+  row->addWidget(recent_);
+  for (const RecentDatabase& each : databases) {
+    const QString name = nameOf(each);
+    // Servers' names begin alike, and folders as well; databases differ at the end.
+    const qsizetype half = longestName / 2;
+    QString shown = name.size() > longestName ? name.left(half) + QStringLiteral("…") + name.right(half) : name;
+    auto* const door = new QPushButton(shown.replace(u'&', QStringLiteral("&&")));
+    door->setObjectName(QStringLiteral("doorRecent"));
+    door->setAutoDefault(false);
+    door->setToolTip(name.toHtmlEscaped());
+    door->setAccessibleName(name);
+    connect(door, &QPushButton::clicked, this, [this, each] { viewer_.OpenDatabase(each.server, each.database); });
+    row->addWidget(door);
+  }
+  row->addStretch(1);
+  column.addLayout(row);
 }
 
 void FirstDoors::setLanguage(const ViewerLanguage& language) {
@@ -58,6 +98,7 @@ void FirstDoors::setLanguage(const ViewerLanguage& language) {
   server_->setToolTip(language.text("host.doors.serverHint"));
   folder_->setText(language.text("host.doors.folder"));
   folder_->setToolTip(language.text("host.doors.folderHint"));
+  if (recent_ != nullptr) recent_->setText(language.text("host.doors.recent"));
 }
 
 void FirstDoors::openDemoTrail() {
@@ -69,7 +110,11 @@ void FirstDoors::openDemoTrail() {
 }
 
 void FirstDoors::chooseFolder() {
-  const QString folder = QFileDialog::getExistingDirectory(this, folder_->toolTip());
+  const QList<RecentDatabase> databases = recentDatabases();
+  const auto used = std::find_if(databases.begin(), databases.end(),
+                                 [](const RecentDatabase& each) { return QFileInfo(each.server).isAbsolute(); });
+  const QString folder =
+      QFileDialog::getExistingDirectory(this, folder_->toolTip(), used == databases.end() ? QString() : used->server);
   if (folder.isEmpty()) return;
   if (const QString failure = openFolder(folder); !failure.isEmpty())
     showWarning(this, window()->windowTitle(), failure);

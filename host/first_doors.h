@@ -5,13 +5,14 @@
 #include "korvel/AuditViewer.h"
 #include "korvel/ViewerApplication.h"
 
+class QBoxLayout;
 class QLabel;
 class QPushButton;
 
 namespace korvel::host {
 
 /// Ways to a first audit trail, over a control that has no database: a demo trail, a server, a folder with database
-/// files. Goes when a database is selected, by whichever way.
+/// files; below them the databases that were used last. Goes when a database is selected, by whichever way.
 class FirstDoors final : public QFrame {
   Q_OBJECT
 
@@ -28,9 +29,12 @@ class FirstDoors final : public QFrame {
   void openDemoTrail();
   void chooseFolder();
   void open(const QString& server);
+  /// Buttons of the databases that were used last, in a line of their own.
+  void addRecent(QBoxLayout& column);
 
   AuditViewer& viewer_;
   QLabel* heading_;
+  QLabel* recent_ = nullptr;  ///< only where there are such databases
   QPushButton* demo_;
   QPushButton* server_;
   QPushButton* folder_;

@@ -23,6 +23,10 @@ QStringList storedProperties() {
   return names;
 }
 
+QString inConfigurationFolder(const QString& name) {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/korvel/") + name;
+}
+
 bool isThere(const QString& path) {
   return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
 }
@@ -44,9 +48,12 @@ QString readObject(const QString& path, const ViewerLanguage& language, QJsonObj
 
 }  // namespace
 
+QString rememberedPath() {
+  return inConfigurationFolder(QStringLiteral("viewer-remembered.json"));
+}
+
 QString FormFile::standardPath() {
-  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-         QStringLiteral("/korvel/viewer-form.json");
+  return inConfigurationFolder(QStringLiteral("viewer-form.json"));
 }
 
 QString FormFile::load(const ViewerLanguage& language) {

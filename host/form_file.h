@@ -8,6 +8,9 @@
 
 namespace korvel::host {
 
+/// Where the viewer keeps what it remembers from one start to the next, beside the standard form file.
+[[nodiscard]] QString rememberedPath();
+
 /// The form that contains the control, as a file: a JSON object with the control's stored properties and the settings
 /// of the window around it.
 class FormFile {

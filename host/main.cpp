@@ -54,6 +54,7 @@ int run(int argc, char** argv) {
     return static_cast<int>(takeShot(window, *parsed.options.shotFile, messages, language));
   }
   QApplication::setWindowIcon(korvel::viewerIcon());
+  korvel::rememberIn(rememberedPath());
   korvel::provideViewerPath(helpFolder(QApplication::applicationDirPath()));
   MainWindow window(parsed.options, language);
   window.present();

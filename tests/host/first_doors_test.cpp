@@ -42,6 +42,35 @@ TEST_F(FirstDoorsTest, GoWhereADatabaseWasSelected) {
   EXPECT_FALSE(doorsOf(window).isVisible());
 }
 
+TEST_F(FirstDoorsTest, OfferTheDatabasesThatWereUsedLast) {
+  const test::EnvironmentVariable unset("KORVEL_REMEMBER");
+  const QString long1 = "/a/very/long/path/that/no/button/of/a/window/has/room/for/at/all";
+  rememberIn(path() + "/remembered.json");
+  {
+    MainWindow window(options, english);
+    window.show();
+    EXPECT_EQ(doorsOf(window).findChild<QPushButton*>("doorRecent"), nullptr);
+    for (const QString& server : {QString("PLANT1"), QString("QA & LAB"), long1, QString("PLANT4")})
+      window.viewer().OpenDatabase(server, "Korvel_Audit");
+  }
+  MainWindow window(options, english);
+  window.show();
+  FirstDoors& doors = doorsOf(window);
+  ASSERT_TRUE(doors.isVisible());
+  EXPECT_EQ(window.viewer().LastFailureText(), "");
+  const auto recent = doors.findChildren<QPushButton*>("doorRecent");
+  ASSERT_EQ(recent.size(), 3);
+  EXPECT_EQ(recent[0]->text(), "PLANT4 - [Korvel_Audit]");
+  EXPECT_EQ(recent[1]->text().size(), 41);
+  EXPECT_EQ(recent[1]->accessibleName(), long1 + " - [Korvel_Audit]");
+  EXPECT_EQ(recent[2]->text(), "QA && LAB - [Korvel_Audit]");
+  recent[2]->click();
+  EXPECT_EQ(window.windowTitle(), "QA & LAB - [Korvel_Audit] - Korvel Audit Viewer");
+  EXPECT_FALSE(doors.isVisible());
+  EXPECT_EQ(window.viewer().DefaultSQLServer(), "(None)");
+  rememberIn({});
+}
+
 TEST_F(FirstDoorsTest, LeadToADemoTrail) {
   MainWindow window(options, english);
   window.show();
