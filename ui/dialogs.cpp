@@ -76,6 +76,12 @@ void setLineHeight(QWidget& element, int at96) {
   new LineHeight(element, at96);  // owned by the element
 }
 
+void showSelectable(QLabel& label, const QString& text) {
+  label.setText(text);
+  label.setTextInteractionFlags(text.isEmpty() ? Qt::NoTextInteraction
+                                               : Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
 void setMuted(QLabel& label) {
   // ViewerStyle paints texts of this role in grey. A role, unlike a colour, follows changes of the palette.
   label.setForegroundRole(QPalette::PlaceholderText);

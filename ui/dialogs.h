@@ -36,6 +36,10 @@ void addButtons(QDialog& dialog, QDialogButtonBox* buttons);
 /// Follows changes of the font.
 void setLineHeight(QWidget& element, int at96);
 
+/// Shows a text that can be selected, also by keyboard. Without a text the label is no stop of the Tab key, where a
+/// screen reader would have nothing to say.
+void showSelectable(QLabel& label, const QString& text);
+
 /// Grey explanatory text.
 void setMuted(QLabel& label);
 

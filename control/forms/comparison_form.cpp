@@ -60,7 +60,6 @@ void ComparisonForm::buildContent() {
     label->setWordWrap(true);
   }
   ui::setMuted(*lblFacts_);
-  lblState_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   optSelected_ = named(new QRadioButton, "optSelected");
   optOwn_ = named(new QRadioButton, "optOwn");
   progress_ = named(new QProgressBar, "progress");
@@ -230,7 +229,7 @@ void ComparisonForm::showProgress() {
     text = ownText("compare.verifying").arg(countText(done / megabyte));
   else if (watch.stage == comparing)
     text = ownText("compare.progress").arg(countText(done), countText(expected));
-  lblState_->setText(text);
+  ui::showSelectable(*lblState_, text);
 }
 
 void ComparisonForm::finish(LongWork::Ending ending, const Compared& result) {
@@ -252,8 +251,7 @@ void ComparisonForm::finish(LongWork::Ending ending, const Compared& result) {
 }
 
 void ComparisonForm::say(const QString& text) {
-  lblState_->setText(text);
-  lblState_->setAccessibleName(text);
+  ui::showSelectable(*lblState_, text);
   ui::growToTexts(*this);
   if (text.isEmpty() || !isVisible()) return;
   QAccessibleEvent alert(lblState_, QAccessible::Alert);

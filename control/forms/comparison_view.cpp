@@ -72,7 +72,6 @@ void ComparisonView::buildContent() {
   for (QLabel* label : {lblSummary_, lblSides_, lblNote_}) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
   }
   lblSummary_->setFont(ui::semiBold(font()));
   ui::setMuted(*lblSides_);
@@ -120,11 +119,12 @@ void ComparisonView::setTexts() {
   const evidence::SnapshotFacts& facts = compared_->snapshot;
   const QString database = fromUtf8(facts.source.database);
   setWindowTitle(ownText("compare.resultTitle").arg(database));
-  lblSummary_->setText(fullStopped(evidence::comparisonSentences(*compared_, comparisonLanguage())));
-  lblSides_->setText(ownText("snapshot.isOne")
-                         .arg(database, fromUtf8(facts.source.server), fromUtf8(facts.begun).replace(u'T', u' ')) +
-                     QLatin1Char('\n') + ownText("compare.comparedWith") + QLatin1Char(' ') +
-                     fromUtf8(compared_->server) + QStringLiteral(", ") + fromUtf8(compared_->database));
+  ui::showSelectable(*lblSummary_, fullStopped(evidence::comparisonSentences(*compared_, comparisonLanguage())));
+  ui::showSelectable(*lblSides_,
+                     ownText("snapshot.isOne")
+                             .arg(database, fromUtf8(facts.source.server), fromUtf8(facts.begun).replace(u'T', u' ')) +
+                         QLatin1Char('\n') + ownText("compare.comparedWith") + QLatin1Char(' ') +
+                         fromUtf8(compared_->server) + QStringLiteral(", ") + fromUtf8(compared_->database));
   table_->setAccessibleName(ownText("compare.differences"));
   table_->setEmptyText(ownText("compare.noDifferences"));
   lblBefore_->setText(ownText("compare.before"));

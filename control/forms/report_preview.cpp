@@ -16,6 +16,7 @@
 #include "base/error.h"
 #include "control/forms/page_thumbnails.h"
 #include "control/texts.h"
+#include "ui/accessible_role.h"
 #include "ui/buttons.h"
 #include "ui/dialogs.h"
 #include "ui/style/theme.h"
@@ -151,6 +152,7 @@ void ReportPreview::buildPages() {
   lblPage_->setObjectName(name("lblPage"));
   lblPage_->setAlignment(Qt::AlignCenter);
   areaPage_->setObjectName(name("areaPage"));
+  ui::setAccessibleRole(*areaPage_, QAccessible::Graphic);
   areaPage_->setAccessibleName(ownText("preview.page"));
   areaPage_->setAlignment(Qt::AlignCenter);
   areaPage_->setWidget(lblPage_);

@@ -55,7 +55,6 @@ void SnapshotForm::buildContent() {
   }
   ui::setMuted(*lblIntro_);
   lblTrail_->setFont(ui::semiBold(font()));
-  lblState_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   optWhole_ = named(new QRadioButton, "optWhole");
   optRange_ = named(new QRadioButton, "optRange");
   lblFolder_ = named(new QLabel, "lblFolder");
@@ -228,10 +227,11 @@ void SnapshotForm::showProgress() {
   progress_->setRange(0, isCopying ? progressSteps : 0);
   if (isCopying)
     progress_->setValue(static_cast<int>(static_cast<double>(rows) / static_cast<double>(expected) * progressSteps));
-  lblState_->setText(watch.stops     ? ownText("snapshot.stopping")
-                     : expected == 0 ? ownText("snapshot.starting")
-                     : isCopying     ? ownText("snapshot.progress").arg(countText(rows), countText(expected))
-                                     : ownText("snapshot.finishing").arg(countText(rows)));
+  const QString text = watch.stops     ? ownText("snapshot.stopping")
+                       : expected == 0 ? ownText("snapshot.starting")
+                       : isCopying     ? ownText("snapshot.progress").arg(countText(rows), countText(expected))
+                                       : ownText("snapshot.finishing").arg(countText(rows));
+  ui::showSelectable(*lblState_, text);
 }
 
 void SnapshotForm::finish(LongWork::Ending ending) {
@@ -257,8 +257,7 @@ void SnapshotForm::finish(LongWork::Ending ending) {
 }
 
 void SnapshotForm::say(const QString& text) {
-  lblState_->setText(text);
-  lblState_->setAccessibleName(text);
+  ui::showSelectable(*lblState_, text);
   ui::growToTexts(*this);
   if (text.isEmpty() || !isVisible()) return;
   QAccessibleEvent alert(lblState_, QAccessible::Alert);

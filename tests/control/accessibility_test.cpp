@@ -5,12 +5,16 @@
 #include <QTest>
 #include <functional>
 
+#include "control/forms/comparison_view.h"
+#include "control/forms/report_preview.h"
 #include "control/qt_control_services.h"
+#include "tests/control/no_sections.h"
 #include "tests/control/viewer_fixture.h"
 #include "tests/control/when_modal.h"
 #include "tests/support/accessible_tree.h"
 #include "tests/support/cut_texts.h"
 #include "tests/support/tab_order.h"
+#include "tests/support/temporary_folder.h"
 
 namespace korvel::test {
 namespace {
@@ -24,7 +28,13 @@ using Look = std::function<void(QWidget&, const std::string&)>;
 /// Shows the pages, the tools of a list and the dialogs in one language.
 class EachWindow : public ViewerTest, public testing::WithParamInterface<const char*> {
  protected:
-  EachWindow() { libraryState().language = settings::LanguageOffset(GetParam()); }
+  EachWindow() {
+    libraryState().language = settings::LanguageOffset(GetParam());
+    // With what is there only where something is remembered.
+    libraryState().remembered = {QString::fromStdString((folder_ / "remembered.json").string()),
+                                 control::Remembered::Extent::all};
+    libraryState().remembered.addDatabase({"PLANT1", "Korvel_Audit"});
+  }
 
   void lookAtPages(const Look& look) {
     const auto viewer = activeViewer();
@@ -86,6 +96,42 @@ class EachWindow : public ViewerTest, public testing::WithParamInterface<const c
     }
   }
 
+  /// The windows of snapshots and comparisons, and the preview of a report.
+  void lookAtEvidence(const Look& look) {
+    const auto viewer = activeViewer();
+    const auto lookAt = [&look](QWidget& window) {
+      const auto isInFront = [&window] {
+        window.activateWindow();
+        return QApplication::activeWindow() == &window;
+      };
+      ASSERT_TRUE(QTest::qWaitFor(isInFront)) << nameOf(window);
+      look(window, nameOf(window));
+      window.close();
+    };
+    viewer->TakeSnapshot();
+    viewer->CompareWithSnapshot();
+    for (const char* name : {"frmSnapshot", "frmComparison"}) {
+      auto* const form = element<QWidget>(*viewer, name);
+      ASSERT_TRUE(form != nullptr && form->isVisible()) << name;
+      lookAt(*form);
+    }
+    evidence::ComparedSnapshot compared;
+    compared.server = "PLANT1";
+    compared.database = "Korvel_Audit";
+    compared.found.rowsBefore = compared.found.rowsNow = 12'000;
+    compared.found.removed = 1;
+    compared.found.differences.resize(1);
+    control::ComparisonView comparison(viewer.get());
+    comparison.showComparison(std::make_shared<const evidence::ComparedSnapshot>(compared));
+    lookAt(comparison);
+    auto sheets =
+        std::make_unique<output::pages::ReportSheets>(std::make_unique<NoSections>(), output::pages::PageTexts{});
+    ASSERT_TRUE(sheets->layOut());
+    control::ReportPreview preview(std::move(sheets), viewer.get());
+    preview.show();
+    lookAt(preview);
+  }
+
   static void lookAtDialogs(const Look& look) {
     control::QtControlServices services;
     QWidget owner;
@@ -127,6 +173,8 @@ class EachWindow : public ViewerTest, public testing::WithParamInterface<const c
     return std::string(window.metaObject()->className()) + ' ' + window.objectName().toStdString();
   }
 
+  TemporaryFolder folder_;
+
  protected:
   /// Of a small screen.
   static constexpr QSize screenSize{1280, 800};
@@ -146,6 +194,10 @@ TEST_P(Accessibility, OfTheControlNamesEachElement) {
 
 TEST_P(Accessibility, OfEachToolOfAListNamesEachElement) {
   lookAtTools(expectNothingMissing);
+}
+
+TEST_P(Accessibility, OfEachWindowOfSnapshotsNamesEachElement) {
+  lookAtEvidence(expectNothingMissing);
 }
 
 TEST_P(Accessibility, OfEachDialogNamesEachElement) {
@@ -180,6 +232,10 @@ TEST_P(LargeText, OfEachToolOfAListIsNotCut) {
   lookAtTools(expectNothingCut);
 }
 
+TEST_P(LargeText, OfEachWindowOfSnapshotsIsNotCut) {
+  lookAtEvidence(expectNothingCut);
+}
+
 TEST_P(LargeText, OfEachDialogIsNotCut) {
   lookAtDialogs(expectNothingCut);
 }
@@ -210,6 +266,11 @@ TEST_P(TabKey, VisitsEachElementOfThePages) {
 TEST_P(TabKey, VisitsEachElementOfTheToolsOfAList) {
   lookAtTools(look());
   EXPECT_EQ(looked_, 8);
+}
+
+TEST_P(TabKey, VisitsEachElementOfTheWindowsOfSnapshots) {
+  lookAtEvidence(look());
+  EXPECT_EQ(looked_, 4);
 }
 
 TEST_P(TabKey, VisitsEachElementOfTheDialogs) {

@@ -21,6 +21,7 @@
 #include "control/texts.h"
 #include "korvel/FailureBar.h"
 #include "tests/control/command_surfaces.h"
+#include "tests/control/no_sections.h"
 #include "tests/control/when_modal.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/message_box.h"
@@ -43,13 +44,6 @@ std::vector<std::string> opened(const Recorder& recorder) {
   for (const auto& [file, topic] : recorder.topicsOpened) texts.push_back((file + ' ' + topic).toStdString());
   return texts;
 }
-
-class NoSections final : public output::ReportSource {
- public:
-  void rewind() override {}
-  bool nextSection(output::SectionHead& /*head*/) override { return false; }
-  bool nextRow(std::vector<std::string_view>& /*cells*/) override { return false; }
-};
 
 class HelpTopics : public CommandTest {
  protected:

@@ -18,6 +18,7 @@
 
 #include "base/error.h"
 #include "output/report_source.h"
+#include "tests/control/no_sections.h"
 
 namespace korvel::control {
 namespace {
@@ -60,13 +61,6 @@ class FailingLater final : public output::ReportSource {
  private:
   const bool& fails_;
   NumberedRows rows_;
-};
-
-class NoSections final : public output::ReportSource {
- public:
-  void rewind() override {}
-  bool nextSection(output::SectionHead& /*head*/) override { return false; }
-  bool nextRow(std::vector<std::string_view>& /*cells*/) override { return false; }
 };
 
 class Preview : public ::testing::Test {
@@ -256,7 +250,7 @@ TEST_F(Preview, SaysWhyAPageCannotBeShown) {
 }
 
 TEST_F(Preview, OfAReportWithoutSectionsIsAnEmptyPage) {
-  ReportPreview window(sheetsOf(std::make_unique<NoSections>()), nullptr);
+  ReportPreview window(sheetsOf(std::make_unique<test::NoSections>()), nullptr);
   window.show();
   EXPECT_FALSE(shown(window).isNull());
   EXPECT_EQ(element<QLabel>(window, "lblOf")->text(), "of 1");
