@@ -1,6 +1,7 @@
 #include "host/first_doors.h"
 
 #include <QDir>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -20,6 +21,8 @@ constexpr int inside = 8;
 constexpr qsizetype mostRecent = 3;
 /// Of the name on a button, in characters; its tool tip has all of it.
 constexpr qsizetype longestName = 40;
+/// Of a button whose name is shortened further, in pixels.
+constexpr int leastDoor = 120;
 
 /// As the control names a selected database.
 QString nameOf(const RecentDatabase& database) {
@@ -44,13 +47,15 @@ FirstDoors::FirstDoors(AuditViewer& viewer, QWidget* parent)
   server_->setObjectName(QStringLiteral("doorServer"));
   folder_->setObjectName(QStringLiteral("doorFolder"));
   heading_->setTextFormat(Qt::PlainText);
+  // Large text must not make the window wider than its screen: the heading takes another line, names are shortened.
+  heading_->setWordWrap(true);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(2 * inside, inside, 2 * inside, inside);
   column->setSpacing(inside);
   auto* const row = new QHBoxLayout;
   row->setSpacing(inside);
   column->addLayout(row);
-  row->addWidget(heading_);
+  row->addWidget(heading_, 1);
   for (QPushButton* const door : {demo_, server_, folder_}) {
     door->setAutoDefault(false);
     row->addWidget(door);
@@ -81,6 +86,8 @@ void FirstDoors::addRecent(QBoxLayout& column) {
     auto* const door = new QPushButton(shown.replace(u'&', QStringLiteral("&&")));
     door->setObjectName(QStringLiteral("doorRecent"));
     door->setAutoDefault(false);
+    door->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    door->setMinimumWidth(leastDoor);
     door->setToolTip(name.toHtmlEscaped());
     door->setAccessibleName(name);
     connect(door, &QPushButton::clicked, this, [this, each] { viewer_.OpenDatabase(each.server, each.database); });
@@ -92,6 +99,7 @@ void FirstDoors::addRecent(QBoxLayout& column) {
 
 void FirstDoors::setLanguage(const ViewerLanguage& language) {
   heading_->setText(language.text("host.doors.heading"));
+  fitHeading();
   demo_->setText(language.text("host.doors.demo"));
   demo_->setToolTip(language.text("host.doors.demoHint"));
   server_->setText(language.text("host.doors.server"));
@@ -99,6 +107,16 @@ void FirstDoors::setLanguage(const ViewerLanguage& language) {
   folder_->setText(language.text("host.doors.folder"));
   folder_->setToolTip(language.text("host.doors.folderHint"));
   if (recent_ != nullptr) recent_->setText(language.text("host.doors.recent"));
+}
+
+void FirstDoors::changeEvent(QEvent* event) {
+  QFrame::changeEvent(event);
+  if (event->type() == QEvent::FontChange) fitHeading();
+}
+
+void FirstDoors::fitHeading() {
+  // A label that may take several lines would otherwise take more room than it needs.
+  heading_->setMaximumWidth(heading_->fontMetrics().horizontalAdvance(heading_->text()) + inside);
 }
 
 void FirstDoors::openDemoTrail() {

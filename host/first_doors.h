@@ -24,7 +24,11 @@ class FirstDoors final : public QFrame {
   /// the folder, or an empty text.
   [[nodiscard]] QString openFolder(const QString& folder);
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  void fitHeading();
   void setLanguage(const ViewerLanguage& language);
   void openDemoTrail();
   void chooseFolder();

@@ -4,11 +4,15 @@
 
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStringList>
 #include <QTest>
 #include <filesystem>
 
 #include "tests/host/main_window_fixture.h"
+#include "tests/support/accessible_tree.h"
+#include "tests/support/cut_texts.h"
 #include "tests/support/environment_variable.h"
+#include "tests/support/tab_order.h"
 
 namespace korvel::host {
 namespace {
@@ -106,6 +110,53 @@ TEST_F(FirstDoorsTest, LeadToTheDatabaseOfAFolder) {
   EXPECT_TRUE(window.windowTitle().endsWith("[Korvel_Audit_MU] - Korvel Audit Viewer"))
       << window.windowTitle().toStdString();
 }
+
+/// A start without a database, with databases that were used before, in five languages.
+class FirstMinute : public FirstDoorsTest, public testing::WithParamInterface<const char*> {
+ protected:
+  FirstMinute() {
+    set("Language", GetParam());
+    rememberIn(path() + "/remembered.json");
+    MainWindow before(options, english);
+    before.show();
+    before.viewer().OpenDatabase("PLANT1", "Korvel_Audit");
+    before.viewer().OpenDatabase("/srv/audit/copies/of/line/4/and/a/long/way/down", "Korvel_Audit");
+  }
+  ~FirstMinute() override {
+    QApplication::setFont(usual_);
+    rememberIn({});
+  }
+
+  QFont usual_ = QApplication::font();
+  ViewerLanguage language{GetParam()};
+  test::EnvironmentVariable all{"KORVEL_REMEMBER"};
+};
+
+TEST_P(FirstMinute, NamesEachElementAndReachesItByTab) {
+  MainWindow window(options, language);
+  window.resize(1280, 800);
+  window.show();
+  FirstDoors& doors = doorsOf(window);
+  ASSERT_EQ(doors.findChildren<QPushButton*>().size(), 5);
+  EXPECT_EQ(test::AccessibleTree::missing(window), QStringList());
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  EXPECT_EQ(test::TabOrder::problems(window), QStringList());
+}
+
+TEST_P(FirstMinute, CutsNoTextOfTwiceTheSize) {
+  QFont large = usual_;
+  large.setPointSizeF(2 * large.pointSizeF());
+  QApplication::setFont(large);
+  MainWindow window(options, language);
+  window.resize(1280, 800);
+  window.show();
+  FirstDoors& doors = doorsOf(window);
+  EXPECT_LE(window.width(), 1280);
+  EXPECT_EQ(test::CutTexts::in(doors), QStringList());
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, FirstMinute, testing::Values("0", "10000", "20000", "30000", "40000"));
 
 TEST_F(FirstDoorsTest, SpeakTheLanguageOfTheControl) {
   MainWindow window(options, english);
