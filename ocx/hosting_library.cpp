@@ -31,21 +31,30 @@ class QuietLoading {
   DWORD former_ = 0;
 };
 
-void open() {
-  const std::wstring file = ownFolder() + L'\\' + hostingLibraryName;
-  OpenedHosting wanted;
+std::wstring libraryFile() {
+  return ownFolder() + L'\\' + hostingLibraryName;
+}
+
+/// The library, loaded. Throws Failure.
+HMODULE load() {
+  const std::wstring file = libraryFile();
+  HMODULE library = nullptr;
   {
     const QuietLoading quiet;
-    // The libraries that it needs are looked for beside it.
-    wanted.library = ::LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    // The libraries that it needs are looked for beside it and nowhere else.
+    library = ::LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
   }
-  if (wanted.library == nullptr) {
-    const HRESULT result = HRESULT_FROM_WIN32(::GetLastError());
-    throw Failure(result, L"The Korvel Audit Viewer control cannot load " + file +
-                              L". This file, or one of the libraries that it needs, is missing or damaged. Unpack the "
-                              L"whole package into one folder. (" +
-                              systemText(result) + L')');
-  }
+  if (library != nullptr) return library;
+  const HRESULT result = HRESULT_FROM_WIN32(::GetLastError());
+  throw Failure(result, L"The Korvel Audit Viewer control cannot load " + file +
+                            L". This file, or one of the libraries that it needs, is missing or damaged. Unpack the "
+                            L"whole package into one folder. (" +
+                            systemText(result) + L')');
+}
+
+void open() {
+  OpenedHosting wanted;
+  wanted.library = load();
   const auto openHosting =
       reinterpret_cast<OpenHosting>(reinterpret_cast<void*>(::GetProcAddress(wanted.library, openHostingName)));
   constexpr DWORD noEntry = ERROR_PROC_NOT_FOUND;
@@ -53,7 +62,7 @@ void open() {
       openHosting != nullptr ? openHosting(boundaryVersion, &wanted.hosting) : HRESULT_FROM_WIN32(noEntry);
   if (FAILED(result)) {
     ::FreeLibrary(wanted.library);
-    throw Failure(result, L"The file " + file + L" does not work with this version of the control. (" +
+    throw Failure(result, L"The file " + libraryFile() + L" does not work with this version of the control. (" +
                               systemText(result) + L')');
   }
   wanted.thread = ::GetCurrentThreadId();
@@ -69,6 +78,10 @@ Hosting& hosting() {
                   L"Another thread of this process uses the control already. Make all controls of "
                   L"a process on one thread.");
   return *opened().hosting;
+}
+
+void tryHostingLibrary() {
+  ::FreeLibrary(load());
 }
 
 bool closeHosting() noexcept {

@@ -21,6 +21,12 @@ namespace {
 
 using Action = HRESULT (*)(HKEY, const std::wstring&);
 
+/// A control that cannot be made is not registered.
+HRESULT registerTried(HKEY classes, const std::wstring& file) {
+  tryHostingLibrary();
+  return registerControl(classes, file);
+}
+
 /// Calls `action` with the classes below `root` and this file.
 HRESULT withClasses(HKEY root, Action action) noexcept {
   return guarded([&] {
@@ -73,7 +79,7 @@ STDAPI DllCanUnloadNow() {
 }
 
 STDAPI DllRegisterServer() {
-  return korvel::ocx::withClasses(HKEY_LOCAL_MACHINE, korvel::ocx::registerControl);
+  return korvel::ocx::withClasses(HKEY_LOCAL_MACHINE, korvel::ocx::registerTried);
 }
 
 STDAPI DllUnregisterServer() {
@@ -85,7 +91,7 @@ STDAPI DllInstall(BOOL install, LPCWSTR forWhom) {
   const std::wstring_view text = forWhom != nullptr ? forWhom : L"";
   if (!text.empty() && text != L"user") return E_INVALIDARG;
   return korvel::ocx::withClasses(text.empty() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER,
-                                  install != FALSE ? korvel::ocx::registerControl : korvel::ocx::unregisterControl);
+                                  install != FALSE ? korvel::ocx::registerTried : korvel::ocx::unregisterControl);
 }
 
 }  // extern "C"

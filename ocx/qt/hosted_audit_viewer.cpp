@@ -202,8 +202,10 @@ HRESULT HostedAuditViewer::place(HWND parent, SIZE size) noexcept {
       return;
     }
     viewer_->windowHandle()->setParent(container_.get());
-    resize(size);
+    // A widget that was never resized would take the size that it likes best. The exact size follows, in pixels.
+    viewer_->resize((QSizeF(size.cx, size.cy) / viewer_->devicePixelRatioF()).toSize());
     viewer_->show();
+    resize(size);
   });
   return FAILED(called) ? called : result;
 }
@@ -257,10 +259,11 @@ void HostedAuditViewer::setFont(const wchar_t* family, double points, bool bold,
 }
 
 void HostedAuditViewer::stopWaiting() noexcept {
-  // The key goes to whatever waits; without one it changes nothing.
+  // The key goes to whatever waits; without one it changes nothing. It is not left in the queue, where the next query
+  // would find it.
   static_cast<void>(guarded([&] {
-    auto escape = std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-    QCoreApplication::postEvent(viewer_.get(), escape.release());
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewer_.get(), &escape);
   }));
 }
 

@@ -59,6 +59,8 @@ class ToolkitHosting final : public Hosting {
     static std::array<char*, 6> arguments{name.data(), platform.data(), windows.data(),
                                           path.data(), none.data(),     nullptr};
     application_ = std::make_unique<HostedApplication>(count, arguments.data());
+    // It has added the folder of the program, which is not the viewer's.
+    QCoreApplication::setLibraryPaths({ownFolder()});
     QApplication::setQuitOnLastWindowClosed(false);
     // From now on messages of the container's loop wake the toolkit.
     QCoreApplication::processEvents();

@@ -52,6 +52,10 @@ HRESULT LoadedControl::canUnload() const {
   return functionOf<HRESULT()>(file_, "DllCanUnloadNow")();
 }
 
+HRESULT LoadedControl::registerForUser() const {
+  return functionOf<HRESULT(BOOL, const wchar_t*)>(file_, "DllInstall")(TRUE, L"user");
+}
+
 std::wstring LoadedControl::notes() {
   const BSTR taken = functionOf<BSTR()>(::GetModuleHandleW(L"KorvelAuditViewerHosting.dll"), "takeNotes")();
   std::wstring text(taken, ::SysStringLen(taken));

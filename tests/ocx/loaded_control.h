@@ -23,6 +23,8 @@ class LoadedControl {
   /// A new control, as the first interface that a container asks for. Throws.
   [[nodiscard]] ocx::ComPointer<IUnknown> make() const;
   [[nodiscard]] HRESULT canUnload() const;
+  /// As regsvr32 does it for the running user.
+  [[nodiscard]] HRESULT registerForUser() const;
   /// What the library beside the file has noted since it was asked last.
   [[nodiscard]] static std::wstring notes();
 

@@ -1,0 +1,99 @@
+#include "tests/ocx_hosted/hosted_control.h"
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "base/wide_text_windows.h"
+#include "demo/demo_database.h"
+
+namespace korvel::test {
+namespace {
+
+constexpr const wchar_t* glassName = L"looking_glass.dll";
+
+std::wstring taken(BSTR text) {
+  std::wstring copy(text, ::SysStringLen(text));
+  ::SysFreeString(text);
+  return copy;
+}
+
+}  // namespace
+
+bool deliverMessages(const std::function<bool()>& done) {
+  constexpr UINT longest = 30000;
+  const UINT_PTR timer = ::SetTimer(nullptr, 0, longest, nullptr);
+  bool late = false;
+  MSG message{};
+  while (!late && !done() && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
+    late = message.message == WM_TIMER && message.hwnd == nullptr && message.wParam == timer;
+    ::TranslateMessage(&message);
+    ::DispatchMessageW(&message);
+  }
+  ::KillTimer(nullptr, timer);
+  return !late;
+}
+
+HostedControl::HostedControl()
+    : file_(KORVEL_PACKAGE_FOLDER), control_(file_.make()), container_(window_.handle(), control_.get()) {
+  ::ShowWindow(window_.handle(), SW_SHOWNA);
+  demo::writeDemoDatabases({.folder = folder_.path(), .rows = records});
+}
+
+HostedControl::~HostedControl() {
+  if (const HMODULE glass = ::GetModuleHandleW(glassName)) ::FreeLibrary(glass);
+}
+
+std::wstring HostedControl::trail() const {
+  return folder_.path().wstring();
+}
+
+HRESULT HostedControl::call(const std::wstring& name, std::vector<VARIANT> arguments, WORD flags) {
+  const auto members = ocx::ComPointer<IDispatch>::of(control_.get(), IID_IDispatch);
+  std::wstring wanted(name);
+  LPOLESTR pointer = wanted.data();
+  DISPID number = DISPID_UNKNOWN;
+  if (const HRESULT found = members->GetIDsOfNames(IID_NULL, &pointer, 1, LOCALE_USER_DEFAULT, &number); FAILED(found))
+    return found;
+  DISPID put = DISPID_PROPERTYPUT;
+  const bool puts = flags == DISPATCH_PROPERTYPUT;
+  DISPPARAMS parameters{arguments.data(), puts ? &put : nullptr, static_cast<UINT>(arguments.size()), puts ? 1U : 0U};
+  const HRESULT called =
+      members->Invoke(number, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, nullptr, nullptr, nullptr);
+  for (VARIANT& each : arguments) ::VariantClear(&each);
+  return called;
+}
+
+HRESULT HostedControl::put(const std::wstring& name, const std::wstring& value) {
+  VARIANT text;
+  text.vt = VT_BSTR;
+  text.bstrVal = ::SysAllocString(value.c_str());
+  return call(name, {text}, DISPATCH_PROPERTYPUT);
+}
+
+HWND HostedControl::ownWindow() const {
+  HWND window = nullptr;
+  ocx::ComPointer<IOleInPlaceObject>::of(control_.get(), IID_IOleInPlaceObject)->GetWindow(&window);
+  return window;
+}
+
+HWND HostedControl::viewerWindow() const {
+  return ::GetWindow(ownWindow(), GW_CHILD);
+}
+
+std::wstring HostedControl::textOf(const wchar_t* element) const {
+  return taken(look<TextOf>("textOf")(viewerWindow(), element));
+}
+
+void (*HostedControl::lookUp(const char* name))() {
+  HMODULE glass = ::GetModuleHandleW(glassName);
+  if (glass == nullptr) {
+    const auto path = std::filesystem::absolute(lossyWideFromUtf8(KORVEL_PACKAGE_FOLDER)) / glassName;
+    glass = ::LoadLibraryExW(std::filesystem::path(path).make_preferred().c_str(), nullptr,
+                             LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+  }
+  auto* const found = reinterpret_cast<void (*)()>(::GetProcAddress(glass, name));
+  if (found == nullptr) throw std::runtime_error(name);
+  return found;
+}
+
+}  // namespace korvel::test
