@@ -178,8 +178,7 @@ void ListCommands::addOwnEntries(ResultListView& list, const QModelIndex& cell) 
   summary_.addEntry(menu, list);
   activity_.addEntry(menu);
   menu.endGroup();
-  review_.addEntries(menu, list);
-  exceptions_.addEntry(menu);
+  exceptions_.addEntry(review_.addEntries(menu, list));
   addSnapshotEntries(menu, viewer_);
   menu.endGroup();
   addOutputEntries(menu, viewer_, messages_);

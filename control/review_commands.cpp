@@ -136,7 +136,7 @@ std::optional<evidence::ReviewedTrail> ReviewCommands::trailOf(std::size_t page)
   return evidence::trailOf(record->source);
 }
 
-void ReviewCommands::addEntries(CommandPopup& menu, ResultListView& list) {
+QMenu& ReviewCommands::addEntries(CommandPopup& menu, ResultListView& list) {
   const std::size_t page = pageOf(list);
   QAction* const entry = menu.addOwnEntry(ownText("review.menu"));
   auto* const review = new QMenu(&menu);
@@ -176,6 +176,7 @@ void ReviewCommands::addEntries(CommandPopup& menu, ResultListView& list) {
   column->setChecked(showsColumn_);
   review->addSeparator();
   add("review.report", isOpen && hasTrail, [this, &list] { writeReport(list); });
+  return *review;
 }
 
 void ReviewCommands::openFile(ResultListView& list, bool isNew) {

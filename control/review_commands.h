@@ -38,8 +38,8 @@ class ReviewCommands {
   ReviewCommands(const ReviewCommands&) = delete;
   ReviewCommands& operator=(const ReviewCommands&) = delete;
 
-  /// Adds the submenu to the context menu of the list.
-  void addEntries(CommandPopup& menu, ResultListView& list);
+  /// Adds the submenu to the context menu of the list, and returns it; it goes with the entries of the menu.
+  QMenu& addEntries(CommandPopup& menu, ResultListView& list);
 
  private:
   /// What the marks say of the records that a list shows.

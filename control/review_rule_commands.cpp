@@ -1,8 +1,9 @@
 #include "control/review_rule_commands.h"
 
+#include <QAction>
+#include <QMenu>
 #include <QShortcut>
 
-#include "control/command_menus.h"
 #include "control/find_and_filter.h"
 #include "control/library_state.h"
 #include "control/message_boxes.h"
@@ -31,8 +32,12 @@ ReviewRuleCommands::ReviewRuleCommands(AuditViewer& viewer, const MessageBoxes& 
   });
 }
 
-void ReviewRuleCommands::addEntry(CommandPopup& menu) {
-  QAction* const entry = menu.addOwnEntry(ownText("exceptions.command"), exceptionsKey);
+void ReviewRuleCommands::addEntry(QMenu& review) {
+  QAction* const rest = review.insertSeparator(review.actions().value(0));
+  auto* const entry = new QAction(ownText("exceptions.command"), &review);
+  entry->setShortcut(exceptionsKey);
+  entry->setShortcutContext(Qt::WidgetShortcut);
+  review.insertAction(rest, entry);
   QObject::connect(entry, &QAction::triggered, &viewer_, [this] { open(); });
 }
 

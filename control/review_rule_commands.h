@@ -5,6 +5,8 @@
 
 #include "control/list_exceptions.h"
 
+class QMenu;
+
 namespace korvel {
 class AuditViewer;
 }
@@ -12,7 +14,6 @@ class AuditViewer;
 namespace korvel::control {
 
 class AnswerStatus;
-class CommandPopup;
 class FindAndFilter;
 class MessageBoxes;
 class Surface;
@@ -27,8 +28,8 @@ class ReviewRuleCommands {
   ReviewRuleCommands(const ReviewRuleCommands&) = delete;
   ReviewRuleCommands& operator=(const ReviewRuleCommands&) = delete;
 
-  /// Adds the command to the context menu of a list.
-  void addEntry(CommandPopup& menu);
+  /// Puts the command above the entries of the menu "Review" of a list: it needs no review file.
+  void addEntry(QMenu& review);
   /// Texts in the current language.
   void showTexts();
 

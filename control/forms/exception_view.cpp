@@ -150,9 +150,8 @@ void ExceptionView::showLines(const std::vector<Line>& lines) {
     const Line& line = lines_[i];
     QTreeWidgetItem& item = *rules_->topLevelItem(static_cast<int>(i));
     item.setText(countColumn, line.count);
-    // What cannot be chosen has no box.
-    item.setData(ruleColumn, Qt::CheckStateRole,
-                 line.canBeChosen ? QVariant(line.isChosen ? Qt::Checked : Qt::Unchecked) : QVariant());
+    // Also what cannot be chosen has a box: the names of all rules begin at one line.
+    item.setCheckState(ruleColumn, line.isChosen ? Qt::Checked : Qt::Unchecked);
     for (const int each : {ruleColumn, countColumn}) {
       item.setToolTip(each, line.canBeChosen ? hint : QString());
       item.setData(each, Qt::ForegroundRole, line.canBeChosen ? QVariant() : QVariant(quiet));

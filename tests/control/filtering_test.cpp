@@ -227,9 +227,13 @@ TEST_F(Filtering, ByTheContextMenuBelowItsOwnEntry) {
   for (const QAction* entry : menu->actions()) texts.append(entry->isSeparator() ? "-" : entry->text());
   EXPECT_THAT(texts, ElementsAre("Change Font", "-", "Show record", "Copy", "-", "Only this value",
                                  "Without this value", "Filter...", "Find...", "-", "Show history of this item",
-                                 "Summary of the list", "Activity over time", "-", "Review", "Review by exception",
-                                 "Take a snapshot...", "Compare with a snapshot...", "-", "Print preview",
-                                 "Export as text...", "Export as exchange file...", "Manifest beside the file"));
+                                 "Summary of the list", "Activity over time", "-", "Review", "Take a snapshot...",
+                                 "Compare with a snapshot...", "-", "Print preview", "Export as text...",
+                                 "Export as exchange file...", "Manifest beside the file"));
+  const QMenu* review = menu->actions()[texts.indexOf("Review")]->menu();
+  ASSERT_NE(review, nullptr);
+  EXPECT_EQ(review->actions()[0]->text(), "Review by exception");
+  EXPECT_TRUE(review->actions()[1]->isSeparator());
   QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[5]).center());
   EXPECT_EQ(chips(*viewer), "Area = Alarm");
   EXPECT_EQ(column(*viewer, 0), "3 4");
