@@ -63,7 +63,8 @@ std::optional<QJsonObject> contentOf(const QString& path) {
 
 QStringList textsFrom(const QJsonValue& value, qsizetype most) {
   QStringList texts;
-  for (const QJsonValue& each : value.toArray()) {
+  const QJsonArray stored = value.toArray();
+  for (const auto& each : stored) {
     const QString text = each.toString();
     if (!text.isEmpty() && text.size() <= longestText && !texts.contains(text)) texts.append(text);
     if (texts.size() == most) break;
@@ -80,7 +81,8 @@ bool isUsable(const RecentDatabase& database) {
 
 QList<RecentDatabase> databasesFrom(const QJsonValue& value) {
   QList<RecentDatabase> databases;
-  for (const QJsonValue& each : value.toArray()) {
+  const QJsonArray all = value.toArray();
+  for (const auto& each : all) {
     const QJsonObject object = each.toObject();
     const RecentDatabase database{object.value(QLatin1String("server")).toString(),
                                   object.value(QLatin1String("database")).toString()};
@@ -93,7 +95,8 @@ QList<RecentDatabase> databasesFrom(const QJsonValue& value) {
 RememberedColumns columnsFrom(const QJsonValue& value) {
   const QJsonObject object = value.toObject();
   RememberedColumns found;
-  for (const QJsonValue& each : object.value(columnsName).toArray()) {
+  const QJsonArray all = object.value(columnsName).toArray();
+  for (const auto& each : all) {
     const QJsonObject stored = each.toObject();
     RememberedColumn column{stored.value(QLatin1String("name")).toString()};
     if (column.name.isEmpty()) continue;
