@@ -142,7 +142,7 @@ std::optional<QString> QtControlServices::chooseFolder(QWidget* owner, const QSt
 }
 
 QString QtControlServices::firstFolder(const QString& purpose) const {
-  const QString folder = chosenFolders_.value(purpose);
+  QString folder = chosenFolders_.value(purpose);
   if (!folder.isEmpty()) return folder;
   const QString remembered = libraryState().remembered.folder(purpose);
   return QFileInfo(remembered).isDir() ? remembered : lastFolder_;

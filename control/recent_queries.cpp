@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
-#include <utility>
 
 #include "control/library_state.h"
 #include "control/texts.h"
@@ -34,7 +33,7 @@ void addNote(QMenu& menu, const char* key) {
 
 }  // namespace
 
-QMenu* makeRecentQueriesMenu(QWidget* owner, RecentQueryChoice choice) {
+QMenu* makeRecentQueriesMenu(QWidget* owner, const RecentQueryChoice& choice) {
   auto* const menu = new QMenu(owner);
   menu->setObjectName(QStringLiteral("RecentQueries"));
   menu->setToolTipsVisible(true);

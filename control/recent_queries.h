@@ -16,6 +16,6 @@ struct RecentQueryChoice {
 
 /// A menu of the queries and query files that were used last, each on one line, and with an entry that forgets them.
 /// The caller owns it.
-[[nodiscard]] QMenu* makeRecentQueriesMenu(QWidget* owner, RecentQueryChoice choice);
+[[nodiscard]] QMenu* makeRecentQueriesMenu(QWidget* owner, const RecentQueryChoice& choice);
 
 }  // namespace korvel::control
