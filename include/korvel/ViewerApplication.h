@@ -75,7 +75,9 @@ KORVEL_AUDIT_VIEWER_EXPORT void rememberIn(const QString& file);
 struct RecentDatabase {
   QString server;
   QString database;
-  friend bool operator==(const RecentDatabase&, const RecentDatabase&) = default;
+  friend bool operator==(const RecentDatabase& one, const RecentDatabase& other) {
+    return one.server == other.server && one.database == other.database;
+  }
 };
 
 /// The databases that were selected last, the newest first; none while nothing is remembered. AuditViewer::OpenDatabase
