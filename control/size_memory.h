@@ -4,8 +4,9 @@ class QWidget;
 
 namespace korvel::control {
 
-/// Gives a new window the size that is remembered for its name, as far as the screen has room for it, and remembers the
-/// size that it has whenever it is closed. A maximised window's size is none that a person chose.
+/// Gives a new window the size that is remembered for its name, as far as the screen has room for it. From then on the
+/// size at each closing is remembered, if it is another one than when the window was shown; that of a maximised window
+/// is not, because nobody chose it.
 void rememberSize(QWidget& window);
 
 }  // namespace korvel::control
