@@ -29,6 +29,8 @@ class DatabaseWriter {
   explicit DatabaseWriter(const std::filesystem::path& file) {
     if (sqlite3_open(utf8FromPath(extendedLengthPath(file)).c_str(), &handle_) != SQLITE_OK)
       throw std::runtime_error("cannot write " + utf8FromPath(file));
+    // Readers of the viewer's own may be at work still.
+    sqlite3_busy_timeout(handle_, 60'000);
     run("PRAGMA synchronous=OFF");  // for speed: tests need not survive a power failure
   }
   ~DatabaseWriter() { sqlite3_close(handle_); }
