@@ -1,6 +1,5 @@
 #include "ocx/class_factory.h"
 
-#include "ocx/control_object.h"
 #include "ocx/failure.h"
 
 namespace korvel::ocx {
@@ -23,9 +22,9 @@ ULONG ClassFactory::Release() noexcept {
 HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID identifier, void** object) noexcept {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  // An outer object must ask for what only the control itself can give.
+  // An outer object must ask for what only the object itself can give.
   if (outer != nullptr && !IsEqualIID(identifier, IID_IUnknown)) return CLASS_E_NOAGGREGATION;
-  return guarded([&] { return ControlObject::create(outer)->QueryInterface(identifier, object); });
+  return guarded([&] { return maker_(outer)->QueryInterface(identifier, object); });
 }
 
 HRESULT ClassFactory::LockServer(BOOL lock) noexcept {

@@ -6,13 +6,19 @@
 
 #include <atomic>
 
+#include "ocx/com_pointer.h"
 #include "ocx/module.h"
 
 namespace korvel::ocx {
 
-/// Makes controls.
+/// Makes objects of one class.
 class ClassFactory final : public IClassFactory {
  public:
+  /// Makes an object, part of `outer` unless that is null. Throws Failure.
+  using Maker = ComPointer<IUnknown> (*)(IUnknown* outer);
+
+  explicit ClassFactory(Maker maker) : maker_(maker) {}
+
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID identifier, void** object) noexcept override;
   ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
   ULONG STDMETHODCALLTYPE Release() noexcept override;
@@ -23,6 +29,7 @@ class ClassFactory final : public IClassFactory {
   ~ClassFactory() = default;
 
   const UseOfModule use_;
+  const Maker maker_;
   std::atomic<ULONG> references_ = 1;
 };
 

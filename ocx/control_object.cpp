@@ -92,6 +92,7 @@ void* ControlObject::interfaceOf(REFIID identifier) {
       {IID_IProvideClassInfo2, static_cast<IProvideClassInfo2*>(this)},
       {IID_ISupportErrorInfo, static_cast<ISupportErrorInfo*>(this)},
       {IID_IPerPropertyBrowsing, static_cast<IPerPropertyBrowsing*>(this)},
+      {IID_ISpecifyPropertyPages, static_cast<ISpecifyPropertyPages*>(this)},
       {IID_IConnectionPointContainer, static_cast<IConnectionPointContainer*>(this)},
       {IID_IPersist, static_cast<IPersist*>(static_cast<IPersistStreamInit*>(this))},
       {IID_IPersistPropertyBag, static_cast<IPersistPropertyBag*>(this)},

@@ -33,6 +33,7 @@ class ControlObject final : public AuditViewerInterface,
                             public IProvideClassInfo2,
                             public ISupportErrorInfo,
                             public IPerPropertyBrowsing,
+                            public ISpecifyPropertyPages,
                             public ConnectionPoints,
                             public StoredProperties,
                             public Placement,
@@ -69,6 +70,8 @@ class ControlObject final : public AuditViewerInterface,
   HRESULT STDMETHODCALLTYPE GetPredefinedStrings(DISPID property, CALPOLESTR* texts, CADWORD* values) noexcept override;
   HRESULT STDMETHODCALLTYPE GetPredefinedValue(DISPID property, DWORD value, VARIANT* result) noexcept override;
 
+  HRESULT STDMETHODCALLTYPE GetPages(CAUUID* pages) noexcept override;
+
  protected:
   HostedViewer& viewer() noexcept override {
     return *viewer_;
@@ -82,6 +85,7 @@ class ControlObject final : public AuditViewerInterface,
   void viewChanged() noexcept override {
     announceView();
   }
+  HRESULT openPropertyFrame(HWND owner) override;
 
  private:
   /// The object's own IUnknown, which counts.

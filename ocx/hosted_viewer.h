@@ -68,6 +68,8 @@ class Hosting {
  public:
   /// `owner` must outlive the viewer.
   virtual HRESULT createViewer(ViewerOwner& owner, HostedViewer** viewer) noexcept = 0;
+  /// A text of the viewer by its key, in the language that the viewer is set to; the caller frees it.
+  virtual HRESULT text(const char* key, BSTR* text) noexcept = 0;
   /// Ends the toolkit, so that its library can be unloaded, and returns true; false while it is in use.
   virtual bool end() noexcept = 0;
 
@@ -76,7 +78,7 @@ class Hosting {
 };
 
 /// Changes whenever the above does: files of different versions do not fit together.
-inline constexpr unsigned boundaryVersion = 1;
+inline constexpr unsigned boundaryVersion = 2;
 inline constexpr const wchar_t* hostingLibraryName = L"KorvelAuditViewerHosting.dll";
 inline constexpr const char* openHostingName = "korvelOpenHosting";
 /// What the library exports under that name: opens the hosting, or returns the open one.

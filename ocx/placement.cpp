@@ -3,10 +3,9 @@
 // after windows.h
 #include <olectl.h>
 
-#include <cstring>
-#include <cwchar>
 #include <utility>
 
+#include "ocx/allocated_text.h"
 #include "ocx/ambient.h"
 #include "ocx/control_status.h"
 #include "ocx/failure.h"
@@ -92,7 +91,7 @@ HRESULT Placement::GetClipboardData(DWORD, IDataObject** data) noexcept {
   return E_NOTIMPL;
 }
 
-HRESULT Placement::DoVerb(LONG verb, LPMSG /*message*/, IOleClientSite* site, LONG index, HWND /*parent*/,
+HRESULT Placement::DoVerb(LONG verb, LPMSG /*message*/, IOleClientSite* site, LONG index, HWND parent,
                           LPCRECT /*place*/) noexcept {
   if (index != 0 && index != -1) return DV_E_LINDEX;
   return guarded([&]() -> HRESULT {
@@ -105,6 +104,9 @@ HRESULT Placement::DoVerb(LONG verb, LPMSG /*message*/, IOleClientSite* site, LO
         return activate(verb != OLEIVERB_SHOW);
       case OLEIVERB_INPLACEACTIVATE:
         return activate(false);
+      case OLEIVERB_PROPERTIES:
+      case propertiesVerbNumber:
+        return showProperties(parent);
       case OLEIVERB_HIDE:
         leave();
         return S_OK;
@@ -134,11 +136,8 @@ HRESULT Placement::GetUserClassID(CLSID* identifier) noexcept {
 
 HRESULT Placement::GetUserType(DWORD /*form*/, LPOLESTR* name) noexcept {
   if (name == nullptr) return E_POINTER;
-  const std::size_t bytes = (std::wcslen(controlName) + 1) * sizeof(wchar_t);
-  *name = static_cast<LPOLESTR>(::CoTaskMemAlloc(bytes));
-  if (*name == nullptr) return E_OUTOFMEMORY;
-  std::memcpy(*name, controlName, bytes);
-  return S_OK;
+  *name = allocated(controlName);
+  return *name != nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT Placement::SetExtent(DWORD aspect, SIZEL* size) noexcept {
@@ -292,6 +291,19 @@ void Placement::readAmbients() {
   running_ = isRunning(site_.get());
   if (const auto font = ambientFont(site_.get()))
     viewer().setFont(font->family.c_str(), font->points, font->bold, font->italic);
+}
+
+HRESULT Placement::showProperties(HWND owner) {
+  const auto site = ComPointer<IOleControlSite>::of(site_.get(), IID_IOleControlSite);
+  if (site && SUCCEEDED(site->ShowPropertyFrame())) return S_OK;
+  const auto window = ComPointer<IOleWindow>::of(site_.get(), IID_IOleInPlaceSite);
+  if (owner == nullptr && window) window->GetWindow(&owner);
+  // The container may let the control and its place go while the window is open.
+  const ComPointer<IOleInPlaceFrame> frame = frame_;
+  if (frame) frame->EnableModeless(FALSE);
+  const HRESULT result = openPropertyFrame(owner);
+  if (frame) frame->EnableModeless(TRUE);
+  return result;
 }
 
 HRESULT Placement::activate(bool withFocus) {

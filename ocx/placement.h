@@ -70,6 +70,9 @@ class Placement : public IOleObject,
   /// Tells the container that the control would be painted in another way.
   virtual void viewChanged() noexcept = 0;
 
+  /// Shows a window with the control's property pages until it is closed. `owner` may be null.
+  [[nodiscard]] virtual HRESULT openPropertyFrame(HWND owner) = 0;
+
   [[nodiscard]] SIZE size() const noexcept { return extent_; }
   [[nodiscard]] bool eventsAreFrozen() const noexcept { return frozen_ > 0; }
   void focusCame();
@@ -87,6 +90,8 @@ class Placement : public IOleObject,
   enum class State { inactive, placed, active };
 
   HRESULT activate(bool withFocus);
+  /// The container's own window of properties, or the system's.
+  HRESULT showProperties(HWND owner);
   void place(IOleInPlaceSite& site);
   void takeUserInterface();
   void readAmbients();

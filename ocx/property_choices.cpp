@@ -1,52 +1,34 @@
-// The values that DatabaseType can have, for the property windows of containers.
+// The properties in the property windows of containers: the values that DatabaseType can have, and the page of all.
 #include <windows.h>
 // after windows.h
 #include <oleauto.h>
 #include <olectl.h>
 
-#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "ocx/allocated_text.h"
 #include "ocx/control_object.h"
+#include "ocx/control_status.h"
+#include "ocx/enumeration_choices.h"
 #include "ocx/failure.h"
+#include "ocx/property_page.h"
 
 namespace korvel::ocx {
 namespace {
 
 constexpr DISPID databaseType = 1;
 
-struct Choice {
-  std::wstring name;
-  LONG value = 0;
-};
-
-std::vector<Choice> choicesOf(ITypeInfo& enumeration) {
-  TYPEATTR* attributes = nullptr;
-  check(enumeration.GetTypeAttr(&attributes));
-  const UINT count = attributes->cVars;
-  enumeration.ReleaseTypeAttr(attributes);
-  std::vector<Choice> choices;
-  for (UINT index = 0; index < count; ++index) {
-    VARDESC* value = nullptr;
-    check(enumeration.GetVarDesc(index, &value));
-    BSTR name = nullptr;
-    UINT found = 0;
-    const HRESULT result = enumeration.GetNames(value->memid, &name, 1, &found);
-    choices.push_back({std::wstring(name != nullptr ? name : L"", ::SysStringLen(name)), value->lpvarValue->lVal});
-    ::SysFreeString(name);
-    enumeration.ReleaseVarDesc(value);
-    check(result);
+/// Whether a member can be set: every property of the control is one that is stored.
+bool isProperty(ITypeInfo& members, DISPID member) {
+  bool found = false;
+  FUNCDESC* function = nullptr;
+  for (UINT index = 0; !found && SUCCEEDED(members.GetFuncDesc(index, &function)); ++index) {
+    found = function->memid == member && function->invkind == INVOKE_PROPERTYPUT;
+    members.ReleaseFuncDesc(function);
   }
-  return choices;
-}
-
-LPOLESTR allocated(const std::wstring& text) {
-  const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-  auto* copy = static_cast<LPOLESTR>(::CoTaskMemAlloc(bytes));
-  if (copy != nullptr) std::memcpy(copy, text.c_str(), bytes);
-  return copy;
+  return found;
 }
 
 }  // namespace
@@ -64,10 +46,32 @@ HRESULT ControlObject::GetDisplayString(DISPID property, BSTR* text) noexcept {
   });
 }
 
-HRESULT ControlObject::MapPropertyToPage(DISPID /*property*/, CLSID* page) noexcept {
+HRESULT ControlObject::MapPropertyToPage(DISPID property, CLSID* page) noexcept {
   if (page == nullptr) return E_POINTER;
   *page = CLSID_NULL;
-  return PERPROP_E_NOPAGEAVAILABLE;
+  return guarded([&]() -> HRESULT {
+    if (!isProperty(*types_->members.get(), property)) return PERPROP_E_NOPAGEAVAILABLE;
+    *page = propertyPageId;
+    return S_OK;
+  });
+}
+
+HRESULT ControlObject::GetPages(CAUUID* pages) noexcept {
+  if (pages == nullptr) return E_POINTER;
+  *pages = {};
+  pages->pElems = static_cast<GUID*>(::CoTaskMemAlloc(sizeof(GUID)));
+  if (pages->pElems == nullptr) return E_OUTOFMEMORY;
+  *pages->pElems = propertyPageId;
+  pages->cElems = 1;
+  return S_OK;
+}
+
+HRESULT ControlObject::openPropertyFrame(HWND owner) {
+  // The window calls the control as its container may, and may outlive the container's own reference.
+  const auto alive = ComPointer<IUnknown>::shared(outer_);
+  IUnknown* control = alive.get();
+  CLSID page = propertyPageId;
+  return ::OleCreatePropertyFrame(owner, 0, 0, controlName, 1, &control, 1, &page, LOCALE_USER_DEFAULT, 0, nullptr);
 }
 
 HRESULT ControlObject::GetPredefinedStrings(DISPID property, CALPOLESTR* texts, CADWORD* values) noexcept {

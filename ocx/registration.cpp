@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ocx/control_status.h"
+#include "ocx/property_page.h"
 #include "ocx/registry_entries.h"
 
 namespace korvel::ocx {
@@ -26,6 +27,9 @@ struct Identifiers {
   std::wstring events;
 };
 
+constexpr const wchar_t* pageName = L"Korvel Audit Viewer property page";
+// The verb's name in menus, and that containers offer it.
+constexpr const wchar_t* propertiesVerb = L"&Properties,0,2";
 constexpr const wchar_t* libraryName = L"Korvel Audit Viewer control";
 constexpr const wchar_t* program = L"KorvelAuditViewerOCX.AuditViewer";
 constexpr const wchar_t* programVersion = L"KorvelAuditViewerOCX.AuditViewer.1";
@@ -74,6 +78,9 @@ HRESULT readIdentifiers(const std::wstring& file, Identifiers& read) {
 std::wstring keyOfControl(const Identifiers& ids) {
   return L"CLSID\\" + ids.control;
 }
+std::wstring keyOfPage() {
+  return L"CLSID\\" + textOf(propertyPageId);
+}
 std::wstring keyOfLibrary(const Identifiers& ids) {
   return L"TypeLib\\" + ids.library;
 }
@@ -92,8 +99,12 @@ std::vector<RegistryEntry> entriesOf(const Identifiers& ids, const std::wstring&
       {control + L"\\ProgID", {}, programVersion},
       {control + L"\\ToolboxBitmap32", {}, file + L", 1"},
       {control + L"\\TypeLib", {}, ids.library},
+      {control + L"\\Verb\\" + std::to_wstring(propertiesVerbNumber), {}, propertiesVerb},
       {control + L"\\Version", {}, ids.version},
       {control + L"\\VersionIndependentProgID", {}, program},
+      {keyOfPage(), {}, pageName},
+      {keyOfPage() + L"\\InprocServer32", {}, file},
+      {keyOfPage() + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
       {program, {}, controlName},
       {std::wstring(program) + L"\\CLSID", {}, ids.control},
       {std::wstring(program) + L"\\CurVer", {}, programVersion},
@@ -144,8 +155,8 @@ HRESULT unregisterControl(HKEY classes, const std::wstring& file) {
   if (const HRESULT result = readIdentifiers(file, ids); FAILED(result)) return result;
   const std::wstring registered = valueOf(classes, keyOfControl(ids) + L"\\InprocServer32");
   if (!registered.empty() && !isSameFile(registered, file)) return S_OK;
-  const std::array<std::wstring, 4> others{program, programVersion, L"Interface\\" + ids.members,
-                                           L"Interface\\" + ids.events};
+  const std::array<std::wstring, 5> others{program, programVersion, L"Interface\\" + ids.members,
+                                           L"Interface\\" + ids.events, keyOfPage()};
   for (const std::wstring& key : others)
     if (const LSTATUS status = removeKey(classes, key); status != ERROR_SUCCESS)
       return HRESULT_FROM_WIN32(static_cast<DWORD>(status));

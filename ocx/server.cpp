@@ -7,12 +7,14 @@
 #include <string_view>
 
 #include "ocx/class_factory.h"
+#include "ocx/control_object.h"
 #include "ocx/control_status.h"
 #include "ocx/control_types.h"
 #include "ocx/failure.h"
 #include "ocx/host_window.h"
 #include "ocx/hosting_library.h"
 #include "ocx/module.h"
+#include "ocx/property_page.h"
 #include "ocx/registration.h"
 #include "ocx/registry_entries.h"
 
@@ -62,9 +64,10 @@ STDAPI DllGetClassObject(REFCLSID wanted, REFIID identifier, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   return guarded([&] {
-    if (!IsEqualCLSID(wanted, controlTypes()->controlId)) return CLASS_E_CLASSNOTAVAILABLE;
+    const bool isControl = IsEqualCLSID(wanted, controlTypes()->controlId);
+    if (!isControl && !IsEqualCLSID(wanted, propertyPageId)) return CLASS_E_CLASSNOTAVAILABLE;
     openHosting();
-    auto* factory = new ClassFactory();
+    auto* factory = new ClassFactory(isControl ? &ControlObject::create : &PropertyPage::create);
     const HRESULT result = factory->QueryInterface(identifier, object);
     factory->Release();
     return result;

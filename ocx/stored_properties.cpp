@@ -5,7 +5,7 @@
 
 #include <array>
 #include <cstddef>
-#include <new>
+#include <optional>
 
 #include "ocx/failure.h"
 #include "ocx/stored_stream.h"
@@ -39,41 +39,13 @@ class Values {
   std::array<VARIANT, names.size()> values_{};
 };
 
-void set(VARIANT& place, const StreamedProperty& property) {
-  if (const bool* boolean = std::get_if<bool>(&property.value)) {
-    place.vt = VT_BOOL;
-    place.boolVal = *boolean ? VARIANT_TRUE : VARIANT_FALSE;
-  } else if (const LONG* number = std::get_if<LONG>(&property.value)) {
-    place.vt = VT_I4;
-    place.lVal = *number;
-  } else {
-    const std::wstring& text = std::get<std::wstring>(property.value);
-    place.bstrVal = ::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-    if (place.bstrVal == nullptr) throw std::bad_alloc();
-    place.vt = VT_BSTR;
-  }
-}
-
 std::vector<StreamedProperty> streamed(HostedViewer& viewer) {
   Values values;
   const std::vector<StoredValue> places = values.places();
   check(viewer.writeProperties(places.data(), static_cast<unsigned>(places.size())));
   std::vector<StreamedProperty> properties;
-  for (const StoredValue& each : places) {
-    switch (each.value->vt) {
-      case VT_BOOL:
-        properties.push_back({each.name, each.value->boolVal != VARIANT_FALSE});
-        break;
-      case VT_I4:
-        properties.push_back({each.name, each.value->lVal});
-        break;
-      case VT_BSTR:
-        properties.push_back({each.name, std::wstring(each.value->bstrVal, ::SysStringLen(each.value->bstrVal))});
-        break;
-      default:
-        break;
-    }
-  }
+  for (const StoredValue& each : places)
+    if (const std::optional<PropertyValue> value = valueOf(*each.value)) properties.push_back({each.name, *value});
   return properties;
 }
 
@@ -146,7 +118,7 @@ HRESULT StoredProperties::Load(IStream* stream) noexcept {
       for (std::size_t index = 0; index < names.size(); ++index)
         if (each.name == names.at(index)) {
           ::VariantClear(&values[index]);
-          set(values[index], each);
+          setVariant(values[index], each.value);
         }
     return load(values.places());
   });

@@ -5,8 +5,9 @@
 #include <objidl.h>
 
 #include <string>
-#include <variant>
 #include <vector>
+
+#include "ocx/property_value.h"
 
 /// The control's properties as they stand in a stream: a mark, the version of the form, the length of what follows, and
 /// each property with name, type and value.
@@ -14,7 +15,7 @@ namespace korvel::ocx {
 
 struct StreamedProperty {
   std::wstring name;
-  std::variant<bool, LONG, std::wstring> value;
+  PropertyValue value;
 };
 
 /// Writes at the stream's place. Throws Failure.

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "korvel/ViewerApplication.h"
+#include "ocx/qt/automation_values.h"
 #include "ocx/qt/hosted_audit_viewer.h"
 
 namespace korvel::ocx {
@@ -71,6 +73,15 @@ class ToolkitHosting final : public Hosting {
     try {
       *viewer = new HostedAuditViewer(owner);
       return S_OK;
+    } catch (...) {
+      return E_OUTOFMEMORY;
+    }
+  }
+
+  HRESULT text(const char* key, BSTR* text) noexcept override {
+    try {
+      *text = toBstr(ViewerLanguage::current().text(key));
+      return *text != nullptr ? S_OK : E_OUTOFMEMORY;
     } catch (...) {
       return E_OUTOFMEMORY;
     }

@@ -36,6 +36,7 @@ Container::Container(HWND window, IUnknown* control, bool running) : window_(win
 
 Container::~Container() {
   close();
+  for (auto& each : ambients_) ::VariantClear(&each.second);
 }
 
 HRESULT Container::connect() {
@@ -75,6 +76,13 @@ HRESULT Container::setRunning(bool running) {
   running_ = running;
   const Borrowed<IOleControl> object(control_, IID_IOleControl);
   return object->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE);
+}
+
+HRESULT Container::setAmbient(DISPID property, VARIANT value, DISPID announced) {
+  ::VariantClear(&ambients_[property]);
+  ambients_[property] = value;
+  const Borrowed<IOleControl> object(control_, IID_IOleControl);
+  return object->OnAmbientPropertyChange(announced);
 }
 
 bool Container::translate(MSG& message) {
@@ -132,6 +140,11 @@ HRESULT Container::TranslateAccelerator(MSG* message, DWORD modifiers) {
   return tell(L"TranslateAccelerator " + std::to_wstring(message->wParam) + L' ' + std::to_wstring(modifiers));
 }
 
+HRESULT Container::ShowPropertyFrame() {
+  tell(L"ShowPropertyFrame");
+  return hasPropertyWindow_ ? S_OK : E_NOTIMPL;
+}
+
 HRESULT Container::GetWindow(HWND* window) {
   *window = window_;
   return S_OK;
@@ -174,6 +187,8 @@ HRESULT Container::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* a
     result->boolVal = running_ ? VARIANT_TRUE : VARIANT_FALSE;
     return S_OK;
   }
+  if (const auto ambient = ambients_.find(member); ambient != ambients_.end() && ambient->second.vt != VT_EMPTY)
+    return ::VariantCopy(result, &ambient->second);
   if (member < 0) return DISP_E_MEMBERNOTFOUND;
   std::wstring line = L"event " + std::to_wstring(member);
   for (UINT index = arguments->cArgs; index > 0; --index)

@@ -4,6 +4,7 @@
 // after windows.h
 #include <ocidl.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,11 @@ class Container final : public IOleClientSite,
   HRESULT move(const RECT& place);
   /// Between designing and running.
   HRESULT setRunning(bool running);
+  /// Gives the control an ambient property, by its number, and tells it that `announced` has changed: the same number,
+  /// or DISPID_UNKNOWN for any. Owns the value. A property without a value does not exist.
+  HRESULT setAmbient(DISPID property, VARIANT value, DISPID announced);
+  /// Whether the container has a window of its own for the control's properties.
+  void setHasPropertyWindow(bool has) { hasPropertyWindow_ = has; }
   /// Whether a message of the program's loop was for the control's keys. Call it before TranslateMessage.
   [[nodiscard]] bool translate(MSG& message);
   /// Deactivates the control and lets it go.
@@ -62,7 +68,7 @@ class Container final : public IOleClientSite,
   HRESULT STDMETHODCALLTYPE TransformCoords(POINTL*, POINTF*, DWORD) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE TranslateAccelerator(MSG* message, DWORD modifiers) override;
   HRESULT STDMETHODCALLTYPE OnFocus(BOOL) override { return S_OK; }
-  HRESULT STDMETHODCALLTYPE ShowPropertyFrame() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE ShowPropertyFrame() override;
   // IOleWindow
   HRESULT STDMETHODCALLTYPE GetWindow(HWND* window) override;
   HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
@@ -116,6 +122,8 @@ class Container final : public IOleClientSite,
 
   HWND window_;
   bool running_;
+  bool hasPropertyWindow_ = false;
+  std::map<DISPID, VARIANT> ambients_;
   ULONG references_ = 0;
   IOleObject* control_ = nullptr;
   IOleInPlaceActiveObject* active_ = nullptr;

@@ -35,8 +35,12 @@ LoadedControl::~LoadedControl() {
 HRESULT LoadedControl::factory(ocx::ComPointer<IClassFactory>& made) const {
   CLSID control{};
   ::CLSIDFromString(L"{EB5171F2-0C78-46CE-ADBF-8311DED82E15}", &control);
+  return factory(control, made);
+}
+
+HRESULT LoadedControl::factory(REFCLSID wanted, ocx::ComPointer<IClassFactory>& made) const {
   return functionOf<HRESULT(REFCLSID, REFIID, void**)>(file_, "DllGetClassObject")(
-      control, IID_IClassFactory, reinterpret_cast<void**>(made.receive()));
+      wanted, IID_IClassFactory, reinterpret_cast<void**>(made.receive()));
 }
 
 ocx::ComPointer<IUnknown> LoadedControl::make() const {

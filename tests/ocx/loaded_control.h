@@ -20,6 +20,8 @@ class LoadedControl {
   LoadedControl& operator=(const LoadedControl&) = delete;
 
   [[nodiscard]] HRESULT factory(ocx::ComPointer<IClassFactory>& made) const;
+  /// That of another class in the file.
+  [[nodiscard]] HRESULT factory(REFCLSID wanted, ocx::ComPointer<IClassFactory>& made) const;
   /// A new control, as the first interface that a container asks for. Throws.
   [[nodiscard]] ocx::ComPointer<IUnknown> make() const;
   [[nodiscard]] HRESULT canUnload() const;

@@ -4,7 +4,6 @@
 #include <windows.h>
 // after windows.h
 #include <oleauto.h>
-#include <tlhelp32.h>
 
 #include <array>
 #include <cstdint>
@@ -13,6 +12,7 @@
 
 #include "ocx/hosted_viewer.h"
 #include "tests/ocx/container.h"
+#include "tests/ocx/holdings.h"
 #include "tests/ocx/loaded_control.h"
 
 namespace korvel::ocx {
@@ -283,43 +283,6 @@ TEST_F(Placed, KeepsTheSizeThatItIsGiven) {
   EXPECT_EQ(object->SetExtent(DVASPECT_CONTENT, &size), E_INVALIDARG);
 }
 
-/// What a process has of the system. Wine counts neither handles nor drawing objects.
-struct Holdings {
-  /// The number of the next handle: the system gives the lowest that is free.
-  std::uintptr_t nextHandle = 0;
-  int threads = 0;
-  int windows = 0;
-  /// In use on all heaps.
-  std::size_t bytes = 0;
-};
-
-BOOL CALLBACK countWindow(HWND, LPARAM counter) {
-  ++*reinterpret_cast<int*>(counter);
-  return TRUE;
-}
-
-Holdings holdings() {
-  Holdings now;
-  const HANDLE next = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
-  now.nextHandle = reinterpret_cast<std::uintptr_t>(next);
-  ::CloseHandle(next);
-  ::EnumThreadWindows(::GetCurrentThreadId(), &countWindow, reinterpret_cast<LPARAM>(&now.windows));
-  const HANDLE all = ::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-  THREADENTRY32 thread{};
-  thread.dwSize = sizeof(thread);
-  for (BOOL more = ::Thread32First(all, &thread); more != FALSE; more = ::Thread32Next(all, &thread))
-    if (thread.th32OwnerProcessID == ::GetCurrentProcessId()) ++now.threads;
-  ::CloseHandle(all);
-  std::array<HANDLE, 64> heaps{};
-  const DWORD count = ::GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
-  for (DWORD index = 0; index < count && index < heaps.size(); ++index) {
-    PROCESS_HEAP_ENTRY entry{};
-    while (::HeapWalk(heaps.at(index), &entry) != FALSE)
-      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) now.bytes += entry.cbData;
-  }
-  return now;
-}
-
 TEST(Rounds, AHundredControlsLeaveNothingBehind) {
   const LoadedControl file(KORVEL_PLAIN_FOLDER);
   const auto round = [&] {
@@ -334,18 +297,11 @@ TEST(Rounds, AHundredControlsLeaveNothingBehind) {
     (void)LoadedControl::notes();
   };
   for (int warm = 0; warm < 5; ++warm) round();
-  const Holdings before = holdings();
+  const test::Holdings before = test::holdings();
   for (int count = 0; count < 100; ++count) round();
-  const Holdings after = holdings();
+  const test::Holdings after = test::holdings();
   EXPECT_EQ(file.canUnload(), S_OK);
-  ASSERT_GT(before.nextHandle, 0U);
-  ASSERT_GT(before.threads, 0);
-  ASSERT_GT(before.bytes, 0U);
-  EXPECT_LE(after.nextHandle, before.nextHandle);
-  EXPECT_LE(after.threads, before.threads);
-  EXPECT_LE(after.windows, before.windows);
-  // The system's own lists may grow once.
-  EXPECT_LE(after.bytes, before.bytes + 10000);
+  test::expectNothingMore(before, after);
   RecordProperty("handle", std::to_string(before.nextHandle) + " -> " + std::to_string(after.nextHandle));
   RecordProperty("threads", std::to_string(before.threads) + " -> " + std::to_string(after.threads));
   RecordProperty("windows", std::to_string(before.windows) + " -> " + std::to_string(after.windows));

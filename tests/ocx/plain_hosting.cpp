@@ -223,6 +223,12 @@ class PlainHosting final : public Hosting {
     *viewer = new PlainViewer(owner);
     return S_OK;
   }
+  /// The key itself: which text is where is seen from that.
+  HRESULT text(const char* key, BSTR* text) noexcept override {
+    const std::string shown(key);
+    *text = ::SysAllocString(std::wstring(shown.begin(), shown.end()).c_str());
+    return S_OK;
+  }
   bool end() noexcept override { return true; }
 };
 

@@ -130,6 +130,7 @@ const std::vector<std::vector<std::string>> dialogsWithLetters = {
     {"compare.save"},
     {"history.copy", "record.close", "history.goTo"},
     {"preview.print", "preview.close"},
+    {"propertyPage.sideTools", "propertyPage.toolBar", "propertyPage.server", "propertyPage.databaseType"},
     {"record.previous", "record.next", "record.copy", "record.close"},
     {"snapshot.whole", "snapshot.range", "snapshot.folder", "snapshot.browse", "snapshot.bag", "snapshot.take"},
     {"snapshot.whole", "snapshot.noRange", "snapshot.folder", "snapshot.browse", "snapshot.bag", "snapshot.open",
