@@ -20,6 +20,12 @@ struct AmbientFont {
 /// Whether the container is running, and not being designed; a container that does not say is running.
 [[nodiscard]] bool isRunning(IOleClientSite* site);
 
+/// Whether the container takes no input for now, as a program that is stopped in a debugger.
+[[nodiscard]] bool isDead(IOleClientSite* site);
+
+/// The colour behind controls; nothing where the container has none.
+[[nodiscard]] std::optional<COLORREF> ambientBackground(IOleClientSite* site);
+
 /// Nothing where the container has none.
 [[nodiscard]] std::optional<AmbientFont> ambientFont(IOleClientSite* site);
 

@@ -72,8 +72,10 @@ LRESULT CALLBACK HostWindow::handleMessage(HWND window, UINT message, WPARAM fir
       RECT all{};
       const HDC context = ::BeginPaint(window, &paint);
       ::GetClientRect(window, &all);
-      if (!self->owner_.paintWindow(context, {all.right, all.bottom}))
-        ::FillRect(context, &paint.rcPaint, ::GetSysColorBrush(COLOR_BTNFACE));
+      if (!self->owner_.paintWindow(context, {all.right, all.bottom})) {
+        ::SetDCBrushColor(context, self->owner_.background());
+        ::FillRect(context, &paint.rcPaint, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
+      }
       ::EndPaint(window, &paint);
       return 0;
     }

@@ -11,6 +11,8 @@ class HostWindowOwner {
   virtual void windowFocused() noexcept = 0;
   /// Paints a still picture of `size` pixels, and returns true; false where the viewer itself is in the window.
   virtual bool paintWindow(HDC context, SIZE size) noexcept = 0;
+  /// What is behind the viewer, while it has not painted itself.
+  [[nodiscard]] virtual COLORREF background() const noexcept = 0;
   /// The container has destroyed its own window, and this one with it.
   virtual void windowLost() noexcept = 0;
 

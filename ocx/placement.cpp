@@ -3,6 +3,7 @@
 // after windows.h
 #include <olectl.h>
 
+#include <array>
 #include <utility>
 
 #include "ocx/allocated_text.h"
@@ -50,7 +51,7 @@ HRESULT Placement::SetClientSite(IOleClientSite* site) noexcept {
   return guarded([&] {
     if (site == nullptr) leave();
     site_ = ComPointer<IOleClientSite>::shared(site);
-    if (site_) readAmbients();
+    if (site_) readAmbients(DISPID_UNKNOWN);
     return S_OK;
   });
 }
@@ -224,7 +225,7 @@ HRESULT Placement::ReactivateAndUndo() noexcept {
 
 HRESULT Placement::TranslateAccelerator(LPMSG message) noexcept {
   if (message == nullptr) return E_POINTER;
-  if ((message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN) ||
+  if (dead_ || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN) ||
       !isWithin(message->hwnd, window_.handle()))
     return S_FALSE;
   return guarded([&] {
@@ -266,11 +267,9 @@ HRESULT Placement::OnMnemonic(LPMSG) noexcept {
 
 HRESULT Placement::OnAmbientPropertyChange(DISPID property) noexcept {
   return guarded([&] {
-    if (!site_ ||
-        (property != DISPID_UNKNOWN && property != DISPID_AMBIENT_USERMODE && property != DISPID_AMBIENT_FONT))
-      return S_OK;
+    if (!site_) return S_OK;
     const bool before = running_;
-    readAmbients();
+    readAmbients(property);
     if (running_ != before && state_ != State::inactive) {
       leave();
       activate(false);
@@ -287,8 +286,38 @@ HRESULT Placement::FreezeEvents(BOOL frozen) noexcept {
   return S_OK;
 }
 
-void Placement::readAmbients() {
+void Placement::readAmbients(DISPID property) {
+  struct Ambient {
+    DISPID property;
+    void (Placement::*read)();
+  };
+  // The viewer's language is what its settings say, and its text has its own colours: no container changes them.
+  constexpr std::array<Ambient, 4> all{{{DISPID_AMBIENT_USERMODE, &Placement::readUserMode},
+                                        {DISPID_AMBIENT_UIDEAD, &Placement::readDead},
+                                        {DISPID_AMBIENT_BACKCOLOR, &Placement::readBackground},
+                                        {DISPID_AMBIENT_FONT, &Placement::readFont}}};
+  for (const Ambient& each : all)
+    if (property == DISPID_UNKNOWN || property == each.property) (this->*each.read)();
+}
+
+void Placement::readUserMode() {
   running_ = isRunning(site_.get());
+}
+
+void Placement::readDead() {
+  dead_ = isDead(site_.get());
+  if (state_ == State::inactive) return;
+  ::EnableWindow(window_.handle(), dead_ ? FALSE : TRUE);
+  // A window that is disabled around it keeps the focus, and its keys.
+  if (dead_ && isWithin(::GetFocus(), window_.handle())) ::SetFocus(::GetParent(window_.handle()));
+}
+
+void Placement::readBackground() {
+  background_ = ambientBackground(site_.get());
+  if (state_ != State::inactive) ::InvalidateRect(window_.handle(), nullptr, FALSE);
+}
+
+void Placement::readFont() {
   if (const auto font = ambientFont(site_.get()))
     viewer().setFont(font->family.c_str(), font->points, font->bold, font->italic);
 }
@@ -315,7 +344,7 @@ HRESULT Placement::activate(bool withFocus) {
     site_->ShowObject();
   }
   // A form that is designed has its own use for keys.
-  if (withFocus && running_) {
+  if (withFocus && running_ && !dead_) {
     takeUserInterface();
     viewer().takeFocus(false);
   }
@@ -337,6 +366,7 @@ void Placement::place(IOleInPlaceSite& site) {
     window_.open(parent, where);
     window_.move(where, clip);
     if (running_) check(viewer().place(window_.handle(), sizeOf(where)));
+    ::EnableWindow(window_.handle(), dead_ ? FALSE : TRUE);
     ::ShowWindow(window_.handle(), SW_SHOWNA);
   } catch (...) {
     leave();
@@ -374,7 +404,7 @@ void Placement::leave() {
 }
 
 void Placement::focusCame() {
-  if (state_ != State::placed || !running_) return;
+  if (state_ != State::placed || !running_ || dead_) return;
   takeUserInterface();
   if (const auto site = ComPointer<IOleControlSite>::of(site_.get(), IID_IOleControlSite)) site->OnFocus(TRUE);
 }
@@ -394,11 +424,11 @@ void Placement::dialogOpened(bool open) {
 }
 
 void Placement::windowClicked() noexcept {
-  if (running_) takeUserInterface();
+  if (running_ && !dead_) takeUserInterface();
 }
 
 void Placement::windowFocused() noexcept {
-  if (!running_ || state_ == State::inactive) return;
+  if (!running_ || dead_ || state_ == State::inactive) return;
   takeUserInterface();
   viewer().takeFocus(::GetKeyState(VK_TAB) < 0 && ::GetKeyState(VK_SHIFT) < 0);
 }
@@ -407,6 +437,10 @@ bool Placement::paintWindow(HDC context, SIZE size) noexcept {
   if (running_) return false;
   const RECT all{0, 0, size.cx, size.cy};
   return SUCCEEDED(guarded([&] { return paintPicture(viewer(), context, all, size); }));
+}
+
+COLORREF Placement::background() const noexcept {
+  return background_.value_or(::GetSysColor(COLOR_BTNFACE));
 }
 
 void Placement::windowLost() noexcept {

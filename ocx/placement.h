@@ -4,6 +4,8 @@
 // after windows.h
 #include <ocidl.h>
 
+#include <optional>
+
 #include "ocx/com_pointer.h"
 #include "ocx/control_types.h"
 #include "ocx/host_window.h"
@@ -84,6 +86,7 @@ class Placement : public IOleObject,
   void windowClicked() noexcept override;
   void windowFocused() noexcept override;
   bool paintWindow(HDC context, SIZE size) noexcept override;
+  COLORREF background() const noexcept override;
   void windowLost() noexcept override;
 
  private:
@@ -94,10 +97,20 @@ class Placement : public IOleObject,
   HRESULT showProperties(HWND owner);
   void place(IOleInPlaceSite& site);
   void takeUserInterface();
-  void readAmbients();
+  // What the container says of itself.
+  void readUserMode();
+  void readDead();
+  void readBackground();
+  void readFont();
+  /// Reads one ambient property, or all of them for DISPID_UNKNOWN.
+  void readAmbients(DISPID property);
 
   State state_ = State::inactive;
   bool running_ = true;
+  /// No input is taken.
+  bool dead_ = false;
+  /// The system's where the container has none.
+  std::optional<COLORREF> background_;
   int frozen_ = 0;
   /// What is disabled while a dialog is open.
   HWND disabled_ = nullptr;
