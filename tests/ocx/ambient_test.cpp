@@ -9,13 +9,13 @@
 #include <string>
 
 #include "ocx/com_pointer.h"
-#include "tests/ocx/container.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/recorded_container.h"
 
 namespace korvel::ocx {
 namespace {
 
-using test::Container;
+using Container = test::RecordedContainer;
 using test::ContainerWindow;
 using test::LoadedControl;
 using testing::Contains;

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "base/wide_text_windows.h"
-#include "tests/ocx/container.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/recorded_container.h"
 
 namespace korvel::embedded {
 extern const std::string_view typeLibraryTable;
@@ -22,7 +22,7 @@ extern const std::string_view typeLibraryTable;
 namespace korvel::ocx {
 namespace {
 
-using test::Container;
+using Container = test::RecordedContainer;
 using test::ContainerWindow;
 using test::LoadedControl;
 using testing::ElementsAre;

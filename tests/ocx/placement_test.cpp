@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "ocx/hosted_viewer.h"
-#include "tests/ocx/container.h"
 #include "tests/ocx/holdings.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/recorded_container.h"
 
 namespace korvel::ocx {
 namespace {
 
-using test::Container;
+using Container = test::RecordedContainer;
 using test::ContainerWindow;
 using test::LoadedControl;
 using testing::Contains;

@@ -13,14 +13,14 @@
 
 #include "ocx/property_page.h"
 #include "ocx/property_page_elements.h"
-#include "tests/ocx/container.h"
 #include "tests/ocx/holdings.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/recorded_container.h"
 
 namespace korvel::ocx {
 namespace {
 
-using test::Container;
+using Container = test::RecordedContainer;
 using test::ContainerWindow;
 using test::LoadedControl;
 using testing::ElementsAre;

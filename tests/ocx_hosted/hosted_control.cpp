@@ -47,29 +47,6 @@ std::wstring HostedControl::trail() const {
   return folder_.path().wstring();
 }
 
-HRESULT HostedControl::call(const std::wstring& name, std::vector<VARIANT> arguments, WORD flags) {
-  const auto members = ocx::ComPointer<IDispatch>::of(control_.get(), IID_IDispatch);
-  std::wstring wanted(name);
-  LPOLESTR pointer = wanted.data();
-  DISPID number = DISPID_UNKNOWN;
-  if (const HRESULT found = members->GetIDsOfNames(IID_NULL, &pointer, 1, LOCALE_USER_DEFAULT, &number); FAILED(found))
-    return found;
-  DISPID put = DISPID_PROPERTYPUT;
-  const bool puts = flags == DISPATCH_PROPERTYPUT;
-  DISPPARAMS parameters{arguments.data(), puts ? &put : nullptr, static_cast<UINT>(arguments.size()), puts ? 1U : 0U};
-  const HRESULT called =
-      members->Invoke(number, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, nullptr, nullptr, nullptr);
-  for (VARIANT& each : arguments) ::VariantClear(&each);
-  return called;
-}
-
-HRESULT HostedControl::put(const std::wstring& name, const std::wstring& value) {
-  VARIANT text;
-  text.vt = VT_BSTR;
-  text.bstrVal = ::SysAllocString(value.c_str());
-  return call(name, {text}, DISPATCH_PROPERTYPUT);
-}
-
 HWND HostedControl::ownWindow() const {
   HWND window = nullptr;
   ocx::ComPointer<IOleInPlaceObject>::of(control_.get(), IID_IOleInPlaceObject)->GetWindow(&window);

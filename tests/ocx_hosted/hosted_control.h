@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/ocx/container.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/recorded_container.h"
 #include "tests/ocx_hosted/looking_glass.h"
 #include "tests/support/own_settings.h"
 #include "tests/support/temporary_folder.h"
@@ -28,9 +28,6 @@ class HostedControl : public testing::Test {
   /// A folder with a demo trail, as the name of a server.
   [[nodiscard]] std::wstring trail() const;
 
-  /// `arguments` are in reverse order, and cleared.
-  HRESULT call(const std::wstring& name, std::vector<VARIANT> arguments = {}, WORD flags = DISPATCH_METHOD);
-  HRESULT put(const std::wstring& name, const std::wstring& value);
   /// The control's window in the container, and the viewer's in that.
   [[nodiscard]] HWND ownWindow() const;
   [[nodiscard]] HWND viewerWindow() const;
@@ -45,7 +42,7 @@ class HostedControl : public testing::Test {
   LoadedControl file_;
   ContainerWindow window_;
   ocx::ComPointer<IUnknown> control_;
-  Container container_;
+  RecordedContainer container_;
 
  private:
   static void (*lookUp(const char* name))();

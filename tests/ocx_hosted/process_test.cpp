@@ -69,7 +69,7 @@ TEST(ForeignProcess, IsAsBeforeWhileAControlIsThereAndAfterwards) {
     const LoadedControl file(KORVEL_PACKAGE_FOLDER);
     const ContainerWindow window;
     const ocx::ComPointer<IUnknown> control = file.make();
-    Container container(window.handle(), control.get());
+    RecordedContainer container(window.handle(), control.get());
     ASSERT_EQ(container.doVerb(OLEIVERB_UIACTIVATE), S_OK);
     EXPECT_EQ(processState(), AtStart::state());
   }

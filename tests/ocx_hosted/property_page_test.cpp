@@ -68,8 +68,9 @@ TEST_P(HostedPage, SpeaksTheViewersLanguageAndHasPlaceForIt) {
   const ocx::ComPointer<IUnknown> other = file_.make();
   ocx::ComPointer<IPersistStreamInit>::of(other.get(), IID_IPersistStreamInit)->InitNew();
   for (const wchar_t* name : {L"ViewSideTools", L"ViewToolBar", L"DatabaseType"})
-    ASSERT_EQ(call(name, {number(name == std::wstring(L"DatabaseType") ? 1 : 0)}, DISPATCH_PROPERTYPUT), S_OK);
-  ASSERT_EQ(put(L"DefaultSQLServer", L"PLANT1"), S_OK);
+    ASSERT_EQ(container_.invoke(name, DISPATCH_PROPERTYPUT, {number(name == std::wstring(L"DatabaseType") ? 1 : 0)}),
+              S_OK);
+  ASSERT_EQ(container_.put(L"DefaultSQLServer", L"PLANT1"), S_OK);
   std::array<IUnknown*, 2> controls{control_.get(), other.get()};
   ASSERT_EQ(page_->SetObjects(2, controls.data()), S_OK);
   const RECT place{0, 0, information.size.cx, information.size.cy};

@@ -36,13 +36,13 @@ TEST_F(HostedViewer, FillsItsPlaceAndFollowsIt) {
 }
 
 TEST_F(HostedViewer, QueriesATrailAndTellsOfTheDatabase) {
-  ASSERT_EQ(put(L"DefaultSQLServer", trail()), S_OK);
+  ASSERT_EQ(container_.put(L"DefaultSQLServer", trail()), S_OK);
   ASSERT_EQ(container_.connect(), S_OK);
   ASSERT_EQ(container_.doVerb(OLEIVERB_SHOW), S_OK);
   EXPECT_THAT(container_.told(), Contains(L"event 1 " + trail() + L" - [Korvel_Audit]"));
   EXPECT_EQ(textOf(L"Records"), L"0 Records on current tab");
-  ASSERT_EQ(call(L"TriggerQuery"), S_OK);
-  ASSERT_EQ(call(L"DisplayNoOfRecords"), S_OK);
+  ASSERT_EQ(container_.invoke(L"TriggerQuery"), S_OK);
+  ASSERT_EQ(container_.invoke(L"DisplayNoOfRecords"), S_OK);
   EXPECT_EQ(textOf(L"Records"), std::to_wstring(records) + L" Records on current tab");
   const std::wstring numbers = textOf(L"lvListView0");
   EXPECT_EQ(std::count(numbers.begin(), numbers.end(), L' '), records - 1);
@@ -52,7 +52,7 @@ TEST_F(HostedViewer, AnnouncesChangesAndThatAPersonLeaves) {
   ASSERT_EQ(container_.connect(), S_OK);
   ASSERT_EQ(container_.doVerb(OLEIVERB_SHOW), S_OK);
   container_.forget();
-  ASSERT_EQ(put(L"DefaultSQLServer", L"PLANT1"), S_OK);
+  ASSERT_EQ(container_.put(L"DefaultSQLServer", L"PLANT1"), S_OK);
   EXPECT_THAT(container_.told(), Contains(testing::StartsWith(L"OnChanged ")));
   container_.forget();
   ASSERT_TRUE(look<Trigger>("trigger")(viewerWindow(), L"EXIT"));
@@ -68,14 +68,14 @@ TEST_F(HostedViewer, LivesOnTheContainersLoop) {
 }
 
 /// Closes the container from within the loop of a query that runs.
-Container* closedInQuery = nullptr;
+RecordedContainer* closedInQuery = nullptr;
 void CALLBACK closeContainer(HWND window, UINT, UINT_PTR timer, DWORD) {
   ::KillTimer(window, timer);
   closedInQuery->close();
 }
 
 TEST_F(HostedViewer, CanBeClosedWhileAQueryRuns) {
-  ASSERT_EQ(put(L"DefaultSQLServer", trail()), S_OK);
+  ASSERT_EQ(container_.put(L"DefaultSQLServer", trail()), S_OK);
   ASSERT_EQ(container_.doVerb(OLEIVERB_SHOW), S_OK);
   const auto members = ocx::ComPointer<IDispatch>::of(control_.get(), IID_IDispatch);
   // Only the call itself holds the control when it is closed.
@@ -101,13 +101,13 @@ TEST_F(HostedViewer, SecondOneIsUndisturbedByTheEndOfTheFirst) {
   const ContainerWindow otherWindow;
   ::ShowWindow(otherWindow.handle(), SW_SHOWNA);
   const ocx::ComPointer<IUnknown> other = file_.make();
-  Container otherContainer(otherWindow.handle(), other.get());
-  ASSERT_EQ(put(L"DefaultSQLServer", trail()), S_OK);
+  RecordedContainer otherContainer(otherWindow.handle(), other.get());
+  ASSERT_EQ(container_.put(L"DefaultSQLServer", trail()), S_OK);
   ASSERT_EQ(otherContainer.doVerb(OLEIVERB_SHOW), S_OK);
   ASSERT_EQ(container_.doVerb(OLEIVERB_SHOW), S_OK);
   otherContainer.close();
-  ASSERT_EQ(call(L"TriggerQuery"), S_OK);
-  ASSERT_EQ(call(L"DisplayNoOfRecords"), S_OK);
+  ASSERT_EQ(container_.invoke(L"TriggerQuery"), S_OK);
+  ASSERT_EQ(container_.invoke(L"DisplayNoOfRecords"), S_OK);
   EXPECT_EQ(textOf(L"Records"), std::to_wstring(records) + L" Records on current tab");
 }
 

@@ -1,31 +1,62 @@
+// A container for one control, without any library but the system's: what a program must provide so that the audit
+// viewer can be placed in one of its windows. main.cpp is a program that uses it.
 #pragma once
 
 #include <windows.h>
 // after windows.h
 #include <ocidl.h>
 
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace korvel::test {
+namespace example {
 
-/// The smallest container of one control: a place in a window of the program, and a record of what the control tells.
-/// The caller owns it, and closes it before the window is destroyed.
-class Container final : public IOleClientSite,
-                        public IOleControlSite,
-                        public IOleInPlaceSite,
-                        public IOleInPlaceFrame,
-                        public IDispatch,
-                        public IPropertyNotifySink,
-                        public IAdviseSink {
+/// Another interface of an object for as long as it is needed, or null.
+template <typename Interface>
+class Borrowed {
  public:
-  /// Puts `control` into `window`. While a form is designed the control is not running. A container that connects hears
-  /// of events and changes.
+  Borrowed(IUnknown* object, REFIID identifier) {
+    if (object != nullptr) object->QueryInterface(identifier, reinterpret_cast<void**>(&borrowed_));
+  }
+  ~Borrowed() {
+    if (borrowed_ != nullptr) borrowed_->Release();
+  }
+  Borrowed(const Borrowed&) = delete;
+  Borrowed& operator=(const Borrowed&) = delete;
+  Interface* operator->() const { return borrowed_; }
+  Interface& operator*() const { return *borrowed_; }
+  explicit operator bool() const { return borrowed_ != nullptr; }
+
+ private:
+  Interface* borrowed_ = nullptr;
+};
+
+/// The control's place, which fills a window of the program. The caller owns the container, and closes it before the
+/// window is destroyed. All of it is for one thread, whose apartment is single-threaded.
+class Container : public IOleClientSite,
+                  public IOleControlSite,
+                  public IOleInPlaceSite,
+                  public IOleInPlaceFrame,
+                  public IDispatch,
+                  public IPropertyNotifySink,
+                  public IAdviseSink {
+ public:
+  /// Is given a line for each call of the control: "event 1 ..." for an event, "OnChanged 17" for a property.
+  using Listener = std::function<void(const std::wstring& line)>;
+  /// Is given a key that the control leaves to the program, and returns whether the program has used it.
+  using KeyTaker = std::function<bool(const MSG& message)>;
+
+  /// Puts `control` into `window`. While a form is designed the control is not running.
   Container(HWND window, IUnknown* control, bool running = true);
   ~Container();
   Container(const Container&) = delete;
   Container& operator=(const Container&) = delete;
+
+  void listen(Listener listener) { listener_ = std::move(listener); }
+  void takeKeys(KeyTaker taker) { keys_ = std::move(taker); }
 
   /// Connects to the events and to what the control announces.
   HRESULT connect();
@@ -39,14 +70,15 @@ class Container final : public IOleClientSite,
   HRESULT setAmbient(DISPID property, VARIANT value, DISPID announced);
   /// Whether the container has a window of its own for the control's properties.
   void setHasPropertyWindow(bool has) { hasPropertyWindow_ = has; }
-  /// Whether a message of the program's loop was for the control's keys. Call it before TranslateMessage.
+  /// Calls a member of the control; `kind` is one of DISPATCH_... The arguments, the last one first, are cleared
+  /// afterwards. The text of a failure is told to the listener.
+  HRESULT invoke(std::wstring member, WORD kind = DISPATCH_METHOD, std::vector<VARIANT> arguments = {});
+  HRESULT put(const std::wstring& property, const std::wstring& value);
+  /// Whether a message of the program's loop was for the control's keys. Call it before IsDialogMessage and
+  /// TranslateMessage.
   [[nodiscard]] bool translate(MSG& message);
   /// Deactivates the control and lets it go.
   void close();
-
-  /// What the control has told, one line for each call.
-  [[nodiscard]] const std::vector<std::wstring>& told() const { return told_; }
-  void forget() { told_.clear(); }
   /// How often the control holds the container.
   [[nodiscard]] ULONG references() const { return references_; }
 
@@ -128,7 +160,8 @@ class Container final : public IOleClientSite,
   IOleObject* control_ = nullptr;
   IOleInPlaceActiveObject* active_ = nullptr;
   std::vector<Connected> connected_;
-  std::vector<std::wstring> told_;
+  Listener listener_;
+  KeyTaker keys_;
 };
 
-}  // namespace korvel::test
+}  // namespace example

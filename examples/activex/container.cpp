@@ -1,33 +1,10 @@
-#include "tests/ocx/container.h"
+#include "container.h"
 
 // after windows.h
 #include <oleauto.h>
 #include <olectl.h>
 
-namespace korvel::test {
-namespace {
-
-/// Another interface of an object for as long as it is needed, or null.
-template <typename Interface>
-class Borrowed {
- public:
-  Borrowed(IUnknown* object, REFIID identifier) {
-    if (object != nullptr) object->QueryInterface(identifier, reinterpret_cast<void**>(&borrowed_));
-  }
-  ~Borrowed() {
-    if (borrowed_ != nullptr) borrowed_->Release();
-  }
-  Borrowed(const Borrowed&) = delete;
-  Borrowed& operator=(const Borrowed&) = delete;
-  Interface* operator->() const { return borrowed_; }
-  Interface& operator*() const { return *borrowed_; }
-  explicit operator bool() const { return borrowed_ != nullptr; }
-
- private:
-  Interface* borrowed_ = nullptr;
-};
-
-}  // namespace
+namespace example {
 
 Container::Container(HWND window, IUnknown* control, bool running) : window_(window), running_(running) {
   if (SUCCEEDED(control->QueryInterface(IID_IOleObject, reinterpret_cast<void**>(&control_))))
@@ -85,6 +62,33 @@ HRESULT Container::setAmbient(DISPID property, VARIANT value, DISPID announced) 
   return object->OnAmbientPropertyChange(announced);
 }
 
+HRESULT Container::invoke(std::wstring member, WORD kind, std::vector<VARIANT> arguments) {
+  const Borrowed<IDispatch> members(control_, IID_IDispatch);
+  LPOLESTR name = member.data();
+  DISPID number = DISPID_UNKNOWN;
+  HRESULT result = members ? members->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &number) : E_NOINTERFACE;
+  if (SUCCEEDED(result)) {
+    const bool puts = kind == DISPATCH_PROPERTYPUT;
+    DISPID value = DISPID_PROPERTYPUT;
+    DISPPARAMS given{arguments.data(), puts ? &value : nullptr, static_cast<UINT>(arguments.size()), puts ? 1U : 0U};
+    EXCEPINFO failure{};
+    result = members->Invoke(number, IID_NULL, LOCALE_USER_DEFAULT, kind, &given, nullptr, &failure, nullptr);
+    if (failure.bstrDescription != nullptr) tell(member + L": " + failure.bstrDescription);
+    ::SysFreeString(failure.bstrSource);
+    ::SysFreeString(failure.bstrDescription);
+    ::SysFreeString(failure.bstrHelpFile);
+  }
+  for (VARIANT& each : arguments) ::VariantClear(&each);
+  return result;
+}
+
+HRESULT Container::put(const std::wstring& property, const std::wstring& value) {
+  VARIANT text{};
+  text.vt = VT_BSTR;
+  text.bstrVal = ::SysAllocString(value.c_str());
+  return invoke(property, DISPATCH_PROPERTYPUT, {text});
+}
+
 bool Container::translate(MSG& message) {
   return active_ != nullptr && active_->TranslateAccelerator(&message) == S_OK;
 }
@@ -104,7 +108,7 @@ void Container::close() {
 }
 
 HRESULT Container::tell(const std::wstring& line) {
-  told_.push_back(line);
+  if (listener_) listener_(line);
   return S_OK;
 }
 
@@ -137,7 +141,8 @@ HRESULT Container::GetContainer(IOleContainer** container) {
 }
 
 HRESULT Container::TranslateAccelerator(MSG* message, DWORD modifiers) {
-  return tell(L"TranslateAccelerator " + std::to_wstring(message->wParam) + L' ' + std::to_wstring(modifiers));
+  tell(L"TranslateAccelerator " + std::to_wstring(message->wParam) + L' ' + std::to_wstring(modifiers));
+  return keys_ && keys_(*message) ? S_OK : S_FALSE;
 }
 
 HRESULT Container::ShowPropertyFrame() {
@@ -158,7 +163,7 @@ HRESULT Container::GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindo
   ::GetClientRect(window_, place);
   *clip = *place;
   information->fMDIApp = FALSE;
-  information->hwndFrame = window_;
+  information->hwndFrame = ::GetAncestor(window_, GA_ROOT);
   information->haccel = nullptr;
   information->cAccelEntries = 0;
   return S_OK;
@@ -200,4 +205,4 @@ HRESULT Container::OnChanged(DISPID property) {
   return tell(L"OnChanged " + std::to_wstring(property));
 }
 
-}  // namespace korvel::test
+}  // namespace example
