@@ -1,6 +1,5 @@
 #include "ocx/control_types.h"
 
-#include <mutex>
 #include <string>
 
 #include "ocx/failure.h"
@@ -40,17 +39,34 @@ std::shared_ptr<const ControlTypes> load() {
   return types;
 }
 
+/// The lock of the system, which needs nothing to be given back: the compiler's own locks keep two handles for each
+/// thread, also when the file that contains their library is unloaded.
+class Locked {
+ public:
+  explicit Locked(SRWLOCK& lock) : lock_(lock) { ::AcquireSRWLockExclusive(&lock_); }
+  ~Locked() { ::ReleaseSRWLockExclusive(&lock_); }
+  Locked(const Locked&) = delete;
+  Locked& operator=(const Locked&) = delete;
+
+ private:
+  SRWLOCK& lock_;
+};
+
+// Outside of the function, where they would be made under one of the compiler's locks.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): who uses the types shares them
+SRWLOCK lastTypesLock = SRWLOCK_INIT;
+/// Not kept without a user: nothing may be released while the file is being unloaded.
+constinit std::weak_ptr<const ControlTypes> lastTypes;
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
+
 }  // namespace
 
 std::shared_ptr<const ControlTypes> controlTypes() {
-  // Not kept without a user: nothing may be released while the file is being unloaded.
-  static std::mutex mutex;
-  static std::weak_ptr<const ControlTypes> last;
-  const std::lock_guard<std::mutex> lock(mutex);
-  std::shared_ptr<const ControlTypes> types = last.lock();
+  const Locked locked(lastTypesLock);
+  std::shared_ptr<const ControlTypes> types = lastTypes.lock();
   if (!types) {
     types = load();
-    last = types;
+    lastTypes = types;
   }
   return types;
 }
