@@ -123,11 +123,13 @@ HRESULT PropertyPage::Activate(HWND parent, LPCRECT place, BOOL /*modal*/) noexc
   if (place == nullptr) return E_POINTER;
   if (parent == nullptr) return E_INVALIDARG;
   if (dialog_ != nullptr || !properties_.hasControls()) return E_UNEXPECTED;
-  return guarded([&] {
+  const HRESULT result = guarded([&] {
     makeDialog(parent, this, &PropertyPage::handleMessage);
     fill();
     return Move(place);
   });
+  if (FAILED(result)) Deactivate();
+  return result;
 }
 
 HRESULT PropertyPage::Deactivate() noexcept {
@@ -221,7 +223,14 @@ HRESULT PropertyPage::TranslateAccelerator(MSG* message) noexcept {
       return message->message == WM_SYSCHAR && !hasLetter(dialog_, static_cast<wchar_t>(message->wParam));
     if (message->message != WM_KEYDOWN) return false;
     const HWND list = ::GetDlgItem(dialog_, KORVEL_PAGE_TYPE);
+    const bool withCtrl = ::GetKeyState(VK_CONTROL) < 0;
     switch (message->wParam) {
+      case VK_F1:
+        return true;
+      case VK_PRIOR:
+      case VK_NEXT:
+        // With Ctrl they lead to another page, as Tab does.
+        return withCtrl;
       case VK_RETURN:
       case VK_ESCAPE:
         // They close an open list first.
@@ -230,7 +239,7 @@ HRESULT PropertyPage::TranslateAccelerator(MSG* message) noexcept {
         const bool backwards = ::GetKeyState(VK_SHIFT) < 0;
         const HWND first = ::GetNextDlgTabItem(dialog_, nullptr, FALSE);
         const HWND last = ::GetNextDlgTabItem(dialog_, first, TRUE);
-        return ::GetFocus() == (backwards ? first : last);
+        return withCtrl || ::GetFocus() == (backwards ? first : last);
       }
       default:
         return false;

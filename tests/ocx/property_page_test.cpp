@@ -426,6 +426,21 @@ TEST_F(Page, ReturnAndEscAreTheFrames) {
   EXPECT_EQ(key(VK_RETURN), S_FALSE) << "for the frame's loop";
 }
 
+TEST_F(Page, KeysThatLeadToOtherPagesAreTheFrames) {
+  open({first_.get()});
+  ::SetFocus(element(KORVEL_PAGE_SERVER));
+  EXPECT_EQ(key(VK_F1), S_OK);
+  std::array<BYTE, 256> keys{};
+  keys.at(VK_CONTROL) = 0x80;
+  ::SetKeyboardState(keys.data());
+  EXPECT_EQ(key(VK_TAB), S_OK);
+  EXPECT_EQ(key(VK_NEXT), S_OK);
+  keys.at(VK_CONTROL) = 0;
+  ::SetKeyboardState(keys.data());
+  EXPECT_THAT(frame_.keys, ElementsAre(WPARAM{VK_F1}, WPARAM{VK_TAB}, WPARAM{VK_NEXT}));
+  EXPECT_EQ(::GetFocus(), element(KORVEL_PAGE_SERVER));
+}
+
 TEST_F(Page, LettersLeadToTheirFieldsAndOthersAreTheFrames) {
   open({first_.get()});
   ::SetWindowTextW(element(KORVEL_PAGE_SERVER_LABEL), L"&Server");
