@@ -28,7 +28,7 @@ void setVariant(VARIANT& variant, const PropertyValue& value) {
     variant.vt = VT_I4;
     variant.lVal = *number;
   } else {
-    const std::wstring& text = std::get<std::wstring>(value);
+    const auto& text = std::get<std::wstring>(value);
     variant.bstrVal = ::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     if (variant.bstrVal == nullptr) throw std::bad_alloc();
     variant.vt = VT_BSTR;

@@ -4,6 +4,7 @@
 namespace __gnu_cxx {
 /// Of the compiler's library: frees the memory that it keeps for exceptions in a process without memory, 73 KB for each
 /// loaded copy of the library. It does not do so by itself.
+// NOLINTNEXTLINE(readability-identifier-naming): its name in that library
 void __freeres();
 }  // namespace __gnu_cxx
 
