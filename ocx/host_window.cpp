@@ -20,7 +20,8 @@ void HostWindow::open(HWND parent, const RECT& place) {
   if (::RegisterClassExW(&description) == 0 && ::GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
     check(HRESULT_FROM_WIN32(::GetLastError()));
   constexpr DWORD style = WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_TABSTOP;
-  window_ = ::CreateWindowExW(WS_EX_CONTROLPARENT, className, L"Korvel Audit Viewer", style, place.left, place.top,
+  // For the Tab key of forms it is one element, though it has children: it passes the focus on.
+  window_ = ::CreateWindowExW(0, className, L"Korvel Audit Viewer", style, place.left, place.top,
                               place.right - place.left, place.bottom - place.top, parent, nullptr, ownInstance(), this);
   if (window_ == nullptr) check(HRESULT_FROM_WIN32(::GetLastError()));
 }

@@ -225,9 +225,13 @@ HRESULT Placement::ReactivateAndUndo() noexcept {
 
 HRESULT Placement::TranslateAccelerator(LPMSG message) noexcept {
   if (message == nullptr) return E_POINTER;
-  if (dead_ || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN) ||
-      !isWithin(message->hwnd, window_.handle()))
-    return S_FALSE;
+  if (dead_ || !isWithin(message->hwnd, window_.handle())) return S_FALSE;
+  // A form would look for a typed letter among its mnemonics.
+  if (message->message == WM_CHAR) {
+    ::DispatchMessageW(message);
+    return S_OK;
+  }
+  if (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN) return S_FALSE;
   return guarded([&] {
     const bool leaves = message->wParam == VK_TAB && viewer().isAtEnd(::GetKeyState(VK_SHIFT) < 0);
     if (!leaves && message->message == WM_KEYDOWN && isKeyOfDialogs(message->wParam)) {

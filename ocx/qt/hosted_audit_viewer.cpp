@@ -48,7 +48,7 @@ HRESULT giveBoolean(VARIANT_BOOL* place, bool value) {
 
 HostedAuditViewer::HostedAuditViewer(ViewerOwner& owner) : owner_(owner), viewer_(std::make_unique<AuditViewer>()) {
   viewer_->setWindowFlag(Qt::FramelessWindowHint);
-  viewer_->installEventFilter(this);
+  qApp->installEventFilter(this);
   // The owner may discard this object in any of these.
   connect(viewer_.get(), &AuditViewer::DatabaseSelected, this,
           [this](const QString& database) { owner_.databaseSelected(wide(database)); });
@@ -63,10 +63,30 @@ HostedAuditViewer::HostedAuditViewer(ViewerOwner& owner) : owner_(owner), viewer
 
 HostedAuditViewer::~HostedAuditViewer() = default;
 
-bool HostedAuditViewer::eventFilter(QObject* /*watched*/, QEvent* event) {
-  if (event->type() == QEvent::WindowBlocked) owner_.dialogOpen(true);
-  if (event->type() == QEvent::WindowUnblocked) owner_.dialogOpen(false);
+bool HostedAuditViewer::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == viewer_.get()) {
+    if (event->type() == QEvent::WindowBlocked) owner_.dialogOpen(true);
+    if (event->type() == QEvent::WindowUnblocked) owner_.dialogOpen(false);
+  } else if (event->type() == QEvent::Show && watched->isWidgetType()) {
+    takeWindow(static_cast<QWidget&>(*watched));
+  }
   return false;
+}
+
+// For the toolkit the viewer's own windows have no owner, because it is a child of a window that the toolkit does not
+// know. They could be covered by the container's.
+void HostedAuditViewer::takeWindow(QWidget& window) const {
+  const Qt::WindowType type = window.windowType();
+  if (!container_ || !window.isWindow() || type == Qt::Popup || type == Qt::ToolTip) return;
+  if (window.parentWidget() == nullptr || window.parentWidget()->window() != viewer_.get()) return;
+  // While it is being shown, the toolkit takes an owner away again.
+  QMetaObject::invokeMethod(
+      &window,
+      [&window, around = ::GetAncestor(reinterpret_cast<HWND>(container_->winId()), GA_ROOT)] {
+        ::SetWindowLongPtrW(reinterpret_cast<HWND>(window.winId()), GWLP_HWNDPARENT,
+                            reinterpret_cast<LONG_PTR>(around));
+      },
+      Qt::QueuedConnection);
 }
 
 HRESULT HostedAuditViewer::get_DatabaseType(LONG* value) noexcept {
@@ -201,6 +221,10 @@ HRESULT HostedAuditViewer::place(HWND parent, SIZE size) noexcept {
       result = E_FAIL;
       return;
     }
+    // The system activates what gets a parent without being a child, and so would take the focus from the form.
+    const HWND own = reinterpret_cast<HWND>(viewer_->winId());
+    const auto style = static_cast<DWORD>(::GetWindowLongPtrW(own, GWL_STYLE));
+    ::SetWindowLongPtrW(own, GWL_STYLE, static_cast<LONG_PTR>((style & ~DWORD{WS_POPUP}) | WS_CHILD));
     viewer_->windowHandle()->setParent(container_.get());
     // A widget that was never resized would take the size that it likes best. The exact size follows, in pixels.
     viewer_->resize((QSizeF(size.cx, size.cy) / viewer_->devicePixelRatioF()).toSize());

@@ -39,6 +39,8 @@ class HostedAuditViewer final : public QObject, public HostedViewer {
   ~HostedAuditViewer() override;
   /// Shows and hides elements as the stored properties say.
   void applyProperties();
+  /// Makes the container's window the owner of a dialog or another window of the viewer.
+  void takeWindow(QWidget& window) const;
 
   ViewerOwner& owner_;
   std::unique_ptr<AuditViewer> viewer_;

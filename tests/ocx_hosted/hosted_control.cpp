@@ -61,6 +61,10 @@ std::wstring HostedControl::textOf(const wchar_t* element) const {
   return taken(look<TextOf>("textOf")(viewerWindow(), element));
 }
 
+std::wstring HostedControl::focus() const {
+  return taken(look<FocusOf>("focusOf")(viewerWindow()));
+}
+
 void (*HostedControl::lookUp(const char* name))() {
   HMODULE glass = ::GetModuleHandleW(glassName);
   if (glass == nullptr) {

@@ -32,6 +32,8 @@ class HostedControl : public testing::Test {
   [[nodiscard]] HWND ownWindow() const;
   [[nodiscard]] HWND viewerWindow() const;
   [[nodiscard]] std::wstring textOf(const wchar_t* element) const;
+  /// The name of the viewer's element that has the focus, empty for none.
+  [[nodiscard]] std::wstring focus() const;
   template <typename Function>
   [[nodiscard]] static Function look(const char* name) {
     return reinterpret_cast<Function>(lookUp(name));

@@ -2,7 +2,8 @@
 
 #include <QAbstractItemView>
 #include <QAction>
-#include <QCoreApplication>
+#include <QApplication>
+#include <QImage>
 #include <QLabel>
 #include <QMetaObject>
 #include <QStringList>
@@ -52,6 +53,23 @@ __declspec(dllexport) bool trigger(HWND viewer, const wchar_t* command) {
 
 __declspec(dllexport) BSTR pluginFolders() {
   return given(QCoreApplication::libraryPaths().join(QLatin1Char('\n')));
+}
+
+__declspec(dllexport) BSTR focusOf(HWND viewer) {
+  const QWidget* const widget = viewerOf(viewer);
+  const QWidget* focused = QApplication::focusWidget();
+  if (widget == nullptr || focused == nullptr || !widget->isAncestorOf(focused)) return given(QString());
+  while (focused->objectName().isEmpty()) focused = focused->parentWidget();
+  return given(focused->objectName());
+}
+
+__declspec(dllexport) bool pictureOf(HWND viewer, int width, int height, void* pixels) {
+  QWidget* const widget = viewerOf(viewer);
+  if (widget == nullptr) return false;
+  QImage picture(static_cast<uchar*>(pixels), width, height, QImage::Format_RGB32);
+  picture.fill(widget->palette().color(QPalette::Window));
+  widget->render(&picture);
+  return true;
 }
 
 __declspec(dllexport) void callLater(bool* done) {

@@ -16,6 +16,11 @@ using SizeOf = SIZE (*)(HWND viewer);
 using Trigger = bool (*)(HWND viewer, const wchar_t* command);
 /// The folders in which plug-ins are looked for, one line each. The caller frees it.
 using PluginFolders = BSTR (*)();
+/// The name of the viewer's element that has the toolkit's focus, or of the nearest one around it that has a name. The
+/// caller frees it.
+using FocusOf = BSTR (*)(HWND viewer);
+/// The viewer as it is on the screen: `width` by `height` pixels of 32 bits, the upper row first.
+using PictureOf = bool (*)(HWND viewer, int width, int height, void* pixels);
 /// Leaves a call to the toolkit's events, which sets `done`.
 using CallLater = void (*)(bool* done);
 
