@@ -7,6 +7,9 @@
 #include <olectl.h>
 #include <shellapi.h>
 
+#include <cstdlib>
+#include <cwchar>
+#include <cwctype>
 #include <memory>
 #include <string>
 
@@ -72,6 +75,7 @@ class Form {
   static LRESULT CALLBACK handle(HWND window, UINT message, WPARAM first, LPARAM second);
   void layOut();
   void pressed(int element);
+  bool takesKey(const MSG& message);
   [[nodiscard]] HWND element(int number) const { return ::GetDlgItem(window_, number); }
   [[nodiscard]] std::wstring server() const;
 
@@ -113,18 +117,31 @@ Form::Form(IUnknown* viewer, const std::wstring& server) {
   ::SetWindowTextW(element(serverField), server.c_str());
   container_ = std::make_unique<Container>(place_, viewer);
   container_->listen([this](const std::wstring& line) { ::SetWindowTextW(element(toldLine), line.c_str()); });
-  // Tab leaves the viewer at its ends, for the next element of the form.
-  container_->takeKeys([this](const MSG& message) {
-    if (message.wParam != VK_TAB) return false;
-    const bool back = ::GetKeyState(VK_SHIFT) < 0;
-    ::SetFocus(back ? element(designBox) : element(serverField));
-    return true;
-  });
+  container_->takeKeys([this](const MSG& message) { return takesKey(message); });
   container_->connect();
   container_->put(L"DefaultSQLServer", server);
   ::ShowWindow(window_, SW_SHOW);
   // The viewer selects the database when it is shown first.
   container_->doVerb(OLEIVERB_SHOW);
+  ::SetFocus(element(serverField));
+}
+
+// While the viewer has the focus: Tab leaves it at its ends for an element of the form, and Alt with a letter is for
+// the form first.
+bool Form::takesKey(const MSG& message) {
+  if (message.wParam == VK_TAB) {
+    ::SetFocus(element(::GetKeyState(VK_SHIFT) < 0 ? designBox : serverField));
+    return true;
+  }
+  if (message.message != WM_SYSKEYDOWN) return false;
+  for (const Described& each : elements) {
+    const wchar_t* const mark = std::wcschr(each.text, L'&');
+    if (mark == nullptr || std::towupper(mark[1]) != message.wParam) continue;
+    ::SetFocus(element(each.number));
+    ::SendMessageW(element(each.number), BM_CLICK, 0, 0);
+    return true;
+  }
+  return false;
 }
 
 std::wstring Form::server() const {
@@ -160,6 +177,7 @@ void Form::pressed(int element) {
       break;
     case queryButton:
       container_->invoke(L"TriggerQuery");
+      container_->invoke(L"DisplayNoOfRecords");
       break;
     case exportButton:
       container_->invoke(L"ExportNotepad");
