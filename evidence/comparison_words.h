@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,7 +14,7 @@ namespace korvel::evidence {
 /// In which language a comparison is told, and how numbers are written in it.
 struct ComparisonLanguage {
   settings::LanguageOffset language{};
-  std::function<std::string(std::size_t)> count{};
+  std::function<std::string(std::uint64_t)> count{};
 
   [[nodiscard]] std::string text(std::string_view key, const std::vector<std::string>& values = {}) const {
     return settings::filled(settings::ownText(key, language), values);

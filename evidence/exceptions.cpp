@@ -278,7 +278,7 @@ class Search {
    private:
     std::uint32_t& slotOf(std::uint64_t key) {
       constexpr std::uint64_t mixer = 0x9E3779B97F4A7C15U;
-      std::size_t at = ((key ^ (key >> 29U)) * mixer) >> 20U;
+      auto at = static_cast<std::size_t>(((key ^ (key >> 29U)) * mixer) >> 20U);
       while (true) {
         std::uint32_t& slot = slots_[at & (slots_.size() - 1)];
         if (slot == 0 || keys_[slot - 1] == key) return slot;

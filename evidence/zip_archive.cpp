@@ -66,7 +66,7 @@ ZipArchive::ZipArchive(std::string_view bytes, std::uint64_t mostUnpackedBytes)
   const std::uint32_t count = shortAt(bytes, end + 10);
   const std::uint64_t begin = longAt(bytes, end + 16);
   if (begin + longAt(bytes, end + 12) > end) refuse("the directory of its parts does not lie in the file");
-  std::size_t at = begin;
+  auto at = static_cast<std::size_t>(begin);
   const auto damaged = [] { refuse("the directory of its parts is damaged"); };
   for (std::uint32_t i = 0; i < count; ++i) {
     if (at + directoryBytes > end || bytes.substr(at, directoryMark.size()) != directoryMark) damaged();

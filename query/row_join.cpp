@@ -15,7 +15,7 @@ constexpr std::string_view entryNumberColumn = "Nr";
 constexpr std::string_view tableNameColumn = "TableName";
 
 std::uint32_t hashOf(std::string_view text) noexcept {
-  const std::size_t hash = std::hash<std::string_view>()(text);
+  const std::uint64_t hash = std::hash<std::string_view>()(text);
   return static_cast<std::uint32_t>(hash ^ hash >> 32U);
 }
 

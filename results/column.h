@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -100,16 +101,15 @@ class Column {
   void fillRanks(std::vector<std::uint32_t>& ranks, bool numericKeys) const;
 
  private:
-  enum class EntryWidth : std::uint8_t { byte = 1, two = 2, four = 4, address = 8 };
-
-  static_assert(sizeof(StoredText) == 8);
+  enum class EntryWidth : std::uint8_t { byte, two, four, address };
+  static constexpr std::array<std::size_t, 4> bytesOf{1, 2, 4, sizeof(StoredText)};
 
   struct Block {
     HeapBytes entries;
     EntryWidth width = EntryWidth::byte;
 
     Block(EntryWidth entryWidth, std::size_t rows)
-        : entries(heapBytes(rows * static_cast<std::size_t>(entryWidth))), width(entryWidth) {}
+        : entries(heapBytes(rows * bytesOf[static_cast<std::size_t>(entryWidth)])), width(entryWidth) {}
     template <typename Entry>
     [[nodiscard]] Entry at(std::size_t row) const noexcept {
       Entry entry;

@@ -32,7 +32,7 @@ ValueCode Dictionary::add(std::string_view text, TextArena& arena) {
   const auto code = static_cast<ValueCode>(values_.size());
   values_.push_back(stored);
   wanted_.code = code;
-  if (!isShort(text)) wanted_.bits = std::bit_cast<std::uint64_t>(stored);
+  if (!isShort(text)) wanted_.bits = std::bit_cast<std::uintptr_t>(stored);
   if (!place(slots_, wanted_)) crowded_ = true;
   lastShortText_ = isShort(text) ? wanted_.bits : 0;
   lastLongText_ = isShort(text) ? std::string_view{} : textAt(stored);

@@ -60,7 +60,7 @@ class Dictionary {
         lastShortText_ = slot.bits;
         lastLongText_ = {};
       } else {
-        const std::string_view found = textAt(std::bit_cast<StoredText>(slot.bits));
+        const std::string_view found = textAt(addressFrom(slot.bits));
         if (!sameText(found, text)) continue;
         lastShortText_ = 0;
         lastLongText_ = found;
@@ -86,6 +86,9 @@ class Dictionary {
     std::uint32_t hash = 0;
     ValueCode code = nullCode;
   };
+  static StoredText addressFrom(std::uint64_t bits) noexcept {
+    return std::bit_cast<StoredText>(static_cast<std::uintptr_t>(bits));
+  }
   static constexpr std::uint32_t shortMark = 1;
   static constexpr std::size_t longestProbe = 128;
   static constexpr std::size_t firstSlots = 16;

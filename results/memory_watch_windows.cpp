@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <algorithm>
+
 #include "results/memory_watch.h"
 
 namespace korvel::results {
@@ -8,9 +10,10 @@ std::optional<MemoryState> memoryState() {
   MEMORYSTATUSEX status{};
   status.dwLength = sizeof status;
   if (GlobalMemoryStatusEx(&status) == 0) return std::nullopt;
-  // What may still be promised to processes counts as well: where that ends, allocations fail.
-  return MemoryState{status.ullAvailPhys < status.ullAvailPageFile ? status.ullAvailPhys : status.ullAvailPageFile,
-                     status.ullTotalPhys};
+  // What may still be promised to processes counts as well, and the addresses of this one, which are few in 32 bits:
+  // where either ends, allocations fail.
+  return MemoryState{std::min({status.ullAvailPhys, status.ullAvailPageFile, status.ullAvailVirtual}),
+                     std::min(status.ullTotalPhys, status.ullTotalVirtual)};
 }
 
 }  // namespace korvel::results

@@ -64,7 +64,8 @@ class PairIds {
   }
   std::uint32_t idOf(std::uint32_t first, std::uint32_t second) {
     const std::uint64_t pair = std::uint64_t{first} * secondCount_ + second;
-    std::uint32_t& id = direct_.empty() ? hashed_.try_emplace(pair, free).first->second : direct_[pair];
+    std::uint32_t& id =
+        direct_.empty() ? hashed_.try_emplace(pair, free).first->second : direct_[static_cast<std::size_t>(pair)];
     if (id == free) {
       id = static_cast<std::uint32_t>(pairs.size());
       pairs.emplace_back(first, second);

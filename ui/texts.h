@@ -2,7 +2,7 @@
 
 #include <QLocale>
 #include <QString>
-#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string_view>
 
@@ -38,7 +38,7 @@ namespace korvel::ui {
 
 /// A number of records or characters for our own texts, its digits grouped as in the locale. Fixed texts take plain
 /// digits.
-[[nodiscard]] inline QString countText(std::size_t count) {
+[[nodiscard]] inline QString countText(std::uint64_t count) {
   return QLocale().toString(static_cast<qulonglong>(count));
 }
 

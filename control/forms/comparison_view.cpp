@@ -51,7 +51,7 @@ db::Cell cellOf(const std::optional<std::string>& value) {
 }  // namespace
 
 evidence::ComparisonLanguage comparisonLanguage() {
-  return {libraryState().language, [](std::size_t count) { return countText(count).toStdString(); }};
+  return {libraryState().language, [](std::uint64_t count) { return countText(count).toStdString(); }};
 }
 
 ComparisonView::ComparisonView(QWidget* owner) : QDialog(owner) {
