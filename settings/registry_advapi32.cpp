@@ -88,6 +88,9 @@ class Advapi32Key : public SettingsKey {
   HKEY handle_;
 };
 
+/// Programs of 32 bits have the settings of those of 64.
+constexpr REGSAM sharedKeys = KEY_WOW64_64KEY;
+
 }  // namespace
 
 Win32Error RegistryAdvapi32::openForReading(const std::string& keyPath, std::unique_ptr<SettingsKey>& key) {
@@ -95,7 +98,7 @@ Win32Error RegistryAdvapi32::openForReading(const std::string& keyPath, std::uni
   const Win32Error failure = wideName(keyPath, path);
   if (failure != Win32Error::success) return failure;
   HKEY handle = nullptr;
-  const LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &handle);
+  const LSTATUS status = RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ | sharedKeys, &handle);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
   return static_cast<Win32Error>(status);
 }
@@ -106,7 +109,7 @@ Win32Error RegistryAdvapi32::createOrOpen(const std::string& keyPath, std::uniqu
   if (failure != Win32Error::success) return failure;
   HKEY handle = nullptr;
   const LSTATUS status = RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                         KEY_ALL_ACCESS, nullptr, &handle, nullptr);
+                                         KEY_ALL_ACCESS | sharedKeys, nullptr, &handle, nullptr);
   if (status == ERROR_SUCCESS) key = std::make_unique<Advapi32Key>(handle);
   return static_cast<Win32Error>(status);
 }
