@@ -308,7 +308,7 @@ void addSentence(std::string& remark, std::string_view sentence) {
   remark.append(remark.empty() ? "" : ". ").append(sentence);
 }
 
-std::string groupedNumber(std::size_t number) {
+std::string groupedNumber(std::uint64_t number) {
   std::string text = std::to_string(number);
   for (std::size_t at = text.size(); at > 3;) text.insert(at -= 3, ",");
   return text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <optional>
@@ -76,6 +77,6 @@ using AnswerWriter =
 void addSentence(std::string& remark, std::string_view sentence);
 
 /// "48,213".
-[[nodiscard]] std::string groupedNumber(std::size_t number);
+[[nodiscard]] std::string groupedNumber(std::uint64_t number);
 
 }  // namespace korvel::cli

@@ -18,21 +18,15 @@ namespace {
 /// The real registry, below a key that the tests create and delete.
 struct WindowsRegistry : testing::Test {
   WindowsRegistry() {
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"SOFTWARE", 0, KEY_READ | KEY_WOW64_64KEY, &software);
-    RegDeleteTreeW(software, path.c_str());
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
     HKEY key = nullptr;
-    if (RegCreateKeyExW(software, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) == 0)
+    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) == 0)
       RegCloseKey(key);
     else
       mayWrite = false;
-    RegDeleteTreeW(software, path.c_str());
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
   }
-  ~WindowsRegistry() override {
-    RegDeleteTreeW(software, path.c_str());
-    RegCloseKey(software);
-  }
-  WindowsRegistry(const WindowsRegistry&) = delete;
-  WindowsRegistry& operator=(const WindowsRegistry&) = delete;
+  ~WindowsRegistry() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str()); }
   void SetUp() override {
     if (!mayWrite) GTEST_SKIP() << "no right to write to the registry of the machine";
   }
@@ -55,16 +49,15 @@ struct WindowsRegistry : testing::Test {
   /// Stores a value as another program would.
   void store(const wchar_t* name, DWORD type, const void* bytes, DWORD size) const {
     HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(software, (path + L"\\AuditViewerTest").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                              &key, nullptr),
+    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
               ERROR_SUCCESS);
     EXPECT_EQ(RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(bytes), size), ERROR_SUCCESS);
     RegCloseKey(key);
   }
 
   const std::string application = "MolvaneTest";
-  HKEY software = nullptr;  ///< that of programs of 64 bits, in programs of 32 too
-  const std::wstring path = L"MolvaneTest";
+  const std::wstring path = L"SOFTWARE\\MolvaneTest";
   RegistryAdvapi32 backend;
   Registry registry{backend};
   bool mayWrite = true;
@@ -143,7 +136,8 @@ TEST_F(WindowsRegistry, NamesThatNoKeyCanHaveFailWithTheSystemsNumber) {
 TEST_F(WindowsRegistry, WithoutTheRightToWriteSavingFailsWithFive) {
   save("Language", "10000");
   HKEY key = nullptr;
-  ASSERT_EQ(RegOpenKeyExW(software, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
+  ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &key),
+            ERROR_SUCCESS);
   // An empty access list: only the owner has a right, to change the list.
   ACL nobody{};
   ASSERT_NE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION), 0);
@@ -151,7 +145,8 @@ TEST_F(WindowsRegistry, WithoutTheRightToWriteSavingFailsWithFive) {
       SetSecurityInfo(key, SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr,
                       nullptr, &nobody, nullptr);
   HKEY again = nullptr;
-  const LSTATUS opened = RegOpenKeyExW(software, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &again);
+  const LSTATUS opened =
+      RegOpenKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &again);
   if (opened == ERROR_SUCCESS) RegCloseKey(again);
   std::string description;
   const std::uint32_t number = numberOf([&] { save("Language", "20000"); }, &description);
