@@ -77,7 +77,8 @@ std::wstring randomSuffix() {
   std::uint64_t number = 0;
   if (RtlGenRandom(&number, sizeof number) == 0) return {};
   std::wstring suffix = L".";
-  for (int i = 0; i < 6; ++i, number /= characters.size()) suffix += characters[static_cast<std::size_t>(number % characters.size())];
+  for (int i = 0; i < 6; ++i, number /= characters.size())
+    suffix += characters[static_cast<std::size_t>(number % characters.size())];
   return suffix;
 }
 
