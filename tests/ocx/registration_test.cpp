@@ -117,13 +117,16 @@ constexpr const char* wholeRegistration = R"(
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0 =Korvel Audit Viewer control
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\0
-\TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\0\win64
-\TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\0\win64 =FILE
+\TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\0\PLATFORM
+\TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\0\PLATFORM =FILE
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\FLAGS
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\FLAGS =0
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\HELPDIR
 \TypeLib\{03B940E8-C152-4AF9-8F62-C570081FD9CC}\1.0\HELPDIR =FOLDER
 )";
+
+const std::string ownPlatform = sizeof(void*) == 8 ? "win64" : "win32";
+const std::string otherPlatform = sizeof(void*) == 8 ? "win32" : "win64";
 
 std::string replaced(std::string text, const std::string& what, const std::string& with) {
   for (std::size_t place = text.find(what); place != std::string::npos; place = text.find(what, place + with.size()))
@@ -135,7 +138,8 @@ TEST_F(Registration, HasAllThatContainersLookFor) {
   ASSERT_EQ(registerControl(classes_, ocxFile()), S_OK);
   const std::string file = utf8FromWide(ocxFile());
   const std::string folder = file.substr(0, file.find_last_of('\\'));
-  EXPECT_EQ(text(), replaced(replaced(wholeRegistration, "=FILE", "=" + file), "=FOLDER", "=" + folder));
+  const std::string whole = replaced(wholeRegistration, "PLATFORM", ownPlatform);
+  EXPECT_EQ(text(), replaced(replaced(whole, "=FILE", "=" + file), "=FOLDER", "=" + folder));
 }
 
 TEST_F(Registration, RegisteringAgainChangesNothing) {
@@ -196,12 +200,12 @@ TEST_F(Registration, ACopyThatWasRegisteredLaterStays) {
 
 TEST_F(Registration, TheOtherProcessorWidthKeepsItsTypeLibrary) {
   ASSERT_EQ(registerControl(classes_, ocxFile()), S_OK);
-  const std::wstring other = std::wstring(libraryVersion) + L"\\0\\win32";
+  const std::wstring other = std::wstring(libraryVersion) + L"\\0\\" + lossyWideFromUtf8(otherPlatform);
   ASSERT_EQ(writeEntries(classes_, {{other, {}, L"C:\\Other\\KorvelAuditViewerOCX.ocx"}}), ERROR_SUCCESS);
   ASSERT_EQ(unregisterControl(classes_, ocxFile()), S_OK);
   EXPECT_EQ(valueOf(classes_, other), L"C:\\Other\\KorvelAuditViewerOCX.ocx");
   EXPECT_EQ(valueOf(classes_, libraryVersion), L"Korvel Audit Viewer control");
-  EXPECT_THAT(text(), Not(HasSubstr("win64")));
+  EXPECT_THAT(text(), Not(HasSubstr(ownPlatform)));
   EXPECT_THAT(text(), Not(HasSubstr(control)));
 }
 

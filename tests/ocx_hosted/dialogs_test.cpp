@@ -21,19 +21,19 @@ void CALLBACK runStep(HWND window, UINT, UINT_PTR timer, DWORD) {
   if (duringDialog()()) ::KillTimer(window, timer);
 }
 
+struct OwnedWindow {
+  HWND owner;
+  HWND found;
+};
+BOOL CALLBACK noteOwned(HWND window, LPARAM place) {
+  auto& wanted = *reinterpret_cast<OwnedWindow*>(place);
+  if (::IsWindowVisible(window) != 0 && ::GetWindow(window, GW_OWNER) == wanted.owner) wanted.found = window;
+  return TRUE;
+}
+
 HWND dialogOf(HWND owner) {
-  struct Search {
-    HWND owner;
-    HWND found;
-  } search{owner, nullptr};
-  ::EnumThreadWindows(
-      ::GetCurrentThreadId(),
-      [](HWND window, LPARAM place) -> BOOL {
-        auto& wanted = *reinterpret_cast<Search*>(place);
-        if (::IsWindowVisible(window) != 0 && ::GetWindow(window, GW_OWNER) == wanted.owner) wanted.found = window;
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  OwnedWindow search{owner, nullptr};
+  ::EnumThreadWindows(::GetCurrentThreadId(), noteOwned, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 
