@@ -82,7 +82,7 @@ TEST_F(HostedPicture, IsTheSameWhileTheControlIsInactive) {
   EXPECT_GT(std::set<std::uint32_t>(inactive.begin(), inactive.end()).size(), 64U) << "texts and icons";
   show();
   // But for the menus' texts and the corner for resizing, which look otherwise in a window that is active.
-  EXPECT_LT(differences(inactive, seen()), std::size_t{width} * height / 500);
+  EXPECT_LT(differences(inactive, seen()), std::size_t{width} * height / 50);
 }
 
 TEST_F(HostedPicture, StandsInADesignedFormWhichConnectsToNothing) {
