@@ -34,9 +34,17 @@ std::vector<std::size_t> byteOffsets(std::string_view text) {
 /// How a pattern calls itself as a whole.
 constexpr const char* selfCalls[] = {"(?R)", "(?0)", "\\g<0>", "\\g'0'"};
 
+// With this compiler the memory of a thread's variables is given back before they are destroyed. The library keeps the
+// stack of compiled expressions in such a variable, so a thread that had used one could crash at its end.
+#ifdef __MINGW32__
+constexpr const char* compiling = "(*NO_JIT)";
+#else
+constexpr const char* compiling = "";
+#endif
+
 /// Must be the beginning of a pattern. Matches without a character are none.
 QString limits(unsigned steps) {
-  return QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=%1)").arg(steps);
+  return QLatin1String(compiling) + QStringLiteral("(*NOTEMPTY)(*LIMIT_MATCH=%1)").arg(steps);
 }
 
 /// The settings at the beginning of a pattern, which mean something only there, such as "(*ANYCRLF)".
