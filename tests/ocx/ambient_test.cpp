@@ -11,30 +11,20 @@
 #include "ocx/com_pointer.h"
 #include "tests/ocx/loaded_control.h"
 #include "tests/ocx/recorded_container.h"
+#include "tests/ocx/variants.h"
 
 namespace korvel::ocx {
 namespace {
 
 using Container = test::RecordedContainer;
+using test::boolean;
 using test::ContainerWindow;
 using test::LoadedControl;
+using test::number;
 using testing::Contains;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-
-VARIANT boolean(bool value) {
-  VARIANT made{};
-  made.vt = VT_BOOL;
-  made.boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
-  return made;
-}
-VARIANT number(LONG value) {
-  VARIANT made{};
-  made.vt = VT_I4;
-  made.lVal = value;
-  return made;
-}
 
 class Ambient : public testing::Test {
  protected:

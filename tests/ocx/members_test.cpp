@@ -14,6 +14,7 @@
 #include "base/wide_text_windows.h"
 #include "tests/ocx/loaded_control.h"
 #include "tests/ocx/recorded_container.h"
+#include "tests/ocx/variants.h"
 
 namespace korvel::embedded {
 extern const std::string_view typeLibraryTable;
@@ -25,22 +26,11 @@ namespace {
 using Container = test::RecordedContainer;
 using test::ContainerWindow;
 using test::LoadedControl;
+using test::number;
+using test::text;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-VARIANT text(const wchar_t* value) {
-  VARIANT made;
-  made.vt = VT_BSTR;
-  made.bstrVal = ::SysAllocString(value);
-  return made;
-}
-VARIANT number(LONG value) {
-  VARIANT made;
-  made.vt = VT_I4;
-  made.lVal = value;
-  return made;
-}
 
 class Members : public testing::Test {
  protected:

@@ -16,13 +16,17 @@
 #include "tests/ocx/holdings.h"
 #include "tests/ocx/loaded_control.h"
 #include "tests/ocx/recorded_container.h"
+#include "tests/ocx/variants.h"
 
 namespace korvel::ocx {
 namespace {
 
 using Container = test::RecordedContainer;
+using test::boolean;
 using test::ContainerWindow;
 using test::LoadedControl;
+using test::number;
+using test::text;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -159,24 +163,6 @@ class Page : public testing::Test {
               S_OK);
     ::VariantClear(&value);
   }
-  static VARIANT no() {
-    VARIANT made{};
-    made.vt = VT_BOOL;
-    made.boolVal = VARIANT_FALSE;
-    return made;
-  }
-  static VARIANT text(const wchar_t* value) {
-    VARIANT made{};
-    made.vt = VT_BSTR;
-    made.bstrVal = ::SysAllocString(value);
-    return made;
-  }
-  static VARIANT number(LONG value) {
-    VARIANT made{};
-    made.vt = VT_I4;
-    made.lVal = value;
-    return made;
-  }
   /// All four properties of a control, in the order of the page.
   static std::wstring valuesOf(const ComPointer<IUnknown>& control) {
     std::wstring all;
@@ -251,7 +237,7 @@ TEST_F(Page, SaysItsTitleAndTheSizeInWhichAllHasPlace) {
 }
 
 TEST_F(Page, ShowsTheValuesOfAControl) {
-  put(first_, toolBar, no());
+  put(first_, toolBar, boolean(false));
   put(first_, server, text(L"PLANT1"));
   put(first_, databaseType, number(1));
   open({first_.get()});
@@ -298,7 +284,7 @@ TEST_F(Page, WritesWhatWasChangedAndNothingElse) {
 }
 
 TEST_F(Page, WhereControlsDifferAFieldIsUndetermined) {
-  put(first_, sideTools, no());
+  put(first_, sideTools, boolean(false));
   put(first_, server, text(L"PLANT1"));
   put(first_, databaseType, number(1));
   open({first_.get(), second_.get()});
@@ -317,7 +303,7 @@ TEST_F(Page, WhereControlsDifferAFieldIsUndetermined) {
 }
 
 TEST_F(Page, AnUndeterminedFieldThatIsSetIsWrittenToAll) {
-  put(first_, sideTools, no());
+  put(first_, sideTools, boolean(false));
   put(first_, server, text(L"PLANT1"));
   open({first_.get(), second_.get()});
   click(KORVEL_PAGE_SIDE_TOOLS);
@@ -332,7 +318,7 @@ TEST_F(Page, AnUndeterminedFieldThatIsSetIsWrittenToAll) {
 }
 
 TEST_F(Page, ATickCanBeLeftUndeterminedAgain) {
-  put(first_, sideTools, no());
+  put(first_, sideTools, boolean(false));
   open({first_.get(), second_.get()});
   for (int times = 0; times < 3; ++times) click(KORVEL_PAGE_SIDE_TOOLS);
   EXPECT_EQ(tick(KORVEL_PAGE_SIDE_TOOLS), BST_INDETERMINATE);

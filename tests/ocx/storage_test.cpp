@@ -13,11 +13,14 @@
 #include "ocx/failure.h"
 #include "ocx/stored_stream.h"
 #include "tests/ocx/loaded_control.h"
+#include "tests/ocx/variants.h"
 
 namespace korvel::ocx {
 namespace {
 
 using test::LoadedControl;
+using test::number;
+using test::text;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -58,19 +61,6 @@ class Bag final : public IPropertyBag {
   std::vector<std::wstring> written;
 };
 
-VARIANT variant(const wchar_t* text) {
-  VARIANT made{};
-  made.vt = VT_BSTR;
-  made.bstrVal = ::SysAllocString(text);
-  return made;
-}
-VARIANT variant(LONG number) {
-  VARIANT made{};
-  made.vt = VT_I4;
-  made.lVal = number;
-  return made;
-}
-
 class Stored : public testing::Test {
  protected:
   Stored() { initialize(); }
@@ -85,8 +75,8 @@ class Stored : public testing::Test {
     EXPECT_EQ(as<IPersistStreamInit>(IID_IPersistStreamInit)->InitNew(), S_OK);
   }
   void change() {
-    set(L"DefaultSQLServer", variant(L"PLANT1"));
-    set(L"DatabaseType", variant(1));
+    set(L"DefaultSQLServer", text(L"PLANT1"));
+    set(L"DatabaseType", number(1));
     VARIANT no{};
     no.vt = VT_BOOL;
     set(L"ViewToolBar", no);
@@ -156,8 +146,8 @@ TEST_F(Stored, TheBagHoldsWhatIsNotTheDefault) {
 
 TEST_F(Stored, NamesThatAreUnknownAreNotAskedFor) {
   Bag bag;
-  bag.put(L"Unknown", variant(5));
-  bag.put(L"DatabaseType", variant(1));
+  bag.put(L"Unknown", number(5));
+  bag.put(L"DatabaseType", number(1));
   ASSERT_EQ(as<IPersistPropertyBag>(IID_IPersistPropertyBag)->Load(&bag, nullptr), S_OK);
   EXPECT_EQ(get(1), L"1");
 }
@@ -172,7 +162,7 @@ TEST_F(Stored, AFailingBagIsPassedOn) {
 
 TEST_F(Stored, AValueOfAWrongTypeIsSaid) {
   Bag bag;
-  bag.put(L"DatabaseType", variant(L"no number"));
+  bag.put(L"DatabaseType", text(L"no number"));
   EXPECT_EQ(as<IPersistPropertyBag>(IID_IPersistPropertyBag)->Load(&bag, nullptr), E_FAIL);
   EXPECT_EQ(test::lastFailure(), L"KorvelAuditViewerOCX: 13:Type mismatch");
 }

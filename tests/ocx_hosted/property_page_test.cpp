@@ -9,6 +9,7 @@
 #include "ocx/property_page.h"
 #include "ocx/property_page_elements.h"
 #include "settings/string_table.h"
+#include "tests/ocx/variants.h"
 #include "tests/ocx_hosted/hosted_control.h"
 
 namespace korvel::test {
@@ -38,13 +39,6 @@ class HostedPage : public HostedControl, public testing::WithParamInterface<cons
 
   ocx::ComPointer<IPropertyPage> page_;
 };
-
-VARIANT number(LONG value) {
-  VARIANT made{};
-  made.vt = VT_I4;
-  made.lVal = value;
-  return made;
-}
 
 /// A caption's element and its text.
 struct Caption {
