@@ -98,6 +98,8 @@ class Server {
   std::function<void(std::size_t call)> beforeCall = [](std::size_t /*call*/) {};
   std::function<void(std::size_t select)> beforeSelect = [](std::size_t /*select*/) {};
   std::function<void(std::size_t call)> withinAnswer = [](std::size_t /*call*/) {};
+  /// Whether the answer that is being given is still wanted; for withinAnswer.
+  std::function<bool()> isWanted;
   std::size_t calls = 0;
   std::atomic<std::size_t> selects = 0;
   std::size_t connections = 0;
@@ -108,7 +110,9 @@ class Server {
   /// Passes an answer on.
   class Relay final : public db::ResultSink {
    public:
-    Relay(Server& server, db::ResultSink& sink) : server_(server), sink_(sink) {}
+    Relay(Server& server, db::ResultSink& sink) : server_(server), sink_(sink) {
+      server_.isWanted = [this] { return sink_.shouldContinue(); };
+    }
     void beginResult(std::span<const db::Field> fields) override {
       std::vector<db::Field> known(fields.begin(), fields.end());
       for (db::Field& field : known)

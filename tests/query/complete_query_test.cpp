@@ -311,6 +311,8 @@ TEST_F(BusyMinute, IsStoppedInTheMiddleAndKeepsWhatHasCome) {
   inTheMiddleOfASelect([&](std::size_t) {
     reached.set_value();
     released.get_future().wait();
+    // No row more before the stop has come here.
+    while (server.isWanted()) std::this_thread::yield();
   });
   const CompletionReport report = run(server, actions, day, [&](const CompletionProgress& /*progress*/) {
     if (isReached.wait_for(0s) != std::future_status::ready) return true;
