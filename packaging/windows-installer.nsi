@@ -1,6 +1,6 @@
 ; The installer for Windows: the files of the package, for all users of a machine, with what removes them again.
 ; Made by scripts/windows/package, which gives STAGE (the folder of the package), LISTS (the folder with the generated
-; lists of files), VERSION, ICON and OUTPUT.
+; lists of files), VERSION, ICON, OUTPUT and CONTROL_ID (the class of the control).
 ;
 ; Silent: KorvelAuditViewer-VERSION-win64-setup.exe /S [/D=FOLDER]; removed by uninstall.exe /S. Exit codes: 0 done,
 ; 1 cancelled, 2 refused or failed; what exists stays as it was when an installation is refused.
@@ -19,6 +19,7 @@ CRCCheck force
 
 !define NAME "Korvel Audit Viewer"
 !define PROGRAM "KorvelAuditViewer.exe"
+!define CONTROL "KorvelAuditViewerOCX.ocx"
 !define REMOVAL "Software\Microsoft\Windows\CurrentVersion\Uninstall\KorvelAuditViewer"
 !define SETTINGS "SOFTWARE\Molvane\AuditViewer"
 !define QUERY_TYPE "KorvelAuditViewer.Query"
@@ -49,11 +50,11 @@ VIAddVersionKey "LegalCopyright" "See licences\KorvelAuditViewer.txt"
 !insertmacro MUI_LANGUAGE "Spanish"
 !insertmacro MUI_LANGUAGE "Italian"
 
-LangString inUse ${LANG_ENGLISH} "The viewer is running. Close it, and begin again."
-LangString inUse ${LANG_GERMAN} "Der Viewer läuft. Schließen Sie ihn, und beginnen Sie noch einmal."
-LangString inUse ${LANG_FRENCH} "La visionneuse est ouverte. Fermez-la et recommencez."
-LangString inUse ${LANG_SPANISH} "El visor está abierto. Ciérrelo y vuelva a empezar."
-LangString inUse ${LANG_ITALIAN} "Il visualizzatore è aperto. Chiuderlo e ricominciare."
+LangString inUse ${LANG_ENGLISH} "$R1 is in use. Close the viewer and programs that show it, and begin again."
+LangString inUse ${LANG_GERMAN} "$R1 wird benutzt. Schließen Sie den Viewer und Programme, die ihn zeigen, und beginnen Sie noch einmal."
+LangString inUse ${LANG_FRENCH} "$R1 est en cours d'utilisation. Fermez la visionneuse et les programmes qui l'affichent, puis recommencez."
+LangString inUse ${LANG_SPANISH} "$R1 está en uso. Cierre el visor y los programas que lo muestran, y vuelva a empezar."
+LangString inUse ${LANG_ITALIAN} "$R1 è in uso. Chiudere il visualizzatore e i programmi che lo mostrano, e ricominciare."
 LangString only64 ${LANG_ENGLISH} "This program needs 64-bit Windows."
 LangString only64 ${LANG_GERMAN} "Dieses Programm benötigt ein 64-Bit-Windows."
 LangString only64 ${LANG_FRENCH} "Ce programme nécessite Windows 64 bits."
@@ -76,15 +77,33 @@ LangString queryFile ${LANG_ITALIAN} "Query di audit trail"
   Quit
 !macroend
 
-; A running program's file cannot be opened for writing.
-!macro refuseWhileRunning FOLDER
-  ${If} ${FileExists} "${FOLDER}\${PROGRAM}"
+; The file of a running program, and a library that a program has loaded, cannot be opened for writing.
+!macro refuseInUse FILE
+  ${If} ${FileExists} "${FILE}"
+    StrCpy $R1 "${FILE}"
     ClearErrors
-    FileOpen $0 "${FOLDER}\${PROGRAM}" a
+    FileOpen $0 "$R1" a
     ${If} ${Errors}
       !insertmacro refuse "$(inUse)"
     ${EndIf}
     FileClose $0
+  ${EndIf}
+!macroend
+
+; The toolkit's library stays in a program that has closed its last control.
+!macro refuseWhileInUse FOLDER
+  !insertmacro refuseInUse "${FOLDER}\${PROGRAM}"
+  !insertmacro refuseInUse "${FOLDER}\korvel-audit.exe"
+  !insertmacro refuseInUse "${FOLDER}\${CONTROL}"
+  !insertmacro refuseInUse "${FOLDER}\Qt6Core.dll"
+!macroend
+
+; Whether the machine's control is the one in FOLDER: $R2 is its file then, or empty.
+!macro findControl FOLDER
+  StrCpy $R2 ""
+  ReadRegStr $0 HKLM "Software\Classes\CLSID\${CONTROL_ID}\InprocServer32" ""
+  ${If} $0 == "${FOLDER}\${CONTROL}"
+    StrCpy $R2 $0
   ${EndIf}
 !macroend
 
@@ -102,12 +121,14 @@ Function un.onInit
 FunctionEnd
 
 Section
-  !insertmacro refuseWhileRunning "$INSTDIR"
+  !insertmacro refuseWhileInUse "$INSTDIR"
+  !insertmacro findControl "$INSTDIR"
   ; An earlier version goes first, with the files that this one has not any more.
   ReadRegStr $R0 HKLM "${REMOVAL}" "InstallLocation"
   ${If} $R0 != ""
   ${AndIf} ${FileExists} "$R0\uninstall.exe"
-    !insertmacro refuseWhileRunning "$R0"
+    !insertmacro refuseWhileInUse "$R0"
+    !insertmacro findControl "$R0"
     ExecWait '"$R0\uninstall.exe" /S _?=$R0' $1
     ${If} $1 != 0
       !insertmacro refuse "$(notRemoved)"
@@ -123,6 +144,13 @@ Section
   ${If} ${Errors}
     SetErrorLevel 2
     Abort
+  ${EndIf}
+  ; A control that was registered from an earlier version.
+  ${If} $R2 != ""
+    ExecWait '"$SYSDIR\regsvr32.exe" /s "$INSTDIR\${CONTROL}"' $1
+    ${If} $1 != 0
+      SetErrorLevel 2
+    ${EndIf}
   ${EndIf}
   CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\${PROGRAM}"
 
@@ -153,7 +181,11 @@ Section
 SectionEnd
 
 Section "Uninstall"
-  !insertmacro refuseWhileRunning "$INSTDIR"
+  !insertmacro refuseWhileInUse "$INSTDIR"
+  !insertmacro findControl "$INSTDIR"
+  ${If} $R2 != ""
+    ExecWait '"$SYSDIR\regsvr32.exe" /s /u "$R2"'
+  ${EndIf}
   ; Nothing but what was installed: somebody may have put files of his own there.
   !include "${LISTS}/removed-files.nsh"
   Delete "$INSTDIR\uninstall.exe"
