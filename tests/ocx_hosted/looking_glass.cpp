@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QMetaObject>
+#include <QPixmapCache>
 #include <QStringList>
 #include <QWidget>
 
@@ -75,6 +76,10 @@ __declspec(dllexport) bool pictureOf(HWND viewer, int width, int height, void* p
 __declspec(dllexport) void callLater(bool* done) {
   QMetaObject::invokeMethod(
       QCoreApplication::instance(), [done] { *done = true; }, Qt::QueuedConnection);
+}
+
+__declspec(dllexport) void forgetPictures() {
+  QPixmapCache::clear();
 }
 
 }  // extern "C"

@@ -23,5 +23,7 @@ using FocusOf = BSTR (*)(HWND viewer);
 using PictureOf = bool (*)(HWND viewer, int width, int height, void* pixels);
 /// Leaves a call to the toolkit's events, which sets `done`.
 using CallLater = void (*)(bool* done);
+/// Empties the cache of drawn pictures, which the toolkit keeps up to 10 MB of.
+using ForgetPictures = void (*)();
 
 }  // namespace korvel::test

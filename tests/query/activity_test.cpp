@@ -39,7 +39,7 @@ ResultList listOf(const std::vector<Row>& rows) {
 
 /// The beginning of a bar, by the C library: "2004-03-07 03".
 std::string beginText(ActivityHour begin) {
-  const std::time_t seconds = std::chrono::duration_cast<std::chrono::seconds>(begin.time_since_epoch()).count();
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(begin);
   std::string text(32, ' ');
   text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%d %H", std::gmtime(&seconds)));
   return text;

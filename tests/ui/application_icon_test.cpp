@@ -23,12 +23,12 @@ Number numberAt(const QByteArray& bytes, qsizetype place) {
 /// The picture at a place in the file's list, read by hand: a bitmap from the bottom up, or a PNG.
 QImage pictureAt(const QByteArray& file, int index) {
   const qsizetype entry = headerBytes + index * entryBytes;
-  const QByteArray bytes = file.mid(numberAt<quint32>(file, entry + 12), numberAt<quint32>(file, entry + 8));
+  const QByteArray bytes = file.mid(numberAt<qint32>(file, entry + 12), numberAt<qint32>(file, entry + 8));
   if (bytes.startsWith("\x89PNG")) return QImage::fromData(bytes, "PNG").convertToFormat(QImage::Format_ARGB32);
   const int side = numberAt<qint32>(bytes, 4);
   EXPECT_EQ(numberAt<qint32>(bytes, 8), 2 * side);
   QImage picture(side, side, QImage::Format_ARGB32);
-  qsizetype place = numberAt<quint32>(bytes, 0);
+  qsizetype place = numberAt<qint32>(bytes, 0);
   for (int y = side - 1; y >= 0; --y)
     for (int x = 0; x < side; ++x, place += 4) picture.setPixel(x, y, numberAt<quint32>(bytes, place));
   const int maskRow = (side + 31) / 32 * 4;
