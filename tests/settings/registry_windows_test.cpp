@@ -15,18 +15,32 @@
 namespace korvel::settings {
 namespace {
 
+/// The keys that the product uses also as a program of 32 bits.
+constexpr REGSAM allRights = KEY_ALL_ACCESS | KEY_WOW64_64KEY;
+
+/// Opens a key of the machine's software, or makes it. Null without the right to.
+HKEY openedSoftware(const std::wstring& path) {
+  HKEY key = nullptr;
+  RegCreateKeyExW(HKEY_LOCAL_MACHINE, (L"SOFTWARE" + path).c_str(), 0, nullptr, 0, allRights, nullptr, &key, nullptr);
+  return key;
+}
+
 /// The real registry, below a key that the tests create and delete.
 struct WindowsRegistry : testing::Test {
   WindowsRegistry() {
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
-    HKEY key = nullptr;
-    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) == 0)
-      RegCloseKey(key);
-    else
-      mayWrite = false;
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
+    forget();
+    const HKEY key = openedSoftware(path);
+    mayWrite = key != nullptr;
+    if (mayWrite) RegCloseKey(key);
+    forget();
   }
-  ~WindowsRegistry() override { RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str()); }
+  ~WindowsRegistry() override { forget(); }
+  void forget() const {
+    const HKEY software = openedSoftware({});
+    if (software == nullptr) return;
+    RegDeleteTreeW(software, path.c_str() + 1);
+    RegCloseKey(software);
+  }
   void SetUp() override {
     if (!mayWrite) GTEST_SKIP() << "no right to write to the registry of the machine";
   }
@@ -48,16 +62,14 @@ struct WindowsRegistry : testing::Test {
   }
   /// Stores a value as another program would.
   void store(const wchar_t* name, DWORD type, const void* bytes, DWORD size) const {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
-                              nullptr, &key, nullptr),
-              ERROR_SUCCESS);
+    const HKEY key = openedSoftware(path + L"\\AuditViewerTest");
+    ASSERT_NE(key, nullptr);
     EXPECT_EQ(RegSetValueExW(key, name, 0, type, static_cast<const BYTE*>(bytes), size), ERROR_SUCCESS);
     RegCloseKey(key);
   }
 
   const std::string application = "MolvaneTest";
-  const std::wstring path = L"SOFTWARE\\MolvaneTest";
+  const std::wstring path = L"\\MolvaneTest";
   RegistryAdvapi32 backend;
   Registry registry{backend};
   bool mayWrite = true;
@@ -66,14 +78,15 @@ struct WindowsRegistry : testing::Test {
 TEST_F(WindowsRegistry, HoldsWhatIsSavedWhereEverybodyFindsIt) {
   save("Language", "10000");
   EXPECT_EQ(get("Language"), "10000");
-  const std::string shown = test::outputOf("reg query HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest");
+  const std::string shown = test::outputOf("reg query HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest /reg:64");
   EXPECT_NE(shown.find("Language"), std::string::npos) << shown;
   EXPECT_NE(shown.find("REG_SZ"), std::string::npos) << shown;
   EXPECT_NE(shown.find("10000"), std::string::npos) << shown;
 }
 
 TEST_F(WindowsRegistry, ReadsWhatOthersHaveStored) {
-  test::outputOf("reg add HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest /v ViewerAppPath /t REG_SZ /d C:\\x.exe /f");
+  test::outputOf(
+      "reg add HKLM\\SOFTWARE\\MolvaneTest\\AuditViewerTest /v ViewerAppPath /t REG_SZ /d C:\\x.exe /f /reg:64");
   EXPECT_EQ(get("ViewerAppPath"), "C:\\x.exe");
 }
 
@@ -135,9 +148,8 @@ TEST_F(WindowsRegistry, NamesThatNoKeyCanHaveFailWithTheSystemsNumber) {
 
 TEST_F(WindowsRegistry, WithoutTheRightToWriteSavingFailsWithFive) {
   save("Language", "10000");
-  HKEY key = nullptr;
-  ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &key),
-            ERROR_SUCCESS);
+  const HKEY key = openedSoftware(path + L"\\AuditViewerTest");
+  ASSERT_NE(key, nullptr);
   // An empty access list: only the owner has a right, to change the list.
   ACL nobody{};
   ASSERT_NE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION), 0);
@@ -146,7 +158,7 @@ TEST_F(WindowsRegistry, WithoutTheRightToWriteSavingFailsWithFive) {
                       nullptr, &nobody, nullptr);
   HKEY again = nullptr;
   const LSTATUS opened =
-      RegOpenKeyExW(HKEY_LOCAL_MACHINE, (path + L"\\AuditViewerTest").c_str(), 0, KEY_ALL_ACCESS, &again);
+      RegOpenKeyExW(HKEY_LOCAL_MACHINE, (L"SOFTWARE" + path + L"\\AuditViewerTest").c_str(), 0, allRights, &again);
   if (opened == ERROR_SUCCESS) RegCloseKey(again);
   std::string description;
   const std::uint32_t number = numberOf([&] { save("Language", "20000"); }, &description);
