@@ -9,6 +9,7 @@
 
 #include "base/error.h"
 #include "control/audit_viewer_members.h"
+#include "control/library_state.h"
 #include "db/worker.h"
 #include "ui/style/viewer_style.h"
 
@@ -23,10 +24,20 @@ void awaitStoppedQueries() {
   db::waitForAbandonedWorkers(untilGivenUp);
 }
 
+/// What each application object of the process is told once: a container may make and end several.
+void joinApplication() {
+  static QPointer<QCoreApplication> joined;
+  QCoreApplication* const application = QCoreApplication::instance();
+  if (application == nullptr || joined == application) return;
+  joined = application;
+  qAddPostRoutine(awaitStoppedQueries);
+  control::endStateWith(*application);
+}
+
 }  // namespace
 
 AuditViewer::AuditViewer(QWidget* parent) : QWidget(parent) {
-  [[maybe_unused]] static const bool awaited = (qAddPostRoutine(awaitStoppedQueries), true);
+  joinApplication();
   ui::applyStyle(*this);
   control::provideHelpKey();
   members_ = std::make_unique<Members>(*this);

@@ -19,6 +19,8 @@
 #include "settings/settings_backend.h"
 #include "settings/string_table.h"
 
+class QObject;
+
 namespace korvel::control {
 
 /// What happens to the report once the report viewer has taken it.
@@ -27,7 +29,8 @@ struct PendingReport {
   bool preview = false;
 };
 
-/// The values that all instances of the control share; they exist as long as the library is loaded.
+/// The values that all instances of the control share; they exist as long as the library is loaded, or as the
+/// application object lives in a process where that ends before.
 struct LibraryState {
   db::ConnectionState connection;
   /// What the selected database is a snapshot of, once that is known.
@@ -53,6 +56,10 @@ struct LibraryState {
 
 /// The one instance. Only the control binds it; engine functions get what they need by reference.
 [[nodiscard]] LibraryState& libraryState();
+
+/// Lets the values begin anew when the application object is destroyed: a process may make another one afterwards, and
+/// its viewers know nothing of the earlier ones.
+void endStateWith(QObject& application);
 
 /// What the control uses of the platform: dialogs, settings store, engines, network. Replaced as a whole by tests.
 struct Platform {

@@ -31,14 +31,18 @@ class HostedApplication final : public QApplication {
   int delivering_ = 0;
 };
 
-/// The folder of this library.
-QString ownFolder() {
+/// This library. `flags` say whether it stays in the process from now on.
+HMODULE ownLibrary(DWORD flags) {
   static const char ofThisFile = 0;
   HMODULE module = nullptr;
-  constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-  ::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ofThisFile), &module);
+  ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | flags, reinterpret_cast<LPCWSTR>(&ofThisFile), &module);
+  return module;
+}
+
+QString ownFolder() {
   std::wstring path(32768, L'\0');
-  const DWORD length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+  const DWORD length = ::GetModuleFileNameW(ownLibrary(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), path.data(),
+                                            static_cast<DWORD>(path.size()));
   return QFileInfo(QString::fromWCharArray(path.data(), static_cast<qsizetype>(length))).absolutePath();
 }
 
@@ -46,21 +50,16 @@ QString ownFolder() {
 class ToolkitHosting final : public Hosting {
  public:
   ToolkitHosting() {
+    // The toolkit stays by itself, and keeps pointers into libraries that use it: to plug-ins that they contain and to
+    // types that they have registered. It cannot be told that one of them goes; so this one stays with all it needs.
+    ownLibrary(GET_MODULE_HANDLE_EX_FLAG_PIN);
     // A program that uses the same toolkit has its own application object, which is used then.
     if (QCoreApplication::instance() != nullptr) return;
     QCoreApplication::setLibraryPaths({ownFolder()});
     // The process keeps its own settings, such as how it deals with the density of screens.
     QCoreApplication::setAttribute(Qt::AA_PluginApplication);
     // Whatever the environment says of platforms is meant for other programs.
-    static int count = 5;
-    static std::array<char, 21> name{"KorvelAuditViewerOCX"};
-    static std::array<char, 10> platform{"-platform"};
-    static std::array<char, 8> windows{"windows"};
-    static std::array<char, 20> path{"-platformpluginpath"};
-    static std::array<char, 1> none{""};
-    static std::array<char*, 6> arguments{name.data(), platform.data(), windows.data(),
-                                          path.data(), none.data(),     nullptr};
-    application_ = std::make_unique<HostedApplication>(count, arguments.data());
+    application_ = std::make_unique<HostedApplication>(count_, arguments_.data());
     // It has added the folder of the program, which is not the viewer's.
     QCoreApplication::setLibraryPaths({ownFolder()});
     QApplication::setQuitOnLastWindowClosed(false);
@@ -90,6 +89,14 @@ class ToolkitHosting final : public Hosting {
   bool end() noexcept override;
 
  private:
+  std::array<char, 21> name_{"KorvelAuditViewerOCX"};
+  std::array<char, 10> platform_{"-platform"};
+  std::array<char, 8> windows_{"windows"};
+  std::array<char, 20> path_{"-platformpluginpath"};
+  std::array<char, 1> none_{""};
+  // The application object takes out what it has read, and needs the rest as long as it lives.
+  std::array<char*, 6> arguments_{name_.data(), platform_.data(), windows_.data(), path_.data(), none_.data(), nullptr};
+  int count_ = 5;
   std::unique_ptr<HostedApplication> application_;
 };
 

@@ -52,6 +52,7 @@ class Parts {
 QStyle& sharedStyle() {
   static QPointer<QStyle> style;
   if (style.isNull()) {
+    refreshSystemAppearance();
     style = new ViewerStyle;
     style->setParent(qApp);
   }
