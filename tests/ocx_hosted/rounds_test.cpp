@@ -68,5 +68,20 @@ TEST_F(HostedRounds, AHundredQueriesInAsManyViewersLeaveNothingBehind) {
   expectNoMoreForAHundredViewers(before, after);
 }
 
+TEST(PackageRounds, AHundredLoadingsLeaveNothingBehind) {
+  const auto round = [] {
+    const LoadedControl file(KORVEL_PACKAGE_FOLDER);
+    const ContainerWindow window;
+    const ocx::ComPointer<IUnknown> control = file.make();
+    RecordedContainer container(window.handle(), control.get());
+    EXPECT_EQ(container.doVerb(OLEIVERB_UIACTIVATE), S_OK);
+  };
+  for (int warm = 0; warm < 10; ++warm) round();
+  const Holdings before = holdings();
+  for (int count = 0; count < 100; ++count) round();
+  expectNothingMore(before, holdings());
+  EXPECT_EQ(::GetModuleHandleW(L"KorvelAuditViewerOCX.ocx"), nullptr);
+}
+
 }  // namespace
 }  // namespace korvel::test
