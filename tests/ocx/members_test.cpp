@@ -160,8 +160,11 @@ TEST_F(Members, EventsAndChangesReachTheContainer) {
   container.close();
   EXPECT_EQ(container.references(), 0U);
   container.forget();
-  call(L"SelectDatabase");
-  EXPECT_THAT(container.told(), ElementsAre()) << "after it was closed";
+  EXPECT_EQ(call(L"SelectDatabase"), S_OK) << "after it was closed";
+  EXPECT_THAT(container.told(), ElementsAre());
+  EXPECT_EQ(call(L"DefaultSQLServer", {}, DISPATCH_PROPERTYGET), S_OK);
+  ASSERT_EQ(result_.vt, VT_BSTR);
+  EXPECT_STREQ(result_.bstrVal, L"PLANT1");
 }
 
 TEST_F(Members, FrozenEventsAreNotRaised) {
